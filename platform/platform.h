@@ -1,0 +1,18 @@
+// Everything the dialog asks of the machine it runs on. All members outlive the form.
+#pragma once
+
+namespace kxrestore::platform {
+
+class Desktop;
+class Registry;
+class Regional;
+class Drives;
+
+struct Platform {
+  Desktop& desktop;
+  Registry& registry;
+  Regional& regional;
+  Drives& drives;
+};
+
+}  // namespace kxrestore::platform

@@ -1,0 +1,31 @@
+// How the user writes dates, times and numbers.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace kxrestore::platform {
+
+struct CivilTime {
+  int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+};
+
+class Regional {
+ public:
+  virtual ~Regional() = default;
+  virtual std::string ShortDate(const CivilTime& time) const = 0;  // 11/16/2026
+  virtual std::string LongTime(const CivilTime& time) const = 0;   // 2:25:30 AM
+  virtual std::string Grouped(std::int64_t number) const = 0;      // 1,234,567
+  virtual CivilTime Now() const = 0;                               // local time
+};
+
+// The forms used where there are no regional settings.
+class FixedRegional : public Regional {
+ public:
+  std::string ShortDate(const CivilTime& time) const override;
+  std::string LongTime(const CivilTime& time) const override;
+  std::string Grouped(std::int64_t number) const override;
+  CivilTime Now() const override;
+};
+
+}  // namespace kxrestore::platform
