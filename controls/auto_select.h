@@ -1,0 +1,74 @@
+// The product's list control: entries of six values with a tick box each. It shows found files, files marked to
+// restore, and, as a chooser, file types. A million entries cost what their texts weigh; equal texts (set names,
+// extensions) are kept once.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "controls/control.h"
+
+namespace kxrestore::controls {
+
+class AutoSelect : public Control {
+ public:
+  // What one entry stands for. Texts handed out are valid until the list is cleared.
+  struct Entry {
+    std::string_view name;       // as shown
+    std::int64_t size = 0;       // bytes; for a file type the number of its files
+    bool sizeKnown = true;
+    std::string_view extension;  // of the run; for a file type its description
+    std::int32_t setId = 0;
+    std::string_view setName;
+    std::string_view date;       // as shown; sorted by `dateKey`
+    std::int64_t dateKey = 0;
+    std::string_view storedName;  // the catalog's own name of the entry, that marking compares
+    bool isGroup = false;         // a group of file types: ticking it ticks its members
+  };
+
+  enum class Style { kFiles, kTypes };
+
+  AutoSelect(std::string name, Container* container, Style style);
+  ~AutoSelect() override;
+
+  Style GetStyle() const { return m_style; }
+
+  void Clear();
+  std::size_t Add(const Entry& entry, bool ticked = false);  // the new entry's number, from 1
+  std::size_t Count() const;
+
+  // The entry that the following reads speak of; error 9 outside 1..Count.
+  void SetCurrent(std::size_t number);
+  std::size_t Current() const { return m_current; }
+  bool Ticked() const { return TickedAt(m_current); }
+  std::string_view FileName() const { return At(m_current).name; }
+  std::string_view StoredName() const { return At(m_current).storedName; }
+  std::string_view Extension() const { return At(m_current).extension; }
+  std::int16_t SetId() const;  // error 6 beyond 16 bit
+
+  Entry At(std::size_t number) const;
+  bool TickedAt(std::size_t number) const;
+  void SetTicked(std::size_t number, bool ticked);
+  void TickAll(bool ticked);
+
+  // The names of the ticked entries that are no groups, each followed by ";".
+  std::string TickedTypes() const;
+
+  std::size_t MemoryUsed() const;
+
+  std::function<void(std::size_t)> TickChange;  // the user changed a tick
+  void UserTick(std::size_t number, bool ticked);
+
+ private:
+  struct Store;
+  ListPeer* List() const { return static_cast<ListPeer*>(GetPeer()); }
+
+  Style m_style;
+  std::size_t m_current = 0;
+  std::unique_ptr<Store> m_store;
+};
+
+}  // namespace kxrestore::controls

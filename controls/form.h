@@ -1,0 +1,62 @@
+// The window itself. Its size has an outer measure (Width, Height) and an inner one (ScaleWidth, ScaleHeight) that
+// leaves out title bar and borders; the front end tells how much those take.
+#pragma once
+
+#include "controls/control.h"
+
+namespace kxrestore::controls {
+
+enum class WindowState { kNormal = 0, kMinimized = 1, kMaximized = 2 };
+enum class MousePointer { kDefault = 0, kSizeNS = 7, kSizeWE = 9, kHourglass = 11 };
+enum class Key { kEscape, kF5 };
+
+class Form : public Container {
+ public:
+  explicit Form(std::string name);
+
+  const std::string& Caption() const { return m_caption; }
+  void SetCaption(std::string caption);
+
+  int ScaleWidth() const;
+  int ScaleHeight() const;
+  // What the window's frame adds to the inner size, in twips.
+  void SetFrame(int width, int height);
+
+  controls::WindowState WindowState() const { return m_windowState; }
+  void SetWindowState(controls::WindowState state);
+  controls::MousePointer MousePointer() const { return m_mousePointer; }
+  void SetMousePointer(controls::MousePointer pointer);
+
+  // Path of an icon file that replaces the designed icon; an empty path keeps that.
+  const std::string& IconPath() const { return m_iconPath; }
+  void SetIconPath(std::string path);
+
+  // Open from creation until it is unloaded. Unload asks the Unload event first, which may refuse.
+  bool IsOpen() const { return m_open; }
+  void Unload();
+  std::function<void(bool& cancel)> OnUnload;
+
+  // Keys that mean something to the whole form. UserClose is the close box, Alt+F4 and the system menu.
+  std::function<void(Key)> KeyPress;
+  std::function<void()> CloseRequest;  // when set, UserClose raises it instead of unloading at once
+  void UserKey(Key key);
+  void UserClose();
+  void UserResize(int width, int height, controls::WindowState state);  // outer size
+
+  // Remembered place of the window in twips on the screen; shown centred when there is none.
+  struct Placement {
+    bool known = false;
+    int left = 0, top = 0;
+  };
+  Placement placement;
+
+ private:
+  std::string m_caption;
+  std::string m_iconPath;
+  int m_frameWidth = 240, m_frameHeight = 510;
+  controls::WindowState m_windowState = controls::WindowState::kNormal;
+  controls::MousePointer m_mousePointer = controls::MousePointer::kDefault;
+  bool m_open = true;
+};
+
+}  // namespace kxrestore::controls

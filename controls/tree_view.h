@@ -1,0 +1,106 @@
+// A tree of nodes with text, key, tag, image, check and expansion, made for trees of a million nodes: a node costs some
+// 60 bytes and the bytes of its texts, a text that ends its node's tag costs nothing, and finding a key is one hash
+// look-up.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "controls/control.h"
+#include "controls/widgets.h"
+
+namespace kxrestore::controls {
+
+class TreeView;
+
+// A handle to a node; an empty one stands for "nothing". Valid until the tree is cleared or the node removed. Texts
+// that it returns are valid as long.
+class Node {
+ public:
+  Node() = default;
+  Node(TreeView* tree, std::uint32_t index) : m_tree(tree), m_index(index) {}
+
+  explicit operator bool() const { return m_index != 0; }
+  // Two handles to the same node.
+  friend bool operator==(const Node& left, const Node& right) { return left.m_index == right.m_index; }
+
+  int Index() const { return static_cast<int>(m_index); }  // from 1, in the order of adding
+  std::string_view Text() const;
+  std::string_view Key() const;
+  std::string_view Tag() const;
+  int Image() const;
+  bool Checked() const;
+  bool Expanded() const;
+  bool Bold() const;
+
+  void SetText(std::string_view text);
+  void SetTag(std::string_view tag);
+  void SetImage(int image);
+  void SetChecked(bool checked);    // raises nothing
+  void SetExpanded(bool expanded);  // raises Expand or Collapse when it changes on a node with children
+  void SetBold(bool bold);
+
+  Node Parent() const;
+  Node Child() const;         // the first
+  Node Next() const;          // next sibling
+  Node FirstSibling() const;  // itself included
+  Node Root() const;          // the top node above it, itself when it is one
+  bool HasChildren() const { return static_cast<bool>(Child()); }
+
+ private:
+  friend class TreeView;
+  TreeView* m_tree = nullptr;
+  std::uint32_t m_index = 0;
+};
+
+class TreeView : public Control {
+ public:
+  TreeView(std::string name, Container* container, bool checkBoxes);
+  ~TreeView() override;
+
+  bool CheckBoxes() const { return m_checkBoxes; }
+  const ImageList* Images() const { return m_images; }
+  void SetImages(const ImageList* images) { m_images = images; }  // must outlive the tree
+
+  // Adds a node as the last child of `parent`, or as the last top node when that is nothing. An empty key is no key.
+  // Error 35602 when another node has the key.
+  Node Add(Node parent, std::string_view key, std::string_view text, int image = 0, std::string_view tag = {});
+  // Removes a node with everything below it. The indexes of the nodes behind it do not move; they are never reused
+  // before the tree is cleared, and looking one up that is gone is error 35601.
+  void Remove(Node node);
+  void Clear();
+
+  std::size_t Count() const;
+  Node Find(std::string_view key) const;    // nothing when there is none
+  Node Item(std::string_view key) const;    // error 35601 when there is none
+  Node Item(int index) const;               // error 35600 outside 1..highest index given
+  Node FirstRoot() const;
+  Node SelectedItem() const { return m_selected; }
+  void SetSelectedItem(Node node);  // raises nothing
+
+  // Bytes held for the nodes and their texts.
+  std::size_t MemoryUsed() const;
+
+  std::function<void(Node)> NodeClick;  // the user chose it, by pointer or key
+  std::function<void(Node)> NodeCheck;  // the user changed its check
+  std::function<void(Node)> Expand;
+  std::function<void(Node)> Collapse;
+
+  void UserClickNode(Node node);
+  void UserCheck(Node node, bool checked);
+  void UserExpand(Node node, bool expanded);
+
+ private:
+  friend class Node;
+  struct Store;
+  TreePeer* Tree() const { return static_cast<TreePeer*>(GetPeer()); }
+
+  bool m_checkBoxes;
+  const ImageList* m_images = nullptr;
+  Node m_selected;
+  std::unique_ptr<Store> m_store;
+};
+
+}  // namespace kxrestore::controls
