@@ -24,6 +24,7 @@ void AppendCharacter(std::string& text, char32_t character);
 // Simple case folding of one character: characters that differ only in case fold to the same one.
 char32_t FoldCase(char32_t character);
 std::string FoldCase(std::string_view text);
+void AppendFolded(std::string& folded, std::string_view text);  // for callers that keep their buffer
 
 bool EqualIgnoringCase(std::string_view left, std::string_view right);
 bool ContainsIgnoringCase(std::string_view text, std::string_view piece);

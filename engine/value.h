@@ -25,10 +25,13 @@ inline bool IsNull(const ValueView& value) { return value.index() == 0; }
 // Null converts to an empty text, 0 and false. A date's text is "YYYY-MM-DD HH:MM:SS"; how the user writes dates is
 // not the engine's business. Text that is no number raises error 13, Type mismatch.
 std::string ToText(const ValueView& value);
+std::string ToText(const DateTime& date);
 std::int64_t ToInteger(const ValueView& value);
 bool ToBoolean(const ValueView& value);
 
 // A date, or a text "YYYY-MM-DD", "YYYY-MM-DD HH:MM[:SS[.fff]]" (also with "T"); nothing for anything else.
 std::optional<DateTime> ToDateTime(const ValueView& value);
+
+bool IsValidDate(int year, int month, int day);
 
 }  // namespace kxrestore::engine

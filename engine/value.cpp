@@ -1,0 +1,160 @@
+#include "engine/value.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+#include "base/error.h"
+
+namespace kxrestore::engine {
+namespace {
+
+[[noreturn]] void RaiseTypeMismatch() {
+  throw Error(kxrestore::error_number::kTypeMismatch, "Type mismatch", "Engine");
+}
+
+std::string_view Trimmed(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t\r\n");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
+}
+
+double ParseNumber(std::string_view text) {
+  text = Trimmed(text);
+  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  double number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (text.empty() || error != std::errc() || end != text.data() + text.size()) RaiseTypeMismatch();
+  return number;
+}
+
+std::int64_t RoundToInteger(double number) {
+  const double rounded = std::nearbyint(number);  // half to even, as the desktop engine converts
+  if (!(rounded >= -9223372036854775808.0 && rounded < 9223372036854775808.0)) {
+    throw Error(kxrestore::error_number::kOverflow, "Overflow", "Engine");
+  }
+  return static_cast<std::int64_t>(rounded);
+}
+
+// Reads exactly `digits` digits into `number` and moves on.
+bool TakeNumber(std::string_view& text, std::size_t digits, int& number) {
+  if (text.size() < digits) return false;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + digits, number);
+  if (error != std::errc() || end != text.data() + digits || number < 0) return false;
+  text.remove_prefix(digits);
+  return true;
+}
+
+bool TakeCharacter(std::string_view& text, char character) {
+  if (text.empty() || text.front() != character) return false;
+  text.remove_prefix(1);
+  return true;
+}
+
+}  // namespace
+
+bool IsValidDate(int year, int month, int day) {
+  constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  if (year < 1 || year > 9999 || month < 1 || month > 12 || day < 1) return false;
+  const bool leap = month == 2 && year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+  return day <= kDays[month - 1] + (leap ? 1 : 0);
+}
+
+std::string ToText(const DateTime& date) {
+  char buffer[80];
+  std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day,
+                date.hour, date.minute, date.second);
+  return buffer;
+}
+
+std::string ToText(const ValueView& value) {
+  struct Visitor {
+    std::string operator()(std::monostate) const { return {}; }
+    std::string operator()(bool b) const { return b ? "True" : "False"; }
+    std::string operator()(std::int64_t number) const { return std::to_string(number); }
+    std::string operator()(double number) const {
+      char buffer[40];
+      std::snprintf(buffer, sizeof buffer, "%.15g", number);
+      return buffer;
+    }
+    std::string operator()(std::string_view text) const { return std::string(text); }
+    std::string operator()(const DateTime& date) const { return ToText(date); }
+  };
+  return std::visit(Visitor{}, value);
+}
+
+std::int64_t ToInteger(const ValueView& value) {
+  struct Visitor {
+    std::int64_t operator()(std::monostate) const { return 0; }
+    std::int64_t operator()(bool b) const { return b ? 1 : 0; }
+    std::int64_t operator()(std::int64_t number) const { return number; }
+    std::int64_t operator()(double number) const { return RoundToInteger(number); }
+    std::int64_t operator()(std::string_view text) const {
+      const std::string_view trimmed = Trimmed(text);
+      std::int64_t number = 0;
+      const auto [end, error] = std::from_chars(trimmed.data(), trimmed.data() + trimmed.size(), number);
+      if (error == std::errc() && end == trimmed.data() + trimmed.size()) return number;
+      return RoundToInteger(ParseNumber(trimmed));
+    }
+    std::int64_t operator()(const DateTime&) const { RaiseTypeMismatch(); }
+  };
+  return std::visit(Visitor{}, value);
+}
+
+bool ToBoolean(const ValueView& value) {
+  struct Visitor {
+    bool operator()(std::monostate) const { return false; }
+    bool operator()(bool b) const { return b; }
+    bool operator()(std::int64_t number) const { return number != 0; }
+    bool operator()(double number) const { return number != 0; }
+    bool operator()(std::string_view text) const {
+      const auto is = [text](std::string_view word) {
+        if (text.size() != word.size()) return false;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+          if ((text[i] | 0x20) != word[i]) return false;
+        }
+        return true;
+      };
+      if (is("true")) return true;
+      if (is("false")) return false;
+      return ParseNumber(text) != 0;
+    }
+    bool operator()(const DateTime&) const { RaiseTypeMismatch(); }
+  };
+  return std::visit(Visitor{}, value);
+}
+
+std::optional<DateTime> ToDateTime(const ValueView& value) {
+  if (const DateTime* date = std::get_if<DateTime>(&value)) return *date;
+  const std::string_view* source = std::get_if<std::string_view>(&value);
+  if (source == nullptr) return std::nullopt;
+  std::string_view text = *source;
+  int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+  if (!TakeNumber(text, 4, year) || !TakeCharacter(text, '-') || !TakeNumber(text, 2, month) ||
+      !TakeCharacter(text, '-') || !TakeNumber(text, 2, day)) {
+    return std::nullopt;
+  }
+  if (!text.empty()) {
+    if (!TakeCharacter(text, ' ') && !TakeCharacter(text, 'T')) return std::nullopt;
+    if (!TakeNumber(text, 2, hour) || !TakeCharacter(text, ':') || !TakeNumber(text, 2, minute)) {
+      return std::nullopt;
+    }
+    if (TakeCharacter(text, ':') && !TakeNumber(text, 2, second)) return std::nullopt;
+    if (!text.empty() && (!TakeCharacter(text, '.') ||
+                          text.find_first_not_of("0123456789") != std::string_view::npos)) {
+      return std::nullopt;
+    }
+  }
+  if (!IsValidDate(year, month, day) || hour > 23 || minute > 59 || second > 59) return std::nullopt;
+  DateTime date;
+  date.year = static_cast<std::int16_t>(year);
+  date.month = static_cast<std::int8_t>(month);
+  date.day = static_cast<std::int8_t>(day);
+  date.hour = static_cast<std::int8_t>(hour);
+  date.minute = static_cast<std::int8_t>(minute);
+  date.second = static_cast<std::int8_t>(second);
+  return date;
+}
+
+}  // namespace kxrestore::engine
