@@ -1,0 +1,18 @@
+# kx_sqlite3: the embedded database library. Natively it is the system's; for Windows it is compiled from the source
+# that scripts/setup.sh lays into build/deps, so that the DLL needs nothing beside it.
+if(WIN32)
+  set(kx_sqlite_dir ${CMAKE_SOURCE_DIR}/build/deps/sqlite)
+  if(NOT EXISTS ${kx_sqlite_dir}/sqlite3.c)
+    message(FATAL_ERROR "${kx_sqlite_dir}/sqlite3.c is missing: run scripts/setup.sh windows")
+  endif()
+  add_library(kx_sqlite3 STATIC ${kx_sqlite_dir}/sqlite3.c)
+  target_include_directories(kx_sqlite3 SYSTEM PUBLIC ${kx_sqlite_dir})
+  # As the system library is built, as far as this project can tell the difference.
+  target_compile_definitions(kx_sqlite3 PRIVATE SQLITE_THREADSAFE=1 SQLITE_ENABLE_COLUMN_METADATA
+                                                SQLITE_OMIT_LOAD_EXTENSION)
+  target_compile_options(kx_sqlite3 PRIVATE -O2 -w)
+else()
+  find_package(SQLite3 REQUIRED)
+  add_library(kx_sqlite3 INTERFACE)
+  target_link_libraries(kx_sqlite3 INTERFACE SQLite::SQLite3)
+endif()

@@ -1,0 +1,71 @@
+#!/usr/bin/env bash
+# Installs what is missing to build and run the system on Debian 12: setup.sh [GROUP...]
+#
+#   native   build of the native programs and tests
+#   windows  cross-build of the DLL and its tests, SQLite's source for it
+#   wine     running Windows programs, with and without a display
+#   bench    the benchmarks
+#
+# All groups without any. Needs root or sudo only when a package is missing, the network only then and for SQLite's
+# source; otherwise it is done at once.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+declare -A kPackages=(
+  [native]="build-essential cmake ninja-build libsqlite3-dev googletest libgtest-dev unicode-data"
+  [windows]="build-essential cmake ninja-build googletest unicode-data libsqlite3-0
+             g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64-tools libwine-dev
+             dpkg-dev xz-utils tcl"
+  [wine]="wine wine64 fonts-wine fonts-liberation fontconfig xvfb x11-utils xdotool imagemagick"
+  [bench]="build-essential cmake ninja-build libsqlite3-dev libbenchmark-dev"
+)
+
+wanted=("$@")
+[[ $# -gt 0 ]] || wanted=(native windows wine bench)
+
+packages=()
+needsSqlite=no
+for group in "${wanted[@]}"; do
+  [[ -n ${kPackages[$group]:-} ]] || fail "no group '$group'; there are: ${!kPackages[*]}"
+  read -r -d '' -a more <<<"${kPackages[$group]}" || true
+  packages+=("${more[@]}")
+  [[ $group != windows ]] || needsSqlite=yes
+done
+
+# The package database, not the path, is asked: half of these packages hold no program.
+missing_packages() {
+  declare -A have=()
+  local name status
+  while read -r status name; do
+    [[ $status == installed ]] && have[$name]=1
+  done < <(dpkg-query -W -f='${db:Status-Status} ${Package}\n' "${packages[@]}" 2>/dev/null || true)
+  for name in "${packages[@]}"; do
+    [[ -n ${have[$name]:-} ]] || printf '%s\n' "$name"
+  done | sort -u
+}
+
+as_root() {
+  if [[ $(id -u) -eq 0 ]]; then
+    "$@"
+  elif command -v sudo >/dev/null; then
+    sudo "$@"
+  else
+    fail "installing packages needs root or sudo; missing: ${missing[*]}"
+  fi
+}
+
+mapfile -t missing < <(missing_packages)
+if [[ ${#missing[@]} -gt 0 ]]; then
+  say "installing ${missing[*]}"
+  aptGet=(env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=600 -o Acquire::Retries=3)
+  # One unreachable third-party list must not stop what the other lists can give.
+  as_root "${aptGet[@]}" update || warn "apt-get update had errors"
+  as_root "${aptGet[@]}" install --no-install-recommends "${missing[@]}"
+  mapfile -t missing < <(missing_packages)
+  [[ ${#missing[@]} -eq 0 ]] || fail "still missing: ${missing[*]}"
+fi
+
+if [[ $needsSqlite == yes ]]; then
+  "$kxRoot/scripts/sqlite_source.sh"
+fi
