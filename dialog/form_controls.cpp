@@ -1,0 +1,80 @@
+#include "dialog/form_controls.h"
+
+namespace kxrestore::dialog {
+
+namespace {
+
+constexpr int kDesignedWidth = 11880;
+constexpr int kDesignedHeight = 8600;
+
+void Size(controls::Control& control, int width, int height) {
+  control.Move(control.Left(), control.Top(), width, height);
+}
+
+template <class Buttons>
+void SizeButtons(Buttons& buttons) {
+  for (auto& button : buttons) Size(button, kButtonWidth, kButtonHeight);
+}
+
+}  // namespace
+
+FormControls::FormControls() {
+  form.SetCaption("Select Files to Restore");
+  tvwDetails.SetImages(&imlRestore);
+
+  // Where things stand follows from their sizes when the form is laid out.
+  SizeButtons(cmdAction);
+  SizeButtons(cmdSearch);
+  SizeButtons(cmdAuto);
+  SizeButtons(btnSelect);
+  SizeButtons(cmdRestore);
+  Size(cmdCD, kButtonWidth, kButtonHeight);
+  Size(lblTreeCount, kButtonWidth, 3 * kLineHeight);
+  Size(lblSearchCount, kButtonWidth, 2 * kLineHeight);
+  Size(lblMask, 1200, kLineHeight);
+  Size(cboMask, 2300, kFieldHeight);
+  Size(lblList, 2400, 240);
+  Size(lblRestorePath, 4000, 215);
+  Size(lblCurrSet, kButtonWidth, kLineHeight);
+  Size(lblSetName, kButtonWidth, 3 * kLineHeight);
+  Size(picCounts, kButtonWidth, 3 * kLineHeight);
+  Size(picTopButtons, 2910, 1400);
+  Size(chkShowZero, 1900, kBoxHeight);
+  for (auto& frame : frLookin) Size(frame, 2325, 525);
+  SplitV.SetMousePointer(static_cast<int>(controls::MousePointer::kSizeWE));
+
+  lblSetName.SetFontName("Arial");
+  lblCurrSet.SetFontName("Arial");
+  lblRestorePath.SetRightAligned(true);
+  txtVL.SetLocked(true);
+
+  // What a screen reader says of controls that carry no caption.
+  tvwSets.SetAccessibleName("Backup sets");
+  tvwDetails.SetAccessibleName("Files of the backup set");
+  asFiles.SetAccessibleName("File types");
+  asSearch.SetAccessibleName("Files found");
+  asRestoreList.SetAccessibleName("Files selected to restore");
+  cboMask.SetAccessibleName("Find by mask");
+  DriveCD.SetAccessibleName("CD-ROM drive");
+  txtVL.SetAccessibleName("Volume");
+  ProgressBar1.SetAccessibleName("Progress");
+  tbsOptions.SetAccessibleName("Ways to choose files");
+
+  // Nothing uses these; a user is not shown a control that does nothing.
+  chkShowZero.SetVisible(false);
+  frLookin[0].SetVisible(false);
+  for (auto& button : btnSelect) button.SetVisible(false);
+
+  panel[1].SetVisible(false);
+  panel[2].SetVisible(false);
+  frLoadCD.SetVisible(false);
+  for (int index : {1, 3, 5}) optLookIn[index].SetValue(true);
+  optLookIn[0].SetEnabled(false);
+  optLookIn[2].SetEnabled(false);
+  cmdCD.SetEnabled(false);
+  cmdRestore[0].SetEnabled(false);
+
+  form.Move(0, 0, kDesignedWidth, kDesignedHeight);
+}
+
+}  // namespace kxrestore::dialog
