@@ -1,0 +1,116 @@
+#include "catalog/restore_marks.h"
+
+#include <charconv>
+#include <utility>
+
+#include "catalog/text_routines.h"
+
+namespace kxrestore::catalog {
+namespace {
+
+void AppendNumber(std::string& sql, std::int32_t number) {
+  char digits[12];
+  sql.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+}
+
+void Mark(engine::Recordset& rows, engine::Field& restore, bool value) {
+  rows.Edit();
+  restore.Set(value);
+  rows.Update();
+}
+
+void ClearAllMarks(engine::Database& database) {
+  database.Execute("UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));",
+                   engine::kFailOnError);
+}
+
+}  // namespace
+
+RestoreMarks::RestoreMarks(engine::Workspace& workspace, const ConnectionSettings& settings,
+                           const CurrentRun& current, Report report)
+    : m_workspace(workspace), m_settings(settings), m_current(current), m_report(std::move(report)) {}
+
+template <typename Operation, typename Tag>
+bool RestoreMarks::Run(Operation operation, Tag tag) {
+  try {
+    operation();
+    return true;
+  } catch (const Error& error) {
+    m_report(error, tag());
+    return false;
+  }
+}
+
+bool RestoreMarks::UpdateByID(std::int32_t id) {
+  return Run(
+      [&] {
+        const auto database = OpenCatalog(m_workspace, m_settings);
+        m_sql = "UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=";
+        AppendNumber(m_sql, id);
+        m_sql += "));";
+        database->Execute(m_sql, engine::kFailOnError);
+      },
+      [&] { return "UpdateByID(" + std::to_string(id) + ")"; });
+}
+
+void RestoreMarks::BeginSelect(std::string_view columns, std::int32_t setNameId, std::string_view extension) {
+  m_sql = "SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, ";
+  m_sql.append(columns);
+  m_sql +=
+      "FROM LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID "
+      "WHERE (((Catalog.SetNameID)=";
+  AppendNumber(m_sql, setNameId == 0 ? m_current.setId : setNameId);
+  m_sql += ") AND ((Catalog.Extension)='";
+  m_sql.append(extension.empty() ? std::string_view(m_current.extension) : extension);
+}
+
+bool RestoreMarks::UpdateSelectionByFile(std::string_view fileName, bool restoreValue, std::int32_t setNameId,
+                                         std::string_view extension) {
+  return Run(
+      [&] {
+        BeginSelect(
+            "Catalog.File, Catalog.Plugin, Catalog.Restore, "
+            "IIf(IsNull([LongPath]),[Catalog.Filename],[LongPath]) AS RestoreFile, LongPaths.LongPath ",
+            setNameId, extension);
+        m_sql += "')); ";
+        const auto database = OpenCatalog(m_workspace, m_settings);
+        const auto rows = database->OpenRecordset(m_sql, engine::RecordsetType::kDynaset);
+        const auto file = rows->Fields("File");
+        auto restore = rows->Fields("Restore");
+        for (; !rows->Eof(); rows->MoveNext()) {
+          if (!file.IsNull() && file.TextView() == fileName) Mark(*rows, restore, restoreValue);
+        }
+        rows->Close();
+        database->Close();
+      },
+      [] { return "UpdateSelection"; });
+}
+
+bool RestoreMarks::UpdateSelectionByFileName(std::string_view fileName, bool restoreValue,
+                                             std::int32_t setNameId, std::string_view extension) {
+  return Run(
+      [&] {
+        BeginSelect("Catalog.Restore, LongPaths.LongPath ", setNameId, extension);
+        m_sql += "') AND ((Catalog.Filename)='";
+        AppendWithFixedQuotes(m_sql, fileName);
+        m_sql += "')); ";
+        const auto database = OpenCatalog(m_workspace, m_settings);
+        const auto rows = database->OpenRecordset(m_sql, engine::RecordsetType::kDynaset);
+        if (!rows->Eof()) {
+          auto restore = rows->Fields("Restore");
+          Mark(*rows, restore, restoreValue);
+        }
+        // The mark is written; what closing has to say changes nothing. Destruction closes without a word.
+      },
+      [] { return "UpdateSelection"; });
+}
+
+bool RestoreMarks::CancelAll() {
+  return Run([&] { ClearAllMarks(*OpenCatalog(m_workspace, m_settings)); }, [] { return "CancelAll"; });
+}
+
+bool RestoreMarks::ClearSelections() {
+  return Run([&] { ClearAllMarks(*OpenCatalog(m_workspace, m_settings)); }, [] { return "ClearSelections"; });
+}
+
+}  // namespace kxrestore::catalog
