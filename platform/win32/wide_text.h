@@ -1,0 +1,19 @@
+// Conversions at the Win32 edge: UTF-8 inside, UTF-16 or the ANSI code page outside. What cannot be converted
+// becomes the replacement character of the target.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kxrestore::win32 {
+
+std::wstring Wide(std::string_view utf8);
+std::string Narrow(std::wstring_view utf16);
+
+std::string ToAnsi(std::string_view utf8);
+std::string FromAnsi(std::string_view ansi);
+
+// The text of a window.
+std::string WindowText(struct HWND__* window);
+
+}  // namespace kxrestore::win32

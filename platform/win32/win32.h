@@ -1,0 +1,12 @@
+// The system's headers, without the macros that rename members of the neutral interfaces.
+#pragma once
+
+#include <commctrl.h>
+#include <windows.h>
+#include <windowsx.h>
+
+#undef MessageBox
+#undef GetClassName
+#undef GetFirstChild
+#undef GetNextSibling
+#undef FindText

@@ -1,0 +1,115 @@
+// What the windows of one form share: module, resolution, fonts, and the list of windows whose controls have
+// changed since they were last brought into line.
+//
+// Form code changes properties far more often than anybody can see, so windows do not follow each change. A
+// changed window puts itself on a list (`Later`), and the list is worked off when a message has been handled
+// (`Flush`) or, for what may change once a row of a long walk (captions, progress), about ten times a second
+// (`FlushThrottled`).
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "controls/form.h"
+#include "platform/win32/win32.h"
+
+namespace kxrestore::win32 {
+
+class ControlWindow;
+
+struct FontDeleter {
+  void operator()(HFONT font) const { DeleteObject(font); }
+};
+using FontHandle = std::unique_ptr<std::remove_pointer_t<HFONT>, FontDeleter>;
+
+// Common controls version 6 for the windows created while it lives; the host's own windows keep the host's
+// choice.
+class ActivationScope {
+ public:
+  explicit ActivationScope(HANDLE activationContext);
+  ~ActivationScope();
+  ActivationScope(const ActivationScope&) = delete;
+  ActivationScope& operator=(const ActivationScope&) = delete;
+
+ private:
+  bool m_active = false;
+  ULONG_PTR m_cookie = 0;
+};
+
+class WindowContext {
+ public:
+  enum class When { kSoon, kThrottled };
+
+  explicit WindowContext(HINSTANCE module);
+  ~WindowContext();
+  WindowContext(const WindowContext&) = delete;
+  WindowContext& operator=(const WindowContext&) = delete;
+
+  HINSTANCE Module() const { return m_module; }
+  // The module's manifest (resource 2), INVALID_HANDLE_VALUE when it has none.
+  HANDLE ActivationContext() const { return m_activationContext; }
+
+  int Dpi() const { return m_dpi; }
+  void SetDpi(int dpi);  // drops the fonts: every window must be given its font again
+  int ToPixels(int twips) const { return MulDiv(twips, m_dpi, 1440); }
+  int ToTwips(int pixels) const { return MulDiv(pixels, 1440, m_dpi); }
+
+  // The system's message font at the form's resolution, or its like in another face or weight. Owned by the
+  // context.
+  HFONT Font(const std::string& face = {}, bool bold = false);
+
+  // The pointer that the whole form shows, nullptr for each window's own.
+  HCURSOR FormPointer() const { return m_formPointer; }
+  void SetFormPointer(HCURSOR pointer) { m_formPointer = pointer; }
+
+  // The form's window, once it exists.
+  HWND FormHandle() const { return m_form; }
+  void SetFormHandle(HWND form) { m_form = form; }
+  // Moves the keyboard focus on when the window that has it is about to be hidden or disabled.
+  std::function<void(ControlWindow&)> MoveFocusOff;
+
+  void Later(ControlWindow& window, When when);
+  void Forget(ControlWindow& window);
+  void Flush();
+  void FlushThrottled();  // what is due
+  void FlushAll();
+
+  void SetToolTip(HWND window, const std::string& text);
+
+  // Runs code of the form from a window procedure or callback: nothing may be thrown through those, so an
+  // exception is kept here until the message loop takes it out and reports it.
+  template <class Call>
+  void Guarded(Call&& call) noexcept {
+    try {
+      std::forward<Call>(call)();
+    } catch (...) {
+      if (!m_error) m_error = std::current_exception();
+    }
+  }
+  std::exception_ptr TakeError() { return std::exchange(m_error, nullptr); }
+
+ private:
+  void FlushList(std::vector<ControlWindow*>& list);
+
+  HINSTANCE m_module;
+  HANDLE m_activationContext = INVALID_HANDLE_VALUE;
+  int m_dpi;
+  HWND m_form = nullptr;
+  HWND m_toolTips = nullptr;
+  HCURSOR m_formPointer = nullptr;
+  std::map<std::pair<std::string, bool>, FontHandle> m_fonts;
+  std::vector<ControlWindow*> m_soon;
+  std::vector<ControlWindow*> m_throttled;
+  std::vector<ControlWindow*> m_working;
+  DWORD m_lastThrottled = 0;
+  bool m_flushing = false;
+  std::exception_ptr m_error;
+};
+
+}  // namespace kxrestore::win32
