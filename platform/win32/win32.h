@@ -1,8 +1,9 @@
 // The system's headers, without the macros that rename members of the neutral interfaces.
 #pragma once
 
-#include <commctrl.h>
 #include <windows.h>
+
+#include <commctrl.h>
 #include <windowsx.h>
 
 #undef MessageBox
