@@ -26,8 +26,11 @@ class Error : public std::exception {
 // Numbers that code outside the engine raises or asks for. The engine's own stand in engine/error_numbers.h.
 namespace error_number {
 inline constexpr int kOverflow = 6;
+inline constexpr int kOutOfMemory = 7;
+inline constexpr int kSubscriptOutOfRange = 9;
 inline constexpr int kTypeMismatch = 13;
 inline constexpr int kObjectVariableNotSet = 91;
+inline constexpr int kInvalidPropertyValue = 380;
 inline constexpr int kIndexOutOfBounds = 35600;
 inline constexpr int kElementNotFound = 35601;
 inline constexpr int kKeyNotUnique = 35602;

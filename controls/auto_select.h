@@ -1,6 +1,6 @@
-// The product's list control: entries of six values with a tick box each. It shows found files, files marked to
-// restore, and, as a chooser, file types. A million entries cost what their texts weigh; equal texts (set names,
-// extensions) are kept once.
+// The product's list control: entries of six values with a tick box each. It shows found files, files marked
+// to restore, and, as a chooser, file types. A million entries cost what their texts weigh; equal texts (set
+// names, extensions) are kept once.
 #pragma once
 
 #include <cstdint>
@@ -17,16 +17,16 @@ class AutoSelect : public Control {
  public:
   // What one entry stands for. Texts handed out are valid until the list is cleared.
   struct Entry {
-    std::string_view name;       // as shown
-    std::int64_t size = 0;       // bytes; for a file type the number of its files
+    std::string_view name;  // as shown
+    std::int64_t size = 0;  // bytes; for a file type the number of its files
     bool sizeKnown = true;
     std::string_view extension;  // of the run; for a file type its description
     std::int32_t setId = 0;
     std::string_view setName;
-    std::string_view date;       // as shown; sorted by `dateKey`
+    std::string_view date;  // as shown; sorted by `dateKey`
     std::int64_t dateKey = 0;
     std::string_view storedName;  // the catalog's own name of the entry, that marking compares
-    bool isGroup = false;         // a group of file types: ticking it ticks its members
+    bool isGroup = false;         // a group of file types: the entries up to the next group are its members
   };
 
   enum class Style { kFiles, kTypes };
@@ -51,6 +51,7 @@ class AutoSelect : public Control {
 
   Entry At(std::size_t number) const;
   bool TickedAt(std::size_t number) const;
+  // A group passes its tick on to its members; a member's tick leaves its group ticked when all members are.
   void SetTicked(std::size_t number, bool ticked);
   void TickAll(bool ticked);
 
@@ -65,6 +66,7 @@ class AutoSelect : public Control {
  private:
   struct Store;
   ListPeer* List() const { return static_cast<ListPeer*>(GetPeer()); }
+  void CheckNumber(std::size_t number) const;
 
   Style m_style;
   std::size_t m_current = 0;

@@ -1,8 +1,9 @@
-// A control as the form's code knows it: a plain object with properties and events. A front end shows it through a
-// peer (controls/peer.h); without one it works just the same, which is how tests and hosts without a desktop use it.
+// A control as the form's code knows it: a plain object with properties and events. A front end shows it
+// through a peer (controls/peer.h); without one it works just the same, which is how tests and hosts without
+// a desktop use it.
 //
-// Positions and sizes are twips, relative to the container. A size that would be negative is refused (error 380), like
-// any other invalid property value; the old size stays.
+// Positions and sizes are twips, relative to the container. A size that would be negative is refused (error
+// 380), like any other invalid property value; the old size stays.
 #pragma once
 
 #include <functional>
@@ -37,8 +38,8 @@ class Container;
 
 class Control {
  public:
-  // `name` is the control's name, with its index for a member of an array: "cmdAction(0)". A control is shown inside
-  // `container`, which must outlive it; the order of creation is the tab order.
+  // `name` is the control's name, with its index for a member of an array: "cmdAction(0)". A control is shown
+  // inside `container`, which must outlive it; the order of creation is the tab order.
   Control(Kind kind, std::string name, Container* container);
   virtual ~Control();
   Control(const Control&) = delete;
@@ -75,14 +76,14 @@ class Control {
   void SetFocus();
   void Refresh();
 
-  // The pointer moved over the control.
+  // The pointer moved over the control. Like every member that begins with User, which is what a front end
+  // calls when the user did something, it does nothing while the control or one of its containers is disabled
+  // or hidden.
   std::function<void()> MouseMove;
-  void UserMouseMove() {
-    if (MouseMove) MouseMove();
-  }
+  void UserMouseMove();
 
   // The front end's side. The peer belongs to the control until it is replaced or taken away with nullptr.
-  void AttachPeer(std::unique_ptr<Peer> peer) { m_peer = std::move(peer); }
+  void AttachPeer(std::unique_ptr<Peer> peer);
   Peer* GetPeer() const { return m_peer.get(); }
 
  protected:
@@ -90,9 +91,14 @@ class Control {
     if (m_peer) m_peer->Changed(property);
   }
   virtual void SizeChanged() {}
+  bool AcceptsUser() const;
+  // Takes over a size that the front end already shows.
+  bool AdoptSize(int width, int height);
 
  private:
   friend class RedrawFreeze;
+  void Freeze(bool frozen);
+
   Kind m_kind;
   std::string m_name;
   Container* m_container;
@@ -102,6 +108,7 @@ class Control {
   std::string m_tag;
   std::string m_toolTipText;
   std::string m_accessibleName;
+  int m_freezes = 0;
   std::unique_ptr<Peer> m_peer;
 };
 

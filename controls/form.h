@@ -1,5 +1,5 @@
-// The window itself. Its size has an outer measure (Width, Height) and an inner one (ScaleWidth, ScaleHeight) that
-// leaves out title bar and borders; the front end tells how much those take.
+// The window itself. Its size has an outer measure (Width, Height) and an inner one (ScaleWidth, ScaleHeight)
+// that leaves out title bar and borders; the front end tells how much those take.
 #pragma once
 
 #include "controls/control.h"
@@ -31,7 +31,8 @@ class Form : public Container {
   const std::string& IconPath() const { return m_iconPath; }
   void SetIconPath(std::string path);
 
-  // Open from creation until it is unloaded. Unload asks the Unload event first, which may refuse.
+  // Open from creation until it is unloaded. Unload asks OnUnload first, which may refuse; then the peer is
+  // told of kVisible, so that a waiting modal loop looks again.
   bool IsOpen() const { return m_open; }
   void Unload();
   std::function<void(bool& cancel)> OnUnload;
@@ -41,7 +42,9 @@ class Form : public Container {
   std::function<void()> CloseRequest;  // when set, UserClose raises it instead of unloading at once
   void UserKey(Key key);
   void UserClose();
-  void UserResize(int width, int height, controls::WindowState state);  // outer size
+  // The outer size, as the window now has it; a minimized window keeps the size that it will be restored to.
+  // Raises Resize when the size or the state changed, and is taken whether or not the form takes other input.
+  void UserResize(int width, int height, controls::WindowState state);
 
   // Remembered place of the window in twips on the screen; shown centred when there is none.
   struct Placement {
@@ -57,6 +60,7 @@ class Form : public Container {
   controls::WindowState m_windowState = controls::WindowState::kNormal;
   controls::MousePointer m_mousePointer = controls::MousePointer::kDefault;
   bool m_open = true;
+  bool m_unloading = false;
 };
 
 }  // namespace kxrestore::controls

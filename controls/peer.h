@@ -1,13 +1,20 @@
-// What a front end attaches to each control: the peer shows the control's state and reports what the user does.
+// What a front end attaches to each control: the peer shows the control's state and reports what the user
+// does.
 //
 // Contract for whoever writes a set of peers:
-//  - The control is the truth. A peer keeps nothing that it could not rebuild from its control; it may be attached and
+//  - The control is the truth. A peer keeps nothing that it could not rebuild from its control; it may be
+//  attached and
 //    detached at any time, and a control works without one.
-//  - A peer is told of every change after it was made, by the calls below, and then reads the control. It never calls
-//    a control's setters, only its User... members, which change the state as the user wished and raise the events.
-//  - Calls come often (a caption once a row of a million): a peer that has nothing visible to do returns at once, and
+//  - A peer is told of every change after it was made, by the calls below, and then reads the control. It
+//  never calls
+//    a control's setters, only its User... members, which change the state as the user wished and raise the
+//    events. It is told of those changes too, except of typed text, a selected node and a new window size,
+//    which show already.
+//  - Calls come often (a caption once a row of a million): a peer that has nothing visible to do returns at
+//  once, and
 //    one that has may show it later, but not later than the next time pending messages run.
-//  - FreezeRedraw nests. While frozen nothing is painted; on the last release the peer shows the state as it is.
+//  - FreezeRedraw nests. While frozen nothing is painted; on the last release the peer shows the state as it
+//  is.
 //  - Positions and sizes are twips (1/1440 inch), relative to the container's client area.
 //  - Nothing may be thrown out of a peer into a control.
 #pragma once
@@ -23,8 +30,8 @@ enum class Property {
   kEnabled,
   kCaption,  // also the text of text and combo boxes
   kToolTipText,
-  kValue,  // check and option boxes, progress bar, selected tab, chosen drive
-  kItems,  // entries of combo boxes, tabs
+  kValue,       // check and option boxes, progress bar, selected tab, chosen drive
+  kItems,       // entries of combo boxes, tabs
   kAppearance,  // colours, border, mouse pointer, font, icon
   kWindowState,
 };

@@ -1,8 +1,8 @@
 // Bars that the user drags to share room between two groups of controls. `splitbar` is dragged up and down,
 // `SplitVertical` left and right; both are the same bar turned through a right angle.
 //
-// Lengths are twips of the container. While it is dragged only the bar moves, and a move that would bring it too close
-// to the far edge of a group is refused; on release `update` lays the groups out against the bar.
+// Lengths are twips of the container. While it is dragged only the bar moves, and a move that would bring it
+// too close to the far edge of a group is refused; on release `update` lays the groups out against the bar.
 #pragma once
 
 #include <cstdint>
@@ -55,7 +55,9 @@ class SplitBar : public Control {
   int Position(const Control& control) const;
   int Extent(const Control& control) const;
   void Place(Control& control, int position, int extent) const;
-  bool MoveTo(int position);
+  bool MoveTo(std::int64_t position);
+  const char* MinBeforeName() const;
+  const char* MinAfterName() const;
 
   Direction m_direction;
   std::vector<Control*> m_before;

@@ -1,6 +1,6 @@
-// A tree of nodes with text, key, tag, image, check and expansion, made for trees of a million nodes: a node costs some
-// 60 bytes and the bytes of its texts, a text that ends its node's tag costs nothing, and finding a key is one hash
-// look-up.
+// A tree of nodes with text, key, tag, image, check and expansion, made for trees of a million nodes: a node
+// costs some 60 bytes and the bytes of its texts, a text that ends its node's tag costs nothing, and finding
+// a key is one hash look-up.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,9 @@ namespace kxrestore::controls {
 
 class TreeView;
 
-// A handle to a node; an empty one stands for "nothing". Valid until the tree is cleared or the node removed. Texts
-// that it returns are valid as long.
+// A handle to a node; an empty one stands for "nothing", and asking it anything is error 91. Valid until the
+// tree is cleared or the node removed, error 35601 after that. Texts that it returns are valid as long, even
+// when the node gets another text: replaced texts keep their bytes until the tree is cleared.
 class Node {
  public:
   Node() = default;
@@ -51,6 +52,11 @@ class Node {
 
  private:
   friend class TreeView;
+  auto& Nodes() const;
+  bool Has(std::uint8_t flag) const;
+  bool Put(std::uint8_t flag, bool set, NodeProperty property);
+  void Changed(NodeProperty property) const;
+
   TreeView* m_tree = nullptr;
   std::uint32_t m_index = 0;
 };
@@ -64,18 +70,19 @@ class TreeView : public Control {
   const ImageList* Images() const { return m_images; }
   void SetImages(const ImageList* images) { m_images = images; }  // must outlive the tree
 
-  // Adds a node as the last child of `parent`, or as the last top node when that is nothing. An empty key is no key.
-  // Error 35602 when another node has the key.
-  Node Add(Node parent, std::string_view key, std::string_view text, int image = 0, std::string_view tag = {});
-  // Removes a node with everything below it. The indexes of the nodes behind it do not move; they are never reused
-  // before the tree is cleared, and looking one up that is gone is error 35601.
+  // Adds a node as the last child of `parent`, or as the last top node when that is nothing. An empty key is
+  // no key. Error 35602 when another node has the key. A tag given here costs less than one set afterwards.
+  Node Add(Node parent, std::string_view key, std::string_view text, int image = 0,
+           std::string_view tag = {});
+  // Removes a node with everything below it. The indexes of the nodes behind it do not move; they are never
+  // reused before the tree is cleared, and looking one up that is gone is error 35601.
   void Remove(Node node);
   void Clear();
 
   std::size_t Count() const;
-  Node Find(std::string_view key) const;    // nothing when there is none
-  Node Item(std::string_view key) const;    // error 35601 when there is none
-  Node Item(int index) const;               // error 35600 outside 1..highest index given
+  Node Find(std::string_view key) const;  // nothing when there is none
+  Node Item(std::string_view key) const;  // error 35601 when there is none
+  Node Item(int index) const;             // error 35600 outside 1..highest index given
   Node FirstRoot() const;
   Node SelectedItem() const { return m_selected; }
   void SetSelectedItem(Node node);  // raises nothing
@@ -96,6 +103,8 @@ class TreeView : public Control {
   friend class Node;
   struct Store;
   TreePeer* Tree() const { return static_cast<TreePeer*>(GetPeer()); }
+  Node Handle(std::uint32_t node) const;
+  bool AcceptsUserOn(Node node) const;
 
   bool m_checkBoxes;
   const ImageList* m_images = nullptr;

@@ -1,7 +1,7 @@
 // The simple controls: containers, labels, buttons, boxes, tab strip, progress bar.
 //
-// Members that begin with User are what a front end calls when the user did something. They do nothing on a control
-// that is disabled or not shown.
+// Members that begin with User are what a front end calls when the user did something. They do nothing on a
+// control that is disabled or not shown.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,8 @@ namespace kxrestore::controls {
 
 class PictureBox : public Container {
  public:
-  PictureBox(std::string name, Container* container) : Container(Kind::kPictureBox, std::move(name), container) {}
+  PictureBox(std::string name, Container* container)
+      : Container(Kind::kPictureBox, std::move(name), container) {}
 };
 
 // A control with a caption. "&" marks the accelerator as usual.
@@ -141,7 +142,8 @@ class TabStrip : public Control {
 // Lists drives by their root letter, "d:".
 class DriveListBox : public Control {
  public:
-  DriveListBox(std::string name, Container* container) : Control(Kind::kDriveListBox, std::move(name), container) {}
+  DriveListBox(std::string name, Container* container)
+      : Control(Kind::kDriveListBox, std::move(name), container) {}
   const std::vector<std::string>& Drives() const { return m_drives; }
   void SetDrives(std::vector<std::string> drives);
   const std::string& Drive() const { return m_drive; }
@@ -156,7 +158,8 @@ class DriveListBox : public Control {
 
 class ProgressBar : public Control {
  public:
-  ProgressBar(std::string name, Container* container) : Control(Kind::kProgressBar, std::move(name), container) {}
+  ProgressBar(std::string name, Container* container)
+      : Control(Kind::kProgressBar, std::move(name), container) {}
   double Max() const { return m_max; }  // the least is 0
   void SetMax(double max);
   double Value() const { return m_value; }
@@ -167,7 +170,8 @@ class ProgressBar : public Control {
   double m_value = 0;
 };
 
-// Images named by key; the order of the keys gives the image index, from 1. What a key looks like is the front end's.
+// Images named by key; the order of the keys gives the image index, from 1. What a key looks like is the
+// front end's.
 class ImageList {
  public:
   explicit ImageList(std::vector<std::string> keys) : m_keys(std::move(keys)) {}

@@ -1,4 +1,5 @@
-// The desktop as the dialog needs it. win32/ implements it with real windows, headless/ for tests and hosts without any.
+// The desktop as the dialog needs it. win32/ implements it with real windows, headless/ for tests and hosts
+// without any.
 #pragma once
 
 #include <string>
@@ -25,12 +26,12 @@ class Desktop {
   // Shows the text and waits for an answer. An empty title stands for the component's name.
   virtual int MessageBox(const std::string& text, int style, const std::string& title) = 0;
 
-  // Lets pending window messages run. Called once an item by long walks, so it must be next to free when there is
-  // nothing to do.
+  // Lets pending window messages run. Called once an item by long walks, so it must be next to free when
+  // there is nothing to do.
   virtual void DoEvents() = 0;
 
-  // Makes the form's windows, disables the thread's other windows, and returns when the form is no longer open. The
-  // form's windows are gone on return.
+  // Makes the form's windows, disables the thread's other windows, and returns when the form is no longer
+  // open. The form's windows are gone on return.
   virtual void ShowModal(controls::Form& form) = 0;
 };
 

@@ -13,15 +13,17 @@ class Drives {
  public:
   virtual ~Drives() = default;
 
-  // Root strings of all drives, each followed by a NUL, when they fit into `capacity` characters; otherwise empty.
+  // Root strings of all drives, each followed by a NUL, when they fit into `capacity` characters; otherwise
+  // empty.
   virtual std::string LogicalDriveStrings(std::uint32_t capacity) = 0;
   virtual unsigned DriveType(const std::string& root) = 0;
-  // The volume name, cut to what fits into `capacity` characters with its NUL; nothing when the drive is not ready or
-  // the name does not fit.
+  // The volume name, cut to what fits into `capacity` characters with its NUL; nothing when the drive is not
+  // ready or the name does not fit.
   virtual std::optional<std::string> VolumeLabel(const std::string& root, std::uint32_t capacity) = 0;
   // A command for the multimedia system; its result is not checked.
   virtual void MciCommand(const std::string& command) = 0;
-  // Whether a directory search for the pattern (wildcards in its last component) finds a file. An error is "no".
+  // Whether a directory search for the pattern (wildcards in its last component) finds a file. An error is
+  // "no".
   virtual bool FileMatches(const std::string& pattern) = 0;
 };
 

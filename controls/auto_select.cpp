@@ -1,0 +1,208 @@
+#include "controls/auto_select.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "controls/blocks.h"
+#include "controls/errors.h"
+#include "controls/text_arena.h"
+#include "controls/text_pool.h"
+
+namespace kxrestore::controls {
+
+struct AutoSelect::Store {
+  enum Flag : std::uint8_t { kSizeKnown = 1, kGroup = 2, kSharedNames = 4 };
+
+  struct Record {
+    const char* names;  // the shown name, then the stored one; where one ends the other, the longer of them
+    std::int64_t size, dateKey;
+    std::uint32_t nameLength, storedLength;
+    std::uint32_t extension, setName, date;  // numbers in `pool`
+    std::int32_t setId;
+    std::uint8_t flags;
+  };
+
+  std::size_t Count() const { return records.Size(); }
+  void Add(const Entry& entry, bool ticked);
+  Entry At(std::size_t number) const;
+  bool IsGroup(std::size_t number) const { return (records[number - 1].flags & kGroup) != 0; }
+
+  // A group and its members stand together; entries before the first group belong to none.
+  std::size_t GroupOf(std::size_t number) const;
+  std::size_t LastOfGroup(std::size_t group) const;
+
+  Blocks<Record, 10> records;
+  std::vector<bool> ticks;
+  TextArena texts;
+  TextPool pool;
+  bool hasGroups = false;
+};
+
+void AutoSelect::Store::Add(const Entry& entry, bool ticked) {
+  constexpr std::size_t kLongest = std::numeric_limits<std::int32_t>::max();
+  if (entry.name.size() > kLongest || entry.storedName.size() > kLongest) ThrowInvalidPropertyValue();
+
+  const std::string_view longer = std::max(entry.name, entry.storedName,
+                                           [](auto left, auto right) { return left.size() < right.size(); });
+  const bool shared = longer.ends_with(entry.name) && longer.ends_with(entry.storedName);
+  char* const names = texts.Allocate(shared ? longer.size() : entry.name.size() + entry.storedName.size());
+  const auto put = [](char* place, std::string_view text) {
+    if (!text.empty()) std::memcpy(place, text.data(), text.size());
+  };
+  put(names, shared ? longer : entry.name);
+  if (!shared) put(names + entry.name.size(), entry.storedName);
+
+  Record record{};
+  record.names = names;
+  record.size = entry.size;
+  record.dateKey = entry.dateKey;
+  record.nameLength = static_cast<std::uint32_t>(entry.name.size());
+  record.storedLength = static_cast<std::uint32_t>(entry.storedName.size());
+  record.extension = pool.Number(entry.extension, texts);
+  record.setName = pool.Number(entry.setName, texts);
+  record.date = pool.Number(entry.date, texts);
+  record.setId = entry.setId;
+  record.flags = static_cast<std::uint8_t>((entry.sizeKnown ? kSizeKnown : 0) | (entry.isGroup ? kGroup : 0) |
+                                           (shared ? kSharedNames : 0));
+  ticks.push_back(ticked);
+  records.Append(record);
+  hasGroups = hasGroups || entry.isGroup;
+}
+
+AutoSelect::Entry AutoSelect::Store::At(std::size_t number) const {
+  const Record& record = records[number - 1];
+  Entry entry;
+  if ((record.flags & kSharedNames) != 0) {
+    const char* const end = record.names + std::max(record.nameLength, record.storedLength);
+    entry.name = {end - record.nameLength, record.nameLength};
+    entry.storedName = {end - record.storedLength, record.storedLength};
+  } else {
+    entry.name = {record.names, record.nameLength};
+    entry.storedName = {record.names + record.nameLength, record.storedLength};
+  }
+  entry.size = record.size;
+  entry.sizeKnown = (record.flags & kSizeKnown) != 0;
+  entry.extension = pool.Text(record.extension);
+  entry.setId = record.setId;
+  entry.setName = pool.Text(record.setName);
+  entry.date = pool.Text(record.date);
+  entry.dateKey = record.dateKey;
+  entry.isGroup = (record.flags & kGroup) != 0;
+  return entry;
+}
+
+std::size_t AutoSelect::Store::GroupOf(std::size_t number) const {
+  while (number != 0 && !IsGroup(number)) --number;
+  return number;
+}
+
+std::size_t AutoSelect::Store::LastOfGroup(std::size_t group) const {
+  std::size_t last = group;
+  while (last < Count() && !IsGroup(last + 1)) ++last;
+  return last;
+}
+
+AutoSelect::AutoSelect(std::string name, Container* container, Style style)
+    : Control(Kind::kAutoSelect, std::move(name), container),
+      m_style(style),
+      m_store(std::make_unique<Store>()) {}
+
+AutoSelect::~AutoSelect() {
+  AttachPeer(nullptr);
+}  // a peer reads the entries as long as it lives
+
+void AutoSelect::Clear() {
+  m_current = 0;
+  m_store = std::make_unique<Store>();
+  if (List() != nullptr) List()->Cleared();
+}
+
+std::size_t AutoSelect::Add(const Entry& entry, bool ticked) {
+  m_store->Add(entry, ticked);
+  const std::size_t count = m_store->Count();
+  if (List() != nullptr) List()->EntriesAdded(count);
+  return count;
+}
+
+std::size_t AutoSelect::Count() const {
+  return m_store->Count();
+}
+
+void AutoSelect::CheckNumber(std::size_t number) const {
+  if (number < 1 || number > m_store->Count()) ThrowSubscriptOutOfRange();
+}
+
+void AutoSelect::SetCurrent(std::size_t number) {
+  CheckNumber(number);
+  m_current = number;
+}
+
+std::int16_t AutoSelect::SetId() const {
+  const std::int32_t setId = At(m_current).setId;
+  if (setId < std::numeric_limits<std::int16_t>::min() || setId > std::numeric_limits<std::int16_t>::max()) {
+    ThrowOverflow();
+  }
+  return static_cast<std::int16_t>(setId);
+}
+
+AutoSelect::Entry AutoSelect::At(std::size_t number) const {
+  CheckNumber(number);
+  return m_store->At(number);
+}
+
+bool AutoSelect::TickedAt(std::size_t number) const {
+  CheckNumber(number);
+  return m_store->ticks[number - 1];
+}
+
+void AutoSelect::SetTicked(std::size_t number, bool ticked) {
+  CheckNumber(number);
+  std::vector<bool>& ticks = m_store->ticks;
+  std::size_t first = number, last = number;
+  if (m_store->hasGroups) {
+    if (const std::size_t group = m_store->GroupOf(number)) {
+      last = m_store->LastOfGroup(group);
+      if (number == group) {
+        std::fill(ticks.begin() + group, ticks.begin() + last, ticked);
+      } else {
+        // The group's own tick says whether all of its members are ticked.
+        first = group;
+        ticks[number - 1] = ticked;
+        ticks[group - 1] =
+            std::find(ticks.begin() + group, ticks.begin() + last, false) == ticks.begin() + last;
+      }
+    }
+  }
+  ticks[number - 1] = ticked;
+  if (List() != nullptr) List()->TicksChanged(first, last);
+}
+
+void AutoSelect::TickAll(bool ticked) {
+  m_store->ticks.assign(m_store->ticks.size(), ticked);
+  if (List() != nullptr && m_store->Count() != 0) List()->TicksChanged(1, m_store->Count());
+}
+
+std::string AutoSelect::TickedTypes() const {
+  std::string types;
+  for (std::size_t number = 1; number <= m_store->Count(); ++number) {
+    if (!m_store->ticks[number - 1] || m_store->IsGroup(number)) continue;
+    types += m_store->At(number).name;
+    types += ';';
+  }
+  return types;
+}
+
+std::size_t AutoSelect::MemoryUsed() const {
+  return sizeof *m_store + m_store->records.MemoryUsed() + m_store->ticks.capacity() / 8 +
+         m_store->texts.MemoryUsed() + m_store->pool.MemoryUsed();
+}
+
+void AutoSelect::UserTick(std::size_t number, bool ticked) {
+  if (number < 1 || number > m_store->Count() || !AcceptsUser()) return;
+  SetTicked(number, ticked);
+  if (TickChange) TickChange(number);
+}
+
+}  // namespace kxrestore::controls

@@ -1,0 +1,56 @@
+#include "controls/check_propagation.h"
+
+#include <cstdint>
+#include <limits>
+
+#include "controls/errors.h"
+
+namespace kxrestore::controls {
+
+namespace {
+
+std::int16_t CheckedSiblings(Node node) {
+  std::int16_t count = 0;
+  for (Node sibling = node.FirstSibling(); sibling; sibling = sibling.Next()) {
+    if (!sibling.Checked()) continue;
+    if (count == std::numeric_limits<std::int16_t>::max()) ThrowOverflow();
+    ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
+void CheckParents(Node node) {
+  const std::string_view rootText = node.Root().Text();
+  while (node.Text() != rootText) {
+    Node parent = node.Parent();
+    if (!parent) return;
+    parent.SetChecked(CheckedSiblings(node) > 0);
+    node = parent;
+  }
+}
+
+// Depth first, parent before children. It climbs back through the parents rather than its own calls, so that
+// no tree is too deep for it.
+void CheckChildren(Node node) {
+  const bool checked = node.Checked();
+  Node current = node.Child();
+  while (current) {
+    current.SetChecked(checked);
+    if (const Node child = current.Child()) {
+      current = child;
+      continue;
+    }
+    for (;;) {
+      if (const Node next = current.Next()) {
+        current = next;
+        break;
+      }
+      current = current.Parent();
+      if (current == node) return;
+    }
+  }
+}
+
+}  // namespace kxrestore::controls

@@ -1,0 +1,50 @@
+// Numbers found by the hash of a text. The texts stand elsewhere: the caller compares them. Open addressing,
+// eight bytes a slot; the hash is kept with the number, so that neither growing nor most misses touch a text.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+namespace kxrestore::controls {
+
+class HashIndex {
+ public:
+  static std::uint32_t HashOf(std::string_view text) {
+    const std::uint64_t hash = std::hash<std::string_view>{}(text);
+    return static_cast<std::uint32_t>(hash ^ (hash >> 32));
+  }
+
+  // The number under `hash` for which `equal(number)` holds, or 0.
+  template <typename Equal>
+  std::uint32_t Find(std::uint32_t hash, Equal equal) const {
+    if (m_slots.empty()) return 0;
+    for (std::size_t at = hash & Mask();; at = (at + 1) & Mask()) {
+      const Slot& slot = m_slots[at];
+      if (slot.number == 0) return 0;
+      if (slot.hash == hash && equal(slot.number)) return slot.number;
+    }
+  }
+
+  void Insert(std::uint32_t hash, std::uint32_t number);  // a number above 0 that is not in yet
+  void Erase(std::uint32_t hash, std::uint32_t number);
+
+  std::size_t MemoryUsed() const { return m_slots.capacity() * sizeof(Slot); }
+
+ private:
+  struct Slot {
+    std::uint32_t hash = 0;
+    std::uint32_t number = 0;  // 0 marks a free slot
+  };
+
+  std::size_t Mask() const { return m_slots.size() - 1; }
+  void Grow();
+  static void Place(std::vector<Slot>& slots, Slot slot);
+
+  std::vector<Slot> m_slots;  // a power of two of them
+  std::size_t m_used = 0;
+};
+
+}  // namespace kxrestore::controls

@@ -1,0 +1,197 @@
+#include "controls/tree_view.h"
+
+#include "controls/errors.h"
+#include "controls/tree_store.h"
+
+namespace kxrestore::controls {
+
+auto& Node::Nodes() const {
+  if (m_tree == nullptr) ThrowObjectVariableNotSet();
+  return *m_tree->m_store;
+}
+
+std::string_view Node::Text() const {
+  return TreeView::Store::Text(Nodes().At(m_index));
+}
+std::string_view Node::Key() const {
+  return TreeView::Store::Key(Nodes().At(m_index));
+}
+std::string_view Node::Tag() const {
+  return TreeView::Store::Tag(Nodes().At(m_index));
+}
+int Node::Image() const {
+  return Nodes().At(m_index).image;
+}
+bool Node::Has(std::uint8_t flag) const {
+  return (Nodes().At(m_index).flags & flag) != 0;
+}
+bool Node::Checked() const {
+  return Has(TreeView::Store::kChecked);
+}
+bool Node::Expanded() const {
+  return Has(TreeView::Store::kExpanded);
+}
+bool Node::Bold() const {
+  return Has(TreeView::Store::kBold);
+}
+
+void Node::Changed(NodeProperty property) const {
+  if (TreePeer* const peer = m_tree->Tree()) peer->NodeChanged(m_index, property);
+}
+
+bool Node::Put(std::uint8_t flag, bool set, NodeProperty property) {
+  std::uint8_t& flags = Nodes().At(m_index).flags;
+  if (((flags & flag) != 0) == set) return false;
+  flags ^= flag;
+  Changed(property);
+  return true;
+}
+
+void Node::SetText(std::string_view text) {
+  auto& record = Nodes().At(m_index);
+  if (TreeView::Store::Text(record) == text) return;
+  Nodes().SetTexts(record, TreeView::Store::Tag(record), text, TreeView::Store::Key(record));
+  Changed(NodeProperty::kText);
+}
+
+void Node::SetTag(std::string_view tag) {
+  auto& record = Nodes().At(m_index);
+  if (TreeView::Store::Tag(record) == tag) return;
+  Nodes().SetTexts(record, tag, TreeView::Store::Text(record), TreeView::Store::Key(record));
+}
+
+void Node::SetImage(int image) {
+  auto& record = Nodes().At(m_index);
+  if (record.image == image) return;
+  record.image = TreeView::Store::CheckedImage(image);
+  Changed(NodeProperty::kImage);
+}
+
+void Node::SetChecked(bool checked) {
+  Put(TreeView::Store::kChecked, checked, NodeProperty::kChecked);
+}
+void Node::SetBold(bool bold) {
+  Put(TreeView::Store::kBold, bold, NodeProperty::kBold);
+}
+
+void Node::SetExpanded(bool expanded) {
+  if (!Put(TreeView::Store::kExpanded, expanded, NodeProperty::kExpanded) || !HasChildren()) return;
+  const auto& event = expanded ? m_tree->Expand : m_tree->Collapse;
+  if (event) event(*this);
+}
+
+Node Node::Parent() const {
+  return {m_tree, Nodes().At(m_index).parent};
+}
+Node Node::Child() const {
+  return {m_tree, Nodes().At(m_index).firstChild};
+}
+Node Node::Next() const {
+  return {m_tree, Nodes().At(m_index).next};
+}
+
+Node Node::FirstSibling() const {
+  auto& nodes = Nodes();
+  return {m_tree, nodes.FirstChildOf(nodes.At(m_index).parent)};
+}
+
+Node Node::Root() const {
+  auto& nodes = Nodes();
+  std::uint32_t node = m_index;
+  while (const std::uint32_t parent = nodes.At(node).parent) node = parent;
+  return {m_tree, node};
+}
+
+TreeView::TreeView(std::string name, Container* container, bool checkBoxes)
+    : Control(Kind::kTreeView, std::move(name), container),
+      m_checkBoxes(checkBoxes),
+      m_store(std::make_unique<Store>()) {}
+
+TreeView::~TreeView() {
+  AttachPeer(nullptr);
+}  // a peer reads the nodes as long as it lives
+
+Node TreeView::Add(Node parent, std::string_view key, std::string_view text, int image,
+                   std::string_view tag) {
+  if (parent && parent.m_tree != this) ThrowElementNotFound();
+  const std::uint32_t node = m_store->Add(parent.m_index, key, text, image, tag);
+  if (Tree() != nullptr) Tree()->NodeAdded(node);
+  return {this, node};
+}
+
+void TreeView::Remove(Node node) {
+  if (node && node.m_tree != this) ThrowElementNotFound();
+  m_store->At(node.m_index);
+  if (Tree() != nullptr) Tree()->NodeRemoved(node.m_index);
+  m_store->Remove(node.m_index);
+  if (m_selected && !m_store->Lives(m_selected.m_index)) m_selected = {};
+}
+
+void TreeView::Clear() {
+  m_selected = {};
+  m_store = std::make_unique<Store>();
+  if (Tree() != nullptr) Tree()->Cleared();
+}
+
+std::size_t TreeView::Count() const {
+  return m_store->Count();
+}
+
+Node TreeView::Handle(std::uint32_t node) const {
+  return node == 0 ? Node() : Node(const_cast<TreeView*>(this), node);
+}
+
+Node TreeView::Find(std::string_view key) const {
+  return key.empty() ? Node() : Handle(m_store->Find(key));
+}
+
+Node TreeView::Item(std::string_view key) const {
+  const Node node = Find(key);
+  if (!node) ThrowElementNotFound();
+  return node;
+}
+
+Node TreeView::Item(int index) const {
+  if (index < 1 || static_cast<std::uint32_t>(index) > m_store->Highest()) ThrowIndexOutOfBounds();
+  m_store->At(static_cast<std::uint32_t>(index));
+  return Handle(static_cast<std::uint32_t>(index));
+}
+
+Node TreeView::FirstRoot() const {
+  return Handle(m_store->FirstChildOf(0));
+}
+
+void TreeView::SetSelectedItem(Node node) {
+  if (node) m_store->At(node.m_index);
+  if (node == m_selected) return;
+  const Node told = node ? node : m_selected;
+  m_selected = node;
+  told.Changed(NodeProperty::kSelected);
+}
+
+std::size_t TreeView::MemoryUsed() const {
+  return m_store->MemoryUsed();
+}
+
+// A front end may report on a node that has gone in the meantime.
+bool TreeView::AcceptsUserOn(Node node) const {
+  return AcceptsUser() && m_store->Lives(node.m_index);
+}
+
+void TreeView::UserClickNode(Node node) {
+  if (!AcceptsUserOn(node)) return;
+  m_selected = node;
+  if (NodeClick) NodeClick(node);
+}
+
+void TreeView::UserCheck(Node node, bool checked) {
+  if (!m_checkBoxes || !AcceptsUserOn(node)) return;
+  node.SetChecked(checked);
+  if (NodeCheck) NodeCheck(node);
+}
+
+void TreeView::UserExpand(Node node, bool expanded) {
+  if (AcceptsUserOn(node)) node.SetExpanded(expanded);
+}
+
+}  // namespace kxrestore::controls

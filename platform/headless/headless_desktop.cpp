@@ -1,0 +1,46 @@
+#include "platform/headless/headless_desktop.h"
+
+#include <stdexcept>
+
+#include "controls/form.h"
+
+namespace kxrestore::platform {
+
+namespace {
+constexpr int kButtonsMask = 15;
+}
+
+int HeadlessDesktop::MessageBox(const std::string& text, int style, const std::string& title) {
+  Message& message = messages.emplace_back(Message{text, style, title, kAnswerOk});
+  if ((style & kButtonsMask) == kOkOnly) return kAnswerOk;
+  if (!answers.empty()) {
+    message.answer = answers.front();
+    answers.pop_front();
+  } else if (defaultAnswer) {
+    message.answer = *defaultAnswer;
+  } else {
+    message.answer = 0;
+    throw std::logic_error("nobody answers the question \"" + text + "\"");
+  }
+  return message.answer;
+}
+
+void HeadlessDesktop::DoEvents() {
+  ++doEventsCount;
+  if (!onDoEvents || m_inDoEvents) return;
+  struct Guard {
+    bool& flag;
+    ~Guard() { flag = false; }
+  } guard{m_inDoEvents};
+  m_inDoEvents = true;
+  onDoEvents();
+}
+
+void HeadlessDesktop::ShowModal(controls::Form& form) {
+  ++showCount;
+  if (user) user(form);
+  if (form.IsOpen()) form.UserClose();
+  if (form.IsOpen()) throw std::logic_error("the form \"" + form.Caption() + "\" cannot be closed");
+}
+
+}  // namespace kxrestore::platform

@@ -1,0 +1,45 @@
+// A desktop that nobody sits at: message boxes answer themselves from a script and are logged, and a script
+// plays the user while a form is shown.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/desktop.h"
+
+namespace kxrestore::platform {
+
+class HeadlessDesktop : public Desktop {
+ public:
+  struct Message {
+    std::string text;
+    int style = 0;
+    std::string title;
+    int answer = 0;
+  };
+
+  // A box that only says something is answered with OK. A question takes the next of `answers`, then
+  // `defaultAnswer`; a question with neither throws std::logic_error, because nobody expected it.
+  int MessageBox(const std::string& text, int style, const std::string& title) override;
+  std::deque<int> answers;
+  std::optional<int> defaultAnswer;
+  std::vector<Message> messages;
+
+  void DoEvents() override;
+  std::size_t doEventsCount = 0;
+  std::function<void()> onDoEvents;  // what pending messages do; it is not entered again from inside itself
+
+  // Runs `user` and then closes a form that is still open the way its close box does. A form that even then
+  // stays open throws std::logic_error, so that nothing waits for ever.
+  void ShowModal(controls::Form& form) override;
+  std::function<void(controls::Form&)> user;
+  std::size_t showCount = 0;
+
+ private:
+  bool m_inDoEvents = false;
+};
+
+}  // namespace kxrestore::platform
