@@ -1,0 +1,83 @@
+// What every COM object of the DLL shares: the reference count, and the border that no exception crosses.
+#pragma once
+
+#include <unknwn.h>
+#include <windows.h>
+#include <wrl/client.h>
+
+#include <atomic>
+#include <new>
+#include <utility>
+
+#include "component/com/module.h"
+
+namespace kxrestore::component::com {
+
+using Microsoft::WRL::ComPtr;
+
+// The one end of every COM method: runs the body, and what it throws becomes an HRESULT.
+template <class Body>
+HRESULT Guard(Body&& body) noexcept {
+  try {
+    return body();
+  } catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+  } catch (...) {
+    return E_UNEXPECTED;
+  }
+}
+
+// The same for members whose errors the host must never see: the step is skipped.
+template <class Body>
+HRESULT SkipErrors(Body&& body) noexcept {
+  Guard([&] {
+    body();
+    return S_OK;
+  });
+  return S_OK;
+}
+
+// An object with its own identity. `Find` of the deriving class names its interfaces.
+template <class... Interfaces>
+class ComObject : public Interfaces... {
+ public:
+  ComObject() = default;
+  ComObject(const ComObject&) = delete;
+  ComObject& operator=(const ComObject&) = delete;
+
+  STDMETHODIMP_(ULONG) AddRef() override { return ++m_references; }
+
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --m_references;
+    if (left > 0) return left;
+    // What the destructor lets go of may still take and give back a reference to this object.
+    m_references = 1;
+    delete this;
+    return 0;
+  }
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    if (!object) return E_POINTER;
+    *object = Find(iid);
+    if (!*object) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+
+ protected:
+  virtual ~ComObject() = default;
+
+  // The pointer for that interface, no reference added; null when the object has none such.
+  virtual void* Find(REFIID iid) = 0;
+
+ private:
+  std::atomic<ULONG> m_references{0};
+  ModuleUse m_use;
+};
+
+template <class Object, class... Arguments>
+ComPtr<Object> Make(Arguments&&... arguments) {
+  return ComPtr<Object>(new Object(std::forward<Arguments>(arguments)...));
+}
+
+}  // namespace kxrestore::component::com

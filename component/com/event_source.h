@@ -1,0 +1,48 @@
+// The connection point of an event interface, with everything a host may ask of it. One apartment.
+#pragma once
+
+#include <ocidl.h>
+#include <windows.h>
+
+#include <vector>
+
+#include "component/com/com_object.h"
+
+namespace kxrestore::component::com {
+
+// Part of the object that raises the events: it lives and is counted with that object, its `owner`.
+class EventSource final : public IConnectionPoint {
+ public:
+  EventSource(IConnectionPointContainer& owner, REFIID events) : m_owner(owner), m_events(events) {}
+
+  // Raises the event without parameters that has this dispatch id to every sink that is advised when its turn
+  // comes. A sink that fails, throws, or leaves (itself or another) disturbs nobody.
+  void Fire(DISPID event);
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
+  STDMETHODIMP_(ULONG) AddRef() override { return m_owner.AddRef(); }
+  STDMETHODIMP_(ULONG) Release() override { return m_owner.Release(); }
+
+  STDMETHODIMP GetConnectionInterface(IID* iid) override;
+  STDMETHODIMP GetConnectionPointContainer(IConnectionPointContainer** container) override;
+  STDMETHODIMP Advise(IUnknown* sink, DWORD* cookie) override;
+  STDMETHODIMP Unadvise(DWORD cookie) override;
+  STDMETHODIMP EnumConnections(IEnumConnections** connections) override;
+
+ private:
+  struct Sink {
+    DWORD cookie;
+    ComPtr<IDispatch> dispatch;
+  };
+  bool IsAdvised(DWORD cookie) const;
+
+  IConnectionPointContainer& m_owner;
+  const IID m_events;
+  std::vector<Sink> m_sinks;
+  DWORD m_lastCookie = 0;
+};
+
+// The container's enumerator over its connection points.
+ComPtr<IEnumConnectionPoints> EnumeratePoints(std::vector<ComPtr<IConnectionPoint>> points);
+
+}  // namespace kxrestore::component::com

@@ -1,0 +1,20 @@
+// Between the UTF-16 of COM and the UTF-8 inside. File names of Windows may hold half of a surrogate pair;
+// such a half is kept in three bytes, so that every UTF-16 text comes back as it went in. A byte that makes
+// no sense becomes U+FFFD.
+#pragma once
+
+#include <oleauto.h>
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+
+namespace kxrestore::component::com {
+
+std::string FromWide(std::wstring_view text);
+std::wstring ToWide(std::string_view text);
+
+// A BSTR may be null, which is the empty text, and may hold NULs.
+std::string FromBstr(BSTR text);
+
+}  // namespace kxrestore::component::com
