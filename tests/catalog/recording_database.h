@@ -1,0 +1,124 @@
+// A database that does nothing but write down what it is asked, in order, and fail where a test wants it to.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/error.h"
+#include "engine/database.h"
+#include "engine/error_numbers.h"
+
+namespace kxrestore::catalog_test {
+
+// What every database opened in one test shares.
+struct Script {
+  std::vector<std::string> calls;
+  std::map<std::string, std::string> queries;              // saved queries, by name
+  std::map<std::string, int> failures;                     // call, as written down, to error number
+  std::vector<std::string> columns;                        // of every recordset
+  std::vector<std::vector<engine::Value>> rows;            // changed by Update
+  std::vector<std::pair<std::size_t, std::size_t>> edits;  // row and column, in order
+
+  void Call(std::string call) {
+    calls.push_back(std::move(call));
+    // The text of a statement is part of the call; failures are found by how a call begins.
+    for (const auto& [start, number] : failures) {
+      if (calls.back().starts_with(start)) throw Error(number, "injected into " + start, "test");
+    }
+  }
+};
+
+class RecordingRecordset : public engine::Recordset {
+ public:
+  explicit RecordingRecordset(std::shared_ptr<Script> script) : m_script(std::move(script)) {}
+
+  bool Eof() const override { return m_row >= m_script->rows.size(); }
+  void MoveNext() override { ++m_row; }
+  std::size_t FieldCount() const override { return m_script->columns.size(); }
+  std::string_view FieldName(std::size_t index) const override { return m_script->columns[index]; }
+  engine::ValueView FieldValue(std::size_t index) const override {
+    return std::visit(
+        [](const auto& value) -> engine::ValueView {
+          if constexpr (std::is_same_v<std::decay_t<decltype(value)>, std::string>) {
+            return std::string_view(value);
+          } else {
+            return value;
+          }
+        },
+        m_script->rows[m_row][index]);
+  }
+  void Edit() override { m_script->Call("edit " + std::to_string(m_row)); }
+  void SetFieldValue(std::size_t index, engine::Value value) override {
+    m_column = index;
+    m_value = std::move(value);
+  }
+  void Update() override {
+    m_script->Call("update " + std::to_string(m_row));
+    m_script->rows[m_row][m_column] = m_value;
+    m_script->edits.emplace_back(m_row, m_column);
+  }
+  void Close() override { m_script->Call("close recordset"); }
+
+ private:
+  std::shared_ptr<Script> m_script;
+  std::size_t m_row = 0;
+  std::size_t m_column = 0;
+  engine::Value m_value;
+};
+
+class RecordingDatabase : public engine::Database {
+ public:
+  explicit RecordingDatabase(std::shared_ptr<Script> script) : m_script(std::move(script)) {}
+
+  std::unique_ptr<engine::Recordset> OpenRecordset(std::string_view source,
+                                                   engine::RecordsetType type) override {
+    m_script->Call("open " + std::to_string(static_cast<int>(type)) + " " + std::string(source));
+    return std::make_unique<RecordingRecordset>(m_script);
+  }
+  std::int64_t Execute(std::string_view sql, int options) override {
+    m_script->Call("execute " + std::to_string(options) + " " + std::string(sql));
+    return 0;
+  }
+  std::string QueryText(std::string_view name) override { return Find(name)->second; }
+  void CreateQueryDef(std::string_view name, std::string_view sql) override {
+    m_script->Call("create " + std::string(name));
+    m_script->queries[std::string(name)] = sql;
+  }
+  void DeleteQueryDef(std::string_view name) override {
+    m_script->Call("delete " + std::string(name));
+    m_script->queries.erase(Find(name));
+  }
+  void Close() override { m_script->Call("close database"); }
+
+ private:
+  std::map<std::string, std::string>::iterator Find(std::string_view name) {
+    const auto found = m_script->queries.find(std::string(name));
+    if (found == m_script->queries.end()) {
+      throw Error(engine::error_number::kItemNotFound, "Item not found in this collection.", "test");
+    }
+    return found;
+  }
+
+  std::shared_ptr<Script> m_script;
+};
+
+// Stands in for the server, which is reached without a file.
+class RecordingBackend : public engine::Backend {
+ public:
+  explicit RecordingBackend(std::shared_ptr<Script> script) : m_script(std::move(script)) {}
+  std::unique_ptr<engine::Database> Open(const engine::OpenRequest& request) override {
+    m_script->Call("connect " + request.name + "|" + request.connect);
+    return std::make_unique<RecordingDatabase>(m_script);
+  }
+  void Idle() override {}
+  void Flush() override {}
+  void EndAction() override {}
+
+ private:
+  std::shared_ptr<Script> m_script;
+};
+
+}  // namespace kxrestore::catalog_test

@@ -1,0 +1,133 @@
+// The marking statements, letter by letter, and what an error does to an operation.
+#include "catalog/restore_marks.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "tests/catalog/recording_database.h"
+
+namespace kxrestore::catalog {
+namespace {
+
+using catalog_test::RecordingBackend;
+using catalog_test::Script;
+using Calls = std::vector<std::string>;
+
+TEST(Connection, ConnectStrings) {
+  EXPECT_EQ(BuildConnectString("Cat", "SRV\\X", "", "ignored"),
+            "ODBC;DRIVER={sql server};DATABASE=Cat;SERVER=SRV\\X;Trusted_Connection=Yes;");
+  EXPECT_EQ(BuildConnectString("Cat", "SRV", "sa", "secret"),
+            "ODBC;DRIVER={sql server};DATABASE=Cat;SERVER=SRV;UID=sa;PWD=secret");
+  EXPECT_EQ(BuildConnectString("Cat", "SRV", "sa", ""),
+            "ODBC;DRIVER={sql server};DATABASE=Cat;SERVER=SRV;UID=sa;PWD=");
+}
+
+class RestoreMarksOnServer : public ::testing::Test {
+ protected:
+  RestoreMarks Marks(std::int16_t dbType = kServerCatalog) {
+    return {m_workspace,
+            {.dbType = dbType, .dbName = "not used", .connect = "ODBC;x"},
+            {.setId = 11, .extension = "042"},
+            [this](const Error& error, const std::string& routine) {
+              m_reports.push_back(routine + " " + std::to_string(error.Number()));
+            }};
+  }
+
+  std::shared_ptr<Script> m_script = std::make_shared<Script>();
+  engine::Workspace m_workspace{{.odbc = std::make_unique<RecordingBackend>(m_script)}};
+  Calls m_reports;
+};
+
+TEST_F(RestoreMarksOnServer, ByIdAndClearingStatements) {
+  auto marks = Marks();
+  EXPECT_TRUE(marks.UpdateByID(1234));
+  EXPECT_TRUE(marks.UpdateByID(std::numeric_limits<std::int32_t>::min()));
+  EXPECT_TRUE(marks.ClearSelections());
+  EXPECT_TRUE(marks.CancelAll());
+  const std::string clear =
+      "execute 128 UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));";
+  EXPECT_EQ(
+      m_script->calls,
+      (Calls{"connect |ODBC;x",
+             "execute 128 UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=1234));",
+             "connect |ODBC;x",
+             "execute 128 UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=-2147483648));",
+             "connect |ODBC;x", clear, "connect |ODBC;x", clear}));
+  EXPECT_TRUE(m_reports.empty());
+}
+
+TEST_F(RestoreMarksOnServer, ByFileMarksEveryRowThatIsExactlyTheFile) {
+  m_script->columns = {"Restore", "File"};
+  m_script->rows = {
+      {false, "Store"}, {false, "store"}, {true, "Store"}, {false, std::monostate()}, {false, "Store "}};
+  EXPECT_TRUE(Marks().UpdateSelectionByFile("Store", true, 5, "x'y"));
+  EXPECT_EQ(
+      m_script->calls,
+      (Calls{"connect |ODBC;x",
+             "open 2 SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, Catalog.File, "
+             "Catalog.Plugin, Catalog.Restore, IIf(IsNull([LongPath]),[Catalog.Filename],[LongPath]) AS "
+             "RestoreFile, LongPaths.LongPath FROM LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = "
+             "Catalog.LongPathID WHERE (((Catalog.SetNameID)=5) AND ((Catalog.Extension)='x'y')); ",
+             "edit 0", "update 0", "edit 2", "update 2", "close recordset", "close database"}));
+  EXPECT_EQ(m_script->edits, (decltype(m_script->edits){{0, 0}, {2, 0}}));
+  EXPECT_EQ(m_script->rows[0][0], engine::Value(true));
+
+  EXPECT_TRUE(Marks().UpdateSelectionByFile("", false, 5, "001"));  // an empty name is not a missing one
+  EXPECT_EQ(m_script->edits.size(), 2u);
+}
+
+TEST_F(RestoreMarksOnServer, ByFileNameMarksTheFirstRowOnly) {
+  m_script->columns = {"Restore"};
+  m_script->rows = {{true}, {true}};
+  const std::string select =
+      "open 2 SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, Catalog.Restore, "
+      "LongPaths.LongPath FROM "
+      "LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID WHERE (((Catalog.SetNameID)=";
+  EXPECT_TRUE(Marks().UpdateSelectionByFileName("C:\\O'Neil.doc", false, 0, ""));
+  ASSERT_GE(m_script->calls.size(), 4u);
+  EXPECT_EQ(
+      Calls(m_script->calls.begin(), m_script->calls.begin() + 4),
+      (Calls{"connect |ODBC;x",
+             select + "11) AND ((Catalog.Extension)='042') AND ((Catalog.Filename)='C:\\O''Neil.doc')); ",
+             "edit 0", "update 0"}));
+  EXPECT_EQ(m_script->rows[0][0], engine::Value(false));
+  EXPECT_EQ(m_script->rows[1][0], engine::Value(true));
+
+  m_script->rows.clear();
+  m_script->calls.clear();
+  EXPECT_TRUE(Marks().UpdateSelectionByFileName("b", true, 9, "007"));
+  ASSERT_GE(m_script->calls.size(), 2u);
+  EXPECT_EQ(m_script->calls[1],
+            select + "9) AND ((Catalog.Extension)='007') AND ((Catalog.Filename)='b')); ");
+}
+
+TEST_F(RestoreMarksOnServer, ErrorsAreReportedUnderTheOperationsTag) {
+  m_script->columns = {"Restore", "File"};
+  m_script->rows = {{false, "a"}, {false, "a"}};
+  m_script->failures = {{"execute", 3146}, {"update 1", 3260}};
+  auto marks = Marks();
+  EXPECT_FALSE(marks.UpdateByID(-5));
+  EXPECT_FALSE(marks.CancelAll());
+  EXPECT_FALSE(marks.ClearSelections());
+  EXPECT_FALSE(marks.UpdateSelectionByFile("a", true, 1, "001"));
+  EXPECT_EQ(m_script->rows[0][0], engine::Value(true)) << "the mark made before the error stays";
+  m_script->failures = {{"connect", 3151}};
+  EXPECT_FALSE(marks.UpdateSelectionByFileName("a", true, 1, "001"));
+  EXPECT_EQ(m_reports, (Calls{"UpdateByID(-5) 3146", "CancelAll 3146", "ClearSelections 3146",
+                              "UpdateSelection 3260", "UpdateSelection 3151"}));
+}
+
+TEST_F(RestoreMarksOnServer, AnotherKindOfDatabaseFailsInEveryOperation) {
+  auto marks = Marks(7);
+  EXPECT_FALSE(marks.UpdateByID(1));
+  EXPECT_FALSE(marks.UpdateSelectionByFile("a", true, 1, "001"));
+  EXPECT_FALSE(marks.UpdateSelectionByFileName("a", true, 1, "001"));
+  EXPECT_FALSE(marks.CancelAll());
+  EXPECT_EQ(m_reports,
+            (Calls{"UpdateByID(1) 91", "UpdateSelection 91", "UpdateSelection 91", "CancelAll 91"}));
+  EXPECT_TRUE(m_script->calls.empty());
+}
+
+}  // namespace
+}  // namespace kxrestore::catalog
