@@ -1,0 +1,72 @@
+// make_catalog PATH [--rows N] [--seed S] [--flat] [--one-run]: makes a sample catalog file.
+#include <charconv>
+#include <cstdint>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/error.h"
+#include "host/catalog_maker/sample_catalog.h"
+
+namespace {
+
+constexpr std::string_view kUsage =
+    "usage: make_catalog PATH [--rows N] [--seed S] [--flat] [--one-run]\n"
+    "  PATH       the catalog file; replaced when it is there\n"
+    "  --rows N   rows of the table Catalog (20000; 1 to 100000000)\n"
+    "  --seed S   another catalog of the same kind (1)\n"
+    "  --flat     the plain files of a run all in one folder\n"
+    "  --one-run  nothing but N live plain files in one run of set 1\n";
+
+constexpr std::uint64_t kMostRows = 100'000'000;
+
+struct Arguments {
+  std::string path;
+  kxrestore::sample::SampleOptions options;
+};
+
+bool ReadNumber(std::string_view text, std::uint64_t& value) {
+  const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), value);
+  return problem == std::errc() && end == text.data() + text.size();
+}
+
+std::optional<Arguments> Read(int count, char** words) {
+  Arguments arguments;
+  for (int i = 1; i < count; ++i) {
+    const std::string_view word = words[i];
+    if (word == "--flat") {
+      arguments.options.flat = true;
+    } else if (word == "--one-run") {
+      arguments.options.oneRun = true;
+    } else if (word == "--rows" || word == "--seed") {
+      std::uint64_t& value = word == "--rows" ? arguments.options.rows : arguments.options.seed;
+      if (++i == count || !ReadNumber(words[i], value)) return std::nullopt;
+    } else if (word.empty() || word.starts_with("--") || !arguments.path.empty()) {
+      return std::nullopt;
+    } else {
+      arguments.path = word;
+    }
+  }
+  const std::uint64_t rows = arguments.options.rows;
+  if (arguments.path.empty() || rows < 1 || rows > kMostRows) return std::nullopt;
+  return arguments;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+  const std::optional<Arguments> arguments = Read(count, words);
+  if (!arguments) {
+    std::cerr << kUsage;
+    return 2;
+  }
+  try {
+    kxrestore::sample::MakeCatalog(arguments->path, arguments->options);
+  } catch (const kxrestore::Error& error) {
+    std::cerr << "make_catalog: (" << error.Number() << ") " << error.Description() << '\n';
+    return 1;
+  }
+  std::cout << arguments->path << ": " << arguments->options.rows << " rows\n";
+  return 0;
+}

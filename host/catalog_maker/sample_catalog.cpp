@@ -1,0 +1,13 @@
+#include "host/catalog_maker/sample_catalog.h"
+
+#include "host/catalog_maker/sqlite_writer.h"
+
+namespace kxrestore::sample {
+
+void MakeCatalog(const std::string& path, const SampleOptions& options) {
+  SqliteWriter writer(path);
+  Generate(options, writer);
+  writer.Finish();
+}
+
+}  // namespace kxrestore::sample
