@@ -1,0 +1,236 @@
+#include "controls/splitters.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "base/error.h"
+#include "controls/form.h"
+#include "controls/widgets.h"
+#include "platform/headless/recording_peer.h"
+
+namespace kxrestore::controls {
+namespace {
+
+// Both bars are tested by the same cases, in terms of the axis along which they are dragged.
+struct Axis {
+  bool vertical;
+};
+
+class SplitBarTest : public ::testing::TestWithParam<Axis> {
+ protected:
+  SplitBarTest() {
+    Put(before, 0, 1000);
+    Put(Bar(), 1000, 60);
+    Put(after, 1060, 1940);
+    if (GetParam().vertical) {
+      sideways.AddControlLeft(before);
+      sideways.AddControlRight(after);
+    } else {
+      upright.AddControlTop(before);
+      upright.AddControlBottom(after);
+    }
+  }
+
+  SplitBar& Bar() { return GetParam().vertical ? static_cast<SplitBar&>(sideways) : upright; }
+  void Put(Control& control, int position, int extent) {
+    if (GetParam().vertical) {
+      control.Move(position, 11, extent, 22);
+    } else {
+      control.Move(11, position, 22, extent);
+    }
+  }
+  int At(const Control& control) const { return GetParam().vertical ? control.Left() : control.Top(); }
+  int Extent(const Control& control) const {
+    return GetParam().vertical ? control.Width() : control.Height();
+  }
+  void SetLimits(int near, int far) {
+    upright.SetMinTopHeight(near);
+    upright.SetMinBottomHeight(far);
+    sideways.SetMinLeftWidth(near);
+    sideways.SetMinRightWidth(far);
+  }
+  void Drag(int by, int buttons = SplitBar::kLeftButton) {
+    if (GetParam().vertical) {
+      Bar().UserMouseMoveOver(buttons, by, 9999);
+    } else {
+      Bar().UserMouseMoveOver(buttons, 9999, by);
+    }
+  }
+
+  Form form{"form"};
+  PictureBox before{"before", &form}, after{"after", &form};
+  splitbar upright{"splitH", &form};
+  SplitVertical sideways{"SplitV", &form};
+};
+
+INSTANTIATE_TEST_SUITE_P(BothBars, SplitBarTest, ::testing::Values(Axis{false}, Axis{true}),
+                         [](const auto& bar) { return bar.param.vertical ? "SplitVertical" : "splitbar"; });
+
+TEST_P(SplitBarTest, OnlyTheBarMovesUntilItIsDropped) {
+  platform::PeerLog log;
+  platform::Record(after, log);
+  Drag(250);
+  EXPECT_EQ(1250, At(Bar()));
+  EXPECT_EQ(1000, Extent(before));
+  EXPECT_EQ(1060, At(after));
+  EXPECT_EQ(0x80000003u, Bar().BackColor());
+  EXPECT_EQ(static_cast<Control*>(&Bar()), form.ZOrder().back());
+
+  Bar().UserMouseUp();
+  EXPECT_EQ(0x80000001u, Bar().BackColor());
+  EXPECT_EQ(1250, Extent(before));
+  EXPECT_EQ(1310, At(after));
+  EXPECT_EQ(1690, Extent(after));
+  EXPECT_EQ(1, log.refreshed);
+  EXPECT_EQ(11, GetParam().vertical ? before.Top() : before.Left());
+  EXPECT_EQ(22, GetParam().vertical ? after.Height() : after.Width());
+}
+
+TEST_P(SplitBarTest, NothingHappensWithoutTheLeftButtonAlone) {
+  for (const int buttons : {0, 2, 3, 4, 5}) Drag(100, buttons);
+  Bar().SetEnabled(false);
+  Drag(100);
+  Bar().SetEnabled(true);
+  form.SetVisible(false);
+  Drag(100);
+  EXPECT_EQ(1000, At(Bar()));
+  EXPECT_EQ(0x80000001u, Bar().BackColor());
+}
+
+TEST_P(SplitBarTest, AMoveToALimitIsRefusedNotShortened) {
+  SetLimits(100, 200);
+  for (int target = -50; target <= 3100; ++target) {
+    Put(Bar(), 1000, 60);
+    Drag(target - 1000);
+    const bool allowed = target > 100 && target < 3000 - 200;
+    ASSERT_EQ(allowed ? target : 1000, At(Bar())) << "dragged to " << target;
+  }
+}
+
+TEST_P(SplitBarTest, TheNearEdgeIsNeverBehindTheOrigin) {
+  Put(before, 400, 600);
+  Drag(-994);
+  EXPECT_EQ(6, At(Bar()));
+  Put(before, -300, 600);
+  Drag(-294);
+  EXPECT_EQ(-288, At(Bar()));
+  Drag(-10);
+  EXPECT_EQ(-288, At(Bar()));
+}
+
+TEST_P(SplitBarTest, TheFarEdgeIsThatOfTheFarthestControl) {
+  PictureBox farther("farther", &form);
+  Put(farther, 1060, 3000);
+  Put(after, -500, 100);  // an edge before the origin counts when it comes first
+  Drag(1);
+  EXPECT_EQ(1000, At(Bar()));
+  if (GetParam().vertical) {
+    sideways.AddControlRight(farther);
+  } else {
+    upright.AddControlBottom(farther);
+  }
+  Drag(3054);
+  EXPECT_EQ(4054, At(Bar()));
+  Drag(1);
+  EXPECT_EQ(4054, At(Bar()));
+}
+
+TEST_P(SplitBarTest, UpdateKeepsTheFarEdgesWhereTheyWere) {
+  for (int position = -200; position <= 3400; position += 7) {
+    Put(before, 0, 1000);
+    Put(after, 1060, 1940);
+    Put(Bar(), position, 60);
+    Bar().update();
+    const int edge = position + 60;
+    ASSERT_EQ(position < 0 ? 1000 : position, Extent(before)) << position;  // a negative size is refused
+    ASSERT_EQ(edge > 0 ? edge : 1060, At(after)) << position;
+    ASSERT_EQ(std::max(3000 - edge, 0), Extent(after)) << position;
+  }
+}
+
+TEST_P(SplitBarTest, OneControlsErrorDoesNotStopTheOthers) {
+  PictureBox second("second", &form);
+  Put(second, 100, 0);
+  if (GetParam().vertical) {
+    sideways.AddControlLeft(second);
+  } else {
+    upright.AddControlTop(second);
+  }
+  const auto fail = [] { throw Error(5, "Invalid procedure call or argument"); };
+  before.Resize = fail;
+  after.Resize = fail;
+  platform::PeerLog log;
+  platform::Record(after, log);
+  Put(Bar(), 1200, 60);
+  Bar().update();
+  EXPECT_EQ(1100, Extent(second));
+  EXPECT_EQ(1260, At(after));
+  EXPECT_EQ(1740, Extent(after));
+  EXPECT_EQ(1, log.refreshed);
+}
+
+TEST_P(SplitBarTest, KeysMoveTheBarWithinTheSameLimits) {
+  Bar().UserNudge(-60);
+  EXPECT_EQ(940, At(Bar()));
+  EXPECT_EQ(940, Extent(before));
+  EXPECT_EQ(1000, At(after));
+  Bar().UserNudge(-935);
+  EXPECT_EQ(940, At(Bar()));
+  EXPECT_EQ(0x80000001u, Bar().BackColor());
+}
+
+TEST_P(SplitBarTest, ExtremePositionsDoNotOverflow) {
+  constexpr int kMax = std::numeric_limits<int>::max();
+  Put(after, kMax, kMax);
+  Put(Bar(), kMax, kMax);
+  SetLimits(-kMax, -kMax);
+  Drag(kMax);
+  EXPECT_EQ(kMax, At(Bar()));
+  Bar().update();
+  EXPECT_EQ(0, Extent(after));
+  Put(Bar(), -kMax, 60);
+  Drag(-kMax);
+  Bar().UserNudge(-kMax);
+  Bar().update();
+  EXPECT_EQ(kMax, Extent(after));
+}
+
+TEST_P(SplitBarTest, StoredPropertiesHaveTheirOwnNamesAndDefaults) {
+  const std::string nearName = GetParam().vertical ? "MinLeftWidth" : "MinTopHeight";
+  const std::string farName = GetParam().vertical ? "MinRightWidth" : "MinBottomHeight";
+  PropertyBag bag;
+  Bar().WriteProperties(bag);
+  const auto systemColor = static_cast<std::int32_t>(0x80000001);
+  EXPECT_EQ(
+      (PropertyBag{
+          {"BackColor", systemColor}, {"BorderStyle", 0}, {nearName, 5}, {farName, 5}, {"MousePointer", 7}}),
+      bag);
+
+  const PropertyBag designed{
+      {"BackColor", 0x00C0FFEE}, {"BorderStyle", 1}, {nearName, 40}, {farName, 50}, {"MousePointer", 9}};
+  Bar().ReadProperties(designed);
+  Drag(-961);  // 39, within the limit
+  EXPECT_EQ(1000, At(Bar()));
+  EXPECT_EQ(0, Bar().BorderStyle());
+  Bar().UserMouseUp();
+  EXPECT_EQ(0x00C0FFEEu, Bar().BackColor());
+  EXPECT_EQ(1, Bar().BorderStyle());
+  PropertyBag written;
+  Bar().WriteProperties(written);
+  EXPECT_EQ(designed, written);
+
+  // A colour set while running is gone after the next drag; the designed one is what counts.
+  Bar().SetBackColor(1);
+  Drag(10);
+  Bar().UserMouseUp();
+  EXPECT_EQ(0x00C0FFEEu, Bar().BackColor());
+
+  Bar().ReadProperties({});
+  PropertyBag defaults;
+  Bar().WriteProperties(defaults);
+  EXPECT_EQ(bag, defaults);
+}
+
+}  // namespace
+}  // namespace kxrestore::controls

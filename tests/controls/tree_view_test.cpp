@@ -1,0 +1,266 @@
+#include "controls/tree_view.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "controls/form.h"
+#include "platform/headless/recording_peer.h"
+#include "tests/controls/raises.h"
+
+namespace kxrestore::controls {
+namespace {
+
+class TreeViewTest : public ::testing::Test {
+ protected:
+  // The texts of the tree, each branch in brackets behind its node.
+  static std::string Shape(Node first) {
+    std::string shape;
+    for (Node node = first; node; node = node.Next()) {
+      if (!shape.empty()) shape += ' ';
+      shape += node.Text();
+      if (node.HasChildren()) shape += "(" + Shape(node.Child()) + ")";
+    }
+    return shape;
+  }
+
+  Form form{"form"};
+  TreeView tree{"tree", &form, true};
+};
+
+TEST_F(TreeViewTest, KeepsTheOrderOfAddingInEveryBranch) {
+  EXPECT_FALSE(tree.FirstRoot());
+  const Node a = tree.Add({}, "", "a");
+  const Node b = tree.Add({}, "", "b");
+  const Node a1 = tree.Add(a, "", "a1");
+  tree.Add(b, "", "b1");
+  const Node a2 = tree.Add(a, "", "a2");
+  const Node leaf = tree.Add(a2, "", "leaf");
+  EXPECT_EQ("a(a1 a2(leaf)) b(b1)", Shape(tree.FirstRoot()));
+  EXPECT_EQ(6u, tree.Count());
+  EXPECT_EQ(a1, a2.FirstSibling());
+  EXPECT_EQ(a, b.FirstSibling());
+  EXPECT_EQ(a, leaf.Root());
+  EXPECT_EQ(b, b.Root());
+  EXPECT_EQ(a2, leaf.Parent());
+  EXPECT_FALSE(b.Parent());
+  EXPECT_EQ("leaf", tree.Item(6).Text());
+  EXPECT_RAISES(35600, tree.Item(0));
+  EXPECT_RAISES(35600, tree.Item(7));
+}
+
+TEST_F(TreeViewTest, KeepsTextsApartAndSharesATextThatEndsTheTag) {
+  struct Texts {
+    std::string key, text, tag;
+  };
+  const std::vector<Texts> all = {{"", "", ""},
+                                  {"k1", "", "tag"},
+                                  {"", "report.doc", "C:\\Data\\report.doc"},
+                                  {"C:\\Data\\", "Data", ""},
+                                  {"k2", "same", "same"},
+                                  {"k3", "longer than its tag", "tag"},
+                                  {std::string("nul\0key", 7), "nul", std::string("\0", 1)},
+                                  {"long", std::string(100000, 'x'), std::string(70000, 'y')}};
+  for (const Texts& texts : all) tree.Add({}, texts.key, texts.text, 3, texts.tag);
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const Node node = tree.Item(static_cast<int>(i) + 1);
+    EXPECT_EQ(all[i].text, node.Text());
+    EXPECT_EQ(all[i].tag, node.Tag());
+    EXPECT_EQ(all[i].key, node.Key());
+    if (!all[i].key.empty()) {
+      EXPECT_EQ(node, tree.Find(all[i].key));
+    }
+  }
+}
+
+TEST_F(TreeViewTest, ATextCanBeReplacedByAPartOfItself) {
+  Node node = tree.Add({}, "key", "doc", 0, "C:\\a.doc");
+  const std::string_view tag = node.Tag();
+  node.SetTag(node.Tag().substr(3));
+  EXPECT_EQ("a.doc", node.Tag());
+  EXPECT_EQ("doc", node.Text());
+  node.SetText(node.Tag());
+  node.SetTag("");
+  EXPECT_EQ("a.doc", node.Text());
+  EXPECT_EQ("", node.Tag());
+  EXPECT_EQ("key", node.Key());
+  EXPECT_EQ(node, tree.Find("key"));
+  EXPECT_EQ("C:\\a.doc", tag);  // what was handed out stays readable
+}
+
+TEST_F(TreeViewTest, AKeyIsUniqueAndExact) {
+  const Node node = tree.Add({}, "C:\\Data\\", "Data");
+  EXPECT_RAISES(35602, tree.Add({}, "C:\\Data\\", "again"));
+  EXPECT_EQ(1u, tree.Count());
+  EXPECT_EQ("Data", Shape(tree.FirstRoot()));
+  tree.Add({}, "c:\\data\\", "other case");
+  tree.Add({}, "", "no key");
+  tree.Add({}, "", "nor here");
+  EXPECT_EQ(node, tree.Item("C:\\Data\\"));
+  EXPECT_FALSE(tree.Find(""));
+  EXPECT_FALSE(tree.Find("C:\\Data"));
+  EXPECT_RAISES(35601, tree.Item("C:\\Data"));
+}
+
+TEST_F(TreeViewTest, RemovingABranchLeavesTheOtherIndexesAlone) {
+  const Node root = tree.Add({}, "root", "root");
+  const Node first = tree.Add(root, "first", "first");
+  const Node middle = tree.Add(root, "middle", "middle");
+  tree.Add(middle, "below", "below");
+  const Node last = tree.Add(root, "last", "last");
+  tree.SetSelectedItem(tree.Item("below"));
+  tree.Remove(middle);
+  EXPECT_EQ("root(first last)", Shape(tree.FirstRoot()));
+  EXPECT_EQ(3u, tree.Count());
+  EXPECT_EQ("last", tree.Item(5).Text());
+  EXPECT_RAISES(35601, tree.Item(4));
+  EXPECT_RAISES(35601, middle.Text());
+  EXPECT_RAISES(35601, tree.Add(middle, "", "lost"));
+  EXPECT_FALSE(tree.Find("below"));
+  EXPECT_FALSE(tree.SelectedItem());
+  EXPECT_EQ(6, tree.Add(root, "middle", "middle").Index());
+  tree.Remove(first);
+  EXPECT_EQ(last, root.Child());
+  tree.Remove(tree.Item("middle"));
+  EXPECT_FALSE(last.Next());
+  tree.Remove(last);
+  EXPECT_FALSE(root.HasChildren());
+  tree.Remove(root);
+  EXPECT_EQ(0u, tree.Count());
+  EXPECT_FALSE(tree.FirstRoot());
+}
+
+TEST_F(TreeViewTest, NothingAndWhatIsGoneRaiseErrors) {
+  const Node node = tree.Add({}, "", "a");
+  TreeView other("other", &form, true);
+  const Node foreign = other.Add({}, "", "b");
+  EXPECT_RAISES(91, Node().Text());
+  EXPECT_RAISES(91, node.Parent().Text());
+  EXPECT_RAISES(91, node.Child().SetChecked(true));
+  EXPECT_RAISES(91, tree.Remove({}));
+  EXPECT_RAISES(35601, tree.Add(foreign, "", "c"));
+  EXPECT_RAISES(380, tree.Add({}, "", "d", 100000));
+  EXPECT_EQ(1u, tree.Count());
+  tree.Clear();
+  EXPECT_RAISES(35601, node.Text());
+  EXPECT_RAISES(35601, tree.SetSelectedItem(node));
+}
+
+TEST_F(TreeViewTest, ExpandAndCollapseAreRaisedOnNodesWithChildren) {
+  Node folder = tree.Add({}, "", "folder");
+  Node file = tree.Add(folder, "", "file");
+  std::string events;
+  tree.Expand = [&](Node node) { events += "+" + std::string(node.Text()); };
+  tree.Collapse = [&](Node node) { events += "-" + std::string(node.Text()); };
+  folder.SetExpanded(false);
+  folder.SetExpanded(true);
+  folder.SetExpanded(true);
+  file.SetExpanded(true);
+  tree.UserExpand(folder, false);
+  EXPECT_EQ("+folder-folder", events);
+  EXPECT_TRUE(file.Expanded());
+}
+
+TEST_F(TreeViewTest, TellsThePeerOfChangesAndTheFormOfTheUser) {
+  platform::PeerLog log;
+  platform::Record(tree, log);
+  Node a = tree.Add({}, "", "a"), b = tree.Add({}, "", "b");
+  std::string events;
+  tree.NodeClick = [&](Node node) { events += "click " + std::string(node.Text()) + ";"; };
+  tree.NodeCheck = [&](Node node) {
+    events += (node.Checked() ? "check " : "clear ") + std::string(node.Text()) + ";";
+  };
+
+  a.SetChecked(true);
+  a.SetChecked(true);
+  a.SetBold(true);
+  a.SetImage(5);
+  a.SetText("A");
+  tree.SetSelectedItem(a);
+  tree.SetSelectedItem({});
+  using Change = std::pair<std::uint32_t, NodeProperty>;
+  EXPECT_EQ(std::vector<Change>({{1, NodeProperty::kChecked},
+                                 {1, NodeProperty::kBold},
+                                 {1, NodeProperty::kImage},
+                                 {1, NodeProperty::kText},
+                                 {1, NodeProperty::kSelected},
+                                 {1, NodeProperty::kSelected}}),
+            log.nodesChanged);
+  EXPECT_EQ("", events);
+
+  log.nodesChanged.clear();
+  tree.UserClickNode(b);
+  EXPECT_EQ(b, tree.SelectedItem());
+  EXPECT_TRUE(log.nodesChanged.empty());
+  tree.UserCheck(b, true);
+  tree.UserCheck(b, false);
+  tree.Remove(b);
+  tree.UserClickNode(b);
+  tree.UserCheck(b, true);
+  tree.SetEnabled(false);
+  tree.UserClickNode(a);
+  tree.UserCheck(a, false);
+  EXPECT_EQ("click b;check b;clear b;", events);
+  EXPECT_TRUE(a.Checked());
+  EXPECT_EQ(std::vector<std::uint32_t>({1, 2}), log.nodesAdded);
+  EXPECT_EQ(std::vector<std::uint32_t>({2}), log.nodesRemoved);
+  tree.Clear();
+  EXPECT_EQ(1, log.cleared);
+
+  TreeView plain("plain", &form, false);
+  const Node node = plain.Add({}, "", "no box");
+  plain.UserCheck(node, true);
+  EXPECT_FALSE(node.Checked());
+}
+
+TEST_F(TreeViewTest, FindsEveryKeyWhileBranchesComeAndGo) {
+  std::mt19937 random(7);
+  std::map<std::string, int> expected;
+  for (int round = 0; round < 20000; ++round) {
+    const std::string key = "key" + std::to_string(random() % 3000);
+    const auto known = expected.find(key);
+    if (known == expected.end()) {
+      expected[key] = tree.Add({}, key, key).Index();
+    } else if (random() % 2 == 0) {
+      tree.Remove(tree.Item(key));
+      expected.erase(known);
+    } else {
+      EXPECT_RAISES(35602, tree.Add({}, key, key));
+    }
+  }
+  EXPECT_EQ(expected.size(), tree.Count());
+  for (int number = 0; number < 3000; ++number) {
+    const std::string key = "key" + std::to_string(number);
+    const auto known = expected.find(key);
+    EXPECT_EQ(known == expected.end() ? 0 : known->second, tree.Find(key).Index());
+  }
+}
+
+TEST_F(TreeViewTest, ABranchMayBeVeryDeep) {
+  Node top = tree.Add({}, "", "top");
+  Node node = top;
+  for (int depth = 0; depth < 100000; ++depth) node = tree.Add(node, "", "below");
+  const Node other = tree.Add({}, "", "other");
+  EXPECT_EQ(top, node.Root());
+  tree.Remove(top);
+  EXPECT_EQ(1u, tree.Count());
+  EXPECT_EQ(other, tree.FirstRoot());
+}
+
+TEST_F(TreeViewTest, ManyNodesCostTheirTextsAndLittleMore) {
+  const Node root = tree.Add({}, "", "root");
+  constexpr int kNodes = 100000;
+  for (int i = 0; i < kNodes; ++i) {
+    const std::string name = "file" + std::to_string(100000 + i) + ".doc";
+    tree.Add(root, "", name, 2, "C:\\Data\\" + std::string(80 - 8 - name.size(), 'd') + name);
+  }
+  EXPECT_LT(tree.MemoryUsed(), kNodes * 125u);
+  tree.Clear();
+  EXPECT_LT(tree.MemoryUsed(), 100000u);
+}
+
+}  // namespace
+}  // namespace kxrestore::controls
