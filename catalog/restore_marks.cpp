@@ -26,12 +26,9 @@ void ClearAllMarks(engine::Database& database) {
 
 }  // namespace
 
-RestoreMarks::RestoreMarks(engine::Workspace& workspace, ConnectionSettings settings, CurrentRun current,
-                           Report report)
-    : m_workspace(workspace),
-      m_settings(std::move(settings)),
-      m_current(std::move(current)),
-      m_report(std::move(report)) {}
+RestoreMarks::RestoreMarks(engine::Workspace& workspace, const ConnectionSettings& settings,
+                           const CurrentRun& current, Report report)
+    : m_workspace(workspace), m_settings(settings), m_current(current), m_report(std::move(report)) {}
 
 template <typename Operation, typename Tag>
 bool RestoreMarks::Run(Operation operation, Tag tag) {

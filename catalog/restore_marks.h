@@ -29,8 +29,9 @@ class RestoreMarks {
   // Shows an error to the user, with the name of the routine it ended.
   using Report = std::function<void(const Error& error, const std::string& routine)>;
 
-  // Cheap enough to be made for one walk, which is what keeps `current` current.
-  RestoreMarks(engine::Workspace& workspace, ConnectionSettings settings, CurrentRun current, Report report);
+  // Settings and current run are looked at when an operation runs, and must outlive this object.
+  RestoreMarks(engine::Workspace& workspace, const ConnectionSettings& settings, const CurrentRun& current,
+               Report report);
 
   // Marks one version.
   bool UpdateByID(std::int32_t id);
@@ -57,8 +58,8 @@ class RestoreMarks {
   void BeginSelect(std::string_view columns, std::int32_t setNameId, std::string_view extension);
 
   engine::Workspace& m_workspace;
-  ConnectionSettings m_settings;
-  CurrentRun m_current;
+  const ConnectionSettings& m_settings;
+  const CurrentRun& m_current;
   Report m_report;
   std::string m_sql;  // kept, so that marking 100,000 files does not allocate 100,000 statements
 };

@@ -26,15 +26,15 @@ TEST(Connection, ConnectStrings) {
 class RestoreMarksOnServer : public ::testing::Test {
  protected:
   RestoreMarks Marks(std::int16_t dbType = kServerCatalog) {
-    return {m_workspace,
-            {.dbType = dbType, .dbName = "not used", .connect = "ODBC;x"},
-            {.setId = 11, .extension = "042"},
-            [this](const Error& error, const std::string& routine) {
+    m_settings.dbType = dbType;
+    return {m_workspace, m_settings, m_current, [this](const Error& error, const std::string& routine) {
               m_reports.push_back(routine + " " + std::to_string(error.Number()));
             }};
   }
 
   std::shared_ptr<Script> m_script = std::make_shared<Script>();
+  ConnectionSettings m_settings{.dbName = "not used", .connect = "ODBC;x"};
+  CurrentRun m_current{.setId = 11, .extension = "042"};
   engine::Workspace m_workspace{{.odbc = std::make_unique<RecordingBackend>(m_script)}};
   Calls m_reports;
 };
