@@ -13,6 +13,8 @@
 #include <utility>
 
 #include "base/error.h"
+#include "catalog/connection.h"
+#include "catalog/restore_marks.h"
 #include "dialog/form_controls.h"
 #include "engine/database.h"
 #include "platform/platform.h"
@@ -47,16 +49,12 @@ struct Choice {
   std::string m_strExtension;
   std::int16_t m_intRunCount = 0;
   bool m_blnLoading = false;  // the detail tree is being filled
-  // The run whose files the detail tree shows. The choice above may have moved on since.
-  std::int32_t shownSetID = 0;
-  std::string shownExtension;
 };
 
 class FormContext {
  public:
-  FormContext(Parameters& parameters, FormControls& controls, platform::Platform& platform,
-              engine::Workspace& workspace)
-      : parameters(parameters), ui(controls), platform(platform), workspace(workspace) {}
+  FormContext(Parameters& parametersOfRun, FormControls& controlsOfForm, platform::Platform& platformOfHost,
+              engine::Workspace& workspaceOfHost);
   FormContext(const FormContext&) = delete;
   FormContext& operator=(const FormContext&) = delete;
 
@@ -64,10 +62,15 @@ class FormContext {
   FormControls& ui;
   platform::Platform& platform;
   engine::Workspace& workspace;
-  Choice choice;
 
-  // Opens the catalog that the parameters name. Error 91 for a kind of database that there is not.
-  std::unique_ptr<engine::Database> OpenCatalog();
+  Choice choice;
+  // The run whose files the detail tree shows; the choice may have moved on since. Marks that name no set or
+  // extension go to this one.
+  catalog::CurrentRun shownRun;
+  catalog::ConnectionSettings connection;  // set up while the form loads
+  catalog::RestoreMarks marks;             // reports through ReportError
+
+  std::unique_ptr<engine::Database> OpenCatalog() { return catalog::OpenCatalog(workspace, connection); }
 
   // Shows an error: "(number) description" under the routine's name.
   void ReportError(const Error& error, const std::string& routine);

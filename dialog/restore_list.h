@@ -2,20 +2,10 @@
 #pragma once
 
 #include <functional>
-#include <string>
-#include <string_view>
 
 #include "dialog/form_context.h"
 
 namespace kxrestore::dialog {
-
-// Name shown for a row of an aggregated mail-server item: `file` for a plug-in that is exactly "Exchange
-// Server", the plug-in's own text for a longer one that begins so, each with ".kxexag" behind it. Nothing for
-// any other plug-in.
-inline constexpr std::string_view kAggregateExtension = "kxexag";
-std::optional<std::string> AggregateName(std::string_view plugin, std::string_view file);
-// Whether a shown name is one of those.
-bool IsAggregateName(std::string_view name);
 
 class RestoreList {
  public:
@@ -30,22 +20,24 @@ class RestoreList {
   void ListCurrentSelections();
   // Brings the captions of the counts, and Restore Now, in line with the lists.
   void UpdateCounts();
-  // Writes entries without a tick back as not to be restored; reports its own errors.
-  void ApplyListChanges();
+  // Writes entries without a tick back as not to be restored. Whether the user let it run to its end.
+  bool ApplyListChanges();
 
   void cmdRestore_Click(int index);
   void Form_Unload(bool& cancel);
 
  private:
-  bool AskToCancel();
+  void RestoreNow();
   void Cancel();
-  void Close();
+  void Update();
+  void Clear();
+  bool ConfirmCancel();
+  void CancelSelections();
+  void UnloadByCommand();
 
   FormContext& m_context;
   Events m_events;
   bool m_closingByCommand = false;
-  bool m_cancelled = false;
-  bool m_hasSelections = false;
 };
 
 }  // namespace kxrestore::dialog

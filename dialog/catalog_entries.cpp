@@ -1,0 +1,67 @@
+#include "dialog/catalog_entries.h"
+
+#include "catalog/text_routines.h"
+#include "dialog/date_text.h"
+
+namespace kxrestore::dialog {
+
+namespace {
+
+// A field's text without a copy where it is text already.
+std::string_view TextOf(const engine::Field& field, std::string& buffer) {
+  const engine::ValueView value = field.Value();
+  if (const auto* text = std::get_if<std::string_view>(&value)) return *text;
+  buffer = engine::ToText(value);
+  return buffer;
+}
+
+}  // namespace
+
+bool IsMailServer(std::string_view plugin) {
+  return plugin.starts_with(kMailServer);
+}
+
+std::optional<std::string> AggregateName(std::string_view plugin, std::string_view file) {
+  if (!IsMailServer(plugin)) return std::nullopt;
+  std::string name(plugin.size() == kMailServer.size() ? file : plugin);
+  return name.append(".").append(kAggregateExtension);
+}
+
+bool IsAggregateName(std::string_view name) {
+  return catalog::GetExtension(name) == kAggregateExtension;
+}
+
+CatalogEntries::CatalogEntries(engine::Recordset& rows, std::string_view nameColumn,
+                               std::string_view setNameColumn, const platform::Regional& regional)
+    : m_name(rows.Fields(nameColumn)),
+      m_size(rows.Fields("OrigSize")),
+      m_extension(rows.Fields("Extension")),
+      m_setId(rows.Fields("SetNameID")),
+      m_setName(rows.Fields(setNameColumn)),
+      m_date(rows.Fields("DateStamp")),
+      m_filename(rows.Fields("Filename")),
+      m_file(rows.Fields("File")),
+      m_plugin(rows.Fields("Plugin")),
+      m_regional(regional) {}
+
+void CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticked) {
+  std::string buffers[6];
+  const std::string_view file = TextOf(m_file, buffers[0]);
+  const auto aggregate = AggregateName(TextOf(m_plugin, buffers[1]), file);
+  const engine::ValueView date = m_date.Value();
+  const std::string dateText = DateText(m_regional, date);
+
+  controls::AutoSelect::Entry entry;
+  entry.name = aggregate ? std::string_view(*aggregate) : TextOf(m_name, buffers[2]);
+  entry.sizeKnown = !m_size.IsNull();
+  entry.size = m_size.Integer();
+  entry.extension = TextOf(m_extension, buffers[3]);
+  entry.setId = static_cast<std::int32_t>(m_setId.Integer());
+  entry.setName = TextOf(m_setName, buffers[4]);
+  entry.date = dateText;
+  entry.dateKey = DateKey(date);
+  entry.storedName = aggregate ? file : TextOf(m_filename, buffers[5]);
+  list.Add(entry, ticked);
+}
+
+}  // namespace kxrestore::dialog

@@ -1,0 +1,88 @@
+#include "dialog/form_context.h"
+
+#include <new>
+
+#include "platform/desktop.h"
+
+namespace kxrestore::dialog {
+
+namespace {
+
+constexpr int kInternalError = 51;
+
+}  // namespace
+
+FormContext::FormContext(Parameters& parametersOfRun, FormControls& controlsOfForm,
+                         platform::Platform& platformOfHost, engine::Workspace& workspaceOfHost)
+    : parameters(parametersOfRun),
+      ui(controlsOfForm),
+      platform(platformOfHost),
+      workspace(workspaceOfHost),
+      marks(workspace, connection, shownRun,
+            [this](const Error& error, const std::string& routine) { ReportError(error, routine); }) {}
+
+Error FormContext::Caught() {
+  try {
+    throw;
+  } catch (const Error& error) {
+    return error;
+  } catch (const std::bad_alloc&) {
+    return {error_number::kOutOfMemory, "Out of memory"};
+  } catch (const std::exception& exception) {
+    return {kInternalError, std::string("Internal error: ") + exception.what()};
+  } catch (...) {
+    return {kInternalError, "Internal error"};
+  }
+}
+
+void FormContext::ReportError(const Error& error, const std::string& routine) {
+  const auto commit = [this] { workspace.Flush(); };
+  const std::optional<Error> second = Trap(commit);
+  const auto show = [&](const Error& shown) {
+    Skipping([&] {
+      platform.desktop.MessageBox("(" + std::to_string(shown.Number()) + ") " + shown.Description(),
+                                  platform::kExclamation, routine);
+    });
+  };
+  show(error);
+  // Marks that could not be committed are lost; that is news of its own.
+  if (second && second->Number() != error.Number()) show(*second);
+}
+
+int FormContext::MessageBox(const std::string& text, int style, const std::string& title) {
+  workspace.Flush();
+  return platform.desktop.MessageBox(text, style, title);
+}
+
+void FormContext::DoEvents() {
+  platform.desktop.DoEvents();
+  workspace.Idle();
+}
+
+void FormContext::EnterEvent() {
+  ++m_events;
+  workspace.BeginAction();
+}
+
+void FormContext::LeaveEvent(const std::string& routine) {
+  Reporting(routine, [this] { workspace.EndAction(); });
+  if (--m_events > 0 || !m_afterUnwinding) return;
+  const auto step = std::exchange(m_afterUnwinding, nullptr);
+  if (ui.form.IsOpen()) Skipping(step);
+}
+
+bool FormContext::Stop() {
+  if (m_walks == 0) return false;
+  parameters.StopRequested = true;
+  return true;
+}
+
+void FormContext::StopThen(std::function<void()> step) {
+  if (Stop()) {
+    m_afterUnwinding = std::move(step);
+  } else if (m_events == 0) {
+    step();
+  }
+}
+
+}  // namespace kxrestore::dialog
