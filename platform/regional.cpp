@@ -8,7 +8,7 @@ namespace {
 
 std::string TwoDigits(int number) {
   std::string text = std::to_string(number);
-  if (text.size() < 2) text.insert(0, "0");
+  if (text.size() < 2) text.insert(0, 1, '0');
   return text;
 }
 
@@ -27,7 +27,7 @@ std::string FixedRegional::LongTime(const CivilTime& time) const {
 std::string FixedRegional::Grouped(std::int64_t number) const {
   std::string text = std::to_string(number);
   const std::size_t first = number < 0 ? 1 : 0;
-  for (std::size_t place = text.size(); place > first + 3;) text.insert(place -= 3, ",");
+  for (std::size_t place = text.size(); place > first + 3;) text.insert(place -= 3, 1, ',');
   return text;
 }
 

@@ -153,8 +153,8 @@ TEST_F(TreeViewTest, ExpandAndCollapseAreRaisedOnNodesWithChildren) {
   Node folder = tree.Add({}, "", "folder");
   Node file = tree.Add(folder, "", "file");
   std::string events;
-  tree.Expand = [&](Node node) { events += "+" + std::string(node.Text()); };
-  tree.Collapse = [&](Node node) { events += "-" + std::string(node.Text()); };
+  tree.Expand = [&](Node node) { events.append(1, '+').append(node.Text()); };
+  tree.Collapse = [&](Node node) { events.append(1, '-').append(node.Text()); };
   folder.SetExpanded(false);
   folder.SetExpanded(true);
   folder.SetExpanded(true);
