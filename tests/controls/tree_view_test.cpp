@@ -22,7 +22,7 @@ class TreeViewTest : public ::testing::Test {
     for (Node node = first; node; node = node.Next()) {
       if (!shape.empty()) shape += ' ';
       shape += node.Text();
-      if (node.HasChildren()) shape += "(" + Shape(node.Child()) + ")";
+      if (node.HasChildren()) shape.append(1, '(').append(Shape(node.Child())).append(1, ')');
     }
     return shape;
   }
