@@ -1,0 +1,152 @@
+#!/usr/bin/env bash
+# Builds and tests everything: test.sh [--native] [--windows]
+#
+# Natively under the address and undefined-behaviour sanitizers, and the 64-bit Windows build under Wine; the 32-bit DLL
+# is built. The options choose a part. The last line is `N passed, N failed`; tests that a crash or the time limit kept
+# from running count as failed.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+kNativeLimit=300  # seconds for one program
+kWindowsLimit=600
+
+native=no
+windows=no
+for argument in "$@"; do
+  case $argument in
+    --native) native=yes ;;
+    --windows) windows=yes ;;
+    *) fail "usage: test.sh [--native] [--windows]" ;;
+  esac
+done
+if [[ $native$windows == nono ]]; then
+  native=yes
+  windows=yes
+fi
+
+results=$kxBuild/test-results
+rm -rf "$results"
+mkdir -p "$results"
+totalPassed=0
+totalFailed=0
+totalSkipped=0
+
+# Of a result file in GoogleTest's XML: how many tests ended, failed and were skipped.
+read_xml() {
+  awk '
+    /<testcase / {
+      if (/result="completed"/) ended++
+      if (/result="skipped"/) skipped++
+    }
+    /<testsuites / { if (match($0, / failures="[0-9]+"/)) failures = substr($0, RSTART + 11, RLENGTH - 12) }
+    END { print ended + 0, failures + 0, skipped + 0 }' "$1"
+}
+
+# Runs one program and leaves PASSED FAILED SKIPPED in RESULTS.count, its output in RESULTS.log:
+# run_program RESULTS LIMIT WINDOWS-PATHS COMMAND...
+run_program() {
+  local base=$1 limit=$2 xmlPath=$1.xml status=0
+  [[ $3 == no ]] || xmlPath=$(windows_path "$base.xml")
+  shift 3
+  local expected passed=0 failed=0 skipped=0 ended
+  # Without the list there is no telling how many tests a crash has swallowed.
+  expected=$(timeout --kill-after=10 60 "$@" --gtest_list_tests 2>>"$base.log" |
+    awk '/^  / && $1 !~ /^DISABLED_/ { count++ } END { print count + 0 }') || expected=0
+
+  GTEST_OUTPUT="xml:$xmlPath" timeout --kill-after=10 "$limit" "$@" --gtest_color=no >>"$base.log" 2>&1 || status=$?
+
+  if [[ -s $base.xml ]]; then
+    read -r ended failed skipped < <(read_xml "$base.xml")
+    passed=$((ended - failed))
+  else
+    passed=$(grep -c '^\[       OK \]' "$base.log" || true)
+    skipped=$(grep -c '^\[  SKIPPED \] .*ms)' "$base.log" || true)
+  fi
+  local missing=$((expected - passed - failed - skipped))
+  [[ $missing -le 0 ]] || failed=$((failed + missing))
+  # Leaks and crashes at the very end belong to no test; a program without tests proves nothing.
+  if [[ $failed -eq 0 && ($status -ne 0 || $expected -eq 0) ]]; then failed=1; fi
+  [[ $status -ne 124 && $status -ne 137 ]] || echo "ended after $limit s" >>"$base.log"
+  echo "exit status $status" >>"$base.log"
+  echo "$passed $failed $skipped" >"$base.count"
+}
+
+report_program() {
+  local base=$1 passed failed skipped
+  read -r passed failed skipped <"$base.count"
+  totalPassed=$((totalPassed + passed))
+  totalFailed=$((totalFailed + failed))
+  totalSkipped=$((totalSkipped + skipped))
+  local note=
+  [[ $skipped -eq 0 ]] || note=", $skipped skipped"
+  printf '%-40s %5d ok, %d not%s\n' "${base#"$results"/}" "$passed" "$failed" "$note"
+  if [[ $failed -ne 0 ]]; then
+    # The whole story when it is short, else what failed and the end of it.
+    if [[ $(wc -l <"$base.log") -le 300 ]]; then
+      cat "$base.log"
+    else
+      grep -E -B 12 '^\[  FAILED  \]' "$base.log" | head -n 200 || true
+      echo '...'
+      tail -n 60 "$base.log"
+    fi
+  fi
+}
+
+test_programs() {
+  find "$1" -maxdepth 1 -type f -name "$2" -perm -u+x | sort
+}
+
+run_native() {
+  build_preset sanitize || fail "the native build failed"
+  export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1
+  export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+  mkdir -p "$results/native"
+  local program programs running=0
+  mapfile -t programs < <(test_programs "$kxBuild/sanitize/tests" '*_tests')
+  [[ ${#programs[@]} -gt 0 ]] || fail "the native build made no test program"
+  say "running ${#programs[@]} native test programs"
+  for program in "${programs[@]}"; do
+    if [[ $running -ge $kxJobs ]]; then
+      wait -n || true
+      running=$((running - 1))
+    fi
+    (cd "$results/native" && run_program "$results/native/$(basename "$program")" "$kNativeLimit" no "$program") &
+    running=$((running + 1))
+  done
+  wait
+  for program in "${programs[@]}"; do report_program "$results/native/$(basename "$program")"; done
+}
+
+run_windows() {
+  # shellcheck source=scripts/wine_env.sh
+  source "$kxRoot/scripts/wine_env.sh"
+  build_preset windows-x64 || fail "the 64-bit Windows build failed"
+  build_preset windows-x86 KXRestore || fail "the 32-bit Windows build failed"
+  mkdir -p "$results/windows"
+  local program programs
+  mapfile -t programs < <(test_programs "$kxBuild/windows-x64/tests" '*_tests.exe')
+  [[ ${#programs[@]} -gt 0 ]] || fail "the Windows build made no test program"
+  wine_session_start own
+  say "running ${#programs[@]} Windows test programs under Wine"
+  # One after the other: they share a desktop, and with it the focus.
+  for program in "${programs[@]}"; do
+    (cd "$results/windows" && run_program "$results/windows/$(basename "$program")" "$kWindowsLimit" yes \
+      wine "$program") {kxWineLock}>&-
+    report_program "$results/windows/$(basename "$program")"
+    # What a program left running must not disturb the next.
+    wine_stop_server
+  done
+  wine_session_stop
+}
+
+groups=(native)
+[[ $windows == no ]] || groups+=(windows wine)
+"$kxRoot/scripts/setup.sh" "${groups[@]}"
+
+[[ $native == no ]] || run_native
+[[ $windows == no ]] || run_windows
+
+[[ $totalSkipped -eq 0 ]] || echo "$totalSkipped skipped"
+echo "$totalPassed passed, $totalFailed failed"
+[[ $totalFailed -eq 0 ]]

@@ -1,0 +1,120 @@
+# Running Windows programs under Wine (source it after lib.sh): an environment and a prefix of its own under build/wine,
+# so that neither the user's Wine nor what is installed there matters. Set KX_WINEPREFIX for another prefix.
+#
+# A session is what holds the prefix to itself: wine_session_start, any number of `wine_do`, wine_session_stop (a trap
+# does it at the end of the script, too). Within one, KX_WINE_SESSION is set for scripts that are called.
+# shellcheck shell=bash
+
+export WINEPREFIX=${KX_WINEPREFIX:-$kxBuild/wine}
+export WINEARCH=win64
+export WINEDEBUG=${KX_WINEDEBUG:--all}
+# No prompts for Mono and Gecko, no menu entries in the user's desktop, and a crash ends the program at once.
+export WINEDLLOVERRIDES='mscoree,mshtml=;winedbg.exe=d;winemenubuilder.exe=d'
+# English dates, and every file name can be said.
+export LC_ALL=C.UTF-8
+unset LANGUAGE
+if [[ ! -w ${HOME:-/nonexistent} ]]; then
+  export HOME=$kxBuild/home
+  mkdir -p "$HOME"
+fi
+
+kKxPrefixVersion=1
+kxXvfbPid=
+kxWineLock=
+
+# The lock must not be inherited: the Wine server outlives whoever started it.
+wine_do() {
+  if [[ -n $kxWineLock ]]; then
+    wine "$@" {kxWineLock}>&-
+  else
+    wine "$@"
+  fi
+}
+
+# Ends every program of this prefix, and only of this one, and waits until they are gone.
+wine_stop_server() {
+  wineserver -k 2>/dev/null || true
+  timeout 30 wineserver -w 2>/dev/null || true
+}
+
+windows_path() {
+  local path
+  path=$(realpath -m "$1")
+  printf 'Z:%s\n' "${path//\//\\}"
+}
+
+wine_lock() {
+  mkdir -p "$(dirname "$WINEPREFIX")"
+  exec {kxWineLock}>"$WINEPREFIX.lock"
+  flock -w 2 "$kxWineLock" && return 0
+  warn "waiting for another session on $WINEPREFIX"
+  flock -w 1200 "$kxWineLock" || fail "$WINEPREFIX is still in use by another session"
+}
+
+wine_make_prefix() {
+  [[ $(cat "$WINEPREFIX/kx-ready" 2>/dev/null) != "$kKxPrefixVersion" ]] || return 0
+  say "making the Wine prefix $WINEPREFIX"
+  wine_stop_server
+  rm -rf "$WINEPREFIX"
+  mkdir -p "$WINEPREFIX"
+  # Without a display nothing can ask anything.
+  local desktop='HKCU\Control Panel\Desktop' log=$kxBuild/log/wine-prefix.log
+  (
+    unset DISPLAY
+    logged "$log" timeout 180 wine wineboot -i &&
+      logged "$log" timeout 60 wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f &&
+      logged "$log" timeout 60 wine reg add "$desktop" /v FontSmoothing /d 2 /f &&
+      logged "$log" timeout 60 wine reg add "$desktop" /v FontSmoothingType /t REG_DWORD /d 2 /f
+  ) {kxWineLock}>&- || fail "the Wine prefix cannot be made"
+  # A server that was started without a display cannot make windows.
+  timeout 60 wineserver -w || true
+  wine_stop_server
+  echo "$kKxPrefixVersion" >"$WINEPREFIX/kx-ready"
+}
+
+# An X server on a display number that is free.
+start_xvfb() {
+  local file
+  file=$(mktemp)
+  Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$file" >"$kxBuild/log/xvfb.log" 2>&1 \
+    {kxWineLock}>&- &
+  kxXvfbPid=$!
+  local tries
+  for ((tries = 0; tries < 400; ++tries)); do
+    [[ ! -s $file ]] || break
+    kill -0 "$kxXvfbPid" 2>/dev/null || break
+    sleep 0.05
+  done
+  local number
+  number=$(cat "$file")
+  rm -f "$file"
+  [[ -n $number ]] || fail "Xvfb does not start, see $kxBuild/log/xvfb.log"
+  export DISPLAY=:$number
+}
+
+# With "own" (the default) the programs get an X server of their own, with "user" the display that is there.
+wine_session_start() {
+  mkdir -p "$kxBuild/log"
+  trap wine_session_stop EXIT
+  trap 'exit 130' INT
+  trap 'exit 143' TERM
+  wine_lock
+  wine_make_prefix
+  wine_stop_server
+  [[ ${1:-own} == user ]] || start_xvfb
+  export KX_WINE_SESSION=1
+}
+
+wine_session_stop() {
+  trap - EXIT
+  [[ -z $kxWineLock ]] || wine_stop_server
+  if [[ -n $kxXvfbPid ]]; then
+    kill "$kxXvfbPid" 2>/dev/null || true
+    wait "$kxXvfbPid" 2>/dev/null || true
+    kxXvfbPid=
+  fi
+  if [[ -n $kxWineLock ]]; then
+    exec {kxWineLock}>&-
+    kxWineLock=
+  fi
+}
