@@ -1,7 +1,6 @@
 #include "dialog/catalog_entries.h"
 
 #include "catalog/text_routines.h"
-#include "dialog/date_text.h"
 
 namespace kxrestore::dialog {
 
@@ -42,14 +41,13 @@ CatalogEntries::CatalogEntries(engine::Recordset& rows, std::string_view nameCol
       m_filename(rows.Fields("Filename")),
       m_file(rows.Fields("File")),
       m_plugin(rows.Fields("Plugin")),
-      m_regional(regional) {}
+      m_dateText(regional) {}
 
 void CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticked) {
   std::string buffers[6];
   const std::string_view file = TextOf(m_file, buffers[0]);
   const auto aggregate = AggregateName(TextOf(m_plugin, buffers[1]), file);
   const engine::ValueView date = m_date.Value();
-  const std::string dateText = DateText(m_regional, date);
 
   controls::AutoSelect::Entry entry;
   entry.name = aggregate ? std::string_view(*aggregate) : TextOf(m_name, buffers[2]);
@@ -58,8 +56,8 @@ void CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticked) {
   entry.extension = TextOf(m_extension, buffers[3]);
   entry.setId = static_cast<std::int32_t>(m_setId.Integer());
   entry.setName = TextOf(m_setName, buffers[4]);
-  entry.date = dateText;
-  entry.dateKey = DateKey(date);
+  entry.date = m_dateText.Of(date);
+  entry.dateKey = DateText::Key(date);
   entry.storedName = aggregate ? file : TextOf(m_filename, buffers[5]);
   list.Add(entry, ticked);
 }

@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "controls/auto_select.h"
+#include "dialog/date_text.h"
 #include "engine/database.h"
-#include "platform/regional.h"
 
 namespace kxrestore::dialog {
 
@@ -37,7 +37,7 @@ class CatalogEntries {
 
  private:
   engine::Field m_name, m_size, m_extension, m_setId, m_setName, m_date, m_filename, m_file, m_plugin;
-  const platform::Regional& m_regional;
+  DateText m_dateText;
 };
 
 }  // namespace kxrestore::dialog
