@@ -22,6 +22,15 @@ class Form : public Container {
   // What the window's frame adds to the inner size, in twips.
   void SetFrame(int width, int height);
 
+  // The least outer size that the user may give the window. The form's own rule decides; this keeps the
+  // window from going below it while it is dragged.
+  int MinimumWidth() const { return m_minimumWidth; }
+  int MinimumHeight() const { return m_minimumHeight; }
+  void SetMinimumSize(int width, int height) {
+    m_minimumWidth = width;
+    m_minimumHeight = height;
+  }
+
   controls::WindowState WindowState() const { return m_windowState; }
   void SetWindowState(controls::WindowState state);
   controls::MousePointer MousePointer() const { return m_mousePointer; }
@@ -56,6 +65,7 @@ class Form : public Container {
  private:
   std::string m_caption;
   std::string m_iconPath;
+  int m_minimumWidth = 0, m_minimumHeight = 0;
   int m_frameWidth = 240, m_frameHeight = 510;
   controls::WindowState m_windowState = controls::WindowState::kNormal;
   controls::MousePointer m_mousePointer = controls::MousePointer::kDefault;
