@@ -1,0 +1,93 @@
+#include "dialog/detail_actions.h"
+
+#include <charconv>
+#include <string>
+
+#include "controls/check_propagation.h"
+#include "dialog/catalog_entries.h"
+
+namespace kxrestore::dialog {
+
+DetailActions::DetailActions(FormContext& context) : m_context(context) {
+  auto& buttons = m_context.ui.cmdAction;
+  for (int index = 0; index < static_cast<int>(buttons.size()); ++index) {
+    buttons[static_cast<std::size_t>(index)].Click = [this, index] {
+      m_context.Command("cmdAction.Click", [&] { cmdAction_Click(index); });
+    };
+  }
+}
+
+void DetailActions::cmdAction_Click(int index) {
+  switch (index) {
+    case 0:
+      AddToSetSelections();
+      break;
+    case 1:
+      ClearAll();
+      break;
+    case 2:
+      ExpandAllDetails(true);
+      break;
+    case 3:
+      ExpandAllDetails(false);
+      break;
+    default:
+      break;
+  }
+}
+
+void DetailActions::AddToSetSelections() {
+  FormControls& ui = m_context.ui;
+  m_context.Reporting("AddToSetSelections", [&] {
+    ui.lblTreeCount.SetVisible(true);
+    std::string caption;
+    // Not a 16-bit count: a run of a million files has to be applied whole.
+    std::int64_t scanned = 0;
+    {
+      FormContext::Walk walk(m_context);
+      const int count = static_cast<int>(ui.tvwDetails.Count());
+      for (int index = 1; index <= count; ++index) {
+        if (!walk.Next()) return;
+        const controls::Node node = ui.tvwDetails.Item(index);
+        const std::string_view tag = node.Tag();
+        if (tag.empty()) continue;
+        char digits[24];
+        caption.assign("Scanning ");
+        caption.append(digits, std::to_chars(digits, digits + sizeof digits, ++scanned).ptr);
+        ui.lblTreeCount.SetCaption(caption);
+        if (!node.Checked()) continue;
+        const bool marked = node.Text() == kMailServer
+                                ? m_context.marks.UpdateSelectionByFile(tag, true, 0, "")
+                                : m_context.marks.UpdateSelectionByFileName(tag, true, 0, "");
+        if (!marked) break;  // reported; every further one would fail the same way
+      }
+    }
+    ListCurrentSelections();
+    ui.lblTreeCount.SetVisible(false);
+  });
+}
+
+// Every top node with its subtree: a run has several, one a drive and one a plug-in.
+void DetailActions::ClearAll() {
+  for (controls::Node root = m_context.ui.tvwDetails.FirstRoot(); root; root = root.Next()) {
+    m_context.Skipping([&] {
+      root.SetChecked(false);
+      controls::CheckParents(root);
+      controls::CheckChildren(root);
+    });
+  }
+}
+
+void DetailActions::ExpandAllDetails(bool expand) {
+  controls::TreeView& tree = m_context.ui.tvwDetails;
+  FormContext::Walk walk(m_context);
+  const int count = static_cast<int>(tree.Count());
+  for (int index = 1; index <= count && walk.Next(); ++index) {
+    m_context.Skipping([&] {
+      controls::Node node = tree.Item(index);
+      if (node.HasChildren() && node.Expanded() != expand) node.SetExpanded(expand);
+    });
+  }
+}
+
+}  // namespace kxrestore::dialog

@@ -1,0 +1,29 @@
+// The buttons beside the detail tree: turning ticks into restore marks, clearing ticks, expanding and
+// collapsing.
+#pragma once
+
+#include <functional>
+
+#include "dialog/form_context.h"
+
+namespace kxrestore::dialog {
+
+class DetailActions {
+ public:
+  explicit DetailActions(FormContext& context);
+
+  std::function<void()> ListCurrentSelections;  // after Apply
+
+  void cmdAction_Click(int index);
+
+  // Marks the file of every ticked file node; marks of unticked ones stay. Reports its own errors.
+  void AddToSetSelections();
+  void ExpandAllDetails(bool expand);
+
+ private:
+  void ClearAll();
+
+  FormContext& m_context;
+};
+
+}  // namespace kxrestore::dialog

@@ -1,0 +1,163 @@
+#include "dialog/set_detail.h"
+
+#include <charconv>
+
+#include "base/text.h"
+#include "controls/check_propagation.h"
+#include "dialog/catalog_entries.h"
+#include "dialog/set_tree.h"
+
+namespace kxrestore::dialog {
+
+namespace {
+
+constexpr std::string_view kPublicFolders = "Public Folders";
+constexpr std::string_view kAddressLists = "Address Lists";
+constexpr std::string_view kMailBoxes = "MailBoxes";
+
+// Where the headings of the other plug-ins and their entries get their images.
+struct PluginKind {
+  std::string_view name;
+  const char* headingImage;
+  const char* entryImage;
+};
+constexpr PluginKind kPlugins[] = {
+    {"System State", "systemstate", "systemstate"},
+    {"Active Directory", "activedirectory", "activedirectory"},
+    {"SQL Server", "sqlserver", "file"},
+};
+
+// The branch of the mail server that a path names; empty when it names none.
+std::string_view MailServerBranch(std::string_view path) {
+  for (const std::string_view branch : {kPublicFolders, kAddressLists, kMailBoxes}) {
+    if (ContainsIgnoringCase(path, branch)) return branch;
+  }
+  return {};
+}
+
+}  // namespace
+
+int PluginImage(std::string_view text, std::string_view path) {
+  if (text == kMailServer) return 7;
+  if (text == kPublicFolders) return 8;
+  if (text == kAddressLists) return 10;
+  if (text == kMailBoxes) return 11;
+  const std::string_view branch = MailServerBranch(path);
+  if (branch == kPublicFolders) return 9;
+  if (branch == kAddressLists) return 10;
+  if (branch == kMailBoxes) return 12;
+  return 2;
+}
+
+SetDetail::SetDetail(FormContext& context) : m_context(context) {
+  controls::TreeView& tree = m_context.ui.tvwDetails;
+  const controls::ImageList& images = m_context.ui.imlRestore;
+  // These come by the hundred thousand when everything is expanded, so they are no events of their own to the
+  // database; nothing in them can fail.
+  tree.Expand = [open = images.Index("ofolder")](controls::Node node) { node.SetImage(open); };
+  tree.Collapse = [closed = images.Index("cfolder")](controls::Node node) { node.SetImage(closed); };
+  tree.NodeCheck = [this](controls::Node node) {
+    m_context.Event("tvwDetails.NodeCheck", [&] {
+      m_context.Skipping([&] { controls::CheckParents(node); });
+      m_context.Skipping([&] { controls::CheckChildren(node); });
+    });
+  };
+}
+
+void SetDetail::LoadBackupSetDetail(controls::Node run) {
+  FormControls& ui = m_context.ui;
+  m_context.Reporting("LoadBackupSetDetail", [&] {
+    ui.lblTreeCount.SetVisible(true);
+    ui.lblTreeCount.SetCaption("Loading Please Wait ...");
+    controls::RedrawFreeze freeze(ui.tvwDetails);
+    const std::string setID(TagSetID(run.Tag()));
+    const std::string extension(TagExtension(run.Tag()));
+    ui.tvwDetails.Clear();
+    m_context.shownRun = {m_context.choice.m_lngSetID, extension};
+
+    const std::string sql =
+        "SELECT Catalog.ID, Catalog.DateStamp, Catalog.SetNameID, Catalog.Extension, Catalog.Filename, "
+        "Catalog.File, Catalog.LongPathID, LongPaths.LongPath, Catalog.StoreName, Catalog.StoreMethod, "
+        "Catalog.Plugin, IIf(IsNull([LongPath]),[filename],[longpath]) AS RestoreFile "
+        "FROM LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID "
+        "WHERE (((Catalog.SetNameID)=" +
+        setID + ") AND ((Catalog.Extension)='" + extension + "') AND ((Catalog.Status)=2));";
+    const auto database = m_context.OpenCatalog();
+    const auto rows = database->OpenRecordset(sql, engine::RecordsetType::kSnapshot);
+    Fill(*rows);
+    rows->Close();
+    database->Close();
+  });
+}
+
+void SetDetail::Fill(engine::Recordset& rows) {
+  FormControls& ui = m_context.ui;
+  const engine::Field restoreFile = rows.Fields("RestoreFile");
+  const engine::Field plugin = rows.Fields("Plugin");
+  const engine::Field file = rows.Fields("File");
+  const engine::Field filename = rows.Fields("Filename");
+  const controls::ImageList& images = ui.imlRestore;
+  PathNodes paths(ui.tvwDetails, {images.Index("drive"), images.Index("cfolder"), images.Index("file")});
+
+  FormContext::Walk walk(m_context);
+  std::size_t count = 0;
+  for (; !rows.Eof() && walk.Next(); rows.MoveNext()) {
+    const std::string_view path = restoreFile.TextView();
+    const std::string_view pluginName = plugin.TextView();
+    if (pluginName.empty()) {
+      paths.AddPathNodes(path, filename.TextView());
+    } else {
+      AddPluginEntry(pluginName, path, file.TextView(), filename.TextView());
+    }
+    ShowProgress(++count);
+  }
+  ui.lblTreeCount.SetCaption(std::to_string(count) + " file(s).");
+}
+
+void SetDetail::ShowProgress(std::size_t count) {
+  char digits[24];
+  m_caption.assign("Loading Please Wait ... (");
+  m_caption.append(digits, std::to_chars(digits, digits + sizeof digits, count).ptr).push_back(')');
+  m_context.ui.lblTreeCount.SetCaption(m_caption);
+}
+
+controls::Node SetDetail::Heading(controls::Node parent, std::string_view key, std::string_view text,
+                                  int image) {
+  controls::TreeView& tree = m_context.ui.tvwDetails;
+  const controls::Node node = tree.Find(key);
+  return node ? node : tree.Add(parent, key, text, image);
+}
+
+// Entries have no key. Their tag is what marking compares: Filename, but File for a node whose text is the
+// mail server's name, because that one stands for the aggregate and is marked in all its versions.
+void SetDetail::AddPluginEntry(std::string_view plugin, std::string_view path, std::string_view file,
+                               std::string_view filename) {
+  if (IsMailServer(plugin)) {
+    AddMailServerEntry(path, file, filename);
+    return;
+  }
+  const controls::ImageList& images = m_context.ui.imlRestore;
+  const std::string_view name = path.empty() ? file : LastComponent(path);
+  for (const PluginKind& kind : kPlugins) {
+    if (plugin != kind.name) continue;
+    const controls::Node heading = Heading({}, plugin, plugin, images.Index(kind.headingImage));
+    m_context.ui.tvwDetails.Add(heading, {}, name, images.Index(kind.entryImage), filename);
+    return;
+  }
+  // A plug-in that this dialog does not know: its entries stay within reach under its own name.
+  m_context.ui.tvwDetails.Add(Heading({}, plugin, plugin, images.Index("cfolder")), {}, name,
+                              images.Index("file"), filename);
+}
+
+void SetDetail::AddMailServerEntry(std::string_view path, std::string_view file, std::string_view filename) {
+  controls::Node parent = Heading({}, kMailServer, kMailServer, PluginImage(kMailServer, path));
+  if (const std::string_view branch = MailServerBranch(path); !branch.empty()) {
+    parent = Heading(parent, std::string(kMailServer).append("\\").append(branch), branch,
+                     PluginImage(branch, path));
+  }
+  const std::string_view text = file.empty() ? LastComponent(path) : file;
+  m_context.ui.tvwDetails.Add(parent, {}, text, PluginImage(text, path),
+                              text == kMailServer ? file : filename);
+}
+
+}  // namespace kxrestore::dialog

@@ -1,0 +1,36 @@
+// The tree of one run's files: drives, folders and files, and headings of their own for what server plug-ins
+// backed up.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "dialog/form_context.h"
+#include "dialog/path_nodes.h"
+
+namespace kxrestore::dialog {
+
+// Image of a node of the mail server, by its text and the full path of its entry.
+int PluginImage(std::string_view text, std::string_view path);
+
+class SetDetail {
+ public:
+  explicit SetDetail(FormContext& context);
+
+  // Refills the tree from the run that a node of the set tree names. Reports its own errors; a load that is
+  // stopped or fails leaves the tree as far as it was filled.
+  void LoadBackupSetDetail(controls::Node run);
+
+ private:
+  void Fill(engine::Recordset& rows);
+  void ShowProgress(std::size_t count);
+  controls::Node Heading(controls::Node parent, std::string_view key, std::string_view text, int image);
+  void AddPluginEntry(std::string_view plugin, std::string_view path, std::string_view file,
+                      std::string_view filename);
+  void AddMailServerEntry(std::string_view path, std::string_view file, std::string_view filename);
+
+  FormContext& m_context;
+  std::string m_caption;
+};
+
+}  // namespace kxrestore::dialog

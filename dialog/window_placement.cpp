@@ -1,0 +1,89 @@
+#include "dialog/window_placement.h"
+
+#include <array>
+#include <charconv>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "controls/program_settings.h"
+#include "platform/desktop.h"
+#include "platform/registry.h"
+
+namespace kxrestore::dialog {
+
+namespace {
+
+constexpr const char* kWindowEntry = "RestoreWindow";        // left, top, width, height, maximized
+constexpr const char* kSplittersEntry = "RestoreSplitters";  // top of splitH, left of SplitV
+constexpr int kMost = 200000;                                // twips; no screen is larger
+
+controls::CProgramSettings UserSettings(platform::Platform& platform) {
+  controls::CProgramSettings settings(platform.registry, platform.desktop);
+  settings.SetRootKey(platform::kHkeyCurrentUser);
+  settings.SetMainBranch("Software");
+  settings.SetRegBase("Brellick Labs, Inc.");
+  settings.SetProgram("Tarvane");
+  settings.SetSection("Settings");
+  return settings;
+}
+
+// Numbers separated by blanks; nothing unless there are exactly as many as asked for, all of a sensible size.
+template <std::size_t count>
+std::optional<std::array<int, count>> ReadNumbers(platform::Platform& platform, const char* entry) {
+  const std::string text = UserSettings(platform).ReadEntry(entry, "");
+  std::array<int, count> numbers{};
+  const char* position = text.data();
+  const char* const end = text.data() + text.size();
+  for (int& number : numbers) {
+    while (position < end && *position == ' ') ++position;
+    const auto [next, error] = std::from_chars(position, end, number);
+    if (error != std::errc() || number < -kMost || number > kMost) return std::nullopt;
+    position = next;
+  }
+  if (position != end) return std::nullopt;
+  return numbers;
+}
+
+template <std::size_t count>
+void WriteNumbers(platform::Platform& platform, const char* entry, const std::array<int, count>& numbers) {
+  std::string text;
+  for (const int number : numbers) {
+    if (!text.empty()) text += ' ';
+    text += std::to_string(number);
+  }
+  UserSettings(platform).WriteEntry(entry, text);
+}
+
+}  // namespace
+
+void WindowPlacement::RestoreWindow() {
+  const auto window = ReadNumbers<5>(m_platform, kWindowEntry);
+  if (!window) return;
+  const auto [left, top, width, height, maximized] = *window;
+  if (width <= 0 || height <= 0) return;
+  controls::Form& form = m_ui.form;
+  form.Move(form.Left(), form.Top(), width, height);
+  form.placement = {true, left, top};
+  if (maximized != 0) form.SetWindowState(controls::WindowState::kMaximized);
+}
+
+void WindowPlacement::RestoreSplitters() {
+  const auto splitters = ReadNumbers<2>(m_platform, kSplittersEntry);
+  if (!splitters) return;
+  // The bars' own limits decide whether a move is possible in this window.
+  m_ui.splitH.UserNudge((*splitters)[0] - m_ui.splitH.Top());
+  m_ui.SplitV.UserNudge((*splitters)[1] - m_ui.SplitV.Left());
+}
+
+void WindowPlacement::Remember() const {
+  const controls::Form& form = m_ui.form;
+  // A window that was never shown has no place of its own to remember.
+  if (!form.placement.known) return;
+  WriteNumbers<5>(m_platform, kWindowEntry,
+                  {form.placement.left, form.placement.top, form.Width(), form.Height(),
+                   form.WindowState() == controls::WindowState::kMaximized ? 1 : 0});
+  WriteNumbers<2>(m_platform, kSplittersEntry, {m_ui.splitH.Top(), m_ui.SplitV.Left()});
+}
+
+}  // namespace kxrestore::dialog
