@@ -152,7 +152,8 @@ void FolderWalk::MakeFile() {
   const std::int64_t base = std::int64_t{type->smallest} << m_random.Below(type->doublings + 1);
   m_size = base + m_random.Below(static_cast<std::uint32_t>(base));
   static const std::int64_t kFirstDay = Seconds(2019, 1, 1);
-  m_modified = kFirstDay + std::int64_t{m_random.Below(2700)} * kDay + m_random.Below(kDay);
+  const std::uint32_t day = m_random.Below(2700);
+  m_modified = kFirstDay + day * kDay + m_random.Below(kDay);
   constexpr int kArchive = 32, kReadOnly = 1, kHidden = 2;
   m_attributes = kArchive;
   const std::uint32_t special = m_random.Below(64);

@@ -1,0 +1,55 @@
+#include "host/driver/list_driver.h"
+
+#include "component/com/wide_text.h"
+
+namespace kxrestore::driver {
+
+std::string ListDriver::Text(int row, int column) const {
+  wchar_t text[1024] = L"";
+  LVITEMW ask{};
+  ask.iSubItem = column;
+  ask.pszText = text;
+  ask.cchTextMax = 1024;
+  Ask(m_list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), &ask);
+  return component::com::FromWide(ask.pszText ? ask.pszText : L"");
+}
+
+bool ListDriver::Ticked(int row) const {
+  return Ask(m_list, LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK) ==
+         static_cast<LRESULT>(INDEXTOSTATEIMAGEMASK(2));
+}
+
+int ListDriver::Find(const std::string& text) const {
+  int found = -1;
+  WaitFor(m_patience, "the list entry '" + text + "'", [&] {
+    const int count = Count();
+    for (int row = 0; row < count && found < 0; ++row) {
+      if (Text(row) == text) found = row;
+    }
+    return found >= 0;
+  });
+  return found;
+}
+
+void ListDriver::Toggle(int row) const {
+  const bool before = Ticked(row);
+  Ask(m_list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), LPARAM{FALSE});
+  RECT bounds{};
+  bounds.left = LVIR_BOUNDS;
+  if (!Ask(m_list, LVM_GETITEMRECT, static_cast<WPARAM>(row), &bounds)) {
+    throw DriverError("there is no list entry " + std::to_string(row + 1));
+  }
+  for (LONG x = bounds.left; x < bounds.right; ++x) {
+    LVHITTESTINFO hit{};
+    hit.pt = {x, (bounds.top + bounds.bottom) / 2};
+    Ask(m_list, LVM_HITTEST, 0, &hit);
+    if (hit.iItem == row && (hit.flags & LVHT_ONITEM) == LVHT_ONITEMSTATEICON) {
+      PostClick(m_list, hit.pt);
+      WaitFor(m_patience, "the tick of '" + Text(row) + "' to change", [&] { return Ticked(row) != before; });
+      return;
+    }
+  }
+  throw DriverError("the list entry '" + Text(row) + "' has no tick box");
+}
+
+}  // namespace kxrestore::driver

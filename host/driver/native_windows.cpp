@@ -1,0 +1,72 @@
+#include "host/driver/native_windows.h"
+
+#include <thread>
+
+#include "component/com/wide_text.h"
+
+namespace kxrestore::driver {
+namespace {
+
+using component::com::FromWide;
+
+constexpr UINT kAnswerTime = 30000;  // ms; a dialog at work lets messages run far more often
+
+}  // namespace
+
+void WaitFor(Patience patience, const std::string& what, const std::function<bool()>& isSo) {
+  const auto end = std::chrono::steady_clock::now() + patience;
+  while (!isSo()) {
+    if (std::chrono::steady_clock::now() > end) throw DriverError("waited in vain for " + what);
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+}
+
+LRESULT Ask(HWND window, UINT message, WPARAM wide, LPARAM extra) {
+  DWORD_PTR answer = 0;
+  if (!SendMessageTimeoutW(window, message, wide, extra, SMTO_NORMAL, kAnswerTime, &answer)) {
+    throw DriverError("a window does not answer");
+  }
+  return static_cast<LRESULT>(answer);
+}
+
+void PostClick(HWND window, POINT point) {
+  const LPARAM place = MAKELPARAM(point.x, point.y);
+  PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, place);
+  PostMessageW(window, WM_LBUTTONUP, 0, place);
+}
+
+HWND VisibleWindow(const wchar_t* windowClass) {
+  HWND window = nullptr;
+  while ((window = FindWindowExW(nullptr, window, windowClass, nullptr)) != nullptr) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    if (process == GetCurrentProcessId() && IsWindowVisible(window)) break;
+  }
+  return window;
+}
+
+std::vector<HWND> Inner(HWND parent) {
+  std::vector<HWND> windows;
+  EnumChildWindows(
+      parent,
+      [](HWND window, LPARAM list) -> BOOL {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&windows));
+  return windows;
+}
+
+std::string ClassOf(HWND window) {
+  wchar_t name[256] = L"";
+  GetClassNameW(window, name, 256);
+  return FromWide(name);
+}
+
+std::string TextOf(HWND window) {
+  std::wstring text(static_cast<std::size_t>(Ask(window, WM_GETTEXTLENGTH)) + 1, L'\0');
+  text.resize(static_cast<std::size_t>(Ask(window, WM_GETTEXT, text.size(), text.data())));
+  return FromWide(text);
+}
+
+}  // namespace kxrestore::driver
