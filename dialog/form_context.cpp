@@ -71,6 +71,15 @@ void FormContext::LeaveEvent(const std::string& routine) {
   if (ui.form.IsOpen()) Skipping(step);
 }
 
+void FormContext::RaiseToHost(const std::string& routine, const std::function<void()>& event) {
+  if (!event) return;
+  Reporting(routine, [this] { workspace.EndAction(); });
+  m_hostHasControl = true;
+  Skipping(event);
+  m_hostHasControl = false;
+  workspace.BeginAction();
+}
+
 bool FormContext::Stop() {
   if (m_walks == 0) return false;
   parameters.StopRequested = true;

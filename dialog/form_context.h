@@ -94,7 +94,7 @@ class FormContext {
   // routine's name.
   template <class Body>
   void Event(const std::string& routine, Body&& body) {
-    if (!ui.form.IsOpen()) return;
+    if (m_hostHasControl || !ui.form.IsOpen()) return;
     EnterEvent();
     Skipping(body);
     LeaveEvent(routine);
@@ -105,6 +105,10 @@ class FormContext {
   void Command(const std::string& routine, Body&& body) {
     if (m_events == 0) Event(routine, body);
   }
+
+  // Raises an event to the form's owner. The user action ends first, so that the host finds everything
+  // committed and nothing open; whatever the user does until the host returns is ignored.
+  void RaiseToHost(const std::string& routine, const std::function<void()>& event);
 
   // A walk over rows, nodes or entries. Next is called before every item: it lets pending messages run and
   // says whether to go on. When the outermost walk ends the stop request is used up.
@@ -152,6 +156,7 @@ class FormContext {
 
   int m_events = 0;
   int m_walks = 0;
+  bool m_hostHasControl = false;
   std::function<void()> m_afterUnwinding;
 };
 

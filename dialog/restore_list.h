@@ -29,7 +29,6 @@ class RestoreList {
  private:
   void RestoreNow();
   void Cancel();
-  void Update();
   void Clear();
   bool ConfirmCancel();
   void CancelSelections();

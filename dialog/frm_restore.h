@@ -1,0 +1,89 @@
+// The restore form: the parameters of a run, loading and showing the dialog, and its two events. There is one
+// form a process; it outlives the dialogs that it shows. Each load makes the controls anew, as designed; when
+// the dialog has closed they are gone, while the parameters stay.
+//
+// One thread. The Let members only store. What touches the form or a control loads the form first. Nothing
+// throws but Controls().
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "dialog/form_context.h"
+
+namespace kxrestore::dialog {
+
+class frmRestore {
+ public:
+  // Both must outlive the form.
+  frmRestore(const platform::Platform& platform, engine::Workspace& workspace);
+  ~frmRestore();
+  frmRestore(const frmRestore&) = delete;
+  frmRestore& operator=(const frmRestore&) = delete;
+
+  void DBName(const std::string& sName) { m_parameters.DBName = sName; }
+  void RestorePath(const std::string& sPath) { m_parameters.RestorePath = sPath; }
+  void DBType(std::int16_t intType) { m_parameters.DBType = intType; }
+  void DBDatabase(const std::string& strData) { m_parameters.DBDatabase = strData; }
+  void DBServer(const std::string& sServer) { m_parameters.DBServer = sServer; }
+  void DBUser(const std::string& sUser) { m_parameters.DBUser = sUser; }
+  void DBPass(const std::string& sPass) { m_parameters.DBPass = sPass; }
+  void curAction(const std::string& sAction) { m_parameters.curAction = sAction; }
+  std::string curAction() const { return m_parameters.Action(); }
+  void LogFilename(const std::string& Filename) { m_parameters.LogFilename = Filename; }
+  void DebugFlag(bool Flag) { m_parameters.DebugFlag = Flag; }
+
+  std::string& ClientPath = m_parameters.ClientPath;
+  bool& StopRequested = m_parameters.StopRequested;
+
+  void setWindowCaption(const std::string& sCaption);
+  void setButtonCaption(const std::string& sCaption);
+  void setLabelCaption(const std::string& sCaption);
+  void setLabelInVisible(bool bVisible);
+
+  // Appends one line to the log: date, time, " R ", version, a blank and the record. Nothing where there is
+  // no log.
+  void SessionLogEntry(const std::string& sRecord);
+  static std::string StripNulls(const std::string& text);
+
+  // Raised to the form's owner.
+  std::function<void()> CommenceRestore;
+  std::function<void()> CancelRestore;
+
+  void Load();       // nothing when it is loaded
+  void ShowModal();  // returns when the dialog has closed
+
+  // Held by whoever runs the dialog; only one can.
+  class Run {
+   public:
+    explicit Run(frmRestore& form) : m_form(form.m_running ? nullptr : &form) {
+      if (m_form) m_form->m_running = true;
+    }
+    ~Run() {
+      if (m_form) m_form->m_running = false;
+    }
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+    explicit operator bool() const { return m_form != nullptr; }
+
+   private:
+    frmRestore* m_form;
+  };
+
+  // The controls of the loaded form; loads it. Error 91 when that failed.
+  FormControls& Controls();
+
+ private:
+  struct Loaded;
+  void LoadSequence();
+
+  Parameters m_parameters;
+  platform::Platform m_platform;
+  engine::Workspace& m_workspace;
+  std::unique_ptr<Loaded> m_loaded;
+  bool m_running = false;
+};
+
+}  // namespace kxrestore::dialog
