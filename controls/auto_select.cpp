@@ -188,8 +188,8 @@ std::string AutoSelect::TickedTypes() const {
   std::string types;
   for (std::size_t number = 1; number <= m_store->Count(); ++number) {
     if (!m_store->ticks[number - 1] || m_store->IsGroup(number)) continue;
-    types += m_store->At(number).name;
-    types += ';';
+    const Entry type = m_store->At(number);
+    types.append(type.storedName.empty() ? type.name : type.storedName).append(";");
   }
   return types;
 }

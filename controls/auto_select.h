@@ -55,7 +55,8 @@ class AutoSelect : public Control {
   void SetTicked(std::size_t number, bool ticked);
   void TickAll(bool ticked);
 
-  // The names of the ticked entries that are no groups, each followed by ";".
+  // The stored names of the ticked entries that are no groups, or the names of those that have none, each
+  // followed by ";".
   std::string TickedTypes() const;
 
   std::size_t MemoryUsed() const;
