@@ -1,0 +1,38 @@
+// The auto-select tab: marks every file of the ticked types.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "dialog/form_context.h"
+#include "dialog/restore_list.h"
+#include "dialog/set_tree.h"
+
+namespace kxrestore::dialog {
+
+class AutoSelectPanel {
+ public:
+  // Takes over the events of the tab's buttons.
+  AutoSelectPanel(FormContext& context, SetTree& setTree, RestoreList& restoreList);
+
+  // First use of the chooser: lists the types that the catalog's live entries have. Errors are the caller's.
+  // False when the user stopped it; the chooser is then empty and may be filled another time.
+  bool LoadTypes();
+
+  void cmdAuto_Click(int index);
+
+  // Marks what the ticked types stand for and lists what is marked now. Reports its own errors; marks made
+  // before one stay. A stopped one lists nothing.
+  void ApplyAutoSelect();
+
+ private:
+  enum class Outcome { kDone, kStopped, kFailed };  // kFailed: reported already
+  Outcome MarkTypes(std::string_view types);
+  Outcome MarkType(FormContext::Walk& walk, std::string_view pattern);
+
+  FormContext& m_context;
+  SetTree& m_setTree;
+  RestoreList& m_restoreList;
+};
+
+}  // namespace kxrestore::dialog

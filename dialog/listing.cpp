@@ -1,0 +1,49 @@
+#include "dialog/listing.h"
+
+#include <limits>
+
+#include "catalog/restore_query.h"
+
+namespace kxrestore::dialog {
+
+namespace {
+
+class Hourglass {
+ public:
+  explicit Hourglass(controls::Form& form) : m_form(form) {
+    m_form.SetMousePointer(controls::MousePointer::kHourglass);
+  }
+  ~Hourglass() { m_form.SetMousePointer(controls::MousePointer::kDefault); }
+  Hourglass(const Hourglass&) = delete;
+  Hourglass& operator=(const Hourglass&) = delete;
+
+ private:
+  controls::Form& m_form;
+};
+
+}  // namespace
+
+LookIn ReadLookIn(FormContext& context, SetTree& setTree, const controls::OptionButton& thisSet) {
+  LookIn lookIn;
+  if (!thisSet.Value()) return lookIn;
+  lookIn.setId = context.choice.m_lngSetID;
+  const controls::Node node = context.choice.m_nodCurrent;
+  if (node && !node.Tag().empty()) lookIn.runs = "In (" + setTree.ListRunExtensions(node) + ")";
+  return lookIn;
+}
+
+std::unique_ptr<engine::Recordset> OpenListing(FormContext& context, engine::Database& database,
+                                               const LookIn& lookIn, bool latest, std::string_view mask) {
+  const Hourglass hourglass(context.ui.form);
+  return catalog::BuildRestoreQuery(database, lookIn.setId, latest, mask, lookIn.runs);
+}
+
+std::int32_t Long(const engine::Field& field) {
+  const std::int64_t value = field.Integer();
+  if (value < std::numeric_limits<std::int32_t>::min() || value > std::numeric_limits<std::int32_t>::max()) {
+    throw Error(error_number::kOverflow, "Overflow", "KXRestore");
+  }
+  return static_cast<std::int32_t>(value);
+}
+
+}  // namespace kxrestore::dialog

@@ -1,0 +1,29 @@
+// What auto-select and search share: where they look, and the listing they walk over.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "dialog/form_context.h"
+#include "dialog/set_tree.h"
+
+namespace kxrestore::dialog {
+
+// One set, restricted to the runs that the chosen run covers when a run is chosen; or all sets, without a
+// restriction.
+struct LookIn {
+  std::int32_t setId = 0;  // 0: all sets
+  std::string runs;        // the filter on Extension, as catalog::BuildRestoreQuery takes it
+};
+LookIn ReadLookIn(FormContext& context, SetTree& setTree, const controls::OptionButton& thisSet);
+
+// Opens the listing, with the hourglass for a pointer until it is open.
+std::unique_ptr<engine::Recordset> OpenListing(FormContext& context, engine::Database& database,
+                                               const LookIn& lookIn, bool latest, std::string_view mask);
+
+// The value of a long column; error 6 for a number beyond 32 bit.
+std::int32_t Long(const engine::Field& field);
+
+}  // namespace kxrestore::dialog

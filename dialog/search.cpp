@@ -1,0 +1,126 @@
+#include "dialog/search.h"
+
+#include <algorithm>
+
+#include "dialog/catalog_entries.h"
+#include "dialog/listing.h"
+#include "platform/desktop.h"
+
+namespace kxrestore::dialog {
+
+namespace {
+
+constexpr std::size_t kCaptionEvery = 64;  // rows; the count need not be painted for each
+
+}  // namespace
+
+Search::Search(FormContext& context, SetTree& setTree, RestoreList& restoreList)
+    : m_context(context), m_setTree(setTree), m_restoreList(restoreList) {
+  auto& buttons = m_context.ui.cmdSearch;
+  for (int index = 0; index < static_cast<int>(buttons.size()); ++index) {
+    buttons[index].Click = [this, index] {
+      m_context.Command("cmdSearch.Click", [this, index] { cmdSearch_Click(index); });
+    };
+  }
+}
+
+void Search::cmdSearch_Click(int index) {
+  switch (index) {
+    case 0:
+      AddToSearchSelections();
+      break;
+    case 1:
+      m_context.ui.asSearch.Clear();
+      m_restoreList.UpdateCounts();
+      break;
+    case 2:
+      AdvancedSearch();
+      m_restoreList.UpdateCounts();
+      break;
+    default:  // "Select All" does nothing here
+      break;
+  }
+}
+
+void Search::AdvancedSearch() {
+  m_context.Reporting("AdvancedSearch", [this] {
+    controls::ComboBox& cboMask = m_context.ui.cboMask;
+    const std::string mask = cboMask.Text();
+    if (mask.empty()) {
+      m_context.MessageBox("No Search String Defined.", platform::kOkOnly, "");
+      cboMask.SetFocus();
+      return;
+    }
+    RememberMask(mask);
+    List(mask);
+  });
+}
+
+void Search::RememberMask(const std::string& mask) {
+  controls::ComboBox& cboMask = m_context.ui.cboMask;
+  const auto& masks = cboMask.Items();
+  if (std::find(masks.begin(), masks.end(), mask) == masks.end()) cboMask.AddItem(mask);
+}
+
+void Search::List(const std::string& mask) {
+  FormControls& ui = m_context.ui;
+  FormContext::Walk walk(m_context);
+  const bool latest = ui.chk1.Value() == 1;
+  const LookIn lookIn = ReadLookIn(m_context, m_setTree, ui.optLookIn[0]);
+  const auto database = m_context.OpenCatalog();
+  const auto rows = OpenListing(m_context, *database, lookIn, latest, mask);
+
+  ui.asSearch.Clear();
+  CatalogEntries entries(*rows, "OrigName", "SetName", m_context.platform.regional);
+  for (std::size_t count = 0; !rows->Eof() && walk.Next(); rows->MoveNext()) {
+    entries.AddCurrentRow(ui.asSearch, false);
+    if (++count % kCaptionEvery == 0) ui.lblSearchCount.SetCaption(std::to_string(count) + " File(s)");
+  }
+  rows->Close();
+  database->Close();
+}
+
+void Search::AddToSearchSelections() {
+  // Marking makes each entry's run the current one; what the set tree shows as chosen is current again
+  // afterwards.
+  const Choice before = m_context.choice;
+  m_context.Reporting("AddToSearchSelections", [this] {
+    if (MarkTicked()) m_restoreList.ListCurrentSelections();
+  });
+  Choice& now = m_context.choice;
+  if (now.m_nodCurrent == before.m_nodCurrent) {
+    now.m_lngSetID = before.m_lngSetID;
+    now.m_strExtension = before.m_strExtension;
+  }
+}
+
+// Whether it went to the end, or to an error that has been reported.
+bool Search::MarkTicked() {
+  FormControls& ui = m_context.ui;
+  FormContext::Walk walk(m_context);
+  const std::size_t count = ui.asSearch.Count();
+  for (std::size_t number = 1; number <= count; ++number) {
+    if (!walk.Next()) return false;
+    ui.asSearch.SetCurrent(number);
+    ui.lblSearchCount.SetCaption("Scanning " + std::to_string(number));
+    if (!ui.asSearch.Ticked()) continue;
+    if (!MarkCurrent()) return true;
+    m_restoreList.UpdateCounts();
+  }
+  return true;
+}
+
+bool Search::MarkCurrent() {
+  const controls::AutoSelect& asSearch = m_context.ui.asSearch;
+  Choice& choice = m_context.choice;
+  choice.m_lngSetID = asSearch.SetId();
+  choice.m_strExtension = asSearch.Extension();
+  if (IsAggregateName(asSearch.FileName())) {
+    return m_context.marks.UpdateSelectionByFile(asSearch.StoredName(), true, choice.m_lngSetID,
+                                                 choice.m_strExtension);
+  }
+  return m_context.marks.UpdateSelectionByFileName(asSearch.StoredName(), true, choice.m_lngSetID,
+                                                   choice.m_strExtension);
+}
+
+}  // namespace kxrestore::dialog

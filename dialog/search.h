@@ -1,0 +1,36 @@
+// The search tab: finds catalog entries by a mask on their original name, lists them, and marks the ticked
+// ones.
+#pragma once
+
+#include <string>
+
+#include "dialog/form_context.h"
+#include "dialog/restore_list.h"
+#include "dialog/set_tree.h"
+
+namespace kxrestore::dialog {
+
+class Search {
+ public:
+  // Takes over the events of the tab's buttons.
+  Search(FormContext& context, SetTree& setTree, RestoreList& restoreList);
+
+  void cmdSearch_Click(int index);
+
+  // Fills the list of files found. Both report their own errors; files found and marks made before one stay.
+  void AdvancedSearch();
+  // Marks the ticked ones and lists what is marked now. A stopped one lists nothing.
+  void AddToSearchSelections();
+
+ private:
+  void RememberMask(const std::string& mask);
+  void List(const std::string& mask);
+  bool MarkTicked();
+  bool MarkCurrent();
+
+  FormContext& m_context;
+  SetTree& m_setTree;
+  RestoreList& m_restoreList;
+};
+
+}  // namespace kxrestore::dialog
