@@ -33,6 +33,8 @@ class SetTree {
  private:
   void ChooseRun(controls::Node node);
   void ChooseOther(controls::Node node);
+  controls::Node SetNode(const std::string& name);
+  void HideArchiveFrame();
   void EnableActions(bool enabled);
 
   FormContext& m_context;

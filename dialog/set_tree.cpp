@@ -1,0 +1,192 @@
+#include "dialog/set_tree.h"
+
+#include <charconv>
+
+#include "dialog/date_text.h"
+
+namespace kxrestore::dialog {
+
+namespace {
+
+constexpr std::string_view kRootKey = "Sets";
+constexpr std::string_view kSetKeyPrefix = "Sets\\";
+constexpr std::string_view kArchiveText = "Archive Sets";
+constexpr std::string_view kArchiveAddKey = "ArchAdd";
+constexpr std::string_view kHiddenExtension = "x01";
+constexpr std::int16_t kMostRuns = 32767;
+
+std::int32_t SetIDNumber(std::string_view text) {
+  std::int32_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error == std::errc::result_out_of_range) throw Error(error_number::kOverflow, "Overflow");
+  if (error != std::errc() || end != text.data() + text.size()) {
+    throw Error(error_number::kTypeMismatch, "Type mismatch");
+  }
+  return number;
+}
+
+}  // namespace
+
+std::string_view TagSetID(std::string_view tag) {
+  return tag.substr(0, tag.find(' '));
+}
+
+std::string_view TagExtension(std::string_view tag) {
+  const std::size_t blank = tag.find(' ');
+  if (blank == std::string_view::npos) return {};
+  const std::string_view rest = tag.substr(blank + 1);
+  return rest.substr(0, rest.find(' '));
+}
+
+SetTree::SetTree(FormContext& context) : m_context(context) {
+  controls::TreeView& tree = m_context.ui.tvwSets;
+  const auto openArchive = [this](controls::Node node) {
+    if (ArchiveNode && !m_context.Walking() && node.Text() == kArchiveText) ArchiveNode(node);
+  };
+  tree.NodeClick = [this, openArchive](controls::Node node) {
+    m_context.Event("tvwSets.NodeClick", [&] {
+      tvwSets_NodeClick(node);
+      openArchive(node);
+    });
+  };
+  tree.Expand = [this, openArchive](controls::Node node) {
+    m_context.Event("tvwSets.Expand", [&] { openArchive(node); });
+  };
+}
+
+void SetTree::LoadBackupSetTree() {
+  m_context.Reporting("LoadBackupSetTree", [this] {
+    controls::TreeView& tree = m_context.ui.tvwSets;
+    const auto database = m_context.OpenCatalog();
+    const auto rows = database->OpenRecordset(
+        "SELECT SetNames.Name, BackupAudit.DateStamp, BackupAudit.SetNameID, BackupAudit.Extension, "
+        "BackupAudit.Permanent, BackupAudit.Status "
+        "FROM SetNames INNER JOIN BackupAudit ON SetNames.ID = BackupAudit.SetNameID "
+        "Where (((BackupAudit.Status) = 6)) "
+        "ORDER BY SetNames.Name, BackupAudit.DateStamp DESC; ",
+        engine::RecordsetType::kSnapshot);
+
+    Choice& choice = m_context.choice;
+    choice.m_nodCurrent = {};
+    choice.m_nodRoot = tree.Add({}, kRootKey, "Online Backups");
+    const engine::Field name = rows->Fields("Name");
+    const engine::Field dateStamp = rows->Fields("DateStamp");
+    const engine::Field setNameID = rows->Fields("SetNameID");
+    const engine::Field extension = rows->Fields("Extension");
+    const engine::Field permanent = rows->Fields("Permanent");
+    DateText dates(m_context.platform.regional);
+    controls::Node set;
+    std::string setName;
+    for (; !rows->Eof(); rows->MoveNext()) {
+      const std::string runExtension = extension.Text();
+      if (runExtension == kHiddenExtension) continue;
+      if (!set || name.Text() != setName) {
+        setName = name.Text();
+        set = SetNode(setName);
+      }
+      const std::string date(dates.Of(dateStamp.Value()));
+      controls::Node run = tree.Add(set, date, permanent.Boolean() ? date + " (P)" : date);
+      run.SetTag(setNameID.Text() + " " + runExtension);
+    }
+    choice.m_nodRoot.SetExpanded(true);
+    tree.SetSelectedItem(choice.m_nodRoot);
+    rows->Close();
+    database->Close();
+  });
+}
+
+// An engine that orders names without regard to case mixes the runs of sets that differ in case only.
+controls::Node SetTree::SetNode(const std::string& name) {
+  controls::TreeView& tree = m_context.ui.tvwSets;
+  const std::string key = std::string(kSetKeyPrefix) + name;
+  const controls::Node node = tree.Find(key);
+  return node ? node : tree.Add(m_context.choice.m_nodRoot, key, name);
+}
+
+std::string SetTree::ListRunExtensions(controls::Node node) {
+  std::string list;
+  std::int16_t& count = m_context.choice.m_intRunCount;
+  count = 0;
+  for (; node; node = node.Next()) {
+    if (!list.empty()) list += ", ";
+    list.append("\"").append(TagExtension(node.Tag())).append("\"");
+    if (count == kMostRuns) throw Error(error_number::kOverflow, "Overflow");
+    ++count;
+  }
+  return list;
+}
+
+void SetTree::tvwSets_NodeClick(controls::Node node) {
+  Choice& choice = m_context.choice;
+  if (choice.m_nodCurrent && !(choice.m_nodCurrent == node)) choice.m_nodCurrent.SetBold(false);
+  choice.m_nodCurrent = node;
+  node.SetBold(true);
+  if (node.Tag().empty()) {
+    ChooseOther(node);
+  } else {
+    ChooseRun(node);
+  }
+}
+
+void SetTree::ChooseRun(controls::Node node) {
+  FormControls& ui = m_context.ui;
+  Choice& choice = m_context.choice;
+  HideArchiveFrame();
+  ui.lblCurrSet.SetCaption("Current Set: ");
+  ui.lblSetName.SetCaption(std::string(node.Parent().Text()).append("\r\n up to \r\n").append(node.Text()));
+  const std::string_view setID = TagSetID(node.Tag());
+  m_context.Skipping([&] { choice.m_lngSetID = SetIDNumber(setID); });
+  choice.m_strSetID = setID;
+  m_context.Skipping([&] { ListRunExtensions(node); });
+  choice.m_strExtension = TagExtension(node.Tag());
+  ui.optLookIn[0].SetEnabled(true);
+  ui.optLookIn[2].SetEnabled(true);
+
+  // One walk at a time: a run that is chosen while files are being marked is only taken down.
+  if (choice.m_blnLoading || m_context.Walking() || !LoadBackupSetDetail) return;
+  choice.m_blnLoading = true;
+  m_context.Skipping([&] { LoadBackupSetDetail(node); });
+  choice.m_blnLoading = false;
+}
+
+void SetTree::ChooseOther(controls::Node node) {
+  FormControls& ui = m_context.ui;
+  Choice& choice = m_context.choice;
+  choice.m_lngSetID = 0;
+  choice.m_intRunCount = 0;
+  choice.m_strSetID.clear();
+  if (node.Index() >= 2) {
+    ui.optLookIn[0].SetEnabled(true);
+    // The newest run knows the set; a node of the archive branch has none.
+    m_context.Skipping([&] { choice.m_lngSetID = SetIDNumber(TagSetID(node.Child().Tag())); });
+    ui.optLookIn[0].SetValue(true);
+    ui.lblSetName.SetCaption(std::string(node.Text()));
+  } else {
+    // Only the first option goes; the one on the auto-select panel stays as it is.
+    ui.lblSetName.SetCaption("(All)");
+    ui.optLookIn[1].SetValue(true);
+    ui.optLookIn[0].SetEnabled(false);
+    choice.m_strExtension.clear();
+  }
+
+  if (node.Key() == kArchiveAddKey) {
+    EnableActions(false);
+    ui.frLoadCD.SetVisible(true);
+    ui.frLoadCD.BringToFront();
+    ui.tbsOptions.SetSelectedIndex(1);
+  } else {
+    HideArchiveFrame();
+  }
+}
+
+void SetTree::HideArchiveFrame() {
+  if (!m_context.ui.frLoadCD.Visible()) return;
+  EnableActions(true);
+  m_context.ui.frLoadCD.SetVisible(false);
+}
+
+void SetTree::EnableActions(bool enabled) {
+  for (auto& button : m_context.ui.cmdAction) button.SetEnabled(enabled);
+}
+
+}  // namespace kxrestore::dialog
