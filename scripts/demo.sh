@@ -1,0 +1,101 @@
+#!/usr/bin/env bash
+# Shows the system at work: demo.sh [--scripted] [--rows N]
+#
+# Builds the component, its sample host and a sample catalog, registers the component and lets the host run the restore
+# dialog. With a display the dialog is yours. Without one, or with --scripted, a script chooses a run, ticks a folder,
+# applies and presses "Restore Now" on an X server of its own. Screenshots of the steps and the host's output are left in
+# build/demo/.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+# shellcheck source=scripts/wine_env.sh
+source "$kxRoot/scripts/wine_env.sh"
+
+kScriptLimit=180  # seconds for the whole scripted dialog
+
+scripted=no
+rows=20000
+while [[ $# -gt 0 ]]; do
+  case $1 in
+    --scripted) scripted=yes ;;
+    --rows)
+      [[ ${2:-} =~ ^[0-9]+$ ]] || fail "--rows wants a number"
+      rows=$2
+      shift
+      ;;
+    *) fail "usage: demo.sh [--scripted] [--rows N]" ;;
+  esac
+  shift
+done
+
+demo=$kxBuild/demo
+windowsBuild=$kxBuild/windows-x64
+
+display_works() {
+  [[ -n ${DISPLAY:-} ]] && timeout 10 xdpyinfo >/dev/null 2>&1
+}
+
+# A screenshot is there as a whole or not at all: the host waits for the file.
+take_screenshot() {
+  import -window root "$demo/$1.tmp.png" && mv "$demo/$1.tmp.png" "$demo/$1.png"
+}
+
+# Shows what the host says and takes the screenshots that it asks for.
+follow_host() {
+  local line
+  while IFS= read -r line; do
+    line=${line%$'\r'}
+    printf '%s\n' "$line"
+    if [[ $line == 'shot: '* ]]; then
+      take_screenshot "${line#shot: }" || warn "no screenshot ${line#shot: }"
+    fi
+  done
+}
+
+run_host() {
+  local arguments=(--catalog "$(windows_path "$demo/catalog.db")" --log "$(windows_path "$demo/session.log")")
+  local limit=()
+  if [[ $scripted == yes ]]; then
+    arguments+=(--script "$(windows_path "$kxRoot/scripts/demo_steps.txt")" --shots "$(windows_path "$demo")")
+    limit=(timeout --kill-after=10 "$kScriptLimit")
+  fi
+  "${limit[@]}" wine "$windowsBuild/host/restore_host.exe" "${arguments[@]}" {kxWineLock}>&- | follow_host |
+    tee "$demo/output.txt"
+}
+
+check_scripted() {
+  local name
+  [[ $(grep -c '^CommenceRestore$' "$demo/output.txt") -eq 1 ]] || fail "the host was not told to restore"
+  grep -q '^restore: ' "$demo/output.txt" || fail "nothing was marked for restore"
+  grep -q '^DefineRestoreSet = 1$' "$demo/output.txt" || fail "the dialog did not end with 1"
+  while read -r name; do
+    [[ -s $demo/$name.png ]] || fail "the screenshot $name is missing"
+  done < <(sed -n 's/^shot //p' "$kxRoot/scripts/demo_steps.txt" | tr -d '\r')
+}
+
+"$kxRoot/scripts/setup.sh" native windows wine
+build_preset native make_catalog || fail "the native build failed"
+build_preset windows-x64 KXRestore restore_host || fail "the Windows build failed"
+
+mkdir -p "$demo"
+rm -f "$demo"/*.png "$demo/output.txt" "$demo/session.log"
+"$kxBuild/native/host/make_catalog" "$demo/catalog.db" --rows "$rows"
+
+if [[ $scripted == no ]] && ! display_works; then
+  say "no display: the script works the dialog"
+  scripted=yes
+fi
+if [[ $scripted == yes ]]; then wine_session_start own; else wine_session_start user; fi
+
+say "registering the component"
+wine_do regsvr32 /s "$(windows_path "$windowsBuild/KXRestore.dll")" || fail "the component cannot be registered"
+
+say "running the restore dialog"
+run_host
+wine_session_stop
+
+if [[ $scripted == yes ]]; then
+  check_scripted
+  say "screenshots are in $demo: $(cd "$demo" && ls -m -- *.png)"
+fi
+say "$(grep -c '^restore: ' "$demo/output.txt" || true) files were handed to the host"
