@@ -87,6 +87,7 @@ TEST_F(AutoSelectTest, TheReadsSpeakOfTheCurrentEntry) {
   EXPECT_RAISES(9, list.SetTicked(3, true));
   EXPECT_EQ(2u, list.Current());
   list.Clear();
+  list.Add(entry);
   EXPECT_RAISES(9, list.Ticked());
 }
 

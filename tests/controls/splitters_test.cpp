@@ -122,8 +122,8 @@ TEST_P(SplitBarTest, TheNearEdgeIsNeverBehindTheOrigin) {
 TEST_P(SplitBarTest, TheFarEdgeIsThatOfTheFarthestControl) {
   PictureBox farther("farther", &form);
   Put(farther, 1060, 3000);
-  Put(after, -500, 100);  // an edge before the origin counts when it comes first
-  Drag(1);
+  Put(after, 1060, 100);
+  Drag(160);
   EXPECT_EQ(1000, At(Bar()));
   if (GetParam().vertical) {
     sideways.AddControlRight(farther);
@@ -134,6 +134,16 @@ TEST_P(SplitBarTest, TheFarEdgeIsThatOfTheFarthestControl) {
   EXPECT_EQ(4054, At(Bar()));
   Drag(1);
   EXPECT_EQ(4054, At(Bar()));
+}
+
+TEST_P(SplitBarTest, TheFarEdgeOfTheFirstControlCountsBeforeTheOriginToo) {
+  Put(before, -3000, 100);
+  Put(after, -500, 100);
+  Put(Bar(), -1000, 60);
+  Drag(595);
+  EXPECT_EQ(-1000, At(Bar()));
+  Drag(594);
+  EXPECT_EQ(-406, At(Bar()));
 }
 
 TEST_P(SplitBarTest, UpdateKeepsTheFarEdgesWhereTheyWere) {

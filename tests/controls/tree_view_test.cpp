@@ -4,6 +4,7 @@
 
 #include <map>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -232,6 +233,14 @@ TEST_F(TreeViewTest, FindsEveryKeyWhileBranchesComeAndGo) {
     }
   }
   EXPECT_EQ(expected.size(), tree.Count());
+  std::set<int> living, linked;
+  for (const auto& [key, index] : expected) living.insert(index);
+  int last = 0;
+  for (Node node = tree.FirstRoot(); node; node = node.Next()) {
+    EXPECT_LT(last, node.Index());
+    linked.insert(last = node.Index());
+  }
+  EXPECT_EQ(living, linked);
   for (int number = 0; number < 3000; ++number) {
     const std::string key = "key" + std::to_string(number);
     const auto known = expected.find(key);
