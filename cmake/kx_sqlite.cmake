@@ -7,9 +7,10 @@ if(WIN32)
   endif()
   add_library(kx_sqlite3 STATIC ${kx_sqlite_dir}/sqlite3.c)
   target_include_directories(kx_sqlite3 SYSTEM PUBLIC ${kx_sqlite_dir})
-  # As the system library is built, as far as this project can tell the difference.
-  target_compile_definitions(kx_sqlite3 PRIVATE SQLITE_THREADSAFE=1 SQLITE_ENABLE_COLUMN_METADATA
-                                                SQLITE_OMIT_LOAD_EXTENSION)
+  target_compile_definitions(kx_sqlite3 PRIVATE
+    SQLITE_THREADSAFE=2 SQLITE_OMIT_LOAD_EXTENSION SQLITE_DQS=0 SQLITE_ENABLE_COLUMN_METADATA
+    SQLITE_DEFAULT_MEMSTATUS=0 SQLITE_LIKE_DOESNT_MATCH_BLOBS SQLITE_OMIT_DEPRECATED SQLITE_OMIT_SHARED_CACHE
+    SQLITE_MAX_EXPR_DEPTH=1000 SQLITE_USE_ALLOCA)
   target_compile_options(kx_sqlite3 PRIVATE -O2 -w)
 else()
   find_package(SQLite3 REQUIRED)
