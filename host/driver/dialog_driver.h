@@ -1,6 +1,7 @@
-// Works the restore dialog as a user does, from another thread of the process that shows it. Controls go by their names
-// ("cmdAction(0)"). Every member waits, with a limit, until what it needs is there, showing and enabled, and throws a
-// DriverError when that does not come about.
+// Works the restore dialog as a user does, from another thread of the process that shows it. Controls go by
+// their names
+// ("cmdAction(0)"). Every member waits, with a limit, until what it needs is there, showing and enabled, and
+// throws a DriverError when that does not come about.
 #pragma once
 
 #include <windows.h>
@@ -21,8 +22,8 @@ class DialogDriver {
   void WaitUntilClosed() const;
   HWND Control(const std::string& name) const;
 
-  // A run of the set tree by its text, or by its number counted through all sets from 1. Returns when the files of the
-  // run are shown.
+  // A run of the set tree by its text, or by its number counted through all sets from 1. Returns when the
+  // files of the run are shown.
   void SelectRun(const std::string& which) const;
   void SelectSet(const std::string& name) const;
   void SelectNode(const std::string& path) const;  // of the set tree, from its top, "\" between the texts
@@ -33,11 +34,12 @@ class DialogDriver {
   // The tick box of a list entry, by its text or its number from 1.
   void TickEntry(const std::string& list, const std::string& which) const;
 
-  void Click(const std::string& button) const;  // also check boxes and option buttons
-  void Tab(int number) const;                   // from 1
+  void Click(const std::string& button) const;                         // also check boxes and option buttons
+  void Tab(int number) const;                                          // from 1
   void Type(const std::string& field, const std::string& text) const;  // in place of what stands there
-  void Key(const std::string& name) const;  // ESC, ENTER, SPACE, TAB, DELETE or F1 to F12, for whoever has the focus
-  void Close() const;                       // by the close box
+  void Key(const std::string& name)
+      const;           // ESC, ENTER, SPACE, TAB, DELETE or F1 to F12, for whoever has the focus
+  void Close() const;  // by the close box
 
   // Presses a button of the message box: YES, NO or OK. Returns when the box is gone.
   void Answer(const std::string& button) const;

@@ -1,4 +1,5 @@
-// Finding and asking native windows of this process from another of its threads. Everything waits with a limit.
+// Finding and asking native windows of this process from another of its threads. Everything waits with a
+// limit.
 #pragma once
 
 #include <windows.h>

@@ -36,14 +36,17 @@ unsigned TreeDriver::State(HTREEITEM item) const {
   return ask.state;
 }
 
-bool TreeDriver::Ticked(HTREEITEM item) const { return (State(item) & TVIS_STATEIMAGEMASK) == INDEXTOSTATEIMAGEMASK(2); }
+bool TreeDriver::Ticked(HTREEITEM item) const {
+  return (State(item) & TVIS_STATEIMAGEMASK) == INDEXTOSTATEIMAGEMASK(2);
+}
 
 RECT TreeDriver::LabelOf(HTREEITEM item) const {
   Ask(m_tree, TVM_ENSUREVISIBLE, 0, item);
   Ask(m_tree, WM_HSCROLL, SB_LEFT);  // buttons and boxes stand to the left of the label
   RECT label{};
   *reinterpret_cast<HTREEITEM*>(&label) = item;
-  if (!Ask(m_tree, TVM_GETITEMRECT, TRUE, &label)) throw DriverError("the item '" + Text(item) + "' cannot be seen");
+  if (!Ask(m_tree, TVM_GETITEMRECT, TRUE, &label))
+    throw DriverError("the item '" + Text(item) + "' cannot be seen");
   return label;
 }
 
@@ -107,7 +110,8 @@ std::vector<HTREEITEM> TreeDriver::Level(int depth) const {
 
 void TreeDriver::Click(HTREEITEM item) const {
   ClickPart(item, TVHT_ONITEMLABEL);
-  WaitFor(m_patience, "'" + Text(item) + "' to be selected", [&] { return Next(nullptr, TVGN_CARET) == item; });
+  WaitFor(m_patience, "'" + Text(item) + "' to be selected",
+          [&] { return Next(nullptr, TVGN_CARET) == item; });
 }
 
 void TreeDriver::Toggle(HTREEITEM item) const {

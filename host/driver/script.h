@@ -1,0 +1,25 @@
+// Scripts for the dialog driver: one command a line, "#" begins a comment. The last argument of a command is
+// the rest of the line; quotes around it are taken off and keep blanks.
+//
+//   wait-form | wait-closed | close | dump | key ESC | tab 2 | answer YES | expect-message TEXT
+//   select-run 1 | select-run TEXT | select-set NAME | select-node TEXT\TEXT
+//   tick C:\Folder\File | tick-entry LIST NUMBER-OR-TEXT
+//   click cmdAction(0) | check chk(1) | option optLookIn(1) | type cboMask TEXT
+//   expect-caption CONTROL TEXT | expect-enabled CONTROL YES | expect-visible CONTROL NO | expect-count LIST
+//   3 shot NAME    says "shot: NAME" and waits until the file NAME.done stands next to the script, 5 seconds
+//   at most
+#pragma once
+
+#include <filesystem>
+#include <iosfwd>
+
+#include "host/driver/dialog_driver.h"
+
+namespace kxrestore::driver {
+
+// Runs the commands up to the end of `script`. What fails raises a DriverError that names the line. `folder`
+// is where the files of `shot` are looked for.
+void RunScript(const DialogDriver& driver, std::istream& script, std::ostream& out,
+               const std::filesystem::path& folder);
+
+}  // namespace kxrestore::driver

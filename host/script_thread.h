@@ -1,0 +1,22 @@
+// Runs a script of the dialog driver beside the dialog.
+#pragma once
+
+#include <string>
+#include <thread>
+
+namespace kxrestore::host {
+
+class ScriptThread {
+ public:
+  // `file` as in Arguments::script; an empty one runs nothing. A script that fails says why on the standard
+  // error and ends the process with exit code 3, because nobody is left who could close the dialog.
+  explicit ScriptThread(const std::string& file);
+  ~ScriptThread();
+  ScriptThread(const ScriptThread&) = delete;
+  ScriptThread& operator=(const ScriptThread&) = delete;
+
+ private:
+  std::thread m_thread;
+};
+
+}  // namespace kxrestore::host
