@@ -41,6 +41,7 @@ FormControls::FormControls() {
   Size(picTopButtons, 2910, 1400);
   Size(chkShowZero, 1900, kBoxHeight);
   for (auto& frame : frLookin) Size(frame, 2325, 525);
+  lblCounts[1].SetVisible(false);  // nobody counts bytes
   SplitV.SetMousePointer(static_cast<int>(controls::MousePointer::kSizeWE));
 
   lblSetName.SetFontName("Arial");
