@@ -1,5 +1,5 @@
-// The one exception type of the component: a number, a description and a source, as the desktop engine and the
-// controls raise them and as the error report shows them.
+// The one exception type of the component: a number, a description and a source, as the desktop engine and
+// the controls raise them and as the error report shows them.
 #pragma once
 
 #include <exception>

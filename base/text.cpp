@@ -6,7 +6,8 @@
 namespace kxrestore {
 namespace {
 
-// A byte that is not part of valid UTF-8 is handed out as this plus its value: a range that no valid text decodes to.
+// A byte that is not part of valid UTF-8 is handed out as this plus its value: a range that no valid text
+// decodes to.
 constexpr char32_t kStrayByte = 0xDC00;
 
 unsigned char ByteAt(std::string_view text, std::size_t position) {

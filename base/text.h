@@ -1,5 +1,5 @@
-// Routines on UTF-8 text. Everything inside the component is UTF-8; rules that count characters count code points.
-// A byte that is not valid UTF-8 counts as one character and compares as itself.
+// Routines on UTF-8 text. Everything inside the component is UTF-8; rules that count characters count code
+// points. A byte that is not valid UTF-8 counts as one character and compares as itself.
 #pragma once
 
 #include <cstddef>
@@ -29,8 +29,8 @@ void AppendFolded(std::string& folded, std::string_view text);  // for callers t
 bool EqualIgnoringCase(std::string_view left, std::string_view right);
 bool ContainsIgnoringCase(std::string_view text, std::string_view piece);
 
-// Order for lists that people read: without regard to case first, byte order among texts that differ in case only.
-// Negative, zero (only for identical texts) or positive.
+// Order for lists that people read: without regard to case first, byte order among texts that differ in case
+// only. Negative, zero (only for identical texts) or positive.
 int CompareForSorting(std::string_view left, std::string_view right);
 
 }  // namespace kxrestore

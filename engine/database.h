@@ -1,6 +1,7 @@
-// The database engine as the catalog code sees it: a workspace opens databases, a database opens recordsets, executes
-// action statements and keeps saved queries. The shape, the SQL dialect and the error numbers are those of the desktop
-// engine that the catalogs were made with; every failure is a kxrestore::Error with one of engine/error_numbers.h.
+// The database engine as the catalog code sees it: a workspace opens databases, a database opens recordsets,
+// executes action statements and keeps saved queries. The shape, the SQL dialect and the error numbers are
+// those of the desktop engine that the catalogs were made with; every failure is a kxrestore::Error with one
+// of engine/error_numbers.h.
 //
 // One thread. A database and its recordsets may be destroyed in any order; destroying closes.
 #pragma once
@@ -9,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "engine/value.h"
@@ -25,7 +27,8 @@ inline constexpr int kFailOnError = 128;
 
 class Recordset;
 
-// One column of a recordset, looked up once and read for every row. Text() is valid until the next move or close.
+// One column of a recordset, looked up once and read for every row. A view of a text is valid until the next
+// move, the next write to the same database, or close.
 class Field {
  public:
   Field(Recordset& recordset, std::size_t index) : m_recordset(&recordset), m_index(index) {}
@@ -56,7 +59,8 @@ class Recordset {
   Field Fields(std::string_view name);
   virtual ValueView FieldValue(std::size_t index) const = 0;
 
-  // Changing the current row of a dynaset: Edit, Field::Set, Update. Error 3027 where the row cannot be changed.
+  // Changing the current row of a dynaset: Edit, Field::Set, Update. Error 3027 where the row cannot be
+  // changed.
   virtual void Edit() = 0;
   virtual void SetFieldValue(std::size_t index, Value value) = 0;
   virtual void Update() = 0;
@@ -68,14 +72,15 @@ class Database {
  public:
   virtual ~Database() = default;
 
-  // `source` is one reading statement or the name of a table or saved query. A writing statement or a second one is
-  // refused (3219, 3142).
+  // `source` is one reading statement or the name of a table or saved query. A writing statement or a second
+  // one is refused (3219, 3142).
   virtual std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type) = 0;
 
   // One action statement (UPDATE, INSERT, DELETE). Returns the number of rows changed.
   virtual std::int64_t Execute(std::string_view sql, int options = 0) = 0;
 
-  // Saved queries. Their text ends in ";". Error 3265 when there is none of that name, 3012 when it is there already.
+  // Saved queries. Their text ends in ";". Error 3265 when there is none of that name, 3012 when it is there
+  // already.
   virtual std::string QueryText(std::string_view name) = 0;
   virtual void CreateQueryDef(std::string_view name, std::string_view sql) = 0;
   virtual void DeleteQueryDef(std::string_view name) = 0;
@@ -85,27 +90,28 @@ class Database {
 
 // What OpenDatabase was asked for.
 struct OpenRequest {
-  std::string name;     // file path; empty for a server
+  std::string name;  // file path; empty for a server
   bool exclusive = false;
   bool readOnly = false;
   std::string connect;  // empty for a file, "ODBC;..." for a server
 };
 
-// One kind of database. A back end may keep sessions and statements warm between the databases that are opened within
-// one user action, and gather single updates into one commit; see Workspace.
+// One kind of database. A back end may keep sessions and statements warm between the databases that are
+// opened within one user action, and gather single updates into one commit; see Workspace.
 class Backend {
  public:
   virtual ~Backend() = default;
   virtual std::unique_ptr<Database> Open(const OpenRequest& request) = 0;
-  virtual void Idle() = 0;        // commits what has waited 100 ms
-  virtual void Flush() = 0;       // commits everything, keeps sessions
-  virtual void EndAction() = 0;   // commits everything, lets every idle session go
+  virtual void BeginAction() {}  // from here on sessions may stay warm and updates may wait
+  virtual void Idle() = 0;       // commits what has waited 100 ms
+  virtual void Flush() = 0;      // commits everything, keeps sessions
+  virtual void EndAction() = 0;  // commits everything, lets every idle session go
 };
 
-// The default workspace. Single updates (Recordset::Update, Execute) made inside one user action are gathered and
-// committed at the latest every 100 ms, before the program waits for anything, and when the action ends. Outside of an
-// action every update is committed at once. Committing never happens in a destructor's silence: UserAction::End()
-// raises what the last commit had to say.
+// The default workspace. Single updates (Recordset::Update, Execute) made inside one user action are gathered
+// and committed at the latest every 100 ms, before the program waits for anything, and when the action ends.
+// Outside of an action every update is committed at once. Committing never happens in a destructor's silence:
+// UserAction::End() raises what the last commit had to say.
 class Workspace {
  public:
   struct Backends {
@@ -116,9 +122,9 @@ class Workspace {
   explicit Workspace(Backends backends);
   ~Workspace();
 
-  // A file is opened by the back end that its header asks for, whatever its extension; a server by its connect string.
-  // Errors: 3024 no such file, 3051 a directory or no permission, 3343 no database, 3049 damaged, 429 desktop engine
-  // not installed, 3151 server not reached.
+  // A file is opened by the back end that its header asks for, whatever its extension; a server by its
+  // connect string. Errors: 3024 no such file, 3051 a directory or no permission, 3343 no database, 3049
+  // damaged, 429 desktop engine not installed, 3151 server not reached.
   std::unique_ptr<Database> OpenDatabase(const OpenRequest& request);
 
   // Gives pending commits their chance: call it wherever pending messages are let through.
@@ -132,8 +138,13 @@ class Workspace {
   bool InAction() const { return m_depth > 0; }
 
  private:
+  Backend& BackendForFile(const OpenRequest& request);
+  template <typename Operation>
+  void ForEachBackend(Operation operation);
+
   Backends m_backends;
   int m_depth = 0;
+  std::vector<std::pair<std::string, Backend*>> m_known;  // files whose header this action has read
 };
 
 // The workspace with every back end that this build has.

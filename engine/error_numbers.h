@@ -1,27 +1,33 @@
-// Error numbers of the database engine, the same in every back end. Each comes with a description that says what
-// is wrong with which file, table, name or piece of text.
+// Error numbers of the database engine, the same in every back end. Each comes with a description that says
+// what is wrong with which file, table, name or piece of text.
 #pragma once
 
 namespace kxrestore::engine::error_number {
-inline constexpr int kCannotCreateObject = 429;   // the desktop engine is not installed
-inline constexpr int kObjectInvalid = 3420;       // closed recordset or database used
-inline constexpr int kObjectExists = 3012;        // saved query of that name is already there
+inline constexpr int kCannotCreateObject = 429;  // the desktop engine is not installed
+inline constexpr int kObjectInvalid = 3420;      // closed recordset or database used
+inline constexpr int kObjectExists = 3012;       // saved query of that name is already there
 inline constexpr int kNoCurrentRecord = 3021;
 inline constexpr int kUpdateWithoutEdit = 3020;
 inline constexpr int kFileNotFound = 3024;
 inline constexpr int kFileInUse = 3045;
-inline constexpr int kReadOnly = 3027;            // the file, the table or the query cannot be changed
-inline constexpr int kDamaged = 3049;             // the file is a database but cannot be read
-inline constexpr int kCannotOpen = 3051;          // no permission, a directory, exclusive elsewhere
+inline constexpr int kReadOnly = 3027;    // the file, the table or the query cannot be changed
+inline constexpr int kDamaged = 3049;     // the file is a database but cannot be read
+inline constexpr int kCannotOpen = 3051;  // no permission, a directory, exclusive elsewhere
 inline constexpr int kDiskFull = 3026;
-inline constexpr int kParameterMissing = 3061;    // a column name that does not exist
+inline constexpr int kDuplicateKey = 3022;
+inline constexpr int kDiskError = 3043;
+inline constexpr int kAmbiguousName = 3079;
+inline constexpr int kUndefinedFunction = 3085;
+inline constexpr int kRecordDeleted = 3167;     // by another process, between reading and updating
+inline constexpr int kConstraint = 3317;        // a rule of the table refuses the value
+inline constexpr int kParameterMissing = 3061;  // a column name that does not exist
 inline constexpr int kSelectNotExecutable = 3065;
-inline constexpr int kSyntax = 3075;              // names the offending piece
+inline constexpr int kSyntax = 3075;  // names the offending piece
 inline constexpr int kTableNotFound = 3078;
-inline constexpr int kTextAfterEnd = 3142;        // more than one statement
+inline constexpr int kTextAfterEnd = 3142;  // more than one statement
 inline constexpr int kOdbcFailed = 3146;
 inline constexpr int kOdbcConnectionFailed = 3151;
-inline constexpr int kRecordLocked = 3218;        // locked by another process, after a bounded wait
+inline constexpr int kRecordLocked = 3218;  // locked by another process, after a bounded wait
 inline constexpr int kInvalidOperation = 3219;
 inline constexpr int kRowLocked = 3260;           // a row or page is being changed by another process
 inline constexpr int kItemNotFound = 3265;        // no such field or saved query

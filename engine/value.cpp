@@ -141,8 +141,8 @@ std::optional<DateTime> ToDateTime(const ValueView& value) {
       return std::nullopt;
     }
     if (TakeCharacter(text, ':') && !TakeNumber(text, 2, second)) return std::nullopt;
-    if (!text.empty() && (!TakeCharacter(text, '.') ||
-                          text.find_first_not_of("0123456789") != std::string_view::npos)) {
+    if (!text.empty() &&
+        (!TakeCharacter(text, '.') || text.find_first_not_of("0123456789") != std::string_view::npos)) {
       return std::nullopt;
     }
   }

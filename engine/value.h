@@ -15,15 +15,17 @@ struct DateTime {
   friend auto operator<=>(const DateTime&, const DateTime&) = default;
 };
 
-// Null, Boolean, integer, floating point, text, date. A ValueView's text belongs to the recordset and is valid until
-// its next move or close.
+// Null, Boolean, integer, floating point, text, date. A ValueView's text belongs to the recordset and is
+// valid until its next move or close.
 using Value = std::variant<std::monostate, bool, std::int64_t, double, std::string, DateTime>;
 using ValueView = std::variant<std::monostate, bool, std::int64_t, double, std::string_view, DateTime>;
 
-inline bool IsNull(const ValueView& value) { return value.index() == 0; }
+inline bool IsNull(const ValueView& value) {
+  return value.index() == 0;
+}
 
-// Null converts to an empty text, 0 and false. A date's text is "YYYY-MM-DD HH:MM:SS"; how the user writes dates is
-// not the engine's business. Text that is no number raises error 13, Type mismatch.
+// Null converts to an empty text, 0 and false. A date's text is "YYYY-MM-DD HH:MM:SS"; how the user writes
+// dates is not the engine's business. Text that is no number raises error 13, Type mismatch.
 std::string ToText(const ValueView& value);
 std::string ToText(const DateTime& date);
 std::int64_t ToInteger(const ValueView& value);

@@ -1,0 +1,139 @@
+// What the parser makes of a statement. Chains of operators, joins and unions are kept flat, so that the
+// depth of the tree is the depth of the brackets in the text, which the parser bounds.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "engine/value.h"
+
+namespace kxrestore::engine::jet_sql {
+
+struct SelectStatement;
+
+enum class ExpressionKind {
+  kNull,
+  kBoolean,    // number: 0 or 1
+  kNumber,     // text as written
+  kText,       // text
+  kDate,       // date
+  kParameter,  // number: 1, 2, ...
+  kColumn,     // qualifier (may be empty), text
+  kStar,       // only inside Count(*)
+  kNot,        // args[0]
+  kMinus,      // args[0]
+  kChain,      // args joined by operators, all of one precedence: AND, OR, + -, * / Mod, &
+  kCompare,    // args[0] operators[0] args[1]
+  kLike,       // args[0] Like args[1]
+  kBetween,    // args[0] Between args[1] And args[2]
+  kIn,         // args[0] In (args[1]...) or (query)
+  kIsNull,     // args[0]
+  kFunction,   // text(args)
+  kCase,       // [args[0]] when/then pairs, else; operators[0] says "base" when args[0] is the base
+  kCast,       // args[0] as text
+  kCollate,    // args[0] collate text
+  kSubquery,   // (query)
+  kExists,     // exists (query)
+};
+
+struct Expression;
+using ExpressionPtr = std::unique_ptr<Expression>;
+
+struct Expression {
+  ExpressionKind kind = ExpressionKind::kNull;
+  bool negated = false;   // Not Like, Not In, Not Between, Is Not Null
+  bool distinct = false;  // Count(Distinct x)
+  bool hasElse = false;
+  int depth = 1;
+  std::int64_t number = 0;
+  std::string qualifier;
+  std::string text;
+  DateTime date;
+  std::vector<ExpressionPtr> args;
+  std::vector<std::string> operators;
+  std::unique_ptr<SelectStatement> query;
+
+  Expression();
+  ~Expression();
+};
+
+struct SelectItem {
+  ExpressionPtr expression;   // empty for *
+  std::string starQualifier;  // T of T.*
+  std::string alias;
+};
+
+struct JoinChain;
+
+struct TableRef {
+  std::string name;
+  std::string alias;
+  std::unique_ptr<SelectStatement> query;  // (SELECT ...) AS alias
+  std::unique_ptr<JoinChain> nested;       // (A JOIN B ...)
+};
+
+enum class JoinType { kInner, kLeft, kCross };
+
+struct Join {
+  JoinType type = JoinType::kInner;
+  TableRef table;
+  ExpressionPtr on;
+};
+
+// RIGHT JOIN is turned into its mirror image while parsing: A RIGHT JOIN B becomes B LEFT JOIN A.
+struct JoinChain {
+  TableRef first;
+  std::vector<Join> joins;
+};
+
+struct SelectCore {
+  bool distinct = false;
+  std::optional<std::int64_t> top;
+  std::vector<SelectItem> items;
+  std::vector<JoinChain> from;
+  ExpressionPtr where;
+  std::vector<ExpressionPtr> groupBy;
+  ExpressionPtr having;
+};
+
+struct OrderItem {
+  ExpressionPtr expression;
+  bool descending = false;
+};
+
+struct SelectStatement {
+  std::vector<SelectCore> cores;
+  std::vector<bool> unionAll;  // between the cores
+  std::vector<OrderItem> orderBy;
+};
+
+struct UpdateStatement {
+  TableRef table;
+  std::vector<std::pair<std::string, ExpressionPtr>> assignments;
+  ExpressionPtr where;
+};
+
+struct InsertStatement {
+  std::string table;
+  std::vector<std::string> columns;
+  std::vector<std::vector<ExpressionPtr>> rows;
+  std::unique_ptr<SelectStatement> query;
+};
+
+struct DeleteStatement {
+  TableRef table;
+  ExpressionPtr where;
+};
+
+using Statement = std::variant<SelectStatement, UpdateStatement, InsertStatement, DeleteStatement>;
+
+inline bool IsReading(const Statement& statement) {
+  return statement.index() == 0;
+}
+
+}  // namespace kxrestore::engine::jet_sql

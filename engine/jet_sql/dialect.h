@@ -1,0 +1,74 @@
+// What differs between the kinds of databases that statements are printed for. Operands are handed over
+// printed, in brackets where they need them.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/jet_sql/ast.h"
+
+namespace kxrestore::engine::jet_sql {
+
+class Dialect {
+ public:
+  virtual ~Dialect() = default;
+
+  virtual std::string Identifier(std::string_view name) const = 0;
+  virtual std::string Text(std::string_view text) const;  // in apostrophes, doubled inside
+  virtual std::string Date(const DateTime& date) const;   // 'YYYY-MM-DD HH:MM:SS'
+  virtual std::string Boolean(bool value) const = 0;
+  virtual std::string Parameter(std::int64_t number) const = 0;
+
+  // operand = True / operand = False: any other number than 0 is true.
+  virtual std::string BooleanTest(const std::string& operand, bool expected) const;
+
+  // `pattern` is the pattern as parsed, `printed` as printed.
+  virtual std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
+                           bool negated) const = 0;
+
+  // left & right: Null counts as an empty text.
+  virtual std::string Concatenate(const std::string& left, const std::string& right) const = 0;
+  virtual std::string Divide(const std::string& left, const std::string& right, bool whole) const = 0;
+
+  // First(x) of a group whose rows agree, or of which any row may answer.
+  virtual std::string First(const std::string& operand) const = 0;
+  virtual bool FirstIsAggregate() const = 0;
+
+  virtual std::string Function(std::string_view name, const std::vector<std::string>& arguments) const = 0;
+
+  // A column to sort by, so that texts come in the order that people expect.
+  virtual std::string SortKey(const std::string& column) const { return column; }
+
+  // TOP n stands behind SELECT, or LIMIT n at the end.
+  virtual bool LimitAtEnd() const = 0;
+};
+
+// For SQLite. The text of a saved query is read by other programs too, so it uses what every SQLite has;
+// statements of this program's own use the functions and the collation named here, which the back end
+// registers.
+class SqliteDialect : public Dialect {
+ public:
+  static constexpr const char* kLikeFunction = "kx_like";  // kx_like(text, pattern)
+  static constexpr const char* kCollation = "kx_text_order";
+
+  explicit SqliteDialect(bool savedQuery) : m_savedQuery(savedQuery) {}
+
+  std::string Identifier(std::string_view name) const override;
+  std::string Boolean(bool value) const override { return value ? "1" : "0"; }
+  std::string Parameter(std::int64_t number) const override { return "?" + std::to_string(number); }
+  std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
+                   bool negated) const override;
+  std::string Concatenate(const std::string& left, const std::string& right) const override;
+  std::string Divide(const std::string& left, const std::string& right, bool whole) const override;
+  std::string First(const std::string& operand) const override { return operand; }
+  bool FirstIsAggregate() const override { return false; }
+  std::string Function(std::string_view name, const std::vector<std::string>& arguments) const override;
+  std::string SortKey(const std::string& column) const override;
+  bool LimitAtEnd() const override { return true; }
+
+ private:
+  bool m_savedQuery;
+};
+
+}  // namespace kxrestore::engine::jet_sql

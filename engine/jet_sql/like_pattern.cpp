@@ -1,0 +1,142 @@
+#include "engine/jet_sql/like_pattern.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+
+namespace kxrestore::engine::jet_sql {
+
+LikePattern::LikePattern(std::string_view mask) {
+  const std::string folded = FoldCase(mask);
+  const std::size_t firstOther = folded.find_first_not_of('*');
+  const std::size_t lastOther = folded.find_last_not_of('*');
+  if (firstOther == std::string::npos) {
+    m_shape = folded.empty() ? Shape::kEqual : Shape::kAll;
+    return;
+  }
+  const std::string_view middle = std::string_view(folded).substr(firstOther, lastOther + 1 - firstOther);
+  if (middle.find_first_of("*?#[") == std::string_view::npos) {
+    const bool before = firstOther > 0, behind = lastOther + 1 < folded.size();
+    m_shape = before ? (behind ? Shape::kInside : Shape::kSuffix) : behind ? Shape::kPrefix : Shape::kEqual;
+    m_literal = middle;
+    return;
+  }
+  for (std::size_t position = 0; position < folded.size();) {
+    const char32_t character = NextCharacter(folded, position);
+    switch (character) {
+      case '*':
+        if (m_elements.empty() || m_elements.back().kind != Kind::kAnyRun) {
+          m_elements.push_back({Kind::kAnyRun, 0, false, {}});
+        }
+        break;
+      case '?':
+        m_elements.push_back({Kind::kAnyOne, 0, false, {}});
+        break;
+      case '#':
+        m_elements.push_back({Kind::kDigit, 0, false, {}});
+        break;
+      case '[':
+        position = ReadList(folded, position);
+        break;
+      default:
+        m_elements.push_back({Kind::kLiteral, character, false, {}});
+    }
+  }
+}
+
+// `position` is behind the bracket; returns the position behind the list.
+std::size_t LikePattern::ReadList(std::string_view folded, std::size_t position) {
+  Element element{Kind::kList, 0, false, {}};
+  std::size_t end = folded.find(']', position);
+  if (end == std::string_view::npos) {
+    m_elements.push_back({Kind::kLiteral, '[', false, {}});
+    return position;
+  }
+  if (end == position) return end + 1;  // an empty list matches no character at all
+  if (folded[position] == '!' && end > position + 1) {
+    element.negated = true;
+    ++position;
+  }
+  const std::string_view list = folded.substr(0, end);
+  while (position < end) {
+    Range range{};
+    range.first = range.last = NextCharacter(list, position);
+    if (position + 1 < end && list[position] == '-') {
+      ++position;
+      range.last = NextCharacter(list, position);
+      if (range.last < range.first) std::swap(range.first, range.last);
+    }
+    element.ranges.push_back(range);
+  }
+  m_elements.push_back(std::move(element));
+  return end + 1;
+}
+
+bool LikePattern::Matches(std::string_view text) const {
+  if (m_shape == Shape::kAll) return true;
+  m_folded.clear();
+  AppendFolded(m_folded, text);
+  const std::string_view folded = m_folded;
+  switch (m_shape) {
+    case Shape::kAll:
+      return true;
+    case Shape::kEqual:
+      return folded == m_literal;
+    case Shape::kPrefix:
+      return folded.starts_with(m_literal);
+    case Shape::kSuffix:
+      return folded.ends_with(m_literal);
+    case Shape::kInside:
+      return folded.find(m_literal) != std::string_view::npos;
+    case Shape::kGeneral:
+      break;
+  }
+  return MatchesGeneral(folded);
+}
+
+bool LikePattern::MatchesOne(const Element& element, char32_t character) {
+  switch (element.kind) {
+    case Kind::kLiteral:
+      return character == element.character;
+    case Kind::kAnyOne:
+      return true;
+    case Kind::kDigit:
+      return character >= '0' && character <= '9';
+    case Kind::kList:
+      return element.negated !=
+             std::any_of(element.ranges.begin(), element.ranges.end(), [character](const Range& range) {
+               return character >= range.first && character <= range.last;
+             });
+    case Kind::kAnyRun:
+      break;
+  }
+  return false;
+}
+
+// Only the last * is ever taken back: what an earlier one matched can only be shorter, never better.
+bool LikePattern::MatchesGeneral(std::string_view folded) const {
+  constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  std::size_t position = 0, element = 0;
+  std::size_t runElement = kNone, runPosition = 0;
+  while (position < folded.size()) {
+    if (element < m_elements.size() && m_elements[element].kind == Kind::kAnyRun) {
+      runElement = ++element;
+      runPosition = position;
+      continue;
+    }
+    std::size_t next = position;
+    if (element < m_elements.size() && MatchesOne(m_elements[element], NextCharacter(folded, next))) {
+      ++element;
+      position = next;
+      continue;
+    }
+    if (runElement == kNone) return false;
+    NextCharacter(folded, runPosition);
+    position = runPosition;
+    element = runElement;
+  }
+  while (element < m_elements.size() && m_elements[element].kind == Kind::kAnyRun) ++element;
+  return element == m_elements.size();
+}
+
+}  // namespace kxrestore::engine::jet_sql

@@ -1,0 +1,14 @@
+// Reads one statement of the catalog's SQL dialect. It also takes what a view written in standard SQL uses:
+// CASE, CAST, COLLATE, ||, LEFT OUTER JOIN. Errors: 3075 with the offending piece, 3142 for text behind the
+// end.
+#pragma once
+
+#include <string_view>
+
+#include "engine/jet_sql/ast.h"
+
+namespace kxrestore::engine::jet_sql {
+
+Statement Parse(std::string_view source);
+
+}  // namespace kxrestore::engine::jet_sql

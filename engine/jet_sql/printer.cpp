@@ -1,0 +1,328 @@
+#include "engine/jet_sql/printer.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "engine/jet_sql/lexer.h"
+
+namespace kxrestore::engine::jet_sql {
+namespace {
+
+// How tightly a node binds; a child that binds no tighter than its parent needs brackets.
+enum Level { kOrLevel = 1, kAndLevel, kNotLevel, kTestLevel, kArithmeticLevel, kPrimaryLevel };
+
+Level LevelOf(const Expression& expression) {
+  switch (expression.kind) {
+    case ExpressionKind::kChain:
+      if (expression.operators.front() == "OR") return kOrLevel;
+      if (expression.operators.front() == "AND") return kAndLevel;
+      return kArithmeticLevel;
+    case ExpressionKind::kNot:
+      return kNotLevel;
+    case ExpressionKind::kCompare:
+    case ExpressionKind::kLike:
+    case ExpressionKind::kBetween:
+    case ExpressionKind::kIn:
+    case ExpressionKind::kIsNull:
+      return kTestLevel;
+    case ExpressionKind::kMinus:
+    case ExpressionKind::kCollate:
+      return kArithmeticLevel;
+    default:
+      return kPrimaryLevel;
+  }
+}
+
+bool IsCall(const Expression& expression, std::string_view name, std::size_t arguments) {
+  return expression.kind == ExpressionKind::kFunction && expression.args.size() == arguments &&
+         IsKeyword(expression.text, name);
+}
+
+bool IsAggregate(const Expression& expression) {
+  for (const std::string_view name : {"MAX", "MIN", "COUNT", "SUM", "AVG"}) {
+    if (IsCall(expression, name, 1)) return true;
+  }
+  return false;
+}
+
+class Printer {
+ public:
+  explicit Printer(const Dialect& dialect) : m_dialect(dialect) {}
+
+  std::string operator()(const SelectStatement& statement) const { return Select(statement); }
+
+  std::string operator()(const UpdateStatement& statement) const {
+    std::string text = "UPDATE " + Table(statement.table) + " SET ";
+    bool first = true;
+    for (const auto& [column, expression] : statement.assignments) {
+      if (!first) text += ", ";
+      first = false;
+      text += m_dialect.Identifier(column) + " = " + Operand(*expression, kTestLevel);
+    }
+    return text + Where(statement.where);
+  }
+
+  std::string operator()(const InsertStatement& statement) const {
+    std::string text = "INSERT INTO " + m_dialect.Identifier(statement.table);
+    if (!statement.columns.empty()) {
+      text += " (";
+      for (std::size_t i = 0; i < statement.columns.size(); ++i) {
+        text += (i == 0 ? "" : ", ") + m_dialect.Identifier(statement.columns[i]);
+      }
+      text += ")";
+    }
+    if (statement.query) return text + " " + Select(*statement.query);
+    text += " VALUES ";
+    for (std::size_t i = 0; i < statement.rows.size(); ++i) {
+      text += (i == 0 ? "(" : ", (") + List(statement.rows[i], 0) + ")";
+    }
+    return text;
+  }
+
+  std::string operator()(const DeleteStatement& statement) const {
+    return "DELETE FROM " + Table(statement.table) + Where(statement.where);
+  }
+
+ private:
+  std::string Where(const ExpressionPtr& condition) const {
+    return condition ? " WHERE " + Text(*condition) : std::string();
+  }
+
+  // ---- SELECT
+
+  std::string Select(const SelectStatement& statement) const {
+    std::string text;
+    for (std::size_t i = 0; i < statement.cores.size(); ++i) {
+      if (i > 0) text += statement.unionAll[i - 1] ? " UNION ALL " : " UNION ";
+      text += Core(statement.cores[i]);
+    }
+    for (std::size_t i = 0; i < statement.orderBy.size(); ++i) {
+      const OrderItem& item = statement.orderBy[i];
+      text += i == 0 ? " ORDER BY " : ", ";
+      text += SortKey(*item.expression);
+      if (item.descending) text += " DESC";
+    }
+    if (m_dialect.LimitAtEnd()) {
+      if (statement.cores.front().top) {
+        text += " LIMIT " + std::to_string(*statement.cores.front().top);
+      } else if (statement.cores.size() == 1 && IsSingleFirst(statement.cores.front())) {
+        text += " LIMIT 1";
+      }
+    }
+    return text;
+  }
+
+  std::string SortKey(const Expression& expression) const {
+    const bool first = IsCall(expression, "FIRST", 1);
+    const Expression& inner = first ? *expression.args.front() : expression;
+    if (inner.kind != ExpressionKind::kColumn) return Text(expression);
+    return m_dialect.SortKey(Text(expression));
+  }
+
+  // First() over a whole table is one row, though it prints as a plain column.
+  bool IsSingleFirst(const SelectCore& core) const {
+    if (m_dialect.FirstIsAggregate() || !core.groupBy.empty()) return false;
+    bool first = false;
+    for (const SelectItem& item : core.items) {
+      if (!item.expression) return false;
+      if (IsAggregate(*item.expression)) return false;
+      first = first || IsCall(*item.expression, "FIRST", 1);
+    }
+    return first;
+  }
+
+  std::string Core(const SelectCore& core) const {
+    std::string text = core.distinct ? "SELECT DISTINCT " : "SELECT ";
+    if (core.top && !m_dialect.LimitAtEnd()) text += "TOP " + std::to_string(*core.top) + " ";
+    for (std::size_t i = 0; i < core.items.size(); ++i) {
+      if (i > 0) text += ", ";
+      text += Item(core.items[i], i);
+    }
+    for (std::size_t i = 0; i < core.from.size(); ++i) {
+      text += (i == 0 ? " FROM " : ", ") + Chain(core.from[i]);
+    }
+    text += Where(core.where);
+    if (!core.groupBy.empty()) text += " GROUP BY " + List(core.groupBy, 0);
+    if (core.having) text += " HAVING " + Text(*core.having);
+    return text;
+  }
+
+  // Every column gets its name, as engines differ in what they call an unnamed one.
+  std::string Item(const SelectItem& item, std::size_t index) const {
+    if (!item.expression) {
+      return item.starQualifier.empty() ? "*" : m_dialect.Identifier(item.starQualifier) + ".*";
+    }
+    std::string name = item.alias;
+    if (name.empty() && item.expression->kind == ExpressionKind::kColumn) name = item.expression->text;
+    if (name.empty()) name = "Expr" + std::to_string(1000 + index);
+    return Text(*item.expression) + " AS " + m_dialect.Identifier(name);
+  }
+
+  std::string Table(const TableRef& table) const {
+    std::string text;
+    if (table.nested) return "(" + Chain(*table.nested) + ")";
+    text = table.query ? "(" + Select(*table.query) + ")" : m_dialect.Identifier(table.name);
+    if (!table.alias.empty()) text += " AS " + m_dialect.Identifier(table.alias);
+    return text;
+  }
+
+  std::string Chain(const JoinChain& chain) const {
+    std::string text = Table(chain.first);
+    for (const Join& join : chain.joins) {
+      text += join.type == JoinType::kLeft    ? " LEFT JOIN "
+              : join.type == JoinType::kInner ? " INNER JOIN "
+                                              : " CROSS JOIN ";
+      text += Table(join.table);
+      if (join.on) text += " ON " + Text(*join.on);
+    }
+    return text;
+  }
+
+  // ---- expressions
+
+  std::string Operand(const Expression& expression, Level parent) const {
+    const Level level = LevelOf(expression);
+    const bool brackets = parent >= kTestLevel ? level < kPrimaryLevel : level <= parent;
+    return brackets ? "(" + Text(expression) + ")" : Text(expression);
+  }
+
+  std::string List(const std::vector<ExpressionPtr>& expressions, std::size_t from) const {
+    std::string text;
+    for (std::size_t i = from; i < expressions.size(); ++i) {
+      if (i > from) text += ", ";
+      text += Text(*expressions[i]);
+    }
+    return text;
+  }
+
+  std::string Text(const Expression& node) const {
+    switch (node.kind) {
+      case ExpressionKind::kNull:
+        return "NULL";
+      case ExpressionKind::kBoolean:
+        return m_dialect.Boolean(node.number != 0);
+      case ExpressionKind::kNumber:
+        return node.text;
+      case ExpressionKind::kText:
+        return m_dialect.Text(node.text);
+      case ExpressionKind::kDate:
+        return m_dialect.Date(node.date);
+      case ExpressionKind::kParameter:
+        return m_dialect.Parameter(node.number);
+      case ExpressionKind::kColumn:
+        return (node.qualifier.empty() ? "" : m_dialect.Identifier(node.qualifier) + ".") +
+               m_dialect.Identifier(node.text);
+      case ExpressionKind::kStar:
+        return "*";
+      case ExpressionKind::kNot:
+        return "NOT " + Operand(*node.args[0], kNotLevel);
+      case ExpressionKind::kMinus:
+        return "-" + Operand(*node.args[0], kArithmeticLevel);
+      case ExpressionKind::kChain:
+        return Operators(node);
+      case ExpressionKind::kCompare:
+        return Compare(node);
+      case ExpressionKind::kLike:
+        return m_dialect.Like(Operand(*node.args[0], kTestLevel), *node.args[1],
+                              Operand(*node.args[1], kTestLevel), node.negated);
+      case ExpressionKind::kBetween:
+        return Operand(*node.args[0], kTestLevel) + (node.negated ? " NOT BETWEEN " : " BETWEEN ") +
+               Operand(*node.args[1], kTestLevel) + " AND " + Operand(*node.args[2], kTestLevel);
+      case ExpressionKind::kIn:
+        return Operand(*node.args[0], kTestLevel) + (node.negated ? " NOT IN (" : " IN (") +
+               (node.query ? Select(*node.query) : List(node.args, 1)) + ")";
+      case ExpressionKind::kIsNull:
+        return Operand(*node.args[0], kTestLevel) + (node.negated ? " IS NOT NULL" : " IS NULL");
+      case ExpressionKind::kFunction:
+        return Call(node);
+      case ExpressionKind::kCase:
+        return Case(node);
+      case ExpressionKind::kCast:
+        return "CAST(" + Text(*node.args[0]) + " AS " + node.text + ")";
+      case ExpressionKind::kCollate:
+        return Operand(*node.args[0], kArithmeticLevel) + " COLLATE " + m_dialect.Identifier(node.text);
+      case ExpressionKind::kSubquery:
+        return "(" + Select(*node.query) + ")";
+      case ExpressionKind::kExists:
+        return "EXISTS (" + Select(*node.query) + ")";
+    }
+    return {};
+  }
+
+  std::string Operators(const Expression& node) const {
+    const Level level = LevelOf(node);
+    std::string text = Operand(*node.args[0], level);
+    for (std::size_t i = 0; i < node.operators.size(); ++i) {
+      const std::string& name = node.operators[i];
+      const std::string right = Operand(*node.args[i + 1], level);
+      if (name == "&") {
+        text = m_dialect.Concatenate(i == 0 ? text : "(" + text + ")", right);
+      } else if (name == "/" || name == "\\") {
+        text = m_dialect.Divide(i == 0 ? text : "(" + text + ")", right, name == "\\");
+      } else {
+        text += " " + name + " " + right;
+      }
+    }
+    return text;
+  }
+
+  std::string Compare(const Expression& node) const {
+    const std::string& name = node.operators.front();
+    const Expression& left = *node.args[0];
+    const Expression& right = *node.args[1];
+    const bool leftBoolean = left.kind == ExpressionKind::kBoolean;
+    const bool rightBoolean = right.kind == ExpressionKind::kBoolean;
+    if (leftBoolean != rightBoolean && (name == "=" || name == "<>")) {
+      const bool expected = ((leftBoolean ? left : right).number != 0) == (name == "=");
+      return m_dialect.BooleanTest(Operand(leftBoolean ? right : left, kTestLevel), expected);
+    }
+    return Operand(left, kTestLevel) + " " + name + " " + Operand(right, kTestLevel);
+  }
+
+  static bool IsSameColumn(const Expression& a, const Expression& b) {
+    return a.kind == ExpressionKind::kColumn && b.kind == ExpressionKind::kColumn &&
+           EqualIgnoringCase(a.text, b.text) && EqualIgnoringCase(a.qualifier, b.qualifier);
+  }
+
+  std::string Call(const Expression& node) const {
+    if (IsCall(node, "ISNULL", 1)) return "(" + Operand(*node.args[0], kTestLevel) + " IS NULL)";
+    if (IsCall(node, "FIRST", 1)) return m_dialect.First(Operand(*node.args[0], kArithmeticLevel));
+    if (IsCall(node, "IIF", 3)) {
+      const Expression& condition = *node.args[0];
+      if (IsCall(condition, "ISNULL", 1) && IsSameColumn(*condition.args[0], *node.args[2])) {
+        return "coalesce(" + Text(*node.args[2]) + ", " + Text(*node.args[1]) + ")";
+      }
+      return "CASE WHEN " + Text(condition) + " THEN " + Text(*node.args[1]) + " ELSE " +
+             Text(*node.args[2]) + " END";
+    }
+    std::vector<std::string> arguments;
+    for (const ExpressionPtr& argument : node.args) arguments.push_back(Text(*argument));
+    if (node.distinct && !arguments.empty()) arguments.front().insert(0, "DISTINCT ");
+    return m_dialect.Function(node.text, arguments);
+  }
+
+  std::string Case(const Expression& node) const {
+    std::string text = "CASE";
+    std::size_t i = 0;
+    if (!node.operators.empty()) text += " " + Text(*node.args[i++]);
+    for (; i + 1 < node.args.size(); i += 2) {
+      text += " WHEN " + Text(*node.args[i]) + " THEN " + Text(*node.args[i + 1]);
+    }
+    if (node.hasElse) text += " ELSE " + Text(*node.args.back());
+    return text + " END";
+  }
+
+  const Dialect& m_dialect;
+};
+
+}  // namespace
+
+std::string Print(const Statement& statement, const Dialect& dialect) {
+  return std::visit(Printer(dialect), statement);
+}
+
+std::string Print(const SelectStatement& statement, const Dialect& dialect) {
+  return Printer(dialect)(statement);
+}
+
+}  // namespace kxrestore::engine::jet_sql

@@ -1,0 +1,56 @@
+#include "engine/sqlite/functions.h"
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <new>
+#include <string_view>
+
+#include "base/text.h"
+#include "engine/jet_sql/dialect.h"
+#include "engine/jet_sql/like_pattern.h"
+
+namespace kxrestore::engine::sqlite {
+namespace {
+
+using jet_sql::LikePattern;
+
+std::string_view TextOf(sqlite3_value* value) {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+  if (text == nullptr) return {};
+  return {text, static_cast<std::size_t>(sqlite3_value_bytes(value))};
+}
+
+// No exception may pass through SQLite, so running out of memory is told in its own way.
+void Like(sqlite3_context* context, int, sqlite3_value** values) noexcept try {
+  if (sqlite3_value_type(values[0]) == SQLITE_NULL || sqlite3_value_type(values[1]) == SQLITE_NULL) return;
+  auto* pattern = static_cast<LikePattern*>(sqlite3_get_auxdata(context, 1));
+  if (pattern != nullptr) {
+    sqlite3_result_int(context, pattern->Matches(TextOf(values[0])) ? 1 : 0);
+    return;
+  }
+  auto compiled = std::make_unique<LikePattern>(TextOf(values[1]));
+  sqlite3_result_int(context, compiled->Matches(TextOf(values[0])) ? 1 : 0);
+  sqlite3_set_auxdata(context, 1, compiled.release(),
+                      [](void* kept) { delete static_cast<LikePattern*>(kept); });
+} catch (const std::bad_alloc&) {
+  sqlite3_result_error_nomem(context);
+}
+
+int Collate(void*, int leftSize, const void* left, int rightSize, const void* right) {
+  return CompareForSorting({static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
+                           {static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
+}
+
+}  // namespace
+
+int RegisterFunctions(sqlite3* connection) {
+  const int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
+  const int code = sqlite3_create_function_v2(connection, jet_sql::SqliteDialect::kLikeFunction, 2, flags,
+                                              nullptr, Like, nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) return code;
+  return sqlite3_create_collation_v2(connection, jet_sql::SqliteDialect::kCollation, SQLITE_UTF8, nullptr,
+                                     Collate, nullptr);
+}
+
+}  // namespace kxrestore::engine::sqlite

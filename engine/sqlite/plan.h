@@ -1,0 +1,48 @@
+// A statement of the catalog's dialect, translated and prepared once. Statements that differ in their
+// literals only share one plan.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/database.h"
+#include "engine/sqlite/statement.h"
+
+namespace kxrestore::engine::sqlite {
+
+enum class ColumnKind { kPlain, kBoolean, kDate };
+
+struct PlanColumn {
+  static constexpr std::size_t kNoTable = static_cast<std::size_t>(-1);
+  std::string name;
+  ColumnKind kind = ColumnKind::kPlain;
+  std::size_t table = kNoTable;  // index into Plan::tables when the column can be changed
+  std::string baseName;
+};
+
+struct PlanTable {
+  std::string name;
+  std::string alias;          // what columns are qualified with
+  std::size_t rowColumn = 0;  // the hidden column that holds the row's number
+};
+
+// UPDATE of some columns of one table by row number.
+struct RowUpdate {
+  std::vector<std::size_t> columns;
+  bool disturbs = false;  // may move the row in the order that an open statement walks
+  Statement statement;
+};
+
+struct Plan {
+  std::string sql;
+  std::vector<PlanColumn> columns;  // what the caller sees
+  std::vector<PlanTable> tables;    // only of dynasets
+  std::vector<std::unique_ptr<RowUpdate>> updates;
+  std::vector<Statement> idle;
+  std::size_t allColumns = 0;  // with the hidden ones
+  bool current = true;         // false once the schema was changed under it
+};
+
+}  // namespace kxrestore::engine::sqlite

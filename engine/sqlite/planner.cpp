@@ -1,0 +1,258 @@
+#include "engine/sqlite/planner.h"
+
+#include <algorithm>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "engine/error_numbers.h"
+#include "engine/jet_sql/dialect.h"
+#include "engine/jet_sql/lexer.h"
+#include "engine/jet_sql/parser.h"
+#include "engine/jet_sql/printer.h"
+
+namespace kxrestore::engine::sqlite {
+namespace {
+
+using namespace jet_sql;  // NOLINT: the planner speaks of little else
+
+ColumnKind KindOf(const char* declared) {
+  if (declared == nullptr) return ColumnKind::kPlain;
+  for (const char* type : {"BOOLEAN", "BOOL", "BIT", "YESNO"}) {
+    if (EqualIgnoringCase(declared, type)) return ColumnKind::kBoolean;
+  }
+  for (const char* type : {"DATE", "DATETIME", "TIMESTAMP"}) {
+    if (EqualIgnoringCase(declared, type)) return ColumnKind::kDate;
+  }
+  return ColumnKind::kPlain;
+}
+
+bool HasRowNumber(sqlite3* connection, const std::string& table) {
+  return sqlite3_table_column_metadata(connection, nullptr, table.c_str(), "_rowid_", nullptr, nullptr,
+                                       nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+bool HoldsAggregate(const Expression& expression) {
+  if (expression.kind == ExpressionKind::kFunction) {
+    for (const char* name : {"MAX", "MIN", "COUNT", "SUM", "AVG", "FIRST", "LAST", "TOTAL"}) {
+      if (IsKeyword(expression.text, name)) return true;
+    }
+  }
+  return std::any_of(expression.args.begin(), expression.args.end(),
+                     [](const ExpressionPtr& argument) { return HoldsAggregate(*argument); });
+}
+
+// The tables of a FROM clause; `pure` becomes false when something else stands among them.
+void CollectTables(sqlite3* connection, const JoinChain& chain, std::vector<PlanTable>& tables, bool& pure) {
+  const auto collect = [&](const TableRef& table) {
+    if (table.nested) {
+      CollectTables(connection, *table.nested, tables, pure);
+    } else if (table.query || !HasRowNumber(connection, table.name)) {
+      pure = false;
+    } else {
+      tables.push_back({table.name, table.alias.empty() ? table.name : table.alias, 0});
+    }
+  };
+  collect(chain.first);
+  for (const Join& join : chain.joins) collect(join.table);
+}
+
+// Adds the row number of each table to the statement of a dynaset that can be changed.
+std::vector<PlanTable> AddRowNumbers(sqlite3* connection, SelectStatement& statement, bool& pure) {
+  std::vector<PlanTable> tables;
+  SelectCore& core = statement.cores.front();
+  if (statement.cores.size() != 1 || core.distinct || !core.groupBy.empty() || core.having) return tables;
+  for (const SelectItem& item : core.items) {
+    if (item.expression && HoldsAggregate(*item.expression)) return tables;
+  }
+  for (const JoinChain& chain : core.from) CollectTables(connection, chain, tables, pure);
+  for (std::size_t i = 0; i < tables.size(); ++i) {
+    SelectItem item;
+    item.expression = std::make_unique<Expression>();
+    item.expression->kind = ExpressionKind::kColumn;
+    item.expression->qualifier = tables[i].alias;
+    item.expression->text = "_rowid_";
+    item.alias = "kx_row_" + std::to_string(i);
+    core.items.push_back(std::move(item));
+  }
+  return tables;
+}
+
+bool HasStar(const SelectCore& core) {
+  return std::any_of(core.items.begin(), core.items.end(),
+                     [](const SelectItem& item) { return !item.expression; });
+}
+
+// Which table a column belongs to. By the table's name when that is certain, else by how the text qualifies
+// it.
+std::size_t TableOf(const Plan& plan, const char* tableName, const Expression* written, bool pure) {
+  if (tableName == nullptr) return PlanColumn::kNoTable;
+  const bool qualified =
+      written != nullptr && written->kind == ExpressionKind::kColumn && !written->qualifier.empty();
+  std::size_t found = PlanColumn::kNoTable;
+  for (std::size_t i = 0; i < plan.tables.size(); ++i) {
+    if (!EqualIgnoringCase(plan.tables[i].name, tableName)) continue;
+    if (qualified) {
+      if (EqualIgnoringCase(plan.tables[i].alias, written->qualifier)) return i;
+      continue;
+    }
+    if (!pure || found != PlanColumn::kNoTable) return PlanColumn::kNoTable;
+    found = i;
+  }
+  return found;
+}
+
+void DescribeColumns(Plan& plan, sqlite3_stmt* statement, const SelectStatement& select, bool pure) {
+  plan.allColumns = static_cast<std::size_t>(sqlite3_column_count(statement));
+  const std::size_t visible = plan.allColumns - plan.tables.size();
+  const SelectCore& core = select.cores.front();
+  const bool star = HasStar(core);
+  for (std::size_t i = 0; i < visible; ++i) {
+    const int index = static_cast<int>(i);
+    PlanColumn column;
+    if (const char* name = sqlite3_column_name(statement, index)) column.name = name;
+    column.kind = KindOf(sqlite3_column_decltype(statement, index));
+    const Expression* written = star || i >= core.items.size() ? nullptr : core.items[i].expression.get();
+    column.table = TableOf(plan, sqlite3_column_table_name(statement, index), written, pure);
+    if (column.table != PlanColumn::kNoTable) {
+      const char* origin = sqlite3_column_origin_name(statement, index);
+      if (origin != nullptr) column.baseName = origin;
+    }
+    plan.columns.push_back(std::move(column));
+  }
+  for (std::size_t i = 0; i < plan.tables.size(); ++i) plan.tables[i].rowColumn = visible + i;
+}
+
+bool ExistsInSchema(const Session& session, std::string_view name) {
+  const Statement find = session.Prepare(
+      "SELECT 1 FROM sqlite_schema WHERE type IN ('table', 'view') AND name = ?1 COLLATE NOCASE");
+  sqlite3_bind_text(find.get(), 1, name.data(), static_cast<int>(name.size()), SQLITE_STATIC);
+  return sqlite3_step(find.get()) == SQLITE_ROW;
+}
+
+SelectStatement WholeTable(std::string name) {
+  SelectStatement statement;
+  SelectCore& core = statement.cores.emplace_back();
+  core.items.emplace_back();
+  core.from.emplace_back().first.name = std::move(name);
+  return statement;
+}
+
+// The text of a recordset may be a name instead of a statement.
+std::string NameIn(const Session& session, std::string_view source) {
+  while (!source.empty() && IsBlank(source.front())) source.remove_prefix(1);
+  while (!source.empty() && (IsBlank(source.back()) || source.back() == ';')) source.remove_suffix(1);
+  std::size_t word = 0;
+  while (word < source.size() && IsWordCharacter(source[word])) ++word;
+  for (const char* verb : {"SELECT", "UPDATE", "INSERT", "DELETE"}) {
+    if (IsKeyword(source.substr(0, word), verb)) return {};
+  }
+  if (source.size() > 2 && source.front() == '[' && source.find(']') == source.size() - 1) {
+    return std::string(source.substr(1, source.size() - 2));
+  }
+  if (!source.empty() && word == source.size()) return std::string(source);
+  if (!source.empty() && source.size() < 200 && ExistsInSchema(session, source)) return std::string(source);
+  for (const char* verb : {"ALTER", "ANALYZE", "ATTACH", "BEGIN", "COMMIT", "CREATE", "DETACH", "DROP",
+                           "PRAGMA", "REINDEX", "REPLACE", "ROLLBACK", "SAVEPOINT", "VACUUM"}) {
+    if (IsKeyword(source.substr(0, word), verb)) {
+      throw Error(
+          error_number::kInvalidOperation,
+          "Invalid operation: '" + std::string(LeftCharacters(source, 80)) + "' is no reading statement.",
+          "Engine");
+    }
+  }
+  return {};
+}
+
+// The text whose literals are taken out parses as the text does; if it does not, the text itself tells what
+// is wrong.
+jet_sql::Statement ParseSource(std::string_view source, std::string_view key) {
+  if (key.data() == source.data()) return Parse(source);
+  try {
+    return Parse(key);
+  } catch (const Error&) {
+    Parse(source);
+    throw;
+  }
+}
+
+jet_sql::Statement ReadSource(const Session& session, std::string_view source, std::string_view key,
+                              Session::Use use) {
+  if (use != Session::Use::kAction) {
+    if (std::string name = NameIn(session, source); !name.empty()) return WholeTable(std::move(name));
+  }
+  jet_sql::Statement statement = ParseSource(source, key);
+  const std::string shown(LeftCharacters(source, 80));
+  if (use == Session::Use::kAction && IsReading(statement)) {
+    throw Error(error_number::kSelectNotExecutable, "Cannot execute a select query: '" + shown + "'.",
+                "Engine");
+  }
+  if (use != Session::Use::kAction && !IsReading(statement)) {
+    throw Error(error_number::kInvalidOperation,
+                "Invalid operation: '" + shown + "' is no reading statement.", "Engine");
+  }
+  return statement;
+}
+
+// Whether changing these columns can move a row within an index, or start a trigger.
+bool Disturbs(const Session& session, const PlanTable& table, const Plan& plan,
+              const std::vector<std::size_t>& columns) {
+  const Statement find = session.Prepare(
+      "SELECT 1 FROM sqlite_schema WHERE type = 'trigger' AND tbl_name = ?1 COLLATE NOCASE "
+      "UNION ALL SELECT 1 FROM pragma_index_list(?1) AS l JOIN pragma_index_xinfo(l.name) AS x "
+      "WHERE x.name = ?2 COLLATE NOCASE "
+      "UNION ALL SELECT 1 FROM sqlite_schema WHERE type = 'index' AND tbl_name = ?1 COLLATE NOCASE "
+      "AND instr(lower(sql), lower(?2)) > 0");
+  for (const std::size_t index : columns) {
+    const std::string& column = plan.columns[index].baseName;
+    int key = 0;
+    sqlite3_table_column_metadata(session.Connection(), nullptr, table.name.c_str(), column.c_str(), nullptr,
+                                  nullptr, nullptr, &key, nullptr);
+    if (key != 0) return true;
+    ResetGuard guard(find.get());
+    sqlite3_bind_text(find.get(), 1, table.name.c_str(), -1, SQLITE_STATIC);
+    sqlite3_bind_text(find.get(), 2, column.c_str(), -1, SQLITE_STATIC);
+    if (sqlite3_step(find.get()) == SQLITE_ROW) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::shared_ptr<Plan> MakePlan(const Session& session, std::string_view source, std::string_view key,
+                               Session::Use use) {
+  const SqliteDialect dialect(false);
+  jet_sql::Statement statement = ReadSource(session, source, key, use);
+  auto plan = std::make_shared<Plan>();
+  bool pure = true;
+  SelectStatement* select = std::get_if<SelectStatement>(&statement);
+  if (use == Session::Use::kDynaset && select != nullptr) {
+    plan->tables = AddRowNumbers(session.Connection(), *select, pure);
+  }
+  plan->sql = Print(statement, dialect);
+  Statement prepared =
+      session.Prepare(plan->sql, use == Session::Use::kAction ? Doing::kWriting : Doing::kReading);
+  if (select != nullptr) DescribeColumns(*plan, prepared.get(), *select, pure);
+  plan->idle.push_back(std::move(prepared));
+  return plan;
+}
+
+RowUpdate& FindRowUpdate(const Session& session, Plan& plan, const std::vector<std::size_t>& columns) {
+  for (const auto& update : plan.updates) {
+    if (update->columns == columns) return *update;
+  }
+  const PlanTable& table = plan.tables[plan.columns[columns.front()].table];
+  const SqliteDialect dialect(false);
+  std::string sql = "UPDATE " + dialect.Identifier(table.name) + " SET ";
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    sql += (i == 0 ? "" : ", ") + dialect.Identifier(plan.columns[columns[i]].baseName) + " = ?" +
+           std::to_string(i + 2);
+  }
+  auto update = std::make_unique<RowUpdate>();
+  update->columns = columns;
+  update->disturbs = Disturbs(session, table, plan, columns);
+  update->statement = session.Prepare(sql + " WHERE _rowid_ = ?1", Doing::kWriting);
+  plan.updates.push_back(std::move(update));
+  return *plan.updates.back();
+}
+
+}  // namespace kxrestore::engine::sqlite

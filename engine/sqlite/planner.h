@@ -1,0 +1,18 @@
+// Makes plans: translates a text and looks up what its columns are and where they can be changed.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "engine/sqlite/session.h"
+
+namespace kxrestore::engine::sqlite {
+
+// `key` is the text with its literals taken out, or the text itself.
+std::shared_ptr<Plan> MakePlan(const Session& session, std::string_view source, std::string_view key,
+                               Session::Use use);
+
+// The update of these columns of one table, made at first use.
+RowUpdate& FindRowUpdate(const Session& session, Plan& plan, const std::vector<std::size_t>& columns);
+
+}  // namespace kxrestore::engine::sqlite

@@ -1,0 +1,222 @@
+#include "engine/sqlite/session.h"
+
+#include <algorithm>
+
+#include "engine/sqlite/functions.h"
+#include "engine/sqlite/planner.h"
+
+namespace kxrestore::engine::sqlite {
+namespace {
+
+constexpr auto kGroupTime = std::chrono::milliseconds(100);
+constexpr auto kRetryTime = std::chrono::milliseconds(20);
+constexpr std::size_t kMaxPlans = 64;
+constexpr std::size_t kMaxUpdatesOfPlan = 16;
+
+}  // namespace
+
+Session::Session(std::string file, bool exclusive, bool grouping)
+    : m_file(std::move(file)), m_grouping(grouping) {
+  sqlite3* connection = nullptr;
+  const int code =
+      sqlite3_open_v2(m_file.c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+  m_connection.reset(connection);
+  if (code != SQLITE_OK) Raise(code, Doing::kOpening);
+  sqlite3_extended_result_codes(connection, 1);
+  sqlite3_busy_timeout(connection, kPatience);
+  if (const int registered = RegisterFunctions(connection); registered != SQLITE_OK) {
+    Raise(registered, Doing::kOpening);
+  }
+  m_readOnly = sqlite3_db_readonly(connection, "main") == 1;
+  if (exclusive) {
+    // The lock taken by the first statement is kept until the connection closes.
+    for (const char* sql : {"PRAGMA locking_mode = EXCLUSIVE", "BEGIN EXCLUSIVE", "COMMIT"}) {
+      const int result = sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
+      if (result != SQLITE_OK) Raise(result, Doing::kOpening);
+    }
+  }
+  // Reads the first page and the schema, so that a damaged or locked file is told now.
+  const Statement probe = Prepare("SELECT 1 FROM sqlite_schema", Doing::kOpening);
+  const int result = sqlite3_step(probe.get());
+  if (result != SQLITE_ROW && result != SQLITE_DONE) Raise(result, Doing::kOpening);
+}
+
+Session::~Session() {
+  if (InTransaction()) TryCommit(kPatience);
+}
+
+void Session::Raise(int code, Doing doing, std::string_view piece) const {
+  RaiseSqlite(m_connection.get(), code, doing, m_file, piece);
+}
+
+Statement Session::Prepare(std::string_view sql, Doing doing) const {
+  sqlite3_stmt* statement = nullptr;
+  const int code = sqlite3_prepare_v3(m_connection.get(), sql.data(), static_cast<int>(sql.size()),
+                                      SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+  if (code != SQLITE_OK) Raise(code, doing, sql);
+  return Statement(statement);
+}
+
+std::shared_ptr<Plan> Session::FindPlan(std::string_view source, Use use) {
+  const bool extracted = jet_sql::ExtractLiterals(source, m_extracted);
+  if (!extracted) {
+    m_extracted.key = source;
+    m_extracted.count = 0;
+  }
+  std::string& key = m_extracted.key;
+  key.push_back(static_cast<char>('0' + static_cast<int>(use)));
+  const auto found = m_plans.find(key);
+  if (found != m_plans.end()) return found->second;
+  const std::string_view text =
+      m_extracted.count > 0 ? std::string_view(key).substr(0, key.size() - 1) : source;
+  std::shared_ptr<Plan> plan = MakePlan(*this, source, text, use);
+  if (m_plans.size() >= kMaxPlans) m_plans.clear();
+  m_plans.emplace(key, plan);
+  return plan;
+}
+
+void Session::ForgetPlans() {
+  for (const auto& [key, plan] : m_plans) {
+    plan->current = false;
+    plan->idle.clear();
+  }
+  m_plans.clear();
+}
+
+Statement Session::Acquire(Plan& plan) {
+  Statement statement;
+  if (plan.idle.empty()) {
+    statement = Prepare(plan.sql);
+  } else {
+    statement = std::move(plan.idle.back());
+    plan.idle.pop_back();
+  }
+  for (std::size_t i = 0; i < m_extracted.count; ++i) {
+    const jet_sql::Literal& literal = m_extracted.literals[i];
+    const int index = static_cast<int>(i) + 1;
+    switch (literal.kind) {
+      case jet_sql::Literal::Kind::kText:
+        sqlite3_bind_text64(statement.get(), index, literal.text.data(), literal.text.size(),
+                            SQLITE_TRANSIENT, SQLITE_UTF8);
+        break;
+      case jet_sql::Literal::Kind::kInteger:
+        sqlite3_bind_int64(statement.get(), index, literal.integer);
+        break;
+      case jet_sql::Literal::Kind::kReal:
+        sqlite3_bind_double(statement.get(), index, literal.real);
+        break;
+    }
+  }
+  return statement;
+}
+
+void Session::Release(Plan& plan, Statement statement) {
+  sqlite3_reset(statement.get());
+  if (plan.updates.size() > kMaxUpdatesOfPlan) plan.updates.clear();
+  if (plan.current && plan.idle.size() < 2) plan.idle.push_back(std::move(statement));
+}
+
+void Session::RemoveStreaming(StreamingRows& rows) {
+  std::erase(m_streaming, &rows);
+}
+
+void Session::DetachStreaming(bool dynasetsToo) {
+  if (m_streaming.empty()) return;
+  const std::vector<StreamingRows*> streaming = m_streaming;  // detaching takes itself off the list
+  for (StreamingRows* rows : streaming) {
+    if (dynasetsToo || rows->IsSnapshot()) rows->Detach();
+  }
+}
+
+void Session::RunWrite(sqlite3_stmt* statement, bool disturbs, std::string_view piece) {
+  DetachStreaming(disturbs);
+  for (bool retried = false;; retried = true) {
+    int code = m_grouping && !InTransaction() ? Begin() : SQLITE_OK;
+    if (code == SQLITE_OK) code = sqlite3_step(statement);
+    if (code == SQLITE_DONE || code == SQLITE_ROW) {
+      sqlite3_reset(statement);
+      break;
+    }
+    // Our own open reading may be what another process waits for, or be older than what it wrote: let it go
+    // once.
+    if ((code & 0xFF) == SQLITE_BUSY && !m_streaming.empty() && !retried) {
+      sqlite3_reset(statement);
+      DetachStreaming(true);
+      continue;
+    }
+    const ResetGuard guard(statement);
+    Raise(code, Doing::kWriting, piece);
+  }
+  if (m_grouping) CommitIfDue();
+}
+
+// ---- commits in groups
+
+int Session::Begin() {
+  if (!m_begin) m_begin = Prepare("BEGIN IMMEDIATE", Doing::kWriting);
+  const int code = sqlite3_step(m_begin.get());
+  sqlite3_reset(m_begin.get());
+  if (code != SQLITE_DONE) return code;
+  m_due = m_nextTry = Clock::now() + kGroupTime;
+  m_deadline = m_due + std::chrono::milliseconds(kPatience);
+  return SQLITE_OK;
+}
+
+int Session::TryCommit(int patience) {
+  if (!InTransaction()) return SQLITE_OK;
+  if (!m_commit) m_commit = Prepare("COMMIT", Doing::kWriting);
+  if (patience != kPatience) sqlite3_busy_timeout(m_connection.get(), patience);
+  const int code = sqlite3_step(m_commit.get());
+  sqlite3_reset(m_commit.get());
+  if (patience != kPatience) sqlite3_busy_timeout(m_connection.get(), kPatience);
+  return code == SQLITE_DONE ? SQLITE_OK : code;
+}
+
+void Session::RollBack() {
+  if (InTransaction()) sqlite3_exec(m_connection.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+// A commit that others block is tried again and again while marking goes on; only when they do not let go in
+// time is it an error.
+void Session::CommitIfDue() {
+  const auto now = Clock::now();
+  if (now < m_nextTry || !InTransaction()) return;
+  const int code = TryCommit(0);
+  if (code == SQLITE_OK) return;
+  if ((code & 0xFF) == SQLITE_BUSY && now < m_deadline) {
+    m_nextTry = now + kRetryTime;
+    return;
+  }
+  if ((code & 0xFF) == SQLITE_BUSY) {
+    m_nextTry = now + kGroupTime;
+    m_deadline = now + std::chrono::milliseconds(kPatience);
+  } else {
+    RollBack();
+  }
+  Raise(code, Doing::kWriting);
+}
+
+void Session::Commit() {
+  const int code = TryCommit(kPatience);
+  if (code == SQLITE_OK) return;
+  if ((code & 0xFF) != SQLITE_BUSY) RollBack();
+  Raise(code, Doing::kWriting);
+}
+
+void Session::Idle() {
+  if (m_grouping && InTransaction()) CommitIfDue();
+}
+
+void Session::Flush() {
+  Commit();
+}
+
+void Session::EndGroups() {
+  m_grouping = false;
+  const int code = TryCommit(kPatience);
+  if (code == SQLITE_OK) return;
+  RollBack();
+  Raise(code, Doing::kWriting);
+}
+
+}  // namespace kxrestore::engine::sqlite

@@ -1,0 +1,91 @@
+// One connection to a catalog file with its prepared statements, its open recordsets and its pending commit.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "engine/jet_sql/literals.h"
+#include "engine/sqlite/plan.h"
+#include "engine/sqlite/sqlite_error.h"
+
+namespace kxrestore::engine::sqlite {
+
+// A recordset that still reads from its statement. Before a write that could change what it shows, it takes
+// its remaining rows into memory.
+class StreamingRows {
+ public:
+  virtual void Detach() = 0;
+  virtual bool IsSnapshot() const = 0;
+
+ protected:
+  ~StreamingRows() = default;
+};
+
+class Session {
+ public:
+  static constexpr int kPatience = 3000;  // milliseconds to wait for another process
+
+  // `grouping`: updates may wait for a common commit. `exclusive`: nobody else may use the file.
+  Session(std::string file, bool exclusive, bool grouping);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  const std::string& File() const { return m_file; }
+  sqlite3* Connection() const { return m_connection.get(); }
+  bool IsReadOnly() const { return m_readOnly; }
+
+  enum class Use { kSnapshot, kDynaset, kAction };
+  // The plan for a text; its literals are in Literals() until the next call.
+  std::shared_ptr<Plan> FindPlan(std::string_view source, Use use);
+  const jet_sql::ExtractedLiterals& Literals() const { return m_extracted; }
+
+  // A statement of the plan with the literals of the last FindPlan bound; give it back when done.
+  Statement Acquire(Plan& plan);
+  static void Release(Plan& plan, Statement statement);
+
+  // Runs a writing statement to its end: waits for others, keeps streaming recordsets what they are, groups
+  // the commit. `disturbs`: dynasets must be protected as well.
+  void RunWrite(sqlite3_stmt* statement, bool disturbs, std::string_view piece);
+  void ForgetPlans();  // after a change of the schema
+
+  Statement Prepare(std::string_view sql, Doing doing = Doing::kReading) const;
+  [[noreturn]] void Raise(int code, Doing doing, std::string_view piece = {}) const;
+
+  void AddStreaming(StreamingRows& rows) { m_streaming.push_back(&rows); }
+  void RemoveStreaming(StreamingRows& rows);
+
+  void Idle();       // commits what has waited long enough, without waiting for anybody
+  void Flush();      // commits; waits, then raises
+  void EndGroups();  // commits for good: what cannot be committed is rolled back and raised
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  struct Closer {
+    void operator()(sqlite3* connection) const { sqlite3_close_v2(connection); }
+  };
+
+  void DetachStreaming(bool dynasetsToo);
+  bool InTransaction() const { return sqlite3_get_autocommit(m_connection.get()) == 0; }
+  int Begin();
+  int TryCommit(int patience);
+  void CommitIfDue();
+  void Commit();
+  void RollBack();
+
+  std::string m_file;
+  bool m_grouping;
+  bool m_readOnly = false;
+  std::unique_ptr<sqlite3, Closer> m_connection;
+  Statement m_begin, m_commit;
+  std::vector<StreamingRows*> m_streaming;
+  std::unordered_map<std::string, std::shared_ptr<Plan>> m_plans;
+  jet_sql::ExtractedLiterals m_extracted;
+  Clock::time_point m_due, m_deadline, m_nextTry;
+};
+
+}  // namespace kxrestore::engine::sqlite

@@ -1,0 +1,98 @@
+#include "engine/sqlite/sqlite_database.h"
+
+#include "base/error.h"
+#include "engine/error_numbers.h"
+#include "engine/jet_sql/dialect.h"
+#include "engine/sqlite/sqlite_recordset.h"
+#include "engine/sqlite/view_text.h"
+
+namespace kxrestore::engine::sqlite {
+namespace {
+
+namespace number = kxrestore::engine::error_number;
+
+[[noreturn]] void Raise(int errorNumber, std::string description) {
+  throw Error(errorNumber, std::move(description), "Engine");
+}
+
+std::string ColumnText(sqlite3_stmt* statement, int column) {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+  return text == nullptr ? std::string() : std::string(text, sqlite3_column_bytes(statement, column));
+}
+
+}  // namespace
+
+Session& SqliteDatabase::Open() const {
+  if (!m_session) Raise(number::kObjectInvalid, "Object invalid or no longer set: the database.");
+  return *m_session;
+}
+
+Session& SqliteDatabase::OpenForWriting() const {
+  Session& session = Open();
+  if (m_readOnly || session.IsReadOnly()) {
+    Raise(number::kReadOnly, "Cannot update. Database or object is read-only: '" + session.File() + "'.");
+  }
+  return session;
+}
+
+std::unique_ptr<Recordset> SqliteDatabase::OpenRecordset(std::string_view source, RecordsetType type) {
+  Open();
+  return std::make_unique<SqliteRecordset>(m_session, source, type, m_readOnly);
+}
+
+std::int64_t SqliteDatabase::Execute(std::string_view sql, int /*options*/) {
+  Session& session = Open();
+  const std::shared_ptr<Plan> plan = session.FindPlan(sql, Session::Use::kAction);
+  OpenForWriting();
+  Statement statement = session.Acquire(*plan);
+  session.RunWrite(statement.get(), true, sql);
+  const std::int64_t changes = sqlite3_changes64(session.Connection());
+  Session::Release(*plan, std::move(statement));
+  return changes;
+}
+
+SqliteDatabase::Entry SqliteDatabase::FindEntry(Session& session, std::string_view name) {
+  const Statement find = session.Prepare(
+      "SELECT type, name, sql FROM sqlite_schema WHERE type IN ('table', 'view') AND name = ?1 COLLATE "
+      "NOCASE");
+  sqlite3_bind_text64(find.get(), 1, name.data(), name.size(), SQLITE_STATIC, SQLITE_UTF8);
+  const int code = sqlite3_step(find.get());
+  if (code == SQLITE_DONE) return {};
+  if (code != SQLITE_ROW) session.Raise(code, Doing::kReading, name);
+  return {ColumnText(find.get(), 0), ColumnText(find.get(), 1), ColumnText(find.get(), 2)};
+}
+
+void SqliteDatabase::ChangeSchema(Session& session, const std::string& sql) {
+  session.ForgetPlans();
+  const Statement statement = session.Prepare(sql, Doing::kWriting);
+  session.RunWrite(statement.get(), true, sql);
+  session.ForgetPlans();
+}
+
+std::string SqliteDatabase::QueryText(std::string_view name) {
+  const Entry entry = FindEntry(Open(), name);
+  if (entry.type != "view") {
+    Raise(number::kItemNotFound, "Item not found in this collection: '" + std::string(name) + "'.");
+  }
+  return QueryTextOfView(entry.sql);
+}
+
+void SqliteDatabase::CreateQueryDef(std::string_view name, std::string_view sql) {
+  Session& session = OpenForWriting();
+  if (!FindEntry(session, name).type.empty()) {
+    Raise(number::kObjectExists, "Object '" + std::string(name) + "' already exists.");
+  }
+  ChangeSchema(session, CreateViewText(name, sql));
+}
+
+void SqliteDatabase::DeleteQueryDef(std::string_view name) {
+  Session& session = Open();
+  const Entry entry = FindEntry(session, name);
+  if (entry.type != "view") {
+    Raise(number::kItemNotFound, "Item not found in this collection: '" + std::string(name) + "'.");
+  }
+  OpenForWriting();
+  ChangeSchema(session, "DROP VIEW " + jet_sql::SqliteDialect(true).Identifier(entry.name));
+}
+
+}  // namespace kxrestore::engine::sqlite

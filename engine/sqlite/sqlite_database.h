@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "engine/database.h"
+#include "engine/sqlite/session.h"
+
+namespace kxrestore::engine::sqlite {
+
+class SqliteDatabase final : public Database {
+ public:
+  SqliteDatabase(std::shared_ptr<Session> session, bool readOnly)
+      : m_session(std::move(session)), m_readOnly(readOnly) {}
+
+  std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type) override;
+  std::int64_t Execute(std::string_view sql, int options) override;
+  std::string QueryText(std::string_view name) override;
+  void CreateQueryDef(std::string_view name, std::string_view sql) override;
+  void DeleteQueryDef(std::string_view name) override;
+  void Close() override { m_session.reset(); }
+
+ private:
+  Session& Open() const;
+  Session& OpenForWriting() const;
+  // The kind and the CREATE text of a table or view; both empty when there is none. `name` gets its stored
+  // case.
+  struct Entry {
+    std::string type, name, sql;
+  };
+  static Entry FindEntry(Session& session, std::string_view name);
+  static void ChangeSchema(Session& session, const std::string& sql);
+
+  std::shared_ptr<Session> m_session;
+  bool m_readOnly;
+};
+
+}  // namespace kxrestore::engine::sqlite

@@ -1,0 +1,106 @@
+#include "engine/sqlite/sqlite_error.h"
+
+#include <sqlite3.h>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "engine/error_numbers.h"
+
+namespace kxrestore::engine::sqlite {
+namespace {
+
+namespace number = kxrestore::engine::error_number;
+
+[[noreturn]] void Raise(int errorNumber, std::string description) {
+  throw Error(errorNumber, std::move(description), "Engine");
+}
+
+bool TakePrefix(std::string_view& text, std::string_view prefix) {
+  if (!text.starts_with(prefix)) return false;
+  text.remove_prefix(prefix.size());
+  return true;
+}
+
+// What SQLite only tells in words: names that do not exist and texts that it does not understand.
+[[noreturn]] void RaiseStatement(std::string_view message, const std::string& file, std::string_view piece) {
+  const std::string shown(LeftCharacters(piece, 200));
+  std::string_view rest = message;
+  if (TakePrefix(rest, "no such column: ")) {
+    Raise(number::kParameterMissing,
+          "Too few parameters. Expected 1. No such column: '" + std::string(rest) + "'.");
+  }
+  if (message.find(" has no column named ") != std::string_view::npos) {
+    Raise(number::kParameterMissing, "Too few parameters. Expected 1. The " + std::string(message) + ".");
+  }
+  if (TakePrefix(rest, "no such table: ")) {
+    if (rest.starts_with("main.")) rest.remove_prefix(5);
+    Raise(number::kTableNotFound, "The database engine cannot find the input table or query '" +
+                                      std::string(rest) + "' in '" + file +
+                                      "'. Make sure it exists and that its name is spelled correctly.");
+  }
+  if (TakePrefix(rest, "no such function: ")) {
+    Raise(number::kUndefinedFunction, "Undefined function '" + std::string(rest) + "' in expression.");
+  }
+  if (TakePrefix(rest, "ambiguous column name: ")) {
+    Raise(number::kAmbiguousName, "The specified field '" + std::string(rest) +
+                                      "' could refer to more than one table listed in the FROM clause.");
+  }
+  if (message.find("because it is a view") != std::string_view::npos) {
+    Raise(number::kReadOnly, "Cannot update. Database or object is read-only: " + std::string(message) + ".");
+  }
+  Raise(number::kSyntax, "Syntax error (" + std::string(message) + ") in query expression '" + shown + "'.");
+}
+
+}  // namespace
+
+void RaiseSqlite(sqlite3* connection, int code, Doing doing, const std::string& file,
+                 std::string_view piece) {
+  const bool latest = connection != nullptr && (sqlite3_errcode(connection) & 0xFF) == (code & 0xFF);
+  const std::string message = latest ? sqlite3_errmsg(connection) : sqlite3_errstr(code);
+  const std::string quoted = "'" + file + "'";
+  switch (code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_PROTOCOL:
+      if (doing == Doing::kWriting) {
+        Raise(number::kRowLocked, "Could not update " + quoted + "; currently locked by another process.");
+      }
+      Raise(number::kRecordLocked, "Could not read " + quoted + "; currently locked by another process.");
+    case SQLITE_READONLY:
+      Raise(number::kReadOnly, "Cannot update. Database or object is read-only: " + quoted + ".");
+    case SQLITE_FULL:
+      Raise(number::kDiskFull, "Not enough space on disk to change " + quoted + ".");
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+      Raise(number::kCannotOpen,
+            "The database engine cannot open the file " + quoted +
+                ". It is opened exclusively by another user, or you need permission to use it.");
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+      Raise(number::kDamaged, "Cannot read the database " + quoted + ": it is damaged (" + message + ").");
+    case SQLITE_IOERR:
+      if (code == SQLITE_IOERR_SHORT_READ || code == SQLITE_IOERR_CORRUPTFS) {
+        Raise(number::kDamaged, "Cannot read the database " + quoted + ": it is damaged (" + message + ").");
+      }
+      Raise(number::kDiskError, "Disk or network error on " + quoted + " (" + message + ").");
+    case SQLITE_CONSTRAINT:
+      if (code == SQLITE_CONSTRAINT_UNIQUE || code == SQLITE_CONSTRAINT_PRIMARYKEY ||
+          code == SQLITE_CONSTRAINT_ROWID) {
+        Raise(number::kDuplicateKey,
+              "The changes were not made because they would create duplicate values (" + message + ") in " +
+                  quoted + ".");
+      }
+      Raise(number::kConstraint,
+            "A rule of the table refuses the value (" + message + ") in " + quoted + ".");
+    case SQLITE_NOMEM:
+      Raise(7, "Out of memory while working on " + quoted + ".");
+    case SQLITE_ERROR:
+    case SQLITE_TOOBIG:
+      RaiseStatement(message, file, piece);
+    default:
+      Raise(number::kInvalidOperation, "Invalid operation on " + quoted + " (" + message + ").");
+  }
+}
+
+}  // namespace kxrestore::engine::sqlite

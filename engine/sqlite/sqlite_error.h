@@ -1,0 +1,18 @@
+// The one gate where SQLite's result codes become errors of the engine.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+struct sqlite3;
+
+namespace kxrestore::engine::sqlite {
+
+enum class Doing { kOpening, kReading, kWriting };
+
+// Raises the error for `code`, the result of the last call on `connection` (may be null). `piece` is the
+// statement or the name at work; the description tells it together with the file.
+[[noreturn]] void RaiseSqlite(sqlite3* connection, int code, Doing doing, const std::string& file,
+                              std::string_view piece = {});
+
+}  // namespace kxrestore::engine::sqlite

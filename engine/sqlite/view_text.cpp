@@ -1,0 +1,150 @@
+#include "engine/sqlite/view_text.h"
+
+#include <vector>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "engine/error_numbers.h"
+#include "engine/jet_sql/dialect.h"
+#include "engine/jet_sql/lexer.h"
+#include "engine/jet_sql/parser.h"
+#include "engine/jet_sql/printer.h"
+
+namespace kxrestore::engine::sqlite {
+namespace {
+
+using jet_sql::IsBlank;
+using jet_sql::IsKeyword;
+using jet_sql::IsWordCharacter;
+using jet_sql::IsWordStart;
+
+struct Piece {
+  enum class Kind { kWord, kName, kText, kOther, kBlank } kind;
+  std::string_view text;
+};
+
+std::size_t QuotedEnd(std::string_view text, std::size_t start, char closing, bool doubled) {
+  for (std::size_t i = start + 1; i < text.size(); ++i) {
+    if (text[i] != closing) continue;
+    if (!doubled || i + 1 == text.size() || text[i + 1] != closing) return i + 1;
+    ++i;
+  }
+  return text.size();
+}
+
+// SQLite's own tokens, as far as they matter here. A comment counts as a blank.
+Piece NextPiece(std::string_view text, std::size_t start) {
+  const char c = text[start];
+  std::size_t end = start + 1;
+  Piece::Kind kind = Piece::Kind::kOther;
+  if (IsBlank(c)) {
+    kind = Piece::Kind::kBlank;
+    while (end < text.size() && IsBlank(text[end])) ++end;
+  } else if (text.substr(start, 2) == "--") {
+    kind = Piece::Kind::kBlank;
+    end = std::min(text.find('\n', start), text.size());
+  } else if (text.substr(start, 2) == "/*") {
+    kind = Piece::Kind::kBlank;
+    const std::size_t close = text.find("*/", start + 2);
+    end = close == std::string_view::npos ? text.size() : close + 2;
+  } else if (c == '\'') {
+    kind = Piece::Kind::kText;
+    end = QuotedEnd(text, start, '\'', true);
+  } else if (c == '"' || c == '`') {
+    kind = Piece::Kind::kName;
+    end = QuotedEnd(text, start, c, true);
+  } else if (c == '[') {
+    kind = Piece::Kind::kName;
+    end = QuotedEnd(text, start, ']', false);
+  } else if (IsWordStart(c)) {
+    kind = Piece::Kind::kWord;
+    while (end < text.size() && IsWordCharacter(text[end])) ++end;
+  }
+  return {kind, text.substr(start, end - start)};
+}
+
+std::string Unquoted(std::string_view quoted) {
+  const char closing = quoted.back();
+  std::string text;
+  for (std::size_t i = 1; i + 1 < quoted.size(); ++i) {
+    text += quoted[i];
+    if (closing != ']' && quoted[i] == closing) ++i;
+  }
+  return text;
+}
+
+// 'a%b_' in the masks of the catalog's dialect, its quotes kept.
+std::string MaskOf(std::string_view literal) {
+  std::string mask;
+  for (const char c : literal) {
+    if (c == '%') {
+      mask += '*';
+    } else if (c == '_') {
+      mask += '?';
+    } else if (c == '*' || c == '?' || c == '#' || c == '[') {
+      mask += {'[', c, ']'};
+    } else {
+      mask += c;
+    }
+  }
+  return mask;
+}
+
+void AppendInDialect(std::string& result, const Piece& piece, bool afterLike) {
+  if (piece.kind == Piece::Kind::kBlank) {
+    result += piece.text.front() == '-' || piece.text.front() == '/' ? " " : piece.text;
+  } else if (piece.kind == Piece::Kind::kName && piece.text.size() > 2 && piece.text.front() != '[') {
+    result += "[" + Unquoted(piece.text) + "]";
+  } else if (piece.kind == Piece::Kind::kText && afterLike) {
+    result += MaskOf(piece.text);
+  } else {
+    result += piece.text;
+  }
+}
+
+}  // namespace
+
+std::string QueryTextOfView(std::string_view createView) {
+  std::string result;
+  std::vector<std::string> names;  // CREATE VIEW name (names) AS
+  bool inBody = false, inNames = false, afterLike = false;
+  for (std::size_t position = 0; position < createView.size();) {
+    const Piece piece = NextPiece(createView, position);
+    position += piece.text.size();
+    if (inBody) {
+      AppendInDialect(result, piece, afterLike);
+      if (piece.kind != Piece::Kind::kBlank) {
+        afterLike = piece.kind == Piece::Kind::kWord && IsKeyword(piece.text, "LIKE");
+      }
+      continue;
+    }
+    if (piece.text == "(") inNames = true;
+    if (piece.text == ")") inNames = false;
+    if (inNames && piece.kind == Piece::Kind::kWord) names.emplace_back(piece.text);
+    if (inNames && piece.kind == Piece::Kind::kName) names.push_back(Unquoted(piece.text));
+    inBody = !inNames && piece.kind == Piece::Kind::kWord && IsKeyword(piece.text, "AS");
+  }
+  while (!result.empty() && (IsBlank(result.back()) || result.back() == ';')) result.pop_back();
+  result.erase(0, std::min(result.find_first_not_of(" \t\r\n\v\f"), result.size()));
+  if (!names.empty()) {
+    auto statement = jet_sql::Parse(result);
+    auto& select = std::get<jet_sql::SelectStatement>(statement);
+    auto& items = select.cores.front().items;
+    for (std::size_t i = 0; i < names.size() && i < items.size(); ++i) items[i].alias = names[i];
+    result = jet_sql::Print(select, jet_sql::SqliteDialect(true));
+  }
+  return result + ";";
+}
+
+std::string CreateViewText(std::string_view name, std::string_view sql) {
+  const jet_sql::Statement statement = jet_sql::Parse(sql);
+  if (!jet_sql::IsReading(statement)) {
+    throw Error(error_number::kInvalidOperation,
+                "Invalid operation: '" + std::string(LeftCharacters(sql, 80)) + "' is no reading statement.",
+                "Engine");
+  }
+  const jet_sql::SqliteDialect dialect(true);
+  return "CREATE VIEW " + dialect.Identifier(name) + " AS " + jet_sql::Print(statement, dialect);
+}
+
+}  // namespace kxrestore::engine::sqlite

@@ -1,0 +1,129 @@
+#include <array>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "engine/database.h"
+#include "engine/error_numbers.h"
+#include "engine/sqlite/sqlite_backend.h"
+
+namespace kxrestore::engine {
+namespace {
+
+[[noreturn]] void Raise(int number, std::string description) {
+  throw Error(number, std::move(description), "Engine");
+}
+
+enum class FileKind { kSqlite, kDesktop };
+
+FileKind ReadFileKind(const std::string& name) {
+  const std::string quoted = "'" + name + "'";
+  const std::string cannotOpen = "The database engine cannot open the file " + quoted + ". ";
+  std::error_code failure;
+  const std::filesystem::path path(std::u8string(name.begin(), name.end()));
+  const auto status = std::filesystem::status(path, failure);
+  if (status.type() == std::filesystem::file_type::not_found || name.empty()) {
+    Raise(error_number::kFileNotFound, "Could not find file " + quoted + ".");
+  }
+  if (!std::filesystem::is_regular_file(status)) {
+    Raise(error_number::kCannotOpen, cannotOpen + "It is no file, or you need permission to view it.");
+  }
+  std::ifstream file(path, std::ios::binary);
+  if (!file) Raise(error_number::kCannotOpen, cannotOpen + "You need permission to view it.");
+  std::array<char, 32> header{};
+  file.read(header.data(), header.size());
+  const std::string_view start(header.data(), static_cast<std::size_t>(file.gcount()));
+  using namespace std::string_view_literals;
+  if (start.starts_with("SQLite format 3\0"sv)) return FileKind::kSqlite;
+  if (start.size() > 4 &&
+      (start.substr(4).starts_with("Standard Jet DB") || start.substr(4).starts_with("Standard ACE DB"))) {
+    return FileKind::kDesktop;
+  }
+  Raise(error_number::kUnrecognizedFormat, "Unrecognized database format " + quoted + ".");
+}
+
+}  // namespace
+
+Workspace::Workspace(Backends backends) : m_backends(std::move(backends)) {}
+
+Workspace::~Workspace() {
+  if (m_depth == 0) return;
+  m_depth = 1;
+  try {
+    EndAction();
+  } catch (const Error&) {  // whoever wants to hear of it ends the action itself
+  }
+}
+
+// Every back end gets its turn; the first error is raised at the end.
+template <typename Operation>
+void Workspace::ForEachBackend(Operation operation) {
+  std::exception_ptr failure;
+  for (Backend* backend : {m_backends.sqlite.get(), m_backends.odbc.get(), m_backends.dao.get()}) {
+    if (backend == nullptr) continue;
+    try {
+      operation(*backend);
+    } catch (...) {
+      if (!failure) failure = std::current_exception();
+    }
+  }
+  if (failure) std::rethrow_exception(failure);
+}
+
+Backend& Workspace::BackendForFile(const OpenRequest& request) {
+  for (const auto& [name, backend] : m_known) {
+    if (name == request.name) return *backend;
+  }
+  const FileKind kind = ReadFileKind(request.name);
+  Backend* backend = kind == FileKind::kSqlite ? m_backends.sqlite.get() : m_backends.dao.get();
+  if (backend == nullptr) {
+    Raise(error_number::kCannotCreateObject, "ActiveX component can't create object: '" + request.name +
+                                                 "' is a file of the desktop database engine, which is not "
+                                                 "installed. Install the Microsoft Access "
+                                                 "Database Engine (DAO) for this program's bitness.");
+  }
+  if (InAction()) m_known.emplace_back(request.name, backend);
+  return *backend;
+}
+
+std::unique_ptr<Database> Workspace::OpenDatabase(const OpenRequest& request) {
+  if (!request.connect.empty()) {
+    if (!m_backends.odbc) {
+      Raise(error_number::kOdbcConnectionFailed, "ODBC - connection failed: this build reaches no server.");
+    }
+    return m_backends.odbc->Open(request);
+  }
+  if (request.name.find('\0') != std::string::npos) {
+    Raise(error_number::kFileNotFound,
+          "Could not find file '" + request.name.substr(0, request.name.find('\0')) + "'.");
+  }
+  return BackendForFile(request).Open(request);
+}
+
+void Workspace::Idle() {
+  ForEachBackend([](Backend& backend) { backend.Idle(); });
+}
+
+void Workspace::Flush() {
+  ForEachBackend([](Backend& backend) { backend.Flush(); });
+}
+
+void Workspace::BeginAction() {
+  if (m_depth++ == 0) ForEachBackend([](Backend& backend) { backend.BeginAction(); });
+}
+
+void Workspace::EndAction() {
+  if (m_depth == 0 || --m_depth > 0) return;
+  m_known.clear();
+  ForEachBackend([](Backend& backend) { backend.EndAction(); });
+}
+
+std::unique_ptr<Workspace> MakeDefaultWorkspace() {
+  Workspace::Backends backends;
+  backends.sqlite = sqlite::MakeSqliteBackend();
+  return std::make_unique<Workspace>(std::move(backends));
+}
+
+}  // namespace kxrestore::engine
