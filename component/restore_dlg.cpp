@@ -24,12 +24,13 @@ RestoreDlg::~RestoreDlg() = default;
 std::int16_t RestoreDlg::DefineRestoreSet() {
   dialog::frmRestore* form = nullptr;
   Skipping([&] { form = &m_forms.Form(); });
+  if (form == nullptr) return 0;
   // The form is the same for every object of the process; while it runs a dialog there is no room for
   // another.
-  if (form == nullptr || form->Running()) return 0;
+  const dialog::frmRestore::Run run(*form);
+  if (!run) return 0;
 
   m_result = 0;
-  const dialog::frmRestore::RunGuard running(*form);
   Skipping([&] {
     form->CommenceRestore = [this] { frm_CommenceRestore(); };
     form->CancelRestore = [this] { frm_CancelRestore(); };
@@ -38,7 +39,7 @@ std::int16_t RestoreDlg::DefineRestoreSet() {
   if (!m_btnCaption.empty()) Skipping([&] { form->setButtonCaption(m_btnCaption); });
   if (!m_lblCaption.empty()) Skipping([&] { form->setLabelCaption(m_lblCaption); });
   Skipping([&] { form->setLabelInVisible(m_lblInVisible); });
-  form->StopRequested() = false;
+  form->StopRequested = false;
   Skipping([&] { form->ShowModal(); });
   form->CommenceRestore = nullptr;
   form->CancelRestore = nullptr;
