@@ -117,6 +117,8 @@ TEST_F(AutoSelectTest, AGroupAndItsMembersFollowEachOther) {
   EXPECT_EQ("*.alone;", list.TickedTypes());
   list.TickAll(false);
   EXPECT_EQ("", list.TickedTypes());
+  list.Add(Named("Bitmaps", ".bmp"), true);
+  EXPECT_EQ(".bmp;", list.TickedTypes());
 }
 
 TEST_F(AutoSelectTest, TellsThePeerOfTicksAndTheFormOfTheUsers) {

@@ -1,0 +1,170 @@
+// What the control models cost, without a front end:
+//   FillTree      a tree of files in folders of 1,000, each file with an 80-byte tag that ends with its text
+//   TickRoot      the check of the root passed down to every node, as a click on it does
+//   ClickFile     the same for one file among 1,000 siblings, up to the root
+//   FindKey       looking folders up by key
+//   ClearTree     giving the tree back
+//   FillList      a list of files with a path, a name that ends it, a set, a run and a date
+//   TickList      one tick for all entries
+// The counter "bytes" is what a node or entry takes, its texts included.
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <charconv>
+#include <memory>
+#include <string>
+
+#include "controls/auto_select.h"
+#include "controls/check_propagation.h"
+#include "controls/form.h"
+#include "controls/tree_view.h"
+
+namespace kxrestore::controls {
+namespace {
+
+constexpr std::size_t kTagLength = 80;
+
+// The tag of the file of that number; its last 16 bytes are the file's name.
+class Tags {
+ public:
+  std::string_view Tag(int number) {
+    char* const digits = m_tag.data() + kTagLength - 12;
+    std::to_chars(digits, digits + 8, 10000000 + number);
+    return {m_tag.data(), kTagLength};
+  }
+  static std::string_view Name(std::string_view tag) { return tag.substr(kTagLength - 16); }
+
+ private:
+  std::array<char, kTagLength> m_tag = [] {
+    std::array<char, kTagLength> tag;
+    tag.fill('d');
+    const std::string_view ending = "file00000000.doc";
+    ending.copy(tag.data() + kTagLength - ending.size(), ending.size());
+    return tag;
+  }();
+};
+
+std::string FolderKey(int folder) {
+  return "C:\\Data\\Folder " + std::to_string(folder) + "\\";
+}
+
+struct Tree {
+  explicit Tree(int files) {
+    Node root = view.Add({}, "C:\\", "C:\\", 4);
+    Node folder;
+    Tags tags;
+    for (int file = 0; file < files; ++file) {
+      if (file % 1000 == 0) folder = view.Add(root, FolderKey(file / 1000), std::to_string(file / 1000), 1);
+      const std::string_view tag = tags.Tag(file);
+      view.Add(folder, {}, Tags::Name(tag), 2, tag);
+    }
+  }
+
+  Form form{"form"};
+  TreeView view{"tree", &form, true};
+};
+
+void ReportBytes(benchmark::State& state, std::size_t bytes) {
+  state.counters["bytes"] = static_cast<double>(bytes) / static_cast<double>(state.range(0));
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void FillTree(benchmark::State& state) {
+  std::size_t bytes = 0;
+  for (auto _ : state) {
+    auto tree = std::make_unique<Tree>(static_cast<int>(state.range(0)));
+    state.PauseTiming();
+    bytes = tree->view.MemoryUsed();
+    tree.reset();
+    state.ResumeTiming();
+  }
+  ReportBytes(state, bytes);
+}
+
+void TickRoot(benchmark::State& state) {
+  Tree tree(static_cast<int>(state.range(0)));
+  Node root = tree.view.FirstRoot();
+  tree.view.NodeCheck = [](Node node) {
+    CheckParents(node);
+    CheckChildren(node);
+  };
+  for (auto _ : state) tree.view.UserCheck(root, !root.Checked());
+  ReportBytes(state, tree.view.MemoryUsed());
+}
+
+void ClickFile(benchmark::State& state) {
+  Tree tree(static_cast<int>(state.range(0)));
+  Node file = tree.view.FirstRoot().Child().Child();
+  for (auto _ : state) {
+    file.SetChecked(!file.Checked());
+    CheckParents(file);
+    CheckChildren(file);
+  }
+}
+
+void FindKey(benchmark::State& state) {
+  Tree tree(static_cast<int>(state.range(0)));
+  const int folders = static_cast<int>(state.range(0)) / 1000;
+  int folder = 0;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(tree.view.Find(FolderKey(folder)).Index());
+    folder = (folder + 7) % folders;
+  }
+}
+
+void ClearTree(benchmark::State& state) {
+  for (auto _ : state) {
+    state.PauseTiming();
+    auto tree = std::make_unique<Tree>(static_cast<int>(state.range(0)));
+    state.ResumeTiming();
+    tree->view.Clear();
+    state.PauseTiming();
+    tree.reset();
+    state.ResumeTiming();
+  }
+}
+
+void Fill(AutoSelect& list, int entries) {
+  Tags tags;
+  AutoSelect::Entry entry;
+  entry.extension = "F01";
+  entry.setName = "Daily backup";
+  entry.date = "1/2/2024 3:04:05 PM";
+  for (int number = 0; number < entries; ++number) {
+    entry.name = tags.Tag(number);
+    entry.storedName = Tags::Name(entry.name);
+    entry.size = number;
+    list.Add(entry, true);
+  }
+}
+
+void FillList(benchmark::State& state) {
+  Form form("form");
+  AutoSelect list("list", &form, AutoSelect::Style::kFiles);
+  std::size_t bytes = 0;
+  for (auto _ : state) {
+    list.Clear();
+    Fill(list, static_cast<int>(state.range(0)));
+    bytes = list.MemoryUsed();
+  }
+  ReportBytes(state, bytes);
+}
+
+void TickList(benchmark::State& state) {
+  Form form("form");
+  AutoSelect list("list", &form, AutoSelect::Style::kFiles);
+  Fill(list, static_cast<int>(state.range(0)));
+  bool ticked = false;
+  for (auto _ : state) list.TickAll(ticked = !ticked);
+}
+
+BENCHMARK(FillTree)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(TickRoot)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ClickFile)->Arg(1'000'000);
+BENCHMARK(FindKey)->Arg(1'000'000);
+BENCHMARK(ClearTree)->Arg(1'000'000)->Unit(benchmark::kMillisecond)->Iterations(5);
+BENCHMARK(FillList)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(TickList)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace kxrestore::controls
