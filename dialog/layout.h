@@ -1,5 +1,7 @@
-// Where everything stands: the first layout when the form loads, the placement on every resize, and the tabs.
-// All lengths are twips.
+// Where the form's controls stand: the initial layout, the rules run at every resize, and switching tabs.
+//
+// The window may be any size from 7000 by 6100 twips up; both splitters keep the panels large enough for what
+// stands on them.
 #pragma once
 
 #include <functional>
@@ -8,36 +10,38 @@
 
 namespace kxrestore::dialog {
 
-inline constexpr int kMinimumWidth = 7000;
-inline constexpr int kMinimumHeight = 6100;
-
 class Layout {
  public:
-  // Listens to the resizing of the form and its areas and to the tab strip.
   explicit Layout(FormContext& context);
 
-  std::function<void()> InitializeFileTypes;  // the Auto-Select tab is shown for the first time
+  std::function<void()> InitialiseFileTypes;  // the auto-select panel is shown for the first time
 
-  // Places the areas of a form that has just been made, and ties the splitters to them.
-  void PlaceInitially();
-  void tbsOptions_Click();
+  // Places the areas and wires the splitters. The form has its size by now.
+  void PlaceAreas();
 
- private:
   void Form_Resize();
   void picTop_Resize();
   void picTabs_Resize();
   void picBottom_Resize();
-  void picTopButtons_Resize();
   void panel_Resize(int index);
-  void PlaceBackupSets(int width, int height);
-  void PlaceLoadCD(int width, int height);
-  void PlaceSearch(int width, int height);
-  void PlaceAutoSelect(int width, int height);
-  void PlaceLookIn(int frame);
+  void tbsOptions_Click();
+
+ private:
+  void PlaceSetsPanel();
+  void PlaceArchiveFrame();
+  void PlaceSearchPanel();
+  void PlaceAutoPanel();
+  void PlaceRightColumn();
+  void PlaceOptions(int panel);
+  void KeepSplitters();
   void ShowPanel(int index);
+  void Place(controls::Control& control, int left, int top, int width, int height);
 
   FormContext& m_context;
   FormControls& m_ui;
+  // Where the user wants the splitters; a window too small for that may move them.
+  int m_wishedTop = 0, m_placedTop = 0;
+  int m_wishedTree = 0, m_placedTree = 0;
 };
 
 }  // namespace kxrestore::dialog
