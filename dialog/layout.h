@@ -14,7 +14,8 @@ class Layout {
  public:
   explicit Layout(FormContext& context);
 
-  std::function<void()> InitialiseFileTypes;  // the auto-select panel is shown for the first time
+  // The auto-select panel is shown for the first time. Whether the chooser is filled now.
+  std::function<bool()> InitialiseFileTypes;
 
   // Places the areas and wires the splitters. The form has its size by now.
   void PlaceAreas();
