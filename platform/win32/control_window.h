@@ -30,6 +30,8 @@ class ControlWindow {
   controls::Control& GetControl() const { return m_control; }
   WindowContext& Context() const { return m_context; }
 
+  static ControlWindow* Of(controls::Control& control);  // nullptr when it has no window
+
   // The control's window that this handle is, or nullptr. `Enclosing` also finds it from an inner window,
   // such as the edit field of a combo box.
   static ControlWindow* FromHandle(HWND handle);
@@ -95,6 +97,8 @@ class ControlWindow {
   virtual void SetRedraw(bool redraw);
   bool Frozen() const { return m_freezes > 0; }
 
+  // Whether the window's text is the control's contents, so that it cannot carry the accessible name.
+  virtual bool TextIsContent() const { return false; }
   // Where the control belongs, in pixels of the parent. Combo boxes, whose window includes their list,
   // override it.
   virtual RECT PixelBounds() const;
@@ -113,14 +117,19 @@ class ControlWindow {
   std::optional<LRESULT> Dispatch(UINT message, WPARAM wide, LPARAM extra);
   void NameWindow();
   void UnnameWindow();
+  void SetAccessibleName();
   void ApplyVisibility();
 
   WindowContext& m_context;
   controls::Control& m_control;
   HWND m_handle = nullptr;
   ATOM m_name = 0;
+  friend class WindowContext;
   int m_freezes = 0;
+  bool m_redrawOff = false;
+  bool m_movedWhileFrozen = false;
   unsigned m_pending = 0;
+  bool m_listed[2] = {};  // by When
 };
 
 // Makes a ControlWindow a peer of the wanted kind.

@@ -20,6 +20,9 @@ using ImageListHandle = std::unique_ptr<std::remove_pointer_t<HIMAGELIST>, Image
 // without a picture of its own gets an empty image.
 ImageListHandle MakeImageList(const controls::ImageList& images, int pixels);
 
+// The icon of a form that names none of its own. The caller destroys it.
+HICON MakeFormIcon(int pixels);
+
 // The states of a check box as a state image list wants them: position 0 is unused, 1 clear, 2 ticked.
 ImageListHandle MakeCheckBoxList(int pixels);
 

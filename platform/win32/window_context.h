@@ -77,8 +77,20 @@ class WindowContext {
   void Later(ControlWindow& window, When when);
   void Forget(ControlWindow& window);
   void Flush();
-  void FlushThrottled();  // what is due
+  void FlushThrottled();  // when it is due
   void FlushAll();
+
+  // Brackets the handling of a message; when the outermost one has been handled, what it changed is shown.
+  class MessageScope {
+   public:
+    explicit MessageScope(WindowContext& context) : m_context(context) { ++context.m_depth; }
+    ~MessageScope();
+    MessageScope(const MessageScope&) = delete;
+    MessageScope& operator=(const MessageScope&) = delete;
+
+   private:
+    WindowContext& m_context;
+  };
 
   void SetToolTip(HWND window, const std::string& text);
 
@@ -95,7 +107,7 @@ class WindowContext {
   std::exception_ptr TakeError() { return std::exchange(m_error, nullptr); }
 
  private:
-  void FlushList(std::vector<ControlWindow*>& list);
+  void FlushList(When when);
 
   HINSTANCE m_module;
   HANDLE m_activationContext = INVALID_HANDLE_VALUE;
@@ -103,12 +115,14 @@ class WindowContext {
   HWND m_form = nullptr;
   HWND m_toolTips = nullptr;
   HCURSOR m_formPointer = nullptr;
-  std::map<std::pair<std::string, bool>, FontHandle> m_fonts;
-  std::vector<ControlWindow*> m_soon;
-  std::vector<ControlWindow*> m_throttled;
+  using Fonts = std::map<std::pair<std::string, bool>, FontHandle>;
+  Fonts m_fonts;
+  Fonts m_retiredFonts;                      // of the resolution before, until every window has a new one
+  std::vector<ControlWindow*> m_changed[2];  // by When
   std::vector<ControlWindow*> m_working;
   DWORD m_lastThrottled = 0;
   bool m_flushing = false;
+  int m_depth = 0;
   std::exception_ptr m_error;
 };
 

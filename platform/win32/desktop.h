@@ -1,0 +1,36 @@
+// The desktop with real windows: message boxes, pending messages, and forms that run modally.
+//
+// For one thread at a time, the one that shows the form. A modal form has no owner window; the thread's other
+// windows are disabled while it shows.
+#pragma once
+
+#include "platform/desktop.h"
+#include "platform/win32/win32.h"
+
+namespace kxrestore::win32 {
+
+class Win32Desktop final : public platform::Desktop {
+ public:
+  // `module` holds the manifest of the common controls as resource 2.
+  explicit Win32Desktop(HINSTANCE module) : m_module(module) {}
+
+  int MessageBox(const std::string& text, int style, const std::string& title) override;
+  // Free but for a look at the clock while the last time is less than 15 ms ago.
+  void DoEvents() override;
+  // Throws kxrestore::Error when the windows cannot be made. A form that is already showing is left alone.
+  void ShowModal(controls::Form& form) override;
+
+ private:
+  struct Modal;
+
+  void RunLoop(Modal& modal);
+  void RunPending();
+  void Process(MSG& message);
+  void ReportErrors();
+
+  HINSTANCE m_module;
+  Modal* m_modal = nullptr;  // the innermost form that is showing
+  DWORD m_lastPending = 0;
+};
+
+}  // namespace kxrestore::win32

@@ -1,0 +1,73 @@
+// The calls of a native tree control, past whatever else handles the window's messages. What these calls cost
+// differs widely between systems; the notes say what to do without.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "platform/win32/win32.h"
+
+namespace kxrestore::win32 {
+
+class NativeTree {
+ public:
+  void Attach(HWND window);
+  HWND Handle() const { return m_window; }
+
+  LRESULT Send(UINT message, WPARAM wide = 0, LPARAM extra = 0) const {
+    return CallWindowProcW(m_procedure, m_window, message, wide, extra);
+  }
+
+  // Makes an item that shows a node. Images and the presence of children are asked for when they are needed;
+  // the text is kept in the item, because a text that is asked for is asked for, and measured, for every item
+  // whenever the window is laid out again. `after` may be TVI_FIRST or TVI_LAST; finding any other item, and
+  // finding the parent, may take a search from the oldest item on.
+  HTREEITEM Insert(HTREEITEM parent, HTREEITEM after, std::uint32_t node, std::string_view text, UINT state);
+  void Delete(HTREEITEM item) const { Send(TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(item)); }
+
+  std::uint32_t Parameter(HTREEITEM item) const;  // the node that an item was made for; 0 when there is none
+  UINT State(HTREEITEM item, UINT mask) const {
+    return static_cast<UINT>(Send(TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), mask)) & mask;
+  }
+  void SetState(HTREEITEM item, UINT state, UINT mask) const;
+  void SetText(HTREEITEM item, std::string_view text);
+  void Expand(HTREEITEM item, bool expanded) const {
+    Send(TVM_EXPAND, expanded ? TVE_EXPAND : TVE_COLLAPSE, reinterpret_cast<LPARAM>(item));
+  }
+
+  HTREEITEM Next(UINT relation, HTREEITEM item = nullptr) const {
+    return reinterpret_cast<HTREEITEM>(Send(TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+  }
+  HTREEITEM Selected() const { return Next(TVGN_CARET); }
+  void Select(HTREEITEM item) const { Send(TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(item)); }
+  void ScrollTo(HTREEITEM item) const {
+    Send(TVM_SELECTITEM, TVGN_FIRSTVISIBLE, reinterpret_cast<LPARAM>(item));
+  }
+  TVHITTESTINFO HitTest(POINT point) const;
+  bool TextBounds(HTREEITEM item, RECT& bounds) const;
+
+  // Layout and painting wait while one of these lives.
+  class Pause {
+   public:
+    explicit Pause(NativeTree& tree);
+    ~Pause();
+    Pause(const Pause&) = delete;
+    Pause& operator=(const Pause&) = delete;
+
+   private:
+    NativeTree& m_tree;
+    bool m_shown = false;
+  };
+  void SetFrozen(bool frozen) { m_frozen = frozen; }  // the window's own redraw is off: pauses do nothing
+
+ private:
+  wchar_t* WideText(std::string_view text);
+
+  HWND m_window = nullptr;
+  WNDPROC m_procedure = nullptr;
+  int m_pauses = 0;
+  bool m_frozen = false;
+  wchar_t m_text[MAX_PATH + 1];  // a tree control shows no more
+};
+
+}  // namespace kxrestore::win32

@@ -1,0 +1,29 @@
+// Everything the dialog asks of the machine, for real: desktop, registry, regional settings, drives.
+#pragma once
+
+#include "platform/platform.h"
+#include "platform/win32/desktop.h"
+#include "platform/win32/drives.h"
+#include "platform/win32/regional.h"
+#include "platform/win32/registry.h"
+
+namespace kxrestore::win32 {
+
+class Win32Platform {
+ public:
+  // `module` holds the manifest of the common controls as resource 2.
+  explicit Win32Platform(HINSTANCE module) : m_desktop(module) {}
+  Win32Platform(const Win32Platform&) = delete;
+  Win32Platform& operator=(const Win32Platform&) = delete;
+
+  platform::Platform& Get() { return m_platform; }
+
+ private:
+  Win32Desktop m_desktop;
+  Win32Registry m_registry;
+  Win32Regional m_regional;
+  Win32Drives m_drives;
+  platform::Platform m_platform{m_desktop, m_registry, m_regional, m_drives};
+};
+
+}  // namespace kxrestore::win32
