@@ -63,7 +63,7 @@ void Layout::Place(controls::Control& control, int left, int top, int width, int
   m_context.Skipping([&] { control.Move(left, top, width, height); });
 }
 
-void Layout::PlaceAreas() {
+void Layout::PlaceInitially() {
   const int width = m_ui.form.ScaleWidth();
   const int height = m_ui.form.ScaleHeight();
   m_ui.picTopButtons.SetTop(450);
@@ -337,7 +337,7 @@ void Layout::ShowPanel(int index) {
   if (!panel.Tag().empty()) return;
   if (index == 2) {
     // Filling the chooser is a walk; while another one runs it waits for the next visit.
-    if (!m_context.Walking() && (!InitialiseFileTypes || InitialiseFileTypes())) panel.SetTag("ok");
+    if (!m_context.Walking() && (!InitializeFileTypes || InitializeFileTypes())) panel.SetTag("ok");
   } else if (index == 1) {
     panel.SetVisible(true);
     for (controls::Control* control :

@@ -15,10 +15,10 @@ class Layout {
   explicit Layout(FormContext& context);
 
   // The auto-select panel is shown for the first time. Whether the chooser is filled now.
-  std::function<bool()> InitialiseFileTypes;
+  std::function<bool()> InitializeFileTypes;
 
   // Places the areas and wires the splitters. The form has its size by now.
-  void PlaceAreas();
+  void PlaceInitially();
 
   void Form_Resize();
   void picTop_Resize();
