@@ -89,6 +89,11 @@ class FormContext {
   bool Skipping(Body&& body) {
     return !Trap(body);
   }
+  // The same where there is no form yet.
+  template <class Body>
+  static bool Skip(Body&& body) {
+    return !Trap(body);
+  }
 
   // Runs the handler of an event as one user action. An error is skipped; a failed commit is shown under the
   // routine's name.

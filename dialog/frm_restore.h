@@ -2,8 +2,8 @@
 // form a process; it outlives the dialogs that it shows. Each load makes the controls anew, as designed; when
 // the dialog has closed they are gone, while the parameters stay.
 //
-// One thread. The Let members only store. What touches the form or a control loads the form first. Nothing
-// throws but Controls().
+// One thread. The Let members only store. What touches the form or a control loads the form first. An error
+// of a member is skipped; only Controls() may throw.
 #pragma once
 
 #include <cstdint>
@@ -35,7 +35,7 @@ class frmRestore {
   void LogFilename(const std::string& Filename) { m_parameters.LogFilename = Filename; }
   void DebugFlag(bool Flag) { m_parameters.DebugFlag = Flag; }
 
-  std::string& ClientPath = m_parameters.ClientPath;
+  std::string& ClientPath = m_parameters.ClientPath;  // read at every load
   bool& StopRequested = m_parameters.StopRequested;
 
   void setWindowCaption(const std::string& sCaption);
@@ -55,7 +55,7 @@ class frmRestore {
   void Load();       // nothing when it is loaded
   void ShowModal();  // returns when the dialog has closed
 
-  // Held by whoever runs the dialog; only one can.
+  // Held by whoever runs a dialog; only one can.
   class Run {
    public:
     explicit Run(frmRestore& form) : m_form(form.m_running ? nullptr : &form) {
@@ -72,12 +72,16 @@ class frmRestore {
     frmRestore* m_form;
   };
 
-  // The controls of the loaded form; loads it. Error 91 when that failed.
+  // The controls; loads the form.
   FormControls& Controls();
 
  private:
   struct Loaded;
   void LoadSequence();
+  void ReadClientPath();
+  void SetUpIcon();
+  template <class Body>
+  void Skipping(Body&& body);
 
   Parameters m_parameters;
   platform::Platform m_platform;

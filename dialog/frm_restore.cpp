@@ -1,0 +1,178 @@
+#include "dialog/frm_restore.h"
+
+#include <filesystem>
+#include <fstream>
+#include <utility>
+
+#include "catalog/text_routines.h"
+#include "controls/program_settings.h"
+#include "dialog/auto_select.h"
+#include "dialog/context_help.h"
+#include "dialog/detail_actions.h"
+#include "dialog/layout.h"
+#include "dialog/restore_list.h"
+#include "dialog/search.h"
+#include "dialog/set_detail.h"
+#include "dialog/set_tree.h"
+#include "dialog/window_placement.h"
+#include "platform/desktop.h"
+#include "platform/drives.h"
+#include "platform/regional.h"
+#include "platform/registry.h"
+
+namespace kxrestore::dialog {
+
+namespace {
+
+std::filesystem::path PathOf(const std::string& name) {
+  return std::filesystem::path(std::u8string(name.begin(), name.end()));
+}
+
+}  // namespace
+
+// The form while it is loaded.
+struct frmRestore::Loaded {
+  explicit Loaded(frmRestore& form)
+      : context(form.m_parameters, ui, form.m_platform, form.m_workspace),
+        layout(context),
+        setTree(context),
+        setDetail(context),
+        detailActions(context),
+        restoreList(context,
+                    {[&form] { Raise(form.CommenceRestore); }, [&form] { Raise(form.CancelRestore); }}),
+        search(context, setTree, restoreList),
+        autoSelect(context, setTree, restoreList),
+        help(context),
+        placement(ui, form.m_platform) {
+    setTree.LoadBackupSetDetail = [this](controls::Node run) { setDetail.LoadBackupSetDetail(run); };
+    detailActions.ListCurrentSelections = [this] { restoreList.ListCurrentSelections(); };
+    layout.InitializeFileTypes = [this] { return autoSelect.LoadTypes(); };
+  }
+
+  static void Raise(const std::function<void()>& event) {
+    if (event) event();
+  }
+
+  FormControls ui;
+  FormContext context;
+  Layout layout;
+  SetTree setTree;
+  SetDetail setDetail;
+  DetailActions detailActions;
+  RestoreList restoreList;
+  Search search;
+  AutoSelectPanel autoSelect;
+  ContextHelp help;
+  WindowPlacement placement;
+};
+
+frmRestore::frmRestore(const platform::Platform& platform, engine::Workspace& workspace)
+    : m_platform(platform), m_workspace(workspace) {}
+
+frmRestore::~frmRestore() = default;
+
+// A member that fails is skipped.
+template <class Body>
+void frmRestore::Skipping(Body&& body) {
+  FormContext::Skip(body);
+}
+
+void frmRestore::Load() {
+  if (m_loaded && m_loaded->ui.form.IsOpen()) return;
+  Skipping([this] {
+    m_loaded = std::make_unique<Loaded>(*this);
+    // One trap for the whole sequence: what comes after a failing step is left out, and the form is shown as
+    // far as it got.
+    m_loaded->context.Event("Form.Load", [this] { LoadSequence(); });
+  });
+}
+
+void frmRestore::LoadSequence() {
+  FormControls& ui = m_loaded->ui;
+  SessionLogEntry("Loading " + curAction() + " Dialog ... ");
+  m_loaded->placement.RestoreWindow();
+  m_loaded->layout.PlaceInitially();
+  m_loaded->placement.RestoreSplitters();
+  ReadClientPath();
+  SetUpIcon();
+
+  catalog::ConnectionSettings& connection = m_loaded->context.connection;
+  connection.dbType = m_parameters.DBType;
+  connection.dbName = m_parameters.DBName;
+  if (m_parameters.DBType == catalog::kServerCatalog) {
+    connection.connect = catalog::BuildConnectString(m_parameters.DBDatabase, m_parameters.DBServer,
+                                                     m_parameters.DBUser, m_parameters.DBPass);
+  }
+  m_loaded->setTree.LoadBackupSetTree();
+
+  if (m_parameters.RestorePath.empty()) {
+    ui.lblRestorePath.SetCaption("Restore To: (Original Path)");
+  } else {
+    ui.lblRestorePath.SetCaption("Restore To: " + m_parameters.RestorePath);
+    ui.lblRestorePath.SetToolTipText(ui.lblRestorePath.Caption());
+  }
+}
+
+void frmRestore::ReadClientPath() {
+  controls::CProgramSettings settings(m_platform.registry, m_platform.desktop);
+  settings.SetRootKey(platform::kHkeyLocalMachine);
+  settings.SetMainBranch("Software");
+  settings.SetRegBase("Brellick Labs, Inc.");
+  settings.SetProgram("Tarvane");
+  settings.SetSection("Settings");
+  m_parameters.ClientPath = StripNulls(settings.ReadEntry("ClientDB", ""));
+}
+
+void frmRestore::SetUpIcon() {
+  const std::string path = catalog::AddBackslash(m_parameters.ClientPath) + "kxicon.ico";
+  if (m_platform.drives.FileMatches(path)) m_loaded->ui.form.SetIconPath(path);
+}
+
+void frmRestore::ShowModal() {
+  Load();
+  if (!m_loaded) return;
+  Skipping([this] { m_platform.desktop.ShowModal(m_loaded->ui.form); });
+  Skipping([this] { m_loaded->placement.Remember(); });
+  m_loaded.reset();
+}
+
+FormControls& frmRestore::Controls() {
+  Load();
+  if (!m_loaded) {
+    throw Error(error_number::kObjectVariableNotSet, "Object variable or With block variable not set",
+                "KXRestore");
+  }
+  return m_loaded->ui;
+}
+
+void frmRestore::setWindowCaption(const std::string& sCaption) {
+  Skipping([&] { Controls().form.SetCaption(sCaption); });
+}
+
+void frmRestore::setButtonCaption(const std::string& sCaption) {
+  Skipping([&] { Controls().cmdRestore[0].SetCaption(sCaption); });
+}
+
+void frmRestore::setLabelCaption(const std::string& sCaption) {
+  Skipping([&] { Controls().lblList.SetCaption(sCaption); });
+}
+
+void frmRestore::setLabelInVisible(bool bVisible) {
+  Skipping([&] { Controls().lblRestorePath.SetVisible(!bVisible); });
+}
+
+void frmRestore::SessionLogEntry(const std::string& sRecord) {
+  Skipping([&] {
+    if (m_parameters.LogFilename.empty()) return;
+    std::ofstream log(PathOf(m_parameters.LogFilename), std::ios::binary | std::ios::app);
+    const platform::CivilTime now = m_platform.regional.Now();
+    log << m_platform.regional.ShortDate(now) + " " + m_platform.regional.LongTime(now) +
+               " R " KX_VERSION " " + sRecord + "\r\n";
+  });
+}
+
+std::string frmRestore::StripNulls(const std::string& text) {
+  return std::string(catalog::StripNulls(text));
+}
+
+}  // namespace kxrestore::dialog
