@@ -1,0 +1,177 @@
+// The database interface against the database library itself, on one run of 100,000 and of 1,000,000 files:
+//   scan          the detail tree's statement, the texts of every row read
+//   mark by name  100,000 or 1,000,000 files found by name and marked, in the order of the tree
+//   mark by id    the same rows marked by their number
+#include <string>
+#include <vector>
+
+#include "base/error.h"
+#include "bench/bare_sqlite.h"
+#include "bench/harness.h"
+#include "bench/statements.h"
+#include "catalog/connection.h"
+#include "catalog/restore_marks.h"
+#include "engine/database.h"
+
+namespace kxrestore::bench {
+namespace {
+
+class Scan : public Comparison {
+ public:
+  explicit Scan(std::int64_t rows) : m_path(BenchCatalog(rows)), m_rows(rows) {}
+
+  void Ours() override {
+    std::uint64_t bytes = 0;
+    std::int64_t count = 0;
+    m_workspace->BeginAction();
+    {
+      const auto database = m_workspace->OpenDatabase({.name = m_path, .connect = {}});
+      const auto rows = database->OpenRecordset(kDetailStatement, engine::RecordsetType::kSnapshot);
+      const engine::Field path = rows->Fields("RestoreFile");
+      const engine::Field name = rows->Fields("Filename");
+      const engine::Field file = rows->Fields("File");
+      const engine::Field plugin = rows->Fields("Plugin");
+      for (; !rows->Eof(); rows->MoveNext(), ++count) {
+        bytes += path.TextView().size() + name.TextView().size() + file.TextView().size() +
+                 plugin.TextView().size();
+      }
+    }
+    m_workspace->EndAction();
+    Finish(count, bytes);
+  }
+
+  void Bare() override {
+    BareDatabase database(m_path);
+    BareStatement rows(
+        database.Get(),
+        "SELECT ifnull(LongPath, Filename), Filename, File, Plugin FROM Catalog LEFT JOIN LongPaths ON "
+        "PathID = LongPathID WHERE SetNameID = 1 AND Extension = '001' AND Status = 2");
+    std::uint64_t bytes = 0;
+    std::int64_t count = 0;
+    for (; rows.Step(); ++count) {
+      for (int column = 0; column < 4; ++column) bytes += rows.Text(column).size();
+    }
+    Finish(count, bytes);
+  }
+
+ private:
+  void Finish(std::int64_t count, std::uint64_t bytes) {
+    if (count != m_rows) throw Error(1, "a scan saw " + std::to_string(count) + " rows");
+    if (m_bytes != 0 && bytes != m_bytes) throw Error(1, "the two scans read different texts");
+    m_bytes = bytes;
+    Use(bytes);
+  }
+
+  std::string m_path;
+  std::int64_t m_rows;
+  std::uint64_t m_bytes = 0;
+  std::unique_ptr<engine::Workspace> m_workspace = engine::MakeDefaultWorkspace();
+};
+
+// What marking comparisons share: the rows to mark in the order of the tree, and a catalog without marks
+// before each.
+class Marking : public Comparison {
+ public:
+  explicit Marking(std::int64_t rows) : m_path(BenchCatalog(rows)) {
+    BareDatabase database(m_path);
+    BareStatement all(database.Get(), "SELECT ID, Filename FROM Catalog ORDER BY ID");
+    while (all.Step()) {
+      m_ids.push_back(static_cast<std::int32_t>(all.Integer(0)));
+      m_names.emplace_back(all.Text(1));
+    }
+    m_settings.dbName = m_path;
+  }
+  ~Marking() override { ClearMarks(m_path); }
+
+  void Prepare() override { ClearMarks(m_path); }
+
+ protected:
+  template <typename Step>
+  void OneAction(Step step) {
+    m_workspace->BeginAction();
+    step();
+    m_workspace->EndAction();
+  }
+
+  std::string m_path;
+  std::vector<std::int32_t> m_ids;
+  std::vector<std::string> m_names;
+  catalog::ConnectionSettings m_settings;
+  catalog::CurrentRun m_current{kBenchSet, kBenchExtension};
+  std::unique_ptr<engine::Workspace> m_workspace = engine::MakeDefaultWorkspace();
+  catalog::RestoreMarks m_marks{*m_workspace, m_settings, m_current,
+                                [](const Error& error, const std::string&) { throw error; }};
+};
+
+class MarkByName : public Marking {
+ public:
+  using Marking::Marking;
+
+  void Ours() override {
+    OneAction([this] {
+      for (const std::string& name : m_names) m_marks.UpdateSelectionByFileName(name, true, 0, "");
+    });
+  }
+
+  void Bare() override {
+    BareDatabase database(m_path);
+    database.Execute("BEGIN");
+    BareStatement find(database.Get(),
+                       "SELECT ID FROM Catalog WHERE SetNameID = ? AND Extension = ? AND Filename = ?");
+    BareStatement mark(database.Get(), "UPDATE Catalog SET Restore = 1 WHERE ID = ?");
+    find.Bind(1, kBenchSet);
+    find.Bind(2, kBenchExtension);
+    for (const std::string& name : m_names) {
+      find.Bind(3, name);
+      if (!find.Step()) throw Error(1, "no row for " + name);
+      mark.Bind(1, find.Integer(0));
+      find.Reset();
+      mark.Step();
+      mark.Reset();
+    }
+    database.Execute("COMMIT");
+  }
+};
+
+class MarkById : public Marking {
+ public:
+  using Marking::Marking;
+
+  void Ours() override {
+    OneAction([this] {
+      for (const std::int32_t id : m_ids) m_marks.UpdateByID(id);
+    });
+  }
+
+  void Bare() override {
+    BareDatabase database(m_path);
+    database.Execute("BEGIN");
+    BareStatement mark(database.Get(), "UPDATE Catalog SET Restore = 1 WHERE ID = ?");
+    for (const std::int32_t id : m_ids) {
+      mark.Bind(1, id);
+      mark.Step();
+      mark.Reset();
+    }
+    database.Execute("COMMIT");
+  }
+};
+
+template <typename T>
+MakeComparison Make() {
+  return [](std::int64_t rows) { return std::make_unique<T>(rows); };
+}
+
+}  // namespace
+}  // namespace kxrestore::bench
+
+int main(int count, char** words) {
+  using namespace kxrestore::bench;
+  for (const std::int64_t rows : {100000, 1000000}) {
+    const int repetitions = rows > 100000 ? 3 : 7;
+    Compare({.name = "scan of one run", .rows = rows, .limit = {}}, Make<Scan>());
+    Compare({.name = "mark by file name", .rows = rows, .limit = {}, .repetitions = repetitions},
+            Make<MarkByName>());
+    Compare({.name = "mark by id", .rows = rows, .limit = {}, .repetitions = repetitions}, Make<MarkById>());
+  }
+  return RunBenchmarks(count, words);
+}

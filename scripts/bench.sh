@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Builds and runs the benchmarks: bench.sh [OPTION OF THE BENCHMARK LIBRARY...]
+#
+# Prints a table a program and writes build/bench/report.json, an array of objects with name, rows and ours, bare and
+# ratio (seconds, medians of several runs by turns) or value and unit, and the limit where there is one. Ends with 1 when
+# something is over its limit. --benchmark_filter=REGEX runs a part.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+"$kxRoot/scripts/setup.sh" native bench
+build_preset native benches || fail "the benchmarks cannot be built"
+
+work=$kxBuild/bench
+mkdir -p "$work"
+rm -f "$work"/*.json
+status=0
+mapfile -t programs < <(find "$kxBuild/native/bench" -maxdepth 1 -type f -name '*_bench' -perm -u+x | sort)
+[[ ${#programs[@]} -gt 0 ]] || fail "there is no benchmark program"
+reports=()
+for program in "${programs[@]}"; do
+  name=$(basename "$program")
+  say "running $name"
+  programStatus=0
+  (cd "$work" && "$program" --benchmark_color=false --report="$work/$name.lines.json" "$@") || programStatus=$?
+  [[ $programStatus -le 1 ]] || warn "$name ended with $programStatus"
+  [[ $programStatus -le $status ]] || status=$programStatus
+  [[ ! -f $work/$name.lines.json ]] || reports+=("$work/$name.lines.json")
+done
+
+{
+  echo '['
+  # A comma behind every line but the last.
+  [[ ${#reports[@]} -eq 0 ]] || cat "${reports[@]}" | sed '$!s/$/,/; s/^/  /'
+  echo ']'
+} >"$work/report.json"
+[[ ${#reports[@]} -eq 0 ]] || rm -f "${reports[@]}"
+say "the report is in $work/report.json"
+exit "$status"
