@@ -1,6 +1,6 @@
 #include "dialog/set_detail.h"
 
-#include <array>
+#include <algorithm>
 #include <map>
 
 #include "dialog/detail_actions.h"
@@ -34,6 +34,11 @@ class SetDetailTest : public PanelTest {
       if (!node.Tag().empty()) line.append(" [").append(node.Tag()).append("]");
       lines.push_back(line);
     }
+    std::sort(lines.begin(), lines.end());  // engines hand out rows in an order of their own
+    return lines;
+  }
+  static std::vector<std::string> Sorted(std::vector<std::string> lines) {
+    std::sort(lines.begin(), lines.end());
     return lines;
   }
   controls::Node NodeWithText(std::string_view text) {
