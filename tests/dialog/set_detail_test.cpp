@@ -72,10 +72,9 @@ TEST_F(SetDetailTest, FoldersAreOneNodeEachAndFilesOneARow) {
                          {}, {{7, "D:\\Très long\\grüße.txt"}});
   Load(file);
   EXPECT_EQ(Outline(),
-            (std::vector<std::string>{
-                "C:\\", "C:\\ > Data", "Data > Reports", "Reports > a.doc [C:\\Data\\Reports\\a.doc]",
-                "Data > b.doc [C:\\Data\\b.doc]", "Reports > it's.doc [C:\\Data\\Reports\\it's.doc]", "D:\\",
-                "D:\\ > Très long", "Très long > grüße.txt [C:\\DATA~1\\LONG~1.TXT]"}));
+            Sorted({"C:\\", "C:\\ > Data", "Data > Reports", "Reports > a.doc [C:\\Data\\Reports\\a.doc]",
+                    "Data > b.doc [C:\\Data\\b.doc]", "Reports > it's.doc [C:\\Data\\Reports\\it's.doc]",
+                    "D:\\", "D:\\ > Très long", "Très long > grüße.txt [C:\\DATA~1\\LONG~1.TXT]"}));
   EXPECT_EQ(ui.tvwDetails.Item("C:\\Data\\Reports\\").Text(), "Reports");
   EXPECT_EQ(ui.lblTreeCount.Caption(), "4 file(s).");
   EXPECT_EQ(NodeWithText("a.doc").Image(), ui.imlRestore.Index("file"));
@@ -115,14 +114,13 @@ TEST_F(SetDetailTest, PluginEntriesStandUnderTheirHeadings) {
                           PluginRow(7, "Exchange Serve", "C:\\odd\\x", "x")});
   Load(file);
   EXPECT_EQ(Outline(),
-            (std::vector<std::string>{
-                "System State", "System State > registry.dat [C:\\Windows\\registry.dat]", "SQL Server",
-                "SQL Server > full.bak [master\\full.bak]", "Exchange Server", "Exchange Server > MailBoxes",
-                "MailBoxes > Ann [Store\\mailboxes\\Ann]", "Exchange Server > Public Folders",
-                "Public Folders > News [Store\\Public Folders\\News]", "Exchange Server > Address Lists",
-                "Address Lists > All [Store\\Address Lists\\All]",
-                "Exchange Server > Exchange Server [Exchange Server]", "Exchange Serve",
-                "Exchange Serve > x [C:\\odd\\x]"}));
+            Sorted({"System State", "System State > registry.dat [C:\\Windows\\registry.dat]", "SQL Server",
+                    "SQL Server > full.bak [master\\full.bak]", "Exchange Server",
+                    "Exchange Server > MailBoxes", "MailBoxes > Ann [Store\\mailboxes\\Ann]",
+                    "Exchange Server > Public Folders", "Public Folders > News [Store\\Public Folders\\News]",
+                    "Exchange Server > Address Lists", "Address Lists > All [Store\\Address Lists\\All]",
+                    "Exchange Server > Exchange Server [Exchange Server]", "Exchange Serve",
+                    "Exchange Serve > x [C:\\odd\\x]"}));
   const std::map<std::string, int> images = {{"MailBoxes", 11}, {"Ann", 12}, {"Public Folders", 8},
                                              {"News", 9},       {"All", 10}, {"Exchange Server", 7}};
   for (const auto& [text, image] : images) EXPECT_EQ(NodeWithText(text).Image(), image) << text;
