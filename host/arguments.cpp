@@ -8,7 +8,7 @@ const char kUsage[] =
     "restore_host --catalog FILE [--restore-path P] [--log FILE] [--action WORD]\n"
     "             [--db-type N --server S --database D [--user U --password P]]\n"
     "             [--caption T] [--button-caption T] [--label-caption T] [--hide-label]\n"
-    "             [--window] [--script FILE]\n";
+    "             [--window] [--script FILE [--shots FOLDER]]\n";
 
 Arguments ParseArguments(const std::vector<std::string>& words) {
   Arguments arguments;
@@ -27,6 +27,7 @@ Arguments ParseArguments(const std::vector<std::string>& words) {
       {"--label-caption", &arguments.labelCaption},
       {"--action", &arguments.action},
       {"--script", &arguments.script},
+      {"--shots", &arguments.shots},
   };
   const std::map<std::string, bool*> switches = {{"--hide-label", &arguments.hideLabel},
                                                  {"--window", &arguments.window}};

@@ -18,6 +18,7 @@ struct Arguments {
   bool hideLabel = false;
   std::string action;
   std::string script;   // a file, or "-" for the standard input
+  std::string shots;    // where the script's screenshots appear; beside the script when not given
   bool window = false;  // a main window, which the dialog disables
 };
 

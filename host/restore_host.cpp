@@ -99,7 +99,7 @@ int Run(const Arguments& arguments) {
   Configure(*dialog.Get(), arguments);
   short result = 0;
   {
-    const ScriptThread script(arguments.script);
+    const ScriptThread script(arguments.script, arguments.shots);
     dialog->DefineRestoreSet(&result);
   }
   std::cout << "DefineRestoreSet = " << result << std::endl;

@@ -12,17 +12,19 @@
 namespace kxrestore::host {
 namespace {
 
-void Run(const std::string& file) {
+void Run(const std::string& file, const std::string& shots) {
   try {
     const driver::DialogDriver driver;
+    const std::filesystem::path path = component::com::ToWide(file);
+    std::filesystem::path folder = component::com::ToWide(shots);
+    if (folder.empty()) folder = std::filesystem::absolute(path).parent_path();
     if (file == "-") {
-      driver::RunScript(driver, std::cin, std::cout, std::filesystem::current_path());
+      driver::RunScript(driver, std::cin, std::cout, folder);
       return;
     }
-    const std::filesystem::path path = component::com::ToWide(file);
     std::ifstream script(path);
     if (!script) throw driver::DriverError("cannot read " + file);
-    driver::RunScript(driver, script, std::cout, std::filesystem::absolute(path).parent_path());
+    driver::RunScript(driver, script, std::cout, folder);
   } catch (const std::exception& error) {
     std::cout.flush();
     std::cerr << "script: " << error.what() << std::endl;
@@ -32,8 +34,8 @@ void Run(const std::string& file) {
 
 }  // namespace
 
-ScriptThread::ScriptThread(const std::string& file) {
-  if (!file.empty()) m_thread = std::thread(Run, file);
+ScriptThread::ScriptThread(const std::string& file, const std::string& shots) {
+  if (!file.empty()) m_thread = std::thread(Run, file, shots);
 }
 
 ScriptThread::~ScriptThread() {

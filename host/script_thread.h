@@ -8,9 +8,9 @@ namespace kxrestore::host {
 
 class ScriptThread {
  public:
-  // `file` as in Arguments::script; an empty one runs nothing. A script that fails says why on the standard
-  // error and ends the process with exit code 3, because nobody is left who could close the dialog.
-  explicit ScriptThread(const std::string& file);
+  // `file` and `shots` as in Arguments; an empty file runs nothing. A script that fails says why on the
+  // standard error and ends the process with exit code 3, because nobody is left who could close the dialog.
+  ScriptThread(const std::string& file, const std::string& shots);
   ~ScriptThread();
   ScriptThread(const ScriptThread&) = delete;
   ScriptThread& operator=(const ScriptThread&) = delete;

@@ -1,8 +1,9 @@
 // What every COM object of the DLL shares: the reference count, and the border that no exception crosses.
 #pragma once
 
-#include <unknwn.h>
 #include <windows.h>
+
+#include <unknwn.h>
 #include <wrl/client.h>
 
 #include <atomic>

@@ -1,8 +1,9 @@
 // The connection point of an event interface, with everything a host may ask of it. One apartment.
 #pragma once
 
-#include <ocidl.h>
 #include <windows.h>
+
+#include <ocidl.h>
 
 #include <vector>
 

@@ -2,8 +2,9 @@
 // and the class information. Apartment-threaded.
 #pragma once
 
-#include <ocidl.h>
 #include <windows.h>
+
+#include <ocidl.h>
 
 #include <functional>
 #include <memory>

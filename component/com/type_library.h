@@ -1,8 +1,9 @@
 // The component's own type library, and late-bound calls by its descriptions.
 #pragma once
 
-#include <oaidl.h>
 #include <windows.h>
+
+#include <oaidl.h>
 
 #include "component/com/com_object.h"
 

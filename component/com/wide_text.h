@@ -3,8 +3,9 @@
 // no sense becomes U+FFFD.
 #pragma once
 
-#include <oleauto.h>
 #include <windows.h>
+
+#include <oleauto.h>
 
 #include <string>
 #include <string_view>

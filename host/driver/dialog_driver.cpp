@@ -234,7 +234,7 @@ void DialogDriver::ExpectText(const std::string& control, const std::string& tex
   try {
     WaitFor(m_patience, "", [&] { return (found = Text(control)) == text; });
   } catch (const DriverError&) {
-    throw DriverError("the text of " + control + " is '" + found + "' and not '" + text + "'");
+    throw DriverError("the text of " + control + " is " + Quoted(found) + " and not " + Quoted(text));
   }
 }
 
@@ -255,14 +255,14 @@ void DialogDriver::ExpectCount(const std::string& list, int count) const {
 
 void DialogDriver::ExpectMessage(const std::string& text) const {
   const std::string found = MessageText();
-  if (found != text) throw DriverError("the message box says '" + found + "' and not '" + text + "'");
+  if (found != text) throw DriverError("the message box says " + Quoted(found) + " and not " + Quoted(text));
 }
 
 std::string DialogDriver::Dump() const {
   const HWND form = WaitForForm();
   POINT origin{0, 0};
   ClientToScreen(form, &origin);
-  std::string out = "frmRestore " + ClassOf(form) + " '" + TextOf(form) + "'\n";
+  std::string out = "frmRestore " + ClassOf(form) + ' ' + Quoted(TextOf(form)) + '\n';
   for (HWND window : Inner(form)) {
     const std::string name = NameOf(window);
     if (name.empty()) continue;
@@ -274,7 +274,7 @@ std::string DialogDriver::Dump() const {
     out += name + " " + ClassOf(window) + line;
     if (!IsWindowVisible(window)) out += " hidden";
     if (!IsWindowEnabled(window)) out += " disabled";
-    out += " '" + TextOf(window) + "'\n";
+    out += ' ' + Quoted(TextOf(window)) + '\n';
   }
   return out;
 }

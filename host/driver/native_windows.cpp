@@ -69,4 +69,8 @@ std::string TextOf(HWND window) {
   return FromWide(text);
 }
 
+std::string Quoted(const std::string& text) {
+  return std::string(1, '\'').append(text).append(1, '\'');
+}
+
 }  // namespace kxrestore::driver

@@ -42,4 +42,7 @@ std::vector<HWND> Inner(HWND parent);
 std::string ClassOf(HWND window);
 std::string TextOf(HWND window);
 
+// For messages: the text between apostrophes.
+std::string Quoted(const std::string& text);
+
 }  // namespace kxrestore::driver

@@ -34,7 +34,7 @@ std::string Unquoted(const std::string& text) {
 bool YesNo(const std::string& text) {
   if (text == "YES") return true;
   if (text == "NO") return false;
-  throw DriverError("YES or NO is wanted, not '" + text + "'");
+  throw DriverError("YES or NO is wanted, not " + Quoted(text));
 }
 
 int Integer(const std::string& text) {
@@ -45,17 +45,18 @@ int Integer(const std::string& text) {
   } catch (const std::exception&) {
     used = 0;
   }
-  if (used == 0 || used != text.size()) throw DriverError("a number is wanted, not '" + text + "'");
+  if (used == 0 || used != text.size()) throw DriverError("a number is wanted, not " + Quoted(text));
   return number;
 }
 
 void Shoot(std::ostream& out, const std::filesystem::path& folder, const std::string& name) {
   out << "shot: " << name << std::endl;
+  const std::filesystem::path picture = folder / component::com::ToWide(name + ".png");
   const std::filesystem::path done = folder / component::com::ToWide(name + ".done");
   try {
     WaitFor(std::chrono::seconds(5), name, [&] {
       std::error_code ignored;
-      return std::filesystem::exists(done, ignored);
+      return std::filesystem::exists(picture, ignored) || std::filesystem::exists(done, ignored);
     });
   } catch (const DriverError&) {  // nobody takes pictures
   }
@@ -96,7 +97,7 @@ class Commands {
       const std::string control = TakeWord(rest);
       named->second(control, Unquoted(rest));
     } else {
-      throw DriverError("there is no command '" + command + "'");
+      throw DriverError("there is no command " + Quoted(command));
     }
   }
 

@@ -1,0 +1,133 @@
+// The class factory, the interfaces of the object, and when the DLL may go.
+#include <gtest/gtest.h>
+
+#include <olectl.h>
+
+#include "tests/e2e/component_dll.h"
+
+namespace kxrestore::e2e {
+namespace {
+
+class ServerTest : public testing::Test {
+ protected:
+  Apartment m_apartment;
+  ComponentDll m_dll;
+};
+
+TEST_F(ServerTest, RefusesWhatItDoesNotHave) {
+  void* object = this;
+  EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, m_dll.GetClassObject(IID__RestoreDlg, IID_IClassFactory, &object));
+  EXPECT_EQ(nullptr, object);
+  object = this;
+  EXPECT_EQ(E_NOINTERFACE, m_dll.GetClassObject(CLSID_RestoreDlg, IID__RestoreDlg, &object));
+  EXPECT_EQ(nullptr, object);
+  EXPECT_EQ(E_POINTER, m_dll.GetClassObject(CLSID_RestoreDlg, IID_IClassFactory, nullptr));
+
+  const ComPtr<IClassFactory> factory = m_dll.Factory();
+  object = this;
+  EXPECT_EQ(CLASS_E_NOAGGREGATION, factory->CreateInstance(factory.Get(), IID_IUnknown, &object));
+  EXPECT_EQ(nullptr, object);
+  object = this;
+  EXPECT_EQ(E_NOINTERFACE, factory->CreateInstance(nullptr, IID_IClassFactory, &object));
+  EXPECT_EQ(nullptr, object);
+  EXPECT_EQ(E_POINTER, factory->CreateInstance(nullptr, IID_IUnknown, nullptr));
+}
+
+TEST_F(ServerTest, EveryInterfaceLeadsToTheOneIdentity) {
+  const ComPtr<_RestoreDlg> object = m_dll.NewObject();
+  ComPtr<IUnknown> identity;
+  ASSERT_EQ(S_OK, object->QueryInterface(IID_PPV_ARGS(identity.GetAddressOf())));
+  for (const IID& iid : {IID_IDispatch, IID__RestoreDlg, IID_IConnectionPointContainer, IID_IProvideClassInfo,
+                         IID_IProvideClassInfo2}) {
+    ComPtr<IUnknown> other;
+    ComPtr<IUnknown> same;
+    ASSERT_EQ(S_OK, identity->QueryInterface(iid, reinterpret_cast<void**>(other.GetAddressOf())));
+    ASSERT_EQ(S_OK, other->QueryInterface(IID_PPV_ARGS(same.GetAddressOf())));
+    EXPECT_EQ(identity.Get(), same.Get());
+  }
+  void* none = this;
+  EXPECT_EQ(E_NOINTERFACE, identity->QueryInterface(IID_IPersist, &none));
+  EXPECT_EQ(nullptr, none);
+}
+
+TEST_F(ServerTest, StaysLoadedWhileSomethingIsInUse) {
+  EXPECT_TRUE(m_dll.CanUnload());
+  {
+    const ComPtr<IClassFactory> factory = m_dll.Factory();
+    EXPECT_FALSE(m_dll.CanUnload());
+    factory->LockServer(TRUE);
+  }
+  EXPECT_FALSE(m_dll.CanUnload());
+  m_dll.Factory()->LockServer(FALSE);
+  EXPECT_TRUE(m_dll.CanUnload());
+  // One unlock too many must not eat the next lock.
+  m_dll.Factory()->LockServer(FALSE);
+  m_dll.Factory()->LockServer(TRUE);
+  EXPECT_FALSE(m_dll.CanUnload());
+  m_dll.Factory()->LockServer(FALSE);
+  EXPECT_TRUE(m_dll.CanUnload());
+
+  ComPtr<IConnectionPoint> point;
+  ComPtr<IEnumConnections> connections;
+  {
+    const ComPtr<_RestoreDlg> object = m_dll.NewObject();
+    point = EventsOf(object.Get());
+    ASSERT_EQ(S_OK, point->EnumConnections(connections.GetAddressOf()));
+  }
+  EXPECT_FALSE(m_dll.CanUnload());
+  point.Reset();
+  EXPECT_FALSE(m_dll.CanUnload());
+  connections.Reset();
+  EXPECT_TRUE(m_dll.CanUnload());
+}
+
+TEST_F(ServerTest, TheFormKeepsNothingLoaded) {
+  Text name(L"C:\\none.db");
+  EXPECT_EQ(S_OK, m_dll.NewObject()->put_DB(&name));
+  EXPECT_TRUE(m_dll.CanUnload());
+}
+
+TEST_F(ServerTest, CanBeLoadedAndUnloadedAgainAndAgain) {
+  // Objects of a test program's own copy: the one of the fixture would hold the file.
+  const std::wstring copy = DllPath() + L".copy.dll";
+  ASSERT_TRUE(CopyFileW(DllPath().c_str(), copy.c_str(), FALSE));
+  for (int round = 0; round < 20; ++round) {
+    const HMODULE module = LoadLibraryW(copy.c_str());
+    ASSERT_NE(nullptr, module);
+    using GetClassObject = HRESULT STDAPICALLTYPE(REFCLSID, REFIID, void**);
+    auto* get = reinterpret_cast<GetClassObject*>(
+        reinterpret_cast<void*>(GetProcAddress(module, "DllGetClassObject")));
+    {
+      ComPtr<IClassFactory> factory;
+      ComPtr<_RestoreDlg> object;
+      ASSERT_EQ(S_OK, get(CLSID_RestoreDlg, IID_PPV_ARGS(factory.GetAddressOf())));
+      void** out = reinterpret_cast<void**>(object.GetAddressOf());
+      ASSERT_EQ(S_OK, factory->CreateInstance(nullptr, IID__RestoreDlg, out));
+      Text path(L"D:\\restored");
+      ASSERT_EQ(S_OK, object->put_RestorePath(&path));  // makes the form
+    }
+    ASSERT_TRUE(FreeLibrary(module));
+  }
+  EXPECT_EQ(nullptr, GetModuleHandleW(copy.c_str()));
+  EXPECT_TRUE(DeleteFileW(copy.c_str()));
+}
+
+TEST_F(ServerTest, SaysWhatItsClassIs) {
+  ComPtr<IProvideClassInfo2> classInfo;
+  ASSERT_EQ(S_OK, m_dll.NewObject()->QueryInterface(IID_PPV_ARGS(classInfo.GetAddressOf())));
+  GUID guid{};
+  EXPECT_EQ(S_OK, classInfo->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &guid));
+  EXPECT_EQ(DIID___RestoreDlg, guid);
+  EXPECT_EQ(E_INVALIDARG, classInfo->GetGUID(7, &guid));
+  EXPECT_EQ(GUID_NULL, guid);
+
+  ComPtr<ITypeInfo> type;
+  ASSERT_EQ(S_OK, classInfo->GetClassInfo(type.GetAddressOf()));
+  TYPEATTR* attributes = nullptr;
+  ASSERT_EQ(S_OK, type->GetTypeAttr(&attributes));
+  EXPECT_EQ(CLSID_RestoreDlg, attributes->guid);
+  type->ReleaseTypeAttr(attributes);
+}
+
+}  // namespace
+}  // namespace kxrestore::e2e
