@@ -101,7 +101,18 @@ void AppendCharacter(std::string& text, char32_t character) {
 }
 
 void AppendFolded(std::string& folded, std::string_view text) {
-  folded.reserve(folded.size() + text.size());
+  // ASCII in one go that compilers vectorise; what has other characters is done again, one by one.
+  const std::size_t before = folded.size();
+  folded.resize(before + text.size());
+  char* out = folded.data() + before;
+  unsigned char seen = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    seen |= byte;
+    out[i] = static_cast<char>(byte + (static_cast<unsigned char>(byte - 'A') < 26 ? 32 : 0));
+  }
+  if (seen < 0x80) return;
+  folded.resize(before);
   for (std::size_t position = 0; position < text.size();) {
     const char32_t character = NextFolded(text, position);
     if (character < 0x80) {

@@ -8,17 +8,13 @@ namespace kxrestore::engine::jet_sql {
 
 LikePattern::LikePattern(std::string_view mask) {
   const std::string folded = FoldCase(mask);
-  const std::size_t firstOther = folded.find_first_not_of('*');
-  const std::size_t lastOther = folded.find_last_not_of('*');
-  if (firstOther == std::string::npos) {
-    m_shape = folded.empty() ? Shape::kEqual : Shape::kAll;
-    return;
-  }
-  const std::string_view middle = std::string_view(folded).substr(firstOther, lastOther + 1 - firstOther);
-  if (middle.find_first_of("*?#[") == std::string_view::npos) {
-    const bool before = firstOther > 0, behind = lastOther + 1 < folded.size();
-    m_shape = before ? (behind ? Shape::kInside : Shape::kSuffix) : behind ? Shape::kPrefix : Shape::kEqual;
-    m_literal = middle;
+  if (folded.find_first_of("?#[") == std::string::npos) {
+    m_simple = true;
+    for (std::size_t start = 0; start <= folded.size();) {
+      const std::size_t star = std::min(folded.find('*', start), folded.size());
+      m_pieces.push_back(folded.substr(start, star - start));
+      start = star + 1;
+    }
     return;
   }
   for (std::size_t position = 0; position < folded.size();) {
@@ -73,25 +69,25 @@ std::size_t LikePattern::ReadList(std::string_view folded, std::size_t position)
 }
 
 bool LikePattern::Matches(std::string_view text) const {
-  if (m_shape == Shape::kAll) return true;
   m_folded.clear();
   AppendFolded(m_folded, text);
-  const std::string_view folded = m_folded;
-  switch (m_shape) {
-    case Shape::kAll:
-      return true;
-    case Shape::kEqual:
-      return folded == m_literal;
-    case Shape::kPrefix:
-      return folded.starts_with(m_literal);
-    case Shape::kSuffix:
-      return folded.ends_with(m_literal);
-    case Shape::kInside:
-      return folded.find(m_literal) != std::string_view::npos;
-    case Shape::kGeneral:
-      break;
+  return m_simple ? MatchesPieces(m_folded) : MatchesGeneral(m_folded);
+}
+
+// The first piece stands at the start, the last at the end, the others anywhere between in their order.
+bool LikePattern::MatchesPieces(std::string_view folded) const {
+  if (m_pieces.size() == 1) return folded == m_pieces.front();
+  const std::string &first = m_pieces.front(), &last = m_pieces.back();
+  if (folded.size() < first.size() + last.size() || !folded.starts_with(first) || !folded.ends_with(last)) {
+    return false;
   }
-  return MatchesGeneral(folded);
+  folded = folded.substr(first.size(), folded.size() - first.size() - last.size());
+  for (std::size_t i = 1; i + 1 < m_pieces.size(); ++i) {
+    const std::size_t found = folded.find(m_pieces[i]);
+    if (found == std::string_view::npos) return false;
+    folded.remove_prefix(found + m_pieces[i].size());
+  }
+  return true;
 }
 
 bool LikePattern::MatchesOne(const Element& element, char32_t character) {

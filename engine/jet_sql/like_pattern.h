@@ -25,14 +25,14 @@ class LikePattern {
     bool negated = false;
     std::vector<Range> ranges;
   };
-  enum class Shape { kAll, kEqual, kPrefix, kSuffix, kInside, kGeneral };
 
   std::size_t ReadList(std::string_view folded, std::size_t position);
+  bool MatchesPieces(std::string_view folded) const;
   bool MatchesGeneral(std::string_view folded) const;
   static bool MatchesOne(const Element& element, char32_t character);
 
-  Shape m_shape = Shape::kGeneral;
-  std::string m_literal;  // folded, for every shape but kGeneral
+  bool m_simple = false;              // nothing but * and plain characters
+  std::vector<std::string> m_pieces;  // what stands between the *
   std::vector<Element> m_elements;
   mutable std::string m_folded;  // kept so that a scan of a million rows allocates once
 };
