@@ -1,6 +1,7 @@
 #include "bench/harness.h"
 
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -172,6 +173,8 @@ void PrintTable() {
 // Tells the console and remembers failures, which the library itself does not turn into an exit status.
 class Reporter : public benchmark::ConsoleReporter {
  public:
+  Reporter() : benchmark::ConsoleReporter(isatty(STDOUT_FILENO) != 0 ? OO_Color : OO_None) {}
+
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) m_failed = m_failed || run.error_occurred;
     ConsoleReporter::ReportRuns(runs);

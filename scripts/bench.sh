@@ -22,7 +22,7 @@ for program in "${programs[@]}"; do
   name=$(basename "$program")
   say "running $name"
   programStatus=0
-  (cd "$work" && "$program" --benchmark_color=false --report="$work/$name.lines.json" "$@") || programStatus=$?
+  (cd "$work" && "$program" --report="$work/$name.lines.json" "$@") || programStatus=$?
   [[ $programStatus -le 1 ]] || warn "$name ended with $programStatus"
   [[ $programStatus -le $status ]] || status=$programStatus
   [[ ! -f $work/$name.lines.json ]] || reports+=("$work/$name.lines.json")

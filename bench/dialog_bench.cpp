@@ -1,0 +1,261 @@
+// The dialog without windows against the database library itself, on one run of 100,000 and of 1,000,000
+// files:
+//   fill the detail tree   a run is chosen                         | its rows read
+//   tick everything        the top node of the full tree is ticked
+//   apply                  everything is ticked, Apply is pressed  | the files found and marked in one
+//   transaction list marked files      Refresh is pressed, all are marked      | the marked rows read search
+//   by mask         Find is pressed                         | the names compared
+// and how many bytes a node and how many disk syncs a file that takes.
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/error.h"
+#include "bench/bare_sqlite.h"
+#include "bench/counters.h"
+#include "bench/harness.h"
+#include "dialog/frm_restore.h"
+#include "engine/database.h"
+#include "platform/headless/headless_platform.h"
+
+namespace kxrestore::bench {
+namespace {
+
+constexpr double kMostFillRatio = 2.5;
+constexpr double kMostBytesANode = 200;
+constexpr double kMostTickSeconds = 0.1;
+constexpr double kMostApplyRatio = 3;
+constexpr double kMostSyncsAFile = 0.01;
+
+// A loaded dialog on a catalog, and the steps of its user.
+class Dialog {
+ public:
+  explicit Dialog(const std::string& catalog) {
+    m_form.DBName(catalog);
+    m_form.Load();
+  }
+  ~Dialog() { m_form.Controls().form.Unload(); }
+
+  dialog::FormControls& Ui() { return m_form.Controls(); }
+
+  void ChooseRun() {
+    const controls::Node set = Ui().tvwSets.FirstRoot().Child();
+    Ui().tvwSets.UserClickNode(set.Child());
+    Check();
+  }
+
+  void TickEverything() {
+    for (controls::Node root = Ui().tvwDetails.FirstRoot(); root; root = root.Next()) {
+      Ui().tvwDetails.UserCheck(root, true);
+    }
+  }
+
+  void Press(controls::CommandButton& button) {
+    button.UserClick();
+    Check();
+  }
+
+ private:
+  // What would have been shown to a user must not pass for a fast run.
+  void Check() {
+    if (!m_platform.desktop.messages.empty()) throw Error(1, m_platform.desktop.messages.front().text);
+  }
+
+  platform::HeadlessPlatform m_platform;
+  std::unique_ptr<engine::Workspace> m_workspace = engine::MakeDefaultWorkspace();
+  dialog::frmRestore m_form{m_platform.Get(), *m_workspace};
+};
+
+void Expect(bool holds, const std::string& what) {
+  if (!holds) throw Error(1, what);
+}
+
+// Reads the texts of a query's first columns and counts the rows.
+std::int64_t ReadAll(BareStatement& rows, int columns) {
+  std::uint64_t bytes = 0;
+  std::int64_t count = 0;
+  for (; rows.Step(); ++count) {
+    for (int column = 0; column < columns; ++column) bytes += rows.Text(column).size();
+  }
+  Use(bytes);
+  return count;
+}
+
+class Fill : public Comparison {
+ public:
+  explicit Fill(std::int64_t rows) : m_rows(rows), m_path(BenchCatalog(rows)) {}
+
+  void Prepare() override {
+    m_dialog.reset();
+    m_dialog = std::make_unique<Dialog>(m_path);
+  }
+
+  void Ours() override {
+    const std::int64_t before = LiveBytes();
+    m_dialog->ChooseRun();
+    controls::TreeView& tree = m_dialog->Ui().tvwDetails;
+    const auto nodes = static_cast<double>(tree.Count());
+    Figure("memory of the detail tree", m_rows, static_cast<double>(LiveBytes() - before) / nodes,
+           "bytes a node", kMostBytesANode);
+    Expect(m_dialog->Ui().lblTreeCount.Caption() == std::to_string(m_rows) + " file(s).",
+           "the tree is not full");
+  }
+
+  void Bare() override {
+    BareDatabase database(m_path);
+    BareStatement rows(
+        database.Get(),
+        "SELECT ifnull(LongPath, Filename), Plugin, File, Filename FROM Catalog LEFT JOIN LongPaths ON "
+        "PathID = LongPathID WHERE SetNameID = 1 AND Extension = '001' AND Status = 2");
+    Expect(ReadAll(rows, 4) == m_rows, "the scan is not whole");
+  }
+
+ private:
+  std::int64_t m_rows;
+  std::string m_path;
+  std::unique_ptr<Dialog> m_dialog;
+};
+
+class Tick : public Timed {
+ public:
+  explicit Tick(std::int64_t rows) : m_dialog(BenchCatalog(rows)) { m_dialog.ChooseRun(); }
+
+  void Prepare() override {
+    controls::TreeView& tree = m_dialog.Ui().tvwDetails;
+    for (controls::Node root = tree.FirstRoot(); root; root = root.Next()) tree.UserCheck(root, false);
+    Expect(!tree.Item(static_cast<int>(tree.Count())).Checked(), "a tick was left");
+  }
+
+  void Ours() override {
+    m_dialog.TickEverything();
+    controls::TreeView& tree = m_dialog.Ui().tvwDetails;
+    Expect(tree.Item(static_cast<int>(tree.Count())).Checked(), "the last file is not ticked");
+  }
+
+ private:
+  Dialog m_dialog;
+};
+
+class Apply : public Comparison {
+ public:
+  explicit Apply(std::int64_t rows) : m_rows(rows), m_path(BenchCatalog(rows)), m_dialog(m_path) {
+    m_dialog.ChooseRun();
+    m_dialog.TickEverything();
+    BareDatabase database(m_path);
+    BareStatement all(database.Get(), "SELECT Filename FROM Catalog ORDER BY ID");
+    while (all.Step()) m_names.emplace_back(all.Text(0));
+  }
+  ~Apply() override { ClearMarks(m_path); }
+
+  void Prepare() override { ClearMarks(m_path); }
+
+  void Ours() override {
+    const std::int64_t before = Syncs();
+    m_dialog.Press(m_dialog.Ui().cmdAction[0]);
+    Figure("disk syncs of apply", m_rows, static_cast<double>(Syncs() - before) / static_cast<double>(m_rows),
+           "syncs a file", kMostSyncsAFile);
+    Expect(m_dialog.Ui().asRestoreList.Count() == static_cast<std::size_t>(m_rows),
+           "not all files were marked");
+  }
+
+  void Bare() override {
+    BareDatabase database(m_path);
+    database.Execute("BEGIN");
+    BareStatement find(database.Get(),
+                       "SELECT ID FROM Catalog WHERE SetNameID = 1 AND Extension = '001' AND Filename = ?");
+    BareStatement mark(database.Get(), "UPDATE Catalog SET Restore = 1 WHERE ID = ?");
+    for (const std::string& name : m_names) {
+      find.Bind(1, name);
+      Expect(find.Step(), "no row for " + name);
+      mark.Bind(1, find.Integer(0));
+      find.Reset();
+      mark.Step();
+      mark.Reset();
+    }
+    database.Execute("COMMIT");
+  }
+
+ private:
+  std::int64_t m_rows;
+  std::string m_path;
+  Dialog m_dialog;
+  std::vector<std::string> m_names;
+};
+
+class ListMarked : public Comparison {
+ public:
+  explicit ListMarked(std::int64_t rows) : m_rows(rows), m_path(BenchCatalog(rows)), m_dialog(m_path) {
+    BareDatabase(m_path).Execute("UPDATE Catalog SET Restore = 1");
+  }
+  ~ListMarked() override { ClearMarks(m_path); }
+
+  void Ours() override {
+    m_dialog.Press(m_dialog.Ui().cmdRestore[2]);
+    Expect(m_dialog.Ui().asRestoreList.Count() == static_cast<std::size_t>(m_rows), "the list is not whole");
+  }
+
+  void Bare() override {
+    BareDatabase database(m_path);
+    BareStatement rows(
+        database.Get(),
+        "SELECT ifnull(LongPath, Filename), OrigSize, Extension, SetNameID, Name, DateStamp, Filename, "
+        "Plugin, File FROM Catalog LEFT JOIN LongPaths ON PathID = LongPathID LEFT JOIN SetNames ON "
+        "SetNames.ID = SetNameID WHERE Restore <> 0");
+    Expect(ReadAll(rows, 9) == m_rows, "the scan is not whole");
+  }
+
+ private:
+  std::int64_t m_rows;
+  std::string m_path;
+  Dialog m_dialog;
+};
+
+class Search : public Comparison {
+ public:
+  explicit Search(std::int64_t rows) : m_path(BenchCatalog(rows)), m_dialog(m_path) {
+    m_dialog.Ui().tbsOptions.UserSelect(2);
+    m_dialog.Ui().chk1.SetValue(false);
+    m_dialog.Ui().cboMask.UserType("*Invoice*.pdf");
+  }
+
+  void Ours() override {
+    m_dialog.Press(m_dialog.Ui().cmdSearch[2]);
+    Expect(m_dialog.Ui().asSearch.Count() > 100, "too few hits");
+    m_hits = static_cast<std::int64_t>(m_dialog.Ui().asSearch.Count());
+  }
+
+  void Bare() override {
+    BareDatabase database(m_path);
+    BareStatement rows(
+        database.Get(),
+        "SELECT OrigName, OrigSize, Extension, SetNameID, Name, DateStamp, Filename FROM Catalog LEFT "
+        "JOIN SetNames ON SetNames.ID = SetNameID WHERE OrigName LIKE '%Invoice%.pdf%' AND Status = 2");
+    const std::int64_t hits = ReadAll(rows, 7);
+    Expect(m_hits == 0 || hits == m_hits, "the two searches differ");
+  }
+
+ private:
+  std::string m_path;
+  Dialog m_dialog;
+  std::int64_t m_hits = 0;
+};
+
+}  // namespace
+}  // namespace kxrestore::bench
+
+int main(int count, char** words) {
+  using namespace kxrestore::bench;
+  const auto make = []<typename T>(std::type_identity<T>) {
+    return [](std::int64_t rows) { return std::make_unique<T>(rows); };
+  };
+  for (const std::int64_t rows : {100000, 1000000}) {
+    Compare({.name = "fill the detail tree", .rows = rows, .limit = kMostFillRatio},
+            make(std::type_identity<Fill>{}));
+    Time({.name = "tick everything", .rows = rows, .limit = kMostTickSeconds},
+         make(std::type_identity<Tick>{}));
+    Compare({.name = "list marked files", .rows = rows, .limit = {}}, make(std::type_identity<ListMarked>{}));
+    Compare({.name = "search by mask", .rows = rows, .limit = {}}, make(std::type_identity<Search>{}));
+  }
+  Compare({.name = "apply", .rows = 100000, .limit = kMostApplyRatio}, make(std::type_identity<Apply>{}));
+  return RunBenchmarks(count, words);
+}
