@@ -60,6 +60,10 @@ class CatalogFile {
   std::string Path() const { return m_path.string(); }
 
   void Execute(const std::string& sql) { Query(sql); }
+  // Without its table nothing of a catalog works. The saved queries stay as they are.
+  void HideTable() { Execute("PRAGMA legacy_alter_table=ON; ALTER TABLE Catalog RENAME TO Elsewhere"); }
+  void ShowTable() { Execute("PRAGMA legacy_alter_table=ON; ALTER TABLE Elsewhere RENAME TO Catalog"); }
+
   std::set<std::int64_t> Marked() { return Query("SELECT ID FROM Catalog WHERE Restore <> 0"); }
 
   // The integers of the first column, read beside the engine under test.

@@ -1,7 +1,7 @@
 // The auto-select tab, driven through its controls, and what its chooser lists.
 #include "dialog/file_types.h"
 #include "dialog/type_census.h"
-#include "tests/dialog/catalog_form.h"
+#include "tests/dialog/dialog_fixture.h"
 
 namespace kxrestore::dialog_test {
 namespace {
@@ -19,16 +19,16 @@ TEST(TypeCensus, ListsTypesByKindTheMostFrequentFirst) {
   }
   controls::AutoSelect list("asFiles", nullptr, controls::AutoSelect::Style::kTypes);
   census.List(list);
-  Texts rows;
+  Strings rows;
   for (std::size_t number = 1; number <= list.Count(); ++number) {
     const auto entry = list.At(number);
     rows.push_back((entry.isGroup ? "- " : "") + std::string(entry.name) + " " + std::to_string(entry.size));
   }
-  EXPECT_EQ(rows,
-            (Texts{"- Documents 6", ".doc 3", ".xls 2", ".pdf 1", "- Archives 1", ".gz 1", "- Other types 3",
-                   ".\xC3\xA4"
-                   "b 2",
-                   ".zzz 1"}));
+  EXPECT_EQ(rows, (Strings{"- Documents 6", ".doc 3", ".xls 2", ".pdf 1", "- Archives 1", ".gz 1",
+                           "- Other types 3",
+                           ".\xC3\xA4"
+                           "b 2",
+                           ".zzz 1"}));
   EXPECT_EQ(list.At(2).extension, "Text document");
   list.SetTicked(1, true);
   EXPECT_EQ(list.TickedTypes(), ".doc;.xls;.pdf;");
@@ -41,54 +41,56 @@ TEST(TypeCensus, ATypeStandsForItselfInAPattern) {
   EXPECT_EQ(dialog::TypePattern("a;b"), ".a?b");
 }
 
-class AutoSelectTab : public CatalogForm {
+class AutoSelectTab : public DialogTest {
  protected:
   enum Button { kApply, kSelectAll, kUnselectAll };
 
-  void LoadTypes(const std::vector<FileRow>& rows, const std::vector<sample::RunRow>& runs = {}) {
-    Load(rows, runs);
-    ShowTab(3);
+  void LoadTypes(const std::vector<sample::FileRow>& rows) {
+    MakeCatalog(rows);
+    ui().tbsOptions.UserSelect(3);
   }
   void Tick(std::string_view type, bool ticked = true) {
-    controls::AutoSelect& list = Ui().asFiles;
+    controls::AutoSelect& list = ui().asFiles;
     for (std::size_t number = 1; number <= list.Count(); ++number) {
       if (list.At(number).name == type) return list.UserTick(number, ticked);
     }
     FAIL() << "there is no type " << type;
   }
-  void Apply() { Ui().cmdAuto[kApply].UserClick(); }
+  void Apply() { ui().cmdAuto[kApply].UserClick(); }
 };
 
 TEST_F(AutoSelectTab, TheChooserIsFilledTheFirstTimeOnly) {
   auto dead = Live(2, "C:\\b.xls");
   dead.status = 5;
   LoadTypes({Live(1, "C:\\a.doc"), dead});
-  EXPECT_EQ(Names(Ui().asFiles), (Texts{"Documents", ".doc"}));
-  EXPECT_EQ(Ui().panel[2].Tag(), "ok");
-  file->Execute("UPDATE Catalog SET Status = 2");
-  ShowTab(1);
-  ShowTab(3);
-  EXPECT_EQ(Ui().asFiles.Count(), 2u);
+  ASSERT_EQ(ui().asFiles.Count(), 2u);
+  EXPECT_EQ(ui().asFiles.At(1).name, "Documents");
+  EXPECT_EQ(ui().asFiles.At(2).name, ".doc");
+  EXPECT_EQ(ui().panel[2].Tag(), "ok");
+  catalog->Execute("UPDATE Catalog SET Status = 2");
+  ui().tbsOptions.UserSelect(1);
+  ui().tbsOptions.UserSelect(3);
+  EXPECT_EQ(ui().asFiles.Count(), 2u);
 }
 
 TEST_F(AutoSelectTab, AStoppedOrFailedFillIsTriedAgain) {
-  Load({Live(1, "C:\\a.doc"), Live(2, "C:\\b.xls")});
-  platform.desktop.onDoEvents = [&] {
-    Ui().form.UserKey(controls::Key::kEscape);
-    platform.desktop.onDoEvents = nullptr;
+  MakeCatalog({Live(1, "C:\\a.doc"), Live(2, "C:\\b.xls")});
+  desktop.onDoEvents = [&] {
+    ui().form.UserKey(controls::Key::kEscape);
+    desktop.onDoEvents = nullptr;
   };
-  ShowTab(3);
-  EXPECT_EQ(Ui().asFiles.Count(), 0u);
-  file->Execute("ALTER TABLE Catalog RENAME TO Elsewhere");
-  ShowTab(1);
-  ShowTab(3);
-  const Texts messages = Messages();
+  ui().tbsOptions.UserSelect(3);
+  EXPECT_EQ(ui().asFiles.Count(), 0u);
+  catalog->HideTable();
+  ui().tbsOptions.UserSelect(1);
+  ui().tbsOptions.UserSelect(3);
+  const Strings messages = TakeMessages();
   ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0].substr(0, 18), "tbsOptions.Click|(");
-  file->Execute("ALTER TABLE Elsewhere RENAME TO Catalog");
-  ShowTab(1);
-  ShowTab(3);
-  EXPECT_EQ(Ui().asFiles.Count(), 3u);
+  EXPECT_EQ(messages[0].substr(0, 19), "tbsOptions.Click: (");
+  catalog->ShowTable();
+  ui().tbsOptions.UserSelect(1);
+  ui().tbsOptions.UserSelect(3);
+  EXPECT_EQ(ui().asFiles.Count(), 3u);
 }
 
 TEST_F(AutoSelectTab, ApplyMarksEveryVersionOrTheLatest) {
@@ -97,26 +99,26 @@ TEST_F(AutoSelectTab, ApplyMarksEveryVersionOrTheLatest) {
   auto marked = Live(6, "C:\\a.doc");
   marked.restore = true;
   LoadTypes(
-      {Live(1, "C:\\a.doc"), Live(2, "C:\\A.DOC"), Live(3, "C:\\b.xls"), Live(4, "C:\\doc"), dead, marked});
+      {Live(1, "C:\\a.doc"), Live(2, "C:\\a.doc"), Live(3, "C:\\b.xls"), Live(4, "C:\\doc"), dead, marked});
   Apply();
-  EXPECT_EQ(file->Marked(), Ids{6});
-  EXPECT_EQ(Ui().asRestoreList.Count(), 1u) << "the list is filled although nothing was ticked";
+  EXPECT_EQ(catalog->Marked(), Ids{6});
+  EXPECT_EQ(ui().asRestoreList.Count(), 1u) << "the list is filled although nothing was ticked";
 
   Tick(".doc");
-  Ui().chk2.UserClick();
+  ui().chk2.UserClick();
   Apply();
-  EXPECT_EQ(file->Marked(), Ids{6});
-  Ui().chk2.UserClick();
+  EXPECT_EQ(catalog->Marked(), Ids{6});
+  ui().chk2.UserClick();
   Apply();
-  EXPECT_EQ(file->Marked(), (Ids{1, 2, 6}));
-  Ui().cmdAuto[kSelectAll].UserClick();
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 6}));
+  ui().cmdAuto[kSelectAll].UserClick();
   Apply();
-  EXPECT_EQ(file->Marked(), (Ids{1, 2, 3, 6}));
-  EXPECT_EQ(Ui().asRestoreList.Count(), 4u);
-  EXPECT_EQ(Ui().lblCounts[0].Caption(), "4 file(s) selected");
-  Ui().cmdAuto[kUnselectAll].UserClick();
-  EXPECT_EQ(Ui().asFiles.TickedTypes(), "");
-  EXPECT_EQ(Messages(), Texts{});
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 3, 6}));
+  EXPECT_EQ(ui().asRestoreList.Count(), 4u);
+  EXPECT_EQ(ui().lblCounts[0].Caption(), "4 file(s) selected");
+  ui().cmdAuto[kUnselectAll].UserClick();
+  EXPECT_EQ(ui().asFiles.TickedTypes(), "");
+  EXPECT_EQ(TakeMessages(), Strings{});
 }
 
 TEST_F(AutoSelectTab, OddTypesMarkJustTheirFiles) {
@@ -127,63 +129,58 @@ TEST_F(AutoSelectTab, OddTypesMarkJustTheirFiles) {
   Tick(".b[1]");
   Tick(".o'n");
   Apply();
-  EXPECT_EQ(Messages(), Texts{});
-  EXPECT_EQ(file->Marked(), (Ids{1, 3, 4, 6}));
+  EXPECT_EQ(TakeMessages(), Strings{});
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 3, 4, 6}));
 }
 
 TEST_F(AutoSelectTab, ThisSetIsTheSetOrTheRunsUpToTheChosenOne) {
-  auto second = Live(2, "C:\\b.doc"), other = Live(3, "C:\\c.doc");
-  second.extension = "002";
-  other.setId = 2;
-  LoadTypes({Live(1, "C:\\a.doc"), second, other},
-            {CompletedRun(1, "001", 1), CompletedRun(1, "002", 2), CompletedRun(2, "001", 3)});
+  LoadTypes({Row(1, 1, "001", "C:\\a.doc"), Row(2, 1, "002", "C:\\b.doc"), Row(3, 2, "001", "C:\\c.doc")});
   Tick(".doc");
-  const controls::Node newest = Ui().tvwSets.Item("Sets\\Set 1").Child();
-  Ui().tvwSets.UserClickNode(newest.Next());
-  Ui().optLookIn[2].UserClick();
+  ChooseRun("1 001");
+  ui().optLookIn[2].UserClick();
   Apply();
-  EXPECT_EQ(file->Marked(), Ids{1});
-  Ui().tvwSets.UserClickNode(newest);
+  EXPECT_EQ(catalog->Marked(), Ids{1});
+  ChooseRun("1 002");
   Apply();
-  EXPECT_EQ(file->Marked(), (Ids{1, 2}));
-  Ui().optLookIn[3].UserClick();
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
+  ui().optLookIn[3].UserClick();
   Apply();
-  EXPECT_EQ(file->Marked(), (Ids{1, 2, 3}));
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 3}));
 }
 
 TEST_F(AutoSelectTab, StoppingKeepsTheMarksAndListsNothing) {
   LoadTypes({Live(1, "C:\\a.doc"), Live(2, "C:\\b.doc"), Live(3, "C:\\c.doc"), Live(4, "C:\\d.xls")});
   Tick("Documents");
   int left = 3;
-  platform.desktop.onDoEvents = [&] {
-    if (--left == 0) Ui().form.UserKey(controls::Key::kEscape);
+  desktop.onDoEvents = [&] {
+    if (--left == 0) ui().form.UserKey(controls::Key::kEscape);
   };
   Apply();
-  EXPECT_EQ(file->Marked().size(), 2u);
-  EXPECT_EQ(Ui().asRestoreList.Count(), 0u);
+  EXPECT_EQ(catalog->Marked().size(), 2u);
+  EXPECT_EQ(ui().asRestoreList.Count(), 0u);
   Apply();
-  EXPECT_EQ(file->Marked().size(), 4u);
-  EXPECT_EQ(Ui().asRestoreList.Count(), 4u);
+  EXPECT_EQ(catalog->Marked().size(), 4u);
+  EXPECT_EQ(ui().asRestoreList.Count(), 4u);
 }
 
 TEST_F(AutoSelectTab, AFailureEndsTheRunAndKeepsItsMarks) {
   LoadTypes({Live(1, "C:\\a.doc"), Live(2, "C:\\b.doc"), Live(3, "C:\\c.xls")});
   Tick(".doc");
-  file->Execute(
+  catalog->Execute(
       "CREATE TRIGGER Refuse BEFORE UPDATE ON Catalog WHEN old.ID = 2 BEGIN SELECT raise(ABORT, 'refused'); "
       "END");
   Apply();
-  const Texts messages = Messages();
+  const Strings messages = TakeMessages();
   ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0].substr(0, 15), "UpdateByID(2)|(");
-  EXPECT_EQ(file->Marked(), Ids{1});
-  EXPECT_EQ(Ui().asRestoreList.Count(), 1u);
+  EXPECT_EQ(messages[0].substr(0, 16), "UpdateByID(2): (");
+  EXPECT_EQ(catalog->Marked(), Ids{1});
+  EXPECT_EQ(ui().asRestoreList.Count(), 1u);
 
-  file->Execute("DROP VIEW FullCatalog");
+  catalog->Execute("DROP VIEW FullCatalog");
   Apply();
-  const Texts later = Messages();
+  const Strings later = TakeMessages();
   ASSERT_EQ(later.size(), 1u);
-  EXPECT_EQ(later[0].substr(0, 17), "ApplyAutoSelect|(");
+  EXPECT_EQ(later[0].substr(0, 18), "ApplyAutoSelect: (");
 }
 
 }  // namespace

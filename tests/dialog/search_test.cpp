@@ -3,65 +3,64 @@
 
 #include "controls/peer.h"
 #include "platform/headless/recording_peer.h"
-#include "tests/dialog/catalog_form.h"
+#include "tests/dialog/dialog_fixture.h"
 
 namespace kxrestore::dialog_test {
 namespace {
 
-FileRow In(FileRow row, int setId, const std::string& extension) {
-  row.setId = setId;
-  row.extension = extension;
-  return row;
+Strings SortedNames(const controls::AutoSelect& list) {
+  Strings names;
+  for (std::size_t number = 1; number <= list.Count(); ++number) names.emplace_back(list.At(number).name);
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
-class SearchTab : public CatalogForm {
+class SearchTab : public DialogTest {
  protected:
   enum Button { kApply, kClear, kFind, kSelectAll };
 
   void LoadSearch() {
-    Load({In(Live(1, "C:\\a.doc"), 1, "001"), In(Live(2, "C:\\a.doc"), 1, "002"),
-          In(Live(3, "C:\\b.doc"), 1, "003"), In(Live(4, "D:\\a.doc"), 2, "001"),
-          In(Live(5, "D:\\c.xls"), 2, "001")},
-         {CompletedRun(1, "001", 1), CompletedRun(1, "002", 2), CompletedRun(1, "003", 3),
-          CompletedRun(2, "001", 4)});
-    ShowTab(2);
+    MakeCatalog({Row(1, 1, "001", "C:\\a.doc"), Row(2, 1, "002", "C:\\a.doc"), Row(3, 1, "003", "C:\\b.doc"),
+                 Row(4, 2, "001", "D:\\a.doc"), Row(5, 2, "001", "D:\\c.xls")});
+    ui().tbsOptions.UserSelect(2);
   }
+  void ChooseSet(std::string_view name) { ui().tvwSets.UserClickNode(NodeOf(ui().tvwSets, name)); }
   void Find(const std::string& mask) {
-    Ui().cboMask.UserType(mask);
-    Ui().cmdSearch[kFind].UserClick();
+    ui().cboMask.UserType(mask);
+    ui().cmdSearch[kFind].UserClick();
   }
-  Texts Found(const std::string& mask) {
+  Strings Found(const std::string& mask) {
     Find(mask);
-    return Sorted(Names(Ui().asSearch));
+    return SortedNames(ui().asSearch);
   }
 };
 
 TEST_F(SearchTab, FindsByMaskAndRemembersIt) {
   LoadSearch();
-  EXPECT_EQ(Found("*.doc"), (Texts{"C:\\a.doc", "C:\\a.doc", "C:\\b.doc", "D:\\a.doc"}));
-  EXPECT_EQ(Ui().lblSearchCount.Caption(), "4 File(s)");
-  EXPECT_EQ(Found("c.x"), Texts{"D:\\c.xls"});
+  EXPECT_EQ(Found("*.doc"), (Strings{"C:\\a.doc", "C:\\a.doc", "C:\\b.doc", "D:\\a.doc"}));
+  EXPECT_EQ(ui().lblSearchCount.Caption(), "4 File(s)");
+  EXPECT_EQ(Found("c.x"), Strings{"D:\\c.xls"});
   EXPECT_EQ(Found("*.doc").size(), 4u);
   EXPECT_EQ(Found("*.DOC").size(), 4u);
-  EXPECT_EQ(Ui().cboMask.Items(), (Texts{"*.doc", "c.x", "*.DOC"}));
+  EXPECT_EQ(ui().cboMask.Items(), (Strings{"*.doc", "c.x", "*.DOC"}));
 
-  Ui().chk1.UserClick();
-  EXPECT_EQ(Found("*.doc"), (Texts{"C:\\a.doc", "C:\\b.doc", "D:\\a.doc"}));
-  EXPECT_EQ(Found("nothing like it"), Texts{});
-  EXPECT_EQ(Ui().lblSearchCount.Caption(), "0 File(s)");
-  EXPECT_EQ(Messages(), Texts{});
-  EXPECT_EQ(Ui().form.MousePointer(), controls::MousePointer::kDefault);
+  ui().chk1.UserClick();
+  EXPECT_EQ(Found("*.doc"), (Strings{"C:\\a.doc", "C:\\b.doc", "D:\\a.doc"}));
+  EXPECT_EQ(Found("nothing like it"), Strings{});
+  EXPECT_EQ(ui().lblSearchCount.Caption(), "0 File(s)");
+  EXPECT_EQ(TakeMessages(), Strings{});
+  EXPECT_EQ(ui().form.MousePointer(), controls::MousePointer::kDefault);
 }
 
 TEST_F(SearchTab, AnEntryCarriesItsRow) {
-  auto row = In(Live(7, "C:\\a.doc"), 2, "001");
+  auto row = Row(7, 2, "001", "C:\\a.doc");
   row.filename = "C:\\A~1.DOC";
   row.origSize.reset();
-  Load({row});
-  ShowTab(2);
+  MakeCatalog({row});
+  ui().tbsOptions.UserSelect(2);
   Find("a");
-  ASSERT_EQ(Ui().asSearch.Count(), 1u);
-  const auto entry = Ui().asSearch.At(1);
+  ASSERT_EQ(ui().asSearch.Count(), 1u);
+  const auto entry = ui().asSearch.At(1);
   EXPECT_EQ(entry.name, "C:\\a.doc");
   EXPECT_EQ(entry.storedName, "C:\\A~1.DOC");
   EXPECT_FALSE(entry.sizeKnown);
@@ -69,89 +68,88 @@ TEST_F(SearchTab, AnEntryCarriesItsRow) {
   EXPECT_EQ(entry.setId, 2);
   EXPECT_EQ(entry.setName, "Set 2");
   EXPECT_EQ(entry.date, "3/1/2026 10:00:00 AM");
-  EXPECT_FALSE(Ui().asSearch.TickedAt(1));
+  EXPECT_FALSE(ui().asSearch.TickedAt(1));
 }
 
 TEST_F(SearchTab, AnEmptyMaskIsAskedForAndChangesNothing) {
   LoadSearch();
   platform::PeerLog log;
-  platform::Record(Ui().cboMask, log);
+  platform::Record(ui().cboMask, log);
   Find("*.doc");
   Find("");
-  ASSERT_EQ(platform.desktop.messages.size(), 1u);
-  EXPECT_EQ(platform.desktop.messages[0].style, 0);
-  EXPECT_EQ(Messages(), Texts{"|No Search String Defined."});
+  ASSERT_EQ(desktop.messages.size(), 1u);
+  EXPECT_EQ(desktop.messages[0].style, 0);
+  EXPECT_EQ(TakeMessages(), Strings{": No Search String Defined."});
   EXPECT_EQ(log.focused, 1);
-  EXPECT_EQ(Ui().asSearch.Count(), 4u);
-  EXPECT_EQ(Ui().lblSearchCount.Caption(), "4 File(s)");
-  EXPECT_EQ(Ui().cboMask.Items(), Texts{"*.doc"});
+  EXPECT_EQ(ui().asSearch.Count(), 4u);
+  EXPECT_EQ(ui().lblSearchCount.Caption(), "4 File(s)");
+  EXPECT_EQ(ui().cboMask.Items(), Strings{"*.doc"});
 }
 
 TEST_F(SearchTab, ThisSetIsTheSetOrTheRunsUpToTheChosenOne) {
   LoadSearch();
-  ChooseNode("Sets\\Set 1");  // chooses "This Set" as well
-  ShowTab(2);
-  EXPECT_EQ(Found("a"), (Texts{"C:\\a.doc", "C:\\a.doc"}));
-  EXPECT_EQ(Found("doc"), (Texts{"C:\\a.doc", "C:\\a.doc", "C:\\b.doc"}));
+  ChooseSet("Set 1");  // chooses "This Set" as well
+  ui().tbsOptions.UserSelect(2);
+  EXPECT_EQ(Found("a"), (Strings{"C:\\a.doc", "C:\\a.doc"}));
+  EXPECT_EQ(Found("doc"), (Strings{"C:\\a.doc", "C:\\a.doc", "C:\\b.doc"}));
 
-  const controls::Node newest = Ui().tvwSets.Item("Sets\\Set 1").Child();
-  Ui().tvwSets.UserClickNode(newest.Next());  // the run 002, which covers 001 too
-  EXPECT_EQ(Found("doc"), (Texts{"C:\\a.doc", "C:\\a.doc"}));
-  Ui().optLookIn[1].UserClick();
+  ChooseRun("1 002");  // covers 001 too
+  EXPECT_EQ(Found("doc"), (Strings{"C:\\a.doc", "C:\\a.doc"}));
+  ui().optLookIn[1].UserClick();
   EXPECT_EQ(Found("doc").size(), 4u) << "all sets know no runs";
-  Ui().optLookIn[0].UserClick();
-  Ui().chk1.UserClick();
-  EXPECT_EQ(Found("doc"), Texts{}) << "the newest of the name in these runs belongs to the other set";
+  ui().optLookIn[0].UserClick();
+  ui().chk1.UserClick();
+  EXPECT_EQ(Found("doc"), Strings{"C:\\a.doc"});
 
-  ChooseNode("Sets");
+  ui().tvwSets.UserClickNode(ui().tvwSets.Item(1));
   EXPECT_EQ(Found("doc").size(), 3u);
-  EXPECT_EQ(Messages(), Texts{});
+  EXPECT_EQ(TakeMessages(), Strings{});
 }
 
 TEST_F(SearchTab, ApplyMarksTheTickedEntries) {
   LoadSearch();
-  ChooseNode("Sets\\Set 1");
-  Ui().optLookIn[1].UserClick();
+  ChooseSet("Set 1");
+  ui().optLookIn[1].UserClick();
   Find("a.doc");
-  for (std::size_t number = 1; number <= Ui().asSearch.Count(); ++number) {
-    const auto entry = Ui().asSearch.At(number);
-    if (entry.name == "D:\\a.doc" || entry.extension == "002") Ui().asSearch.UserTick(number, true);
+  for (std::size_t number = 1; number <= ui().asSearch.Count(); ++number) {
+    const auto entry = ui().asSearch.At(number);
+    if (entry.name == "D:\\a.doc" || entry.extension == "002") ui().asSearch.UserTick(number, true);
   }
-  Ui().cmdSearch[kApply].UserClick();
-  EXPECT_EQ(file->Marked(), (Ids{2, 4}));
-  EXPECT_EQ(Sorted(Names(Ui().asRestoreList)), (Texts{"C:\\a.doc", "D:\\a.doc"}));
-  EXPECT_EQ(Ui().lblCounts[0].Caption(), "2 file(s) selected");
-  EXPECT_EQ(Ui().lblSearchCount.Caption(), "3 File(s)");
+  ui().cmdSearch[kApply].UserClick();
+  EXPECT_EQ(catalog->Marked(), (Ids{2, 4}));
+  EXPECT_EQ(SortedNames(ui().asRestoreList), (Strings{"C:\\a.doc", "D:\\a.doc"}));
+  EXPECT_EQ(ui().lblCounts[0].Caption(), "2 file(s) selected");
+  EXPECT_EQ(ui().lblSearchCount.Caption(), "3 File(s)");
 
-  Ui().optLookIn[0].UserClick();
+  ui().optLookIn[0].UserClick();
   EXPECT_EQ(Found("doc").size(), 3u) << "this set is still the set chosen in the tree";
 
-  Ui().cmdSearch[kSelectAll].UserClick();
-  EXPECT_FALSE(Ui().asSearch.TickedAt(1));
-  Ui().cmdSearch[kClear].UserClick();
-  EXPECT_EQ(Ui().asSearch.Count(), 0u);
-  EXPECT_EQ(Ui().lblSearchCount.Caption(), "0 File(s)");
-  EXPECT_EQ(Messages(), Texts{});
+  ui().cmdSearch[kSelectAll].UserClick();
+  EXPECT_FALSE(ui().asSearch.TickedAt(1));
+  ui().cmdSearch[kClear].UserClick();
+  EXPECT_EQ(ui().asSearch.Count(), 0u);
+  EXPECT_EQ(ui().lblSearchCount.Caption(), "0 File(s)");
+  EXPECT_EQ(TakeMessages(), Strings{});
 }
 
 TEST_F(SearchTab, ApplyWithoutATickMarksNothingAndCountsToTheEnd) {
   auto marked = Live(9, "X:\\marked.txt");
   marked.restore = true;
-  Load({Live(1, "C:\\a.doc"), Live(2, "C:\\b.doc"), marked});
-  ShowTab(2);
+  MakeCatalog({Live(1, "C:\\a.doc"), Live(2, "C:\\b.doc"), marked});
+  ui().tbsOptions.UserSelect(2);
   Find(".doc");
-  Texts captions;
-  platform.desktop.onDoEvents = [&] { captions.push_back(Ui().lblSearchCount.Caption()); };
-  file->Execute("UPDATE Catalog SET Restore = 1 WHERE ID = 1");
-  Ui().cmdSearch[kApply].UserClick();
-  EXPECT_EQ(captions, (Texts{"2 File(s)", "Scanning 1", "Scanning 2", "Scanning 2"}))
+  Strings captions;
+  desktop.onDoEvents = [&] { captions.push_back(ui().lblSearchCount.Caption()); };
+  catalog->Execute("UPDATE Catalog SET Restore = 1 WHERE ID = 1");
+  ui().cmdSearch[kApply].UserClick();
+  EXPECT_EQ(captions, (Strings{"2 File(s)", "Scanning 1", "Scanning 2", "Scanning 2"}))
       << "once before each entry and before each row of the restore list";
-  EXPECT_EQ(file->Marked(), (Ids{1, 9}));
-  EXPECT_EQ(Ui().asRestoreList.Count(), 2u);
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 9}));
+  EXPECT_EQ(ui().asRestoreList.Count(), 2u);
 }
 
 TEST_F(SearchTab, AggregatesAreMarkedInAllTheirVersions) {
-  std::vector<FileRow> rows;
+  std::vector<sample::FileRow> rows;
   for (const std::int64_t id : {1, 2, 3}) {
     rows.push_back(Live(id, "Store " + std::to_string(id)));
     rows.back().plugin = "Exchange Server";
@@ -162,84 +160,84 @@ TEST_F(SearchTab, AggregatesAreMarkedInAllTheirVersions) {
   rows[3].file = "Public";
   rows.push_back(Live(5, "Store 5"));
   rows[4].plugin = "Exchange";
-  Load(rows);
-  ShowTab(2);
-  EXPECT_EQ(Found("Store"), (Texts{"Exchange Server - Public Folders.kxexag", "Mailbox.kxexag",
-                                   "Mailbox.kxexag", "Mailbox.kxexag", "Store 5"}));
+  MakeCatalog(rows);
+  ui().tbsOptions.UserSelect(2);
+  EXPECT_EQ(Found("Store"), (Strings{"Exchange Server - Public Folders.kxexag", "Mailbox.kxexag",
+                                     "Mailbox.kxexag", "Mailbox.kxexag", "Store 5"}));
   Find("Store 2");
-  Ui().asSearch.UserTick(1, true);
-  Ui().cmdSearch[kApply].UserClick();
-  EXPECT_EQ(file->Marked(), (Ids{1, 2, 3}));
+  ui().asSearch.UserTick(1, true);
+  ui().cmdSearch[kApply].UserClick();
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 3}));
   Find("Store 4");
-  Ui().asSearch.UserTick(1, true);
-  Ui().cmdSearch[kApply].UserClick();
-  EXPECT_EQ(file->Marked(), (Ids{1, 2, 3, 4}));
+  ui().asSearch.UserTick(1, true);
+  ui().cmdSearch[kApply].UserClick();
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 3, 4}));
 }
 
 TEST_F(SearchTab, StoppingKeepsWhatWasFoundAndMarked) {
   LoadSearch();
   int left = 3;
-  platform.desktop.onDoEvents = [&] {
-    if (left > 0 && --left == 0) Ui().form.UserKey(controls::Key::kEscape);
+  desktop.onDoEvents = [&] {
+    if (left > 0 && --left == 0) ui().form.UserKey(controls::Key::kEscape);
   };
   Find("*.doc");
-  EXPECT_EQ(Ui().asSearch.Count(), 2u);
-  EXPECT_EQ(Ui().lblSearchCount.Caption(), "2 File(s)");
-  EXPECT_TRUE(Ui().form.IsOpen());
+  EXPECT_EQ(ui().asSearch.Count(), 2u);
+  EXPECT_EQ(ui().lblSearchCount.Caption(), "2 File(s)");
+  EXPECT_TRUE(ui().form.IsOpen());
 
   Find("*.doc");
-  EXPECT_EQ(Ui().asSearch.Count(), 4u) << "a stop is used up by the walk it ended";
-  Ui().asSearch.TickAll(true);
+  EXPECT_EQ(ui().asSearch.Count(), 4u) << "a stop is used up by the walk it ended";
+  ui().asSearch.TickAll(true);
   left = 3;
-  Ui().cmdSearch[kApply].UserClick();
-  EXPECT_EQ(file->Marked().size(), 2u);
-  EXPECT_EQ(Ui().asRestoreList.Count(), 0u) << "nothing is listed after a stop";
-  Ui().cmdSearch[kApply].UserClick();
-  EXPECT_EQ(file->Marked().size(), 4u);
+  ui().cmdSearch[kApply].UserClick();
+  EXPECT_EQ(catalog->Marked().size(), 2u);
+  EXPECT_EQ(ui().asRestoreList.Count(), 0u) << "nothing is listed after a stop";
+  ui().cmdSearch[kApply].UserClick();
+  EXPECT_EQ(catalog->Marked().size(), 4u);
 }
 
 TEST_F(SearchTab, AWalkIsNotEnteredTwice) {
   LoadSearch();
   bool pressed = false;
-  platform.desktop.onDoEvents = [&] {
-    if (pressed || Ui().asSearch.Count() != 1) return;
+  desktop.onDoEvents = [&] {
+    if (pressed || ui().asSearch.Count() != 1) return;
     pressed = true;
-    Ui().cmdSearch[kClear].UserClick();
-    Ui().cmdSearch[kFind].UserClick();
+    ui().cmdSearch[kClear].UserClick();
+    ui().cmdSearch[kFind].UserClick();
   };
   Find("*.doc");
   EXPECT_TRUE(pressed);
-  EXPECT_EQ(Ui().asSearch.Count(), 4u);
+  EXPECT_EQ(ui().asSearch.Count(), 4u);
 }
 
 TEST_F(SearchTab, ErrorsAreReportedOnceAndEndTheOperation) {
   LoadSearch();
   Find("*.doc");
-  Ui().asSearch.TickAll(true);
-  file->Execute("ALTER TABLE Catalog RENAME TO Elsewhere");
-  Ui().cmdSearch[kApply].UserClick();
-  Texts messages = Messages();
+  ui().asSearch.TickAll(true);
+  catalog->HideTable();
+  ui().cmdSearch[kApply].UserClick();
+  Strings messages = TakeMessages();
   ASSERT_EQ(messages.size(), 2u) << "the first mark that fails, and the list";
-  EXPECT_EQ(messages[0].substr(0, 17), "UpdateSelection|(");
-  EXPECT_EQ(messages[1].substr(0, 23), "ListCurrentSelections|(");
+  EXPECT_EQ(messages[0].substr(0, 18), "UpdateSelection: (");
+  EXPECT_EQ(messages[1].substr(0, 24), "ListCurrentSelections: (");
 
   Find("*.xls");
-  messages = Messages();
+  messages = TakeMessages();
   ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0].substr(0, 16), "AdvancedSearch|(");
-  EXPECT_EQ(Ui().asSearch.Count(), 4u);
-  EXPECT_EQ(Ui().form.MousePointer(), controls::MousePointer::kDefault);
+  EXPECT_EQ(messages[0].substr(0, 17), "AdvancedSearch: (");
+  EXPECT_EQ(ui().asSearch.Count(), 4u);
+  EXPECT_EQ(ui().form.MousePointer(), controls::MousePointer::kDefault);
 }
 
 TEST_F(SearchTab, SetNumbersBeyondSixteenBitCannotBeMarked) {
-  Load({In(Live(1, "C:\\a.doc"), 40000, "001")});
-  ShowTab(2);
+  MakeCatalog({Row(1, 40000, "001", "C:\\a.doc")});
+  ui().tbsOptions.UserSelect(2);
   Find("a");
-  ASSERT_EQ(Ui().asSearch.Count(), 1u);
-  Ui().asSearch.UserTick(1, true);
-  Ui().cmdSearch[kApply].UserClick();
-  EXPECT_EQ(Messages(), Texts{"AddToSearchSelections|(6) Overflow"});
-  EXPECT_EQ(file->Marked(), Ids{});
+  ASSERT_EQ(ui().asSearch.Count(), 1u);
+  ui().asSearch.UserTick(1, true);
+  ui().cmdSearch[kApply].UserClick();
+  EXPECT_EQ(TakeMessages(), Strings{"AddToSearchSelections: (6) Overflow"});
+  EXPECT_EQ(catalog->Marked(), Ids{});
 }
 
 }  // namespace
