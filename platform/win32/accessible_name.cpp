@@ -1,6 +1,5 @@
 #include "platform/win32/accessible_name.h"
 
-#include <initguid.h>
 #include <oleacc.h>
 
 namespace kxrestore::win32 {

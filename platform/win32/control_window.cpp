@@ -9,6 +9,7 @@ namespace kxrestore::win32 {
 namespace {
 
 constexpr wchar_t kNameProperty[] = L"KXRestore.Control";
+constexpr wchar_t kWindowProperty[] = L"KXRestore.Window";  // the ControlWindow of a handle
 constexpr UINT_PTR kSubclass = 1;
 constexpr UINT kMoveFlags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOOWNERZORDER;
 
@@ -37,8 +38,7 @@ void ControlWindow::Destroy() {
   m_handle = nullptr;
   if (!m_control.ToolTipText().empty()) m_context.SetToolTip(handle, {});
   RemoveWindowSubclass(handle, Procedure, kSubclass);
-  RemovePropW(handle, kNameProperty);
-  UnnameWindow();
+  UnnameWindow(handle);
   DestroyWindow(handle);
 }
 
@@ -47,9 +47,7 @@ ControlWindow* ControlWindow::Of(controls::Control& control) {
 }
 
 ControlWindow* ControlWindow::FromHandle(HWND handle) {
-  DWORD_PTR self = 0;
-  if (handle == nullptr || !GetWindowSubclass(handle, Procedure, kSubclass, &self)) return nullptr;
-  return reinterpret_cast<ControlWindow*>(self);
+  return handle == nullptr ? nullptr : static_cast<ControlWindow*>(GetPropW(handle, kWindowProperty));
 }
 
 ControlWindow* ControlWindow::Enclosing(HWND handle) {
@@ -79,6 +77,7 @@ void ControlWindow::Create(HWND parent, const wchar_t* windowClass, const std::w
 
 void ControlWindow::Attach(HWND handle) {
   m_handle = handle;
+  SetPropW(handle, kWindowProperty, this);
   SetWindowSubclass(handle, Procedure, kSubclass, reinterpret_cast<DWORD_PTR>(this));
   NameWindow();
   SendMessageW(handle, WM_SETFONT, reinterpret_cast<WPARAM>(OwnFont()), FALSE);
@@ -94,7 +93,9 @@ void ControlWindow::NameWindow() {
   }
 }
 
-void ControlWindow::UnnameWindow() {
+void ControlWindow::UnnameWindow(HWND handle) {
+  RemovePropW(handle, kWindowProperty);
+  RemovePropW(handle, kNameProperty);
   if (m_name != 0) GlobalDeleteAtom(m_name);
   m_name = 0;
 }
@@ -289,8 +290,7 @@ std::optional<LRESULT> ControlWindow::Dispatch(UINT message, WPARAM wide, LPARAM
       break;
     case WM_NCDESTROY: {  // somebody else destroyed it
       const HWND handle = std::exchange(m_handle, nullptr);
-      RemovePropW(handle, kNameProperty);
-      UnnameWindow();
+      UnnameWindow(handle);
       RemoveWindowSubclass(handle, Procedure, kSubclass);
       return std::nullopt;
     }

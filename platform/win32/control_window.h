@@ -116,7 +116,7 @@ class ControlWindow {
                                     DWORD_PTR self);
   std::optional<LRESULT> Dispatch(UINT message, WPARAM wide, LPARAM extra);
   void NameWindow();
-  void UnnameWindow();
+  void UnnameWindow(HWND handle);
   void SetAccessibleName();
   void ApplyVisibility();
 

@@ -26,7 +26,10 @@ class OtherWindows {
   OtherWindows(const OtherWindows&) = delete;
   OtherWindows& operator=(const OtherWindows&) = delete;
 
-  HWND Active() const { return m_active != nullptr && IsWindowVisible(m_active) ? m_active : nullptr; }
+  // The one that was active before, when it can be again.
+  HWND Active() const {
+    return m_active != nullptr && IsWindowVisible(m_active) && IsWindowEnabled(m_active) ? m_active : nullptr;
+  }
 
   void Disable(HWND except) {
     m_except = except;

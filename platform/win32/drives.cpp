@@ -2,9 +2,10 @@
 
 #include <array>
 
-#include <mmsystem.h>
 #include "platform/win32/wide_text.h"
 #include "platform/win32/win32.h"
+
+#include <mmsystem.h>
 
 namespace kxrestore::win32 {
 

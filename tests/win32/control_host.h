@@ -1,0 +1,112 @@
+// A top-level window that stands in for the form: it passes notifications on to the control's window, runs
+// messages, and keeps the longest time that none could run.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+
+#include "controls/form.h"
+#include "platform/win32/control_window.h"
+
+namespace kxrestore::win32 {
+
+class ControlHost : public testing::Test {
+ protected:
+  using Clock = std::chrono::steady_clock;
+
+  ControlHost() {
+    WNDCLASSW description{};
+    description.lpfnWndProc = Procedure;
+    description.hInstance = GetModuleHandleW(nullptr);
+    description.lpszClassName = L"KXRestore.Test.Host";
+    description.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<LONG_PTR>(COLOR_3DFACE + 1));
+    RegisterClassW(&description);
+    m_host = CreateWindowExW(0, description.lpszClassName, L"Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0,
+                             760, 600, nullptr, nullptr, description.hInstance, nullptr);
+    context.SetFormHandle(m_host);
+  }
+  ~ControlHost() override { DestroyWindow(m_host); }
+
+  HWND Host() const { return m_host; }
+
+  static void Place(controls::Control& control) { control.Move(0, 0, 10'000, 7'500); }
+
+  static HWND HandleOf(controls::Control& control) { return ControlWindow::Of(control)->Handle(); }
+
+  // One message, or nothing when there is none. What it took counts for `Longest`.
+  bool Step() {
+    const auto start = Clock::now();
+    MSG message;
+    const bool any = PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0;
+    if (any) {
+      TranslateMessage(&message);
+      DispatchMessageW(&message);
+    }
+    context.FlushAll();
+    m_longest = std::max(m_longest, Since(start));
+    return any;
+  }
+
+  void Pump() {
+    while (Step()) {
+    }
+    if (const std::exception_ptr error = context.TakeError()) std::rethrow_exception(error);
+  }
+
+  // Runs messages until the condition holds, or 30 seconds have passed.
+  template <class Condition>
+  bool PumpUntil(Condition&& condition) {
+    const auto start = Clock::now();
+    for (;;) {
+      Pump();
+      if (condition()) return true;
+      if (Since(start) > 30'000) return false;
+      MsgWaitForMultipleObjects(0, nullptr, FALSE, 5, QS_ALLINPUT);
+    }
+  }
+
+  void PumpFor(int milliseconds) {
+    const auto start = Clock::now();
+    PumpUntil([&] { return Since(start) >= milliseconds; });
+  }
+
+  static double Since(Clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+  }
+  double TakeLongest() { return std::exchange(m_longest, 0.0); }
+
+  void Press(HWND window, POINT point, UINT message = WM_LBUTTONDOWN) {
+    const LPARAM place = MAKELPARAM(point.x, point.y);
+    PostMessageW(window, message, MK_LBUTTON, place);
+    PostMessageW(window, WM_LBUTTONUP, 0, place);
+    Pump();
+  }
+  void Key(HWND window, WPARAM key) {
+    PostMessageW(window, WM_KEYDOWN, key, 1);
+    PostMessageW(window, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
+    Pump();
+  }
+
+  WindowContext context{GetModuleHandleW(nullptr)};
+  controls::Form form{"frmRestore"};
+
+ private:
+  static LRESULT CALLBACK Procedure(HWND handle, UINT message, WPARAM wide, LPARAM extra) {
+    if (message == WM_NOTIFY) {
+      auto& header = *reinterpret_cast<NMHDR*>(extra);
+      if (ControlWindow* const control = ControlWindow::FromHandle(header.hwndFrom)) {
+        LRESULT result = 0;
+        control->Context().Guarded([&] { result = control->OnNotify(header).value_or(0); });
+        return result;
+      }
+    }
+    return DefWindowProcW(handle, message, wide, extra);
+  }
+
+  HWND m_host = nullptr;
+  double m_longest = 0;
+};
+
+}  // namespace kxrestore::win32

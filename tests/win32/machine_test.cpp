@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "platform/win32/wide_text.h"
+#include "platform/win32/win32_platform.h"
+
+namespace kxrestore::win32::test {
+
+namespace {
+
+constexpr char kPath[] = "Software\\KXRestore Test";
+
+class MachineTest : public testing::Test {
+ protected:
+  MachineTest() : m_platform(GetModuleHandleW(nullptr)) {}
+  ~MachineTest() override { RegDeleteKeyA(HKEY_CURRENT_USER, kPath); }
+
+  platform::Platform& Machine() { return m_platform.Get(); }
+
+  Win32Platform m_platform;
+};
+
+std::vector<std::uint8_t> Bytes(const std::string& text) {
+  return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+TEST_F(MachineTest, RegistryKeepsTextAndNumbers) {
+  platform::Registry& registry = Machine().registry;
+  platform::Registry::Key key = 0;
+  EXPECT_NE(registry.OpenKey(platform::kHkeyCurrentUser, kPath, platform::kKeyAllAccess, key), 0);
+  ASSERT_EQ(registry.CreateKey(platform::kHkeyCurrentUser, kPath, platform::kKeyAllAccess, key), 0);
+  // \xC3\xBC has one byte in the ANSI code page of western Europe, and comes back as it went in.
+  const std::string text("C:\\Gr\xC3\xBCn\0", 8 + 1);
+  EXPECT_EQ(registry.SetValue(key, "ClientDB", platform::kRegSz, Bytes(text)), 0);
+  // Without its NUL; the system would add one that follows the data.
+  RegSetValueExA(reinterpret_cast<HKEY>(key), "Bare", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcX"), 3);
+  EXPECT_EQ(registry.SetValue(key, "Number", platform::kRegDword, {1, 2, 0xFF, 0}), 0);
+  std::uint32_t type = 0;
+  std::uint32_t size = 0;
+  EXPECT_EQ(registry.QueryValue(key, "ClientDB", type, size), 0);
+  EXPECT_EQ(type, platform::kRegSz);
+  EXPECT_EQ(size, ToAnsi(text).size());
+  std::vector<std::uint8_t> data;
+  EXPECT_EQ(registry.ReadValue(key, "ClientDB", data), 0);
+  EXPECT_EQ(data, Bytes(FromAnsi(ToAnsi(text))));
+  EXPECT_EQ(registry.ReadValue(key, "Bare", data), 0);
+  EXPECT_EQ(data, Bytes("abc"));
+  EXPECT_EQ(registry.ReadValue(key, "Number", data), 0);
+  EXPECT_EQ(data, (std::vector<std::uint8_t>{1, 2, 0xFF, 0}));
+  EXPECT_NE(registry.ReadValue(key, "Missing", data), 0);
+  registry.CloseKey(key);
+}
+
+TEST_F(MachineTest, DatesTimesAndNumbersFollowTheUser) {
+  const platform::Regional& regional = Machine().regional;
+  // Wine's settings under LANG=C or en_US.
+  EXPECT_EQ(regional.ShortDate({2026, 11, 16}), "11/16/2026");
+  EXPECT_EQ(regional.LongTime({2026, 11, 16, 2, 25, 30}), "2:25:30 AM");
+  EXPECT_EQ(regional.LongTime({0, 0, 0, 14, 5, 0}), "2:05:00 PM");
+  EXPECT_EQ(regional.ShortDate({2026, 13, 40}), platform::FixedRegional().ShortDate({2026, 13, 40}));
+  EXPECT_EQ(regional.Grouped(0), "0");
+  EXPECT_EQ(regional.Grouped(1234567), "1,234,567");
+  EXPECT_EQ(regional.Grouped(-9007199254740993), "-9,007,199,254,740,993");
+  EXPECT_GE(regional.Now().year, 2024);
+}
+
+TEST_F(MachineTest, DrivesAndFilesAreFound) {
+  platform::Drives& drives = Machine().drives;
+  const std::string roots = drives.LogicalDriveStrings(64);
+  EXPECT_NE(roots.find(std::string("C:\\\0", 4)), std::string::npos);
+  EXPECT_EQ(drives.LogicalDriveStrings(3), "");
+  EXPECT_EQ(drives.DriveType("C:\\"), static_cast<unsigned>(DRIVE_FIXED));
+  EXPECT_FALSE(drives.VolumeLabel("Q:\\", 14).has_value());
+  drives.MciCommand("Set CDAudio Door Close Wait");  // no such device: no error either
+
+  wchar_t folder[MAX_PATH];
+  GetTempPathW(MAX_PATH, folder);
+  const std::string base = Narrow(folder) + "kxrestore-";
+  const std::wstring file = Wide(base + "archive \xC3\xBC.mdb");
+  const std::wstring onlyFolder = Wide(base + "folder.dir");
+  std::ofstream(base + "x.tmp").put('x');
+  MoveFileExW(Wide(base + "x.tmp").c_str(), file.c_str(), MOVEFILE_REPLACE_EXISTING);
+  CreateDirectoryW(onlyFolder.c_str(), nullptr);
+  EXPECT_TRUE(drives.FileMatches(base + "arch*.mdb"));
+  EXPECT_TRUE(drives.FileMatches(base + "archive \xC3\xBC.mdb"));
+  EXPECT_FALSE(drives.FileMatches(base + "none*.mdb"));
+  EXPECT_FALSE(drives.FileMatches(base + "*.dir"));
+  EXPECT_FALSE(drives.FileMatches("Q:\\*.mdb"));
+  DeleteFileW(file.c_str());
+  RemoveDirectoryW(onlyFolder.c_str());
+}
+
+}  // namespace kxrestore::win32::test
