@@ -19,6 +19,7 @@ namespace kxrestore::dialog_test {
 
 using catalog_test::CatalogFile;
 using catalog_test::Live;
+using dialog::FormControls;
 using Strings = std::vector<std::string>;
 using Ids = std::set<std::int64_t>;
 
@@ -45,6 +46,8 @@ inline std::vector<sample::RunRow> Runs() {
 
 class DialogTest : public testing::Test {
  protected:
+  DialogTest() { platform.regional.now = {2026, 11, 16, 2, 25, 30}; }
+
   // Makes the catalog and points the form at it.
   void MakeCatalog(const std::vector<sample::FileRow>& rows, const std::vector<sample::RunRow>& runs = Runs(),
                    const std::vector<sample::LongPathRow>& longPaths = {}) {
@@ -107,8 +110,6 @@ class DialogTest : public testing::Test {
   std::unique_ptr<engine::Workspace> workspace = engine::MakeDefaultWorkspace();
   std::unique_ptr<CatalogFile> catalog;
   dialog::frmRestore form{platform.Get(), *workspace};
-
-  using FormControls = dialog::FormControls;
 };
 
 }  // namespace kxrestore::dialog_test

@@ -215,9 +215,12 @@ TEST_F(RestoreListTest, CancelAndCloseDuringAWalkTakeTheirStepsOnceItHasEnded) {
   EXPECT_TRUE(Open());
   EXPECT_FALSE(form.StopRequested);
 
-  DuringWalk(3, [this] { ui().form.UserClose(); });
+  desktop.answers = {platform::kAnswerNo};
+  DuringWalk(3, [this] { controls->form.UserClose(); });
   ChooseRun();
-  EXPECT_EQ(ui().tvwDetails.Count(), 4u) << "C:, Data and two files";
+  EXPECT_EQ(controls->tvwDetails.Count(), 4u) << "C:, Data and two files";
+  EXPECT_FALSE(Open());
+  EXPECT_EQ(TakeMessages(), Strings{kCancelQuestion});
 }
 
 TEST_F(RestoreListTest, FailedListingIsReportedAndKeepsTheList) {
