@@ -195,8 +195,7 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
 
   // Type-ahead: the next row whose name begins with what was typed.
   LRESULT Find(const NMLVFINDITEMW& wanted) const {
-    if ((wanted.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL | LVFI_SUBSTRING)) == 0 ||
-        wanted.lvfi.psz == nullptr) {
+    if ((wanted.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) == 0 || wanted.lvfi.psz == nullptr) {
       return -1;
     }
     const std::string typed = FoldCase(Narrow(wanted.lvfi.psz));
