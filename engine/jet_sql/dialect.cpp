@@ -15,6 +15,10 @@ std::string Dialect::Date(const DateTime& date) const {
   return "'" + ToText(date) + "'";
 }
 
+std::string Dialect::EmptyIfNull(const std::string& operand) const {
+  return operand.front() == '\'' ? operand : "coalesce(" + operand + ", '')";
+}
+
 std::string Dialect::BooleanTest(const std::string& operand, bool expected) const {
   return operand + (expected ? " <> 0" : " = 0");
 }

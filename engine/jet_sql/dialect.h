@@ -28,7 +28,8 @@ class Dialect {
                            bool negated) const = 0;
 
   // left & right: Null counts as an empty text.
-  virtual std::string Concatenate(const std::string& left, const std::string& right) const = 0;
+  virtual std::string_view ConcatenationSign() const { return "||"; }
+  virtual std::string EmptyIfNull(const std::string& operand) const;
   virtual std::string Divide(const std::string& left, const std::string& right, bool whole) const = 0;
 
   // First(x) of a group whose rows agree, or of which any row may answer.
@@ -59,7 +60,6 @@ class SqliteDialect : public Dialect {
   std::string Parameter(std::int64_t number) const override { return "?" + std::to_string(number); }
   std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
                    bool negated) const override;
-  std::string Concatenate(const std::string& left, const std::string& right) const override;
   std::string Divide(const std::string& left, const std::string& right, bool whole) const override;
   std::string First(const std::string& operand) const override { return operand; }
   bool FirstIsAggregate() const override { return false; }

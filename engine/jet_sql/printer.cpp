@@ -256,9 +256,12 @@ class Printer {
       const std::string& name = node.operators[i];
       const std::string right = Operand(*node.args[i + 1], level);
       if (name == "&") {
-        text = m_dialect.Concatenate(i == 0 ? text : "(" + text + ")", right);
+        if (i == 0) text = m_dialect.EmptyIfNull(text);
+        text += " " + std::string(m_dialect.ConcatenationSign()) + " " + m_dialect.EmptyIfNull(right);
       } else if (name == "/" || name == "\\") {
         text = m_dialect.Divide(i == 0 ? text : "(" + text + ")", right, name == "\\");
+      } else if (name == "||") {
+        text += " " + std::string(m_dialect.ConcatenationSign()) + " " + right;
       } else {
         text += " " + name + " " + right;
       }

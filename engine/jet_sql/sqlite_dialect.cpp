@@ -218,13 +218,6 @@ std::string SqliteDialect::Like(const std::string& operand, const Expression& pa
   return std::string(negated ? "NOT " : "") + kLikeFunction + "(" + operand + ", " + printed + ")";
 }
 
-std::string SqliteDialect::Concatenate(const std::string& left, const std::string& right) const {
-  const auto part = [](const std::string& operand) {
-    return operand.front() == '\'' ? operand : "coalesce(" + operand + ", '')";
-  };
-  return part(left) + " || " + part(right);
-}
-
 std::string SqliteDialect::Divide(const std::string& left, const std::string& right, bool whole) const {
   if (whole) return "CAST(" + left + " AS INTEGER) / CAST(" + right + " AS INTEGER)";
   return "CAST(" + left + " AS REAL) / " + right;

@@ -15,15 +15,15 @@ constexpr std::size_t kMaxUpdatesOfPlan = 16;
 
 }  // namespace
 
-Session::Session(std::string file, bool exclusive, bool grouping)
-    : m_file(std::move(file)), m_grouping(grouping) {
+Session::Session(std::string file, bool exclusive, bool grouping, std::chrono::milliseconds patience)
+    : m_file(std::move(file)), m_grouping(grouping), m_patience(patience) {
   sqlite3* connection = nullptr;
   const int code =
       sqlite3_open_v2(m_file.c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
   m_connection.reset(connection);
   if (code != SQLITE_OK) Raise(code, Doing::kOpening);
   sqlite3_extended_result_codes(connection, 1);
-  sqlite3_busy_timeout(connection, kPatience);
+  sqlite3_busy_timeout(connection, static_cast<int>(m_patience.count()));
   if (const int registered = RegisterFunctions(connection); registered != SQLITE_OK) {
     Raise(registered, Doing::kOpening);
   }
@@ -42,7 +42,7 @@ Session::Session(std::string file, bool exclusive, bool grouping)
 }
 
 Session::~Session() {
-  if (InTransaction()) TryCommit(kPatience);
+  if (InTransaction()) TryCommit(true);
 }
 
 void Session::Raise(int code, Doing doing, std::string_view piece) const {
@@ -158,17 +158,17 @@ int Session::Begin() {
   sqlite3_reset(m_begin.get());
   if (code != SQLITE_DONE) return code;
   m_due = m_nextTry = Clock::now() + kGroupTime;
-  m_deadline = m_due + std::chrono::milliseconds(kPatience);
+  m_deadline = m_due + m_patience;
   return SQLITE_OK;
 }
 
-int Session::TryCommit(int patience) {
+int Session::TryCommit(bool waiting) {
   if (!InTransaction()) return SQLITE_OK;
   if (!m_commit) m_commit = Prepare("COMMIT", Doing::kWriting);
-  if (patience != kPatience) sqlite3_busy_timeout(m_connection.get(), patience);
+  if (!waiting) sqlite3_busy_timeout(m_connection.get(), 0);
   const int code = sqlite3_step(m_commit.get());
   sqlite3_reset(m_commit.get());
-  if (patience != kPatience) sqlite3_busy_timeout(m_connection.get(), kPatience);
+  if (!waiting) sqlite3_busy_timeout(m_connection.get(), static_cast<int>(m_patience.count()));
   return code == SQLITE_DONE ? SQLITE_OK : code;
 }
 
@@ -181,7 +181,7 @@ void Session::RollBack() {
 void Session::CommitIfDue() {
   const auto now = Clock::now();
   if (now < m_nextTry || !InTransaction()) return;
-  const int code = TryCommit(0);
+  const int code = TryCommit(false);
   if (code == SQLITE_OK) return;
   if ((code & 0xFF) == SQLITE_BUSY && now < m_deadline) {
     m_nextTry = now + kRetryTime;
@@ -189,7 +189,7 @@ void Session::CommitIfDue() {
   }
   if ((code & 0xFF) == SQLITE_BUSY) {
     m_nextTry = now + kGroupTime;
-    m_deadline = now + std::chrono::milliseconds(kPatience);
+    m_deadline = now + m_patience;
   } else {
     RollBack();
   }
@@ -197,7 +197,7 @@ void Session::CommitIfDue() {
 }
 
 void Session::Commit() {
-  const int code = TryCommit(kPatience);
+  const int code = TryCommit(true);
   if (code == SQLITE_OK) return;
   if ((code & 0xFF) != SQLITE_BUSY) RollBack();
   Raise(code, Doing::kWriting);
@@ -213,7 +213,7 @@ void Session::Flush() {
 
 void Session::EndGroups() {
   m_grouping = false;
-  const int code = TryCommit(kPatience);
+  const int code = TryCommit(true);
   if (code == SQLITE_OK) return;
   RollBack();
   Raise(code, Doing::kWriting);

@@ -27,10 +27,9 @@ class StreamingRows {
 
 class Session {
  public:
-  static constexpr int kPatience = 3000;  // milliseconds to wait for another process
-
-  // `grouping`: updates may wait for a common commit. `exclusive`: nobody else may use the file.
-  Session(std::string file, bool exclusive, bool grouping);
+  // `grouping`: updates may wait for a common commit. `exclusive`: nobody else may use the file. `patience`:
+  // how long to wait for another process before that is an error.
+  Session(std::string file, bool exclusive, bool grouping, std::chrono::milliseconds patience);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -72,13 +71,14 @@ class Session {
   void DetachStreaming(bool dynasetsToo);
   bool InTransaction() const { return sqlite3_get_autocommit(m_connection.get()) == 0; }
   int Begin();
-  int TryCommit(int patience);
+  int TryCommit(bool waiting);
   void CommitIfDue();
   void Commit();
   void RollBack();
 
   std::string m_file;
   bool m_grouping;
+  std::chrono::milliseconds m_patience;
   bool m_readOnly = false;
   std::unique_ptr<sqlite3, Closer> m_connection;
   Statement m_begin, m_commit;

@@ -12,15 +12,17 @@ namespace {
 
 class SqliteBackend final : public Backend {
  public:
+  explicit SqliteBackend(std::chrono::milliseconds patience) : m_patience(patience) {}
+
   std::unique_ptr<Database> Open(const OpenRequest& request) override {
     if (request.exclusive || !m_inAction) {
-      auto session = std::make_shared<Session>(request.name, request.exclusive, false);
+      auto session = std::make_shared<Session>(request.name, request.exclusive, false, m_patience);
       return std::make_unique<SqliteDatabase>(std::move(session), request.readOnly);
     }
     for (const auto& session : m_warm) {
       if (session->File() == request.name) return std::make_unique<SqliteDatabase>(session, request.readOnly);
     }
-    m_warm.push_back(std::make_shared<Session>(request.name, false, true));
+    m_warm.push_back(std::make_shared<Session>(request.name, false, true, m_patience));
     return std::make_unique<SqliteDatabase>(m_warm.back(), request.readOnly);
   }
 
@@ -58,12 +60,13 @@ class SqliteBackend final : public Backend {
 
   std::vector<std::shared_ptr<Session>> m_warm;
   bool m_inAction = false;
+  std::chrono::milliseconds m_patience;
 };
 
 }  // namespace
 
-std::unique_ptr<Backend> MakeSqliteBackend() {
-  return std::make_unique<SqliteBackend>();
+std::unique_ptr<Backend> MakeSqliteBackend(std::chrono::milliseconds patience) {
+  return std::make_unique<SqliteBackend>(patience);
 }
 
 }  // namespace kxrestore::engine::sqlite

@@ -1,12 +1,14 @@
 // The embedded back end for catalog files.
 #pragma once
 
+#include <chrono>
 #include <memory>
 
 #include "engine/database.h"
 
 namespace kxrestore::engine::sqlite {
 
-std::unique_ptr<Backend> MakeSqliteBackend();
+// `patience`: how long a locked file is waited for before that is an error.
+std::unique_ptr<Backend> MakeSqliteBackend(std::chrono::milliseconds patience = std::chrono::seconds(3));
 
 }  // namespace kxrestore::engine::sqlite

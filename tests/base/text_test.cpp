@@ -24,7 +24,8 @@ TEST(Text, DecodesAndCountsCharacters) {
 
 TEST(Text, EveryStrayByteIsOneCharacterAndSurvives) {
   // A lone continuation byte, a cut sequence, an overlong slash, a surrogate, a value beyond Unicode.
-  for (const char* text : {"\x80", "a\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xFF\xE2\x82", "\xE2\x82z"}) {
+  for (const char* text :
+       {"\x80", "a\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xFF\xE2\x82", "\xE2\x82z"}) {
     std::string again;
     for (const char32_t character : Characters(text)) AppendCharacter(again, character);
     EXPECT_EQ(again, text);
@@ -36,13 +37,13 @@ TEST(Text, EveryStrayByteIsOneCharacterAndSurvives) {
 
 TEST(Text, FoldsBeyondAscii) {
   EXPECT_EQ(FoldCase("ÄÖÜ ÇÉ ΣΩ ДЖ"), "äöü çé σω дж");
-  EXPECT_EQ(FoldCase(U'Ÿ'), U'ÿ');             // folds to a smaller code point
-  EXPECT_EQ(FoldCase(U'\u0100'), U'\u0101');   // alternating pairs
+  EXPECT_EQ(FoldCase(U'Ÿ'), U'ÿ');            // folds to a smaller code point
+  EXPECT_EQ(FoldCase(U'\u0100'), U'\u0101');  // alternating pairs
   EXPECT_EQ(FoldCase(U'\u0101'), U'\u0101');
-  EXPECT_EQ(FoldCase(U'\u212A'), U'k');        // Kelvin sign
+  EXPECT_EQ(FoldCase(U'\u212A'), U'k');  // Kelvin sign
   EXPECT_EQ(FoldCase(U'\U00010400'), U'\U00010428');
   EXPECT_EQ(FoldCase(U'\u1E9E'), U'ß');
-  EXPECT_EQ(FoldCase(U'×'), U'×');             // lies within a range of letters
+  EXPECT_EQ(FoldCase(U'×'), U'×');  // lies within a range of letters
   EXPECT_EQ(FoldCase(U'@'), U'@');
   EXPECT_EQ(FoldCase(U'['), U'[');
 }
@@ -58,7 +59,8 @@ TEST(Text, ComparesWithoutCase) {
 }
 
 TEST(Text, SortsAsPeopleRead) {
-  const std::vector<std::string> inOrder = {"", "Alpha", "alpha", "ALPHA 2", "beta", "Gamma", "Ärger", "ärger", "Ö"};
+  const std::vector<std::string> inOrder = {"",      "Alpha", "alpha", "ALPHA 2", "beta",
+                                            "Gamma", "Ärger", "ärger", "Ö"};
   for (std::size_t i = 0; i < inOrder.size(); ++i) {
     for (std::size_t j = 0; j < inOrder.size(); ++j) {
       const int order = CompareForSorting(inOrder[i], inOrder[j]);

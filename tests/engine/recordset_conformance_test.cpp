@@ -1,0 +1,252 @@
+// What every kind of database owes: walking, values, snapshots, dynasets, action statements and their errors.
+#include "tests/engine/test_databases.h"
+
+namespace kxrestore::engine {
+namespace {
+
+using testing::ExpectError;
+using testing::Rows;
+using RecordsetConformance = testing::ConformanceTest;
+
+TEST_P(RecordsetConformance, WalksRowsAndFields) {
+  const auto recordset = m_database->OpenRecordset("SELECT ID, Filename, OrigSize FROM Catalog ORDER BY ID",
+                                                   RecordsetType::kSnapshot);
+  EXPECT_EQ(recordset->FieldCount(), 3u);
+  EXPECT_EQ(recordset->FieldName(1), "Filename");
+  Field file = recordset->Fields("FILENAME");
+  std::vector<std::string> files;
+  std::int64_t sizes = 0;
+  for (; !recordset->Eof(); recordset->MoveNext()) {
+    files.push_back(file.Text());
+    sizes += recordset->Fields("OrigSize").Integer();
+  }
+  EXPECT_EQ(files, (std::vector<std::string>{"C:\\a.doc", "C:\\a.doc", "C:\\DOCUME~1\\L.DOC", "C:\\it's.txt",
+                                             "D:\\Ärger.txt", "D:\\gone.txt", "mail"}));
+  EXPECT_EQ(sizes, 10 + 11 + 12 + 13 + 15 + 16);
+  ExpectError(error_number::kNoCurrentRecord, "", [&] { recordset->MoveNext(); });
+  ExpectError(error_number::kNoCurrentRecord, "", [&] { file.Text(); });
+  ExpectError(error_number::kItemNotFound, "Nothing", [&] { recordset->Fields("Nothing"); });
+  recordset->Close();
+  ExpectError(error_number::kObjectInvalid, "", [&] { recordset->Eof(); });
+  ExpectError(error_number::kObjectInvalid, "", [&] { file.Value(); });
+}
+
+TEST_P(RecordsetConformance, ValuesHaveTheirTypes) {
+  const auto recordset = m_database->OpenRecordset(
+      "SELECT Restore, OrigSize, Plugin, Filename FROM Catalog WHERE ID >= 4 ORDER BY ID",
+      RecordsetType::kSnapshot);
+  EXPECT_EQ(recordset->FieldValue(0), ValueView(true));
+  EXPECT_EQ(recordset->FieldValue(1), ValueView(std::int64_t{13}));
+  EXPECT_TRUE(recordset->Fields("Plugin").IsNull());
+  EXPECT_EQ(recordset->Fields("Plugin").TextView(), "");
+  EXPECT_EQ(recordset->Fields("Filename").TextView(), "C:\\it's.txt");
+  recordset->MoveNext();
+  EXPECT_TRUE(recordset->Fields("Restore").Boolean()) << "any number other than 0 is true";
+  EXPECT_TRUE(recordset->Fields("OrigSize").IsNull());
+  recordset->MoveNext();
+  EXPECT_FALSE(recordset->Fields("Restore").Boolean());
+  recordset->MoveNext();
+  EXPECT_TRUE(recordset->Fields("Restore").IsNull());
+  EXPECT_FALSE(recordset->Fields("Restore").Boolean());
+}
+
+TEST_P(RecordsetConformance, TableNamesAreSources) {
+  EXPECT_EQ(Rows(*m_database, "SetNames").size(), 3u);
+  EXPECT_EQ(Rows(*m_database, "[SetNames]").size(), 3u);
+  EXPECT_EQ(Rows(*m_database, "FullCatalog").size(), 7u);
+  ExpectError(error_number::kTableNotFound, "Nothing", [&] { Rows(*m_database, "Nothing"); });
+}
+
+TEST_P(RecordsetConformance, TextsComeInTheOrderPeopleExpect) {
+  EXPECT_EQ(Rows(*m_database, "SELECT Name FROM SetNames ORDER BY Name"),
+            (std::vector<std::string>{"Archive", "büro", "Office"}));
+  EXPECT_EQ(Rows(*m_database, "SELECT Name FROM SetNames ORDER BY Name DESC").front(), "Office");
+  EXPECT_TRUE(Rows(*m_database, "SELECT Name FROM SetNames WHERE Name = 'office'").empty()) << "= is exact";
+}
+
+TEST_P(RecordsetConformance, StatementsThatAreRefused) {
+  const auto open = [&](std::string_view sql) {
+    return [this, sql] { m_database->OpenRecordset(sql, RecordsetType::kDynaset); };
+  };
+  const auto execute = [&](std::string_view sql) {
+    return [this, sql] { m_database->Execute(sql, kFailOnError); };
+  };
+  ExpectError(error_number::kSyntax, "(FullCatalog.Status = 2)",
+              open("SELECT FullCatalog.* from FullCatalog (FullCatalog.Status = 2) "));
+  ExpectError(error_number::kTextAfterEnd, "UPDATE",
+              open("SELECT ID FROM Catalog; UPDATE Catalog SET Restore = 1"));
+  ExpectError(error_number::kInvalidOperation, "DELETE", open("DELETE FROM Catalog"));
+  ExpectError(error_number::kInvalidOperation, "DROP", open("DROP TABLE Catalog"));
+  ExpectError(error_number::kParameterMissing, "Nothing", open("SELECT Nothing FROM Catalog"));
+  ExpectError(error_number::kParameterMissing, "Nothing",
+              open("SELECT ID FROM Catalog WHERE Catalog.Nothing = 5"));
+  ExpectError(error_number::kTableNotFound, "Missing", open("SELECT ID FROM Missing"));
+  ExpectError(error_number::kSelectNotExecutable, "SELECT", execute("SELECT ID FROM Catalog"));
+  ExpectError(error_number::kSyntax, "DROP", execute("DROP TABLE Catalog"));
+  ExpectError(error_number::kTableNotFound, "Missing", execute("UPDATE Missing SET a = 1"));
+  // A mask and an extension that try to break out of their quotes.
+  ExpectError(error_number::kTextAfterEnd, "UPDATE",
+              open("SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like \"*x\")); "
+                   "UPDATE Catalog SET Restore = 1; \"*\"));"));
+  ExpectError(error_number::kSyntax, "",
+              open("SELECT ID FROM Catalog WHERE (((Catalog.Extension)='00'1')); "));
+  EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Catalog WHERE Restore = 1"), "1");
+}
+
+TEST_P(RecordsetConformance, ExecuteTellsHowManyRows) {
+  EXPECT_EQ(m_database->Execute("UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=3));"),
+            1);
+  EXPECT_EQ(m_test->Ask("SELECT Restore FROM Catalog WHERE ID = 3"), "1");
+  EXPECT_EQ(m_database->Execute("UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=-3));"),
+            0);
+  // 1 and 7 both count as true, and the one that was just set.
+  EXPECT_EQ(
+      m_database->Execute("UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));"),
+      3);
+  EXPECT_EQ(
+      m_database->Execute("UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));"),
+      0);
+  EXPECT_EQ(m_database->Execute("INSERT INTO SetNames (ID, Name) VALUES (9, 'it''s \"new\"')"), 1);
+  EXPECT_EQ(m_test->Ask("SELECT Name FROM SetNames WHERE ID = 9"), "it's \"new\"");
+  EXPECT_EQ(m_database->Execute("DELETE FROM SetNames WHERE ID = 9"), 1);
+  ExpectError(error_number::kDuplicateKey, "", [&] {
+    m_database->Execute("INSERT INTO SetNames (ID, Name) VALUES (1, 'again')", kFailOnError);
+  });
+}
+
+// The statements that differ in their values only must not answer with each other's.
+TEST_P(RecordsetConformance, LiteralsAreNotMixedUp) {
+  const auto names = [&](const std::string& where) {
+    return Rows(*m_database, "SELECT ID FROM Catalog WHERE " + where + " ORDER BY ID");
+  };
+  EXPECT_EQ(names("Filename = 'C:\\a.doc' AND SetNameID = 1"), (std::vector<std::string>{"1", "2"}));
+  EXPECT_EQ(names("Filename = 'D:\\Ärger.txt' AND SetNameID = 2"), (std::vector<std::string>{"5"}));
+  EXPECT_EQ(names("Filename = 'C:\\it''s.txt' AND SetNameID = 1"), (std::vector<std::string>{"4"}));
+  EXPECT_EQ(names("Extension = 1 AND SetNameID = 1"), (std::vector<std::string>{})) << "'001' is no number";
+  EXPECT_EQ(names("Filename Like \"*ÄRGER*\""), (std::vector<std::string>{"5"}));
+  EXPECT_EQ(names("Filename Like \"[cd]:\\?.doc\""), (std::vector<std::string>{"1", "2"}));
+  EXPECT_EQ(names("DateStamp >= #3/1/2026#"), (std::vector<std::string>{"5", "6"}));
+  // Two open at once from one text.
+  const std::string text = "SELECT ID FROM Catalog WHERE SetNameID = ";
+  const auto first = m_database->OpenRecordset(text + "1 ORDER BY ID", RecordsetType::kSnapshot);
+  const auto second = m_database->OpenRecordset(text + "2 ORDER BY ID", RecordsetType::kSnapshot);
+  EXPECT_EQ(first->Fields("ID").Integer(), 1);
+  EXPECT_EQ(second->Fields("ID").Integer(), 5);
+  first->MoveNext();
+  EXPECT_EQ(first->Fields("ID").Integer(), 2);
+}
+
+TEST_P(RecordsetConformance, SnapshotStaysWhatItWas) {
+  const auto snapshot =
+      m_database->OpenRecordset("SELECT ID, Restore FROM Catalog ORDER BY ID", RecordsetType::kSnapshot);
+  std::vector<std::int64_t> visited;
+  for (; !snapshot->Eof(); snapshot->MoveNext()) {
+    visited.push_back(snapshot->Fields("ID").Integer());
+    if (visited.back() != 4 && visited.back() != 5) {
+      EXPECT_FALSE(snapshot->Fields("Restore").Boolean());
+    }
+    m_database->Execute("UPDATE Catalog SET Restore = True WHERE ID > " + std::to_string(visited.back()));
+    EXPECT_EQ(snapshot->Fields("ID").Integer(), visited.back());
+    m_database->Execute("INSERT INTO Catalog (ID, Filename) VALUES (" + std::to_string(100 + visited.size()) +
+                        ", 'n')");
+  }
+  EXPECT_EQ(visited, (std::vector<std::int64_t>{1, 2, 3, 4, 5, 6, 7}));
+}
+
+TEST_P(RecordsetConformance, DynasetWritesRows) {
+  const auto dynaset = m_database->OpenRecordset(
+      "SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, Catalog.Restore, LongPaths.LongPath "
+      "FROM LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID "
+      "WHERE (((Catalog.SetNameID)=1) AND ((Catalog.Extension)='002') AND "
+      "((Catalog.Filename)='C:\\it''s.txt')); ",
+      RecordsetType::kDynaset);
+  ASSERT_FALSE(dynaset->Eof());
+  ExpectError(error_number::kUpdateWithoutEdit, "", [&] { dynaset->Update(); });
+  ExpectError(error_number::kUpdateWithoutEdit, "", [&] { dynaset->Fields("Restore").Set(false); });
+  dynaset->Edit();
+  dynaset->Fields("Restore").Set(false);
+  dynaset->Fields("Filename").Set(std::string("C:\\new's.txt"));
+  dynaset->Update();
+  EXPECT_FALSE(dynaset->Fields("Restore").Boolean()) << "the row shows what was written";
+  EXPECT_EQ(m_test->Ask("SELECT Restore FROM Catalog WHERE ID = 4"), "0");
+  EXPECT_EQ(m_test->Ask("SELECT Filename FROM Catalog WHERE ID = 4"), "C:\\new's.txt");
+  dynaset->Edit();
+  ExpectError(error_number::kReadOnly, "", [&] {
+    dynaset->Fields("LongPath").Set(std::string("x"));
+    dynaset->Update();
+  });
+  dynaset->MoveNext();
+  EXPECT_TRUE(dynaset->Eof());
+  ExpectError(error_number::kNoCurrentRecord, "", [&] { dynaset->Edit(); });
+}
+
+// Moving every row forward in the order that the statement walks in must not meet one twice.
+TEST_P(RecordsetConformance, DynasetVisitsEachRowOnce) {
+  m_test->Run("CREATE INDEX CatalogBySize ON Catalog (OrigSize)");
+  int visits = 0;
+  const auto dynaset = m_database->OpenRecordset("SELECT ID, OrigSize FROM Catalog WHERE OrigSize > 0",
+                                                 RecordsetType::kDynaset);
+  for (; !dynaset->Eof() && visits < 50; dynaset->MoveNext(), ++visits) {
+    dynaset->Edit();
+    dynaset->Fields("OrigSize").Set(dynaset->Fields("OrigSize").Integer() + 100);
+    dynaset->Update();
+  }
+  EXPECT_EQ(visits, 6);
+  EXPECT_EQ(m_test->Ask("SELECT sum(OrigSize) FROM Catalog"), "677");
+}
+
+TEST_P(RecordsetConformance, RowsThatCannotBeChanged) {
+  for (const char* source :
+       {"SELECT Max(Restore) AS Restore FROM Catalog", "SELECT DISTINCT Restore FROM Catalog",
+        "SELECT Restore FROM Catalog UNION SELECT Restore FROM Catalog", "SELECT Restore FROM FullCatalog"}) {
+    const auto dynaset = m_database->OpenRecordset(source, RecordsetType::kDynaset);
+    ExpectError(error_number::kReadOnly, "", [&] {
+      dynaset->Edit();
+      dynaset->Fields("Restore").Set(true);
+    });
+  }
+  const auto expression =
+      m_database->OpenRecordset("SELECT ID, OrigSize + 1 AS Restore FROM Catalog", RecordsetType::kDynaset);
+  expression->Edit();
+  ExpectError(error_number::kReadOnly, "Restore", [&] { expression->Fields("Restore").Set(true); });
+  const auto mixed = m_database->OpenRecordset(
+      "SELECT FullCatalog.Restore AS A, Catalog.Restore AS B FROM Catalog INNER JOIN FullCatalog ON "
+      "FullCatalog.OrigName = Catalog.OrigName WHERE Catalog.ID = 1 AND FullCatalog.ID = 2",
+      RecordsetType::kDynaset);
+  mixed->Edit();
+  mixed->Fields("B").Set(true);
+  mixed->Update();
+  EXPECT_EQ(m_test->Ask("SELECT Restore FROM Catalog WHERE ID = 1"), "1");
+  EXPECT_EQ(m_test->Ask("SELECT Restore FROM Catalog WHERE ID = 2"), "0");
+  const auto snapshot = m_database->OpenRecordset("SELECT Restore FROM Catalog", RecordsetType::kSnapshot);
+  ExpectError(error_number::kReadOnly, "", [&] { snapshot->Edit(); });
+}
+
+TEST_P(RecordsetConformance, ClosingInAnyOrder) {
+  auto recordset = m_database->OpenRecordset("SELECT ID FROM Catalog ORDER BY ID", RecordsetType::kDynaset);
+  m_database->Close();
+  ExpectError(error_number::kObjectInvalid, "", [&] { m_database->Execute("DELETE FROM Catalog"); });
+  ExpectError(error_number::kObjectInvalid, "", [&] { m_database->QueryText("FullCatalog"); });
+  m_database.reset();
+  m_workspace.reset();
+  EXPECT_EQ(recordset->Fields("ID").Integer(), 1);
+  recordset->MoveNext();
+  EXPECT_EQ(recordset->Fields("ID").Integer(), 2);
+}
+
+TEST_P(RecordsetConformance, ReadOnlyDatabase) {
+  OpenRequest request = m_test->Request();
+  request.readOnly = true;
+  const auto database = m_workspace->OpenDatabase(request);
+  EXPECT_EQ(Rows(*database, "SetNames").size(), 3u);
+  ExpectError(error_number::kReadOnly, "", [&] { database->Execute("DELETE FROM SetNames"); });
+  ExpectError(error_number::kReadOnly, "",
+              [&] { database->CreateQueryDef("q", "SELECT ID FROM SetNames;"); });
+  const auto dynaset = database->OpenRecordset("SetNames", RecordsetType::kDynaset);
+  ExpectError(error_number::kReadOnly, "", [&] { dynaset->Edit(); });
+}
+
+KX_CONFORMANCE(RecordsetConformance);
+
+}  // namespace
+}  // namespace kxrestore::engine

@@ -1,0 +1,159 @@
+#include "tests/engine/test_databases.h"
+
+#include <sqlite3.h>
+
+#include <atomic>
+#include <chrono>
+#include <stdexcept>
+
+#include "engine/sqlite/sqlite_backend.h"
+
+namespace kxrestore::engine::testing {
+namespace {
+
+constexpr const char* kNoRow = "no row";
+
+class SqliteTestDatabase final : public TestDatabase {
+ public:
+  SqliteTestDatabase() {
+    const int code = sqlite3_open_v2(Request().name.c_str(), &m_connection,
+                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    if (code != SQLITE_OK) throw std::runtime_error("cannot make " + Request().name);
+    sqlite3_busy_timeout(m_connection, 300);
+  }
+  ~SqliteTestDatabase() override { sqlite3_close_v2(m_connection); }
+
+  OpenRequest Request() const override {
+    OpenRequest request;
+    request.name = m_folder.File("catälog.db");
+    return request;
+  }
+
+  void Run(std::string_view sql) override {
+    char* message = nullptr;
+    if (sqlite3_exec(m_connection, std::string(sql).c_str(), nullptr, nullptr, &message) != SQLITE_OK) {
+      const std::string text = message == nullptr ? "?" : message;
+      sqlite3_free(message);
+      throw std::runtime_error(text);
+    }
+  }
+
+  std::string Ask(std::string_view sql) override {
+    std::string answer = kNoRow;
+    const auto keep = [](void* kept, int, char** values, char**) {
+      std::string& first = *static_cast<std::string*>(kept);
+      if (first == kNoRow) first = values[0] == nullptr ? "NULL" : values[0];
+      return 0;
+    };
+    char* message = nullptr;
+    if (sqlite3_exec(m_connection, std::string(sql).c_str(), keep, &answer, &message) != SQLITE_OK) {
+      answer = message == nullptr ? "?" : message;
+      sqlite3_free(message);
+    }
+    return answer;
+  }
+
+ private:
+  TemporaryFolder m_folder;
+  sqlite3* m_connection = nullptr;
+};
+
+class SqliteTestKind final : public TestDatabaseKind {
+ public:
+  std::string Name() const override { return "Sqlite"; }
+  std::unique_ptr<TestDatabase> Make() const override { return std::make_unique<SqliteTestDatabase>(); }
+};
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder() {
+  static std::atomic<int> count{0};
+  const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
+  m_path = std::filesystem::temp_directory_path() /
+           ("kxrestore-test-" + std::to_string(stamp) + "-" + std::to_string(++count));
+  std::filesystem::create_directories(m_path);
+  std::filesystem::permissions(m_path,
+                               std::filesystem::perms::others_read | std::filesystem::perms::others_exec,
+                               std::filesystem::perm_options::add);
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(m_path, ignored);
+}
+
+std::string TemporaryFolder::File(std::string_view name) const {
+  const std::u8string path = (m_path / std::u8string(name.begin(), name.end())).u8string();
+  return {path.begin(), path.end()};
+}
+
+const TestDatabaseKind& SqliteKind() {
+  static const SqliteTestKind kind;
+  return kind;
+}
+
+std::unique_ptr<Workspace> MakeImpatientWorkspace() {
+  Workspace::Backends backends;
+  backends.sqlite = sqlite::MakeSqliteBackend(std::chrono::milliseconds(300));
+  return std::make_unique<Workspace>(std::move(backends));
+}
+
+const std::vector<const TestDatabaseKind*>& TestDatabaseKinds() {
+  static const std::vector<const TestDatabaseKind*> kinds = {&SqliteKind()};
+  return kinds;
+}
+
+std::string CatalogSchema() {
+  return R"(
+CREATE TABLE Catalog (ID INTEGER PRIMARY KEY, DateStamp VARCHAR(30), SetNameID INTEGER, Extension VARCHAR(20),
+  Filename VARCHAR(255), File VARCHAR(255), LongPathID INTEGER, StoreName VARCHAR(80), StoreMethod INTEGER,
+  Plugin VARCHAR(80), Restore BOOLEAN, OrigSize INTEGER, Status INTEGER, Attributes INTEGER,
+  SubFolder VARCHAR(80), EncryptMethod INTEGER, OrigName VARCHAR(255));
+CREATE TABLE LongPaths (PathID INTEGER PRIMARY KEY, LongPath VARCHAR(400));
+CREATE TABLE SetNames (ID INTEGER PRIMARY KEY, Name VARCHAR(80));
+CREATE TABLE BackupAudit (SetNameID INTEGER, DateStamp VARCHAR(30), Extension VARCHAR(20), Permanent BOOLEAN,
+  Status INTEGER);
+CREATE VIEW FullCatalog AS SELECT Catalog.OrigName AS OrigName, Catalog.DateStamp AS DateStamp, Catalog.ID AS ID,
+  Catalog.SetNameID AS SetNameID, Catalog.Extension AS Extension, Catalog.File AS File, Catalog.Restore AS Restore,
+  Catalog.OrigSize AS OrigSize, Catalog.Status AS Status, Catalog.Attributes AS Attributes,
+  Catalog.Filename AS Filename, Catalog.StoreMethod AS StoreMethod, Catalog.StoreName AS StoreName,
+  Catalog.LongPathID AS LongPathID, SetNames.Name AS SetName, Catalog.SubFolder AS SubFolder,
+  Catalog.Plugin AS Plugin, Catalog.EncryptMethod AS EncryptMethod
+  FROM Catalog LEFT JOIN SetNames ON Catalog.SetNameID = SetNames.ID;
+)";
+}
+
+std::string CatalogRows() {
+  return R"(
+INSERT INTO SetNames VALUES (1, 'Office'), (2, 'büro'), (3, 'Archive');
+INSERT INTO LongPaths VALUES (7, 'C:\Documents and Settings\user\long name.doc'), (8, 'unused');
+INSERT INTO BackupAudit VALUES (1, '2026-01-01 08:00:00', '001', 1, 6), (1, '2026-02-01 08:00:00', '002', 0, 6),
+  (2, '2026-03-01 00:00:00', '001', NULL, 6), (2, '2026-03-02 00:00:00', '002', 0, 3),
+  (3, '2026-03-05 00:00:00', 'x01', 0, 6);
+INSERT INTO Catalog (ID, DateStamp, SetNameID, Extension, Filename, File, LongPathID, StoreName, StoreMethod, Plugin,
+  Restore, OrigSize, Status, OrigName) VALUES
+  (1, '2026-01-01 08:00:00', 1, '001', 'C:\a.doc', 'a.doc', NULL, 's1', 1, '', 0, 10, 2, 'C:\a.doc'),
+  (2, '2026-02-01 08:00:00', 1, '002', 'C:\a.doc', 'a.doc', NULL, 's2', 1, '', 0, 11, 2, 'C:\a.doc'),
+  (3, '2026-02-01 08:00:00', 1, '002', 'C:\DOCUME~1\L.DOC', 'l.doc', 7, 's3', 1, '', 0, 12, 2, 'C:\long.doc'),
+  (4, '2026-02-01 08:00:00', 1, '002', 'C:\it''s.txt', 'it''s.txt', NULL, 's4', 1, NULL, 1, 13, 2, 'C:\it''s.txt'),
+  (5, '2026-03-01 00:00:00', 2, '001', 'D:\Ärger.txt', 'Ärger.txt', 99, 's5', 1, '', 7, NULL, 2, 'D:\Ärger.txt'),
+  (6, '2026-03-01 00:00:00', 2, '001', 'D:\gone.txt', 'gone.txt', NULL, 's6', 1, '', 0, 15, 1, 'D:\gone.txt'),
+  (7, '2026-02-01 08:00:00', 1, '002', 'mail', 'mail', NULL, 's7', 1, 'Exchange Server', NULL, 16, 2, 'mail');
+)";
+}
+
+std::vector<std::string> Rows(Database& database, std::string_view source, RecordsetType type) {
+  std::vector<std::string> rows;
+  const auto recordset = database.OpenRecordset(source, type);
+  for (; !recordset->Eof(); recordset->MoveNext()) {
+    std::string row;
+    for (std::size_t i = 0; i < recordset->FieldCount(); ++i) {
+      const ValueView value = recordset->FieldValue(i);
+      row += (i == 0 ? "" : "|") + (IsNull(value) ? "NULL" : ToText(value));
+    }
+    rows.push_back(std::move(row));
+  }
+  return rows;
+}
+
+}  // namespace kxrestore::engine::testing
