@@ -18,7 +18,7 @@ if [[ ! -w ${HOME:-/nonexistent} ]]; then
   mkdir -p "$HOME"
 fi
 
-kKxPrefixVersion=1
+kKxPrefixVersion=2
 kxXvfbPid=
 kxWineLock=
 
@@ -69,6 +69,8 @@ wine_make_prefix() {
   # A server that was started without a display cannot make windows.
   timeout 60 wineserver -w || true
   wine_stop_server
+  # Wine looks for its own fonts there: those of title bars and dialogs.
+  cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
   echo "$kKxPrefixVersion" >"$WINEPREFIX/kx-ready"
 }
 
