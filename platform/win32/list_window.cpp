@@ -27,7 +27,7 @@ struct Column {
 };
 constexpr Column kFileColumns[] = {{L"Name", ListColumn::kName, 0, false},
                                    {L"Size", ListColumn::kSize, 1150, true},
-                                   {L"Extension", ListColumn::kExtension, 900, false},
+                                   {L"Extension", ListColumn::kExtension, 1050, false},
                                    {L"Set", ListColumn::kSet, 1500, false},
                                    {L"Date", ListColumn::kDate, 2050, false}};
 constexpr Column kTypeColumns[] = {{L"Type", ListColumn::kName, 0, false},
