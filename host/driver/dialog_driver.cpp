@@ -80,12 +80,12 @@ int ButtonId(const std::string& button) {
 
 HWND DialogDriver::WaitForForm() const {
   HWND form = nullptr;
-  WaitFor(m_patience, "the dialog", [&] { return (form = VisibleWindow(kFormClass)) != nullptr; });
+  WaitFor(m_patience, "the dialog", [&] { return (form = VisibleWindow(kFormClass, m_process)) != nullptr; });
   return form;
 }
 
 void DialogDriver::WaitUntilClosed() const {
-  WaitFor(m_patience, "the dialog to close", [] { return VisibleWindow(kFormClass) == nullptr; });
+  WaitFor(m_patience, "the dialog to close", [&] { return VisibleWindow(kFormClass, m_process) == nullptr; });
 }
 
 HWND DialogDriver::Control(const std::string& name) const {
@@ -195,7 +195,8 @@ void DialogDriver::Close() const {
 
 HWND DialogDriver::Message() const {
   HWND box = nullptr;
-  WaitFor(m_patience, "a message box", [&] { return (box = VisibleWindow(kMessageClass)) != nullptr; });
+  WaitFor(m_patience, "a message box",
+          [&] { return (box = VisibleWindow(kMessageClass, m_process)) != nullptr; });
   return box;
 }
 

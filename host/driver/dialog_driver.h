@@ -1,4 +1,4 @@
-// Works the restore dialog as a user does, from another thread of the process that shows it. Controls go by
+// Works the restore dialog as a user does, from another thread than the one that shows it. Controls go by
 // their names
 // ("cmdAction(0)"). Every member waits, with a limit, until what it needs is there, showing and enabled, and
 // throws a DriverError when that does not come about.
@@ -16,7 +16,9 @@ namespace kxrestore::driver {
 
 class DialogDriver {
  public:
-  explicit DialogDriver(Patience patience = std::chrono::seconds(20)) : m_patience(patience) {}
+  // In another process the trees and lists are out of reach; everything else works.
+  explicit DialogDriver(Patience patience = std::chrono::seconds(20), DWORD process = GetCurrentProcessId())
+      : m_patience(patience), m_process(process) {}
 
   HWND WaitForForm() const;
   void WaitUntilClosed() const;
@@ -67,6 +69,7 @@ class DialogDriver {
   HWND Message() const;
 
   Patience m_patience;
+  DWORD m_process;
 };
 
 }  // namespace kxrestore::driver

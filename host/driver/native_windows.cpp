@@ -35,12 +35,12 @@ void PostClick(HWND window, POINT point) {
   PostMessageW(window, WM_LBUTTONUP, 0, place);
 }
 
-HWND VisibleWindow(const wchar_t* windowClass) {
+HWND VisibleWindow(const wchar_t* windowClass, DWORD process) {
   HWND window = nullptr;
   while ((window = FindWindowExW(nullptr, window, windowClass, nullptr)) != nullptr) {
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
-    if (process == GetCurrentProcessId() && IsWindowVisible(window)) break;
+    DWORD owner = 0;
+    GetWindowThreadProcessId(window, &owner);
+    if (owner == process && IsWindowVisible(window)) break;
   }
   return window;
 }

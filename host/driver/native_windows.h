@@ -33,8 +33,8 @@ LRESULT Ask(HWND window, UINT message, WPARAM wide, Structure* extra) {
 // A click of the left button, as the system would post it.
 void PostClick(HWND window, POINT point);
 
-// The visible top-level window of this process that has the class, or null.
-HWND VisibleWindow(const wchar_t* windowClass);
+// The visible top-level window of a process that has the class, or null.
+HWND VisibleWindow(const wchar_t* windowClass, DWORD process = GetCurrentProcessId());
 
 // The windows inside `parent`, at any depth, in z-order.
 std::vector<HWND> Inner(HWND parent);

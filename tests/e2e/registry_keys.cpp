@@ -1,20 +1,13 @@
 #include "tests/e2e/registry_keys.h"
 
 #include <stdexcept>
-#include <thread>
-#include <vector>
+
+#include "tests/e2e/program.h"
 
 namespace kxrestore::e2e {
 namespace {
 
 const std::wstring kClasses = L"Software\\Classes\\";
-
-struct Handle {
-  ~Handle() {
-    if (value) CloseHandle(value);
-  }
-  HANDLE value = nullptr;
-};
 
 }  // namespace
 
@@ -56,47 +49,7 @@ HRESULT CallInstall(bool install, const wchar_t* commandLine) {
 }
 
 int Regsvr32(const std::wstring& arguments) {
-  return RunProgram(L"regsvr32 /s " + arguments + L" \"" + DllPath() + L"\"");
-}
-
-int RunProgram(const std::wstring& commandLine, std::string* output, DWORD limit) {
-  SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-  Handle readEnd;
-  Handle writeEnd;
-  if (!CreatePipe(&readEnd.value, &writeEnd.value, &inherited, 0)) return -1;
-  SetHandleInformation(readEnd.value, HANDLE_FLAG_INHERIT, 0);
-
-  STARTUPINFOW start{};
-  start.cb = sizeof start;
-  start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdOutput = start.hStdError = writeEnd.value;
-  PROCESS_INFORMATION process{};
-  std::vector<wchar_t> line(commandLine.begin(), commandLine.end());
-  line.push_back(L'\0');
-  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr,
-                      &start, &process)) {
-    return -1;
-  }
-  const Handle running{process.hProcess};
-  const Handle mainThread{process.hThread};
-  CloseHandle(writeEnd.value);
-  writeEnd.value = nullptr;
-
-  std::string text;
-  std::thread reader([&] {
-    char piece[4096];
-    DWORD size = 0;
-    while (ReadFile(readEnd.value, piece, sizeof piece, &size, nullptr) && size > 0) text.append(piece, size);
-  });
-  DWORD code = static_cast<DWORD>(-1);
-  if (WaitForSingleObject(process.hProcess, limit) == WAIT_OBJECT_0) {
-    GetExitCodeProcess(process.hProcess, &code);
-  } else {
-    TerminateProcess(process.hProcess, 1);
-  }
-  reader.join();
-  if (output) *output = text;
-  return static_cast<int>(code);
+  return Program(L"regsvr32 /s " + arguments + L" \"" + DllPath() + L"\"").Wait();
 }
 
 Registered::Registered() {

@@ -24,10 +24,6 @@ HRESULT CallInstall(bool install, const wchar_t* commandLine);
 // Runs `regsvr32 /s` with further arguments and the DLL under test; its exit code, -1 when it hangs.
 int Regsvr32(const std::wstring& arguments);
 
-// Runs a command line without a window, waits and returns the exit code, -1 when it takes too long. `output`
-// receives what it writes.
-int RunProgram(const std::wstring& commandLine, std::string* output = nullptr, DWORD limit = 60000);
-
 class Registered {
  public:
   Registered();

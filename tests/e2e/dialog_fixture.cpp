@@ -1,0 +1,54 @@
+#include "tests/e2e/dialog_fixture.h"
+
+#include <thread>
+
+namespace kxrestore::e2e {
+
+short RunDialog(_RestoreDlg* object, const Steps& steps) {
+  const DWORD dialogThread = GetCurrentThreadId();
+  std::string failure;
+  std::thread worker([&] {
+    const driver::DialogDriver driver(std::chrono::seconds(15));
+    try {
+      steps(driver);
+      driver.WaitUntilClosed();
+    } catch (const std::exception& error) {
+      failure = error.what();
+      // Ends the modal loops, message boxes included, wherever they stand.
+      PostThreadMessageW(dialogThread, WM_QUIT, 0, 0);
+    }
+  });
+  short result = -1;
+  EXPECT_EQ(S_OK, object->DefineRestoreSet(&result));
+  worker.join();
+  if (!failure.empty()) {
+    ADD_FAILURE() << failure;
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+    }
+  }
+  EXPECT_EQ(nullptr, driver::VisibleWindow(kFormClass));
+  return result;
+}
+
+std::string SelectedText(int files) {
+  return std::to_string(files) + " file(s) selected";
+}
+
+DialogTest::DialogTest() {
+  Advise(m_object.Get(), m_sink.Get());
+}
+
+ComPtr<_RestoreDlg> DialogTest::NewObject(const std::wstring& catalog, short type) {
+  ComPtr<_RestoreDlg> object = m_dll.NewObject();
+  Text path(catalog);
+  Text none(L"");
+  object->put_DBType(type);
+  object->put_DB(&path);
+  object->put_RestorePath(&none);
+  object->put_SessionLogName(none);
+  object->put_setAction(none);
+  return object;
+}
+
+}  // namespace kxrestore::e2e

@@ -1,0 +1,91 @@
+// The sample hosts, as programs of their own with the registered component.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "tests/e2e/dialog_fixture.h"
+#include "tests/e2e/program.h"
+#include "tests/e2e/registry_keys.h"
+
+namespace kxrestore::e2e {
+namespace {
+
+std::wstring HostFolder() {
+  const std::wstring dll = DllPath();
+  return dll.substr(0, dll.find_last_of(L'\\') + 1) + L"host\\";
+}
+
+class HostTest : public testing::Test {
+ protected:
+  std::wstring Script(const std::string& lines) {
+    const std::wstring path = m_catalog.Folder() + L"steps.txt";
+    std::ofstream(path.c_str()) << lines;
+    return path;
+  }
+  std::wstring CommandLine(const std::wstring& arguments) {
+    return L'"' + HostFolder() + L"restore_host.exe\" --catalog \"" + m_catalog.Path() + L"\" " + arguments;
+  }
+  int Run(const std::wstring& arguments) {
+    Program program(CommandLine(arguments));
+    const int code = program.Wait();
+    m_output = program.Output();
+    return code;
+  }
+
+  const Registered m_registered;
+  TestCatalog m_catalog;
+  std::string m_output;
+};
+
+TEST_F(HostTest, RestoresWhatWasTicked) {
+  const std::wstring script = Script(
+      "# the newest run\n"
+      "wait-form\n"
+      "select-run 1\n"
+      "tick C:\\Data\n"
+      "click cmdAction(0)\n"
+      "expect-caption lblCounts(0) \"3 file(s) selected\"\n"
+      "click cmdRestore(0)\n"
+      "wait-closed\n");
+  EXPECT_EQ(0, Run(L"--window --script \"" + script + L'"'));
+  EXPECT_EQ(
+      "CommenceRestore\n"
+      "restore: C:\\Data\\a.txt\n"
+      "restore: C:\\Data\\Reports\\b.doc\n"
+      "restore: C:\\Data\\Reports\\a very long name.xls\n"
+      "DefineRestoreSet = 1\n",
+      m_output);
+}
+
+TEST_F(HostTest, AScriptThatFailsSaysWhere) {
+  const std::wstring script = Script("wait-form\nexpect-enabled cmdRestore(0) MAYBE\n");
+  EXPECT_EQ(3, Run(L"--script \"" + script + L'"'));
+  EXPECT_NE(std::string::npos, m_output.find("script: line 2, expect-enabled cmdRestore(0) MAYBE: "))
+      << m_output;
+}
+
+TEST_F(HostTest, VBScriptRunsTheDialogToo) {
+  m_catalog.Mark(kBox);
+  Program host(L"cscript //nologo \"" + HostFolder() + L"restore_host.vbs\" --catalog \"" + m_catalog.Path() +
+               L"\" --restore-path D:\\out --caption Script --hide-label");
+  const driver::DialogDriver dialog(std::chrono::seconds(15), host.Id());
+  ASSERT_NO_THROW({
+    dialog.ExpectText("frmRestore", "Script");
+    dialog.ExpectText("lblRestorePath", "Restore To: D:\\out");
+    dialog.ExpectVisible("lblRestorePath", false);
+    dialog.Click("cmdRestore(2)");
+    dialog.ExpectText("lblCounts(0)", SelectedText(1));
+    dialog.Click("cmdRestore(0)");
+  });
+  EXPECT_EQ(0, host.Wait());
+  EXPECT_EQ("DefineRestoreSet = 1\n", host.Output());
+  EXPECT_EQ(Ids{kBox}, m_catalog.Marked());
+}
+
+TEST_F(HostTest, TheCommandLineIsChecked) {
+  EXPECT_EQ(1, Run(L"--nonsense"));
+  EXPECT_NE(std::string::npos, m_output.find("unknown argument --nonsense")) << m_output;
+}
+
+}  // namespace
+}  // namespace kxrestore::e2e

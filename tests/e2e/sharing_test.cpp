@@ -1,0 +1,160 @@
+// Several objects, several sinks, several apartments: one form.
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <thread>
+
+#include "tests/e2e/dialog_fixture.h"
+#include "tests/e2e/registry_keys.h"
+
+namespace kxrestore::e2e {
+namespace {
+
+using driver::DialogDriver;
+
+// Lists the marked rows and commits.
+void Commit(const DialogDriver& dialog) {
+  dialog.Click("cmdRestore(2)");
+  dialog.ExpectEnabled("cmdRestore(0)", true);
+  dialog.Click("cmdRestore(0)");
+}
+
+class SharingTest : public DialogTest {
+ protected:
+  SharingTest() { m_catalog.Mark(kBox); }
+};
+
+TEST_F(SharingTest, TwoObjectsSpeakToOneForm) {
+  const ComPtr<_RestoreDlg> other = m_dll.NewObject();
+  const ComPtr<CountingSink> otherSink = CountingSink::Make();
+  Advise(other.Get(), otherSink.Get());
+  Text path(L"D:\\shared");
+  m_object->put_RestorePath(&path);
+  m_object->put_frmCaption(Text(L"not shared"));
+  EXPECT_EQ(1, RunDialog(other.Get(), [](const DialogDriver& dialog) {
+              dialog.ExpectText("lblRestorePath", "Restore To: D:\\shared");
+              dialog.ExpectText("frmRestore", "Select Files to Restore");
+              Commit(dialog);
+            }));
+  EXPECT_EQ(1, otherSink->events);
+  EXPECT_EQ(0, m_sink->events);
+}
+
+TEST_F(SharingTest, ADialogInTheEventIsRefused) {
+  const ComPtr<_RestoreDlg> other = m_dll.NewObject();
+  short again = -1;
+  short another = -1;
+  const ComPtr<CountingSink> sink = CountingSink::Make([&] {
+    EXPECT_EQ(S_OK, m_object->DefineRestoreSet(&again));
+    EXPECT_EQ(S_OK, other->DefineRestoreSet(&another));
+  });
+  Advise(m_object.Get(), sink.Get());
+  EXPECT_EQ(1, RunDialog(m_object.Get(), Commit));
+  EXPECT_EQ(0, again);
+  EXPECT_EQ(0, another);
+  EXPECT_EQ(1, sink->events);
+}
+
+TEST_F(SharingTest, NoSinkDisturbsTheOthers) {
+  const ComPtr<IConnectionPoint> point = EventsOf(m_object.Get());
+  const ComPtr<CountingSink> failing = CountingSink::Make();
+  failing->answer = E_FAIL;
+  const ComPtr<CountingSink> throwing = CountingSink::Make([] { throw std::runtime_error("from the host"); });
+  DWORD ownCookie = 0;
+  DWORD laterCookie = 0;
+  const ComPtr<CountingSink> leaving = CountingSink::Make([&] {
+    EXPECT_EQ(S_OK, point->Unadvise(ownCookie));
+    EXPECT_EQ(S_OK, point->Unadvise(laterCookie));
+  });
+  const ComPtr<CountingSink> removed = CountingSink::Make();
+  const ComPtr<CountingSink> last = CountingSink::Make();
+  Advise(m_object.Get(), failing.Get());
+  Advise(m_object.Get(), throwing.Get());
+  ownCookie = Advise(m_object.Get(), leaving.Get());
+  laterCookie = Advise(m_object.Get(), removed.Get());
+  Advise(m_object.Get(), last.Get());
+
+  EXPECT_EQ(1, RunDialog(m_object.Get(), Commit));
+  for (const auto& sink : {m_sink, failing, throwing, leaving, last}) EXPECT_EQ(1, sink->events);
+  EXPECT_EQ(0, removed->events);
+}
+
+TEST_F(SharingTest, TheHostMayLetGoInTheEvent) {
+  _RestoreDlg* object = m_object.Detach();
+  bool unloadable = true;
+  const ComPtr<CountingSink> sink = CountingSink::Make([&] {
+    object->Release();
+    unloadable = m_dll.CanUnload();
+  });
+  Advise(object, sink.Get());
+  EXPECT_EQ(1, RunDialog(object, Commit));
+  EXPECT_FALSE(unloadable) << "the dialog is running";
+  EXPECT_TRUE(m_dll.CanUnload());
+}
+
+TEST_F(SharingTest, SettingsInTheEventApplyAtOnce) {
+  const ComPtr<CountingSink> sink = CountingSink::Make([&] {
+    Text path(L"E:\\next");
+    EXPECT_EQ(S_OK, m_object->put_RestorePath(&path));
+  });
+  Advise(m_object.Get(), sink.Get());
+  EXPECT_EQ(1, RunDialog(m_object.Get(), Commit));
+  RunDialog(m_object.Get(), [](const DialogDriver& dialog) {
+    dialog.ExpectText("lblRestorePath", "Restore To: E:\\next");
+    dialog.Close();
+  });
+}
+
+TEST_F(SharingTest, AnotherApartmentNeitherWaitsNorDisturbs) {
+  short refused = -1;
+  RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
+    dialog.WaitForForm();
+    {
+      const Apartment apartment;
+      const ComPtr<_RestoreDlg> other = m_dll.NewObject();
+      Text path(L"F:\\later");
+      EXPECT_EQ(S_OK, other->put_RestorePath(&path));
+      EXPECT_EQ(S_OK, other->DefineRestoreSet(&refused));
+    }
+    EXPECT_EQ("Restore To: (Original Path)", dialog.Text("lblRestorePath"));
+    dialog.Close();
+  });
+  EXPECT_EQ(0, refused);
+
+  // What it set holds for the next dialog, and that may run in yet another apartment.
+  std::thread([&] {
+    const Apartment apartment;
+    const ComPtr<_RestoreDlg> other = m_dll.NewObject();
+    RunDialog(other.Get(), [](const DialogDriver& dialog) {
+      dialog.ExpectText("lblRestorePath", "Restore To: F:\\later");
+      dialog.Close();
+    });
+  }).join();
+}
+
+TEST_F(SharingTest, CallersInTheMultithreadedApartmentAreServed) {
+  const Registered registered;
+  Text catalog(m_catalog.Path());
+  std::thread([&] {
+    const Apartment apartment(COINIT_MULTITHREADED);
+    ComPtr<_RestoreDlg> object;
+    ASSERT_EQ(S_OK, CoCreateInstance(CLSID_RestoreDlg, nullptr, CLSCTX_INPROC_SERVER, IID__RestoreDlg,
+                                     reinterpret_cast<void**>(object.GetAddressOf())));
+    ComPtr<IUnknown> proxy;
+    EXPECT_EQ(S_OK, object->QueryInterface(IID_IMarshal, reinterpret_cast<void**>(proxy.GetAddressOf())))
+        << "an object of another apartment is reached through a proxy";
+    EXPECT_EQ(S_OK, object->put_DB(&catalog));
+    EXPECT_EQ(S_OK, object->put_lblCaption(Text(L"marshalled")));
+    const ComPtr<CountingSink> sink = CountingSink::Make();
+    const DWORD cookie = Advise(object.Get(), sink.Get());
+    EXPECT_EQ(1, RunDialog(object.Get(), [](const DialogDriver& dialog) {
+                dialog.ExpectText("lblList", "marshalled");
+                Commit(dialog);
+              }));
+    EXPECT_EQ(1, sink->events);
+    EXPECT_EQ(S_OK, EventsOf(object.Get())->Unadvise(cookie));
+  }).join();
+}
+
+}  // namespace
+}  // namespace kxrestore::e2e

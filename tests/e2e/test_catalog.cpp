@@ -1,0 +1,113 @@
+#include "tests/e2e/test_catalog.h"
+
+#include <windows.h>
+
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+
+#include "component/com/wide_text.h"
+#include "host/catalog_maker/sqlite_writer.h"
+
+namespace kxrestore::e2e {
+namespace {
+
+using component::com::FromWide;
+
+struct CloseDatabase {
+  void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
+};
+using Database = std::unique_ptr<sqlite3, CloseDatabase>;
+
+Database Open(const std::wstring& path) {
+  sqlite3* database = nullptr;
+  const int code = sqlite3_open_v2(FromWide(path).c_str(), &database, SQLITE_OPEN_READWRITE, nullptr);
+  Database opened(database);
+  if (code != SQLITE_OK) throw std::runtime_error("the test catalog cannot be opened");
+  sqlite3_busy_timeout(database, 5000);
+  return opened;
+}
+
+struct Rows : sample::SqliteWriter {
+  using SqliteWriter::SqliteWriter;
+
+  void Run(std::int64_t set, const std::string& extension, const std::string& date) {
+    AddRun({set, date, extension, false, 6});
+  }
+
+  sample::FileRow File(std::int64_t id, std::int64_t set, const std::string& extension,
+                       const std::string& path) {
+    sample::FileRow row;
+    row.id = id;
+    row.dateStamp = "2026-11-01 02:25:30";
+    row.setId = set;
+    row.extension = extension;
+    row.filename = path;
+    row.file = path.substr(path.find_last_of('\\') + 1);
+    row.storeName = std::to_string(id);
+    row.origSize = 1000 * id;
+    row.status = 2;
+    row.origName = path;
+    return row;
+  }
+};
+
+}  // namespace
+
+TestCatalog::TestCatalog() {
+  wchar_t temporary[MAX_PATH];
+  GetTempPathW(MAX_PATH, temporary);
+  // With a blank and characters outside the system's code page, as users have them.
+  m_folder = std::wstring(temporary) + L"kx e2e \u6F22 " + std::to_wstring(GetCurrentProcessId()) + L"\\";
+  std::filesystem::create_directories(m_folder);
+
+  Rows rows(FromWide(Path()));
+  rows.AddSet({1, "Documents"});
+  rows.AddSet({2, "Mail"});
+  rows.Run(1, "001", "2026-11-01 02:25:30");
+  rows.Run(1, "002", "2026-11-02 02:25:30");
+  rows.Run(2, "003", "2026-11-03 00:00:00");
+  rows.AddLongPath({1, "C:\\Data\\Reports\\a very long name.xls"});
+  rows.AddFile(rows.File(kNewA, 1, "002", "C:\\Data\\a.txt"));
+  rows.AddFile(rows.File(kNewB, 1, "002", "C:\\Data\\Reports\\b.doc"));
+  sample::FileRow longRow = rows.File(kNewLong, 1, "002", "C:\\Data\\Reports\\AVERYL~1.XLS");
+  longRow.longPathId = 1;
+  rows.AddFile(longRow);
+  rows.AddFile(rows.File(kNewY, 1, "002", "D:\\y.txt"));
+  sample::FileRow dead = rows.File(kDead, 1, "002", "C:\\Data\\dead.txt");
+  dead.status = 3;
+  rows.AddFile(dead);
+  rows.AddFile(rows.File(kOldA, 1, "001", "C:\\Data\\a.txt"));
+  rows.AddFile(rows.File(kBox, 2, "003", "C:\\Mail\\box.pst"));
+  rows.Finish();
+}
+
+TestCatalog::~TestCatalog() {
+  std::error_code ignored;
+  std::filesystem::remove_all(m_folder, ignored);
+}
+
+std::set<std::int64_t> TestCatalog::Marked() const {
+  std::set<std::int64_t> ids;
+  const Database database = Open(Path());
+  const int code = sqlite3_exec(
+      database.get(), "SELECT ID FROM Catalog WHERE Restore <> 0",
+      [](void* list, int, char** values, char**) {
+        static_cast<std::set<std::int64_t>*>(list)->insert(std::stoll(values[0]));
+        return 0;
+      },
+      &ids, nullptr);
+  if (code != SQLITE_OK) throw std::runtime_error("the test catalog cannot be read");
+  return ids;
+}
+
+void TestCatalog::Mark(std::int64_t id) const {
+  const std::string sql = "UPDATE Catalog SET Restore = 1 WHERE ID = " + std::to_string(id);
+  if (sqlite3_exec(Open(Path()).get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+    throw std::runtime_error("the test catalog cannot be written");
+  }
+}
+
+}  // namespace kxrestore::e2e
