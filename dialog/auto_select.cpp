@@ -64,7 +64,7 @@ AutoSelectPanel::Outcome AutoSelectPanel::MarkTypes(std::string_view types) {
   // Each type ends in ";"; text behind the last one is no type.
   for (auto end = types.find(';'); end != std::string_view::npos; end = types.find(';')) {
     if (m_context.parameters.StopRequested) return Outcome::kStopped;
-    const Outcome outcome = MarkType(walk, "*" + std::string(types.substr(0, end)));
+    const Outcome outcome = MarkType(walk, std::string("*").append(types.substr(0, end)));
     if (outcome != Outcome::kDone) return outcome;
     types.remove_prefix(end + 1);
   }

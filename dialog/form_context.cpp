@@ -40,8 +40,9 @@ void FormContext::ReportError(const Error& error, const std::string& routine) {
   const std::optional<Error> second = Trap(commit);
   const auto show = [&](const Error& shown) {
     Skipping([&] {
-      platform.desktop.MessageBox("(" + std::to_string(shown.Number()) + ") " + shown.Description(),
-                                  platform::kExclamation, routine);
+      std::string text("(");
+      text.append(std::to_string(shown.Number())).append(") ").append(shown.Description());
+      platform.desktop.MessageBox(text, platform::kExclamation, routine);
     });
   };
   show(error);
@@ -61,7 +62,7 @@ void FormContext::DoEvents() {
 
 void FormContext::EnterEvent() {
   ++m_events;
-  workspace.BeginAction();
+  Skipping([this] { workspace.BeginAction(); });
 }
 
 void FormContext::LeaveEvent(const std::string& routine) {
@@ -77,7 +78,7 @@ void FormContext::RaiseToHost(const std::string& routine, const std::function<vo
   m_hostHasControl = true;
   Skipping(event);
   m_hostHasControl = false;
-  workspace.BeginAction();
+  Skipping([this] { workspace.BeginAction(); });
 }
 
 bool FormContext::Stop() {

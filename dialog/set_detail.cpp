@@ -66,6 +66,7 @@ SetDetail::SetDetail(FormContext& context) : m_context(context) {
 
 void SetDetail::LoadBackupSetDetail(controls::Node run) {
   FormControls& ui = m_context.ui;
+  m_count = 0;
   m_context.Reporting("LoadBackupSetDetail", [&] {
     ui.lblTreeCount.SetVisible(true);
     ui.lblTreeCount.SetCaption("Loading Please Wait ...");
@@ -88,6 +89,8 @@ void SetDetail::LoadBackupSetDetail(controls::Node run) {
     rows->Close();
     database->Close();
   });
+  // However the load ended, the label tells how far the tree was filled.
+  ui.lblTreeCount.SetCaption(std::to_string(m_count) + " file(s).");
 }
 
 void SetDetail::Fill(engine::Recordset& rows) {
@@ -100,18 +103,17 @@ void SetDetail::Fill(engine::Recordset& rows) {
   PathNodes paths(ui.tvwDetails, {images.Index("drive"), images.Index("cfolder"), images.Index("file")});
 
   FormContext::Walk walk(m_context);
-  std::size_t count = 0;
   for (; !rows.Eof() && walk.Next(); rows.MoveNext()) {
-    const std::string_view path = restoreFile.TextView();
+    std::string_view path = restoreFile.TextView();
+    if (path.empty()) path = filename.TextView();
     const std::string_view pluginName = plugin.TextView();
     if (pluginName.empty()) {
       paths.AddPathNodes(path, filename.TextView());
     } else {
       AddPluginEntry(pluginName, path, file.TextView(), filename.TextView());
     }
-    ShowProgress(++count);
+    ShowProgress(++m_count);
   }
-  ui.lblTreeCount.SetCaption(std::to_string(count) + " file(s).");
 }
 
 void SetDetail::ShowProgress(std::size_t count) {

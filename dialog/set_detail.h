@@ -31,6 +31,7 @@ class SetDetail {
 
   FormContext& m_context;
   std::string m_caption;
+  std::size_t m_count = 0;  // rows of the current load
 };
 
 }  // namespace kxrestore::dialog

@@ -86,9 +86,12 @@ TEST_F(SetDetailTest, FoldersAreOneNodeEachAndFilesOneARow) {
 
 TEST_F(SetDetailTest, OddPathsStayWithinReach) {
   sample::FileRow noPath = Live(7, "");
+  sample::FileRow emptyLongPath = Live(9, "C:\\Folder\\named.txt");
+  emptyLongPath.longPathId = 1;
   const CatalogFile file({Live(1, "readme.txt"), Live(2, "\\\\server\\share\\x.txt"), Live(3, "C:\\Folder\\"),
                           Live(4, "x"), Live(5, "C:\\\\double\\\\y.txt"), Live(6, "C:\\"), noPath,
-                          Live(8, "\xff\xfe\\bad\xc3\\z")});
+                          Live(8, "\xff\xfe\\bad\xc3\\z"), emptyLongPath},
+                         {}, {{1, ""}});
   Load(file);
   std::map<std::string, int> tags;
   for (int index = 1; index <= static_cast<int>(ui.tvwDetails.Count()); ++index) {
@@ -98,10 +101,11 @@ TEST_F(SetDetailTest, OddPathsStayWithinReach) {
       EXPECT_FALSE(node.Text().empty()) << node.Tag();
     }
   }
-  EXPECT_EQ(tags.size(), 7u);
+  EXPECT_EQ(tags.size(), 8u);
+  EXPECT_EQ(NodeWithText("named.txt").Tag(), "C:\\Folder\\named.txt");
   EXPECT_EQ(NodeWithText("y.txt").Parent().Text(), "double");
   EXPECT_EQ(NodeWithText("x.txt").Parent().Text(), "share");
-  EXPECT_EQ(ui.lblTreeCount.Caption(), "8 file(s).");
+  EXPECT_EQ(ui.lblTreeCount.Caption(), "9 file(s).");
 }
 
 TEST_F(SetDetailTest, PluginEntriesStandUnderTheirHeadings) {
