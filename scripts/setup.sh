@@ -17,7 +17,9 @@ declare -A kPackages=(
   [windows]="build-essential cmake ninja-build googletest unicode-data libsqlite3-0
              g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64-tools libwine-dev
              dpkg-dev xz-utils tcl"
-  [wine]="wine wine64 fonts-wine fonts-liberation fontconfig xvfb x11-utils xdotool imagemagick"
+  # Wine looks for the X libraries at run time, so that its package does not depend on them.
+  [wine]="wine wine64 fonts-wine fonts-liberation fontconfig xvfb x11-utils xdotool imagemagick libxrender1 libxcomposite1
+          libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxxf86vm1"
   [bench]="build-essential cmake ninja-build libsqlite3-dev libbenchmark-dev"
 )
 
