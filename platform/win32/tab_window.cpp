@@ -14,6 +14,20 @@ class TabWindow final : public WindowPeer<controls::Peer> {
     ShowTabs();
   }
 
+  // Themes paint the body in a colour of their own, which would show as seams around the panels.
+  std::optional<LRESULT> OnMessage(UINT message, WPARAM wide, LPARAM extra) override {
+    if (message != WM_PAINT) return std::nullopt;
+    const LRESULT result = DefSubclassProc(Handle(), message, wide, extra);
+    RECT body{};
+    GetClientRect(Handle(), &body);
+    SendMessageW(Handle(), TCM_ADJUSTRECT, FALSE, reinterpret_cast<LPARAM>(&body));
+    if (const HDC dc = GetDC(Handle())) {
+      FillRect(dc, &body, GetSysColorBrush(COLOR_3DFACE));
+      ReleaseDC(Handle(), dc);
+    }
+    return result;
+  }
+
   std::optional<LRESULT> OnNotify(NMHDR& header) override {
     if (header.code == TCN_SELCHANGE) {
       const int chosen = static_cast<int>(SendMessageW(Handle(), TCM_GETCURSEL, 0, 0)) + 1;

@@ -18,7 +18,7 @@ TEST(FormKeys, TabFollowsTheOrderOfCreationPastWhatCannotBeUsed) {
     });
   }
   EXPECT_TRUE(session.Run(ui.form));
-  EXPECT_EQ(order, "tabs cmd(0) chk opt(1) cbo txt bar tabs ");
+  EXPECT_EQ(order, "tabs sampleCmd(0) chk opt(1) cbo txt bar tabs ");
 }
 
 TEST(FormKeys, UnderlinedLettersPressTheirControlAndSelectTheirTab) {

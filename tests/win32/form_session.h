@@ -22,9 +22,9 @@ struct SampleForm {
   controls::Form form{"frmSample"};
   controls::PictureBox picTop{"picTop", &form};
   controls::TabStrip tabs{"tabs", &picTop, {{"&First", "1"}, {"Se&cond", "2"}, {"&Shared", "3"}}};
-  controls::PictureBox panel{"panel(0)", &picTop};
-  controls::CommandButton apply{"cmd(0)", &panel, "Appl&y"};
-  controls::CommandButton shared{"cmd(1)", &panel, "&Shared"};
+  controls::PictureBox panel{"samplePanel(0)", &picTop};
+  controls::CommandButton apply{"sampleCmd(0)", &panel, "Appl&y"};
+  controls::CommandButton shared{"sampleCmd(1)", &panel, "&Shared"};
   controls::CheckBox box{"chk", &panel, "&Only"};
   controls::Frame frame{"fr", &panel, "Look in"};
   controls::OptionButton one{"opt(0)", &frame, "&This Set"};
@@ -32,7 +32,7 @@ struct SampleForm {
   controls::ComboBox mask{"cbo", &panel};
   controls::TextBox text{"txt", &panel};
   controls::DriveListBox drive{"drv", &panel};
-  controls::ProgressBar progress{"prg", &panel};
+  controls::ProgressBar progress{"samplePrg", &panel};
   controls::Label label{"lbl", &form, "Label"};
   controls::splitbar bar{"bar", &form};
   controls::PictureBox picBottom{"picBottom", &form};
@@ -48,7 +48,8 @@ class FormSession {
   platform::Platform& Platform() { return m_platform.Get(); }
 
   FormSession& Then(std::function<void()> step);
-  // A step that runs even while an earlier one is still running, waiting in a message box or letting messages run.
+  // A step that runs even while an earlier one is still running, waiting in a message box or letting messages
+  // run.
   FormSession& Meanwhile(std::function<void()> step);
   // Shows the form; after the last step it is unloaded unless it already is. Returns whether all steps ran.
   bool Run(controls::Form& form);

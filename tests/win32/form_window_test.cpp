@@ -166,11 +166,11 @@ TEST(FormWindow, EveryWindowCarriesItsControlsNameUntilItGoes) {
     expectName(ui.form);
     ForEachControl(ui.form, expectName);
     DestroyWindow(FormSession::WindowOf(ui.progress));  // a window may go without its peer
-    EXPECT_EQ(GlobalFindAtomW(L"prg"), 0);
+    EXPECT_EQ(GlobalFindAtomW(L"samplePrg"), 0);
     ui.progress.SetValue(50);
   });
   EXPECT_TRUE(session.Run(ui.form));
-  for (const wchar_t* const name : {L"frmSample", L"cmd(0)", L"panel(0)", L"bar"}) {
+  for (const wchar_t* const name : {L"frmSample", L"sampleCmd(0)", L"samplePanel(0)"}) {
     EXPECT_EQ(GlobalFindAtomW(name), 0) << Narrow(name);
   }
 }

@@ -94,7 +94,7 @@ TEST_F(TreeWindowTest, MeasureExpandAll) {
   Show();
   struct {
     int folders, files;
-  } const sizes[] = {{100, 100}};
+  } const sizes[] = {{100, 100}, {1000, 100}};
   for (auto size : sizes) {
     auto start = Clock::now();
     Fill(size.folders, size.files);
