@@ -1,6 +1,7 @@
 #include "platform/win32/native_tree.h"
 
-#include <algorithm>
+#include <cstring>
+#include <iterator>
 
 #include "base/text.h"
 
@@ -20,9 +21,10 @@ void NativeTree::Attach(HWND window) {
 }
 
 wchar_t* NativeTree::WideText(std::string_view text) {
-  text = LeftCharacters(text.substr(0, std::min<std::size_t>(text.size(), 4 * MAX_PATH)), MAX_PATH / 2);
-  const int length =
-      MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), m_text, MAX_PATH);
+  constexpr std::size_t kLongest = MAX_PATH - 1;  // a tree control shows no more
+  if (text.size() > kLongest) text = LeftCharacters(text, kLongest);
+  const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), m_text,
+                                         static_cast<int>(std::size(m_text)) - 1);
   m_text[length] = L'\0';
   return m_text;
 }
@@ -72,21 +74,21 @@ TVHITTESTINFO NativeTree::HitTest(POINT point) const {
 }
 
 bool NativeTree::TextBounds(HTREEITEM item, RECT& bounds) const {
-  *reinterpret_cast<HTREEITEM*>(&bounds) = item;  // that is how the message wants it
+  std::memcpy(&bounds, &item, sizeof item);  // that is how the message wants it
   return Send(TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&bounds)) != 0;
 }
 
 NativeTree::Pause::Pause(NativeTree& tree) : m_tree(tree) {
-  if (m_tree.m_pauses++ > 0 || m_tree.m_frozen) return;
-  m_shown = HasVisibleStyle(m_tree.m_window);
+  if (m_tree.m_pauses++ > 0) return;
+  m_tree.m_shown = HasVisibleStyle(m_tree.m_window);
   m_tree.Send(WM_SETREDRAW, FALSE);
 }
 
 NativeTree::Pause::~Pause() {
-  if (--m_tree.m_pauses > 0 || m_tree.m_frozen) return;
+  if (--m_tree.m_pauses > 0 || m_tree.m_window == nullptr) return;
   m_tree.Send(WM_SETREDRAW, TRUE);
-  // Some systems show a window whose redraw is resumed.
-  if (!m_shown && HasVisibleStyle(m_tree.m_window)) ShowWindow(m_tree.m_window, SW_HIDE);
+  // Some systems show a hidden window whose redraw is resumed.
+  if (!m_tree.m_shown && HasVisibleStyle(m_tree.m_window)) ShowWindow(m_tree.m_window, SW_HIDE);
 }
 
 }  // namespace kxrestore::win32

@@ -14,7 +14,10 @@ class NativeTree {
   void Attach(HWND window);
   HWND Handle() const { return m_window; }
 
+  void Detach() { m_window = nullptr; }  // the window goes; calls do nothing from here on
+
   LRESULT Send(UINT message, WPARAM wide = 0, LPARAM extra = 0) const {
+    if (m_window == nullptr) return 0;
     return CallWindowProcW(m_procedure, m_window, message, wide, extra);
   }
 
@@ -46,7 +49,7 @@ class NativeTree {
   TVHITTESTINFO HitTest(POINT point) const;
   bool TextBounds(HTREEITEM item, RECT& bounds) const;
 
-  // Layout and painting wait while one of these lives.
+  // Layout and painting wait while one of these lives; what the window shows stays.
   class Pause {
    public:
     explicit Pause(NativeTree& tree);
@@ -56,9 +59,8 @@ class NativeTree {
 
    private:
     NativeTree& m_tree;
-    bool m_shown = false;
   };
-  void SetFrozen(bool frozen) { m_frozen = frozen; }  // the window's own redraw is off: pauses do nothing
+  bool Paused() const { return m_pauses > 0; }
 
  private:
   wchar_t* WideText(std::string_view text);
@@ -66,8 +68,8 @@ class NativeTree {
   HWND m_window = nullptr;
   WNDPROC m_procedure = nullptr;
   int m_pauses = 0;
-  bool m_frozen = false;
-  wchar_t m_text[MAX_PATH + 1];  // a tree control shows no more
+  bool m_shown = false;
+  wchar_t m_text[2 * MAX_PATH];
 };
 
 }  // namespace kxrestore::win32
