@@ -49,7 +49,7 @@ void TypeCensus::List(controls::AutoSelect& list) const {
     list.Add(group);
 
     for (const Counted& counted : types) {
-      name.assign(".").append(counted.type.extension);
+      name.assign(1, '.').append(counted.type.extension);
       const std::string pattern = TypePattern(counted.type.extension);
       controls::AutoSelect::Entry entry;
       entry.name = name;

@@ -163,6 +163,62 @@ TEST_F(FormTest, CatalogsThatCannotBeUsedAreReportedAndLeftAlone) {
   EXPECT_FALSE(std::filesystem::exists(folder / "missing.db"));
 }
 
+TEST_F(FormTest, LockedCatalogIsReportedOnceAndCanBeAppliedLater) {
+  MakeCatalog({Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.doc")});
+  ChooseRun();
+  TickAll();
+  sqlite3* raw = nullptr;
+  ASSERT_EQ(sqlite3_open(catalog->Path().c_str(), &raw), SQLITE_OK);
+  const std::unique_ptr<sqlite3, int (*)(sqlite3*)> other(raw, sqlite3_close);
+  ASSERT_EQ(sqlite3_exec(raw, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+  Apply();
+  ASSERT_EQ(desktop.messages.size(), 2u) << "marking, and listing what is marked";
+  EXPECT_EQ(desktop.messages[0].title, "UpdateSelection");
+  EXPECT_EQ(desktop.messages[0].text.substr(0, 7), "(3218) ");
+  EXPECT_EQ(desktop.messages[1].title, "ListCurrentSelections");
+  ASSERT_EQ(sqlite3_exec(raw, "ROLLBACK", nullptr, nullptr, nullptr), SQLITE_OK);
+  EXPECT_EQ(catalog->Marked(), Ids{});
+  TakeMessages();
+  Apply();
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
+  EXPECT_EQ(TakeMessages(), Strings{});
+}
+
+// A back end that loses what was written when it is to commit it.
+class LosingBackend : public engine::Backend {
+ public:
+  std::unique_ptr<engine::Database> Open(const engine::OpenRequest&) override {
+    throw Error(3024, "No file.");
+  }
+  void Idle() override {}
+  void Flush() override { Lose(); }
+  void EndAction() override { Lose(); }
+
+ private:
+  [[noreturn]] static void Lose() { throw Error(3026, "Disk full."); }
+};
+
+TEST_F(FormTest, LostCommitIsReportedAndNothingIsSkippedForIt) {
+  engine::Workspace::Backends backends;
+  backends.sqlite = std::make_unique<LosingBackend>();
+  engine::Workspace losing(std::move(backends));
+  dialog::Parameters parameters;
+  FormControls controls;
+  platform::Platform services = platform.Get();
+  dialog::FormContext context(parameters, controls, services, losing);
+
+  bool raised = false;
+  context.Command("cmdRestore.Click",
+                  [&] { context.RaiseToHost("cmdRestore.Click", [&] { raised = true; }); });
+  EXPECT_TRUE(raised);
+  EXPECT_EQ(TakeMessages(),
+            (Strings{"cmdRestore.Click: (3026) Disk full.", "cmdRestore.Click: (3026) Disk full."}));
+  EXPECT_FALSE(losing.InAction());
+
+  context.Command("A", [&] { context.Reporting("B", [] { throw Error(6, "Overflow"); }); });
+  EXPECT_EQ(TakeMessages(), (Strings{"B: (6) Overflow", "B: (3026) Disk full.", "A: (3026) Disk full."}));
+}
+
 TEST_F(FormTest, WhileAWalkRunsNothingElseStarts) {
   MakeCatalog({Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.doc"), Row(3, 1, "003", "C:\\c.doc")});
   int commits = 0;
