@@ -13,8 +13,6 @@ endif()
 if(WIN32)
   target_compile_definitions(kx_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601
                                                   WINVER=0x0601 _WIN32_IE=0x0700)
-  # GCC 12 sees overlapping copies in the standard library's own strings where there are none.
-  target_compile_options(kx_options INTERFACE -Wno-restrict)
   target_link_options(kx_options INTERFACE -static -static-libgcc -static-libstdc++)
 endif()
 

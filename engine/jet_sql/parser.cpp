@@ -1,459 +1,36 @@
 #include "engine/jet_sql/parser.h"
 
-#include <algorithm>
-#include <array>
 #include <charconv>
 
 #include "base/error.h"
+#include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/lexer.h"
+#include "engine/jet_sql/expression_parser.h"
 
 namespace kxrestore::engine::jet_sql {
-
-Expression::Expression() = default;
-Expression::~Expression() = default;
-
 namespace {
 
-constexpr int kMaxDepth = 120;      // brackets within brackets
-constexpr int kMaxTreeDepth = 400;  // what printing and destroying may recurse through
 constexpr std::size_t kMaxJoins = 63;
+constexpr std::size_t kMaxUnions = 400;
 
-// Words that cannot be names unless they stand in brackets or behind a point.
-constexpr std::array<std::string_view, 46> kReserved = {
-    "ALL",   "AND",      "AS",          "ASC",  "BETWEEN", "BY",     "CASE",  "CAST",   "CROSS", "DELETE",
-    "DESC",  "DISTINCT", "DISTINCTROW", "ELSE", "END",     "EXISTS", "FROM",  "FULL",   "GROUP", "HAVING",
-    "IN",    "INNER",    "INSERT",      "INTO", "IS",      "JOIN",   "LEFT",  "LIKE",   "LIMIT", "MOD",
-    "NOT",   "NULL",     "ON",          "OR",   "ORDER",   "OUTER",  "RIGHT", "SELECT", "SET",   "THEN",
-    "UNION", "UPDATE",   "VALUES",      "WHEN", "WHERE",   "WITH"};
-
-bool IsReserved(std::string_view word) {
-  return std::any_of(kReserved.begin(), kReserved.end(),
-                     [word](std::string_view keyword) { return IsKeyword(word, keyword); });
-}
-
-class Parser {
+class Parser final : private ExpressionParser {
  public:
-  explicit Parser(std::string_view source) : m_source(source), m_tokens(Tokenize(source)) {}
+  Parser(std::string_view source, bool extracted) : ExpressionParser(source, extracted) {}
 
   Statement Run() {
     Statement statement = ParseStatement();
     const bool ended = TakeSymbol(";");
     if (Current().kind != TokenKind::kEnd) {
       if (!ended) RaiseHere("Syntax error (missing operator)");
-      throw Error(error_number::kTextAfterEnd,
-                  "Characters found after end of SQL statement: '" + Rest() + "'.", "Engine");
+      throw Error(
+          error_number::kTextAfterEnd,
+          "Characters found after end of SQL statement: '" + std::string(LeftCharacters(Rest(), 80)) + "'.",
+          "Engine");
     }
     return statement;
   }
 
  private:
-  // ---- tokens
-
-  const Token& Current() const { return m_tokens[m_index]; }
-  const Token& Ahead(std::size_t count = 1) const {
-    return m_tokens[std::min(m_index + count, m_tokens.size() - 1)];
-  }
-  const Token& Advance() {
-    const Token& token = m_tokens[m_index];
-    if (m_index + 1 < m_tokens.size()) ++m_index;
-    return token;
-  }
-  static bool IsWord(const Token& token, std::string_view keyword) {
-    return token.kind == TokenKind::kWord && IsKeyword(token.value, keyword);
-  }
-  static bool IsSymbol(const Token& token, std::string_view symbol) {
-    return token.kind == TokenKind::kSymbol && token.piece == symbol;
-  }
-  bool TakeWord(std::string_view keyword) {
-    if (!IsWord(Current(), keyword)) return false;
-    Advance();
-    return true;
-  }
-  bool TakeSymbol(std::string_view symbol) {
-    if (!IsSymbol(Current(), symbol)) return false;
-    Advance();
-    return true;
-  }
-  void NeedWord(std::string_view keyword) {
-    if (!TakeWord(keyword)) RaiseHere("Syntax error (" + std::string(keyword) + " expected)");
-  }
-  void NeedSymbol(std::string_view symbol) {
-    if (!TakeSymbol(symbol)) RaiseHere("Syntax error ('" + std::string(symbol) + "' expected)");
-  }
-  std::string Rest() const {
-    const std::string_view piece = Current().piece;
-    const std::size_t offset = static_cast<std::size_t>(piece.data() - m_source.data());
-    return std::string(m_source.substr(offset, 80));
-  }
-  [[noreturn]] void RaiseHere(std::string_view what) const {
-    const std::size_t offset = Current().kind == TokenKind::kEnd
-                                   ? (m_source.size() > 40 ? m_source.size() - 40 : 0)
-                                   : static_cast<std::size_t>(Current().piece.data() - m_source.data());
-    RaiseSyntax(what, m_source.substr(offset));
-  }
-
-  class DepthGuard {
-   public:
-    explicit DepthGuard(Parser& parser) : m_parser(parser) {
-      if (++m_parser.m_depth > kMaxDepth) {
-        --m_parser.m_depth;
-        m_parser.RaiseHere("Expression too complex");
-      }
-    }
-    ~DepthGuard() { --m_parser.m_depth; }
-    DepthGuard(const DepthGuard&) = delete;
-    DepthGuard& operator=(const DepthGuard&) = delete;
-
-   private:
-    Parser& m_parser;
-  };
-
-  // ---- names
-
-  bool AtName() const {
-    return Current().kind == TokenKind::kBracketed ||
-           (Current().kind == TokenKind::kWord && !IsReserved(Current().value));
-  }
-  std::string NeedName() {
-    if (!AtName()) RaiseHere("Syntax error (name expected)");
-    return Advance().value;
-  }
-  // Behind a point every word is a name.
-  std::string NeedMember() {
-    if (Current().kind != TokenKind::kBracketed && Current().kind != TokenKind::kWord) {
-      RaiseHere("Syntax error (name expected)");
-    }
-    return Advance().value;
-  }
-  // A table, with the schema that some texts put before it left out.
-  std::string NeedTableName() {
-    std::string name = NeedName();
-    if (TakeSymbol(".")) name = NeedMember();
-    return name;
-  }
-  std::string TakeAlias() {
-    if (TakeWord("AS")) return NeedName();
-    return AtName() ? Advance().value : std::string();
-  }
-
-  // ---- expressions
-
-  ExpressionPtr Make(ExpressionKind kind) {
-    auto expression = std::make_unique<Expression>();
-    expression->kind = kind;
-    return expression;
-  }
-  void Deepen(Expression& parent, int depth) {
-    parent.depth = std::max(parent.depth, depth);
-    m_deepest = std::max(m_deepest, parent.depth);
-    if (parent.depth > kMaxTreeDepth) RaiseHere("Expression too complex");
-  }
-  void Adopt(Expression& parent, ExpressionPtr child) {
-    Deepen(parent, child->depth + 1);
-    parent.args.push_back(std::move(child));
-  }
-
-  // One level of left-associative operators; `match` takes the operator at hand and returns its name.
-  template <typename Operand, typename Match>
-  ExpressionPtr ParseChain(Operand operand, Match match) {
-    ExpressionPtr first = (this->*operand)();
-    std::string name = match();
-    if (name.empty()) return first;
-    ExpressionPtr chain = Make(ExpressionKind::kChain);
-    Adopt(*chain, std::move(first));
-    while (!name.empty()) {
-      chain->operators.push_back(std::move(name));
-      Adopt(*chain, (this->*operand)());
-      name = match();
-    }
-    return chain;
-  }
-
-  ExpressionPtr ParseExpression() {
-    DepthGuard guard(*this);
-    return ParseChain(&Parser::ParseAnd, [this] { return std::string(TakeWord("OR") ? "OR" : ""); });
-  }
-  ExpressionPtr ParseAnd() {
-    return ParseChain(&Parser::ParseNot, [this] { return std::string(TakeWord("AND") ? "AND" : ""); });
-  }
-  ExpressionPtr ParseNot() {
-    if (!IsWord(Current(), "NOT")) return ParseComparison();
-    DepthGuard guard(*this);
-    Advance();
-    ExpressionPtr expression = Make(ExpressionKind::kNot);
-    Adopt(*expression, ParseNot());
-    return expression;
-  }
-
-  std::string TakeComparison() {
-    constexpr std::string_view kOperators[] = {"=", "<>", "<", ">", "<=", ">=", "==", "!="};
-    for (const std::string_view symbol : kOperators) {
-      if (!TakeSymbol(symbol)) continue;
-      return symbol == "==" ? "=" : symbol == "!=" ? "<>" : std::string(symbol);
-    }
-    return {};
-  }
-
-  ExpressionPtr ParseComparison() {
-    ExpressionPtr left = ParseConcatenation();
-    for (;;) {
-      ExpressionPtr node;
-      if (std::string name = TakeComparison(); !name.empty()) {
-        node = Make(ExpressionKind::kCompare);
-        node->operators.push_back(std::move(name));
-        Adopt(*node, std::move(left));
-        Adopt(*node, ParseConcatenation());
-      } else if (IsWord(Current(), "IS")) {
-        Advance();
-        node = Make(ExpressionKind::kIsNull);
-        node->negated = TakeWord("NOT");
-        NeedWord("NULL");
-        Adopt(*node, std::move(left));
-      } else if (IsTestWord(Current()) || (IsWord(Current(), "NOT") && IsTestWord(Ahead()))) {
-        node = ParseTest(std::move(left));
-      } else {
-        return left;
-      }
-      left = std::move(node);
-    }
-  }
-
-  static bool IsTestWord(const Token& token) {
-    return IsWord(token, "LIKE") || IsWord(token, "BETWEEN") || IsWord(token, "IN");
-  }
-
-  ExpressionPtr ParseTest(ExpressionPtr left) {
-    const bool negated = TakeWord("NOT");
-    ExpressionPtr node;
-    if (TakeWord("LIKE")) {
-      node = Make(ExpressionKind::kLike);
-      Adopt(*node, std::move(left));
-      Adopt(*node, ParseConcatenation());
-    } else if (TakeWord("BETWEEN")) {
-      node = Make(ExpressionKind::kBetween);
-      Adopt(*node, std::move(left));
-      Adopt(*node, ParseConcatenation());
-      NeedWord("AND");
-      Adopt(*node, ParseConcatenation());
-    } else {
-      NeedWord("IN");
-      node = Make(ExpressionKind::kIn);
-      Adopt(*node, std::move(left));
-      NeedSymbol("(");
-      if (IsWord(Current(), "SELECT")) {
-        AdoptQuery(*node);
-      } else {
-        ParseArguments(*node);
-      }
-      NeedSymbol(")");
-    }
-    node->negated = negated;
-    return node;
-  }
-
-  ExpressionPtr ParseConcatenation() {
-    return ParseChain(&Parser::ParseSum, [this] {
-      return std::string(TakeSymbol("&") ? "&" : TakeSymbol("||") ? "||" : "");
-    });
-  }
-  ExpressionPtr ParseSum() {
-    return ParseChain(&Parser::ParseProduct, [this] {
-      return std::string(TakeSymbol("+") ? "+" : TakeSymbol("-") ? "-" : "");
-    });
-  }
-  ExpressionPtr ParseProduct() {
-    return ParseChain(&Parser::ParseUnary, [this]() -> std::string {
-      if (TakeSymbol("*")) return "*";
-      if (TakeSymbol("/")) return "/";
-      if (TakeSymbol("\\")) return "\\";
-      if (TakeSymbol("%") || TakeWord("MOD")) return "%";
-      return {};
-    });
-  }
-
-  ExpressionPtr ParseUnary() {
-    const bool minus = IsSymbol(Current(), "-");
-    if (!minus && !IsSymbol(Current(), "+")) return ParsePostfix();
-    DepthGuard guard(*this);
-    Advance();
-    ExpressionPtr operand = ParseUnary();
-    if (!minus) return operand;
-    ExpressionPtr node = Make(ExpressionKind::kMinus);
-    Adopt(*node, std::move(operand));
-    return node;
-  }
-
-  ExpressionPtr ParsePostfix() {
-    ExpressionPtr expression = ParsePrimary();
-    while (IsWord(Current(), "COLLATE")) {
-      Advance();
-      ExpressionPtr node = Make(ExpressionKind::kCollate);
-      node->text = NeedName();
-      Adopt(*node, std::move(expression));
-      expression = std::move(node);
-    }
-    return expression;
-  }
-
-  ExpressionPtr ParsePrimary() {
-    const Token& token = Current();
-    switch (token.kind) {
-      case TokenKind::kText: {
-        ExpressionPtr node = Make(ExpressionKind::kText);
-        node->text = Advance().value;
-        return node;
-      }
-      case TokenKind::kNumber: {
-        ExpressionPtr node = Make(ExpressionKind::kNumber);
-        node->text = Advance().value;
-        return node;
-      }
-      case TokenKind::kDate: {
-        ExpressionPtr node = Make(ExpressionKind::kDate);
-        node->date = Advance().date;
-        return node;
-      }
-      case TokenKind::kParameter: {
-        Advance();
-        ExpressionPtr node = Make(ExpressionKind::kParameter);
-        node->number = ++m_parameters;
-        return node;
-      }
-      case TokenKind::kBracketed:
-        return ParseColumn();
-      case TokenKind::kWord:
-        return ParseWord();
-      case TokenKind::kSymbol:
-        if (TakeSymbol("(")) {
-          ExpressionPtr inner;
-          if (IsWord(Current(), "SELECT")) {
-            DepthGuard guard(*this);
-            inner = Make(ExpressionKind::kSubquery);
-            AdoptQuery(*inner);
-          } else {
-            inner = ParseExpression();
-          }
-          NeedSymbol(")");
-          return inner;
-        }
-        break;
-      case TokenKind::kEnd:
-        break;
-    }
-    RaiseHere("Syntax error (missing operand)");
-  }
-
-  ExpressionPtr ParseWord() {
-    const Token& token = Current();
-    const bool call = IsSymbol(Ahead(), "(");
-    if (IsWord(token, "CASE")) return ParseCase();
-    if (call && IsWord(token, "CAST")) return ParseCast();
-    if (call && IsWord(token, "EXISTS")) {
-      DepthGuard guard(*this);
-      Advance();
-      Advance();
-      ExpressionPtr node = Make(ExpressionKind::kExists);
-      AdoptQuery(*node);
-      NeedSymbol(")");
-      return node;
-    }
-    if (call && (!IsReserved(token.value) || IsWord(token, "LEFT") || IsWord(token, "RIGHT"))) {
-      return ParseFunction();
-    }
-    if (!IsSymbol(Ahead(), ".")) {
-      if (TakeWord("NULL")) return Make(ExpressionKind::kNull);
-      if (IsWord(token, "TRUE") || IsWord(token, "FALSE")) {
-        ExpressionPtr node = Make(ExpressionKind::kBoolean);
-        node->number = IsWord(token, "TRUE") ? 1 : 0;
-        Advance();
-        return node;
-      }
-    }
-    if (!AtName()) RaiseHere("Syntax error (missing operand)");
-    return ParseColumn();
-  }
-
-  // column, table.column, schema.table.column, [table.column]
-  ExpressionPtr ParseColumn() {
-    ExpressionPtr node = Make(ExpressionKind::kColumn);
-    const bool bracketed = Current().kind == TokenKind::kBracketed;
-    node->text = NeedName();
-    while (IsSymbol(Current(), ".")) {
-      Advance();
-      node->qualifier = std::move(node->text);
-      node->text = NeedMember();
-    }
-    if (bracketed && node->qualifier.empty()) {
-      const std::size_t point = node->text.find('.');
-      if (point != std::string::npos && point > 0 && point + 1 < node->text.size()) {
-        node->qualifier = node->text.substr(0, point);
-        node->text.erase(0, point + 1);
-      }
-    }
-    return node;
-  }
-
-  void ParseArguments(Expression& node) {
-    do {
-      Adopt(node, ParseExpression());
-    } while (TakeSymbol(","));
-  }
-
-  ExpressionPtr ParseFunction() {
-    ExpressionPtr node = Make(ExpressionKind::kFunction);
-    node->text = Advance().value;
-    NeedSymbol("(");
-    if (TakeSymbol("*")) {
-      Adopt(*node, Make(ExpressionKind::kStar));
-    } else if (!IsSymbol(Current(), ")")) {
-      node->distinct = TakeWord("DISTINCT");
-      ParseArguments(*node);
-    }
-    NeedSymbol(")");
-    return node;
-  }
-
-  ExpressionPtr ParseCase() {
-    DepthGuard guard(*this);
-    Advance();
-    ExpressionPtr node = Make(ExpressionKind::kCase);
-    if (!IsWord(Current(), "WHEN")) {
-      node->operators.push_back("base");
-      Adopt(*node, ParseExpression());
-    }
-    while (TakeWord("WHEN")) {
-      Adopt(*node, ParseExpression());
-      NeedWord("THEN");
-      Adopt(*node, ParseExpression());
-    }
-    if (node->args.size() < 2) RaiseHere("Syntax error (WHEN expected)");
-    if (TakeWord("ELSE")) {
-      node->hasElse = true;
-      Adopt(*node, ParseExpression());
-    }
-    NeedWord("END");
-    return node;
-  }
-
-  ExpressionPtr ParseCast() {
-    Advance();
-    NeedSymbol("(");
-    ExpressionPtr node = Make(ExpressionKind::kCast);
-    Adopt(*node, ParseExpression());
-    NeedWord("AS");
-    node->text = NeedName();
-    while (Current().kind == TokenKind::kWord) node->text += " " + Advance().value;
-    NeedSymbol(")");
-    return node;
-  }
-
-  void AdoptQuery(Expression& node) {
-    DepthGuard guard(*this);
-    node.query = std::make_unique<SelectStatement>(ParseSelect());
-    Deepen(node, m_deepest + 1);
-  }
-
   // ---- FROM
 
   TableRef ParseTableRef() {
@@ -597,13 +174,13 @@ class Parser {
     return core;
   }
 
-  SelectStatement ParseSelect() {
+  SelectStatement ParseSelect() override {
     DepthGuard guard(*this);
     const std::size_t joinsBefore = m_joins;
     SelectStatement statement;
     statement.cores.push_back(ParseSelectCore());
     while (TakeWord("UNION")) {
-      if (statement.cores.size() > 400) RaiseHere("Query is too complex");
+      if (statement.cores.size() > kMaxUnions) RaiseHere("Query is too complex");
       m_joins = 0;
       statement.unionAll.push_back(TakeWord("ALL"));
       statement.cores.push_back(ParseSelectCore());
@@ -684,19 +261,13 @@ class Parser {
     RaiseHere("Invalid SQL statement; expected 'DELETE', 'INSERT', 'SELECT' or 'UPDATE'. Syntax error");
   }
 
-  std::string_view m_source;
-  std::vector<Token> m_tokens;
-  std::size_t m_index = 0;
   std::size_t m_joins = 0;
-  int m_depth = 0;
-  int m_deepest = 0;
-  int m_parameters = 0;
 };
 
 }  // namespace
 
-Statement Parse(std::string_view source) {
-  return Parser(source).Run();
+Statement Parse(std::string_view source, bool extracted) {
+  return Parser(source, extracted).Run();
 }
 
 }  // namespace kxrestore::engine::jet_sql

@@ -9,6 +9,7 @@
 
 namespace kxrestore::engine::jet_sql {
 
-Statement Parse(std::string_view source);
+// `extracted`: the text comes from ExtractLiterals and holds parameters.
+Statement Parse(std::string_view source, bool extracted = false);
 
 }  // namespace kxrestore::engine::jet_sql

@@ -168,7 +168,7 @@ std::string NameIn(const Session& session, std::string_view source) {
 jet_sql::Statement ParseSource(std::string_view source, std::string_view key) {
   if (key.data() == source.data()) return Parse(source);
   try {
-    return Parse(key);
+    return Parse(key, true);
   } catch (const Error&) {
     Parse(source);
     throw;

@@ -147,6 +147,7 @@ TEST_F(SqliteFile, ReadOnlyFileIsReadNotWritten) {
     ASSERT_EQ(seteuid(65534), 0);
   }
 #endif
+  if (std::ofstream(Path(file), std::ios::app)) GTEST_SKIP() << "nothing is read-only for this user";
   ExpectError(error_number::kReadOnly, "catälog.db", [&] {
     const auto database = Open(file);
     EXPECT_EQ(Rows(*database, "SetNames").size(), 3u);
