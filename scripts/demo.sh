@@ -37,6 +37,7 @@ display_works() {
 
 # A screenshot is there as a whole or not at all: the host waits for the file.
 take_screenshot() {
+  sleep 0.3  # what was changed last has yet to be painted
   import -window root "$demo/$1.tmp.png" && mv "$demo/$1.tmp.png" "$demo/$1.png"
 }
 
