@@ -38,6 +38,10 @@ void Label::SetRightAligned(bool rightAligned) {
   if (Replace(m_rightAligned, rightAligned)) Notify(Property::kAppearance);
 }
 
+void Label::SetUseMnemonic(bool useMnemonic) {
+  if (Replace(m_useMnemonic, useMnemonic)) Notify(Property::kAppearance);
+}
+
 void CommandButton::UserClick() {
   if (Click && AcceptsUser()) Click();
 }

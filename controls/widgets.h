@@ -49,11 +49,15 @@ class Label : public Captioned {
   void SetBold(bool bold);
   bool RightAligned() const { return m_rightAligned; }
   void SetRightAligned(bool rightAligned);
+  // Whether "&" marks the accelerator; labels that show names and paths show it as it is.
+  bool UseMnemonic() const { return m_useMnemonic; }
+  void SetUseMnemonic(bool useMnemonic);
 
  private:
   std::string m_fontName;
   bool m_bold = false;
   bool m_rightAligned = false;
+  bool m_useMnemonic = true;
 };
 
 class CommandButton : public Captioned {

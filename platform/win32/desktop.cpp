@@ -17,47 +17,46 @@ constexpr char kTitle[] = "KXRestore";
 constexpr DWORD kPendingMilliseconds = 15;
 constexpr DWORD kMostPendingMilliseconds = 100;  // that one round may take, whatever keeps arriving
 
-// The thread's other windows, disabled for a while. They are enabled again before the form's window goes, so
-// that the system hands the activation back to one of them.
+// The thread's other windows that a user could work with, disabled for a while. They are enabled again before
+// the form's window goes, so that the system hands the activation back to one of them.
 class OtherWindows {
  public:
-  OtherWindows() : m_active(GetActiveWindow()) {}
+  OtherWindows() : m_active(GetActiveWindow()) {
+    EnumThreadWindows(GetCurrentThreadId(), Collect, reinterpret_cast<LPARAM>(this));
+  }
   ~OtherWindows() { Enable(); }
   OtherWindows(const OtherWindows&) = delete;
   OtherWindows& operator=(const OtherWindows&) = delete;
 
-  // The one that was active before, when it can be again.
-  HWND Active() const {
-    return m_active != nullptr && IsWindowVisible(m_active) && IsWindowEnabled(m_active) ? m_active : nullptr;
+  // The one that was active before, or else the topmost; nullptr when there is none that could be.
+  HWND Host() const {
+    for (const HWND window : {m_active, m_windows.empty() ? nullptr : m_windows.front()}) {
+      if (window != nullptr && IsWindowVisible(window) && IsWindowEnabled(window)) return window;
+    }
+    return nullptr;
   }
 
-  void Disable(HWND except) {
-    m_except = except;
-    EnumThreadWindows(GetCurrentThreadId(), Collect, reinterpret_cast<LPARAM>(this));
-    for (const HWND window : m_disabled) EnableWindow(window, FALSE);
+  void Disable() {
+    for (const HWND window : m_windows) EnableWindow(window, FALSE);
   }
-
   void Enable() {
-    for (const HWND window : m_disabled) {
+    for (const HWND window : m_windows) {
       if (IsWindow(window)) EnableWindow(window, TRUE);
     }
-    m_disabled.clear();
   }
 
  private:
   static BOOL CALLBACK Collect(HWND window, LPARAM self) {
-    auto* const others = reinterpret_cast<OtherWindows*>(self);
-    if (window == others->m_except || !IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
+    if (!IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
     try {
-      others->m_disabled.push_back(window);
+      reinterpret_cast<OtherWindows*>(self)->m_windows.push_back(window);
     } catch (const std::bad_alloc&) {  // it stays enabled
     }
     return TRUE;
   }
 
   HWND m_active;
-  HWND m_except = nullptr;
-  std::vector<HWND> m_disabled;
+  std::vector<HWND> m_windows;
 };
 
 std::string Describe(const std::exception_ptr& error) {
@@ -79,7 +78,7 @@ struct Win32Desktop::Modal {
   Modal(HINSTANCE module, controls::Form& shown, Modal*& innermost)
       : form(shown), slot(innermost), outer(innermost), classes(module), context(module) {
     try {
-      auto made = std::make_unique<FormWindow>(context, form, others.Active());
+      auto made = std::make_unique<FormWindow>(context, form, others.Host());
       window = made.get();
       form.AttachPeer(std::move(made));
     } catch (...) {
@@ -87,12 +86,13 @@ struct Win32Desktop::Modal {
       throw;
     }
     slot = this;
-    others.Disable(window->Handle());
+    others.Disable();
   }
   ~Modal() {
     const bool active = GetActiveWindow() == window->Handle();
     others.Enable();
-    if (active && others.Active() != nullptr) SetForegroundWindow(others.Active());
+    const HWND host = others.Host();
+    if (active && host != nullptr) SetForegroundWindow(host);
     ShowWindow(window->Handle(), SW_HIDE);
     slot = outer;
     TakeChildWindows(form);

@@ -44,6 +44,8 @@ wchar_t UnderlinedLetter(const std::string& caption) {
 const std::string* CaptionOf(const Control& control) {
   switch (control.GetKind()) {
     case Kind::kLabel:
+      if (!static_cast<const controls::Label&>(control).UseMnemonic()) return nullptr;
+      [[fallthrough]];
     case Kind::kCommandButton:
     case Kind::kCheckBox:
     case Kind::kOptionButton:

@@ -15,6 +15,7 @@ namespace {
 constexpr DWORD kStyle =
     WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MAXIMIZEBOX | WS_MINIMIZEBOX | WS_CLIPCHILDREN;
 constexpr DWORD kExStyle = WS_EX_CONTROLPARENT | WS_EX_APPWINDOW;
+constexpr UINT kComeForward = WM_APP + 1;
 constexpr UINT kDpiChanged = 0x02E0;  // WM_DPICHANGED, which older headers lack
 
 // 0 on systems where all windows share one resolution.
@@ -35,7 +36,7 @@ SIZE SizeOf(const RECT& bounds) {
   return {bounds.right - bounds.left, bounds.bottom - bounds.top};
 }
 
-BOOL CALLBACK PassOn(HWND window, LPARAM message) {
+BOOL CALLBACK SendOn(HWND window, LPARAM message) {
   SendMessageW(window, static_cast<UINT>(message), 0, 0);
   return TRUE;
 }
@@ -280,11 +281,21 @@ std::optional<LRESULT> FormWindow::OnMessage(UINT message, WPARAM wide, LPARAM e
         if (focus != nullptr && IsChild(Handle(), focus)) m_focus = focus;
       }
       return std::nullopt;
+    case WM_ACTIVATEAPP:
+      // Without an owner the window may lie behind the host's; posted, because the activation is still going
+      // on.
+      if (wide != FALSE) PostMessageW(Handle(), kComeForward, 0, 0);
+      return std::nullopt;
+    case kComeForward:
+      if (const HWND active = GetActiveWindow(); active != nullptr && !IsWindowEnabled(active)) {
+        SetForegroundWindow(GetLastActivePopup(Handle()));
+      }
+      return 0;
     case WM_SETFOCUS:
       if (m_ready) RestoreFocus();
       return 0;
     case WM_SYSCOLORCHANGE:
-      EnumChildWindows(Handle(), PassOn, WM_SYSCOLORCHANGE);
+      EnumChildWindows(Handle(), SendOn, WM_SYSCOLORCHANGE);
       return std::nullopt;
     case kDpiChanged:
       ChangeDpi(HIWORD(wide), *reinterpret_cast<const RECT*>(extra));

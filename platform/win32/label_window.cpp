@@ -6,14 +6,14 @@ namespace kxrestore::win32 {
 
 namespace {
 
-constexpr DWORD kAlignmentMask = SS_TYPEMASK;
+constexpr LONG_PTR kStyleMask = SS_TYPEMASK | SS_NOPREFIX;
 
 class LabelWindow final : public WindowPeer<controls::Peer> {
  public:
   LabelWindow(WindowContext& context, controls::Label& label, HWND parent)
       : WindowPeer(context, label), m_label(label) {
     // SS_NOTIFY lets the label see the pointer.
-    Create(parent, WC_STATICW, Wide(label.Caption()), SS_NOTIFY | Alignment());
+    Create(parent, WC_STATICW, Wide(label.Caption()), SS_NOTIFY | Style());
   }
   bool TakesFocus() const override { return false; }
 
@@ -29,7 +29,7 @@ class LabelWindow final : public WindowPeer<controls::Peer> {
     WindowPeer::OnFlush(flags);
     if ((flags & kAppearanceFlag) != 0) {
       const LONG_PTR style = GetWindowLongPtrW(Handle(), GWL_STYLE);
-      SetWindowLongPtrW(Handle(), GWL_STYLE, (style & ~static_cast<LONG_PTR>(kAlignmentMask)) | Alignment());
+      SetWindowLongPtrW(Handle(), GWL_STYLE, (style & ~kStyleMask) | Style());
       SendMessageW(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(OwnFont()), FALSE);
     }
     if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), Wide(m_label.Caption()).c_str());
@@ -38,7 +38,9 @@ class LabelWindow final : public WindowPeer<controls::Peer> {
   }
 
  private:
-  DWORD Alignment() const { return m_label.RightAligned() ? SS_RIGHT : SS_LEFT; }
+  DWORD Style() const {
+    return (m_label.RightAligned() ? SS_RIGHT : SS_LEFT) | (m_label.UseMnemonic() ? 0 : SS_NOPREFIX);
+  }
 
   controls::Label& m_label;
 };

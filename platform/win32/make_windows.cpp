@@ -5,15 +5,11 @@
 #include "platform/win32/container_windows.h"
 #include "platform/win32/control_window.h"
 #include "platform/win32/label_window.h"
+#include "platform/win32/list_window.h"
 #include "platform/win32/progress_window.h"
 #include "platform/win32/split_window.h"
 #include "platform/win32/tab_window.h"
-#if __has_include("platform/win32/tree_window.h")
 #include "platform/win32/tree_window.h"
-#endif
-#if __has_include("platform/win32/list_window.h")
-#include "platform/win32/list_window.h"
-#endif
 
 namespace kxrestore::win32 {
 
@@ -40,21 +36,17 @@ std::unique_ptr<controls::Peer> MakeWindow(WindowContext& context, controls::Con
       return MakeTextBoxWindow(context, static_cast<controls::TextBox&>(control), parent);
     case Kind::kTabStrip:
       return MakeTabWindow(context, static_cast<controls::TabStrip&>(control), parent);
-#if __has_include("platform/win32/tree_window.h")
     case Kind::kTreeView:
       return MakeTreeWindow(context, static_cast<controls::TreeView&>(control), parent);
-#endif
-#if __has_include("platform/win32/list_window.h")
     case Kind::kAutoSelect:
       return MakeListWindow(context, static_cast<controls::AutoSelect&>(control), parent);
-#endif
     case Kind::kDriveListBox:
       return MakeDriveListBoxWindow(context, static_cast<controls::DriveListBox&>(control), parent);
     case Kind::kProgressBar:
       return MakeProgressWindow(context, static_cast<controls::ProgressBar&>(control), parent);
     case Kind::kSplitBar:
       return MakeSplitWindow(context, static_cast<controls::SplitBar&>(control), parent);
-    default:
+    case Kind::kForm:
       break;
   }
   return nullptr;

@@ -63,6 +63,25 @@ TEST(FormKeys, UnderlinedLettersPressTheirControlAndSelectTheirTab) {
   EXPECT_TRUE(session.Run(ui.form));
 }
 
+TEST(FormKeys, LabelsPointToWhatFollowsUnlessTheyShowNames) {
+  SampleForm ui;
+  ui.label.SetCaption("A&rea");
+  controls::Label name("name", &ui.panel, "R&D");
+  controls::TextBox after("after", &ui.form);
+  name.SetUseMnemonic(false);
+  FormSession session;
+  session.Then([&] { FormSession::PressAlt(L'r'); })
+      .Then([&] {
+        EXPECT_EQ(FormSession::Focused(), &ui.bar);
+        EXPECT_NE(GetWindowLongPtrW(FormSession::WindowOf(name), GWL_STYLE) & SS_NOPREFIX, 0);
+        EXPECT_EQ(GetWindowLongPtrW(FormSession::WindowOf(ui.label), GWL_STYLE) & SS_NOPREFIX, 0);
+        after.SetFocus();
+        FormSession::PressAlt(L'd');
+      })
+      .Then([&] { EXPECT_EQ(FormSession::Focused(), &after); });
+  EXPECT_TRUE(session.Run(ui.form));
+}
+
 TEST(FormKeys, ArrowsChooseAmongOptions) {
   SampleForm ui;
   FormSession session;
