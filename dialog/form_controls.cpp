@@ -47,6 +47,7 @@ FormControls::FormControls() {
   lblSetName.SetFontName("Arial");
   lblCurrSet.SetFontName("Arial");
   lblRestorePath.SetRightAligned(true);
+  for (auto* const label : {&lblSetName, &lblRestorePath}) label->SetUseMnemonic(false);
   txtVL.SetLocked(true);
 
   // What a screen reader says of controls that carry no caption.
