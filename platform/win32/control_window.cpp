@@ -1,5 +1,8 @@
 #include "platform/win32/control_window.h"
 
+#include <mutex>
+#include <unordered_map>
+
 #include "base/error.h"
 #include "platform/win32/accessible_name.h"
 #include "platform/win32/wide_text.h"
@@ -9,12 +12,44 @@ namespace kxrestore::win32 {
 namespace {
 
 constexpr wchar_t kNameProperty[] = L"KXRestore.Control";
-constexpr wchar_t kWindowProperty[] = L"KXRestore.Window";  // the ControlWindow of a handle
-constexpr UINT_PTR kSubclass = 1;
 constexpr UINT kMoveFlags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOOWNERZORDER;
 
 bool HasVisibleStyle(HWND window) {
   return (GetWindowLongPtrW(window, GWL_STYLE) & WS_VISIBLE) != 0;
+}
+
+// The windows of controls. Properties of a window, and the subclassing that builds on them, would be the
+// usual place for this, but cost a call of the window server each, for every message: a tree that drops
+// 100,000 items sends as many.
+struct Registered {
+  ControlWindow* window;  // nullptr when the control has let go of its window
+  WNDPROC procedure;      // the window's own
+};
+
+class Registry {
+ public:
+  void Set(HWND handle, Registered entry) {
+    const std::lock_guard lock(m_mutex);
+    m_entries[handle] = entry;
+  }
+  Registered Get(HWND handle) const {
+    const std::lock_guard lock(m_mutex);
+    const auto entry = m_entries.find(handle);
+    return entry == m_entries.end() ? Registered{nullptr, DefWindowProcW} : entry->second;
+  }
+  void Remove(HWND handle) {
+    const std::lock_guard lock(m_mutex);
+    m_entries.erase(handle);
+  }
+
+ private:
+  mutable std::mutex m_mutex;
+  std::unordered_map<HWND, Registered> m_entries;
+};
+
+Registry& Windows() {
+  static Registry windows;
+  return windows;
 }
 
 bool HoldsFocus(HWND window) {
@@ -37,7 +72,7 @@ void ControlWindow::Destroy() {
   const HWND handle = m_handle;
   m_handle = nullptr;
   if (!m_control.ToolTipText().empty()) m_context.SetToolTip(handle, {});
-  RemoveWindowSubclass(handle, Procedure, kSubclass);
+  Windows().Set(handle, {nullptr, Windows().Get(handle).procedure});
   UnnameWindow(handle);
   DestroyWindow(handle);
 }
@@ -47,7 +82,7 @@ ControlWindow* ControlWindow::Of(controls::Control& control) {
 }
 
 ControlWindow* ControlWindow::FromHandle(HWND handle) {
-  return handle == nullptr ? nullptr : static_cast<ControlWindow*>(GetPropW(handle, kWindowProperty));
+  return Windows().Get(handle).window;
 }
 
 ControlWindow* ControlWindow::Enclosing(HWND handle) {
@@ -77,8 +112,9 @@ void ControlWindow::Create(HWND parent, const wchar_t* windowClass, const std::w
 
 void ControlWindow::Attach(HWND handle) {
   m_handle = handle;
-  SetPropW(handle, kWindowProperty, this);
-  SetWindowSubclass(handle, Procedure, kSubclass, reinterpret_cast<DWORD_PTR>(this));
+  const auto own = reinterpret_cast<WNDPROC>(GetWindowLongPtrW(handle, GWLP_WNDPROC));
+  Windows().Set(handle, {this, own});
+  SetWindowLongPtrW(handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
   NameWindow();
   SendMessageW(handle, WM_SETFONT, reinterpret_cast<WPARAM>(OwnFont()), FALSE);
   SetAccessibleName();
@@ -94,7 +130,6 @@ void ControlWindow::NameWindow() {
 }
 
 void ControlWindow::UnnameWindow(HWND handle) {
-  RemovePropW(handle, kWindowProperty);
   RemovePropW(handle, kNameProperty);
   if (m_name != 0) GlobalDeleteAtom(m_name);
   m_name = 0;
@@ -242,14 +277,19 @@ void ControlWindow::PeerRefresh() {
   if (m_handle != nullptr) Later(kRefreshFlag);
 }
 
-LRESULT CALLBACK ControlWindow::Procedure(HWND handle, UINT message, WPARAM wide, LPARAM extra,
-                                          UINT_PTR /*id*/, DWORD_PTR self) {
-  auto* const window = reinterpret_cast<ControlWindow*>(self);
-  WindowContext& context = window->m_context;
+LRESULT ControlWindow::PassOn(UINT message, WPARAM wide, LPARAM extra) const {
+  return CallWindowProcW(Windows().Get(m_handle).procedure, m_handle, message, wide, extra);
+}
+
+LRESULT CALLBACK ControlWindow::Procedure(HWND handle, UINT message, WPARAM wide, LPARAM extra) {
+  const Registered entry = Windows().Get(handle);
+  if (message == WM_NCDESTROY) Windows().Remove(handle);
+  if (entry.window == nullptr) return CallWindowProcW(entry.procedure, handle, message, wide, extra);
+  WindowContext& context = entry.window->m_context;
   const WindowContext::MessageScope scope(context);
   std::optional<LRESULT> result;
-  context.Guarded([&] { result = window->Dispatch(message, wide, extra); });
-  return result ? *result : DefSubclassProc(handle, message, wide, extra);
+  context.Guarded([&] { result = entry.window->Dispatch(message, wide, extra); });
+  return result ? *result : CallWindowProcW(entry.procedure, handle, message, wide, extra);
 }
 
 std::optional<LRESULT> ControlWindow::Dispatch(UINT message, WPARAM wide, LPARAM extra) {
@@ -291,7 +331,6 @@ std::optional<LRESULT> ControlWindow::Dispatch(UINT message, WPARAM wide, LPARAM
     case WM_NCDESTROY: {  // somebody else destroyed it
       const HWND handle = std::exchange(m_handle, nullptr);
       UnnameWindow(handle);
-      RemoveWindowSubclass(handle, Procedure, kSubclass);
       return std::nullopt;
     }
     default:

@@ -71,6 +71,9 @@ class ControlWindow {
   // For the destructors of derived classes whose On... members must not be called any more.
   void Destroy();
 
+  // What the window's own procedure answers to a message.
+  LRESULT PassOn(UINT message, WPARAM wide, LPARAM extra) const;
+
   // Marks the window as changed. `flags` are handed to OnFlush; bits from kFirstOwnFlag on are free for
   // peers.
   enum : unsigned {
@@ -112,8 +115,7 @@ class ControlWindow {
   void PeerFreezeRedraw(bool frozen);
 
  private:
-  static LRESULT CALLBACK Procedure(HWND handle, UINT message, WPARAM wide, LPARAM extra, UINT_PTR id,
-                                    DWORD_PTR self);
+  static LRESULT CALLBACK Procedure(HWND handle, UINT message, WPARAM wide, LPARAM extra);
   std::optional<LRESULT> Dispatch(UINT message, WPARAM wide, LPARAM extra);
   void NameWindow();
   void UnnameWindow(HWND handle);

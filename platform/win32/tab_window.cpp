@@ -17,7 +17,7 @@ class TabWindow final : public WindowPeer<controls::Peer> {
   // Themes paint the body in a colour of their own, which would show as seams around the panels.
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wide, LPARAM extra) override {
     if (message != WM_PAINT) return std::nullopt;
-    const LRESULT result = DefSubclassProc(Handle(), message, wide, extra);
+    const LRESULT result = PassOn(message, wide, extra);
     RECT body{};
     GetClientRect(Handle(), &body);
     SendMessageW(Handle(), TCM_ADJUSTRECT, FALSE, reinterpret_cast<LPARAM>(&body));
