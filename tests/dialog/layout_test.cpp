@@ -76,6 +76,9 @@ TEST_F(LayoutTest, NothingOverlapsOrLeavesItsContainerAtAnySize) {
         EXPECT_GT(list->Width(), 600) << list->Name();
         EXPECT_GT(list->Height(), 600) << list->Name();
       }
+      // Room for a heading and two lines even in the smallest window.
+      EXPECT_GE(ui.asSearch.Height(), 600);
+      EXPECT_GE(ui.asFiles.Height(), 600);
     }
   }
 }
