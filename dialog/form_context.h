@@ -84,6 +84,16 @@ class FormContext {
     if (error) ReportError(*error, routine);
     return !error;
   }
+  // The same with a step of its own before the error is shown.
+  template <class Body, class Before>
+  bool Reporting(const std::string& routine, Body&& body, Before&& before) {
+    const std::optional<Error> error = Trap(body);
+    if (error) {
+      Skipping(before);
+      ReportError(*error, routine);
+    }
+    return !error;
+  }
   // Runs `body` up to its first error, which nobody hears of. Whether there was none.
   template <class Body>
   bool Skipping(Body&& body) {

@@ -7,6 +7,7 @@
 #include "catalog/text_routines.h"
 #include "controls/program_settings.h"
 #include "dialog/auto_select.h"
+#include "dialog/cd_archive.h"
 #include "dialog/context_help.h"
 #include "dialog/detail_actions.h"
 #include "dialog/layout.h"
@@ -42,9 +43,11 @@ struct frmRestore::Loaded {
                     {[&form] { Raise(form.CommenceRestore); }, [&form] { Raise(form.CancelRestore); }}),
         search(context, setTree, restoreList),
         autoSelect(context, setTree, restoreList),
+        cdArchive(context),
         help(context),
         placement(ui, form.m_platform) {
     setTree.LoadBackupSetDetail = [this](controls::Node run) { setDetail.LoadBackupSetDetail(run); };
+    setTree.ArchiveNode = [this](controls::Node node) { cdArchive.OpenBranch(node); };
     detailActions.ListCurrentSelections = [this] { restoreList.ListCurrentSelections(); };
     layout.InitializeFileTypes = [this] { return autoSelect.LoadTypes(); };
   }
@@ -62,6 +65,7 @@ struct frmRestore::Loaded {
   RestoreList restoreList;
   Search search;
   AutoSelectPanel autoSelect;
+  CdArchive cdArchive;
   ContextHelp help;
   WindowPlacement placement;
 };
@@ -104,6 +108,7 @@ void frmRestore::LoadSequence() {
                                                      m_parameters.DBUser, m_parameters.DBPass);
   }
   m_loaded->setTree.LoadBackupSetTree();
+  m_loaded->cdArchive.AddBranch();
 
   if (m_parameters.RestorePath.empty()) {
     ui.lblRestorePath.SetCaption("Restore To: (Original Path)");

@@ -25,6 +25,8 @@ class Drives {
   // Whether a directory search for the pattern (wildcards in its last component) finds a file. An error is
   // "no".
   virtual bool FileMatches(const std::string& pattern) = 0;
+  // The path of the first file that such a search finds; empty when there is none.
+  virtual std::string FirstFile(const std::string& pattern) = 0;
 };
 
 }  // namespace kxrestore::platform

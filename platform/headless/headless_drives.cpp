@@ -65,15 +65,16 @@ std::optional<std::string> HeadlessDrives::VolumeLabel(const std::string& root, 
   return drive->label;
 }
 
-bool HeadlessDrives::FileMatches(const std::string& pattern) {
+std::string HeadlessDrives::FirstFile(const std::string& pattern) {
   const std::string wanted = Normalised(pattern);
   const std::size_t maskStart = wanted.rfind('\\') + 1;  // 0 when there is no separator
-  return std::any_of(files.begin(), files.end(), [&](const std::string& file) {
+  const auto found = std::find_if(files.begin(), files.end(), [&](const std::string& file) {
     const std::string path = Normalised(file);
     const std::size_t nameStart = path.rfind('\\') + 1;
     return std::string_view(path).substr(0, nameStart) == std::string_view(wanted).substr(0, maskStart) &&
            Matches(std::string_view(wanted).substr(maskStart), std::string_view(path).substr(nameStart));
   });
+  return found == files.end() ? std::string() : *found;
 }
 
 }  // namespace kxrestore::platform

@@ -26,7 +26,8 @@ class HeadlessDrives : public Drives {
   std::optional<std::string> VolumeLabel(const std::string& root, std::uint32_t capacity) override;
   void MciCommand(const std::string& command) override { mciCommands.push_back(command); }
   // Repeated separators count as one, letters match in either case; "*" and "?" in the last component.
-  bool FileMatches(const std::string& pattern) override;
+  bool FileMatches(const std::string& pattern) override { return !FirstFile(pattern).empty(); }
+  std::string FirstFile(const std::string& pattern) override;
 
  private:
   const Drive* Find(const std::string& root) const;

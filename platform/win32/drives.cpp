@@ -40,6 +40,7 @@ class FileSearch {
     } while (FindNextFileW(m_handle, &m_found));
     return false;
   }
+  const wchar_t* Name() const { return m_found.cFileName; }
 
  private:
   WIN32_FIND_DATAW m_found{};
@@ -82,6 +83,13 @@ void Win32Drives::MciCommand(const std::string& command) {
 bool Win32Drives::FileMatches(const std::string& pattern) {
   const QuietErrors quiet;
   return FileSearch(Wide(pattern)).FindsFile();
+}
+
+std::string Win32Drives::FirstFile(const std::string& pattern) {
+  const QuietErrors quiet;
+  FileSearch search(Wide(pattern));
+  if (!search.FindsFile()) return {};
+  return pattern.substr(0, pattern.rfind('\\') + 1) + Narrow(search.Name());
 }
 
 }  // namespace kxrestore::win32

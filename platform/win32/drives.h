@@ -12,6 +12,7 @@ class Win32Drives final : public platform::Drives {
   std::optional<std::string> VolumeLabel(const std::string& root, std::uint32_t capacity) override;
   void MciCommand(const std::string& command) override;
   bool FileMatches(const std::string& pattern) override;
+  std::string FirstFile(const std::string& pattern) override;
 };
 
 }  // namespace kxrestore::win32

@@ -66,6 +66,8 @@ TEST(HeadlessDrives, SearchesADirectoryForAPattern) {
   EXPECT_FALSE(drives.FileMatches("E:\\*.txt"));
   EXPECT_FALSE(drives.FileMatches("E:\\backup!mdb"));
   EXPECT_FALSE(drives.FileMatches(""));
+  EXPECT_EQ(drives.FirstFile("e:\\\\backup!mdb*"), "E:\\backup!mdb0001");
+  EXPECT_EQ(drives.FirstFile("E:\\none*"), "");
 }
 
 TEST(HeadlessRegistry, NamesIgnoreCaseAndClosedKeysAreGone) {

@@ -85,6 +85,7 @@ TEST_F(MachineTest, DrivesAndFilesAreFound) {
   MoveFileExW(Wide(base + "x.tmp").c_str(), file.c_str(), MOVEFILE_REPLACE_EXISTING);
   CreateDirectoryW(onlyFolder.c_str(), nullptr);
   EXPECT_TRUE(drives.FileMatches(base + "arch*.mdb"));
+  EXPECT_EQ(base + "archive \xC3\xBC.mdb", drives.FirstFile(base + "arch*.mdb"));
   EXPECT_TRUE(drives.FileMatches(base + "archive \xC3\xBC.mdb"));
   EXPECT_FALSE(drives.FileMatches(base + "none*.mdb"));
   EXPECT_FALSE(drives.FileMatches(base + "*.dir"));

@@ -1,0 +1,190 @@
+#include "dialog/cd_archive.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <vector>
+
+#include "catalog/text_routines.h"
+#include "controls/cd.h"
+#include "dialog/archive_headers.h"
+#include "platform/desktop.h"
+#include "platform/drives.h"
+
+namespace kxrestore::dialog {
+
+namespace {
+
+constexpr const char* kArchivePath = "C:\\dev\\wrk\\qvs\\tarvane source\\client\\CDArchive.mdb";
+constexpr const char* kHeaders = "SELECT * FROM ArchiveHeader";
+constexpr const char* kDiscFiles = "\\backup!mdb*";
+constexpr std::string_view kAddKey = "ArchAdd";
+constexpr const char* kNoArchive = "Requires CD Archives Database";
+constexpr const char* kNoBackupData = "disc Contains no backup data.";
+
+// The CD-ROM drives as the drive list writes them: "d:".
+std::vector<std::string> DiscDrives(platform::Drives& drives) {
+  constexpr std::uint32_t kCapacity = 256;  // room for every letter
+  std::vector<std::string> found;
+  const std::string roots = drives.LogicalDriveStrings(kCapacity);
+  for (std::size_t start = 0; start < roots.size();) {
+    const std::string root = roots.substr(start, roots.find('\0', start) - start);
+    start += root.size() + 1;
+    if (drives.DriveType(root) == platform::kDriveCdRom) found.push_back(root.substr(0, root.find('\\')));
+  }
+  return found;
+}
+
+}  // namespace
+
+CdArchive::CdArchive(FormContext& context) : m_context(context) {
+  m_context.ui.DriveCD.Change = [this] { m_context.Command("DriveCD.Change", [this] { DriveCD_Change(); }); };
+  m_context.ui.cmdCD.Click = [this] { m_context.Command("cmdCD.Click", [this] { cmdCD_Click(); }); };
+}
+
+void CdArchive::AddBranch() {
+  platform::Drives& drives = m_context.platform.drives;
+  const auto discDrives = DiscDrives(drives);
+  if (discDrives.empty() && !drives.FileMatches(kArchivePath)) return;
+  controls::TreeView& tree = m_context.ui.tvwSets;
+  m_branch = tree.Add({}, "", "Archive Sets");
+  tree.Add(m_branch, kAddKey, "Append new Archive CD ...");
+  m_context.ui.DriveCD.SetDrives(discDrives);
+}
+
+void CdArchive::OpenBranch(controls::Node node) {
+  if (!m_current) LoadUpArchives(node);
+}
+
+void CdArchive::LoadUpArchives(controls::Node node) {
+  m_current = node;
+  m_context.Reporting(
+      "LoadUpArchives", [&] { ReadBranch(node); },
+      [this] { m_context.MessageBox(kNoArchive, platform::kOkOnly, ""); });
+}
+
+void CdArchive::ReadBranch(controls::Node branch) {
+  FormContext::Walk walk(m_context);
+  const auto database = m_context.workspace.OpenDatabase({.name = kArchivePath});
+  const auto rows = database->OpenRecordset(kHeaders, engine::RecordsetType::kSnapshot);
+  const engine::Field volumes = rows->Fields("Volume"), years = rows->Fields("YYYY"),
+                      months = rows->Fields("MM"), setNames = rows->Fields("SetName");
+  for (; !rows->Eof(); rows->MoveNext()) {
+    if (!walk.Next()) {
+      m_current = {};  // the rest comes when the branch is opened again
+      return;
+    }
+    const std::string volume = volumes.Text(), year = years.Text(), month = months.Text(),
+                      setName = setNames.Text();
+    std::string key = "CD" + volume;
+    controls::Node node = NodeUnder(branch, key, "Volume " + volume);
+    node = NodeUnder(node, key.append("\\").append(year), "Backups for " + year);
+    node = NodeUnder(node, key.append("\\").append(month), "Backups for " + year + "-" + month);
+    NodeUnder(node, key.append("\\").append(setName), setName);
+  }
+  rows->Close();
+}
+
+// A key holds the keys of all nodes above, so rows need not be sorted for one node each.
+controls::Node CdArchive::NodeUnder(controls::Node parent, const std::string& key, const std::string& text) {
+  controls::TreeView& tree = m_context.ui.tvwSets;
+  const controls::Node node = tree.Find(key);
+  return node ? node : m_current = tree.Add(parent, key, text);
+}
+
+void CdArchive::DriveCD_Change() {
+  FormControls& ui = m_context.ui;
+  controls::cCD discs(m_context.platform.drives, m_context.platform.desktop);
+  ui.txtVL.SetText(discs.GetVolumeLabel(catalog::AddBackslash(ui.DriveCD.Drive())));
+  // The system's last drive, not the one chosen.
+  if (IsArchiveDisc(discs.CDDriveLetter())) {
+    ui.cmdCD.SetEnabled(true);
+    ui.lblCD[2].SetVisible(false);
+  } else {
+    Say(kNoBackupData);
+  }
+}
+
+bool CdArchive::IsArchiveDisc(const std::string& drive) {
+  bool found = false;
+  m_context.Skipping([&] { found = m_context.platform.drives.FileMatches(drive + kDiscFiles); });
+  return found;
+}
+
+void CdArchive::Say(std::string message) {
+  controls::Label& label = m_context.ui.lblCD[2];
+  label.SetCaption(std::move(message));
+  label.SetVisible(true);
+}
+
+void CdArchive::cmdCD_Click() {
+  m_context.ui.lblCD[2].SetVisible(false);
+  m_context.ui.ProgressBar1.SetValue(0);
+  const std::string disc = m_context.platform.drives.FirstFile(m_context.ui.DriveCD.Drive() + kDiscFiles);
+  if (disc.empty()) return Say(kNoBackupData);
+
+  // What cannot be read is found out before anything is written.
+  std::vector<std::string> statements;
+  bool complete = false;
+  const bool read = m_context.Reporting("cmdCD.Click", [&] { complete = ReadMissing(disc, statements); });
+  if (!read || !complete) return Say(read ? "Stopped. Nothing was added." : "The disc was not added.");
+
+  std::size_t added = 0;
+  const bool written = m_context.Reporting("cmdCD.Click", [&] { Write(statements, added); });
+  const std::string result = std::to_string(added) + " archived backup(s) added.";
+  Say(result);
+  if (written) m_context.MessageBox(result, platform::kOkOnly, "");
+  if (added > 0) ShowBranchAnew();
+}
+
+// Whether the user let it run to its end.
+bool CdArchive::ReadMissing(const std::string& disc, std::vector<std::string>& statements) {
+  FormContext::Walk walk(m_context);
+  const auto archive = m_context.workspace.OpenDatabase({.name = kArchivePath});
+  const auto held = archive->OpenRecordset(kHeaders, engine::RecordsetType::kSnapshot);
+  const auto columns = HeaderColumns(*held);
+  std::unordered_set<std::string> known;
+  const HeaderValues heldValues(*held, columns);
+  for (; !held->Eof(); held->MoveNext()) {
+    if (!walk.Next()) return false;
+    known.insert(heldValues.Current());
+  }
+
+  const auto source = m_context.workspace.OpenDatabase({.name = disc, .readOnly = true});
+  const auto rows = source->OpenRecordset(kHeaders, engine::RecordsetType::kSnapshot);
+  const HeaderValues values(*rows, columns);
+  for (; !rows->Eof(); rows->MoveNext()) {
+    if (!walk.Next()) return false;
+    const auto [row, isNew] = known.insert(values.Current());
+    if (isNew) statements.push_back(InsertHeader(columns, *row));
+  }
+  return true;
+}
+
+void CdArchive::Write(const std::vector<std::string>& statements, std::size_t& added) {
+  controls::ProgressBar& progress = m_context.ui.ProgressBar1;
+  progress.SetMax(static_cast<double>(std::max<std::size_t>(statements.size(), 1)));
+  FormContext::Walk walk(m_context);
+  const auto archive = m_context.workspace.OpenDatabase({.name = kArchivePath});
+  for (const std::string& statement : statements) {
+    if (!walk.Next()) return;
+    archive->Execute(statement, engine::kFailOnError);
+    progress.SetValue(static_cast<double>(++added));
+  }
+}
+
+void CdArchive::ShowBranchAnew() {
+  Choice& choice = m_context.choice;
+  if (choice.m_nodCurrent && choice.m_nodCurrent.Parent() && choice.m_nodCurrent.Root() == m_branch &&
+      choice.m_nodCurrent.Key() != kAddKey) {
+    choice.m_nodCurrent = {};
+  }
+  for (controls::Node node = m_branch.Child(); node;) {
+    const controls::Node next = node.Next();
+    if (node.Key() != kAddKey) m_context.ui.tvwSets.Remove(node);
+    node = next;
+  }
+  LoadUpArchives(m_branch);
+  m_branch.SetExpanded(true);
+}
+
+}  // namespace kxrestore::dialog
