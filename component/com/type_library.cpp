@@ -13,19 +13,19 @@ void Check(HRESULT result, const char* what) {
   if (FAILED(result)) throw Error(static_cast<int>(result), what, "KXRestore");
 }
 
-// Shares what the argument refers to; the copy owns nothing.
-VARIANTARG Unwrapped(VARIANTARG argument) {
-  // A reference to a variant that is itself one is against the rules; a few are followed, a circle is not.
-  for (int depth = 0; depth < 4 && argument.vt == (VT_BYREF | VT_VARIANT) && argument.pvarVal; ++depth) {
-    VARIANT* inner = argument.pvarVal;
-    if (inner->vt == VT_BSTR) {
-      argument.vt = VT_BYREF | VT_BSTR;
-      argument.pbstrVal = &inner->bstrVal;
-    } else {
-      argument = *inner;
-    }
+// Puts what a reference to a variant leads to in its place; the argument still owns nothing. False for a
+// reference that leads to another one, which is against the rules and may be a circle.
+bool Unwrap(VARIANTARG& argument) {
+  if (argument.vt != (VT_BYREF | VT_VARIANT) || !argument.pvarVal) return true;
+  VARIANT& inner = *argument.pvarVal;
+  if (inner.vt == (VT_BYREF | VT_VARIANT)) return false;
+  if (inner.vt == VT_BSTR) {
+    argument.vt = VT_BYREF | VT_BSTR;
+    argument.pbstrVal = &inner.bstrVal;
+  } else {
+    argument = inner;
   }
-  return argument;
+  return true;
 }
 
 }  // namespace
@@ -44,9 +44,12 @@ ComPtr<ITypeInfo> LoadTypeInfo(REFGUID type) {
 
 HRESULT InvokeByType(ITypeInfo& type, void* object, DISPID member, WORD flags, const DISPPARAMS& parameters,
                      VARIANT* result, EXCEPINFO* exception, UINT* wrongArgument) {
-  std::vector<VARIANTARG> arguments;
-  arguments.reserve(parameters.cArgs);
-  for (UINT i = 0; i < parameters.cArgs; ++i) arguments.push_back(Unwrapped(parameters.rgvarg[i]));
+  std::vector<VARIANTARG> arguments(parameters.rgvarg, parameters.rgvarg + parameters.cArgs);
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (Unwrap(arguments[i])) continue;
+    if (wrongArgument) *wrongArgument = static_cast<UINT>(i);
+    return DISP_E_TYPEMISMATCH;
+  }
   DISPPARAMS plain = parameters;
   plain.rgvarg = arguments.data();
   return type.Invoke(object, member, flags, &plain, result, exception, wrongArgument);
