@@ -38,7 +38,7 @@ FormControls::FormControls() {
   Size(lblCurrSet, kButtonWidth, kLineHeight);
   Size(lblSetName, kButtonWidth, 3 * kLineHeight);
   Size(picCounts, kButtonWidth, 3 * kLineHeight);
-  Size(picTopButtons, 2910, 1400);
+  Size(picTopButtons, 2830, 1400);
   Size(chkShowZero, 1900, kBoxHeight);
   for (auto& frame : frLookin) Size(frame, 2325, 525);
   lblCounts[1].SetVisible(false);  // nobody counts bytes

@@ -23,6 +23,7 @@ constexpr int kDesignedTree = 3200;
 constexpr int kEdge = 60;                  // from the tab strip's border to what stands inside
 constexpr int kRow = kTreeTop - kTabsTop;  // first row on a panel, level with the set tree
 constexpr int kGap = 90;
+constexpr int kInset = 45;  // left of everything on a panel
 
 constexpr int kColumnEdge = 180;  // right of a column of buttons
 constexpr int kListTop = 360;     // on the lower area
@@ -30,7 +31,8 @@ constexpr int kHeadingRoom = 2500;
 
 // The column right of the upper area takes a quarter of the window within these.
 constexpr int kNarrowColumn = 1700;
-constexpr int kWideColumn = 2910;
+constexpr int kWideColumn = 2830;  // room for both buttons side by side
+constexpr int kColumnInset = 10;   // right of its buttons, which end where the lower buttons end
 
 // Widths below which things stand one below the other.
 constexpr int kLabelAndField = 2700;
@@ -125,10 +127,10 @@ void Layout::KeepSplitters() {
 void Layout::PlaceRightColumn() {
   auto& column = m_ui.picTopButtons;
   auto& commit = m_ui.cmdRestore;
-  const bool wide = column.Width() >= kEdge + 2 * kButtonWidth + kGap;
-  commit[0].Move(kEdge, 0, kButtonWidth, kButtonHeight);
-  commit[1].Move(wide ? kEdge + kButtonWidth + kGap : kEdge, wide ? 0 : kButtonPitch, kButtonWidth,
-                 kButtonHeight);
+  const bool wide = column.Width() >= kWideColumn;
+  const int last = column.Width() - kColumnInset - kButtonWidth;
+  commit[0].Move(wide ? last - kGap - kButtonWidth : last, 0, kButtonWidth, kButtonHeight);
+  commit[1].Move(last, wide ? 0 : kButtonPitch, kButtonWidth, kButtonHeight);
   int top = commit[1].Top() + kButtonHeight + kGap;
   const int width = column.Width() - kEdge;
   m_ui.lblCurrSet.Move(kEdge, top, width, kLineHeight);
@@ -207,7 +209,7 @@ void Layout::PlaceSetsPanel() {
   for (int row = 0; row < 4; ++row) {
     Place(m_ui.cmdAction[row], column, ButtonTop(row), kButtonWidth, kButtonHeight);
   }
-  Place(m_ui.tvwDetails, 0, kRow, column - kGap, area.Height() - kRow);
+  Place(m_ui.tvwDetails, kInset, kRow, column - kGap, area.Height() - kRow);
   const auto& last = m_ui.cmdAction[3];
   Place(m_ui.lblTreeCount, column, last.Top() + last.Height() + 120, kButtonWidth, 3 * kLineHeight);
   m_ui.lblTreeCount.SetVisible(true);
@@ -259,26 +261,26 @@ void Layout::PlaceSearchPanel() {
 
   int top = kRow;
   if (width >= kLabelAndField) {
-    Place(m_ui.lblMask, 0, top + 60, 1200, kLineHeight);
-    Place(m_ui.cboMask, 1200, top, width - 1200, kFieldHeight);
+    Place(m_ui.lblMask, kInset, top + 60, 1200, kLineHeight);
+    Place(m_ui.cboMask, kInset + 1200, top, width - 1200, kFieldHeight);
   } else {
-    Place(m_ui.lblMask, 0, top, width, kLineHeight);
+    Place(m_ui.lblMask, kInset, top, width, kLineHeight);
     top += kLineHeight;
-    Place(m_ui.cboMask, 0, top, width, kFieldHeight);
+    Place(m_ui.cboMask, kInset, top, width, kFieldHeight);
   }
   top += kFieldHeight + 60;
   if (width >= kBoxInRow + kGap + kOptionsInRow) {
-    Place(m_ui.chk1, 0, top + 225, kBoxInRow, kBoxHeight);
-    Place(m_ui.frLookin[1], kBoxInRow + kGap, top, kOptionsInRow, m_ui.frLookin[1].Height());
+    Place(m_ui.chk1, kInset, top + 225, kBoxInRow, kBoxHeight);
+    Place(m_ui.frLookin[1], kInset + kBoxInRow + kGap, top, kOptionsInRow, m_ui.frLookin[1].Height());
   } else {
     const int height = width >= kBoxInRow ? kBoxHeight : 2 * kBoxHeight;
-    Place(m_ui.chk1, 0, top, width, height);
+    Place(m_ui.chk1, kInset, top, width, height);
     top += height + 30;
-    Place(m_ui.frLookin[1], 0, top, std::min(width, kOptionsInRow), m_ui.frLookin[1].Height());
+    Place(m_ui.frLookin[1], kInset, top, std::min(width, kOptionsInRow), m_ui.frLookin[1].Height());
   }
   m_context.Skipping([this] { PlaceOptions(1); });
   top += m_ui.frLookin[1].Height() + kGap;
-  Place(m_ui.asSearch, 0, top, width, area.Height() - top - 100);
+  Place(m_ui.asSearch, kInset, top, width, area.Height() - top - 100);
   m_ui.lblMask.BringToFront();
   m_ui.cboMask.BringToFront();
   m_ui.chk1.BringToFront();
@@ -292,22 +294,22 @@ void Layout::PlaceAutoPanel() {
   const int perRow = width >= 3 * kButtonWidth + 2 * kGap ? 3 : 2;
   int top = area.Height() - kButtonPitch * (3 / perRow + (3 % perRow != 0 ? 1 : 0));
   for (int index = 0; index < 3; ++index) {
-    Place(m_ui.cmdAuto[index], index % perRow * (kButtonWidth + kGap), top + index / perRow * kButtonPitch,
-          kButtonWidth, kButtonHeight);
+    Place(m_ui.cmdAuto[index], kInset + index % perRow * (kButtonWidth + kGap),
+          top + index / perRow * kButtonPitch, kButtonWidth, kButtonHeight);
   }
   const bool row = width >= kBoxInRow + kGap + kOptionsInRow;
-  Place(m_ui.frLookin[2], 0, m_ui.frLookin[2].Top(), std::min(width, kOptionsInRow),
+  Place(m_ui.frLookin[2], kInset, m_ui.frLookin[2].Top(), std::min(width, kOptionsInRow),
         m_ui.frLookin[2].Height());
   m_context.Skipping([this] { PlaceOptions(2); });
   top -= m_ui.frLookin[2].Height() + kGap;
   m_ui.frLookin[2].SetTop(top);
   if (row) {
-    Place(m_ui.chk2, kOptionsInRow + kGap, top + 225, kBoxInRow, kBoxHeight);
+    Place(m_ui.chk2, kInset + kOptionsInRow + kGap, top + 225, kBoxInRow, kBoxHeight);
   } else {
     top -= kBoxHeight + 30;
-    Place(m_ui.chk2, 0, top, width, kBoxHeight);
+    Place(m_ui.chk2, kInset, top, width, kBoxHeight);
   }
-  Place(m_ui.asFiles, 0, kRow, width, top - kRow - 60);
+  Place(m_ui.asFiles, kInset, kRow, width, top - kRow - 60);
 }
 
 void Layout::tbsOptions_Click() {
