@@ -1,13 +1,19 @@
 #include "platform/win32/container_windows.h"
 
+#include <algorithm>
+
 #include "platform/win32/wide_text.h"
 #include "platform/win32/window_classes.h"
+
+#include <uxtheme.h>
+#include <vssym32.h>
 
 namespace kxrestore::win32 {
 
 namespace {
 
 constexpr DWORD kContainerStyle = WS_CLIPCHILDREN;
+constexpr int kCaptionIndent = 120;  // twips
 
 class PictureBoxWindow final : public WindowPeer<controls::Peer> {
  public:
@@ -18,48 +24,81 @@ class PictureBoxWindow final : public WindowPeer<controls::Peer> {
   bool TakesFocus() const override { return false; }
 };
 
-// The border and the caption are a group box that lies behind the controls; it lets clicks through.
+struct ThemeCloser {
+  void operator()(HTHEME theme) const { CloseThemeData(theme); }
+};
+using ThemeHandle = std::unique_ptr<std::remove_pointer_t<HTHEME>, ThemeCloser>;
+
+// Draws its border itself: a group box as a child would cover what lies inside it.
 class FrameWindow final : public WindowPeer<controls::Peer> {
  public:
   FrameWindow(WindowContext& context, controls::Frame& frame, HWND parent)
       : WindowPeer(context, frame), m_frame(frame) {
     Create(parent, kContainerClass, Wide(frame.Caption()), kContainerStyle, WS_EX_CONTROLPARENT);
-    const ActivationScope scope(context.ActivationContext());
-    m_border = CreateWindowExW(WS_EX_TRANSPARENT, WC_BUTTONW, Wide(frame.Caption()).c_str(),
-                               WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | BS_GROUPBOX, 0, 0, 0, 0, Handle(),
-                               nullptr, context.Module(), nullptr);
-    FitBorder();
-    SendMessageW(m_border, WM_SETFONT, reinterpret_cast<WPARAM>(OwnFont()), FALSE);
   }
   bool TakesFocus() const override { return false; }
 
-  std::optional<LRESULT> OnMessage(UINT message, WPARAM /*wide*/, LPARAM /*extra*/) override {
-    if (message == WM_SIZE) FitBorder();
-    return std::nullopt;
-  }
-
-  void OnDpiChanged() override {
-    WindowPeer::OnDpiChanged();
-    SendMessageW(m_border, WM_SETFONT, reinterpret_cast<WPARAM>(OwnFont()), FALSE);
+  std::optional<LRESULT> OnMessage(UINT message, WPARAM wide, LPARAM extra) override {
+    switch (message) {
+      case WM_PAINT:
+        Paint();
+        return 0;
+      case WM_SIZE:
+      case WM_THEMECHANGED:
+        InvalidateRect(Handle(), nullptr, TRUE);
+        return std::nullopt;
+      case WM_UPDATEUISTATE: {  // underlines come and go
+        const LRESULT result = PassOn(message, wide, extra);
+        InvalidateRect(Handle(), nullptr, TRUE);
+        return result;
+      }
+      default:
+        return std::nullopt;
+    }
   }
 
  protected:
   void OnFlush(unsigned flags) override {
     WindowPeer::OnFlush(flags);
-    if ((flags & kCaptionFlag) == 0) return;
-    SetWindowTextW(Handle(), Wide(m_frame.Caption()).c_str());
-    SetWindowTextW(m_border, Wide(m_frame.Caption()).c_str());
+    if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), Wide(m_frame.Caption()).c_str());
+    if ((flags & (kCaptionFlag | kEnabledFlag)) != 0) InvalidateRect(Handle(), nullptr, TRUE);
   }
 
  private:
-  void FitBorder() {
-    RECT inner{};
-    GetClientRect(Handle(), &inner);
-    SetWindowPos(m_border, HWND_BOTTOM, 0, 0, inner.right, inner.bottom, SWP_NOACTIVATE);
+  void Paint() {
+    PAINTSTRUCT paint{};
+    const HDC dc = BeginPaint(Handle(), &paint);
+    const int state = SaveDC(dc);
+    SelectObject(dc, OwnFont());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, GetSysColor(m_frame.Enabled() ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
+    const std::wstring caption = Wide(m_frame.Caption());
+    const bool hideCues = (SendMessageW(Handle(), WM_QUERYUISTATE, 0, 0) & UISF_HIDEACCEL) != 0;
+    const UINT format = DT_SINGLELINE | (hideCues ? DT_HIDEPREFIX : 0);
+    RECT border{};
+    GetClientRect(Handle(), &border);
+    RECT text{};
+    DrawTextW(dc, caption.c_str(), -1, &text, format | DT_CALCRECT);
+    const int indent = Context().ToPixels(kCaptionIndent);
+    OffsetRect(&text, indent, 0);
+    text.right = std::min(text.right, border.right - indent);
+    DrawTextW(dc, caption.c_str(), -1, &text, format | DT_END_ELLIPSIS);
+    if (!caption.empty()) {
+      const LONG gap = indent / 4;
+      border.top = text.bottom / 2;
+      ExcludeClipRect(dc, text.left - gap, text.top, text.right + gap, text.bottom);
+    }
+    if (const ThemeHandle theme{OpenThemeData(Handle(), L"BUTTON")}) {
+      DrawThemeBackground(theme.get(), dc, BP_GROUPBOX, m_frame.Enabled() ? GBS_NORMAL : GBS_DISABLED,
+                          &border, nullptr);
+    } else {
+      DrawEdge(dc, &border, EDGE_ETCHED, BF_RECT);
+    }
+    RestoreDC(dc, state);
+    EndPaint(Handle(), &paint);
   }
 
   controls::Frame& m_frame;
-  HWND m_border = nullptr;
 };
 
 }  // namespace
