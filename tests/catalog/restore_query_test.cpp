@@ -143,15 +143,6 @@ TEST_F(RestoreQuery, LatestOfAllSets) {
       "FullCatalog.OrigName ORDER BY First(FullCatalog.DateStamp) DESC , First(FullCatalog.ID) DESC;");
 }
 
-TEST_F(RestoreQuery, TwoCallsInARowLeaveTheSameQueries) {
-  Listing(7, true, "a", "");
-  const auto calls = m_script->calls;
-  const auto queries = m_script->queries;
-  Listing(7, true, "a", "");
-  EXPECT_EQ(m_script->calls, calls);
-  EXPECT_EQ(m_script->queries, queries);
-}
-
 TEST_F(RestoreQuery, ADoubleQuoteStaysInsideTheMask) {
   EXPECT_EQ(
       Listing(0, false, "\" Or \"\"=\"", ""),

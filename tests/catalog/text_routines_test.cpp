@@ -29,21 +29,14 @@ TEST(TextRoutines, PathsAndNames) {
   EXPECT_EQ(GetExtension(".hidden"), "hidden");
 }
 
-TEST(TextRoutines, StripNulls) {
+TEST(TextRoutines, NullsAndQuotes) {
   EXPECT_EQ(StripNulls("abc\0def"s), "abc");
   EXPECT_EQ(StripNulls("\0abc"s), "");
   EXPECT_EQ(StripNulls("abc"), "abc");
-  EXPECT_EQ(StripNulls(""), "");
-}
 
-TEST(TextRoutines, FixQuotes) {
   EXPECT_EQ(FixQuotes(""), "");
   EXPECT_EQ(FixQuotes("plain \"text\""), "plain \"text\"");
   EXPECT_EQ(FixQuotes("'it's'"), "''it''s''");
-  EXPECT_EQ(FixQuotes("''"), "''''");
-  std::string sql = "x='";
-  AppendWithFixedQuotes(sql, "O'Neil");
-  EXPECT_EQ(sql, "x='O''Neil");
 }
 
 TEST(TextRoutines, CountBackslashesHoldsSixteenBits) {

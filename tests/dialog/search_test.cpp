@@ -196,20 +196,6 @@ TEST_F(SearchTab, StoppingKeepsWhatWasFoundAndMarked) {
   EXPECT_EQ(catalog->Marked().size(), 4u);
 }
 
-TEST_F(SearchTab, AWalkIsNotEnteredTwice) {
-  LoadSearch();
-  bool pressed = false;
-  desktop.onDoEvents = [&] {
-    if (pressed || ui().asSearch.Count() != 1) return;
-    pressed = true;
-    ui().cmdSearch[kClear].UserClick();
-    ui().cmdSearch[kFind].UserClick();
-  };
-  Find("*.doc");
-  EXPECT_TRUE(pressed);
-  EXPECT_EQ(ui().asSearch.Count(), 4u);
-}
-
 TEST_F(SearchTab, ErrorsAreReportedOnceAndEndTheOperation) {
   LoadSearch();
   Find("*.doc");
