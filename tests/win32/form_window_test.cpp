@@ -175,6 +175,35 @@ TEST(FormWindow, EveryWindowCarriesItsControlsNameUntilItGoes) {
   }
 }
 
+TEST(FormWindow, ScreenReadersAndThePointerGetTheirTexts) {
+  SampleForm ui;
+  ui.tabs.SetAccessibleName("Ways to choose");
+  ui.mask.SetAccessibleName("Mask");
+  ui.mask.SetText("*.doc");
+  ui.apply.SetToolTipText("Before");
+  FormSession session;
+  session.Then([&] {
+    EXPECT_EQ(WindowText(FormSession::WindowOf(ui.tabs)), "Ways to choose");
+    EXPECT_EQ(WindowText(FormSession::WindowOf(ui.mask)), "*.doc");  // its text is its contents
+    ui.apply.SetToolTipText("After");
+    HWND tips = FindWindowW(TOOLTIPS_CLASSW, nullptr);
+    while (tips != nullptr && GetWindow(tips, GW_OWNER) != FormSession::WindowOf(ui.form)) {
+      tips = FindWindowExW(nullptr, tips, TOOLTIPS_CLASSW, nullptr);
+    }
+    std::array<wchar_t, 64> text{};
+    TTTOOLINFOW tool{TTTOOLINFOW_V1_SIZE};
+    tool.hwnd = FormSession::WindowOf(ui.form);
+    tool.uId = reinterpret_cast<UINT_PTR>(FormSession::WindowOf(ui.apply));
+    tool.lpszText = text.data();
+    SendMessageW(tips, TTM_GETTEXTW, text.size(), reinterpret_cast<LPARAM>(&tool));
+    EXPECT_EQ(Narrow(text.data()), "After");
+    EXPECT_EQ(SendMessageW(tips, TTM_GETTOOLCOUNT, 0, 0), 1);
+    ui.apply.SetToolTipText("");
+    EXPECT_EQ(SendMessageW(tips, TTM_GETTOOLCOUNT, 0, 0), 0);
+  });
+  EXPECT_TRUE(session.Run(ui.form));
+}
+
 TEST(FormWindow, WindowsShowWhatTheControlsSay) {
   SampleForm ui;
   ui.drive.SetDrives({"d:", "e:"});
