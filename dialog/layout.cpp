@@ -236,7 +236,8 @@ void Layout::PlaceArchiveFrame() {
   top += 255 + kGap;
   Place(m_ui.cmdCD, kGap, top, std::min(kButtonWidth, width), kButtonHeight);
   top += kButtonHeight + kGap;
-  Place(m_ui.lblCD[2], kGap, top, width, 3 * kLineHeight);
+  // Above the frame's lower edge, however low the window is.
+  Place(m_ui.lblCD[2], kGap, top, width, std::clamp(tree.Height() - top - 60, 0, 3 * kLineHeight));
 }
 
 // Options side by side where there is room, else one below the other.
