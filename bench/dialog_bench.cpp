@@ -10,13 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "base/error.h"
 #include "bench/bare_sqlite.h"
 #include "bench/counters.h"
 #include "bench/harness.h"
-#include "dialog/frm_restore.h"
-#include "engine/database.h"
-#include "platform/headless/headless_platform.h"
+#include "bench/loaded_dialog.h"
 
 namespace kxrestore::bench {
 namespace {
@@ -26,60 +23,6 @@ constexpr double kMostBytesANode = 200;
 constexpr double kMostTickSeconds = 0.1;
 constexpr double kMostApplyRatio = 3;
 constexpr double kMostSyncsAFile = 0.01;
-
-// A loaded dialog on a catalog, and the steps of its user.
-class Dialog {
- public:
-  explicit Dialog(const std::string& catalog) {
-    m_form.DBName(catalog);
-    m_form.Load();
-  }
-  ~Dialog() { m_form.Controls().form.Unload(); }
-
-  dialog::FormControls& Ui() { return m_form.Controls(); }
-
-  void ChooseRun() {
-    const controls::Node set = Ui().tvwSets.FirstRoot().Child();
-    Ui().tvwSets.UserClickNode(set.Child());
-    Check();
-  }
-
-  void TickEverything() {
-    for (controls::Node root = Ui().tvwDetails.FirstRoot(); root; root = root.Next()) {
-      Ui().tvwDetails.UserCheck(root, true);
-    }
-  }
-
-  void Press(controls::CommandButton& button) {
-    button.UserClick();
-    Check();
-  }
-
- private:
-  // What would have been shown to a user must not pass for a fast run.
-  void Check() {
-    if (!m_platform.desktop.messages.empty()) throw Error(1, m_platform.desktop.messages.front().text);
-  }
-
-  platform::HeadlessPlatform m_platform;
-  std::unique_ptr<engine::Workspace> m_workspace = engine::MakeDefaultWorkspace();
-  dialog::frmRestore m_form{m_platform.Get(), *m_workspace};
-};
-
-void Expect(bool holds, const std::string& what) {
-  if (!holds) throw Error(1, what);
-}
-
-// Reads the texts of a query's first columns and counts the rows.
-std::int64_t ReadAll(BareStatement& rows, int columns) {
-  std::uint64_t bytes = 0;
-  std::int64_t count = 0;
-  for (; rows.Step(); ++count) {
-    for (int column = 0; column < columns; ++column) bytes += rows.Text(column).size();
-  }
-  Use(bytes);
-  return count;
-}
 
 class Fill : public Comparison {
  public:
