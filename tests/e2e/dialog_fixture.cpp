@@ -4,8 +4,19 @@
 
 namespace kxrestore::e2e {
 
+namespace {
+
+// Ends the modal loops, a message box's included, in whichever thread they run.
+void EndDialogs() {
+  for (const wchar_t* windowClass : {L"#32770", kFormClass}) {
+    const HWND window = driver::VisibleWindow(windowClass);
+    if (window) PostThreadMessageW(GetWindowThreadProcessId(window, nullptr), WM_QUIT, 0, 0);
+  }
+}
+
+}  // namespace
+
 short RunDialog(_RestoreDlg* object, const Steps& steps) {
-  const DWORD dialogThread = GetCurrentThreadId();
   std::string failure;
   std::thread worker([&] {
     const driver::DialogDriver driver(std::chrono::seconds(15));
@@ -14,8 +25,7 @@ short RunDialog(_RestoreDlg* object, const Steps& steps) {
       driver.WaitUntilClosed();
     } catch (const std::exception& error) {
       failure = error.what();
-      // Ends the modal loops, message boxes included, wherever they stand.
-      PostThreadMessageW(dialogThread, WM_QUIT, 0, 0);
+      EndDialogs();
     }
   });
   short result = -1;

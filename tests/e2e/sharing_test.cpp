@@ -132,28 +132,47 @@ TEST_F(SharingTest, AnotherApartmentNeitherWaitsNorDisturbs) {
   }).join();
 }
 
+// Lets calls from other apartments in until the event is set.
+void Serve(HANDLE event) {
+  DWORD index = 0;
+  EXPECT_EQ(S_OK, CoWaitForMultipleHandles(0, 60000, 1, &event, &index));
+}
+
 TEST_F(SharingTest, CallersInTheMultithreadedApartmentAreServed) {
-  const Registered registered;
-  Text catalog(m_catalog.Path());
-  std::thread([&] {
-    const Apartment apartment(COINIT_MULTITHREADED);
-    ComPtr<_RestoreDlg> object;
-    ASSERT_EQ(S_OK, CoCreateInstance(CLSID_RestoreDlg, nullptr, CLSCTX_INPROC_SERVER, IID__RestoreDlg,
-                                     reinterpret_cast<void**>(object.GetAddressOf())));
-    ComPtr<IUnknown> proxy;
-    EXPECT_EQ(S_OK, object->QueryInterface(IID_IMarshal, reinterpret_cast<void**>(proxy.GetAddressOf())))
-        << "an object of another apartment is reached through a proxy";
-    EXPECT_EQ(S_OK, object->put_DB(&catalog));
-    EXPECT_EQ(S_OK, object->put_lblCaption(Text(L"marshalled")));
-    const ComPtr<CountingSink> sink = CountingSink::Make();
-    const DWORD cookie = Advise(object.Get(), sink.Get());
-    EXPECT_EQ(1, RunDialog(object.Get(), [](const DialogDriver& dialog) {
-                dialog.ExpectText("lblList", "marshalled");
-                Commit(dialog);
-              }));
-    EXPECT_EQ(1, sink->events);
-    EXPECT_EQ(S_OK, EventsOf(object.Get())->Unadvise(cookie));
-  }).join();
+  const Registered registered;  // the system finds the description of the interfaces there
+  ComPtr<IStream> stream;
+  ASSERT_EQ(S_OK,
+            CoMarshalInterThreadInterfaceInStream(IID__RestoreDlg, m_object.Get(), stream.GetAddressOf()));
+  const HANDLE finished = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  const DWORD home = GetCurrentThreadId();
+  std::thread caller([&] {
+    {
+      const Apartment apartment(COINIT_MULTITHREADED);
+      ComPtr<_RestoreDlg> object;
+      EXPECT_EQ(S_OK, CoGetInterfaceAndReleaseStream(stream.Detach(), IID__RestoreDlg,
+                                                     reinterpret_cast<void**>(object.GetAddressOf())));
+      EXPECT_NE(m_object.Get(), object.Get());
+      DWORD eventThread = 0;
+      const ComPtr<CountingSink> sink = CountingSink::Make([&] { eventThread = GetCurrentThreadId(); });
+      const DWORD cookie = Advise(object.Get(), sink.Get());
+      EXPECT_EQ(S_OK, object->put_lblCaption(Text(L"marshalled")));
+      EXPECT_EQ(1, RunDialog(object.Get(), [&](const DialogDriver& dialog) {
+                  EXPECT_EQ(home, GetWindowThreadProcessId(dialog.WaitForForm(), nullptr));
+                  dialog.ExpectText("lblList", "marshalled");
+                  Commit(dialog);
+                }));
+      EXPECT_EQ(1, sink->events);
+      EXPECT_NE(home, eventThread);
+      EXPECT_EQ(S_OK, EventsOf(object.Get())->Unadvise(cookie));
+    }
+    SetEvent(finished);
+  });
+  Serve(finished);
+  caller.join();
+  CloseHandle(finished);
+  EXPECT_EQ(1, m_sink->events);
+  m_object.Reset();
+  EXPECT_TRUE(m_dll.CanUnload());
 }
 
 }  // namespace
