@@ -37,6 +37,12 @@ void TreeItems::Mark(std::uint32_t node, unsigned flags) {
   m_flags[node] = static_cast<std::uint8_t>(m_flags[node] | flags);
 }
 
+void TreeItems::MarkOpened(std::uint32_t node) {
+  Mark(node, kOpened);
+  Mark(static_cast<std::uint32_t>(At(node).Parent().Index()), kHoldsOpened);
+  m_opened.push_back(node);
+}
+
 std::uint32_t TreeItems::NodeOf(HTREEITEM item) const {
   const std::uint32_t node = m_native.Parameter(item);
   return node != 0 && ItemOf(node) == item ? node : 0;
@@ -92,8 +98,13 @@ void TreeItems::Cleared() {
 void TreeItems::Forget(std::uint32_t anchor) {
   if (m_count > 0) m_removing.emplace(m_native);
   if (m_count > kRemovedAtOnce) {
+    // Removing is quickest from the oldest item on; but what is removed takes all that is below it along, so
+    // folders that hold opened ones come last, the innermost of them first.
     for (const std::uint32_t node : m_opened) {
-      if (const HTREEITEM item = ItemOf(node)) m_doomed.push_back(item);
+      if (Has(node, kHoldsOpened) && ItemOf(node) != nullptr) m_doomed.push_back(m_items[node]);
+    }
+    for (auto node = m_opened.rbegin(); node != m_opened.rend(); ++node) {
+      if (!Has(*node, kHoldsOpened) && ItemOf(*node) != nullptr) m_doomed.push_back(m_items[*node]);
     }
   }
   m_count = 0;
@@ -144,8 +155,7 @@ bool TreeItems::WantsOpening(std::uint32_t node) const {
 // The folders among the first piece of a node's children. Their files follow by MakeFiles, so that folders,
 // which the system searches for whenever something is put into them, are the oldest items.
 void TreeItems::OpenFolders(std::uint32_t node) {
-  Mark(node, kOpened);
-  m_opened.push_back(node);
+  MarkOpened(node);
   std::uint32_t seen = 0, last = 0;
   Node child = FirstChild(node);
   for (; child && seen < kFirstPiece; child = child.Next(), ++seen) {
@@ -206,8 +216,7 @@ void TreeItems::MakeRest(std::uint32_t node, std::uint32_t most, Clock::time_poi
 void TreeItems::OpenPiece(std::uint32_t node, Clock::time_point until) {
   const Node child = FirstChild(node);
   if (!child) return;
-  Mark(node, kOpened);
-  m_opened.push_back(node);
+  MarkOpened(node);
   m_rests[node] = {static_cast<std::uint32_t>(child.Index()), 0};
   MakeRest(node, kFirstPiece, until);
 }

@@ -72,6 +72,7 @@ class TreeItems {
     kOpened = 1,        // has items for children, or would have
     kFilesMissing = 2,  // of its first piece only the folders have items
     kInQueue = 4,       // in m_near
+    kHoldsOpened = 8,   // a child of it is opened
   };
   // Where the children of an opened node that have no items yet begin.
   struct Rest {
@@ -92,6 +93,7 @@ class TreeItems {
     return node < m_flags.size() && (m_flags[node] & flag) != 0;
   }
   void Mark(std::uint32_t node, unsigned flags);
+  void MarkOpened(std::uint32_t node);
   void Unmark(std::uint32_t node, unsigned flags) {
     m_flags[node] = static_cast<std::uint8_t>(m_flags[node] & ~flags);
   }

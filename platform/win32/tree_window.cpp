@@ -407,7 +407,13 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
       if (*anchor != 0) ScrollTo(*anchor);
     }
     if (!std::exchange(m_selectionChanged, false)) return;
-    Select(selected ? m_items.Reach(Number(selected)) : nullptr);
+    const HTREEITEM item = selected ? m_items.Reach(Number(selected)) : nullptr;
+    Select(item);
+    if (item == nullptr) return;
+    // The control has opened what hid it.
+    for (Node above = selected.Parent(); above; above = above.Parent()) {
+      if (!above.Expanded()) Report(kExpansion, Number(above), true);
+    }
   }
 
   void Select(HTREEITEM item) {

@@ -1,11 +1,12 @@
 // A top-level window that stands in for the form: it passes notifications on to the control's window, runs
-// messages, and keeps the longest time that none could run.
+// messages, and measures.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <memory>
+#include <algorithm>
+#include <cstdio>
+#include <utility>
 
 #include "controls/form.h"
 #include "platform/win32/control_window.h"
@@ -14,20 +15,24 @@ namespace kxrestore::win32 {
 
 class ControlHost : public testing::Test {
  protected:
-  // Processor time, so that what else the machine does counts little.
-  struct Clock {
-    using duration = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
-    using rep = duration::rep;
-    using period = duration::period;
-    using time_point = std::chrono::time_point<Clock>;
-    static constexpr bool is_steady = true;
-    static time_point now() {
-      FILETIME created, exited, kernel, user;
-      GetThreadTimes(GetCurrentThread(), &created, &exited, &kernel, &user);
-      const auto ticks = [](const FILETIME& time) { return static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime; };
-      return time_point(duration(ticks(kernel) + ticks(user)));
-    }
-  };
+  // Milliseconds of processor time that this thread has used: what else the machine does counts little.
+  static double Used() {
+    FILETIME created, exited, kernel, user;
+    GetThreadTimes(GetCurrentThread(), &created, &exited, &kernel, &user);
+    const auto ticks = [](const FILETIME& time) {
+      return static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+    };
+    return static_cast<double>(ticks(kernel) + ticks(user)) / 10'000;
+  }
+  template <class Call>
+  static double Measure(const char* what, Call&& call) {
+    const double before = Used();
+    call();
+    const double used = Used() - before;
+    std::printf("  %-50s %6.0f ms\n", what, used);
+    std::fflush(stdout);
+    return used;
+  }
 
   ControlHost() {
     WNDCLASSW description{};
@@ -43,14 +48,12 @@ class ControlHost : public testing::Test {
   ~ControlHost() override { DestroyWindow(m_host); }
 
   HWND Host() const { return m_host; }
-
   static void Place(controls::Control& control) { control.Move(0, 0, 10'000, 7'500); }
-
   static HWND HandleOf(controls::Control& control) { return ControlWindow::Of(control)->Handle(); }
 
-  // One message, or nothing when there is none. What it took counts for `Longest`.
+  // Handles one message, if there is one.
   bool Step() {
-    const auto start = Clock::now();
+    const double before = Used();
     MSG message;
     const bool any = PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0;
     if (any) {
@@ -58,37 +61,31 @@ class ControlHost : public testing::Test {
       DispatchMessageW(&message);
     }
     context.FlushAll();
-    m_longest = std::max(m_longest, Since(start));
+    m_longest = std::max(m_longest, Used() - before);
     return any;
   }
+  // The longest that a message took since this was last asked.
+  double TakeLongest() { return std::exchange(m_longest, 0.0); }
 
   void Pump() {
-    while (Step()) {
+    while (Step() || Step()) {  // what is brought into line when there is no message may post one
     }
     if (const std::exception_ptr error = context.TakeError()) std::rethrow_exception(error);
   }
-
-  // Runs messages until the condition holds, or 30 seconds have passed.
   template <class Condition>
   bool PumpUntil(Condition&& condition) {
-    const auto start = Clock::now();
+    const DWORD start = GetTickCount();
     for (;;) {
       Pump();
       if (condition()) return true;
-      if (Since(start) > 30'000) return false;
+      if (GetTickCount() - start > 60'000) return false;
       MsgWaitForMultipleObjects(0, nullptr, FALSE, 5, QS_ALLINPUT);
     }
   }
-
-  void PumpFor(int milliseconds) {
-    const auto start = Clock::now();
-    PumpUntil([&] { return Since(start) >= milliseconds; });
+  void PumpFor(DWORD milliseconds) {
+    const DWORD start = GetTickCount();
+    PumpUntil([&] { return GetTickCount() - start >= milliseconds; });
   }
-
-  static double Since(Clock::time_point start) {
-    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-  }
-  double TakeLongest() { return std::exchange(m_longest, 0.0); }
 
   void Press(HWND window, POINT point, UINT message = WM_LBUTTONDOWN) {
     const LPARAM place = MAKELPARAM(point.x, point.y);

@@ -1,11 +1,11 @@
 #include "platform/win32/tree_window.h"
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "controls/check_propagation.h"
+#include "platform/win32/tree_items.h"
 #include "tests/win32/control_host.h"
 
 namespace kxrestore::win32 {
@@ -17,31 +17,31 @@ using controls::TreeView;
 
 class TreeWindowTest : public ControlHost {
  protected:
-  TreeWindowTest() { Place(tree); }
-  ~TreeWindowTest() override { tree.AttachPeer(nullptr); }
-
-  HWND Show() {
+  TreeWindowTest() {
+    Place(tree);
+    tree.SetImages(&images);
     tree.AttachPeer(MakeTreeWindow(context, tree, Host()));
-    Pump();
     window = HandleOf(tree);
     ::SetFocus(window);
     Pump();
-    return window;
+    tree.NodeClick = [this](Node node) { clicked.push_back(node.Index()); };
+    tree.NodeCheck = [this](Node node) { checked.push_back(node.Index()); };
   }
 
-  // A drive with folders, each with files.
+  // A drive with folders, each with files; and a file before, between and behind the folders.
   void Fill(int folders, int files) {
     const RedrawFreeze freeze(tree);
     tree.Clear();
     const Node drive = tree.Add({}, "C:\\", "C:\\", 4);
+    tree.Add(drive, {}, "before", 3);
     for (int folder = 0; folder < folders; ++folder) {
       const Node parent = tree.Add(drive, {}, "folder " + std::to_string(folder), 1);
       for (int file = 0; file < files; ++file) {
         tree.Add(parent, {}, "file " + std::to_string(file) + ".doc", 3, "tag");
       }
+      if (folder % 2 == 0) tree.Add(drive, {}, "between", 3);
     }
   }
-
   void ExpandAll(bool expanded) {
     const int count = static_cast<int>(tree.Count());
     for (int index = 1; index <= count; ++index) {
@@ -50,119 +50,342 @@ class TreeWindowTest : public ControlHost {
     }
   }
 
+  // What the control holds. Asking the window would make it finish what it has put off.
+  std::size_t Held() const {
+    const auto procedure = reinterpret_cast<WNDPROC>(GetClassLongPtrW(window, GCLP_WNDPROC));
+    return static_cast<std::size_t>(CallWindowProcW(procedure, window, TVM_GETCOUNT, 0, 0));
+  }
+  // Lets messages run until the control holds that many, or, without a number, no longer changes.
+  void Settle(std::size_t wanted = 0) {
+    std::size_t held = Held();
+    DWORD since = GetTickCount();
+    EXPECT_TRUE(PumpUntil([&] {
+      if (std::exchange(held, Held()) != held) since = GetTickCount();
+      return wanted != 0 ? held == wanted : GetTickCount() - since > 300;
+    })) << held;
+  }
+
   HTREEITEM Next(UINT relation, HTREEITEM item = nullptr) const {
     return reinterpret_cast<HTREEITEM>(
         SendMessageW(window, TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
   }
   HTREEITEM Root() const { return Next(TVGN_ROOT); }
-  // What the native control holds, without asking for more.
-  std::size_t Held() const {
-    return static_cast<std::size_t>(CallWindowProcW(
-        reinterpret_cast<WNDPROC>(GetClassLongPtrW(window, GCLP_WNDPROC)), window, TVM_GETCOUNT, 0, 0));
+  HTREEITEM Below(HTREEITEM parent, int position) const {
+    HTREEITEM item = Next(TVGN_CHILD, parent);
+    for (; position > 0; --position) item = Next(TVGN_NEXT, item);
+    return item;
   }
-  int Box(HTREEITEM item) const {
-    return static_cast<int>(
-               SendMessageW(window, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), TVIS_STATEIMAGEMASK)) >>
-           12;
+  int NodeOf(HTREEITEM item) const {
+    TVITEMW query{TVIF_PARAM | TVIF_HANDLE};
+    query.hItem = item;
+    SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&query));
+    return static_cast<int>(query.lParam);
   }
-  RECT TextOf(HTREEITEM item) const {
-    RECT bounds;
-    std::memcpy(&bounds, &item, sizeof item);
-    SendMessageW(window, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&bounds));
-    return bounds;
+  UINT State(HTREEITEM item, UINT mask) const {
+    return static_cast<UINT>(SendMessageW(window, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), mask));
   }
+  int Box(HTREEITEM item) const { return static_cast<int>(State(item, TVIS_STATEIMAGEMASK) >> 12); }
+
   POINT PointOn(HTREEITEM item, UINT part) const {
-    const RECT text = TextOf(item);
+    RECT row;
+    std::memcpy(&row, &item, sizeof item);
+    SendMessageW(window, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&row));
     TVHITTESTINFO hit{};
-    hit.pt.y = (text.top + text.bottom) / 2;
-    for (hit.pt.x = 0; hit.pt.x < text.right; ++hit.pt.x) {
+    hit.pt.y = (row.top + row.bottom) / 2;
+    for (; hit.pt.x < row.right; ++hit.pt.x) {
       SendMessageW(window, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
-      if ((hit.flags & TVHT_ONITEM) == part || (part == TVHT_ONITEMBUTTON && hit.flags == part))
-        return {hit.pt.x + 2, hit.pt.y};
+      if (hit.flags == part) return {hit.pt.x + 2, hit.pt.y};
     }
-    ADD_FAILURE() << "no such part";
+    ADD_FAILURE() << "the item has no such part";
     return {};
+  }
+
+  // Compares what is below an item with the model, as far as nodes are expanded.
+  void ExpectSameBelow(HTREEITEM parent, Node first) {
+    HTREEITEM item = parent == nullptr ? Root() : Next(TVGN_CHILD, parent);
+    for (Node node = first; node; node = node.Next(), item = Next(TVGN_NEXT, item)) {
+      ASSERT_EQ(NodeOf(item), node.Index());
+      ASSERT_EQ(State(item, TVIS_EXPANDED) != 0, node.Expanded()) << node.Text();
+      if (node.Expanded()) ExpectSameBelow(item, node.Child());
+    }
+    ASSERT_EQ(item, nullptr);
   }
 
   controls::ImageList images{{"cfolder", "ofolder", "file", "drive"}};
   TreeView tree{"tvwDetails", &form, true};
   HWND window = nullptr;
+  std::vector<int> clicked, checked;
 };
 
-TEST_F(TreeWindowTest, MeasureExpandAll) {
-  tree.SetImages(&images);
-  Show();
-  struct {
-    int folders, files;
-  } const sizes[] = {{100, 100}, {1000, 100}};
-  for (auto size : sizes) {
-    auto start = Clock::now();
-    Fill(size.folders, size.files);
-    const double load = Since(start);
-    TakeLongest();
-    start = Clock::now();
+TEST_F(TreeWindowTest, ItemsAreMadeWhenTheyCanBeSeen) {
+  {
+    const RedrawFreeze freeze(tree);
+    tree.Add(tree.Add({}, {}, "root"), {}, "folder");
     Pump();
-    PumpFor(0);
-    std::printf("%d x %d: model %.0f ms, first show %.1f ms (held %zu)\n", size.folders, size.files, load,
-                Since(start), Held());
-    TakeLongest();
-    start = Clock::now();
-    ExpandAll(true);
-    const double model = Since(start);
-    std::size_t held = 0;
-    auto stable = Clock::now();
-    double done = 0;
-    PumpUntil([&] {
-      if (Held() != held) {
-        held = Held();
-        stable = Clock::now();
-        done = Since(start);
-      }
-      return Since(stable) > 200;
-    });
-    std::printf("  expand all: model %.1f, done %.0f ms, longest %.0f ms, held %zu\n", model, done,
-                TakeLongest(), held);
-    start = Clock::now();
-    Key(window, VK_END);
-    std::printf("  end key %.1f ms\n", Since(start));
-    PumpFor(100);
-    std::printf("  held after End %zu longest %.1f\n", Held(), TakeLongest());
-    start = Clock::now();
-    for (int i = 0; i < 10; ++i) Key(window, VK_PRIOR);
-    std::printf("  10 page up %.1f ms longest %.1f\n", Since(start), TakeLongest());
-    start = Clock::now();
+    EXPECT_EQ(Held(), 0u);
+  }
+  EXPECT_EQ(Held(), 1u);
+  tree.Add(tree.Item(2), {}, "file");
+  Pump();
+  EXPECT_EQ(Held(), 1u);
+
+  std::vector<int> expanded;
+  tree.Expand = [&](Node node) { expanded.push_back(node.Index()); };
+  Press(window, PointOn(Root(), TVHT_ONITEMBUTTON));
+  EXPECT_EQ(expanded, std::vector<int>{1});
+  EXPECT_TRUE(tree.Item(1).Expanded());
+  EXPECT_EQ(Held(), 2u);
+  tree.Add(tree.Item(1), {}, "one more");
+  tree.Add({}, {}, "second root");
+  tree.Item(2).SetExpanded(true);
+  Pump();
+  ExpectSameBelow(nullptr, tree.FirstRoot());
+  EXPECT_EQ(Held(), 5u);
+
+  tree.Remove(tree.Item(2));
+  tree.Item(1).SetText("new text");
+  tree.Item(1).SetBold(true);
+  Pump();
+  ExpectSameBelow(nullptr, tree.FirstRoot());
+  EXPECT_EQ(Held(), 3u);
+  EXPECT_NE(State(Root(), TVIS_BOLD), 0u);
+  wchar_t text[40];
+  TVITEMW query{TVIF_TEXT | TVIF_HANDLE | TVIF_CHILDREN | TVIF_IMAGE, Root()};
+  query.pszText = text;
+  query.cchTextMax = 40;
+  SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&query));
+  EXPECT_STREQ(text, L"new text");
+  EXPECT_EQ(query.cChildren, 1);
+
+  tree.Item(1).SetExpanded(false);
+  tree.Clear();
+  tree.Add({}, {}, "other");
+  Pump();
+  EXPECT_EQ(Held(), 1u);
+  EXPECT_TRUE(clicked.empty());
+}
+
+TEST_F(TreeWindowTest, TheUserTicks) {
+  Fill(2, 40);
+  ExpandAll(true);
+  Pump();
+  const HTREEITEM before = Below(Root(), 0);
+  const POINT box = PointOn(before, TVHT_ONITEMSTATEICON);
+  Press(window, box);
+  EXPECT_EQ(checked, std::vector<int>{2});
+  EXPECT_TRUE(tree.Item(2).Checked());
+  EXPECT_EQ(Box(before), 2);
+  Press(window, box);
+  Press(window, box, WM_LBUTTONDBLCLK);
+  EXPECT_EQ(checked.size(), 3u);
+  EXPECT_TRUE(tree.Item(2).Checked());
+  EXPECT_TRUE(clicked.empty());
+
+  SendMessageW(window, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(before));
+  Key(window, VK_SPACE);
+  EXPECT_EQ(Box(before), 1);
+
+  // Whoever asks for or sets the state of an item, in view or not, deals with the model.
+  const HTREEITEM last = Below(Below(Root(), 3), 39);
+  tree.Item(NodeOf(last)).SetChecked(true);
+  EXPECT_EQ(Box(last), 2);
+  TVITEMW item{TVIF_STATE | TVIF_HANDLE, last, INDEXTOSTATEIMAGEMASK(1), TVIS_STATEIMAGEMASK};
+  SendMessageW(window, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+  Pump();
+  EXPECT_FALSE(tree.Item(NodeOf(last)).Checked());
+  item.state = 0;
+  SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+  EXPECT_EQ(item.state & TVIS_STATEIMAGEMASK, UINT{INDEXTOSTATEIMAGEMASK(1)});
+
+  tree.NodeCheck = [&](Node) {
+    tree.Clear();
+    tree.Add({}, {}, "all is new");
+    Pump();
+  };
+  Press(window, box);
+  EXPECT_EQ(Held(), 1u);
+}
+
+TEST_F(TreeWindowTest, TheBoxIsDrawnAsTheModelSays) {
+  tree.Add({}, {}, "root");
+  Pump();
+  const auto darkPixels = [&] {
+    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    const POINT at = PointOn(Root(), TVHT_ONITEMSTATEICON);
+    const HDC dc = GetDC(window);
+    int dark = 0;
+    for (int x = at.x; x < at.x + 12; ++x) {
+      for (int y = at.y - 6; y < at.y + 6; ++y) dark += GetRValue(GetPixel(dc, x, y)) < 0x60 ? 1 : 0;
+    }
+    ReleaseDC(window, dc);
+    return dark;
+  };
+  const int clear = darkPixels();
+  tree.Item(1).SetChecked(true);
+  EXPECT_GT(darkPixels(), clear + 5);
+  EXPECT_GT(clear, 10);
+}
+
+TEST_F(TreeWindowTest, TheUserChoosesANode) {
+  Fill(3, 3);
+  ExpandAll(true);
+  Pump();
+  const HTREEITEM folder = Below(Root(), 1);
+  const POINT label = PointOn(folder, TVHT_ONITEMLABEL);
+  Press(window, label);
+  EXPECT_EQ(clicked, std::vector<int>{3});
+  Press(window, label);
+  EXPECT_EQ(clicked, (std::vector<int>{3, 3}));
+  Press(window, PointOn(folder, TVHT_ONITEMBUTTON));
+  EXPECT_FALSE(tree.Item(3).Expanded());
+  EXPECT_EQ(clicked.size(), 2u);
+  Key(window, VK_DOWN);
+  EXPECT_EQ(clicked.back(), 7);
+  SendMessageW(window, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(Root()));
+  Pump();
+  EXPECT_EQ(clicked, (std::vector<int>{3, 3, 7, 1}));
+
+  // The model chooses: nothing is reported, but what hides the node opens.
+  tree.SetSelectedItem(tree.Item(5));
+  Pump();
+  EXPECT_EQ(NodeOf(Next(TVGN_CARET)), 5);
+  EXPECT_TRUE(tree.Item(3).Expanded());
+  EXPECT_EQ(clicked.size(), 4u);
+
+  tree.NodeClick = [&](Node) {
+    Fill(1, 1);
+    Pump();
+  };
+  Press(window, PointOn(Root(), TVHT_ONITEMLABEL));
+  EXPECT_EQ(tree.Count(), 5u);
+  EXPECT_EQ(Next(TVGN_CARET), nullptr);
+}
+
+TEST_F(TreeWindowTest, TheStarKeyExpandsTheBranch) {
+  Fill(3, 3);
+  Node nested = tree.Add(tree.Item(3), {}, "nested");
+  tree.Add(nested, {}, "deep");
+  Pump();
+  SendMessageW(window, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(Root()));
+  Key(window, VK_MULTIPLY);
+  Settle();
+  for (int index : {1, 3, nested.Index()}) EXPECT_TRUE(tree.Item(index).Expanded());
+  ExpectSameBelow(nullptr, tree.FirstRoot());
+}
+
+TEST_F(TreeWindowTest, AHundredThousandNodes) {
+  constexpr int kFolders = 1000, kFiles = 99;
+  Fill(kFolders, kFiles);
+  Settle(1);
+  std::printf("%zu nodes\n", tree.Count());
+  TakeLongest();
+  EXPECT_LT(Measure("expand all, in slices",
+                    [&] {
+                      ExpandAll(true);
+                      Settle(tree.Count());
+                    }),
+            2'000);
+  std::printf("  longest %.0f ms\n", TakeLongest());
+  ExpectSameBelow(nullptr, tree.FirstRoot());
+
+  Key(window, VK_END);
+  TakeLongest();
+  Measure("collapse all, in slices", [&] {
+    ExpandAll(false);
+    Settle(1);
+  });
+  EXPECT_LT(TakeLongest(), 400);
+  LRESULT answer = 0;
+  EXPECT_LT(Measure("expand all, and a question that wants all",
+                    [&] {
+                      ExpandAll(true);
+                      answer = SendMessageW(window, TVM_GETCOUNT, 0, 0);
+                    }),
+            2'000);
+  EXPECT_EQ(answer, static_cast<LRESULT>(tree.Count()));
+  const double check = Measure("tick everything", [&] {
     tree.Item(1).SetChecked(true);
     controls::CheckChildren(tree.Item(1));
-    std::printf("  check children %.1f ms", Since(start));
-    start = Clock::now();
     Pump();
-    std::printf(" pump %.1f ms, box %d\n", Since(start), Box(Root()));
-    TakeLongest();
-    start = Clock::now();
-    ExpandAll(false);
-    held = 0;
-    PumpUntil([&] {
-      if (Held() != held) {
-        held = Held();
-        stable = Clock::now();
-        done = Since(start);
-      }
-      return Since(stable) > 200;
-    });
-    std::printf("  collapse all: done %.0f ms longest %.1f held %zu\n", done, TakeLongest(), Held());
-    start = Clock::now();
-    ExpandAll(true);
-    SendMessageW(window, TVM_GETCOUNT, 0, 0);
-    std::printf("  expand all + question: %.1f ms\n", Since(start));
-    PumpFor(50);
-    TakeLongest();
-    start = Clock::now();
-    Fill(3, 3);
-    std::printf("  refill call: %.1f ms\n", Since(start));
-    PumpUntil([&] { return Held() == 1; });
-    std::printf("  refill done: %.1f ms longest %.1f\n", Since(start), TakeLongest());
-    std::fflush(stdout);
-  }
+  });
+  EXPECT_LT(check, 200);
+  EXPECT_EQ(Box(Below(Below(Root(), 1), 50)), 2);
+  TakeLongest();
+  EXPECT_LT(Measure("another run instead",
+                    [&] {
+                      Fill(3, 3);
+                      Settle(1);
+                    }),
+            4'000);
+  EXPECT_LT(TakeLongest(), 400);
+  EXPECT_EQ(Box(Root()), 1);
+}
+
+TEST_F(TreeWindowTest, AMillionNodes) {
+  Fill(10'000, 99);
+  Settle(1);
+  std::printf("%zu nodes\n", tree.Count());
+  TakeLongest();
+  EXPECT_LT(Measure("expand all, as far as is made ahead",
+                    [&] {
+                      ExpandAll(true);
+                      Settle();
+                    }),
+            3'000);
+  EXPECT_LT(TakeLongest(), 400);
+  const std::size_t ahead = Held();
+  EXPECT_GE(ahead, TreeItems::kMostAhead);
+  EXPECT_LT(ahead, TreeItems::kMostAhead + 200);
+
+  // Behind that, what comes into view is made.
+  SendMessageW(window, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(Root()));
+  Measure("go to the end", [&] {
+    Key(window, VK_END);
+    Settle();
+  });
+  EXPECT_GT(Held(), ahead + 1'000);
+  EXPECT_LT(Held(), ahead + 10'000);
+  HTREEITEM folder = Next(TVGN_CARET);
+  while (!tree.Item(NodeOf(folder)).HasChildren()) folder = Next(TVGN_PREVIOUS, folder);
+  EXPECT_EQ(NodeOf(Below(folder, 98)), NodeOf(folder) + 99);
+
+  EXPECT_LT(Measure("tick everything",
+                    [&] {
+                      tree.Item(1).SetChecked(true);
+                      controls::CheckChildren(tree.Item(1));
+                      Pump();
+                    }),
+            1'000);
+  TakeLongest();
+  EXPECT_LT(Measure("another run instead",
+                    [&] {
+                      Fill(3, 3);
+                      Settle(1);
+                    }),
+            8'000);
+  EXPECT_LT(TakeLongest(), 600);
+}
+
+TEST_F(TreeWindowTest, AFolderOfAMillionFilesIsShownPieceByPiece) {
+  Fill(1, 1'000'000);
+  tree.Item(1).SetExpanded(true);
+  Settle(4);
+  const HTREEITEM folder = Below(Root(), 1);
+  SendMessageW(window, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(folder));
+  TakeLongest();
+  Measure("open the folder", [&] { Key(window, VK_RIGHT); });
+  EXPECT_LT(TakeLongest(), 400);
+  EXPECT_TRUE(tree.Item(3).Expanded());
+  const std::size_t first = Held();
+  EXPECT_GT(first, 200u);
+  EXPECT_LE(first, TreeItems::kFirstPiece + 4);
+  HTREEITEM end = Below(folder, 0);
+  for (HTREEITEM next = end; next != nullptr; next = Next(TVGN_NEXT, next)) end = next;
+  SendMessageW(window, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(end));
+  Settle();
+  EXPECT_GT(Held(), first);
+  EXPECT_LE(Held(), first + TreeItems::kNextPiece);
+  EXPECT_EQ(NodeOf(Next(TVGN_NEXT, end)), NodeOf(end) + 1);
 }
 
 }  // namespace
