@@ -307,12 +307,6 @@ std::optional<LRESULT> ControlWindow::Dispatch(UINT message, WPARAM wide, LPARAM
       }
       break;
     }
-    case WM_DRAWITEM: {
-      const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(extra);
-      ControlWindow* const child = item.CtlType == ODT_MENU ? nullptr : FromHandle(item.hwndItem);
-      if (child != nullptr && child->OnDrawItem(item)) return TRUE;
-      break;
-    }
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN:
       if (ControlWindow* const child = FromHandle(reinterpret_cast<HWND>(extra))) {

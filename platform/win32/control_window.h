@@ -40,7 +40,6 @@ class ControlWindow {
   // What a parent passes on to the control that it came from. The defaults do nothing.
   virtual void OnCommand(unsigned /*code*/) {}
   virtual std::optional<LRESULT> OnNotify(NMHDR& /*header*/) { return std::nullopt; }
-  virtual bool OnDrawItem(const DRAWITEMSTRUCT& /*item*/) { return false; }
   virtual HBRUSH OnColor(HDC dc);  // WM_CTLCOLOR...
 
   // Any message of the window, before the window's own procedure; nothing leaves it to that.
@@ -51,7 +50,6 @@ class ControlWindow {
   // Enter, Tab and the like.
   virtual bool WantsKey(WPARAM /*key*/) { return false; }
   virtual bool TakesFocus() const { return true; }  // by Tab, while shown and enabled
-  virtual void OnFocusKey() {}                      // focus came by the keyboard
 
   // The resolution changed; fonts and geometry are renewed by the base.
   virtual void OnDpiChanged();

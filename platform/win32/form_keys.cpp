@@ -77,7 +77,6 @@ void FocusByKey(Control& control) {
   ControlWindow* const window = ControlWindow::Of(control);
   if (window == nullptr || window->Handle() == nullptr) return;
   SetFocus(window->Handle());
-  window->OnFocusKey();
 }
 
 }  // namespace
