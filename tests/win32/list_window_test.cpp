@@ -1,0 +1,142 @@
+#include "platform/win32/list_window.h"
+
+#include <string>
+#include <vector>
+
+#include "tests/win32/control_host.h"
+
+namespace kxrestore::win32 {
+namespace {
+
+using controls::AutoSelect;
+
+class ListWindowTest : public ControlHost {
+ protected:
+  HWND Show(AutoSelect& list) {
+    Place(list);
+    list.AttachPeer(MakeListWindow(context, list, Host()));
+    window = HandleOf(list);
+    ::SetFocus(window);
+    Pump();
+    return window;
+  }
+
+  LRESULT Ask(UINT message, WPARAM wide = 0, LPARAM extra = 0) const {
+    return SendMessageW(window, message, wide, extra);
+  }
+  std::wstring Text(int row, int column) const {
+    wchar_t text[80] = L"";
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = 80;
+    Ask(LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return text;
+  }
+  int Box(int row) const {
+    return static_cast<int>(Ask(LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK)) >> 12;
+  }
+  void Select(int row) const {
+    LVITEMW item{};
+    // The focus is on one row only.
+    item.state = item.stateMask = LVIS_SELECTED | (row < 0 ? 0U : LVIS_FOCUSED);
+    Ask(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+  }
+  void SortBy(int column) {
+    NMLISTVIEW click{};
+    click.hdr = {window, 0, static_cast<UINT>(LVN_COLUMNCLICK)};
+    click.iItem = -1;
+    click.iSubItem = column;
+    SendMessageW(Host(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&click));
+    Pump();
+  }
+
+  static AutoSelect::Entry Entry(std::string_view name, std::int64_t size) {
+    AutoSelect::Entry entry;
+    entry.name = entry.storedName = name;
+    entry.size = size;
+    return entry;
+  }
+
+  HWND window = nullptr;
+};
+
+TEST_F(ListWindowTest, RowsTicksAndOrderFollowTheModel) {
+  AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
+  Show(list);
+  list.Add(Entry("beta", 5));
+  list.Add(Entry("Alpha", 1'234'567), true);
+  list.Add(Entry("alpha", 30));
+  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 3; });
+  EXPECT_EQ(Ask(LVM_GETITEMCOUNT), 3);
+  EXPECT_EQ(Text(0, 0), L"beta");
+  EXPECT_NE(Text(1, 1), L"1234567");
+  EXPECT_EQ(Box(0), 1);
+  EXPECT_EQ(Box(1), 2);
+
+  SortBy(0);
+  EXPECT_EQ(Text(0, 0), L"Alpha");
+  EXPECT_EQ(Text(1, 0), L"alpha");
+  EXPECT_EQ(Text(2, 0), L"beta");
+  EXPECT_EQ(Box(0), 2);
+  SortBy(0);
+  EXPECT_EQ(Text(0, 0), L"beta");
+  SortBy(1);
+  EXPECT_EQ(Text(2, 0), L"Alpha");
+
+  // A tick by the pointer and by the key reaches the entry, whatever its row; entry numbers stay.
+  std::vector<std::size_t> changed;
+  list.TickChange = [&](std::size_t number) { changed.push_back(number); };
+  RECT row{LVIR_LABEL, 0, 0, 0};
+  Ask(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row));
+  LVHITTESTINFO hit{};
+  hit.pt.y = (row.top + row.bottom) / 2;
+  for (; hit.pt.x < 100; ++hit.pt.x) {
+    Ask(LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+    if ((hit.flags & LVHT_ONITEM) == LVHT_ONITEMSTATEICON) break;
+  }
+  Press(window, {hit.pt.x + 3, hit.pt.y});
+  EXPECT_EQ(changed, std::vector<std::size_t>{1});
+  EXPECT_TRUE(list.TickedAt(1));
+  Select(0);
+  Select(-1);
+  Key(window, VK_SPACE);
+  EXPECT_EQ(changed.size(), 4u);
+
+  list.Clear();
+  list.Add(Entry("alone", 1));
+  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 1; });
+  EXPECT_EQ(Text(0, 0), L"alone");
+  list.AttachPeer(nullptr);
+}
+
+TEST_F(ListWindowTest, AMillionEntries) {
+  AutoSelect list("asRestoreList", &form, AutoSelect::Style::kFiles);
+  Show(list);
+  EXPECT_LT(Measure("add a million, one by one",
+                    [&] {
+                      std::string name;
+                      for (int number = 0; number < 1'000'000; ++number) {
+                        name = "C:\\Data\\Reports\\folder " + std::to_string(number % 977) + "\\File " +
+                               std::to_string(number) + ".doc";
+                        list.Add(Entry(name, number % 5'000));
+                      }
+                      PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 1'000'000; });
+                    }),
+            4'000);
+  EXPECT_LT(Measure("sort by name", [&] { SortBy(0); }), 12'000);
+  EXPECT_EQ(Text(0, 0), L"C:\\Data\\Reports\\folder 0\\File 0.doc");
+  EXPECT_LT(Measure("sort by size", [&] { SortBy(1); }), 6'000);
+  EXPECT_EQ(Text(999'999, 0), L"C:\\Data\\Reports\\folder 528\\File 999999.doc");
+  list.TickAll(true);
+  EXPECT_EQ(Box(777'777), 2);
+  Measure("clear", [&] {
+    list.Clear();
+    Pump();
+  });
+  EXPECT_EQ(Ask(LVM_GETITEMCOUNT), 0);
+  list.AttachPeer(nullptr);
+}
+
+}  // namespace
+}  // namespace kxrestore::win32
