@@ -1,7 +1,6 @@
 // Works the restore dialog as a user does, from another thread than the one that shows it. Controls go by
-// their names
-// ("cmdAction(0)"). Every member waits, with a limit, until what it needs is there, showing and enabled, and
-// throws a DriverError when that does not come about.
+// their names ("cmdAction(0)"). Every member waits, with a limit, until what it needs is there, showing and
+// enabled, and throws a DriverError when that does not come about.
 #pragma once
 
 #include <windows.h>

@@ -5,9 +5,11 @@
 //   select-run 1 | select-run TEXT | select-set NAME | select-node TEXT\TEXT
 //   tick C:\Folder\File | tick-entry LIST NUMBER-OR-TEXT
 //   click cmdAction(0) | check chk(1) | option optLookIn(1) | type cboMask TEXT
-//   expect-caption CONTROL TEXT | expect-enabled CONTROL YES | expect-visible CONTROL NO | expect-count LIST
-//   3 shot NAME    says "shot: NAME" and waits until the file NAME.done stands next to the script, 5 seconds
-//   at most
+//   expect-caption CONTROL TEXT | expect-enabled CONTROL YES | expect-visible CONTROL NO
+//   expect-count LIST 3
+//   shot NAME
+//
+// `shot` says "shot: NAME" and waits until NAME.png or NAME.done is there, 5 seconds at most.
 #pragma once
 
 #include <filesystem>

@@ -13,7 +13,7 @@ std::wstring DllPath() {
   return path + L"KXRestore.dll";
 }
 
-ComponentDll::ComponentDll() : m_module(LoadLibraryW(DllPath().c_str())) {
+ComponentDll::ComponentDll(const std::wstring& path) : m_module(LoadLibraryW(path.c_str())) {
   if (!m_module) throw std::runtime_error("KXRestore.dll does not load");
 }
 

@@ -29,7 +29,7 @@ std::wstring DllPath();
 
 class ComponentDll {
  public:
-  ComponentDll();
+  explicit ComponentDll(const std::wstring& path = DllPath());
   ~ComponentDll();
   ComponentDll(const ComponentDll&) = delete;
   ComponentDll& operator=(const ComponentDll&) = delete;

@@ -22,7 +22,6 @@ inline constexpr wchar_t kFormClass[] = L"KXRestore.frmRestore";
 // does, and the dialog is ended.
 short RunDialog(_RestoreDlg* object, const Steps& steps);
 
-// Texts of the list heading's buttons and questions.
 std::string SelectedText(int files);  // "2 file(s) selected"
 
 class DialogTest : public testing::Test {

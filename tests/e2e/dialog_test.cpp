@@ -238,6 +238,27 @@ TEST_F(DialogTest, TheHostsWindowsAreDisabledMeanwhile) {
   DestroyWindow(already);
 }
 
+TEST_F(DialogTest, TheDllCanBeUnloadedAndLoadedAgain) {
+  // A copy, because the one of the fixture holds its file.
+  const std::wstring copy = m_catalog.Folder() + L"KXRestore.dll";
+  ASSERT_TRUE(CopyFileW(DllPath().c_str(), copy.c_str(), FALSE));
+  for (int round = 0; round < 10; ++round) {
+    {
+      const ComponentDll dll(copy);
+      const ComPtr<_RestoreDlg> object = dll.NewObject();
+      Text path(m_catalog.Path());
+      object->put_DB(&path);  // makes the form
+      // A library loaded elsewhere would find what an earlier one left, such as window classes.
+      if (round % 3 == 0) {
+        EXPECT_EQ(0, RunDialog(object.Get(), [](const DialogDriver& dialog) { dialog.Close(); }));
+      }
+    }
+    ASSERT_EQ(nullptr, GetModuleHandleW(copy.c_str())) << "round " << round;
+    // The next round's copy shall not get the same place.
+    if (round == 2) VirtualAlloc(nullptr, 1 << 20, MEM_RESERVE, PAGE_NOACCESS);
+  }
+}
+
 TEST_F(DialogTest, QuittingTheHostEndsTheDialogAndReachesTheHost) {
   const DWORD thread = GetCurrentThreadId();
   EXPECT_EQ(0, RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {

@@ -87,31 +87,6 @@ TEST_F(ServerTest, TheFormKeepsNothingLoaded) {
   EXPECT_TRUE(m_dll.CanUnload());
 }
 
-TEST_F(ServerTest, CanBeLoadedAndUnloadedAgainAndAgain) {
-  // Objects of a test program's own copy: the one of the fixture would hold the file.
-  const std::wstring copy = DllPath() + L".copy.dll";
-  ASSERT_TRUE(CopyFileW(DllPath().c_str(), copy.c_str(), FALSE));
-  for (int round = 0; round < 20; ++round) {
-    const HMODULE module = LoadLibraryW(copy.c_str());
-    ASSERT_NE(nullptr, module);
-    using GetClassObject = HRESULT STDAPICALLTYPE(REFCLSID, REFIID, void**);
-    auto* get = reinterpret_cast<GetClassObject*>(
-        reinterpret_cast<void*>(GetProcAddress(module, "DllGetClassObject")));
-    {
-      ComPtr<IClassFactory> factory;
-      ComPtr<_RestoreDlg> object;
-      ASSERT_EQ(S_OK, get(CLSID_RestoreDlg, IID_PPV_ARGS(factory.GetAddressOf())));
-      void** out = reinterpret_cast<void**>(object.GetAddressOf());
-      ASSERT_EQ(S_OK, factory->CreateInstance(nullptr, IID__RestoreDlg, out));
-      Text path(L"D:\\restored");
-      ASSERT_EQ(S_OK, object->put_RestorePath(&path));  // makes the form
-    }
-    ASSERT_TRUE(FreeLibrary(module));
-  }
-  EXPECT_EQ(nullptr, GetModuleHandleW(copy.c_str()));
-  EXPECT_TRUE(DeleteFileW(copy.c_str()));
-}
-
 TEST_F(ServerTest, SaysWhatItsClassIs) {
   ComPtr<IProvideClassInfo2> classInfo;
   ASSERT_EQ(S_OK, m_dll.NewObject()->QueryInterface(IID_PPV_ARGS(classInfo.GetAddressOf())));

@@ -1,8 +1,7 @@
 // A small catalog file in a folder of its own, whose every row a test can name.
 //
-//   Documents   run 1 (the newest): C:\Data\a.txt, C:\Data\Reports\b.doc, C:\Data\Reports\a very long
-//   name.xls,
-//                      D:\y.txt, and a row that is not live
+//   Documents   run 1, the newest: C:\Data\a.txt, C:\Data\Reports\b.doc, D:\y.txt, a row that is not live,
+//               and C:\Data\Reports\a very long name.xls
 //               run 2: C:\Data\a.txt
 //   Mail        run 3: C:\Mail\box.pst
 #pragma once
