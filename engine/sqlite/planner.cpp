@@ -9,6 +9,7 @@
 #include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
+#include "engine/sqlite/single_rows.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
@@ -227,6 +228,8 @@ std::shared_ptr<Plan> MakePlan(const Session& session, std::string_view source, 
   SelectStatement* select = std::get_if<SelectStatement>(&statement);
   if (use == Session::Use::kDynaset && select != nullptr) {
     plan->tables = AddRowNumbers(session.Connection(), *select, pure);
+  } else if (select != nullptr) {
+    RemoveGroupsOfSingleRows(session, *select);
   }
   plan->sql = Print(statement, dialect);
   Statement prepared =

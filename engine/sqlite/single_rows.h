@@ -1,0 +1,20 @@
+// Listings over a saved query that groups rows which are single anyway.
+#pragma once
+
+#include "engine/jet_sql/ast.h"
+#include "engine/sqlite/session.h"
+
+namespace kxrestore::engine::sqlite {
+
+// A saved query may join rows F with a second saved query that keeps one key for each value of a column of F,
+//
+//   SELECT First(F.x) ... FROM F INNER JOIN G ON F.key = G.key WHERE ... GROUP BY F.name ORDER BY ...
+//   G: SELECT Max(F.key) AS key FROM F WHERE ... GROUP BY F.name
+//
+// and group the result by that column again. Where a key names one row of F, no group of the result has more
+// than one row. Then a listing of that query is turned into one without the outer groups, whose conditions on
+// the grouped column stand before the inner grouping. Anything else, and whatever cannot be proved from the
+// tables, stays as it is.
+void RemoveGroupsOfSingleRows(const Session& session, jet_sql::SelectStatement& listing);
+
+}  // namespace kxrestore::engine::sqlite
