@@ -100,8 +100,30 @@ void AppendCharacter(std::string& text, char32_t character) {
   }
 }
 
+namespace {
+
+// Puts the folded characters beyond ASCII into a copy of the text. False when one has another length folded.
+bool FoldInPlace(char* copy, std::string_view text) {
+  for (std::size_t position = 0; position < text.size();) {
+    if (ByteAt(text, position) < 0x80) {
+      ++position;
+      continue;
+    }
+    char* const bytes = copy + position;
+    const char32_t character = DecodeMultiByte(text, position);
+    const char32_t folded = FoldCase(character);
+    if (folded == character) continue;
+    if (character >= 0x800 || folded < 0x80 || folded >= 0x800) return false;
+    bytes[0] = static_cast<char>(0xC0 | (folded >> 6));
+    bytes[1] = static_cast<char>(0x80 | (folded & 0x3F));
+  }
+  return true;
+}
+
+}  // namespace
+
 void AppendFolded(std::string& folded, std::string_view text) {
-  // ASCII in one go that compilers vectorise; what has other characters is done again, one by one.
+  // ASCII in one go that compilers vectorise, then the other characters; one by one only where lengths change.
   const std::size_t before = folded.size();
   folded.resize(before + text.size());
   char* out = folded.data() + before;
@@ -111,7 +133,7 @@ void AppendFolded(std::string& folded, std::string_view text) {
     seen |= byte;
     out[i] = static_cast<char>(byte + (static_cast<unsigned char>(byte - 'A') < 26 ? 32 : 0));
   }
-  if (seen < 0x80) return;
+  if (seen < 0x80 || FoldInPlace(out, text)) return;
   folded.resize(before);
   for (std::size_t position = 0; position < text.size();) {
     const char32_t character = NextFolded(text, position);

@@ -57,7 +57,7 @@ void CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticked) {
   entry.setId = static_cast<std::int32_t>(m_setId.Integer());
   entry.setName = TextOf(m_setName, buffers[4]);
   entry.date = m_dateText.Of(date);
-  entry.dateKey = DateText::Key(date);
+  entry.dateKey = m_dateText.Key();
   entry.storedName = aggregate ? file : TextOf(m_filename, buffers[5]);
   list.Add(entry, ticked);
 }

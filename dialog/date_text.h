@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "engine/value.h"
 #include "platform/regional.h"
@@ -20,13 +21,14 @@ class DateText {
   // empty one.
   std::string_view Of(const engine::ValueView& value);
 
-  // Orders dates by time; what is no date comes first.
-  static std::int64_t Key(const engine::ValueView& value);
+  // Orders by time what Of was last called with; what is no date comes first.
+  std::int64_t Key() const { return m_key; }
 
  private:
   const platform::Regional& m_regional;
   std::unordered_map<std::int32_t, std::string> m_days;
-  std::unordered_map<std::int32_t, std::string> m_times;
+  std::vector<std::string> m_times;  // by second of the day
+  std::int64_t m_key = INT64_MIN;
   std::string m_text;
 };
 
