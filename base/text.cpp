@@ -123,7 +123,8 @@ bool FoldInPlace(char* copy, std::string_view text) {
 }  // namespace
 
 void AppendFolded(std::string& folded, std::string_view text) {
-  // ASCII in one go that compilers vectorise, then the other characters; one by one only where lengths change.
+  // ASCII in one go that compilers vectorise, then the other characters; one by one only where lengths
+  // change.
   const std::size_t before = folded.size();
   folded.resize(before + text.size());
   char* out = folded.data() + before;

@@ -18,11 +18,15 @@ struct AutoSelect::Store {
   struct Record {
     const char* names;  // the shown name, then the stored one; where one ends the other, the longer of them
     std::int64_t size, dateKey;
+    const char* date;  // files mostly have times of their own: only neighbours share them
     std::uint32_t nameLength, storedLength;
-    std::uint32_t extension, setName, date;  // numbers in `pool`
+    std::uint32_t extension, setName;  // numbers in `pool`
     std::int32_t setId;
-    std::uint8_t flags;
+    std::uint32_t dateLength : 29, flags : 3;
   };
+
+  std::string_view DateOf(const Record& record) const { return {record.date, record.dateLength}; }
+  const char* KeepDate(std::string_view date);
 
   std::size_t Count() const { return records.Size(); }
   void Add(const Entry& entry, bool ticked);
@@ -40,9 +44,21 @@ struct AutoSelect::Store {
   bool hasGroups = false;
 };
 
+const char* AutoSelect::Store::KeepDate(std::string_view date) {
+  if (records.Size() != 0) {
+    const Record& last = records[records.Size() - 1];
+    if (DateOf(last) == date) return last.date;
+  }
+  char* const copy = texts.Allocate(date.size());
+  if (!date.empty()) std::memcpy(copy, date.data(), date.size());
+  return copy;
+}
+
 void AutoSelect::Store::Add(const Entry& entry, bool ticked) {
-  constexpr std::size_t kLongest = std::numeric_limits<std::int32_t>::max();
-  if (entry.name.size() > kLongest || entry.storedName.size() > kLongest) ThrowInvalidPropertyValue();
+  constexpr std::size_t kLongest = (std::size_t{1} << 29) - 1;
+  if (std::max({entry.name.size(), entry.storedName.size(), entry.date.size()}) > kLongest) {
+    ThrowInvalidPropertyValue();
+  }
 
   const std::string_view longer = std::max(entry.name, entry.storedName,
                                            [](auto left, auto right) { return left.size() < right.size(); });
@@ -62,10 +78,11 @@ void AutoSelect::Store::Add(const Entry& entry, bool ticked) {
   record.storedLength = static_cast<std::uint32_t>(entry.storedName.size());
   record.extension = pool.Number(entry.extension, texts);
   record.setName = pool.Number(entry.setName, texts);
-  record.date = pool.Number(entry.date, texts);
+  record.date = KeepDate(entry.date);
+  record.dateLength = static_cast<std::uint32_t>(entry.date.size());
   record.setId = entry.setId;
-  record.flags = static_cast<std::uint8_t>((entry.sizeKnown ? kSizeKnown : 0) | (entry.isGroup ? kGroup : 0) |
-                                           (shared ? kSharedNames : 0));
+  record.flags = static_cast<std::uint32_t>((entry.sizeKnown ? kSizeKnown : 0) |
+                                            (entry.isGroup ? kGroup : 0) | (shared ? kSharedNames : 0));
   ticks.push_back(ticked);
   records.Append(record);
   hasGroups = hasGroups || entry.isGroup;
@@ -87,7 +104,7 @@ AutoSelect::Entry AutoSelect::Store::At(std::size_t number) const {
   entry.extension = pool.Text(record.extension);
   entry.setId = record.setId;
   entry.setName = pool.Text(record.setName);
-  entry.date = pool.Text(record.date);
+  entry.date = DateOf(record);
   entry.dateKey = record.dateKey;
   entry.isGroup = (record.flags & kGroup) != 0;
   return entry;
