@@ -63,8 +63,8 @@ const SelectItem* FindItem(const SelectCore& core, std::string_view name) {
   const SelectItem* found = nullptr;
   for (const SelectItem& item : core.items) {
     if (!item.expression) return nullptr;
-    const bool column = item.expression->kind == ExpressionKind::kColumn;
-    const std::string_view itemName = !item.alias.empty() ? item.alias : column ? item.expression->text : "";
+    std::string_view itemName = item.alias;
+    if (itemName.empty() && item.expression->kind == ExpressionKind::kColumn) itemName = item.expression->text;
     if (!EqualIgnoringCase(itemName, name)) continue;
     if (found != nullptr) return nullptr;
     found = &item;
