@@ -102,6 +102,30 @@ void AppendCharacter(std::string& text, char32_t character) {
 
 namespace {
 
+// Folds the ASCII letters, eight bytes at a time. True when there was nothing but ASCII.
+bool FoldAscii(char* text, std::size_t size) {
+  constexpr std::uint64_t kEach = 0x0101010101010101;
+  std::uint64_t seen = 0;
+  std::size_t i = 0;
+  for (; i + 8 <= size; i += 8) {
+    std::uint64_t bytes;
+    std::memcpy(&bytes, text + i, sizeof bytes);
+    seen |= bytes;
+    // The top bit of a byte's sum tells whether its lower seven bits reach 'A', and whether they pass 'Z'.
+    const std::uint64_t low = bytes & (0x7F * kEach);
+    const std::uint64_t fromA = low + (0x80 - 'A') * kEach, beyondZ = low + (0x7F - 'Z') * kEach;
+    const std::uint64_t capitals = (fromA ^ beyondZ) & ~bytes & (0x80 * kEach);
+    bytes |= capitals >> 2;
+    std::memcpy(text + i, &bytes, sizeof bytes);
+  }
+  for (; i < size; ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    seen |= byte;
+    if (byte >= 'A' && byte <= 'Z') text[i] = static_cast<char>(byte + 32);
+  }
+  return (seen & (0x80 * kEach)) == 0;
+}
+
 // Puts the folded characters beyond ASCII into a copy of the text. False when one has another length folded.
 bool FoldInPlace(char* copy, std::string_view text) {
   for (std::size_t position = 0; position < text.size();) {
@@ -123,18 +147,10 @@ bool FoldInPlace(char* copy, std::string_view text) {
 }  // namespace
 
 void AppendFolded(std::string& folded, std::string_view text) {
-  // ASCII in one go that compilers vectorise, then the other characters; one by one only where lengths
-  // change.
   const std::size_t before = folded.size();
-  folded.resize(before + text.size());
-  char* out = folded.data() + before;
-  unsigned char seen = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    seen |= byte;
-    out[i] = static_cast<char>(byte + (static_cast<unsigned char>(byte - 'A') < 26 ? 32 : 0));
-  }
-  if (seen < 0x80 || FoldInPlace(out, text)) return;
+  folded.append(text);
+  char* const out = folded.data() + before;
+  if (FoldAscii(out, text.size()) || FoldInPlace(out, text)) return;
   folded.resize(before);
   for (std::size_t position = 0; position < text.size();) {
     const char32_t character = NextFolded(text, position);

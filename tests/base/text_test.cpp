@@ -37,8 +37,10 @@ TEST(Text, EveryStrayByteIsOneCharacterAndSurvives) {
 
 TEST(Text, FoldsBeyondAscii) {
   EXPECT_EQ(FoldCase("ÄÖÜ ÇÉ ΣΩ ДЖ"), "äöü çé σω дж");
-  EXPECT_EQ(FoldCase(U'Ÿ'), U'ÿ');            // folds to a smaller code point
-  EXPECT_EQ(FoldCase(U'\u0100'), U'\u0101');  // alternating pairs
+  EXPECT_EQ(FoldCase("@AMZ[`az{AMZ @"), "@amz[`az{amz @");
+  EXPECT_EQ(FoldCase("Ä:ABCDEFGHIJ\u212AÄZ"), "ä:abcdefghijkäz");  // one gets shorter
+  EXPECT_EQ(FoldCase(U'Ÿ'), U'ÿ');                                 // folds to a smaller code point
+  EXPECT_EQ(FoldCase(U'\u0100'), U'\u0101');                       // alternating pairs
   EXPECT_EQ(FoldCase(U'\u0101'), U'\u0101');
   EXPECT_EQ(FoldCase(U'\u212A'), U'k');  // Kelvin sign
   EXPECT_EQ(FoldCase(U'\U00010400'), U'\U00010428');
