@@ -28,6 +28,9 @@ Session::Session(std::string file, bool exclusive, bool grouping, std::chrono::m
     Raise(registered, Doing::kOpening);
   }
   m_readOnly = sqlite3_db_readonly(connection, "main") == 1;
+  // A group of marks changes pages all over a catalog; they wait for the commit instead of being written again
+  // and again. Unchanged pages get no more room by that: to touch so much memory would cost reading more.
+  sqlite3_exec(connection, "PRAGMA cache_spill = 8192", nullptr, nullptr, nullptr);
   if (exclusive) {
     // The lock taken by the first statement is kept until the connection closes.
     for (const char* sql : {"PRAGMA locking_mode = EXCLUSIVE", "BEGIN EXCLUSIVE", "COMMIT"}) {
