@@ -1,10 +1,9 @@
 // The dialog without windows against the database library itself, on one run of 100,000 and of 1,000,000
 // files:
-//   fill the detail tree   a run is chosen                         | its rows read
-//   tick everything        the top node of the full tree is ticked
-//   apply                  everything is ticked, Apply is pressed  | the files found and marked in one
-//   transaction list marked files      Refresh is pressed, all are marked      | the marked rows read search
-//   by mask         Find is pressed                         | the names compared
+//   fill the detail tree: a run is chosen; bare: its rows are read
+//   tick everything: the top node of the full tree is ticked
+//   apply: everything is ticked, Apply is pressed; bare: the files are found and marked in one transaction
+//   list marked files: Refresh is pressed, all are marked; bare: the marked rows are read
 // and how many bytes a node and how many disk syncs a file that takes.
 #include <memory>
 #include <string>
@@ -153,36 +152,6 @@ class ListMarked : public Comparison {
   Dialog m_dialog;
 };
 
-class Search : public Comparison {
- public:
-  explicit Search(std::int64_t rows) : m_path(BenchCatalog(rows)), m_dialog(m_path) {
-    m_dialog.Ui().tbsOptions.UserSelect(2);
-    m_dialog.Ui().chk1.SetValue(false);
-    m_dialog.Ui().cboMask.UserType("*Invoice*.pdf");
-  }
-
-  void Ours() override {
-    m_dialog.Press(m_dialog.Ui().cmdSearch[2]);
-    Expect(m_dialog.Ui().asSearch.Count() > 100, "too few hits");
-    m_hits = static_cast<std::int64_t>(m_dialog.Ui().asSearch.Count());
-  }
-
-  void Bare() override {
-    BareDatabase database(m_path);
-    BareStatement rows(
-        database.Get(),
-        "SELECT OrigName, OrigSize, Extension, SetNameID, Name, DateStamp, Filename FROM Catalog LEFT "
-        "JOIN SetNames ON SetNames.ID = SetNameID WHERE OrigName LIKE '%Invoice%.pdf%' AND Status = 2");
-    const std::int64_t hits = ReadAll(rows, 7);
-    Expect(m_hits == 0 || hits == m_hits, "the two searches differ");
-  }
-
- private:
-  std::string m_path;
-  Dialog m_dialog;
-  std::int64_t m_hits = 0;
-};
-
 }  // namespace
 }  // namespace kxrestore::bench
 
@@ -197,7 +166,6 @@ int main(int count, char** words) {
     Time({.name = "tick everything", .rows = rows, .limit = kMostTickSeconds},
          make(std::type_identity<Tick>{}));
     Compare({.name = "list marked files", .rows = rows, .limit = {}}, make(std::type_identity<ListMarked>{}));
-    Compare({.name = "search by mask", .rows = rows, .limit = {}}, make(std::type_identity<Search>{}));
   }
   Compare({.name = "apply", .rows = 100000, .limit = kMostApplyRatio}, make(std::type_identity<Apply>{}));
   return RunBenchmarks(count, words);
