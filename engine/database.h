@@ -85,6 +85,14 @@ class Database {
   virtual void CreateQueryDef(std::string_view name, std::string_view sql) = 0;
   virtual void DeleteQueryDef(std::string_view name) = 0;
 
+  // What is written between BeginTrans and CommitTrans is there as a whole or not at all, and no commit of a
+  // group comes between; what waited before is committed first. Rollback undoes it, and so does closing or
+  // destroying the database. A commit that fails has written nothing and leaves the transaction to Rollback.
+  // Error 3034 to end what was not begun, 3219 to begin a second one beside the first.
+  virtual void BeginTrans() = 0;
+  virtual void CommitTrans() = 0;
+  virtual void Rollback() = 0;
+
   virtual void Close() = 0;
 };
 

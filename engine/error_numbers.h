@@ -9,6 +9,7 @@ inline constexpr int kObjectExists = 3012;       // saved query of that name is 
 inline constexpr int kNoCurrentRecord = 3021;
 inline constexpr int kUpdateWithoutEdit = 3020;
 inline constexpr int kFileNotFound = 3024;
+inline constexpr int kNoTransaction = 3034;  // to commit or roll back; or an error has undone it
 inline constexpr int kFileInUse = 3045;
 inline constexpr int kReadOnly = 3027;    // the file, the table or the query cannot be changed
 inline constexpr int kDamaged = 3049;     // the file is a database but cannot be read

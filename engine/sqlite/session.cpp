@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/error.h"
+#include "engine/error_numbers.h"
 #include "engine/sqlite/functions.h"
 #include "engine/sqlite/planner.h"
 
@@ -28,8 +30,9 @@ Session::Session(std::string file, bool exclusive, bool grouping, std::chrono::m
     Raise(registered, Doing::kOpening);
   }
   m_readOnly = sqlite3_db_readonly(connection, "main") == 1;
-  // A group of marks changes pages all over a catalog; they wait for the commit instead of being written again
-  // and again. Unchanged pages get no more room by that: to touch so much memory would cost reading more.
+  // A group of marks changes pages all over a catalog; they wait for the commit instead of being written
+  // again and again. Unchanged pages get no more room by that: to touch so much memory would cost reading
+  // more.
   sqlite3_exec(connection, "PRAGMA cache_spill = 8192", nullptr, nullptr, nullptr);
   if (exclusive) {
     // The lock taken by the first statement is kept until the connection closes.
@@ -133,6 +136,7 @@ void Session::DetachStreaming(bool dynasetsToo) {
 
 void Session::RunWrite(sqlite3_stmt* statement, bool disturbs, std::string_view piece) {
   DetachStreaming(disturbs);
+  NeedTransaction();
   for (bool retried = false;; retried = true) {
     int code = m_grouping && !InTransaction() ? Begin() : SQLITE_OK;
     if (code == SQLITE_OK) code = sqlite3_step(statement);
@@ -150,7 +154,53 @@ void Session::RunWrite(sqlite3_stmt* statement, bool disturbs, std::string_view 
     const ResetGuard guard(statement);
     Raise(code, Doing::kWriting, piece);
   }
-  if (m_grouping) CommitIfDue();
+  if (m_grouping && !m_transactionOwner) CommitIfDue();
+}
+
+// ---- transactions
+
+void Session::BeginTransaction(const Database& owner) {
+  if (m_transactionOwner) {
+    throw Error(error_number::kInvalidOperation,
+                "Invalid operation: a transaction has begun already in '" + m_file + "'.", "Engine");
+  }
+  Flush();
+  int code = Begin();
+  if ((code & 0xFF) == SQLITE_BUSY && !m_streaming.empty()) {
+    DetachStreaming(true);
+    code = Begin();
+  }
+  if (code != SQLITE_OK) Raise(code, Doing::kWriting);
+  m_transactionOwner = &owner;
+}
+
+// A full disk and the like undo the transaction beneath us: what follows must not be written without the
+// rest.
+void Session::NeedTransaction() const {
+  if (!m_transactionOwner || InTransaction()) return;
+  throw Error(error_number::kNoTransaction, "An error has undone the transaction in '" + m_file + "'.",
+              "Engine");
+}
+
+void Session::CommitTransaction() {
+  NeedTransaction();
+  Commit();
+  m_transactionOwner = nullptr;
+}
+
+void Session::UndoTransaction() {
+  const auto undo = [this] {
+    m_transactionOwner = nullptr;
+    RollBack();
+    ForgetPlans();  // saved queries may be others again
+  };
+  try {
+    DetachStreaming(false);  // what a snapshot shows stays
+  } catch (...) {
+    undo();
+    throw;
+  }
+  undo();
 }
 
 // ---- commits in groups
@@ -207,15 +257,16 @@ void Session::Commit() {
 }
 
 void Session::Idle() {
-  if (m_grouping && InTransaction()) CommitIfDue();
+  if (m_grouping && !m_transactionOwner) CommitIfDue();
 }
 
 void Session::Flush() {
-  Commit();
+  if (!m_transactionOwner) Commit();
 }
 
 void Session::EndGroups() {
   m_grouping = false;
+  if (m_transactionOwner) return;
   const int code = TryCommit(true);
   if (code == SQLITE_OK) return;
   RollBack();

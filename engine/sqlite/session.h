@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "engine/database.h"
 #include "engine/jet_sql/literals.h"
 #include "engine/sqlite/plan.h"
 #include "engine/sqlite/sqlite_error.h"
@@ -58,6 +59,12 @@ class Session {
   void AddStreaming(StreamingRows& rows) { m_streaming.push_back(&rows); }
   void RemoveStreaming(StreamingRows& rows);
 
+  // A transaction of a database's own, during which no group is committed; it goes on when the action ends.
+  void BeginTransaction(const Database& owner);
+  void CommitTransaction();
+  void UndoTransaction();
+  const Database* TransactionOwner() const { return m_transactionOwner; }
+
   void Idle();       // commits what has waited long enough, without waiting for anybody
   void Flush();      // commits; waits, then raises
   void EndGroups();  // commits for good: what cannot be committed is rolled back and raised
@@ -69,6 +76,7 @@ class Session {
   };
 
   void DetachStreaming(bool dynasetsToo);
+  void NeedTransaction() const;
   bool InTransaction() const { return sqlite3_get_autocommit(m_connection.get()) == 0; }
   int Begin();
   int TryCommit(bool waiting);
@@ -85,6 +93,7 @@ class Session {
   std::vector<StreamingRows*> m_streaming;
   std::unordered_map<std::string, std::shared_ptr<Plan>> m_plans;
   jet_sql::ExtractedLiterals m_extracted;
+  const Database* m_transactionOwner = nullptr;
   Clock::time_point m_due, m_deadline, m_nextTry;
 };
 

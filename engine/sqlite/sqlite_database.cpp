@@ -22,6 +22,18 @@ std::string ColumnText(sqlite3_stmt* statement, int column) {
 
 }  // namespace
 
+SqliteDatabase::~SqliteDatabase() {
+  try {
+    Close();
+  } catch (const Error&) {  // rows that a recordset could not take into memory are told when they are read
+  }
+}
+
+void SqliteDatabase::Close() {
+  const std::shared_ptr<Session> session = std::move(m_session);
+  if (session && session->TransactionOwner() == this) session->UndoTransaction();
+}
+
 Session& SqliteDatabase::Open() const {
   if (!m_session) Raise(number::kObjectInvalid, "Object invalid or no longer set: the database.");
   return *m_session;
@@ -49,6 +61,25 @@ std::int64_t SqliteDatabase::Execute(std::string_view sql, int /*options*/) {
   const std::int64_t changes = sqlite3_changes64(session.Connection());
   Session::Release(*plan, std::move(statement));
   return changes;
+}
+
+void SqliteDatabase::BeginTrans() {
+  OpenForWriting().BeginTransaction(*this);
+}
+
+Session& SqliteDatabase::OpenInTransaction() const {
+  Session& session = Open();
+  if (session.TransactionOwner() == this) return session;
+  Raise(number::kNoTransaction,
+        "You tried to commit or rollback a transaction without first beginning a transaction.");
+}
+
+void SqliteDatabase::CommitTrans() {
+  OpenInTransaction().CommitTransaction();
+}
+
+void SqliteDatabase::Rollback() {
+  OpenInTransaction().UndoTransaction();
 }
 
 SqliteDatabase::Entry SqliteDatabase::FindEntry(Session& session, std::string_view name) {

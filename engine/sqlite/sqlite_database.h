@@ -13,17 +13,22 @@ class SqliteDatabase final : public Database {
  public:
   SqliteDatabase(std::shared_ptr<Session> session, bool readOnly)
       : m_session(std::move(session)), m_readOnly(readOnly) {}
+  ~SqliteDatabase() override;
 
   std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type) override;
   std::int64_t Execute(std::string_view sql, int options) override;
   std::string QueryText(std::string_view name) override;
   void CreateQueryDef(std::string_view name, std::string_view sql) override;
   void DeleteQueryDef(std::string_view name) override;
-  void Close() override { m_session.reset(); }
+  void BeginTrans() override;
+  void CommitTrans() override;
+  void Rollback() override;
+  void Close() override;
 
  private:
   Session& Open() const;
   Session& OpenForWriting() const;
+  Session& OpenInTransaction() const;
   // The kind and the CREATE text of a table or view; both empty when there is none. `name` gets its stored
   // case.
   struct Entry {

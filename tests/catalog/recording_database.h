@@ -91,6 +91,9 @@ class RecordingDatabase : public engine::Database {
     m_script->Call("delete " + std::string(name));
     m_script->queries.erase(Find(name));
   }
+  void BeginTrans() override { m_script->Call("begin"); }
+  void CommitTrans() override { m_script->Call("commit"); }
+  void Rollback() override { m_script->Call("roll back"); }
   void Close() override { m_script->Call("close database"); }
 
  private:

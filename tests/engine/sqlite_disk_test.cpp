@@ -62,6 +62,32 @@ TEST_F(SqliteDisk, FullDiskKeepsWhatWasCommitted) {
   EXPECT_EQ(m_test->Ask("SELECT group_concat(ID) FROM Catalog WHERE Restore = 1"), "4,100,103");
 }
 
+// The disk fills while pages are moved out of memory: nothing may be committed after that, in part or alone.
+TEST_F(SqliteDisk, FullDiskWithinATransactionUndoesIt) {
+  m_test->Run("CREATE TABLE Big (T TEXT)");
+  m_workspace->BeginAction();
+  const auto database = m_workspace->OpenDatabase(m_test->Request());
+  const std::string insert = "INSERT INTO Big (T) VALUES ('" + std::string(60000, 'x') + "')";
+  database->BeginTrans();
+  m_files.SetDiskFull(true);
+  ExpectError(error_number::kDiskFull, "catälog.db", [&] {
+    for (int i = 0; i < 5000; ++i) database->Execute(insert, kFailOnError);
+  });
+  m_files.SetDiskFull(false);
+  ExpectError(error_number::kNoTransaction, "undone", [&] { database->Execute(insert, kFailOnError); });
+  ExpectError(error_number::kNoTransaction, "undone", [&] { database->CommitTrans(); });
+  database->Rollback();
+  EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Big"), "0");
+  database->BeginTrans();
+  database->Execute(insert, kFailOnError);
+  m_files.SetDiskFull(true);
+  ExpectError(error_number::kDiskFull, "catälog.db", [&] { database->CommitTrans(); });
+  m_files.SetDiskFull(false);
+  database->Rollback();
+  EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Big"), "0");
+  m_workspace->EndAction();
+}
+
 TEST_F(SqliteDisk, FullDiskAtTheEndOfTheAction) {
   m_workspace->BeginAction();
   Mark(100);
