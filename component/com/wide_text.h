@@ -1,6 +1,4 @@
-// Between the UTF-16 of COM and the UTF-8 inside. File names of Windows may hold half of a surrogate pair;
-// such a half is kept in three bytes, so that every UTF-16 text comes back as it went in. A byte that makes
-// no sense becomes U+FFFD.
+// Between the UTF-16 of COM and the UTF-8 inside; see base/utf16.h for what happens to odd texts.
 #pragma once
 
 #include <windows.h>
