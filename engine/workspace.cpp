@@ -5,6 +5,8 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "engine/dao/dao_backend.h"
+#include "engine/dao/not_installed.h"
 #include "engine/database.h"
 #include "engine/error_numbers.h"
 #include "engine/sqlite/sqlite_backend.h"
@@ -78,12 +80,7 @@ Backend& Workspace::BackendForFile(const OpenRequest& request) {
   }
   const FileKind kind = ReadFileKind(request.name);
   Backend* backend = kind == FileKind::kSqlite ? m_backends.sqlite.get() : m_backends.dao.get();
-  if (backend == nullptr) {
-    Raise(error_number::kCannotCreateObject, "ActiveX component can't create object: '" + request.name +
-                                                 "' is a file of the desktop database engine, which is not "
-                                                 "installed. Install the Microsoft Access "
-                                                 "Database Engine (DAO) for this program's bitness.");
-  }
+  if (backend == nullptr) dao::RaiseNotInstalled(request.name);
   if (InAction()) m_known.emplace_back(request.name, backend);
   return *backend;
 }
@@ -123,6 +120,7 @@ void Workspace::EndAction() {
 std::unique_ptr<Workspace> MakeDefaultWorkspace() {
   Workspace::Backends backends;
   backends.sqlite = sqlite::MakeSqliteBackend();
+  backends.dao = dao::MakeDaoBackend();
   return std::make_unique<Workspace>(std::move(backends));
 }
 

@@ -7,6 +7,9 @@
 #include <stdexcept>
 
 #include "engine/sqlite/sqlite_backend.h"
+#ifdef _WIN32
+#include "tests/engine/dao_test_database.h"
+#endif
 
 namespace kxrestore::engine::testing {
 namespace {
@@ -99,7 +102,13 @@ std::unique_ptr<Workspace> MakeImpatientWorkspace() {
 }
 
 const std::vector<const TestDatabaseKind*>& TestDatabaseKinds() {
-  static const std::vector<const TestDatabaseKind*> kinds = {&SqliteKind()};
+  static const std::vector<const TestDatabaseKind*> kinds = [] {
+    std::vector<const TestDatabaseKind*> found = {&SqliteKind()};
+#ifdef _WIN32
+    if (!dao_server::DaoServer::RealOneIsInstalled()) found.push_back(&DaoKind());
+#endif
+    return found;
+  }();
   return kinds;
 }
 

@@ -1,0 +1,133 @@
+#include "engine/dao/dao_backend.h"
+
+#include <utility>
+#include <vector>
+
+#include "base/error.h"
+#include "engine/dao/dao_recordset.h"
+#include "engine/dao/desktop_engine.h"
+#include "engine/error_numbers.h"
+
+namespace kxrestore::engine::dao {
+namespace {
+
+class DaoDatabase final : public Database {
+ public:
+  explicit DaoDatabase(std::shared_ptr<Session> session) : m_session(std::move(session)) {}
+  ~DaoDatabase() override {
+    try {
+      Close();
+    } catch (const Error&) {  // the engine undoes what nobody commits
+    }
+  }
+  DaoDatabase(const DaoDatabase&) = delete;
+  DaoDatabase& operator=(const DaoDatabase&) = delete;
+
+  std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type) override {
+    Open();
+    return std::make_unique<DaoRecordset>(m_session, source, type);
+  }
+
+  std::int64_t Execute(std::string_view sql, int options) override {
+    const Object& database = Open();
+    database.Call(L"Execute", Variant(sql), Variant(static_cast<std::int32_t>(options)));
+    const std::int64_t changed = database.Get(L"RecordsAffected").Integer();
+    if (changed != 0) m_session->Engine().HasWritten();
+    return changed;
+  }
+
+  std::string QueryText(std::string_view name) override {
+    return Open().GetObject(L"QueryDefs").Item(Variant(name)).Get(L"SQL").Text();
+  }
+
+  void CreateQueryDef(std::string_view name, std::string_view sql) override {
+    Open().CallForObject(L"CreateQueryDef", Variant(name), Variant(sql));
+    m_session->Engine().HasWritten();
+  }
+
+  void DeleteQueryDef(std::string_view name) override {
+    Open().GetObject(L"QueryDefs").Call(L"Delete", Variant(name));
+    m_session->Engine().HasWritten();
+  }
+
+  void BeginTrans() override {
+    Open();
+    m_session->Engine().BeginTransaction(*this);
+  }
+
+  void CommitTrans() override {
+    Open();
+    m_session->Engine().CommitTransaction(*this);
+  }
+
+  void Rollback() override {
+    Open();
+    m_session->Engine().RollBackTransaction(*this);
+  }
+
+  void Close() override {
+    if (!m_session) return;
+    const std::shared_ptr<Session> session = std::move(m_session);
+    if (session->Engine().HasTransactionOf(*this)) session->Engine().RollBackTransaction(*this);
+  }
+
+ private:
+  const Object& Open() const {
+    if (!m_session) {
+      throw Error(error_number::kObjectInvalid, "Object invalid or no longer set: the database.", "Engine");
+    }
+    return m_session->Dao();
+  }
+
+  std::shared_ptr<Session> m_session;
+};
+
+// The engine and its open databases are kept within one user action only: whoever has loaded this component
+// may leave COM between two.
+class DaoBackend final : public Backend {
+ public:
+  std::unique_ptr<Database> Open(const OpenRequest& request) override {
+    for (const auto& session : m_warm) {
+      if (session->IsFor(request)) return std::make_unique<DaoDatabase>(session);
+    }
+    std::shared_ptr<DesktopEngine> engine =
+        m_engine ? m_engine : std::make_shared<DesktopEngine>(request.name);
+    engine->Gather(m_inAction);
+    auto session = std::make_shared<Session>(engine, request);
+    if (m_inAction) {
+      m_engine = std::move(engine);
+      if (!request.exclusive) m_warm.push_back(session);
+    }
+    return std::make_unique<DaoDatabase>(std::move(session));
+  }
+
+  void BeginAction() override { m_inAction = true; }
+  void Idle() override { WriteOutAfter(std::chrono::milliseconds(100)); }
+  void Flush() override { WriteOutAfter(std::chrono::milliseconds(0)); }
+
+  void EndAction() override {
+    m_inAction = false;
+    const auto engine = std::exchange(m_engine, nullptr);
+    const auto warm = std::exchange(m_warm, {});
+    if (!engine) return;
+    engine->Gather(false);
+    engine->WriteOutAfter(std::chrono::milliseconds(0));
+  }
+
+ private:
+  void WriteOutAfter(std::chrono::milliseconds age) {
+    if (m_engine) m_engine->WriteOutAfter(age);
+  }
+
+  bool m_inAction = false;
+  std::shared_ptr<DesktopEngine> m_engine;
+  std::vector<std::shared_ptr<Session>> m_warm;
+};
+
+}  // namespace
+
+std::unique_ptr<Backend> MakeDaoBackend() {
+  return std::make_unique<DaoBackend>();
+}
+
+}  // namespace kxrestore::engine::dao

@@ -1,0 +1,64 @@
+// The running desktop engine and the databases that are open in it.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "engine/dao/automation.h"
+#include "engine/database.h"
+
+namespace kxrestore::engine::dao {
+
+class DesktopEngine {
+ public:
+  // The newest engine that is installed and can be made; error 429 when there is none. `file` is who asks.
+  explicit DesktopEngine(const std::string& file);
+
+  const Object& DefaultWorkspace() const { return m_workspace; }
+
+  // The engine writes behind by itself, within half a second. While it gathers it is left to do so, else
+  // every write is followed by its "write it now".
+  void Gather(bool gather) { m_gather = gather; }
+  void HasWritten();
+  void WriteOutAfter(std::chrono::milliseconds age);
+
+  // A transaction is the workspace's, so there is one at a time for all its databases; it belongs to who
+  // began it.
+  void BeginTransaction(const Database& owner);
+  void CommitTransaction(const Database& owner);
+  void RollBackTransaction(const Database& owner);
+  bool HasTransactionOf(const Database& owner) const { return m_transactionOwner == &owner; }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  Object m_engine;
+  Object m_workspace;
+  void NeedTransactionOf(const Database& owner) const;
+
+  const Database* m_transactionOwner = nullptr;
+  bool m_gather = false;
+  std::optional<Clock::time_point> m_firstUnwritten;
+};
+
+// An open database. Whoever holds it keeps it open, so that a recordset may outlive what it was opened from.
+class Session {
+ public:
+  Session(std::shared_ptr<DesktopEngine> engine, const OpenRequest& request);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  DesktopEngine& Engine() const { return *m_engine; }
+  const Object& Dao() const { return m_database; }
+  bool IsFor(const OpenRequest& request) const;
+
+ private:
+  std::shared_ptr<DesktopEngine> m_engine;
+  OpenRequest m_request;
+  Object m_database;
+};
+
+}  // namespace kxrestore::engine::dao

@@ -1,0 +1,148 @@
+#include "engine/dao/values.h"
+
+#include <chrono>
+#include <cmath>
+#include <limits>
+
+#include "base/error.h"
+#include "base/utf16.h"
+
+namespace kxrestore::engine::dao {
+namespace {
+
+constexpr double kSecondsOfDay = 86400;
+constexpr std::int64_t kCurrencyUnit = 10000;
+// Day 0 of automation's dates.
+constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
+
+[[noreturn]] void RaiseTypeMismatch() {
+  throw Error(kxrestore::error_number::kTypeMismatch, "Type mismatch", "DAO");
+}
+
+// Days since 1899-12-30; the fraction is the time of day and counts forward before that day, too.
+DateTime DateOfSerial(double serial) {
+  constexpr double kFirst = -657434, kEnd = 2958466;  // the years 100 to 9999
+  if (!(serial > kFirst - 1 && serial < kEnd)) RaiseTypeMismatch();
+  auto days = static_cast<std::int64_t>(serial);
+  auto seconds = std::llround(std::abs(serial - static_cast<double>(days)) * kSecondsOfDay);
+  if (seconds >= 86400) {
+    ++days;
+    seconds = 0;
+  }
+  const std::chrono::year_month_day day(kDayZero + std::chrono::days(days));
+  DateTime date;
+  date.year = static_cast<std::int16_t>(static_cast<int>(day.year()));
+  date.month = static_cast<std::int8_t>(static_cast<unsigned>(day.month()));
+  date.day = static_cast<std::int8_t>(static_cast<unsigned>(day.day()));
+  date.hour = static_cast<std::int8_t>(seconds / 3600);
+  date.minute = static_cast<std::int8_t>(seconds / 60 % 60);
+  date.second = static_cast<std::int8_t>(seconds % 60);
+  return date;
+}
+
+double SerialOfDate(const DateTime& date) {
+  const std::chrono::year_month_day day(std::chrono::year(date.year),
+                                        std::chrono::month(static_cast<unsigned>(date.month)),
+                                        std::chrono::day(static_cast<unsigned>(date.day)));
+  const auto days = static_cast<double>((std::chrono::sys_days(day) - kDayZero).count());
+  const double time = (date.hour * 3600 + date.minute * 60 + date.second) / kSecondsOfDay;
+  return days < 0 ? days - time : days + time;
+}
+
+ValueView FromCurrency(std::int64_t units) {
+  if (units % kCurrencyUnit == 0) return units / kCurrencyUnit;
+  return static_cast<double>(units) / static_cast<double>(kCurrencyUnit);
+}
+
+ValueView FromDecimal(DECIMAL decimal) {
+  double number = 0;
+  if (FAILED(VarR8FromDec(&decimal, &number))) RaiseTypeMismatch();
+  LONG64 whole = 0;
+  if (number == std::trunc(number) && SUCCEEDED(VarI8FromDec(&decimal, &whole))) return whole;
+  return number;
+}
+
+ValueView FromBytes(SAFEARRAY* array, std::string& text) {
+  LONG low = 0, high = -1;
+  void* data = nullptr;
+  if (SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetLBound(array, 1, &low)) ||
+      FAILED(SafeArrayGetUBound(array, 1, &high)) || FAILED(SafeArrayAccessData(array, &data))) {
+    RaiseTypeMismatch();
+  }
+  text.assign(static_cast<const char*>(data), static_cast<std::size_t>(high - low + 1));
+  SafeArrayUnaccessData(array);
+  return std::string_view(text);
+}
+
+}  // namespace
+
+ValueView ToValue(const VARIANT& variant, std::string& text) {
+  switch (variant.vt) {
+    case VT_EMPTY:
+    case VT_NULL:
+      return std::monostate();
+    case VT_BSTR:
+      text.clear();
+      if (variant.bstrVal != nullptr) {
+        AppendUtf8(text, std::wstring_view(variant.bstrVal, SysStringLen(variant.bstrVal)));
+      }
+      return std::string_view(text);
+    case VT_BOOL:
+      return variant.boolVal != VARIANT_FALSE;
+    case VT_UI1:
+      return std::int64_t{variant.bVal};
+    case VT_I2:
+      return std::int64_t{variant.iVal};
+    case VT_I4:
+      return std::int64_t{variant.lVal};
+    case VT_I8:
+      return std::int64_t{variant.llVal};
+    case VT_R4:
+      return double{variant.fltVal};
+    case VT_R8:
+      return variant.dblVal;
+    case VT_CY:
+      return FromCurrency(variant.cyVal.int64);
+    case VT_DECIMAL:
+      return FromDecimal(variant.decVal);
+    case VT_DATE:
+      return DateOfSerial(variant.date);
+    case VT_ARRAY | VT_UI1:
+      return FromBytes(variant.parray, text);
+    default:
+      RaiseTypeMismatch();
+  }
+}
+
+Variant FromValue(const Value& value) {
+  struct Visitor {
+    Variant operator()(std::monostate) const {
+      Variant null;
+      null.Raw().vt = VT_NULL;
+      return null;
+    }
+    Variant operator()(bool b) const { return Variant(b); }
+    Variant operator()(std::int64_t number) const {
+      const auto small = static_cast<std::int32_t>(number);
+      if (small == number) return Variant(small);
+      if (std::abs(static_cast<double>(number)) < 0x1p53) return (*this)(static_cast<double>(number));
+      return (*this)(std::to_string(number));  // the engine converts it to what the field holds
+    }
+    Variant operator()(double number) const {
+      Variant real;
+      real.Raw().vt = VT_R8;
+      real.Raw().dblVal = number;
+      return real;
+    }
+    Variant operator()(const std::string& text) const { return Variant(text); }
+    Variant operator()(const DateTime& date) const {
+      Variant serial;
+      serial.Raw().vt = VT_DATE;
+      serial.Raw().date = SerialOfDate(date);
+      return serial;
+    }
+  };
+  return std::visit(Visitor{}, value);
+}
+
+}  // namespace kxrestore::engine::dao

@@ -1,0 +1,166 @@
+// The automation back end itself: which engine it takes, what it says, and what it makes of the answers.
+#include <limits>
+
+#include "engine/dao/values.h"
+#include "tests/engine/dao_test_database.h"
+
+namespace kxrestore::engine {
+namespace {
+
+using testing::DaoTestDatabase;
+using testing::ExpectError;
+using testing::Rows;
+
+class Dao : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (dao_server::DaoServer::RealOneIsInstalled()) GTEST_SKIP() << "this machine has a real engine";
+  }
+  static bool Called(DaoTestDatabase& test, std::string_view call) { return test.Journal().Called(call); }
+};
+
+TEST_F(Dao, TheNewestThatCanBeMade) {
+  const dao_server::Installation now{L"DAO.DBEngine.120"}, broken{L"DAO.DBEngine.120", true},
+      old{L"DAO.DBEngine.36"}, oldest{L"DAO.DBEngine.35"};
+  const struct {
+    std::vector<dao_server::Installation> installed;
+    const char* made;
+  } cases[] = {{{oldest, old, now}, "made DAO.DBEngine.120"},
+               {{oldest, old}, "made DAO.DBEngine.36"},
+               {{oldest, broken}, "made DAO.DBEngine.35"}};
+  for (const auto& [installed, made] : cases) {
+    DaoTestDatabase test(installed);
+    test.Run("CREATE TABLE T (ID INTEGER)");
+    MakeDefaultWorkspace()->OpenDatabase(test.Request());
+    EXPECT_EQ(test.Journal().calls.front(), made);
+  }
+}
+
+TEST_F(Dao, NoneInstalled) {
+  for (const std::vector<dao_server::Installation>& installed :
+       {std::vector<dao_server::Installation>{}, {{L"DAO.DBEngine.36", true}}}) {
+    DaoTestDatabase test(installed);
+    for (const char* piece :
+         {"mdb", "Install the", "x86", installed.empty() ? "" : "DAO.DBEngine.36 is registered"}) {
+      ExpectError(error_number::kCannotCreateObject, piece,
+                  [&] { MakeDefaultWorkspace()->OpenDatabase(test.Request()); });
+    }
+  }
+}
+
+TEST_F(Dao, StatementsArriveUntouched) {
+  DaoTestDatabase test;
+  test.Run(testing::CatalogSchema());
+  const auto workspace = MakeDefaultWorkspace();
+  workspace->BeginAction();
+  OpenRequest request = test.Request();
+  request.readOnly = true;
+  workspace->OpenDatabase(request);
+  EXPECT_TRUE(Called(test, "Workspace.OpenDatabase(\"" + request.name + "\", False, True, \"\")"));
+  auto database = workspace->OpenDatabase(test.Request());
+  workspace->OpenDatabase(test.Request());
+  EXPECT_TRUE(Rows(*database, "SELECT ID FROM  [Catalog] WHERE File = 'bü; ro' ;").empty());
+  EXPECT_TRUE(
+      Called(test, "Database.OpenRecordset(\"SELECT ID FROM  [Catalog] WHERE File = 'bü; ro' ;\", 4)"));
+  database->Execute("UPDATE  Catalog SET Restore = True ;", kFailOnError);
+  EXPECT_TRUE(Called(test, "Database.Execute(\"UPDATE  Catalog SET Restore = True ;\", 128)"));
+  database->Execute("INSERT INTO SetNames (ID) VALUES (1)");
+  EXPECT_FALSE(Called(test, "DBEngine.Idle(8)")) << "the engine writes behind";
+  workspace->EndAction();
+  EXPECT_TRUE(Called(test, "DBEngine.Idle(8)")) << "and has written when the action ends";
+  int made = 0;
+  for (const std::string& call : test.Journal().calls) made += call.starts_with("made");
+  EXPECT_EQ(made, 1) << "one engine serves an action";
+  EXPECT_GT(test.Journal().liveObjects, 0);
+  database.reset();
+  EXPECT_EQ(test.Journal().liveObjects, 0) << "nothing of it outlives the action and what was opened in it";
+}
+
+TEST_F(Dao, ErrorsKeepNumberDescriptionAndSource) {
+  for (const bool bare : {false, true}) {
+    DaoTestDatabase test;
+    test.Run("CREATE TABLE T (ID INTEGER)");
+    test.Journal().bareErrors = bare;
+    const auto database = MakeDefaultWorkspace()->OpenDatabase(test.Request());
+    try {
+      database->QueryText("Nothing");
+      ADD_FAILURE() << "no error";
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), error_number::kItemNotFound);
+      EXPECT_EQ(error.Description(), "Item not found in this collection: 'Nothing'.");
+      EXPECT_EQ(error.Source(), "DAO.QueryDefs");
+    }
+  }
+}
+
+TEST_F(Dao, BlocksOfASnapshot) {
+  DaoTestDatabase test;
+  test.Run("CREATE TABLE Numbers (N INTEGER, T TEXT)");
+  test.Run(
+      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1200) "
+      "INSERT INTO Numbers SELECT i, 'tëxt ' || i FROM n");
+  const auto database = MakeDefaultWorkspace()->OpenDatabase(test.Request());
+  const std::string all = "SELECT N, T FROM Numbers ORDER BY N";
+  auto rows = Rows(*database, all);
+  ASSERT_EQ(rows.size(), 1200u);
+  for (const std::size_t i : {0, 499, 500, 999, 1000, 1199}) {
+    EXPECT_EQ(rows[i], std::to_string(i + 1) + "|tëxt " + std::to_string(i + 1));
+  }
+  // A row that cannot be read is an error where it stands, not an early end.
+  test.Run("UPDATE Numbers SET T = 'unreadable' WHERE N = 700");
+  const auto recordset = database->OpenRecordset(all, RecordsetType::kSnapshot);
+  for (int n = 1; n < 700; ++n, recordset->MoveNext()) ASSERT_EQ(recordset->Fields("N").Integer(), n);
+  EXPECT_EQ(recordset->Fields("N").Integer(), 700);
+  ExpectError(3197, "changed", [&] { recordset->Fields("T").Text(); });
+  recordset->MoveNext();
+  EXPECT_EQ(recordset->Fields("T").TextView(), "tëxt 701");
+}
+
+TEST(DaoValues, ComeAndGoAsTheEngineHasThem) {
+  std::string text;
+  const auto value = [&text](const VARIANT& variant) { return dao::ToValue(variant, text); };
+  const DateTime dates[] = {{2026, 3, 1, 14, 25, 30},
+                            {1899, 12, 30, 0, 0, 1},
+                            {1899, 12, 29, 18, 0, 0},
+                            {100, 1, 1, 0, 0, 0},
+                            {9999, 12, 31, 23, 59, 59}};
+  for (const DateTime& date : dates) {
+    EXPECT_EQ(value(dao::FromValue(date).Raw()), ValueView(date)) << ToText(date);
+  }
+  for (const Value& kept : {Value(), Value(true), Value(false), Value(std::int64_t{-5}), Value(0.25),
+                            Value(std::string("bü\0ro", 6)), Value(std::string())}) {
+    const ValueView view = std::visit([](const auto& held) -> ValueView { return held; }, kept);
+    EXPECT_EQ(value(dao::FromValue(kept).Raw()), view);
+  }
+  EXPECT_EQ(value(dao::FromValue(std::int64_t{1} << 40).Raw()), ValueView(1099511627776.0));
+
+  VARIANT variant{};
+  variant.vt = VT_CY;
+  variant.cyVal.int64 = 50'000'000'000 * 10'000;
+  EXPECT_EQ(value(variant), ValueView(std::int64_t{50'000'000'000}));
+  variant.cyVal.int64 = 12'500;
+  EXPECT_EQ(value(variant), ValueView(1.25));
+  variant = {};
+  VarDecFromI4(77, &variant.decVal);
+  variant.vt = VT_DECIMAL;
+  EXPECT_EQ(value(variant), ValueView(std::int64_t{77}));
+  variant = {};
+  variant.vt = VT_UI1;
+  variant.bVal = 200;
+  EXPECT_EQ(value(variant), ValueView(std::int64_t{200}));
+  SAFEARRAYBOUND bound{3, 0};
+  dao::Variant bytes;
+  bytes.Raw().vt = VT_ARRAY | VT_UI1;
+  bytes.Raw().parray = SafeArrayCreate(VT_UI1, 1, &bound);
+  EXPECT_EQ(value(bytes.Raw()), ValueView(std::string_view("\0\0\0", 3)));
+  variant.vt = VT_DISPATCH;
+  ExpectError(kxrestore::error_number::kTypeMismatch, "", [&] { value(variant); });
+  variant.vt = VT_DATE;
+  for (const double serial : {1e300, -1e300, std::numeric_limits<double>::quiet_NaN()}) {
+    variant.date = serial;
+    ExpectError(kxrestore::error_number::kTypeMismatch, "", [&] { value(variant); });
+  }
+}
+
+}  // namespace
+}  // namespace kxrestore::engine
