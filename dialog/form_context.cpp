@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "engine/error_numbers.h"
 #include "platform/desktop.h"
 
 namespace kxrestore::dialog {
@@ -36,6 +37,7 @@ Error FormContext::Caught() {
 }
 
 void FormContext::ReportError(const Error& error, const std::string& routine) {
+  if (error.Number() == engine::error_number::kCanceled) return;  // the user knows
   const auto commit = [this] { workspace.Flush(); };
   const std::optional<Error> second = Trap(commit);
   const auto show = [&](const Error& shown) {
@@ -58,6 +60,20 @@ int FormContext::MessageBox(const std::string& text, int style, const std::strin
 void FormContext::DoEvents() {
   platform.desktop.DoEvents();
   workspace.Idle();
+}
+
+void FormContext::EnterWalk() {
+  if (m_walks++ > 0) return;
+  workspace.SetWaiting([this] {
+    platform.desktop.DoEvents();
+    return !parameters.StopRequested;
+  });
+}
+
+void FormContext::LeaveWalk() {
+  if (--m_walks > 0) return;
+  parameters.StopRequested = false;
+  workspace.SetWaiting({});
 }
 
 void FormContext::EnterEvent() {

@@ -126,13 +126,13 @@ class FormContext {
   void RaiseToHost(const std::string& routine, const std::function<void()>& event);
 
   // A walk over rows, nodes or entries. Next is called before every item: it lets pending messages run and
-  // says whether to go on. When the outermost walk ends the stop request is used up.
+  // says whether to go on. While the engine works on a statement they run as well, so a walk over rows begins
+  // before its statement; one that the user stops there ends with an error that nobody is shown. When the
+  // outermost walk ends the stop request is used up.
   class Walk {
    public:
-    explicit Walk(FormContext& context) : m_context(context) { ++m_context.m_walks; }
-    ~Walk() {
-      if (--m_context.m_walks == 0) m_context.parameters.StopRequested = false;
-    }
+    explicit Walk(FormContext& context) : m_context(context) { m_context.EnterWalk(); }
+    ~Walk() { m_context.LeaveWalk(); }
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
 
@@ -166,6 +166,8 @@ class FormContext {
     }
   }
   static Error Caught();  // the exception being handled
+  void EnterWalk();
+  void LeaveWalk();
   void EnterEvent();
   void LeaveEvent(const std::string& routine);
 

@@ -43,6 +43,7 @@ RestoreList::RestoreList(FormContext& context, Events events)
 void RestoreList::ListCurrentSelections() {
   m_context.Reporting("ListCurrentSelections", [this] {
     controls::AutoSelect& list = m_context.ui.asRestoreList;
+    FormContext::Walk walk(m_context);
     const auto database = m_context.OpenCatalog();
     const auto rows = database->OpenRecordset(
         "SELECT Catalog.SetNameID, Catalog.OrigSize, Catalog.DateStamp, Catalog.Extension, Catalog.Filename, "
@@ -55,7 +56,6 @@ void RestoreList::ListCurrentSelections() {
     const controls::RedrawFreeze freeze(list);
     list.Clear();
     CatalogEntries entries(*rows, "RestoreFile", "Name", m_context.platform.regional);
-    FormContext::Walk walk(m_context);
     for (; !rows->Eof(); rows->MoveNext()) {
       if (!walk.Next()) return;
       entries.AddCurrentRow(list, true);
@@ -139,6 +139,7 @@ void RestoreList::Clear() {
     return;
   }
   m_context.ui.asRestoreList.Clear();
+  const FormContext::Walk walk(m_context);
   m_context.marks.ClearSelections();
   UpdateCounts();
 }
@@ -151,7 +152,10 @@ bool RestoreList::ConfirmCancel() {
 }
 
 void RestoreList::CancelSelections() {
-  m_context.marks.CancelAll();
+  {
+    const FormContext::Walk walk(m_context);
+    m_context.marks.CancelAll();
+  }
   UpdateCounts();
   m_context.RaiseToHost(kClick, m_events.CancelRestore);
 }

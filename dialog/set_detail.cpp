@@ -83,9 +83,10 @@ void SetDetail::LoadBackupSetDetail(controls::Node run) {
         "FROM LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID "
         "WHERE (((Catalog.SetNameID)=" +
         setID + ") AND ((Catalog.Extension)='" + extension + "') AND ((Catalog.Status)=2));";
+    FormContext::Walk walk(m_context);
     const auto database = m_context.OpenCatalog();
     const auto rows = database->OpenRecordset(sql, engine::RecordsetType::kSnapshot);
-    Fill(*rows);
+    Fill(*rows, walk);
     rows->Close();
     database->Close();
   });
@@ -93,7 +94,7 @@ void SetDetail::LoadBackupSetDetail(controls::Node run) {
   ui.lblTreeCount.SetCaption(std::to_string(m_count) + " file(s).");
 }
 
-void SetDetail::Fill(engine::Recordset& rows) {
+void SetDetail::Fill(engine::Recordset& rows, FormContext::Walk& walk) {
   FormControls& ui = m_context.ui;
   const engine::Field restoreFile = rows.Fields("RestoreFile");
   const engine::Field plugin = rows.Fields("Plugin");
@@ -102,7 +103,6 @@ void SetDetail::Fill(engine::Recordset& rows) {
   const controls::ImageList& images = ui.imlRestore;
   PathNodes paths(ui.tvwDetails, {images.Index("drive"), images.Index("cfolder"), images.Index("file")});
 
-  FormContext::Walk walk(m_context);
   for (; !rows.Eof() && walk.Next(); rows.MoveNext()) {
     std::string_view path = restoreFile.TextView();
     if (path.empty()) path = filename.TextView();

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -104,6 +105,11 @@ struct OpenRequest {
   std::string connect;  // empty for a file, "ODBC;..." for a server
 };
 
+// Called about every 20 ms while a back end works on one statement; whether it is to go on. A reading
+// statement that is not ends with error 3059, a writing one is finished all the same. Nothing of the engine
+// may be used from inside.
+using Waiting = std::function<bool()>;
+
 // One kind of database. A back end may keep sessions and statements warm between the databases that are
 // opened within one user action, and gather single updates into one commit; see Workspace.
 class Backend {
@@ -114,6 +120,7 @@ class Backend {
   virtual void Idle() = 0;       // commits what has waited 100 ms
   virtual void Flush() = 0;      // commits everything, keeps sessions
   virtual void EndAction() = 0;  // commits everything, lets every idle session go
+  virtual void SetWaiting(const Waiting& /*waiting*/) {}  // empty: nobody wants to know
 };
 
 // The default workspace. Single updates (Recordset::Update, Execute) made inside one user action are gathered
@@ -139,6 +146,9 @@ class Workspace {
   void Idle();
   // Commits everything now: call it before waiting for the user or the host.
   void Flush();
+
+  // What to do while a statement takes long; nothing when empty.
+  void SetWaiting(const Waiting& waiting);
 
   // Brackets one user action; they nest, the outermost counts.
   void BeginAction();

@@ -21,6 +21,7 @@ inline constexpr int kAmbiguousName = 3079;
 inline constexpr int kUndefinedFunction = 3085;
 inline constexpr int kRecordDeleted = 3167;     // by another process, between reading and updating
 inline constexpr int kConstraint = 3317;        // a rule of the table refuses the value
+inline constexpr int kCanceled = 3059;          // by the user, while a statement was at work
 inline constexpr int kParameterMissing = 3061;  // a column name that does not exist
 inline constexpr int kSelectNotExecutable = 3065;
 inline constexpr int kSyntax = 3075;  // names the offending piece

@@ -107,6 +107,10 @@ void Workspace::Flush() {
   ForEachBackend([](Backend& backend) { backend.Flush(); });
 }
 
+void Workspace::SetWaiting(const Waiting& waiting) {
+  ForEachBackend([&](Backend& backend) { backend.SetWaiting(waiting); });
+}
+
 void Workspace::BeginAction() {
   if (m_depth++ == 0) ForEachBackend([](Backend& backend) { backend.BeginAction(); });
 }

@@ -1,6 +1,7 @@
 #include "engine/sqlite/session.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/error.h"
 #include "engine/error_numbers.h"
@@ -12,13 +13,16 @@ namespace {
 
 constexpr auto kGroupTime = std::chrono::milliseconds(100);
 constexpr auto kRetryTime = std::chrono::milliseconds(20);
+constexpr auto kWaitingTime = std::chrono::milliseconds(20);
+constexpr int kStepsBetweenLooks = 4000;  // of SQLite's machine: some 0.2 ms
 constexpr std::size_t kMaxPlans = 64;
 constexpr std::size_t kMaxUpdatesOfPlan = 16;
 
 }  // namespace
 
-Session::Session(std::string file, bool exclusive, bool grouping, std::chrono::milliseconds patience)
-    : m_file(std::move(file)), m_grouping(grouping), m_patience(patience) {
+Session::Session(std::string file, bool exclusive, bool grouping, std::chrono::milliseconds patience,
+                 std::shared_ptr<const Waiting> waiting)
+    : m_file(std::move(file)), m_grouping(grouping), m_patience(patience), m_waiting(std::move(waiting)) {
   sqlite3* connection = nullptr;
   const int code =
       sqlite3_open_v2(m_file.c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
@@ -29,6 +33,7 @@ Session::Session(std::string file, bool exclusive, bool grouping, std::chrono::m
   if (const int registered = RegisterFunctions(connection); registered != SQLITE_OK) {
     Raise(registered, Doing::kOpening);
   }
+  sqlite3_progress_handler(connection, kStepsBetweenLooks, Progress, this);
   m_readOnly = sqlite3_db_readonly(connection, "main") == 1;
   // A group of marks changes pages all over a catalog; they wait for the commit instead of being written
   // again and again. Unchanged pages get no more room by that: to touch so much memory would cost reading
@@ -120,6 +125,33 @@ void Session::Release(Plan& plan, Statement statement) {
   sqlite3_reset(statement.get());
   if (plan.updates.size() > kMaxUpdatesOfPlan) plan.updates.clear();
   if (plan.current && plan.idle.size() < 2) plan.idle.push_back(std::move(statement));
+}
+
+int Session::StepReading(sqlite3_stmt* statement) {
+  m_mayStop = true;
+  const int code = sqlite3_step(statement);
+  m_mayStop = false;
+  if (m_waitingFailed) std::rethrow_exception(std::exchange(m_waitingFailed, nullptr));
+  return code;
+}
+
+// SQLite calls this every so many steps of its machine.
+int Session::Progress(void* session) noexcept {
+  auto& self = *static_cast<Session*>(session);
+  if (!*self.m_waiting || self.m_inWaiting) return 0;
+  const auto now = Clock::now();
+  if (now < self.m_nextWaiting) return 0;
+  bool goOn = true;
+  self.m_inWaiting = true;
+  try {
+    goOn = (*self.m_waiting)();
+  } catch (...) {
+    self.m_waitingFailed = std::current_exception();
+    goOn = false;
+  }
+  self.m_inWaiting = false;
+  self.m_nextWaiting = Clock::now() + kWaitingTime;
+  return self.m_mayStop && !goOn ? 1 : 0;
 }
 
 void Session::RemoveStreaming(StreamingRows& rows) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <exception>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,8 +30,10 @@ class StreamingRows {
 class Session {
  public:
   // `grouping`: updates may wait for a common commit. `exclusive`: nobody else may use the file. `patience`:
-  // how long to wait for another process before that is an error.
-  Session(std::string file, bool exclusive, bool grouping, std::chrono::milliseconds patience);
+  // how long to wait for another process before that is an error. `waiting`: what to do while a statement
+  // takes long.
+  Session(std::string file, bool exclusive, bool grouping, std::chrono::milliseconds patience,
+          std::shared_ptr<const Waiting> waiting);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -47,6 +50,9 @@ class Session {
   // A statement of the plan with the literals of the last FindPlan bound; give it back when done.
   Statement Acquire(Plan& plan);
   static void Release(Plan& plan, Statement statement);
+
+  // Lets a reading statement work for its next row; the user may end it. Returns SQLite's code.
+  int StepReading(sqlite3_stmt* statement);
 
   // Runs a writing statement to its end: waits for others, keeps streaming recordsets what they are, groups
   // the commit. `disturbs`: dynasets must be protected as well.
@@ -75,6 +81,7 @@ class Session {
     void operator()(sqlite3* connection) const { sqlite3_close_v2(connection); }
   };
 
+  static int Progress(void* session) noexcept;
   void DetachStreaming(bool dynasetsToo);
   void NeedTransaction() const;
   bool InTransaction() const { return sqlite3_get_autocommit(m_connection.get()) == 0; }
@@ -94,6 +101,10 @@ class Session {
   std::unordered_map<std::string, std::shared_ptr<Plan>> m_plans;
   jet_sql::ExtractedLiterals m_extracted;
   const Database* m_transactionOwner = nullptr;
+  std::shared_ptr<const Waiting> m_waiting;
+  bool m_mayStop = false, m_inWaiting = false;
+  std::exception_ptr m_waitingFailed;  // no exception may pass through SQLite
+  Clock::time_point m_nextWaiting;
   Clock::time_point m_due, m_deadline, m_nextTry;
 };
 

@@ -16,13 +16,13 @@ class SqliteBackend final : public Backend {
 
   std::unique_ptr<Database> Open(const OpenRequest& request) override {
     if (request.exclusive || !m_inAction) {
-      auto session = std::make_shared<Session>(request.name, request.exclusive, false, m_patience);
+      auto session = std::make_shared<Session>(request.name, request.exclusive, false, m_patience, m_waiting);
       return std::make_unique<SqliteDatabase>(std::move(session), request.readOnly);
     }
     for (const auto& session : m_warm) {
       if (session->File() == request.name) return std::make_unique<SqliteDatabase>(session, request.readOnly);
     }
-    m_warm.push_back(std::make_shared<Session>(request.name, false, true, m_patience));
+    m_warm.push_back(std::make_shared<Session>(request.name, false, true, m_patience, m_waiting));
     return std::make_unique<SqliteDatabase>(m_warm.back(), request.readOnly);
   }
 
@@ -43,6 +43,8 @@ class SqliteBackend final : public Backend {
     ForEach(sessions, [](Session& session) { session.EndGroups(); });
   }
 
+  void SetWaiting(const Waiting& waiting) override { *m_waiting = waiting; }
+
  private:
   // Every session gets its turn; the first error is raised at the end.
   template <typename Operation>
@@ -61,6 +63,7 @@ class SqliteBackend final : public Backend {
   std::vector<std::shared_ptr<Session>> m_warm;
   bool m_inAction = false;
   std::chrono::milliseconds m_patience;
+  std::shared_ptr<Waiting> m_waiting = std::make_shared<Waiting>();  // sessions may live longer
 };
 
 }  // namespace

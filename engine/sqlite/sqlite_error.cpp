@@ -93,6 +93,8 @@ void RaiseSqlite(sqlite3* connection, int code, Doing doing, const std::string& 
       }
       Raise(number::kConstraint,
             "A rule of the table refuses the value (" + message + ") in " + quoted + ".");
+    case SQLITE_INTERRUPT:
+      Raise(number::kCanceled, "Operation canceled by user.");
     case SQLITE_NOMEM:
       Raise(7, "Out of memory while working on " + quoted + ".");
     case SQLITE_ERROR:

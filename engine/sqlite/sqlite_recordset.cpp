@@ -77,7 +77,7 @@ int SqliteRecordset::Open(std::string_view source) {
   m_plan = m_session->FindPlan(
       source, m_type == RecordsetType::kDynaset ? Session::Use::kDynaset : Session::Use::kSnapshot);
   m_statement = m_session->Acquire(*m_plan);
-  return sqlite3_step(m_statement.get());
+  return m_session->StepReading(m_statement.get());
 }
 
 SqliteRecordset::~SqliteRecordset() {
@@ -125,7 +125,7 @@ void SqliteRecordset::MoveNext() {
 }
 
 void SqliteRecordset::Step() {
-  const int code = sqlite3_step(m_statement.get());
+  const int code = m_session->StepReading(m_statement.get());
   if (code == SQLITE_ROW) return;
   m_state = State::kAtEnd;
   if (code == SQLITE_DONE) {
