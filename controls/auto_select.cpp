@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <unordered_map>
 #include <vector>
 
 #include "controls/blocks.h"
@@ -33,15 +34,17 @@ struct AutoSelect::Store {
   Entry At(std::size_t number) const;
   bool IsGroup(std::size_t number) const { return (records[number - 1].flags & kGroup) != 0; }
 
-  // A group and its members stand together; entries before the first group belong to none.
-  std::size_t GroupOf(std::size_t number) const;
-  std::size_t LastOfGroup(std::size_t group) const;
+  struct Group {
+    std::size_t number = 0, members = 0, ticked = 0;
+  };
+  // The group's own tick says whether all of its members are ticked. Returns the group when its tick changed.
+  std::size_t Tick(std::size_t number, bool ticked);
 
   Blocks<Record, 10> records;
   std::vector<bool> ticks;
   TextArena texts;
   TextPool pool;
-  bool hasGroups = false;
+  std::unordered_map<std::int32_t, Group> groups;  // of file types, by their number
 };
 
 const char* AutoSelect::Store::KeepDate(std::string_view date) {
@@ -83,9 +86,14 @@ void AutoSelect::Store::Add(const Entry& entry, bool ticked) {
   record.setId = entry.setId;
   record.flags = static_cast<std::uint32_t>((entry.sizeKnown ? kSizeKnown : 0) |
                                             (entry.isGroup ? kGroup : 0) | (shared ? kSharedNames : 0));
-  ticks.push_back(ticked);
+  ticks.push_back(false);
   records.Append(record);
-  hasGroups = hasGroups || entry.isGroup;
+  if (entry.isGroup) {
+    groups[entry.setId].number = Count();
+  } else if (const auto group = groups.find(entry.setId); group != groups.end()) {
+    ++group->second.members;
+  }
+  if (ticked) Tick(Count(), true);
 }
 
 AutoSelect::Entry AutoSelect::Store::At(std::size_t number) const {
@@ -110,15 +118,18 @@ AutoSelect::Entry AutoSelect::Store::At(std::size_t number) const {
   return entry;
 }
 
-std::size_t AutoSelect::Store::GroupOf(std::size_t number) const {
-  while (number != 0 && !IsGroup(number)) --number;
-  return number;
-}
-
-std::size_t AutoSelect::Store::LastOfGroup(std::size_t group) const {
-  std::size_t last = group;
-  while (last < Count() && !IsGroup(last + 1)) ++last;
-  return last;
+std::size_t AutoSelect::Store::Tick(std::size_t number, bool ticked) {
+  if (ticks[number - 1] == ticked) return 0;
+  ticks[number - 1] = ticked;
+  if (groups.empty()) return 0;
+  const auto found = groups.find(records[number - 1].setId);
+  if (found == groups.end() || IsGroup(number)) return 0;
+  Group& group = found->second;
+  group.ticked = ticked ? group.ticked + 1 : group.ticked - 1;
+  const bool whole = group.ticked == group.members;
+  if (ticks[group.number - 1] == whole) return 0;
+  ticks[group.number - 1] = whole;
+  return group.number;
 }
 
 AutoSelect::AutoSelect(std::string name, Container* container, Style style)
@@ -176,28 +187,23 @@ bool AutoSelect::TickedAt(std::size_t number) const {
 
 void AutoSelect::SetTicked(std::size_t number, bool ticked) {
   CheckNumber(number);
-  std::vector<bool>& ticks = m_store->ticks;
-  std::size_t first = number, last = number;
-  if (m_store->hasGroups) {
-    if (const std::size_t group = m_store->GroupOf(number)) {
-      last = m_store->LastOfGroup(group);
-      if (number == group) {
-        std::fill(ticks.begin() + group, ticks.begin() + last, ticked);
-      } else {
-        // The group's own tick says whether all of its members are ticked.
-        first = group;
-        ticks[number - 1] = ticked;
-        ticks[group - 1] =
-            std::find(ticks.begin() + group, ticks.begin() + last, false) == ticks.begin() + last;
-      }
-    }
+  if (!m_store->IsGroup(number)) {
+    const std::size_t group = m_store->Tick(number, ticked);
+    if (List() != nullptr) List()->TicksChanged(number, number);
+    if (List() != nullptr && group != 0) List()->TicksChanged(group, group);
+    return;
   }
-  ticks[number - 1] = ticked;
-  if (List() != nullptr) List()->TicksChanged(first, last);
+  m_store->Tick(number, ticked);
+  const std::int32_t group = m_store->records[number - 1].setId;
+  for (std::size_t member = 1; member <= m_store->Count(); ++member) {
+    if (member != number && m_store->records[member - 1].setId == group) m_store->Tick(member, ticked);
+  }
+  if (List() != nullptr) List()->TicksChanged(1, m_store->Count());
 }
 
 void AutoSelect::TickAll(bool ticked) {
   m_store->ticks.assign(m_store->ticks.size(), ticked);
+  for (auto& [number, group] : m_store->groups) group.ticked = ticked ? group.members : 0;
   if (List() != nullptr && m_store->Count() != 0) List()->TicksChanged(1, m_store->Count());
 }
 

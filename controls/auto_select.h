@@ -21,12 +21,12 @@ class AutoSelect : public Control {
     std::int64_t size = 0;  // bytes; for a file type the number of its files
     bool sizeKnown = true;
     std::string_view extension;  // of the run; for a file type its description
-    std::int32_t setId = 0;
+    std::int32_t setId = 0;      // for a file type the number of its group, 0 when it has none
     std::string_view setName;
     std::string_view date;  // as shown; sorted by `dateKey`
     std::int64_t dateKey = 0;
     std::string_view storedName;  // the catalog's own name of the entry, that marking compares
-    bool isGroup = false;         // a group of file types: the entries up to the next group are its members
+    bool isGroup = false;         // a group of file types; it is added before its members
   };
 
   enum class Style { kFiles, kTypes };

@@ -105,8 +105,8 @@ constexpr bool Before(const FileType& left, const FileType& right) {
 }
 static_assert(std::is_sorted(std::begin(kTypes), std::end(kTypes), Before));
 
-constexpr std::array<std::string_view, kFileKinds> kKindNames{
-    "Documents", "Pictures", "Music", "Video", "Mail", "Archives", "Programs", "Other types"};
+constexpr std::array<std::string_view, kFileKinds> kKindNames{"Documents", "Pictures", "Music",    "Video",
+                                                              "Mail",      "Archives", "Programs", ""};
 
 }  // namespace
 

@@ -9,7 +9,7 @@ namespace kxrestore::dialog {
 enum class FileKind { kDocuments, kPictures, kMusic, kVideo, kMail, kArchives, kPrograms, kOther };
 inline constexpr std::size_t kFileKinds = 8;
 
-// As a heading.
+// As the name of a group; empty for kOther.
 std::string_view KindName(FileKind kind);
 
 struct FileType {

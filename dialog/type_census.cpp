@@ -10,16 +10,16 @@
 
 namespace kxrestore::dialog {
 
-void TypeCensus::Count(std::string_view name) {
+void TypeCensus::Count(std::string_view name, std::int64_t files) {
   const std::string_view extension = catalog::GetExtension(catalog::LastPathComponent(name));
   if (extension.empty()) return;
   m_folded.clear();
   AppendFolded(m_folded, extension);
   const auto found = m_counts.find(std::string_view(m_folded));
   if (found != m_counts.end()) {
-    ++found->second;
+    found->second += files;
   } else {
-    m_counts.emplace(m_folded, 1);
+    m_counts.emplace(m_folded, files);
   }
 }
 
@@ -28,36 +28,40 @@ void TypeCensus::List(controls::AutoSelect& list) const {
     FileType type;
     std::int64_t files;
   };
-  std::array<std::vector<Counted>, kFileKinds> kinds;
+  std::vector<Counted> types;
+  std::array<std::int64_t, kFileKinds> kinds{};
   for (const auto& [extension, files] : m_counts) {
     const FileType type = FindFileType(extension);
-    kinds[static_cast<std::size_t>(type.kind)].push_back({{extension, type.description, type.kind}, files});
+    types.push_back({{extension, type.description, type.kind}, files});
+    kinds[static_cast<std::size_t>(type.kind)] += files;
   }
+  std::sort(types.begin(), types.end(), [](const Counted& left, const Counted& right) {
+    if (left.files != right.files) return left.files > right.files;
+    return CompareForSorting(left.type.extension, right.type.extension) < 0;
+  });
 
-  std::string name;
+  const auto groupOf = [](FileKind kind) { return static_cast<std::int32_t>(kind) + 1; };
   for (std::size_t kind = 0; kind < kFileKinds; ++kind) {
-    auto& types = kinds[kind];
-    if (types.empty()) continue;
-    std::sort(types.begin(), types.end(), [](const Counted& left, const Counted& right) {
-      if (left.files != right.files) return left.files > right.files;
-      return CompareForSorting(left.type.extension, right.type.extension) < 0;
-    });
+    const auto fileKind = static_cast<FileKind>(kind);
+    if (kinds[kind] == 0 || fileKind == FileKind::kOther) continue;
     controls::AutoSelect::Entry group;
-    group.name = KindName(static_cast<FileKind>(kind));
+    group.name = KindName(fileKind);
     group.isGroup = true;
-    for (const Counted& counted : types) group.size += counted.files;
+    group.setId = groupOf(fileKind);
+    group.size = kinds[kind];
     list.Add(group);
-
-    for (const Counted& counted : types) {
-      name.assign(1, '.').append(counted.type.extension);
-      const std::string pattern = TypePattern(counted.type.extension);
-      controls::AutoSelect::Entry entry;
-      entry.name = name;
-      entry.storedName = pattern;
-      entry.extension = counted.type.description;
-      entry.size = counted.files;
-      list.Add(entry);
-    }
+  }
+  std::string name;
+  for (const Counted& counted : types) {
+    name.assign(1, '.').append(counted.type.extension);
+    const std::string pattern = TypePattern(counted.type.extension);
+    controls::AutoSelect::Entry entry;
+    entry.name = name;
+    entry.storedName = pattern;
+    entry.extension = counted.type.description;
+    entry.size = counted.files;
+    if (counted.type.kind != FileKind::kOther) entry.setId = groupOf(counted.type.kind);
+    list.Add(entry);
   }
 }
 

@@ -14,10 +14,10 @@ class TypeCensus {
  public:
   // The type is what follows the last point of the name's last component, in either case. A name without one
   // is not counted: no pattern finds just those.
-  void Count(std::string_view name);
+  void Count(std::string_view name, std::int64_t files = 1);
 
-  // Adds a group for each kind of file that there is, its types behind it, the most frequent first. A type's
-  // text stands for itself in a pattern.
+  // Adds a group for each kind of file that there is, and behind the groups all types, the most frequent
+  // first. A type's text stands for itself in a pattern.
   void List(controls::AutoSelect& list) const;
 
  private:

@@ -51,6 +51,7 @@ class Dialect {
 class SqliteDialect : public Dialect {
  public:
   static constexpr const char* kLikeFunction = "kx_like";  // kx_like(text, pattern)
+  static constexpr const char* kLastPlaceFunction = "kx_instrrev";  // (text, piece), from 1, 0 for none
   static constexpr const char* kCollation = "kx_text_order";
 
   explicit SqliteDialect(bool savedQuery) : m_savedQuery(savedQuery) {}

@@ -237,6 +237,7 @@ std::string SqliteDialect::Function(std::string_view name, const std::vector<std
       {"RIGHT", 2, "substr($1, -($2))"},
       {"MID", 2, "substr($1, $2)"},
       {"MID", 3, "substr($1, $2, $3)"},
+      {"INSTRREV", 2, "kx_instrrev($1, $2)"},
       {"NZ", 1, "coalesce($1, '')"},
       {"NZ", 2, "coalesce($1, $2)"},
       {"INT", 1, "CAST($1 AS INTEGER)"},

@@ -37,6 +37,16 @@ void Like(sqlite3_context* context, int, sqlite3_value** values) noexcept try {
   sqlite3_result_error_nomem(context);
 }
 
+// Places are counted in characters.
+void LastPlace(sqlite3_context* context, int, sqlite3_value** values) noexcept {
+  if (sqlite3_value_type(values[0]) == SQLITE_NULL || sqlite3_value_type(values[1]) == SQLITE_NULL) return;
+  const std::string_view text = TextOf(values[0]);
+  const std::size_t place = text.rfind(TextOf(values[1]));
+  const bool found = place != std::string_view::npos;
+  sqlite3_result_int64(context,
+                       found ? static_cast<sqlite3_int64>(CharacterCount(text.substr(0, place))) + 1 : 0);
+}
+
 int Collate(void*, int leftSize, const void* left, int rightSize, const void* right) {
   return CompareForSorting({static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
                            {static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
@@ -49,6 +59,9 @@ int RegisterFunctions(sqlite3* connection) {
   const int code = sqlite3_create_function_v2(connection, jet_sql::SqliteDialect::kLikeFunction, 2, flags,
                                               nullptr, Like, nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) return code;
+  const int second = sqlite3_create_function_v2(connection, jet_sql::SqliteDialect::kLastPlaceFunction, 2,
+                                                flags, nullptr, LastPlace, nullptr, nullptr, nullptr);
+  if (second != SQLITE_OK) return second;
   return sqlite3_create_collation_v2(connection, jet_sql::SqliteDialect::kCollation, SQLITE_UTF8, nullptr,
                                      Collate, nullptr);
 }

@@ -64,7 +64,8 @@ const SelectItem* FindItem(const SelectCore& core, std::string_view name) {
   for (const SelectItem& item : core.items) {
     if (!item.expression) return nullptr;
     std::string_view itemName = item.alias;
-    if (itemName.empty() && item.expression->kind == ExpressionKind::kColumn) itemName = item.expression->text;
+    if (itemName.empty() && item.expression->kind == ExpressionKind::kColumn)
+      itemName = item.expression->text;
     if (!EqualIgnoringCase(itemName, name)) continue;
     if (found != nullptr) return nullptr;
     found = &item;

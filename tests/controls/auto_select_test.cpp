@@ -16,9 +16,10 @@ AutoSelect::Entry Named(std::string_view name, std::string_view stored = {}) {
   return entry;
 }
 
-AutoSelect::Entry Group(std::string_view name) {
+AutoSelect::Entry Grouped(std::string_view name, std::int32_t group, bool isGroup = false) {
   AutoSelect::Entry entry = Named(name);
-  entry.isGroup = true;
+  entry.setId = group;
+  entry.isGroup = isGroup;
   return entry;
 }
 
@@ -92,32 +93,36 @@ TEST_F(AutoSelectTest, TheReadsSpeakOfTheCurrentEntry) {
 }
 
 TEST_F(AutoSelectTest, AGroupAndItsMembersFollowEachOther) {
-  list.Add(Named("*.alone"));
-  list.Add(Group("Documents"));
-  list.Add(Named(".doc"));
-  list.Add(Named(".xls"));
-  list.Add(Group("Empty"));
-  list.Add(Group("Pictures"));
-  list.Add(Named(".bmp"));
+  list.Add(Grouped("Documents", 1, true));
+  list.Add(Grouped("Pictures", 2, true));
+  list.Add(Grouped(".doc", 1));
+  list.Add(Grouped(".bmp", 2));
+  list.Add(Grouped(".alone", 0));
+  list.Add(Grouped(".xls", 1));
 
-  list.UserTick(2, true);
-  EXPECT_EQ("-xxx---", Ticks());
-  list.UserTick(3, false);
-  EXPECT_EQ("---x---", Ticks());
-  list.UserTick(3, true);
-  EXPECT_EQ("-xxx---", Ticks());
   list.UserTick(1, true);
+  EXPECT_EQ("x-x--x", Ticks());
+  list.UserTick(3, false);
+  EXPECT_EQ("-----x", Ticks());
+  list.UserTick(3, true);
+  EXPECT_EQ("x-x--x", Ticks());
   list.UserTick(5, true);
-  EXPECT_EQ("xxxxx--", Ticks());
-  list.UserTick(7, true);
-  EXPECT_EQ("xxxxxxx", Ticks());
-  EXPECT_EQ("*.alone;.doc;.xls;.bmp;", list.TickedTypes());
-  list.UserTick(6, false);
-  list.UserTick(2, false);
-  EXPECT_EQ("*.alone;", list.TickedTypes());
+  EXPECT_EQ("x-x-xx", Ticks());
+  list.UserTick(4, true);
+  EXPECT_EQ("xxxxxx", Ticks());
+  EXPECT_EQ(".doc;.bmp;.alone;.xls;", list.TickedTypes());
+  list.UserTick(1, false);
+  EXPECT_EQ(".bmp;.alone;", list.TickedTypes());
   list.TickAll(false);
-  EXPECT_EQ("", list.TickedTypes());
-  list.Add(Named("Bitmaps", ".bmp"), true);
+  list.UserTick(6, true);
+  EXPECT_EQ("-----x", Ticks());
+  list.TickAll(true);
+  list.UserTick(6, false);
+  EXPECT_EQ("-xxxx-", Ticks());
+  list.TickAll(false);
+  AutoSelect::Entry stored = Grouped("Bitmaps", 2);
+  stored.storedName = ".bmp";
+  list.Add(stored, true);
   EXPECT_EQ(".bmp;", list.TickedTypes());
 }
 

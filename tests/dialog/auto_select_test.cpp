@@ -6,7 +6,7 @@
 namespace kxrestore::dialog_test {
 namespace {
 
-TEST(TypeCensus, ListsTypesByKindTheMostFrequentFirst) {
+TEST(TypeCensus, ListsTheMostFrequentTypesFirstBelowTheirGroups) {
   dialog::TypeCensus census;
   for (const char* name : {"C:\\a.DOC", "C:\\b.doc", "C:\\c.Doc", "C:\\d.pdf", "C:\\e.xls", "C:\\f.xls",
                            "C:\\x.zzz", "C:\\noext", "C:\\dir.ext\\noext", "C:\\ends.",
@@ -17,6 +17,7 @@ TEST(TypeCensus, ListsTypesByKindTheMostFrequentFirst) {
                            "", "mail.tar.gz"}) {
     census.Count(name);
   }
+  census.Count(".GZ", 4);
   controls::AutoSelect list("asFiles", nullptr, controls::AutoSelect::Style::kTypes);
   census.List(list);
   Strings rows;
@@ -24,12 +25,11 @@ TEST(TypeCensus, ListsTypesByKindTheMostFrequentFirst) {
     const auto entry = list.At(number);
     rows.push_back((entry.isGroup ? "- " : "") + std::string(entry.name) + " " + std::to_string(entry.size));
   }
-  EXPECT_EQ(rows, (Strings{"- Documents 6", ".doc 3", ".xls 2", ".pdf 1", "- Archives 1", ".gz 1",
-                           "- Other types 3",
+  EXPECT_EQ(rows, (Strings{"- Documents 6", "- Archives 5", ".gz 5", ".doc 3", ".xls 2",
                            ".\xC3\xA4"
                            "b 2",
-                           ".zzz 1"}));
-  EXPECT_EQ(list.At(2).extension, "Text document");
+                           ".pdf 1", ".zzz 1"}));
+  EXPECT_EQ(list.At(4).extension, "Text document");
   list.SetTicked(1, true);
   EXPECT_EQ(list.TickedTypes(), ".doc;.xls;.pdf;");
 }
