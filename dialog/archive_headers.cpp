@@ -47,6 +47,23 @@ void AppendLiteral(std::string& list, const engine::ValueView& value) {
       value);
 }
 
+void AppendKey(std::string& key, const engine::ValueView& value) {
+  if (engine::IsNull(value)) {
+    key += '-';
+    return;
+  }
+  std::string text;
+  if (const auto* number = std::get_if<double>(&value)) {
+    AppendNumber(text, *number);
+  } else if (const auto* truth = std::get_if<bool>(&value)) {
+    text = *truth ? "1" : "0";
+  } else {
+    text = engine::ToText(value);
+  }
+  AppendNumber(key, text.size());
+  key.append(":").append(text);
+}
+
 }  // namespace
 
 std::vector<std::string> HeaderColumns(const engine::Recordset& rows) {
@@ -59,25 +76,35 @@ std::vector<std::string> HeaderColumns(const engine::Recordset& rows) {
 
 HeaderValues::HeaderValues(const engine::Recordset& rows, const std::vector<std::string>& columns)
     : m_rows(rows) {
-  bool any = false;
+  std::vector<std::string> others = HeaderColumns(rows);
+  std::string lacking, unknown;
   for (const std::string& column : columns) {
-    std::optional<std::size_t>& position = m_positions.emplace_back();
-    for (std::size_t index = 0; index < rows.FieldCount() && !position; ++index) {
-      if (EqualIgnoringCase(rows.FieldName(index), column)) position = index;
-    }
-    any = any || position;
+    std::size_t index = 0;
+    while (index < rows.FieldCount() && !EqualIgnoringCase(rows.FieldName(index), column)) ++index;
+    if (index == rows.FieldCount()) lacking.append(lacking.empty() ? "" : ", ").append(column);
+    m_positions.push_back(index);
+    std::erase_if(others, [&](const std::string& other) { return EqualIgnoringCase(other, column); });
   }
-  if (!any) {
-    throw Error(engine::error_number::kItemNotFound,
-                "Item not found in this collection: the columns of ArchiveHeader.", "KXRestore");
-  }
+  for (const std::string& other : others) unknown.append(unknown.empty() ? "" : ", ").append(other);
+  if (lacking.empty() && unknown.empty()) return;
+  std::string description =
+      "The disc's table ArchiveHeader does not have the columns of the archive database's.";
+  if (!lacking.empty()) description += " Missing on the disc: " + lacking + ".";
+  if (!unknown.empty()) description += " Only on the disc: " + unknown + ".";
+  throw Error(engine::error_number::kItemNotFound, std::move(description), "KXRestore");
 }
 
-std::string HeaderValues::Current() const {
+std::string HeaderValues::Key() const {
+  std::string key;
+  for (const std::size_t position : m_positions) AppendKey(key, m_rows.FieldValue(position));
+  return key;
+}
+
+std::string HeaderValues::Literals() const {
   std::string list;
-  for (const auto& position : m_positions) {
+  for (const std::size_t position : m_positions) {
     if (!list.empty()) list += ", ";
-    AppendLiteral(list, position ? m_rows.FieldValue(*position) : engine::ValueView());
+    AppendLiteral(list, m_rows.FieldValue(position));
   }
   return list;
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,17 +13,21 @@ namespace kxrestore::dialog {
 // The columns of an archive, but for a number that it gives its rows itself (ID).
 std::vector<std::string> HeaderColumns(const engine::Recordset& rows);
 
-// Reads the current row of a recordset of headers as the list of its values in the order of `columns`, each
-// as the dialect writes it. A column that the recordset lacks is Null.
+// Reads the current row of a recordset of headers, in the order of `columns` and whatever the order of its
+// own.
 class HeaderValues {
  public:
-  // Error 3265 when the recordset has none of the columns.
+  // Error 3265, which names them, when the recordset lacks columns or has others.
   HeaderValues(const engine::Recordset& rows, const std::vector<std::string>& columns);
-  std::string Current() const;
+
+  // Equal for rows that hold the same, also where two tables keep a number, a date or a text differently.
+  std::string Key() const;
+  // The list of the values as the dialect writes them.
+  std::string Literals() const;
 
  private:
   const engine::Recordset& m_rows;
-  std::vector<std::optional<std::size_t>> m_positions;
+  std::vector<std::size_t> m_positions;
 };
 
 // The statement that adds a row with these values.

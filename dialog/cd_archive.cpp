@@ -1,7 +1,7 @@
 #include "dialog/cd_archive.h"
 
 #include <algorithm>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 #include "catalog/text_routines.h"
@@ -32,6 +32,12 @@ std::vector<std::string> DiscDrives(platform::Drives& drives) {
     if (drives.DriveType(root) == platform::kDriveCdRom) found.push_back(root.substr(0, root.find('\\')));
   }
   return found;
+}
+
+double CountHeaders(engine::Database& database) {
+  const auto rows = database.OpenRecordset("SELECT Count(*) AS Headers FROM ArchiveHeader",
+                                           engine::RecordsetType::kSnapshot);
+  return static_cast<double>(rows->Fields("Headers").Integer());
 }
 
 }  // namespace
@@ -122,54 +128,66 @@ void CdArchive::cmdCD_Click() {
   const std::string disc = m_context.platform.drives.FirstFile(m_context.ui.DriveCD.Drive() + kDiscFiles);
   if (disc.empty()) return Say(kNoBackupData);
 
-  // What cannot be read is found out before anything is written.
-  std::vector<std::string> statements;
-  bool complete = false;
-  const bool read = m_context.Reporting("cmdCD.Click", [&] { complete = ReadMissing(disc, statements); });
-  if (!read || !complete) return Say(read ? "Stopped. Nothing was added." : "The disc was not added.");
-
-  std::size_t added = 0;
-  const bool written = m_context.Reporting("cmdCD.Click", [&] { Write(statements, added); });
-  const std::string result = std::to_string(added) + " archived backup(s) added.";
+  const auto nothingAdded = [this](std::string message) {
+    m_context.ui.ProgressBar1.SetValue(0);
+    Say(std::move(message));
+  };
+  std::optional<std::size_t> added;
+  if (!m_context.Reporting(
+          "cmdCD.Click", [&] { added = Append(disc); }, [&] { nothingAdded("Nothing was added."); })) {
+    return;
+  }
+  if (!added) return nothingAdded("Stopped. Nothing was added.");
+  const std::string result = std::to_string(*added) + " archived backup(s) added.";
   Say(result);
-  if (written) m_context.MessageBox(result, platform::kOkOnly, "");
-  if (added > 0) ShowBranchAnew();
+  m_context.MessageBox(result, platform::kOkOnly, "");
+  if (*added > 0) ShowBranchAnew();
 }
 
-// Whether the user let it run to its end.
-bool CdArchive::ReadMissing(const std::string& disc, std::vector<std::string>& statements) {
+// How many were added; nothing when the user stopped it. The disc is read to its end before the archive is
+// locked: discs are slow, and others want to write.
+std::optional<std::size_t> CdArchive::Append(const std::string& disc) {
   FormContext::Walk walk(m_context);
   const auto archive = m_context.workspace.OpenDatabase({.name = kArchivePath});
-  const auto held = archive->OpenRecordset(kHeaders, engine::RecordsetType::kSnapshot);
-  const auto columns = HeaderColumns(*held);
-  std::unordered_set<std::string> known;
-  const HeaderValues heldValues(*held, columns);
-  for (; !held->Eof(); held->MoveNext()) {
-    if (!walk.Next()) return false;
-    known.insert(heldValues.Current());
-  }
-
   const auto source = m_context.workspace.OpenDatabase({.name = disc, .readOnly = true});
+  const auto columns = HeaderColumns(*archive->OpenRecordset(kHeaders, engine::RecordsetType::kSnapshot));
+
+  controls::ProgressBar& progress = m_context.ui.ProgressBar1;
+  progress.SetMax(std::max(1.0, 2 * CountHeaders(*source) + CountHeaders(*archive)));
+  // The tables may have grown since.
+  const auto advance = [&] { progress.SetValue(std::min(progress.Value() + 1, progress.Max())); };
+
+  std::vector<std::string> headers;  // in the disc's order; emptied when the archive has them
+  std::unordered_map<std::string, std::size_t> places;
   const auto rows = source->OpenRecordset(kHeaders, engine::RecordsetType::kSnapshot);
   const HeaderValues values(*rows, columns);
-  for (; !rows->Eof(); rows->MoveNext()) {
-    if (!walk.Next()) return false;
-    const auto [row, isNew] = known.insert(values.Current());
-    if (isNew) statements.push_back(InsertHeader(columns, *row));
+  for (; !rows->Eof(); rows->MoveNext(), advance()) {
+    if (!walk.Next()) return std::nullopt;
+    if (places.try_emplace(values.Key(), headers.size()).second) headers.push_back(values.Literals());
   }
-  return true;
-}
 
-void CdArchive::Write(const std::vector<std::string>& statements, std::size_t& added) {
-  controls::ProgressBar& progress = m_context.ui.ProgressBar1;
-  progress.SetMax(static_cast<double>(std::max<std::size_t>(statements.size(), 1)));
-  FormContext::Walk walk(m_context);
-  const auto archive = m_context.workspace.OpenDatabase({.name = kArchivePath});
-  for (const std::string& statement : statements) {
-    if (!walk.Next()) return;
-    archive->Execute(statement, engine::kFailOnError);
-    progress.SetValue(static_cast<double>(++added));
+  archive->BeginTrans();  // undone where this ends without the commit
+  const auto held = archive->OpenRecordset(kHeaders, engine::RecordsetType::kSnapshot);
+  const HeaderValues heldValues(*held, columns);
+  for (; !held->Eof(); held->MoveNext(), advance()) {
+    if (!walk.Next()) return std::nullopt;
+    const auto known = places.find(heldValues.Key());
+    if (known != places.end()) headers[known->second].clear();
   }
+  held->Close();
+
+  std::size_t added = 0;
+  for (const std::string& header : headers) {
+    if (!walk.Next()) return std::nullopt;
+    if (!header.empty()) {
+      archive->Execute(InsertHeader(columns, header), engine::kFailOnError);
+      ++added;
+    }
+    advance();
+  }
+  archive->CommitTrans();
+  progress.SetValue(progress.Max());
+  return added;
 }
 
 void CdArchive::ShowBranchAnew() {

@@ -2,8 +2,9 @@
 // that adds a disc's backups to that database.
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
-#include <vector>
 
 #include "dialog/form_context.h"
 
@@ -27,16 +28,14 @@ class CdArchive {
   void DriveCD_Change();
   bool IsArchiveDisc(const std::string& drive);
 
-  // Adds the disc's headers that the archive database does not hold yet, and shows the branch anew. Reports
-  // its own errors. A disc that cannot be read changes nothing; one that was added in part can be added again
-  // for the rest.
+  // Adds the disc's headers that the archive database does not hold yet, all of them or none, and shows the
+  // branch anew. Reports its own errors.
   void cmdCD_Click();
 
  private:
   void ReadBranch(controls::Node branch);
   controls::Node NodeUnder(controls::Node parent, const std::string& key, const std::string& text);
-  bool ReadMissing(const std::string& disc, std::vector<std::string>& statements);
-  void Write(const std::vector<std::string>& statements, std::size_t& added);
+  std::optional<std::size_t> Append(const std::string& disc);
   void ShowBranchAnew();
   void Say(std::string message);
 
