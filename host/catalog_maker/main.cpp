@@ -1,4 +1,5 @@
-// make_catalog PATH [--rows N] [--seed S] [--flat] [--one-run]: makes a sample catalog file.
+// make_catalog PATH [--rows N] [--seed S] [--flat] [--one-run] [--archive FILE] [--disc FOLDER]: makes a
+// sample catalog file, and what backups on CD want.
 #include <charconv>
 #include <cstdint>
 #include <iostream>
@@ -7,22 +8,26 @@
 #include <string_view>
 
 #include "base/error.h"
+#include "host/catalog_maker/sample_archive.h"
 #include "host/catalog_maker/sample_catalog.h"
 
 namespace {
 
 constexpr std::string_view kUsage =
     "usage: make_catalog PATH [--rows N] [--seed S] [--flat] [--one-run]\n"
+    "                    [--archive FILE] [--disc FOLDER]\n"
     "  PATH       the catalog file; replaced when it is there\n"
     "  --rows N   rows of the table Catalog (20000; 1 to 100000000)\n"
     "  --seed S   another catalog of the same kind (1)\n"
     "  --flat     the plain files of a run all in one folder\n"
-    "  --one-run  nothing but N live plain files in one run of set 1\n";
+    "  --one-run  nothing but N live plain files in one run of set 1\n"
+    "  --archive FILE  an archive database of backups on CD, too\n"
+    "  --disc FOLDER   a disc for it, whose backups it mostly lacks\n";
 
 constexpr std::uint64_t kMostRows = 100'000'000;
 
 struct Arguments {
-  std::string path;
+  std::string path, archive, disc;
   kxrestore::sample::SampleOptions options;
 };
 
@@ -42,6 +47,9 @@ std::optional<Arguments> Read(int count, char** words) {
     } else if (word == "--rows" || word == "--seed") {
       std::uint64_t& value = word == "--rows" ? arguments.options.rows : arguments.options.seed;
       if (++i == count || !ReadNumber(words[i], value)) return std::nullopt;
+    } else if (word == "--archive" || word == "--disc") {
+      std::string& path = word == "--archive" ? arguments.archive : arguments.disc;
+      if (++i == count || (path = words[i]).empty()) return std::nullopt;
     } else if (word.empty() || word.starts_with("--") || !arguments.path.empty()) {
       return std::nullopt;
     } else {
@@ -63,6 +71,8 @@ int main(int count, char** words) {
   }
   try {
     kxrestore::sample::MakeCatalog(arguments->path, arguments->options);
+    if (!arguments->archive.empty()) kxrestore::sample::MakeArchive(arguments->archive);
+    if (!arguments->disc.empty()) kxrestore::sample::MakeDisc(arguments->disc);
   } catch (const kxrestore::Error& error) {
     std::cerr << "make_catalog: (" << error.Number() << ") " << error.Description() << '\n';
     return 1;

@@ -1,13 +1,6 @@
 #include "host/catalog_maker/sqlite_writer.h"
 
-#include <sqlite3.h>
-
-#include <filesystem>
-#include <optional>
-#include <string_view>
-#include <system_error>
-
-#include "base/error.h"
+#include "host/catalog_maker/sqlite_file.h"
 
 namespace kxrestore::sample {
 
@@ -32,88 +25,12 @@ CREATE VIEW FullCatalog AS SELECT Catalog.OrigName AS OrigName, Catalog.DateStam
 
 constexpr char kIndex[] = "CREATE INDEX CatalogByRun ON Catalog (SetNameID, Extension, Filename)";
 
-class Statement {
- public:
-  Statement(sqlite3* database, const char* sql) : m_database(database) {
-    Check(sqlite3_prepare_v3(database, sql, -1, SQLITE_PREPARE_PERSISTENT, &m_statement, nullptr));
-  }
-  Statement(const Statement&) = delete;
-  Statement& operator=(const Statement&) = delete;
-  ~Statement() { sqlite3_finalize(m_statement); }
-
-  // Parameters in their order; the texts must live until Run().
-  Statement& Bind(std::int64_t value) {
-    Check(sqlite3_bind_int64(m_statement, ++m_parameter, value));
-    return *this;
-  }
-  Statement& Bind(const std::string& value) {
-    Check(sqlite3_bind_text(m_statement, ++m_parameter, value.data(), static_cast<int>(value.size()),
-                            SQLITE_STATIC));
-    return *this;
-  }
-  template <typename T>
-  Statement& Bind(const std::optional<T>& value) {
-    if (value) return Bind(*value);
-    Check(sqlite3_bind_null(m_statement, ++m_parameter));
-    return *this;
-  }
-
-  void Run() {
-    sqlite3_step(m_statement);
-    m_parameter = 0;
-    Check(sqlite3_reset(m_statement));
-  }
-
- private:
-  void Check(int code) {
-    if (code != SQLITE_OK) throw Error(code, sqlite3_errmsg(m_database), "make_catalog");
-  }
-
-  sqlite3* m_database;
-  sqlite3_stmt* m_statement = nullptr;
-  int m_parameter = 0;
-};
-
-struct CloseDatabase {
-  void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
-};
-
-using Database = std::unique_ptr<sqlite3, CloseDatabase>;
-
-Database OpenAnew(const std::string& path) {
-  for (const std::string_view suffix : {"", "-journal", "-wal", "-shm"}) {
-    const std::string name = path + std::string(suffix);
-    std::error_code problem;
-    std::filesystem::remove(std::u8string(name.begin(), name.end()), problem);
-    if (problem) throw Error(problem.value(), name + ": " + problem.message(), "make_catalog");
-  }
-  sqlite3* raw = nullptr;
-  const int code = sqlite3_open_v2(path.c_str(), &raw, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
-  Database database(raw);
-  if (code != SQLITE_OK) throw Error(code, path + ": " + sqlite3_errstr(code), "make_catalog");
-  return database;
-}
-
-void Execute(sqlite3* database, const char* sql) {
-  if (const int code = sqlite3_exec(database, sql, nullptr, nullptr, nullptr); code != SQLITE_OK) {
-    throw Error(code, sqlite3_errmsg(database), "make_catalog");
-  }
-}
-
-// A half-made file is thrown away anyway, so nothing has to be safe before the end.
-void Prepare(sqlite3* database) {
-  Execute(database, "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; PRAGMA cache_size=-65536; BEGIN");
-  Execute(database, kTables);
-}
-
 }  // namespace
 
 struct SqliteWriter::Connection {
-  explicit Connection(const std::string& path) : database(OpenAnew(path)) {}
+  explicit Connection(const std::string& path) : database(MakeFile(path, kTables)) {}
 
   Database database;
-  // Members are made in this order: the statements need the tables.
-  bool prepared = (Prepare(database.get()), true);
   Statement addSet{database.get(), "INSERT INTO SetNames VALUES (?,?)"};
   Statement addRun{
       database.get(),

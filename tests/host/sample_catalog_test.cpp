@@ -12,6 +12,7 @@
 #include <string>
 
 #include "base/error.h"
+#include "host/catalog_maker/sample_archive.h"
 
 namespace kxrestore::sample {
 namespace {
@@ -164,6 +165,23 @@ TEST_F(SampleCatalog, ReplacesWhatWasThere) {
   Make({.rows = 20, .oneRun = true});
   EXPECT_EQ(Ask("SELECT count(*) FROM Catalog"), "20");
   EXPECT_FALSE(fs::exists(Path() + "-journal"));
+}
+
+TEST_F(SampleCatalog, TheDiscHoldsWhatTheArchiveLacks) {
+  MakeArchive(Path("new/folder/archive.mdb"));
+  MakeDisc(Path("disc"));
+  Make({.rows = 1});
+  Ask("ATTACH '" + Path("new/folder/archive.mdb") + "' AS a");
+  Ask("ATTACH '" + Path("disc/backup!mdb") + "' AS d");
+  const std::string columns = "SELECT Volume, YYYY, MM, SetName, DateStamp, Files, Bytes FROM ";
+  const auto count = [&](const std::string& rows) {
+    return std::atoi(Ask("SELECT count(*) FROM " + rows).c_str());
+  };
+  EXPECT_EQ(count("a.ArchiveHeader"), kArchivedHeaders);
+  EXPECT_EQ(count("d.ArchiveHeader"), kDiscHeaders);
+  EXPECT_EQ(count("(" + columns + "a.ArchiveHeader UNION " + columns + "d.ArchiveHeader)"),
+            kArchivedHeaders + kNewHeaders);
+  EXPECT_EQ(Ask("SELECT max(Volume) FROM d.ArchiveHeader"), kDiscVolume);
 }
 
 TEST_F(SampleCatalog, FailsWithTheNameOfTheFile) {
