@@ -3,7 +3,7 @@
 #
 # Builds the component, its sample host and a sample catalog, registers the component and lets the host run the restore
 # dialog. With a display the dialog is yours. Without one, or with --scripted, a script chooses a run, ticks a folder,
-# applies and presses "Restore Now" on an X server of its own. Screenshots of the steps and the host's output are left in
+# applies, adds an archive disc and presses "Restore Now" on an X server of its own. Screenshots of the steps and the host's output are left in
 # build/demo/.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
@@ -80,13 +80,15 @@ build_preset windows-x64 KXRestore restore_host || fail "the Windows build faile
 
 mkdir -p "$demo"
 rm -f "$demo"/*.png "$demo/output.txt" "$demo/session.log"
-"$kxBuild/native/host/make_catalog" "$demo/catalog.db" --rows "$rows"
 
 if [[ $scripted == no ]] && ! display_works; then
   say "no display: the script works the dialog"
   scripted=yes
 fi
 if [[ $scripted == yes ]]; then wine_session_start own; else wine_session_start user; fi
+
+"$kxBuild/native/host/make_catalog" "$demo/catalog.db" --rows "$rows" --disc "$kKxDisc" \
+  --archive "$WINEPREFIX/drive_c/dev/wrk/qvs/tarvane source/client/CDArchive.mdb"
 
 say "registering the component"
 wine_do regsvr32 /s "$(windows_path "$windowsBuild/KXRestore.dll")" || fail "the component cannot be registered"

@@ -18,7 +18,8 @@ if [[ ! -w ${HOME:-/nonexistent} ]]; then
   mkdir -p "$HOME"
 fi
 
-kKxPrefixVersion=2
+kKxPrefixVersion=3
+kKxDisc=$WINEPREFIX/disc  # what lies in the CD-ROM drive, Z:
 kxXvfbPid=
 kxWineLock=
 
@@ -40,7 +41,7 @@ wine_stop_server() {
 windows_path() {
   local path
   path=$(realpath -m "$1")
-  printf 'Z:%s\n' "${path//\//\\}"
+  printf 'Y:%s\n' "${path//\//\\}"
 }
 
 wine_lock() {
@@ -64,11 +65,17 @@ wine_make_prefix() {
     logged "$log" timeout 180 wine wineboot -i &&
       logged "$log" timeout 60 wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f &&
       logged "$log" timeout 60 wine reg add "$desktop" /v FontSmoothing /d 2 /f &&
-      logged "$log" timeout 60 wine reg add "$desktop" /v FontSmoothingType /t REG_DWORD /d 2 /f
+      logged "$log" timeout 60 wine reg add "$desktop" /v FontSmoothingType /t REG_DWORD /d 2 /f &&
+      logged "$log" timeout 60 wine reg add 'HKLM\Software\Wine\Drives' /v z: /d cdrom /f
   ) {kxWineLock}>&- || fail "the Wine prefix cannot be made"
   # A server that was started without a display cannot make windows.
   timeout 60 wineserver -w || true
   wine_stop_server
+  # Discs are looked for in the last drive, so that is the CD-ROM drive, and the root of all files is Y:.
+  ln -sfn / "$WINEPREFIX/dosdevices/y:"
+  ln -sfn ../disc "$WINEPREFIX/dosdevices/z:"
+  mkdir -p "$kKxDisc"
+  printf VOL003 >"$kKxDisc/.windows-label"  # read when the server starts
   # Wine looks for its own fonts there: those of title bars and dialogs.
   cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
   echo "$kKxPrefixVersion" >"$WINEPREFIX/kx-ready"

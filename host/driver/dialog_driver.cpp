@@ -178,6 +178,20 @@ void DialogDriver::Type(const std::string& field, const std::string& text) const
   Ask(edit, EM_REPLACESEL, TRUE, wide.c_str());
 }
 
+void DialogDriver::Choose(const std::string& box, const std::string& item) const {
+  const HWND list = Usable(box);
+  const LRESULT count = Ask(list, CB_GETCOUNT);
+  for (LRESULT place = 0; place < count; ++place) {
+    const LRESULT before = Ask(list, CB_GETCURSEL);
+    if (before != place) {
+      PostMessageW(list, WM_KEYDOWN, place == 0 ? VK_HOME : VK_DOWN, 1);
+      WaitFor(m_patience, "the next item of " + box, [&] { return Ask(list, CB_GETCURSEL) == place; });
+    }
+    if (TextOf(list) == item) return;
+  }
+  throw DriverError(box + " has no item " + Quoted(item));
+}
+
 void DialogDriver::Key(const std::string& name) const {
   const WPARAM key = KeyOf(name);
   const HWND form = WaitForForm();

@@ -38,6 +38,7 @@ class DialogDriver {
   void Click(const std::string& button) const;                         // also check boxes and option buttons
   void Tab(int number) const;                                          // from 1
   void Type(const std::string& field, const std::string& text) const;  // in place of what stands there
+  void Choose(const std::string& box, const std::string& item) const;  // of a drop-down list, by keys
   void Key(const std::string& name)
       const;           // ESC, ENTER, SPACE, TAB, DELETE or F1 to F12, for whoever has the focus
   void Close() const;  // by the close box

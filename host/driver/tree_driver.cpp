@@ -91,6 +91,7 @@ HTREEITEM TreeDriver::Find(const std::vector<std::string>& texts) const {
 
 std::vector<HTREEITEM> TreeDriver::Level(int depth) const {
   std::vector<HTREEITEM> level = Children(nullptr);
+  if (!level.empty()) level.erase(level.begin() + 1, level.end());
   for (; depth > 0; --depth) {
     std::vector<HTREEITEM> below;
     for (HTREEITEM parent : level) {

@@ -19,7 +19,8 @@ class TreeDriver {
   // The item that the texts lead to, each the text of a child of the one before; parents are opened on the
   // way.
   HTREEITEM Find(const std::vector<std::string>& texts) const;
-  // Every item that is `depth` levels below the top, in the order shown; parents are opened on the way.
+  // Every item that is `depth` levels below the first one of the top, in the order shown; parents are opened
+  // on the way.
   std::vector<HTREEITEM> Level(int depth) const;
 
   std::string Text(HTREEITEM item) const;

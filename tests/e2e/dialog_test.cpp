@@ -208,7 +208,8 @@ TEST_F(DialogTest, WhatCannotBeOpenedIsReportedAndTheFormShows) {
     EXPECT_EQ("LoadBackupSetTree", dialog.MessageTitle());
     EXPECT_EQ(start, dialog.MessageText().substr(0, start.size()));
     dialog.Answer("OK");
-    EXPECT_TRUE(dialog.Tree("tvwSets").Level(1).empty());
+    const driver::TreeDriver sets = dialog.Tree("tvwSets");
+    EXPECT_EQ("Archive Sets", sets.Text(sets.Level(0).at(0))) << "there are no others";
     dialog.Close();
   };
   const ComPtr<_RestoreDlg> noKind = NewObject(m_catalog.Path(), 7);

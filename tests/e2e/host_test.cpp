@@ -1,8 +1,10 @@
 // The sample hosts, as programs of their own with the registered component.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
+#include "host/catalog_maker/sample_archive.h"
 #include "tests/e2e/dialog_fixture.h"
 #include "tests/e2e/program.h"
 #include "tests/e2e/registry_keys.h"
@@ -55,6 +57,56 @@ TEST_F(HostTest, RestoresWhatWasTicked) {
       "restore: C:\\Data\\Reports\\a very long name.xls\n"
       "DefineRestoreSet = 1\n",
       m_output);
+}
+
+// Needs the CD-ROM drive that the test's machine has: Z:, the last one, with a folder as its disc.
+class CdHostTest : public HostTest {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(UINT{DRIVE_CDROM}, GetDriveTypeW(L"Z:\\"));
+    sample::MakeArchive(kArchive);
+    sample::MakeDisc("Z:\\");
+  }
+  void TearDown() override {
+    for (const char* file : {kArchive, "Z:\\backup!mdb"}) std::filesystem::remove(file);
+  }
+
+  static constexpr const char* kArchive = "C:\\dev\\wrk\\qvs\\tarvane source\\client\\CDArchive.mdb";
+};
+
+TEST_F(CdHostTest, ADiscIsAddedToTheArchive) {
+  const std::wstring script = Script(
+      "wait-form\n"
+      "select-run 1\n"
+      "select-node Archive Sets\n"
+      "expect-caption lblSetName \"Archive Sets\"\n"
+      "select-node Archive Sets\\Volume VOL002\\Backups for 2025\\Backups for 2025-12\n"
+      "expect-caption lblSetName \"Backups for 2025-12\"\n"
+      "# no set is chosen now, so that all are searched\n"
+      "tab 2\n"
+      "type cboMask box\n"
+      "click cmdSearch(2)\n"
+      "expect-count asSearch 1\n"
+      "select-node Archive Sets\\Append new Archive CD ...\n"
+      "expect-visible frLoadCD YES\n"
+      "expect-enabled cmdAction(0) NO\n"
+      "expect-enabled cmdCD NO\n"
+      "choose DriveCD Z:\n"
+      "expect-caption txtVL VOL003\n"
+      "expect-visible lblCD(2) NO\n"
+      "click cmdCD\n"
+      "expect-message \"9 archived backup(s) added.\"\n"
+      "answer OK\n"
+      "select-node Archive Sets\\Volume VOL003\\Backups for 2026\\Backups for 2026-09\n"
+      "expect-visible frLoadCD NO\n"
+      "expect-enabled cmdAction(0) YES\n"
+      "select-node Archive Sets\\Append new Archive CD ...\n"
+      "click cmdCD\n"
+      "expect-message \"0 archived backup(s) added.\"\n"
+      "answer OK\n"
+      "close\n");
+  EXPECT_EQ(0, Run(L"--script \"" + script + L'"'));
+  EXPECT_EQ("DefineRestoreSet = 0\n", m_output);
 }
 
 TEST_F(HostTest, AScriptThatFailsSaysWhere) {
