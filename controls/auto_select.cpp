@@ -18,16 +18,12 @@ struct AutoSelect::Store {
 
   struct Record {
     const char* names;  // the shown name, then the stored one; where one ends the other, the longer of them
-    std::int64_t size, dateKey;
-    const char* date;  // files mostly have times of their own: only neighbours share them
+    std::int64_t size, time;
     std::uint32_t nameLength, storedLength;
-    std::uint32_t extension, setName;  // numbers in `pool`
+    std::uint32_t extension, setName, date;  // numbers in `pool`
     std::int32_t setId;
-    std::uint32_t dateLength : 29, flags : 3;
+    std::uint8_t flags;
   };
-
-  std::string_view DateOf(const Record& record) const { return {record.date, record.dateLength}; }
-  const char* KeepDate(std::string_view date);
 
   std::size_t Count() const { return records.Size(); }
   void Add(const Entry& entry, bool ticked);
@@ -47,21 +43,9 @@ struct AutoSelect::Store {
   std::unordered_map<std::int32_t, Group> groups;  // of file types, by their number
 };
 
-const char* AutoSelect::Store::KeepDate(std::string_view date) {
-  if (records.Size() != 0) {
-    const Record& last = records[records.Size() - 1];
-    if (DateOf(last) == date) return last.date;
-  }
-  char* const copy = texts.Allocate(date.size());
-  if (!date.empty()) std::memcpy(copy, date.data(), date.size());
-  return copy;
-}
-
 void AutoSelect::Store::Add(const Entry& entry, bool ticked) {
-  constexpr std::size_t kLongest = (std::size_t{1} << 29) - 1;
-  if (std::max({entry.name.size(), entry.storedName.size(), entry.date.size()}) > kLongest) {
-    ThrowInvalidPropertyValue();
-  }
+  constexpr std::size_t kLongest = std::numeric_limits<std::uint32_t>::max();
+  if (std::max(entry.name.size(), entry.storedName.size()) > kLongest) ThrowInvalidPropertyValue();
 
   const std::string_view longer = std::max(entry.name, entry.storedName,
                                            [](auto left, auto right) { return left.size() < right.size(); });
@@ -76,16 +60,15 @@ void AutoSelect::Store::Add(const Entry& entry, bool ticked) {
   Record record{};
   record.names = names;
   record.size = entry.size;
-  record.dateKey = entry.dateKey;
+  record.time = entry.time;
   record.nameLength = static_cast<std::uint32_t>(entry.name.size());
   record.storedLength = static_cast<std::uint32_t>(entry.storedName.size());
   record.extension = pool.Number(entry.extension, texts);
   record.setName = pool.Number(entry.setName, texts);
-  record.date = KeepDate(entry.date);
-  record.dateLength = static_cast<std::uint32_t>(entry.date.size());
+  record.date = pool.Number(entry.date, texts);
   record.setId = entry.setId;
-  record.flags = static_cast<std::uint32_t>((entry.sizeKnown ? kSizeKnown : 0) |
-                                            (entry.isGroup ? kGroup : 0) | (shared ? kSharedNames : 0));
+  record.flags = static_cast<std::uint8_t>((entry.sizeKnown ? kSizeKnown : 0) | (entry.isGroup ? kGroup : 0) |
+                                           (shared ? kSharedNames : 0));
   ticks.push_back(false);
   records.Append(record);
   if (entry.isGroup) {
@@ -112,8 +95,8 @@ AutoSelect::Entry AutoSelect::Store::At(std::size_t number) const {
   entry.extension = pool.Text(record.extension);
   entry.setId = record.setId;
   entry.setName = pool.Text(record.setName);
-  entry.date = DateOf(record);
-  entry.dateKey = record.dateKey;
+  entry.time = record.time;
+  entry.date = pool.Text(record.date);
   entry.isGroup = (record.flags & kGroup) != 0;
   return entry;
 }

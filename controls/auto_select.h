@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,6 +16,8 @@ namespace kxrestore::controls {
 
 class AutoSelect : public Control {
  public:
+  static constexpr std::int64_t kNoTime = std::numeric_limits<std::int64_t>::min();
+
   // What one entry stands for. Texts handed out are valid until the list is cleared.
   struct Entry {
     std::string_view name;  // as shown
@@ -23,8 +26,8 @@ class AutoSelect : public Control {
     std::string_view extension;  // of the run; for a file type its description
     std::int32_t setId = 0;      // for a file type the number of its group, 0 when it has none
     std::string_view setName;
-    std::string_view date;  // as shown; sorted by `dateKey`
-    std::int64_t dateKey = 0;
+    std::int64_t time = kNoTime;  // platform::TimeNumber of the date
+    std::string_view date;        // what stands in place of a date that is none
     std::string_view storedName;  // the catalog's own name of the entry, that marking compares
     bool isGroup = false;         // a group of file types; it is added before its members
   };

@@ -16,6 +16,12 @@ std::string_view TextOf(const engine::Field& field, std::string& buffer) {
 
 }  // namespace
 
+std::optional<platform::CivilTime> CivilTimeOf(const engine::ValueView& value) {
+  const auto date = engine::ToDateTime(value);
+  if (!date) return std::nullopt;
+  return platform::CivilTime{date->year, date->month, date->day, date->hour, date->minute, date->second};
+}
+
 bool IsMailServer(std::string_view plugin) {
   return plugin.starts_with(kMailServer);
 }
@@ -31,7 +37,7 @@ bool IsAggregateName(std::string_view name) {
 }
 
 CatalogEntries::CatalogEntries(engine::Recordset& rows, std::string_view nameColumn,
-                               std::string_view setNameColumn, const platform::Regional& regional)
+                               std::string_view setNameColumn)
     : m_name(rows.Fields(nameColumn)),
       m_size(rows.Fields("OrigSize")),
       m_extension(rows.Fields("Extension")),
@@ -40,14 +46,12 @@ CatalogEntries::CatalogEntries(engine::Recordset& rows, std::string_view nameCol
       m_date(rows.Fields("DateStamp")),
       m_filename(rows.Fields("Filename")),
       m_file(rows.Fields("File")),
-      m_plugin(rows.Fields("Plugin")),
-      m_dateText(regional) {}
+      m_plugin(rows.Fields("Plugin")) {}
 
 void CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticked) {
-  std::string buffers[6];
+  std::string buffers[7];
   const std::string_view file = TextOf(m_file, buffers[0]);
   const auto aggregate = AggregateName(TextOf(m_plugin, buffers[1]), file);
-  const engine::ValueView date = m_date.Value();
 
   controls::AutoSelect::Entry entry;
   entry.name = aggregate ? std::string_view(*aggregate) : TextOf(m_name, buffers[2]);
@@ -56,8 +60,11 @@ void CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticked) {
   entry.extension = TextOf(m_extension, buffers[3]);
   entry.setId = static_cast<std::int32_t>(m_setId.Integer());
   entry.setName = TextOf(m_setName, buffers[4]);
-  entry.date = m_dateText.Of(date);
-  entry.dateKey = m_dateText.Key();
+  if (const auto time = CivilTimeOf(m_date.Value())) {
+    entry.time = platform::TimeNumber(*time);
+  } else {
+    entry.date = TextOf(m_date, buffers[6]);
+  }
   entry.storedName = aggregate ? file : TextOf(m_filename, buffers[5]);
   list.Add(entry, ticked);
 }

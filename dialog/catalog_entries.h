@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "controls/auto_select.h"
-#include "dialog/date_text.h"
 #include "engine/database.h"
+#include "platform/regional.h"
 
 namespace kxrestore::dialog {
 
@@ -26,18 +26,19 @@ std::optional<std::string> AggregateName(std::string_view plugin, std::string_vi
 // Filename.
 bool IsAggregateName(std::string_view name);
 
+// A date of the catalog; nothing for what is no date.
+std::optional<platform::CivilTime> CivilTimeOf(const engine::ValueView& value);
+
 // Adds the rows of a recordset to a list. The columns OrigSize, Extension, SetNameID, DateStamp, Filename,
 // File and Plugin must be there, and those named here; error 3265 otherwise.
 class CatalogEntries {
  public:
-  CatalogEntries(engine::Recordset& rows, std::string_view nameColumn, std::string_view setNameColumn,
-                 const platform::Regional& regional);
+  CatalogEntries(engine::Recordset& rows, std::string_view nameColumn, std::string_view setNameColumn);
 
   void AddCurrentRow(controls::AutoSelect& list, bool ticked);
 
  private:
   engine::Field m_name, m_size, m_extension, m_setId, m_setName, m_date, m_filename, m_file, m_plugin;
-  DateText m_dateText;
 };
 
 }  // namespace kxrestore::dialog

@@ -55,7 +55,7 @@ void RestoreList::ListCurrentSelections() {
         engine::RecordsetType::kSnapshot);
     const controls::RedrawFreeze freeze(list);
     list.Clear();
-    CatalogEntries entries(*rows, "RestoreFile", "Name", m_context.platform.regional);
+    CatalogEntries entries(*rows, "RestoreFile", "Name");
     for (; !rows->Eof(); rows->MoveNext()) {
       if (!walk.Next()) return;
       entries.AddCurrentRow(list, true);

@@ -71,7 +71,7 @@ void Search::List(const std::string& mask) {
   const auto rows = OpenListing(m_context, *database, lookIn, latest, mask);
 
   ui.asSearch.Clear();
-  CatalogEntries entries(*rows, "OrigName", "SetName", m_context.platform.regional);
+  CatalogEntries entries(*rows, "OrigName", "SetName");
   for (std::size_t count = 0; !rows->Eof() && walk.Next(); rows->MoveNext()) {
     entries.AddCurrentRow(ui.asSearch, false);
     if (++count % kCaptionEvery == 0) ui.lblSearchCount.SetCaption(std::to_string(count) + " File(s)");

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "dialog/date_text.h"
+#include "dialog/catalog_entries.h"
 
 namespace kxrestore::dialog {
 
@@ -74,7 +74,6 @@ void SetTree::LoadBackupSetTree() {
     const engine::Field setNameID = rows->Fields("SetNameID");
     const engine::Field extension = rows->Fields("Extension");
     const engine::Field permanent = rows->Fields("Permanent");
-    DateText dates(m_context.platform.regional);
     controls::Node set;
     std::string setName;
     for (; !rows->Eof(); rows->MoveNext()) {
@@ -84,7 +83,9 @@ void SetTree::LoadBackupSetTree() {
         setName = name.Text();
         set = SetNode(setName);
       }
-      const std::string date(dates.Of(dateStamp.Value()));
+      const auto time = CivilTimeOf(dateStamp.Value());
+      const std::string date =
+          time ? platform::DateAndTime(m_context.platform.regional, *time) : dateStamp.Text();
       controls::Node run = tree.Add(set, date, permanent.Boolean() ? date + " (P)" : date);
       run.SetTag(setNameID.Text() + " " + runExtension);
     }

@@ -14,6 +14,34 @@ std::string TwoDigits(int number) {
 
 }  // namespace
 
+std::string DateAndTime(const Regional& regional, const CivilTime& time) {
+  std::string text = regional.ShortDate(time);
+  if (time.hour != 0 || time.minute != 0 || time.second != 0)
+    text.append(" ").append(regional.LongTime(time));
+  return text;
+}
+
+std::int64_t TimeNumber(const CivilTime& time) {
+  const std::int64_t day = (std::int64_t{time.year} * 16 + time.month) * 32 + time.day;
+  return ((day * 32 + time.hour) * 64 + time.minute) * 64 + time.second;
+}
+
+CivilTime TimeOfNumber(std::int64_t number) {
+  const auto take = [&number](std::int64_t places) {
+    const auto part = static_cast<int>(number % places);
+    number /= places;
+    return part;
+  };
+  CivilTime time;
+  time.second = take(64);
+  time.minute = take(64);
+  time.hour = take(32);
+  time.day = take(32);
+  time.month = take(16);
+  time.year = static_cast<int>(number);
+  return time;
+}
+
 std::string FixedRegional::ShortDate(const CivilTime& time) const {
   return std::to_string(time.month) + "/" + std::to_string(time.day) + "/" + std::to_string(time.year);
 }

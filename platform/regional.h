@@ -19,6 +19,13 @@ class Regional {
   virtual CivilTime Now() const = 0;                               // local time
 };
 
+// Short date, blank, long time; the date alone at midnight.
+std::string DateAndTime(const Regional& regional, const CivilTime& time);
+
+// A time as a number: later times have greater ones.
+std::int64_t TimeNumber(const CivilTime& time);
+CivilTime TimeOfNumber(std::int64_t number);
+
 // The forms used where there are no regional settings.
 class FixedRegional : public Regional {
  public:

@@ -129,7 +129,7 @@ void Fill(AutoSelect& list, int entries) {
   AutoSelect::Entry entry;
   entry.extension = "F01";
   entry.setName = "Daily backup";
-  entry.date = "1/2/2024 3:04:05 PM";
+  entry.time = platform::TimeNumber({2024, 1, 2, 15, 4, 5});
   for (int number = 0; number < entries; ++number) {
     entry.name = tags.Tag(number);
     entry.storedName = Tags::Name(entry.name);

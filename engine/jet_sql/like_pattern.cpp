@@ -1,6 +1,7 @@
 #include "engine/jet_sql/like_pattern.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "base/text.h"
 
@@ -15,6 +16,7 @@ LikePattern::LikePattern(std::string_view mask) {
       m_pieces.push_back(folded.substr(start, star - start));
       start = star + 1;
     }
+    ChooseNeeded();
     return;
   }
   for (std::size_t position = 0; position < folded.size();) {
@@ -38,6 +40,23 @@ LikePattern::LikePattern(std::string_view mask) {
         m_elements.push_back({Kind::kLiteral, character, false, {}});
     }
   }
+}
+
+// Most texts that do not match lack the rarest letter of the mask, and looking for one byte is the quickest
+// test that there is. K and S are left out: characters beyond ASCII fold to them.
+void LikePattern::ChooseNeeded() {
+  constexpr std::string_view kByRarity = "zqjxvywbhgpfum0123456789cldronitae";
+  std::size_t rarest = kByRarity.size();
+  for (const std::string& piece : m_pieces) {
+    for (const char character : piece) rarest = std::min(rarest, kByRarity.find(character));
+  }
+  if (rarest < kByRarity.size()) m_needed = kByRarity[rarest];
+}
+
+bool LikePattern::HoldsNeeded(std::string_view text) const {
+  if (text.empty()) return false;
+  if (std::memchr(text.data(), m_needed, text.size()) != nullptr) return true;
+  return m_needed >= 'a' && std::memchr(text.data(), m_needed - 'a' + 'A', text.size()) != nullptr;
 }
 
 // `position` is behind the bracket; returns the position behind the list.
@@ -69,6 +88,7 @@ std::size_t LikePattern::ReadList(std::string_view folded, std::size_t position)
 }
 
 bool LikePattern::Matches(std::string_view text) const {
+  if (m_needed != '\0' && !HoldsNeeded(text)) return false;
   m_folded.clear();
   AppendFolded(m_folded, text);
   return m_simple ? MatchesPieces(m_folded) : MatchesGeneral(m_folded);

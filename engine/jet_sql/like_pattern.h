@@ -26,6 +26,8 @@ class LikePattern {
     std::vector<Range> ranges;
   };
 
+  void ChooseNeeded();
+  bool HoldsNeeded(std::string_view text) const;
   std::size_t ReadList(std::string_view folded, std::size_t position);
   bool MatchesPieces(std::string_view folded) const;
   bool MatchesGeneral(std::string_view folded) const;
@@ -34,6 +36,7 @@ class LikePattern {
   bool m_simple = false;              // nothing but * and plain characters
   std::vector<std::string> m_pieces;  // what stands between the *
   std::vector<Element> m_elements;
+  char m_needed = '\0';          // a letter, in either case, or a digit that every match holds
   mutable std::string m_folded;  // kept so that a scan of a million rows allocates once
 };
 

@@ -49,7 +49,7 @@ void ListOrder::SortNumbers() {
   std::vector<std::int64_t> keys(m_numbers.size() + 1);
   for (const std::uint32_t number : m_numbers) {
     const auto entry = m_list.At(number);
-    keys[number] = m_column == ListColumn::kDate ? entry.dateKey : entry.sizeKnown ? entry.size : -1;
+    keys[number] = m_column == ListColumn::kDate ? entry.time : entry.sizeKnown ? entry.size : -1;
   }
   std::sort(m_numbers.begin(), m_numbers.end(), [&keys](std::uint32_t left, std::uint32_t right) {
     return keys[left] != keys[right] ? keys[left] < keys[right] : left < right;

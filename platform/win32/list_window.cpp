@@ -187,7 +187,9 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
       case ListColumn::kSet:
         return std::string(entry.setName);
       case ListColumn::kDate:
-        return std::string(entry.date);
+        return entry.time == AutoSelect::kNoTime
+                   ? std::string(entry.date)
+                   : DateAndTime(m_regional, platform::TimeOfNumber(entry.time));
       default:
         return std::string(entry.name);
     }

@@ -48,7 +48,7 @@ TEST_F(RestoreListTest, ListsMarkedRowsOfEverySetUnderTheNamesThatTheUserKnows) 
   EXPECT_EQ(entry.setId, 2);
   EXPECT_EQ(entry.extension, "001");
   EXPECT_EQ(entry.size, 104);
-  EXPECT_EQ(entry.date, "3/1/2026 10:00:00 AM");
+  EXPECT_EQ(entry.time, platform::TimeNumber({2026, 3, 1, 10, 0, 0}));
   EXPECT_TRUE(ui().asRestoreList.TickedAt(2));
   EXPECT_EQ(Selected(), "5 file(s) selected");
   EXPECT_TRUE(ui().cmdRestore[0].Enabled());

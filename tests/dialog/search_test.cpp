@@ -67,7 +67,7 @@ TEST_F(SearchTab, AnEntryCarriesItsRow) {
   EXPECT_EQ(entry.extension, "001");
   EXPECT_EQ(entry.setId, 2);
   EXPECT_EQ(entry.setName, "Set 2");
-  EXPECT_EQ(entry.date, "3/1/2026 10:00:00 AM");
+  EXPECT_EQ(entry.time, platform::TimeNumber({2026, 3, 1, 10, 0, 0}));
   EXPECT_FALSE(ui().asSearch.TickedAt(1));
 }
 

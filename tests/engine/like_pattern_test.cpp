@@ -5,6 +5,8 @@
 #include <chrono>
 #include <string>
 
+#include "base/text.h"
+
 namespace kxrestore::engine::jet_sql {
 namespace {
 
@@ -13,6 +15,17 @@ struct Case {
   const char* text;
   bool matches;
 };
+
+// Masks look for a letter in both of its ASCII forms before they fold a text.
+TEST(LikePattern, OnlyTwoLettersBeyondAsciiFoldIntoIt) {
+  for (char32_t character = 0x80; character <= 0x10FFFF; ++character) {
+    const char32_t folded = FoldCase(character);
+    if (folded < 0x80) {
+      EXPECT_TRUE(folded == 'k' || folded == 's') << static_cast<std::uint32_t>(character);
+    }
+  }
+  EXPECT_TRUE(LikePattern("*KX*").Matches("a\u212Ax"));
+}
 
 TEST(LikePattern, Table) {
   const Case cases[] = {

@@ -18,6 +18,21 @@ TEST(FixedRegional, DatesAndTimes) {
   EXPECT_EQ("11:05:00 PM", regional.LongTime({0, 0, 0, 23, 5, 0}));
 }
 
+TEST(Regional, ATimeAndItsNumber) {
+  const FixedRegional regional;
+  const CivilTime times[] = {
+      {0, 0, 0}, {1753, 1, 1}, {2026, 2, 28, 23, 59, 59}, {2026, 3, 1}, {9999, 12, 31, 23, 59, 58}};
+  for (std::size_t i = 0; i < std::size(times); ++i) {
+    const std::int64_t number = TimeNumber(times[i]);
+    EXPECT_EQ(DateAndTime(regional, times[i]), DateAndTime(regional, TimeOfNumber(number)));
+    if (i > 0) {
+      EXPECT_LT(TimeNumber(times[i - 1]), number);
+    }
+  }
+  EXPECT_EQ("2/28/2026 11:59:59 PM", DateAndTime(regional, times[2]));
+  EXPECT_EQ("3/1/2026", DateAndTime(regional, times[3]));
+}
+
 TEST(FixedRegional, Numbers) {
   const FixedRegional regional;
   EXPECT_EQ("0", regional.Grouped(0));
