@@ -5,7 +5,7 @@
 //   latest of all sets  the newest version of every name       | the best statement for that by hand
 //   latest of a mask    the same where a mask restricts it     | the same
 //   latest of one set   the newest versions in one set         | the same
-//   fill the chooser    the types of all names are counted     | the names read
+//   fill the chooser    the types of all names are counted     | one plain grouped statement
 //   auto-select         types of some 100,000 files are marked | the same rows found, marked in one
 //   transaction
 //                                                                and listed
@@ -150,7 +150,7 @@ class Latest : public Comparison {
 
 class Chooser : public Comparison {
  public:
-  explicit Chooser(std::int64_t rows) : m_rows(rows), m_path(BenchCatalog(rows)) {}
+  explicit Chooser(std::int64_t rows) : m_path(BenchCatalog(rows)) {}
 
   // The chooser is filled once a form, when its tab is first shown.
   void Prepare() override {
@@ -165,12 +165,13 @@ class Chooser : public Comparison {
 
   void Bare() override {
     BareDatabase database(m_path);
-    BareStatement rows(database.Get(), "SELECT OrigName FROM Catalog WHERE Status = 2");
-    Expect(ReadAll(rows, 1) == m_rows, "the scan is not whole");
+    BareStatement rows(database.Get(),
+                       "SELECT replace(OrigName, rtrim(OrigName, replace(OrigName, '.', '')), '') AS Type, "
+                       "count(*) FROM Catalog WHERE Status = 2 AND OrigName LIKE '%.%' GROUP BY Type");
+    Expect(ReadAll(rows, 2) > 10, "too few types");
   }
 
  private:
-  std::int64_t m_rows;
   std::string m_path;
   std::unique_ptr<Dialog> m_dialog;
 };

@@ -237,6 +237,11 @@ void Session::UndoTransaction() {
 
 // ---- commits in groups
 
+void Session::BeginGroup() {
+  if (!m_grouping || InTransaction()) return;
+  if (const int code = Begin(); code != SQLITE_OK) Raise(code, Doing::kWriting);
+}
+
 int Session::Begin() {
   if (!m_begin) m_begin = Prepare("BEGIN IMMEDIATE", Doing::kWriting);
   const int code = sqlite3_step(m_begin.get());

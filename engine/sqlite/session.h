@@ -57,6 +57,8 @@ class Session {
   // Runs a writing statement to its end: waits for others, keeps streaming recordsets what they are, groups
   // the commit. `disturbs`: dynasets must be protected as well.
   void RunWrite(sqlite3_stmt* statement, bool disturbs, std::string_view piece);
+  // From here to the next commit of a group nobody else writes.
+  void BeginGroup();
   void ForgetPlans();  // after a change of the schema
 
   Statement Prepare(std::string_view sql, Doing doing = Doing::kReading) const;

@@ -1,6 +1,9 @@
 #include "engine/sqlite/sqlite_database.h"
 
+#include <utility>
+
 #include "base/error.h"
+#include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/dialect.h"
 #include "engine/sqlite/sqlite_recordset.h"
@@ -30,6 +33,7 @@ SqliteDatabase::~SqliteDatabase() {
 }
 
 void SqliteDatabase::Close() {
+  if (m_session) Settle();
   const std::shared_ptr<Session> session = std::move(m_session);
   if (session && session->TransactionOwner() == this) session->UndoTransaction();
 }
@@ -49,11 +53,13 @@ Session& SqliteDatabase::OpenForWriting() const {
 
 std::unique_ptr<Recordset> SqliteDatabase::OpenRecordset(std::string_view source, RecordsetType type) {
   Open();
+  Settle();
   return std::make_unique<SqliteRecordset>(m_session, source, type, m_readOnly);
 }
 
 std::int64_t SqliteDatabase::Execute(std::string_view sql, int /*options*/) {
   Session& session = Open();
+  Settle();
   const std::shared_ptr<Plan> plan = session.FindPlan(sql, Session::Use::kAction);
   OpenForWriting();
   Statement statement = session.Acquire(*plan);
@@ -64,7 +70,9 @@ std::int64_t SqliteDatabase::Execute(std::string_view sql, int /*options*/) {
 }
 
 void SqliteDatabase::BeginTrans() {
-  OpenForWriting().BeginTransaction(*this);
+  Session& session = OpenForWriting();
+  Settle();
+  session.BeginTransaction(*this);
 }
 
 Session& SqliteDatabase::OpenInTransaction() const {
@@ -75,11 +83,15 @@ Session& SqliteDatabase::OpenInTransaction() const {
 }
 
 void SqliteDatabase::CommitTrans() {
-  OpenInTransaction().CommitTransaction();
+  Session& session = OpenInTransaction();
+  Settle();
+  session.CommitTransaction();
 }
 
 void SqliteDatabase::Rollback() {
-  OpenInTransaction().UndoTransaction();
+  Session& session = OpenInTransaction();
+  m_dropped.reset();
+  session.UndoTransaction();
 }
 
 SqliteDatabase::Entry SqliteDatabase::FindEntry(Session& session, std::string_view name) {
@@ -100,7 +112,18 @@ void SqliteDatabase::ChangeSchema(Session& session, const std::string& sql) {
   session.ForgetPlans();
 }
 
+bool SqliteDatabase::IsDropped(std::string_view name) const {
+  return m_dropped && EqualIgnoringCase(m_dropped->name, name);
+}
+
+void SqliteDatabase::Settle() {
+  if (!m_dropped) return;
+  const Entry dropped = *std::exchange(m_dropped, std::nullopt);
+  ChangeSchema(Open(), "DROP VIEW " + jet_sql::SqliteDialect(true).Identifier(dropped.name));
+}
+
 std::string SqliteDatabase::QueryText(std::string_view name) {
+  if (IsDropped(name)) Settle();
   const Entry entry = FindEntry(Open(), name);
   if (entry.type != "view") {
     Raise(number::kItemNotFound, "Item not found in this collection: '" + std::string(name) + "'.");
@@ -110,20 +133,29 @@ std::string SqliteDatabase::QueryText(std::string_view name) {
 
 void SqliteDatabase::CreateQueryDef(std::string_view name, std::string_view sql) {
   Session& session = OpenForWriting();
+  const std::string text = CreateViewText(name, sql);
+  if (IsDropped(name) && m_dropped->sql == text) {
+    m_dropped.reset();
+    return;
+  }
+  Settle();
   if (!FindEntry(session, name).type.empty()) {
     Raise(number::kObjectExists, "Object '" + std::string(name) + "' already exists.");
   }
-  ChangeSchema(session, CreateViewText(name, sql));
+  ChangeSchema(session, text);
 }
 
 void SqliteDatabase::DeleteQueryDef(std::string_view name) {
   Session& session = Open();
-  const Entry entry = FindEntry(session, name);
+  Settle();
+  if (!m_readOnly && !session.IsReadOnly())
+    session.BeginGroup();  // what is read now holds until it is made again
+  Entry entry = FindEntry(session, name);
   if (entry.type != "view") {
     Raise(number::kItemNotFound, "Item not found in this collection: '" + std::string(name) + "'.");
   }
   OpenForWriting();
-  ChangeSchema(session, "DROP VIEW " + jet_sql::SqliteDialect(true).Identifier(entry.name));
+  m_dropped = std::move(entry);
 }
 
 }  // namespace kxrestore::engine::sqlite

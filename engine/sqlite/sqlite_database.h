@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -36,6 +37,12 @@ class SqliteDatabase final : public Database {
   };
   static Entry FindEntry(Session& session, std::string_view name);
   static void ChangeSchema(Session& session, const std::string& sql);
+  bool IsDropped(std::string_view name) const;
+  void Settle();
+
+  // A saved query that is to go. It is dropped as soon as somebody could see the difference, and stays when
+  // the same one is created before: then nothing is written at all.
+  std::optional<Entry> m_dropped;
 
   std::shared_ptr<Session> m_session;
   bool m_readOnly;

@@ -146,6 +146,31 @@ TEST_F(SqliteCommit, AnotherWriterBetweenOurGroups) {
   }
 }
 
+TEST_F(SqliteCommit, ASavedQueryMadeAgainUnchangedIsNotWritten) {
+  const auto version = [&] { return m_test->Ask("PRAGMA schema_version"); };
+  const auto database = m_workspace->OpenDatabase(m_test->Request());
+  database->CreateQueryDef("Mine", "SELECT ID FROM Catalog WHERE Status = 2;");
+  const std::string made = version();
+  m_workspace->BeginAction();
+  const auto again = m_workspace->OpenDatabase(m_test->Request());
+  again->DeleteQueryDef("mine");
+  ExpectError(error_number::kItemNotFound, "Mine", [&] { again->DeleteQueryDef("Mine"); });
+  again->CreateQueryDef("Mine", "SELECT ID FROM Catalog WHERE Status = 1;");
+  EXPECT_EQ(Rows(*again, "Mine"), std::vector<std::string>{"6"});
+  m_workspace->Flush();
+  const std::string changed = version();
+  EXPECT_NE(changed, made);
+
+  again->DeleteQueryDef("Mine");
+  EXPECT_THROW(m_test->Run("DROP VIEW Mine"), std::runtime_error) << "it could not be left as it was";
+  again->CreateQueryDef("Mine", "SELECT ID FROM Catalog WHERE Status = 1;");
+  m_workspace->EndAction();
+  EXPECT_EQ(version(), changed);
+  database->DeleteQueryDef("Mine");
+  database->Close();
+  EXPECT_EQ(m_test->Ask("SELECT count(*) FROM sqlite_schema WHERE name = 'Mine'"), "0");
+}
+
 TEST_F(SqliteCommit, AWorkspaceThatGoesKeepsTheMarks) {
   m_workspace->BeginAction();
   Mark(1);
