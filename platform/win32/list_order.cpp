@@ -35,12 +35,15 @@ void ListOrder::Renew() {
   if (!m_sorted) return;
   m_numbers.resize(m_list.Count());
   std::iota(m_numbers.begin(), m_numbers.end(), 1u);
+  m_groups = 0;
+  while (m_groups < std::ssize(m_numbers) && m_list.At(static_cast<std::size_t>(m_groups) + 1).isGroup)
+    ++m_groups;
   if (m_column == ListColumn::kSize || m_column == ListColumn::kDate) {
     SortNumbers();
   } else {
     SortTexts();
   }
-  if (m_descending) std::reverse(m_numbers.begin(), m_numbers.end());
+  if (m_descending) std::reverse(m_numbers.begin() + m_groups, m_numbers.end());
 }
 
 // What is compared is laid out beforehand: a million entries are compared
@@ -51,7 +54,7 @@ void ListOrder::SortNumbers() {
     const auto entry = m_list.At(number);
     keys[number] = m_column == ListColumn::kDate ? entry.time : entry.sizeKnown ? entry.size : -1;
   }
-  std::sort(m_numbers.begin(), m_numbers.end(), [&keys](std::uint32_t left, std::uint32_t right) {
+  std::sort(m_numbers.begin() + m_groups, m_numbers.end(), [&keys](std::uint32_t left, std::uint32_t right) {
     return keys[left] != keys[right] ? keys[left] < keys[right] : left < right;
   });
 }
@@ -67,7 +70,7 @@ void ListOrder::SortTexts() {
   const auto key = [&](std::uint32_t number) {
     return std::string_view(folded).substr(starts[number], starts[number + 1] - starts[number]);
   };
-  std::sort(m_numbers.begin(), m_numbers.end(), [&](std::uint32_t left, std::uint32_t right) {
+  std::sort(m_numbers.begin() + m_groups, m_numbers.end(), [&](std::uint32_t left, std::uint32_t right) {
     const int order = key(left).compare(key(right));
     if (order != 0) return order < 0;
     const int exact = TextOf(m_list.At(left), m_column).compare(TextOf(m_list.At(right), m_column));

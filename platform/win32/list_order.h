@@ -1,5 +1,5 @@
 // The order in which a list shows its entries: as they come, or sorted by a
-// column. Entry numbers stay what they are.
+// column, groups of file types always first. Entry numbers stay what they are.
 #pragma once
 
 #include <cstddef>
@@ -38,6 +38,7 @@ class ListOrder {
   bool m_sorted = false;
   bool m_descending = false;
   ListColumn m_column = ListColumn::kName;
+  std::ptrdiff_t m_groups = 0;
   std::vector<std::uint32_t> m_numbers;
 };
 

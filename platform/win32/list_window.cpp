@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "base/text.h"
-#include "platform/win32/list_order.h"
+#include "platform/win32/list_columns.h"
 #include "platform/win32/regional.h"
 #include "platform/win32/wide_text.h"
 
@@ -15,38 +15,23 @@ using controls::AutoSelect;
 namespace {
 
 constexpr UINT_PTR kSortTimer = 0x4B59;
-constexpr UINT kSettled = 200;         // milliseconds without a new entry after which a
-                                       // sorted list is sorted again
-constexpr int kLeastNameWidth = 1800;  // twips
-
-struct Column {
-  const wchar_t* heading;
-  ListColumn column;
-  int width;  // twips; the first column takes what the others leave
-  bool rightAligned;
-};
-constexpr Column kFileColumns[] = {{L"Name", ListColumn::kName, 0, false},
-                                   {L"Size", ListColumn::kSize, 1150, true},
-                                   {L"Extension", ListColumn::kExtension, 1050, false},
-                                   {L"Set", ListColumn::kSet, 1500, false},
-                                   {L"Date", ListColumn::kDate, 2050, false}};
-constexpr Column kTypeColumns[] = {{L"Type", ListColumn::kName, 0, false},
-                                   {L"Description", ListColumn::kExtension, 2600, false},
-                                   {L"Files", ListColumn::kSize, 1100, true}};
+constexpr UINT kSettled = 200;                   // milliseconds without a new entry after which a
+                                                 // sorted list is sorted again
+constexpr std::size_t kMostReselected = 10'000;  // rows; selecting one more costs more and more
 
 enum MenuItem : UINT { kTick = 1, kUntick, kCopy };
 
 class ListWindow final : public WindowPeer<controls::ListPeer> {
  public:
   ListWindow(WindowContext& context, AutoSelect& list, HWND parent)
-      : WindowPeer(context, list), m_list(list), m_order(list) {
+      : WindowPeer(context, list), m_list(list), m_columns(context, list.GetStyle()), m_order(list) {
     Create(parent, WC_LISTVIEWW, {}, WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS,
            WS_EX_CLIENTEDGE);
     constexpr DWORD kStyle =
         LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_INFOTIP | LVS_EX_LABELTIP;
     Send(LVM_SETEXTENDEDLISTVIEWSTYLE, kStyle, kStyle);
     Send(LVM_SETCALLBACKMASK, LVIS_STATEIMAGEMASK);
-    MakeColumns();
+    m_columns.Make(Handle());
     ShowCount();
   }
   ~ListWindow() override { Destroy(); }
@@ -97,13 +82,14 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
       ShowMenu(extra);
       return 0;
     }
-    if (message == WM_SIZE) FitColumns();
+    if (message == WM_SIZE) m_columns.Fit(Handle());
+    if (message == WM_NOTIFY) HeadingTells(*reinterpret_cast<const NMHDR*>(extra));
     return std::nullopt;
   }
 
   void OnDpiChanged() override {
     WindowPeer::OnDpiChanged();
-    FitColumns();
+    m_columns.Fit(Handle());
   }
 
  protected:
@@ -120,44 +106,14 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
   LRESULT Send(UINT message, WPARAM wide = 0, LPARAM extra = 0) const {
     return SendMessageW(Handle(), message, wide, extra);
   }
-  const Column* Columns() const { return Types() ? kTypeColumns : kFileColumns; }
-  int ColumnCount() const {
-    return static_cast<int>(Types() ? std::size(kTypeColumns) : std::size(kFileColumns));
-  }
   bool Types() const { return m_list.GetStyle() == AutoSelect::Style::kTypes; }
-
-  void MakeColumns() {
-    for (int index = 0; index < ColumnCount(); ++index) {
-      const Column& made = Columns()[index];
-      std::wstring heading = made.heading;
-      LVCOLUMNW column{LVCF_TEXT | LVCF_WIDTH | LVCF_FMT};
-      column.fmt = made.rightAligned ? LVCFMT_RIGHT : LVCFMT_LEFT;
-      column.cx = Context().ToPixels(made.width);
-      column.pszText = heading.data();
-      Send(LVM_INSERTCOLUMNW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&column));
-    }
-    FitColumns();
-  }
-
-  void FitColumns() {
-    if (Handle() == nullptr) return;
-    RECT area{};
-    GetClientRect(Handle(), &area);
-    int rest = area.right;
-    for (int index = 1; index < ColumnCount(); ++index) {
-      const int width = Context().ToPixels(Columns()[index].width);
-      rest -= width;
-      Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(index), width);
-    }
-    Send(LVM_SETCOLUMNWIDTH, 0, std::max(rest, Context().ToPixels(kLeastNameWidth)));
-  }
 
   void ShowCount() {
     const WPARAM count = std::min<std::size_t>(m_list.Count(), 100'000'000);
     if (static_cast<WPARAM>(Send(LVM_GETITEMCOUNT)) == count) return;
     const bool fewer = static_cast<WPARAM>(Send(LVM_GETITEMCOUNT)) > count;
     Send(LVM_SETITEMCOUNT, count, fewer ? 0 : LVSICF_NOSCROLL | LVSICF_NOINVALIDATEALL);
-    FitColumns();  // the scroll bar may have come or gone
+    m_columns.Fit(Handle());  // the scroll bar may have come or gone
   }
 
   bool Exists(std::size_t number) const { return number >= 1 && number <= m_list.Count(); }
@@ -178,8 +134,8 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
   }
 
   std::string TextOf(const AutoSelect::Entry& entry, int column) const {
-    if (column < 0 || column >= ColumnCount()) return {};
-    switch (Columns()[column].column) {
+    if (!m_columns.Exists(column)) return {};
+    switch (m_columns.At(column)) {
       case ListColumn::kSize:
         return entry.sizeKnown ? m_regional.Grouped(entry.size) : std::string();
       case ListColumn::kExtension:
@@ -195,6 +151,10 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     }
   }
 
+  void HeadingTells(const NMHDR& header) {
+    if (header.code == HDN_ITEMCHANGEDW) m_columns.Changed(reinterpret_cast<const NMHEADERW&>(header));
+  }
+
   // Type-ahead: the next row whose name begins with what was typed.
   LRESULT Find(const NMLVFINDITEMW& wanted) const {
     if ((wanted.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) == 0 || wanted.lvfi.psz == nullptr) {
@@ -203,40 +163,56 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     const std::string typed = FoldCase(Narrow(wanted.lvfi.psz));
     const std::size_t count = m_list.Count();
     const std::size_t start = wanted.iStart < 0 ? 0 : static_cast<std::size_t>(wanted.iStart);
+    std::string folded;  // a folded text may be longer or shorter than the text
     for (std::size_t step = 0; step < count; ++step) {
       const std::size_t row = (start + step) % count;
-      const std::string_view name = m_list.At(m_order.Entry(row)).name;
-      // A folded text may be longer or shorter than the text: compare
-      // generously, then exactly.
-      if (FoldCase(name.substr(0, typed.size() * 4)).starts_with(typed)) return static_cast<LRESULT>(row);
+      folded.clear();
+      AppendFolded(folded, m_list.At(m_order.Entry(row)).name.substr(0, typed.size() * 4));
+      if (folded.starts_with(typed)) return static_cast<LRESULT>(row);
     }
     return -1;
   }
 
   void Sort(int column) {
-    if (column < 0 || column >= ColumnCount()) return;
+    if (!m_columns.Exists(column)) return;
     const HCURSOR before = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
-    m_order.Choose(Columns()[column].column);
+    KeepingSelection([&] { m_order.Choose(m_columns.At(column)); });
     SetCursor(before);
-    ShowArrow();
-    // What was selected and focused were rows, not entries.
-    LVITEMW none{};
-    none.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&none));
+    m_columns.ShowArrow(Handle(), m_order);
     InvalidateRect(Handle(), nullptr, FALSE);
   }
 
-  void ShowArrow() const {
-    const auto header = reinterpret_cast<HWND>(Send(LVM_GETHEADER));
-    for (int index = 0; index < ColumnCount(); ++index) {
-      HDITEMW item{HDI_FORMAT};
-      SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
-      item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
-      if (m_order.Sorted() && m_order.Column() == Columns()[index].column) {
-        item.fmt |= m_order.Descending() ? HDF_SORTDOWN : HDF_SORTUP;
+  // What the window keeps selected are rows; what the user selected are entries.
+  template <class Change>
+  void KeepingSelection(Change&& change) {
+    const LRESULT focusedRow = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
+    const std::size_t focused = focusedRow < 0 ? 0 : m_order.Entry(static_cast<std::size_t>(focusedRow));
+    const auto count = static_cast<std::size_t>(Send(LVM_GETSELECTEDCOUNT));
+    const bool all = count == m_list.Count();
+    std::vector<std::size_t> selected;
+    if (!all && count <= kMostReselected) selected = Selected();
+    std::sort(selected.begin(), selected.end());
+
+    change();
+    if (all && focused == 0) return;
+    if (!all) SetState(static_cast<WPARAM>(-1), 0, LVIS_SELECTED | LVIS_FOCUSED);
+    for (std::size_t row = 0; row < m_list.Count(); ++row) {
+      const std::size_t number = m_order.Entry(row);
+      if (std::binary_search(selected.begin(), selected.end(), number)) {
+        SetState(row, LVIS_SELECTED, LVIS_SELECTED);
       }
-      SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
+      if (number == focused) {
+        SetState(row, LVIS_FOCUSED, LVIS_FOCUSED);
+        Send(LVM_ENSUREVISIBLE, row, FALSE);
+      }
     }
+  }
+
+  void SetState(WPARAM row, UINT state, UINT mask) const {
+    LVITEMW item{};
+    item.state = state;
+    item.stateMask = mask;
+    Send(LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
   }
 
   void ClickAt(POINT place) {
@@ -257,9 +233,7 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
       if (focused < 0 || !Exists(m_order.Entry(static_cast<std::size_t>(focused)))) return;
       TickSelected(!m_list.TickedAt(m_order.Entry(static_cast<std::size_t>(focused))));
     } else if (key == 'A' && control) {
-      LVITEMW all{};
-      all.state = all.stateMask = LVIS_SELECTED;
-      Send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&all));
+      SetState(static_cast<WPARAM>(-1), LVIS_SELECTED, LVIS_SELECTED);
     } else if (key == 'C' && control) {
       CopySelected();
     }
@@ -335,6 +309,7 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
   }
 
   AutoSelect& m_list;
+  ListColumns m_columns;
   ListOrder m_order;
   Win32Regional m_regional;
 };

@@ -51,6 +51,33 @@ class ListWindowTest : public ControlHost {
     Pump();
   }
 
+  bool Selected(int row) const {
+    return Ask(LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_SELECTED) == LVIS_SELECTED;
+  }
+  int Width(int column) const {
+    return static_cast<int>(Ask(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column)));
+  }
+  void WithControl(WPARAM key) {
+    BYTE keys[256]{};
+    GetKeyboardState(keys);
+    keys[VK_CONTROL] = 0x80;
+    SetKeyboardState(keys);
+    SendMessageW(window, WM_KEYDOWN, key, 1);
+    keys[VK_CONTROL] = 0;
+    SetKeyboardState(keys);
+    Pump();
+  }
+  static std::wstring Clipboard() {
+    std::wstring text;
+    if (!OpenClipboard(nullptr)) return text;
+    if (const HANDLE memory = GetClipboardData(CF_UNICODETEXT)) {
+      if (const auto* held = static_cast<const wchar_t*>(GlobalLock(memory))) text = held;
+      GlobalUnlock(memory);
+    }
+    CloseClipboard();
+    return text;
+  }
+
   static AutoSelect::Entry Entry(std::string_view name, std::int64_t size) {
     AutoSelect::Entry entry;
     entry.name = entry.storedName = name;
@@ -107,6 +134,80 @@ TEST_F(ListWindowTest, RowsTicksAndOrderFollowTheModel) {
   list.Add(Entry("alone", 1));
   PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 1; });
   EXPECT_EQ(Text(0, 0), L"alone");
+  list.AttachPeer(nullptr);
+}
+
+TEST_F(ListWindowTest, SelectedEntriesAreCopiedTickedAndFollowedThroughASort) {
+  AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
+  Show(list);
+  for (const char* name : {"d", "\xC3\xA4", "b", "a"}) list.Add(Entry(name, 1));
+  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 4; });
+  Select(2);
+  Select(3);
+  SortBy(0);  // a, b, d, \u00E4
+  EXPECT_TRUE(Selected(0) && Selected(1) && !Selected(2) && !Selected(3));
+  EXPECT_EQ(Ask(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED), 0);
+  WithControl('C');
+  EXPECT_EQ(Clipboard(), L"a\r\nb\r\n");
+
+  // The menu's keys: tick, then untick, what is selected.
+  const auto choose = [&](wchar_t key) {
+    PostMessageW(window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(window), -1);
+    PostMessageW(window, WM_CHAR, key, 1);
+    Pump();
+  };
+  choose(L't');
+  EXPECT_EQ(Box(0) * 10 + Box(1), 22);
+  EXPECT_EQ(Box(2), 1);
+  choose(L'u');
+  EXPECT_EQ(Box(0) * 10 + Box(1), 11);
+
+  WithControl('A');
+  EXPECT_EQ(Ask(LVM_GETSELECTEDCOUNT), 4);
+  choose(L'c');
+  EXPECT_EQ(Clipboard(), L"a\r\nb\r\nd\r\n\u00E4\r\n");
+  SortBy(0);
+  EXPECT_EQ(Ask(LVM_GETSELECTEDCOUNT), 4);
+
+  // Typing goes to the next name that begins so, whatever its case.
+  SetFocus(window);
+  LVFINDINFOW wanted{LVFI_STRING | LVFI_PARTIAL, L"\u00C4"};
+  EXPECT_EQ(Ask(LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&wanted)), 0);
+  list.AttachPeer(nullptr);
+}
+
+TEST_F(ListWindowTest, ColumnsKeepTheWidthsTheyWereGiven) {
+  AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
+  Show(list);
+  const int name = Width(0), size = Width(1);
+  list.Move(0, 0, 12'000, 7'500);
+  Pump();
+  EXPECT_GT(Width(0), name) << "the names take what there is";
+  EXPECT_EQ(Width(1), size);
+  const auto header = reinterpret_cast<HWND>(Ask(LVM_GETHEADER));
+  HDITEMW dragged{HDI_WIDTH};
+  dragged.cxy = 33;
+  SendMessageW(header, HDM_SETITEMW, 0, reinterpret_cast<LPARAM>(&dragged));
+  list.Move(0, 0, 9'000, 7'500);
+  Pump();
+  EXPECT_NEAR(Width(0), 33, 1);
+  EXPECT_EQ(Width(1), size);
+  list.AttachPeer(nullptr);
+}
+
+TEST_F(ListWindowTest, GroupsOfTypesStayOnTop) {
+  AutoSelect list("asFiles", &form, AutoSelect::Style::kTypes);
+  Show(list);
+  AutoSelect::Entry group = Entry("Music", 9);
+  group.isGroup = true;
+  list.Add(group);
+  for (const char* name : {".wav", ".mp3"}) list.Add(Entry(name, 1));
+  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 3; });
+  for (const wchar_t* second : {L".mp3", L".wav"}) {
+    SortBy(0);
+    EXPECT_EQ(Text(0, 0), L"Music");
+    EXPECT_EQ(Text(1, 0), second);
+  }
   list.AttachPeer(nullptr);
 }
 
