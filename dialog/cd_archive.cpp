@@ -7,6 +7,7 @@
 #include "catalog/text_routines.h"
 #include "controls/cd.h"
 #include "dialog/archive_headers.h"
+#include "engine/error_numbers.h"
 #include "platform/desktop.h"
 #include "platform/drives.h"
 
@@ -65,7 +66,13 @@ void CdArchive::LoadUpArchives(controls::Node node) {
   m_current = node;
   m_context.Reporting(
       "LoadUpArchives", [&] { ReadBranch(node); },
-      [this] { m_context.MessageBox(kNoArchive, platform::kOkOnly, ""); });
+      [this](const Error& error) {
+        if (error.Number() == engine::error_number::kCanceled) {
+          m_current = {};
+        } else {
+          m_context.MessageBox(kNoArchive, platform::kOkOnly, "");
+        }
+      });
 }
 
 void CdArchive::ReadBranch(controls::Node branch) {
@@ -133,11 +140,17 @@ void CdArchive::cmdCD_Click() {
     Say(std::move(message));
   };
   std::optional<std::size_t> added;
-  if (!m_context.Reporting(
-          "cmdCD.Click", [&] { added = Append(disc); }, [&] { nothingAdded("Nothing was added."); })) {
+  bool stopped = true;
+  m_context.Reporting(
+      "cmdCD.Click", [&] { added = Append(disc); },
+      [&](const Error& error) {
+        stopped = error.Number() == engine::error_number::kCanceled;
+        if (!stopped) nothingAdded("Nothing was added.");
+      });
+  if (!added) {
+    if (stopped) nothingAdded("Stopped. Nothing was added.");
     return;
   }
-  if (!added) return nothingAdded("Stopped. Nothing was added.");
   const std::string result = std::to_string(*added) + " archived backup(s) added.";
   Say(result);
   m_context.MessageBox(result, platform::kOkOnly, "");

@@ -84,12 +84,12 @@ class FormContext {
     if (error) ReportError(*error, routine);
     return !error;
   }
-  // The same with a step of its own before the error is shown.
+  // The same with a step of its own, which is given the error, before that is shown.
   template <class Body, class Before>
   bool Reporting(const std::string& routine, Body&& body, Before&& before) {
     const std::optional<Error> error = Trap(body);
     if (error) {
-      Skipping(before);
+      Skipping([&] { before(*error); });
       ReportError(*error, routine);
     }
     return !error;

@@ -140,9 +140,8 @@ class DriveListBoxWindow final : public ComboWindow {
   }
 
   void OnCommand(unsigned code) override {
-    if (code != CBN_SELCHANGE) return;
-    const std::string drive = ChosenItem();
-    if (drive != m_box.Drive()) m_box.UserSelect(drive);
+    // Choosing the same drive again is how to tell that it holds another disc.
+    if (code == CBN_SELCHANGE) m_box.UserSelect(ChosenItem());
   }
 
  protected:

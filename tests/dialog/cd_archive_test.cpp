@@ -196,6 +196,23 @@ TEST_F(CdArchiveTest, AnArchiveThatCannotBeReadIsAskedForOnce) {
   EXPECT_EQ(Branch().size(), 1u);
 }
 
+TEST_F(CdArchiveTest, ABranchThatWasStoppedIsReadAgain) {
+  Sql(kArchive,
+      "CREATE VIEW ArchiveHeader AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT "
+      "20000) "
+      "SELECT 'A' AS Volume, '2025' AS YYYY, i % 5 AS MM, 'Office' AS SetName FROM n GROUP BY i % 5");
+  platform.drives.files = {kArchive};
+  ui();
+  for (const std::size_t item : {1, 3}) {  // before the first row and among the rows
+    DuringWalk(item, [this] { ui().form.UserKey(controls::Key::kEscape); });
+    Open();
+    EXPECT_LT(Branch().size(), 13u);
+  }
+  Open();
+  EXPECT_EQ(Branch().size(), 1 + 2 + 2 * 5u);
+  EXPECT_EQ(TakeMessages(), Strings{});
+}
+
 TEST_F(CdArchiveTest, ThePanelShowsTheChosenVolumeAndChecksTheLastDrive) {
   platform.drives.drives = {{"D:\\", 5, "ONE"}, {"E:\\", 5, "  "}};
   platform.drives.files = {"D:\\backup!mdb"};
