@@ -139,27 +139,27 @@ void CdArchive::cmdCD_Click() {
     m_context.ui.ProgressBar1.SetValue(0);
     Say(std::move(message));
   };
-  std::optional<std::size_t> added;
-  bool stopped = true;
+  std::size_t added = 0;
+  bool complete = false, stopped = true;
   m_context.Reporting(
-      "cmdCD.Click", [&] { added = Append(disc); },
+      "cmdCD.Click", [&] { complete = Append(disc, added); },
       [&](const Error& error) {
         stopped = error.Number() == engine::error_number::kCanceled;
         if (!stopped) nothingAdded("Nothing was added.");
       });
-  if (!added) {
+  if (!complete) {
     if (stopped) nothingAdded("Stopped. Nothing was added.");
     return;
   }
-  const std::string result = std::to_string(*added) + " archived backup(s) added.";
+  const std::string result = std::to_string(added) + " archived backup(s) added.";
   Say(result);
   m_context.MessageBox(result, platform::kOkOnly, "");
-  if (*added > 0) ShowBranchAnew();
+  if (added > 0) ShowBranchAnew();
 }
 
-// How many were added; nothing when the user stopped it. The disc is read to its end before the archive is
-// locked: discs are slow, and others want to write.
-std::optional<std::size_t> CdArchive::Append(const std::string& disc) {
+// Whether the user let it come to its end. The disc is read before the archive is locked: discs are slow, and
+// others want to write.
+bool CdArchive::Append(const std::string& disc, std::size_t& added) {
   FormContext::Walk walk(m_context);
   const auto archive = m_context.workspace.OpenDatabase({.name = kArchivePath});
   const auto source = m_context.workspace.OpenDatabase({.name = disc, .readOnly = true});
@@ -175,7 +175,7 @@ std::optional<std::size_t> CdArchive::Append(const std::string& disc) {
   const auto rows = source->OpenRecordset(kHeaders, engine::RecordsetType::kSnapshot);
   const HeaderValues values(*rows, columns);
   for (; !rows->Eof(); rows->MoveNext(), advance()) {
-    if (!walk.Next()) return std::nullopt;
+    if (!walk.Next()) return false;
     if (places.try_emplace(values.Key(), headers.size()).second) headers.push_back(values.Literals());
   }
 
@@ -183,15 +183,14 @@ std::optional<std::size_t> CdArchive::Append(const std::string& disc) {
   const auto held = archive->OpenRecordset(kHeaders, engine::RecordsetType::kSnapshot);
   const HeaderValues heldValues(*held, columns);
   for (; !held->Eof(); held->MoveNext(), advance()) {
-    if (!walk.Next()) return std::nullopt;
+    if (!walk.Next()) return false;
     const auto known = places.find(heldValues.Key());
     if (known != places.end()) headers[known->second].clear();
   }
   held->Close();
 
-  std::size_t added = 0;
   for (const std::string& header : headers) {
-    if (!walk.Next()) return std::nullopt;
+    if (!walk.Next()) return false;
     if (!header.empty()) {
       archive->Execute(InsertHeader(columns, header), engine::kFailOnError);
       ++added;
@@ -200,7 +199,7 @@ std::optional<std::size_t> CdArchive::Append(const std::string& disc) {
   }
   archive->CommitTrans();
   progress.SetValue(progress.Max());
-  return added;
+  return true;
 }
 
 void CdArchive::ShowBranchAnew() {

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 
 #include "dialog/form_context.h"
@@ -35,7 +34,7 @@ class CdArchive {
  private:
   void ReadBranch(controls::Node branch);
   controls::Node NodeUnder(controls::Node parent, const std::string& key, const std::string& text);
-  std::optional<std::size_t> Append(const std::string& disc);
+  bool Append(const std::string& disc, std::size_t& added);
   void ShowBranchAnew();
   void Say(std::string message);
 

@@ -343,7 +343,7 @@ TEST_F(CdArchiveTest, ADiscIsAddedAsAWholeOrNotAtAll) {
     desktop.onDoEvents = nullptr;
     const Strings messages = TakeMessages();
     if (fault.error != nullptr) {
-      ASSERT_EQ(messages.size(), 1u);
+      ASSERT_EQ(messages.size(), 1u) << messages.back();
       EXPECT_TRUE(messages[0].starts_with(fault.error)) << messages[0];
       EXPECT_EQ(ui().lblCD[2].Caption(), "Nothing was added.");
     } else {
