@@ -18,6 +18,7 @@ inline constexpr int kDiskFull = 3026;
 inline constexpr int kDuplicateKey = 3022;
 inline constexpr int kDiskError = 3043;
 inline constexpr int kAmbiguousName = 3079;
+inline constexpr int kCircularReference = 3102;  // saved queries that read each other
 inline constexpr int kUndefinedFunction = 3085;
 inline constexpr int kRecordDeleted = 3167;     // by another process, between reading and updating
 inline constexpr int kConstraint = 3317;        // a rule of the table refuses the value

@@ -9,6 +9,7 @@
 #include "engine/dao/not_installed.h"
 #include "engine/database.h"
 #include "engine/error_numbers.h"
+#include "engine/odbc/odbc_backend.h"
 #include "engine/sqlite/sqlite_backend.h"
 
 namespace kxrestore::engine {
@@ -124,6 +125,7 @@ void Workspace::EndAction() {
 std::unique_ptr<Workspace> MakeDefaultWorkspace() {
   Workspace::Backends backends;
   backends.sqlite = sqlite::MakeSqliteBackend();
+  backends.odbc = odbc::MakeOdbcBackend();
   backends.dao = dao::MakeDaoBackend();
   return std::make_unique<Workspace>(std::move(backends));
 }

@@ -5,6 +5,7 @@
 #   windows  cross-build of the DLL and its tests, SQLite's source for it
 #   wine     running Windows programs, with and without a display
 #   bench    the benchmarks
+#   server   the database server and the ODBC drivers that the tests need; no server is left running
 #
 # All groups without any. Needs root or sudo only when a package is missing, the network only then and for SQLite's
 # source; otherwise it is done at once.
@@ -13,18 +14,19 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 declare -A kPackages=(
-  [native]="build-essential cmake ninja-build libsqlite3-dev googletest libgtest-dev unicode-data"
+  [native]="build-essential cmake ninja-build libsqlite3-dev unixodbc-dev googletest libgtest-dev unicode-data"
   [windows]="build-essential cmake ninja-build googletest unicode-data libsqlite3-0
              g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64-tools libwine-dev
              dpkg-dev xz-utils tcl"
   # Wine looks for the X libraries at run time, so that its package does not depend on them.
   [wine]="wine wine64 fonts-wine fonts-liberation fontconfig xvfb x11-utils xdotool imagemagick libxrender1 libxcomposite1
           libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxxf86vm1"
-  [bench]="build-essential cmake ninja-build libsqlite3-dev libbenchmark-dev"
+  [bench]="build-essential cmake ninja-build libsqlite3-dev libbenchmark-dev unixodbc-dev"
+  [server]="postgresql unixodbc odbc-postgresql libsqliteodbc"
 )
 
 wanted=("$@")
-[[ $# -gt 0 ]] || wanted=(native windows wine bench)
+[[ $# -gt 0 ]] || wanted=(native windows wine bench server)
 
 packages=()
 needsSqlite=no
@@ -63,7 +65,22 @@ if [[ ${#missing[@]} -gt 0 ]]; then
   aptGet=(env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=600 -o Acquire::Retries=3)
   # One unreachable third-party list must not stop what the other lists can give.
   as_root "${aptGet[@]}" update || warn "apt-get update had errors"
-  as_root "${aptGet[@]}" install --no-install-recommends "${missing[@]}"
+  # The tests run servers of their own. The package would make one of the system's and start it.
+  clusterConf=/etc/postgresql-common/createcluster.conf
+  clusterKept=
+  if [[ " ${missing[*]} " == *" postgresql "* ]]; then
+    as_root "${aptGet[@]}" install --no-install-recommends postgresql-common
+    clusterKept=$(mktemp)
+    cp "$clusterConf" "$clusterKept"
+    as_root sed -i -E 's/^#? *create_main_cluster *=.*/create_main_cluster = false/' "$clusterConf"
+  fi
+  status=0
+  as_root "${aptGet[@]}" install --no-install-recommends "${missing[@]}" || status=$?
+  if [[ -n $clusterKept ]]; then
+    as_root cp "$clusterKept" "$clusterConf"
+    rm -f "$clusterKept"
+  fi
+  [[ $status -eq 0 ]] || fail "the packages could not be installed"
   mapfile -t missing < <(missing_packages)
   [[ ${#missing[@]} -eq 0 ]] || fail "still missing: ${missing[*]}"
 fi

@@ -140,9 +140,22 @@ run_windows() {
   wine_session_stop
 }
 
-groups=(native)
+groups=(native server)
 [[ $windows == no ]] || groups+=(windows wine)
 "$kxRoot/scripts/setup.sh" "${groups[@]}"
+
+# This shell keeps the database server, another one runs the tests: each has its own to put away at the end.
+if [[ -z ${KX_TEST_SERVER:-} ]]; then
+  # shellcheck source=scripts/test_server.sh
+  source "$kxRoot/scripts/test_server.sh"
+  trap test_server_stop EXIT
+  trap 'exit 130' INT
+  trap 'exit 143' TERM
+  test_server_start
+  status=0
+  "$kxRoot/scripts/test.sh" "$@" || status=$?
+  exit "$status"
+fi
 
 [[ $native == no ]] || run_native
 [[ $windows == no ]] || run_windows

@@ -41,6 +41,9 @@ enum class ExpressionKind {
   kExists,     // exists (query)
 };
 
+// What is known of a value's type: nothing, unless names were resolved against a server's tables.
+enum class ValueKind { kUnknown, kText, kNumber, kBoolean, kDate };
+
 struct Expression;
 using ExpressionPtr = std::unique_ptr<Expression>;
 
@@ -49,6 +52,7 @@ struct Expression {
   bool negated = false;   // Not Like, Not In, Not Between, Is Not Null
   bool distinct = false;  // Count(Distinct x)
   bool hasElse = false;
+  ValueKind valueKind = ValueKind::kUnknown;
   int depth = 1;
   std::int64_t number = 0;
   std::string qualifier;

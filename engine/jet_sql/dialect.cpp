@@ -1,5 +1,7 @@
 #include "engine/jet_sql/dialect.h"
 
+#include "engine/jet_sql/lexer.h"
+
 namespace kxrestore::engine::jet_sql {
 
 std::string Dialect::Text(std::string_view text) const {
@@ -19,8 +21,31 @@ std::string Dialect::EmptyIfNull(const std::string& operand) const {
   return operand.front() == '\'' ? operand : "coalesce(" + operand + ", '')";
 }
 
-std::string Dialect::BooleanTest(const std::string& operand, bool expected) const {
+std::string Dialect::BooleanTest(const std::string& operand, bool expected, ValueKind /*kind*/) const {
   return operand + (expected ? " <> 0" : " = 0");
+}
+
+std::string Dialect::BooleanExtreme(const std::string& operand, bool maximum) const {
+  return (maximum ? "max(" : "min(") + operand + ")";
+}
+
+std::string Dialect::Function(std::string_view name, const std::vector<std::string>& arguments) const {
+  for (const FunctionMapping& mapping : Functions()) {
+    if (mapping.arguments != arguments.size() || !IsKeyword(name, mapping.name)) continue;
+    std::string text;
+    for (std::size_t i = 0; i < mapping.text.size(); ++i) {
+      if (mapping.text[i] == '$') {
+        text += arguments[static_cast<std::size_t>(mapping.text[++i] - '1')];
+      } else {
+        text += mapping.text[i];
+      }
+    }
+    return text;
+  }
+  std::string text(name);
+  text += "(";
+  for (std::size_t i = 0; i < arguments.size(); ++i) text += (i == 0 ? "" : ", ") + arguments[i];
+  return text + ")";
 }
 
 }  // namespace kxrestore::engine::jet_sql

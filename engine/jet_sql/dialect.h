@@ -2,6 +2,7 @@
 // printed, in brackets where they need them.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,13 @@
 #include "engine/jet_sql/ast.h"
 
 namespace kxrestore::engine::jet_sql {
+
+// A function of the catalog's dialect with this number of arguments, which stand in `text` as $1, $2, ...
+struct FunctionMapping {
+  std::string_view name;
+  std::size_t arguments;
+  std::string_view text;
+};
 
 class Dialect {
  public:
@@ -21,11 +29,16 @@ class Dialect {
   virtual std::string Parameter(std::int64_t number) const = 0;
 
   // operand = True / operand = False: any other number than 0 is true.
-  virtual std::string BooleanTest(const std::string& operand, bool expected) const;
+  virtual std::string BooleanTest(const std::string& operand, bool expected, ValueKind kind) const;
+  // Max and Min of a Boolean: Or and And.
+  virtual std::string BooleanExtreme(const std::string& operand, bool maximum) const;
 
   // `pattern` is the pattern as parsed, `printed` as printed.
   virtual std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
                            bool negated) const = 0;
+  // What a mask becomes where it is given as a parameter; whether it can be.
+  virtual bool TakesMasksAsParameters() const { return true; }
+  virtual std::string Mask(std::string_view mask) const { return std::string(mask); }
 
   // left & right: Null counts as an empty text.
   virtual std::string_view ConcatenationSign() const { return "||"; }
@@ -33,16 +46,20 @@ class Dialect {
   virtual std::string Divide(const std::string& left, const std::string& right, bool whole) const = 0;
 
   // First(x) of a group whose rows agree, or of which any row may answer.
-  virtual std::string First(const std::string& operand) const = 0;
+  virtual std::string First(const std::string& operand, ValueKind kind) const = 0;
   virtual bool FirstIsAggregate() const = 0;
 
-  virtual std::string Function(std::string_view name, const std::vector<std::string>& arguments) const = 0;
+  // A function that Functions() does not name keeps its name.
+  std::string Function(std::string_view name, const std::vector<std::string>& arguments) const;
 
   // A column to sort by, so that texts come in the order that people expect.
-  virtual std::string SortKey(const std::string& column) const { return column; }
+  virtual std::string SortKey(const std::string& column, ValueKind /*kind*/) const { return column; }
 
   // TOP n stands behind SELECT, or LIMIT n at the end.
   virtual bool LimitAtEnd() const = 0;
+
+ protected:
+  virtual std::span<const FunctionMapping> Functions() const = 0;
 };
 
 // For SQLite. The text of a saved query is read by other programs too, so it uses what every SQLite has;
@@ -62,11 +79,13 @@ class SqliteDialect : public Dialect {
   std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
                    bool negated) const override;
   std::string Divide(const std::string& left, const std::string& right, bool whole) const override;
-  std::string First(const std::string& operand) const override { return operand; }
+  std::string First(const std::string& operand, ValueKind /*kind*/) const override { return operand; }
   bool FirstIsAggregate() const override { return false; }
-  std::string Function(std::string_view name, const std::vector<std::string>& arguments) const override;
-  std::string SortKey(const std::string& column) const override;
+  std::string SortKey(const std::string& column, ValueKind kind) const override;
   bool LimitAtEnd() const override { return true; }
+
+ protected:
+  std::span<const FunctionMapping> Functions() const override;
 
  private:
   bool m_savedQuery;

@@ -116,7 +116,7 @@ class Printer {
     const bool first = IsCall(expression, "FIRST", 1);
     const Expression& inner = first ? *expression.args.front() : expression;
     if (inner.kind != ExpressionKind::kColumn) return Text(expression);
-    return m_dialect.SortKey(Text(expression));
+    return m_dialect.SortKey(Text(expression), inner.valueKind);
   }
 
   // First() over a whole table is one row, though it prints as a plain column.
@@ -277,7 +277,8 @@ class Printer {
     const bool rightBoolean = right.kind == ExpressionKind::kBoolean;
     if (leftBoolean != rightBoolean && (name == "=" || name == "<>")) {
       const bool expected = ((leftBoolean ? left : right).number != 0) == (name == "=");
-      return m_dialect.BooleanTest(Operand(leftBoolean ? right : left, kTestLevel), expected);
+      const Expression& tested = leftBoolean ? right : left;
+      return m_dialect.BooleanTest(Operand(tested, kTestLevel), expected, tested.valueKind);
     }
     return Operand(left, kTestLevel) + " " + name + " " + Operand(right, kTestLevel);
   }
@@ -289,7 +290,13 @@ class Printer {
 
   std::string Call(const Expression& node) const {
     if (IsCall(node, "ISNULL", 1)) return "(" + Operand(*node.args[0], kTestLevel) + " IS NULL)";
-    if (IsCall(node, "FIRST", 1)) return m_dialect.First(Operand(*node.args[0], kArithmeticLevel));
+    if (IsCall(node, "FIRST", 1)) {
+      return m_dialect.First(Operand(*node.args[0], kArithmeticLevel), node.args[0]->valueKind);
+    }
+    const bool maximum = IsCall(node, "MAX", 1);
+    if ((maximum || IsCall(node, "MIN", 1)) && node.args[0]->valueKind == ValueKind::kBoolean) {
+      return m_dialect.BooleanExtreme(Text(*node.args[0]), maximum);
+    }
     if (IsCall(node, "IIF", 3)) {
       const Expression& condition = *node.args[0];
       if (IsCall(condition, "ISNULL", 1) && IsSameColumn(*condition.args[0], *node.args[2])) {

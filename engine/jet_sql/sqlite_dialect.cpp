@@ -223,13 +223,8 @@ std::string SqliteDialect::Divide(const std::string& left, const std::string& ri
   return "CAST(" + left + " AS REAL) / " + right;
 }
 
-std::string SqliteDialect::Function(std::string_view name, const std::vector<std::string>& arguments) const {
-  struct Mapping {
-    std::string_view name;
-    std::size_t arguments;
-    std::string_view text;  // $1, $2, ... are the arguments
-  };
-  static constexpr Mapping kMappings[] = {
+std::span<const FunctionMapping> SqliteDialect::Functions() const {
+  static constexpr FunctionMapping kMappings[] = {
       {"UCASE", 1, "upper($1)"},
       {"LCASE", 1, "lower($1)"},
       {"LEN", 1, "length($1)"},
@@ -245,25 +240,10 @@ std::string SqliteDialect::Function(std::string_view name, const std::vector<std
       {"CSTR", 1, "CAST($1 AS TEXT)"},
       {"NOW", 0, "datetime('now', 'localtime')"},
   };
-  for (const Mapping& mapping : kMappings) {
-    if (mapping.arguments != arguments.size() || !IsKeyword(name, mapping.name)) continue;
-    std::string text;
-    for (std::size_t i = 0; i < mapping.text.size(); ++i) {
-      if (mapping.text[i] == '$') {
-        text += arguments[static_cast<std::size_t>(mapping.text[++i] - '1')];
-      } else {
-        text += mapping.text[i];
-      }
-    }
-    return text;
-  }
-  std::string text(name);
-  text += "(";
-  for (std::size_t i = 0; i < arguments.size(); ++i) text += (i == 0 ? "" : ", ") + arguments[i];
-  return text + ")";
+  return kMappings;
 }
 
-std::string SqliteDialect::SortKey(const std::string& column) const {
+std::string SqliteDialect::SortKey(const std::string& column, ValueKind /*kind*/) const {
   return m_savedQuery ? column : column + " COLLATE " + kCollation;
 }
 

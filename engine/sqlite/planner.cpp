@@ -9,6 +9,7 @@
 #include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/source_text.h"
 #include "engine/sqlite/single_rows.h"
 
 namespace kxrestore::engine::sqlite {
@@ -130,70 +131,6 @@ bool ExistsInSchema(const Session& session, std::string_view name) {
   return sqlite3_step(find.get()) == SQLITE_ROW;
 }
 
-SelectStatement WholeTable(std::string name) {
-  SelectStatement statement;
-  SelectCore& core = statement.cores.emplace_back();
-  core.items.emplace_back();
-  core.from.emplace_back().first.name = std::move(name);
-  return statement;
-}
-
-// The text of a recordset may be a name instead of a statement.
-std::string NameIn(const Session& session, std::string_view source) {
-  while (!source.empty() && IsBlank(source.front())) source.remove_prefix(1);
-  while (!source.empty() && (IsBlank(source.back()) || source.back() == ';')) source.remove_suffix(1);
-  std::size_t word = 0;
-  while (word < source.size() && IsWordCharacter(source[word])) ++word;
-  for (const char* verb : {"SELECT", "UPDATE", "INSERT", "DELETE"}) {
-    if (IsKeyword(source.substr(0, word), verb)) return {};
-  }
-  if (source.size() > 2 && source.front() == '[' && source.find(']') == source.size() - 1) {
-    return std::string(source.substr(1, source.size() - 2));
-  }
-  if (!source.empty() && word == source.size()) return std::string(source);
-  if (!source.empty() && source.size() < 200 && ExistsInSchema(session, source)) return std::string(source);
-  for (const char* verb : {"ALTER", "ANALYZE", "ATTACH", "BEGIN", "COMMIT", "CREATE", "DETACH", "DROP",
-                           "PRAGMA", "REINDEX", "REPLACE", "ROLLBACK", "SAVEPOINT", "VACUUM"}) {
-    if (IsKeyword(source.substr(0, word), verb)) {
-      throw Error(
-          error_number::kInvalidOperation,
-          "Invalid operation: '" + std::string(LeftCharacters(source, 80)) + "' is no reading statement.",
-          "Engine");
-    }
-  }
-  return {};
-}
-
-// The text whose literals are taken out parses as the text does; if it does not, the text itself tells what
-// is wrong.
-jet_sql::Statement ParseSource(std::string_view source, std::string_view key) {
-  if (key.data() == source.data()) return Parse(source);
-  try {
-    return Parse(key, true);
-  } catch (const Error&) {
-    Parse(source);
-    throw;
-  }
-}
-
-jet_sql::Statement ReadSource(const Session& session, std::string_view source, std::string_view key,
-                              Session::Use use) {
-  if (use != Session::Use::kAction) {
-    if (std::string name = NameIn(session, source); !name.empty()) return WholeTable(std::move(name));
-  }
-  jet_sql::Statement statement = ParseSource(source, key);
-  const std::string shown(LeftCharacters(source, 80));
-  if (use == Session::Use::kAction && IsReading(statement)) {
-    throw Error(error_number::kSelectNotExecutable, "Cannot execute a select query: '" + shown + "'.",
-                "Engine");
-  }
-  if (use != Session::Use::kAction && !IsReading(statement)) {
-    throw Error(error_number::kInvalidOperation,
-                "Invalid operation: '" + shown + "' is no reading statement.", "Engine");
-  }
-  return statement;
-}
-
 // Whether changing these columns can move a row within an index, or start a trigger.
 bool Disturbs(const Session& session, const PlanTable& table, const Plan& plan,
               const std::vector<std::size_t>& columns) {
@@ -222,7 +159,8 @@ bool Disturbs(const Session& session, const PlanTable& table, const Plan& plan,
 std::shared_ptr<Plan> MakePlan(const Session& session, std::string_view source, std::string_view key,
                                Session::Use use) {
   const SqliteDialect dialect(false);
-  jet_sql::Statement statement = ReadSource(session, source, key, use);
+  const auto exists = [&session](std::string_view name) { return ExistsInSchema(session, name); };
+  jet_sql::Statement statement = ReadSource(source, key, use != Session::Use::kAction, exists);
   auto plan = std::make_shared<Plan>();
   bool pure = true;
   SelectStatement* select = std::get_if<SelectStatement>(&statement);

@@ -13,7 +13,7 @@
 #include "base/text.h"
 #include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
-#include "engine/sqlite/view_text.h"
+#include "engine/jet_sql/view_text.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {

@@ -6,8 +6,10 @@
 #include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/dialect.h"
+#include "engine/jet_sql/parser.h"
+#include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/view_text.h"
 #include "engine/sqlite/sqlite_recordset.h"
-#include "engine/sqlite/view_text.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
@@ -21,6 +23,17 @@ namespace number = kxrestore::engine::error_number;
 std::string ColumnText(sqlite3_stmt* statement, int column) {
   const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
   return text == nullptr ? std::string() : std::string(text, sqlite3_column_bytes(statement, column));
+}
+
+std::string CreateViewText(std::string_view name, std::string_view sql) {
+  const jet_sql::Statement statement = jet_sql::Parse(sql);
+  if (!jet_sql::IsReading(statement)) {
+    throw Error(number::kInvalidOperation,
+                "Invalid operation: '" + std::string(LeftCharacters(sql, 80)) + "' is no reading statement.",
+                "Engine");
+  }
+  const jet_sql::SqliteDialect dialect(true);
+  return "CREATE VIEW " + dialect.Identifier(name) + " AS " + jet_sql::Print(statement, dialect);
 }
 
 }  // namespace
@@ -128,7 +141,7 @@ std::string SqliteDatabase::QueryText(std::string_view name) {
   if (entry.type != "view") {
     Raise(number::kItemNotFound, "Item not found in this collection: '" + std::string(name) + "'.");
   }
-  return QueryTextOfView(entry.sql);
+  return jet_sql::QueryTextOfView(entry.sql);
 }
 
 void SqliteDatabase::CreateQueryDef(std::string_view name, std::string_view sql) {

@@ -145,7 +145,8 @@ void SqliteRecordset::Detach() {
   auto stored = std::make_unique<RowStore>();
   int code = SQLITE_ROW;
   for (; code == SQLITE_ROW; code = sqlite3_step(m_statement.get())) {
-    stored->Append(m_statement.get(), m_plan->allColumns);
+    stored->BeginRow();
+    for (std::size_t i = 0; i < m_plan->allColumns; ++i) stored->Append(RawValue(i));
   }
   if (code != SQLITE_DONE) m_session->Raise(code, Doing::kReading, m_plan->sql);
   stored->Next(m_row, m_plan->allColumns);

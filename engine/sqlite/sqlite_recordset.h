@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "engine/database.h"
-#include "engine/sqlite/row_store.h"
+#include "engine/row_store.h"
 #include "engine/sqlite/session.h"
 
 namespace kxrestore::engine::sqlite {

@@ -45,9 +45,9 @@ TEST_P(SavedQueryConformance, RefusesTexts) {
 
 TEST_P(SavedQueryConformance, ReadsTextsOfOtherPrograms) {
   m_test->Run(
-      "CREATE VIEW [Odd One] AS -- the files\n  SELECT \"Catalog\".\"ID\" AS \"Order\", /* x */ Name FROM "
+      "CREATE VIEW \"Odd One\" AS -- the files\n  SELECT \"Catalog\".\"ID\" AS \"Order\", /* x */ Name FROM "
       "\"Catalog\" LEFT OUTER JOIN SetNames ON SetNames.ID = Catalog.SetNameID WHERE Filename LIKE "
-      "'%:\\_.doc'");
+      "'%:__.doc'");
   const std::string text = m_database->QueryText("odd one");
   EXPECT_EQ(text.substr(0, 6), "SELECT");
   EXPECT_EQ(text.find('"'), std::string::npos) << text;

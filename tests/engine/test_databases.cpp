@@ -10,6 +10,7 @@
 #ifdef _WIN32
 #include "tests/engine/dao_test_database.h"
 #endif
+#include "tests/engine/odbc_test_database.h"
 
 namespace kxrestore::engine::testing {
 namespace {
@@ -107,6 +108,12 @@ const std::vector<const TestDatabaseKind*>& TestDatabaseKinds() {
 #ifdef _WIN32
     if (!dao_server::DaoServer::RealOneIsInstalled()) found.push_back(&DaoKind());
 #endif
+    if (HasTestServer()) {
+      found.insert(found.end(), {&PostgresKind(Spelling::kFolded), &PostgresKind(Spelling::kQuoted)});
+#ifndef _WIN32
+      found.push_back(&OdbcSqliteKind());
+#endif
+    }
     return found;
   }();
   return kinds;

@@ -1,7 +1,5 @@
-// Rows kept in memory, packed: a snapshot's remaining rows when something is written beside it.
+// Rows kept in memory, packed: what a recordset still has to show when something is written beside it.
 #pragma once
-
-#include <sqlite3.h>
 
 #include <cstddef>
 #include <string>
@@ -9,12 +7,13 @@
 
 #include "engine/value.h"
 
-namespace kxrestore::engine::sqlite {
+namespace kxrestore::engine {
 
 class RowStore {
  public:
-  // Appends the statement's current row.
-  void Append(sqlite3_stmt* statement, std::size_t columns);
+  // A row is begun, then its values are appended from left to right.
+  void BeginRow();
+  void Append(const ValueView& value);
 
   // Moves to the next row and reads its values; false when there is none. The views hold until the next call.
   bool Next(std::vector<ValueView>& values, std::size_t columns);
@@ -25,4 +24,4 @@ class RowStore {
   std::size_t m_position = 0;
 };
 
-}  // namespace kxrestore::engine::sqlite
+}  // namespace kxrestore::engine

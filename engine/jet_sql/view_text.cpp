@@ -1,25 +1,18 @@
-#include "engine/sqlite/view_text.h"
+#include "engine/jet_sql/view_text.h"
 
 #include <vector>
 
-#include "base/error.h"
 #include "base/text.h"
-#include "engine/error_numbers.h"
 #include "engine/jet_sql/dialect.h"
 #include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
 
-namespace kxrestore::engine::sqlite {
+namespace kxrestore::engine::jet_sql {
 namespace {
 
-using jet_sql::IsBlank;
-using jet_sql::IsKeyword;
-using jet_sql::IsWordCharacter;
-using jet_sql::IsWordStart;
-
 struct Piece {
-  enum class Kind { kWord, kName, kText, kOther, kBlank } kind;
+  enum class Kind { kWord, kName, kText, kMatch, kOther, kBlank } kind;
   std::string_view text;
 };
 
@@ -32,7 +25,33 @@ std::size_t QuotedEnd(std::string_view text, std::size_t start, char closing, bo
   return text.size();
 }
 
-// SQLite's own tokens, as far as they matter here. A comment counts as a blank.
+// x::character varying(20)[]: servers write down what they compared as.
+std::size_t CastEnd(std::string_view text, std::size_t start) {
+  std::size_t end = start + 2;
+  const auto word = [&] {
+    std::size_t next = end;
+    while (next < text.size() && (IsWordCharacter(text[next]) || text[next] == '"')) ++next;
+    return text.substr(end, next - end);
+  };
+  end += word().size();
+  for (;;) {
+    const std::size_t before = end;
+    if (end < text.size() && text[end] == '(') end = std::min(text.find(')', end), text.size() - 1) + 1;
+    if (text.substr(end, 2) == "[]") end += 2;
+    if (end >= text.size() || text[end] != ' ') return end;
+    ++end;
+    const std::string_view more = word();
+    bool belongs = false;
+    for (const char* name : {"VARYING", "PRECISION", "WITHOUT", "WITH", "TIME", "ZONE"}) {
+      belongs = belongs || IsKeyword(more, name);
+    }
+    if (!belongs) return before;
+    end += more.size();
+  }
+}
+
+// The tokens of SQLite and PostgreSQL, as far as they matter here. A comment counts as a blank, and so does a
+// cast behind its value.
 Piece NextPiece(std::string_view text, std::size_t start) {
   const char c = text[start];
   std::size_t end = start + 1;
@@ -47,6 +66,12 @@ Piece NextPiece(std::string_view text, std::size_t start) {
     kind = Piece::Kind::kBlank;
     const std::size_t close = text.find("*/", start + 2);
     end = close == std::string_view::npos ? text.size() : close + 2;
+  } else if (text.substr(start, 2) == "::") {
+    kind = Piece::Kind::kBlank;
+    end = CastEnd(text, start);
+  } else if (c == '~' || text.substr(start, 3) == "!~~") {
+    kind = Piece::Kind::kMatch;
+    end = std::min(text.find_first_not_of("~*", end), text.size());
   } else if (c == '\'') {
     kind = Piece::Kind::kText;
     end = QuotedEnd(text, start, '\'', true);
@@ -92,7 +117,9 @@ std::string MaskOf(std::string_view literal) {
 
 void AppendInDialect(std::string& result, const Piece& piece, bool afterLike) {
   if (piece.kind == Piece::Kind::kBlank) {
-    result += piece.text.front() == '-' || piece.text.front() == '/' ? " " : piece.text;
+    result += IsBlank(piece.text.front()) ? piece.text : " ";
+  } else if (piece.kind == Piece::Kind::kMatch) {
+    result += piece.text.front() == '!' ? "Not Like" : "Like";
   } else if (piece.kind == Piece::Kind::kName && piece.text.size() > 2 && piece.text.front() != '[') {
     result += "[" + Unquoted(piece.text) + "]";
   } else if (piece.kind == Piece::Kind::kText && afterLike) {
@@ -114,7 +141,8 @@ std::string QueryTextOfView(std::string_view createView) {
     if (inBody) {
       AppendInDialect(result, piece, afterLike);
       if (piece.kind != Piece::Kind::kBlank) {
-        afterLike = piece.kind == Piece::Kind::kWord && IsKeyword(piece.text, "LIKE");
+        afterLike = piece.kind == Piece::Kind::kMatch ||
+                    (piece.kind == Piece::Kind::kWord && IsKeyword(piece.text, "LIKE"));
       }
       continue;
     }
@@ -127,24 +155,13 @@ std::string QueryTextOfView(std::string_view createView) {
   while (!result.empty() && (IsBlank(result.back()) || result.back() == ';')) result.pop_back();
   result.erase(0, std::min(result.find_first_not_of(" \t\r\n\v\f"), result.size()));
   if (!names.empty()) {
-    auto statement = jet_sql::Parse(result);
-    auto& select = std::get<jet_sql::SelectStatement>(statement);
+    auto statement = Parse(result);
+    auto& select = std::get<SelectStatement>(statement);
     auto& items = select.cores.front().items;
     for (std::size_t i = 0; i < names.size() && i < items.size(); ++i) items[i].alias = names[i];
-    result = jet_sql::Print(select, jet_sql::SqliteDialect(true));
+    result = Print(select, SqliteDialect(true));
   }
   return result + ";";
 }
 
-std::string CreateViewText(std::string_view name, std::string_view sql) {
-  const jet_sql::Statement statement = jet_sql::Parse(sql);
-  if (!jet_sql::IsReading(statement)) {
-    throw Error(error_number::kInvalidOperation,
-                "Invalid operation: '" + std::string(LeftCharacters(sql, 80)) + "' is no reading statement.",
-                "Engine");
-  }
-  const jet_sql::SqliteDialect dialect(true);
-  return "CREATE VIEW " + dialect.Identifier(name) + " AS " + jet_sql::Print(statement, dialect);
-}
-
-}  // namespace kxrestore::engine::sqlite
+}  // namespace kxrestore::engine::jet_sql

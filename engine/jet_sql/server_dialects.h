@@ -1,0 +1,74 @@
+// The dialects of database servers. Their statements' names have been through ResolveNames, so that names are
+// quoted as they stand and kinds of values are known.
+#pragma once
+
+#include "engine/jet_sql/dialect.h"
+
+namespace kxrestore::engine::jet_sql {
+
+// What they have in common. A parameter prints as a mark with its number, as a driver counts parameters in
+// the order of the finished text; NumberParameters puts "?" there.
+class ServerDialect : public Dialect {
+ public:
+  explicit ServerDialect(char openQuote = '"', char closeQuote = '"')
+      : m_openQuote(openQuote), m_closeQuote(closeQuote) {}
+
+  std::string Identifier(std::string_view name) const override;
+  std::string Parameter(std::int64_t number) const override;
+
+  // Replaces the marks; returns the numbers in the order of the text.
+  static std::vector<std::int64_t> NumberParameters(std::string& sql);
+
+ private:
+  char m_openQuote, m_closeQuote;
+};
+
+class PostgresDialect final : public ServerDialect {
+ public:
+  // Where the database's own locale sorts by codes, or knows the case of ASCII letters only, a collation
+  // does.
+  PostgresDialect(bool collatesOrder, bool collatesCase)
+      : m_collatesOrder(collatesOrder), m_collatesCase(collatesCase) {}
+
+  std::string Boolean(bool value) const override { return value ? "TRUE" : "FALSE"; }
+  std::string BooleanTest(const std::string& operand, bool expected, ValueKind kind) const override;
+  std::string BooleanExtreme(const std::string& operand, bool maximum) const override;
+  std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
+                   bool negated) const override;
+  std::string Mask(std::string_view mask) const override;
+  std::string Divide(const std::string& left, const std::string& right, bool whole) const override;
+  std::string First(const std::string& operand, ValueKind kind) const override;
+  bool FirstIsAggregate() const override { return true; }
+  std::string SortKey(const std::string& column, ValueKind kind) const override;
+  bool LimitAtEnd() const override { return true; }
+
+ protected:
+  std::span<const FunctionMapping> Functions() const override;
+
+ private:
+  bool m_collatesOrder, m_collatesCase;
+};
+
+// For a server that nobody has told us about. Of masks it takes what LIKE can say: digits and lists of
+// characters become one LIKE a character, as long as that stays reasonable; error 3146 where it does not.
+class StandardDialect final : public ServerDialect {
+ public:
+  explicit StandardDialect(char quote = '"') : ServerDialect(quote, quote) {}
+
+  std::string Boolean(bool value) const override { return value ? "1" : "0"; }
+  std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
+                   bool negated) const override;
+  bool TakesMasksAsParameters() const override { return false; }
+  std::string Divide(const std::string& left, const std::string& right, bool whole) const override;
+  std::string First(const std::string& operand, ValueKind /*kind*/) const override {
+    return "min(" + operand + ")";
+  }
+  bool FirstIsAggregate() const override { return true; }
+  std::string SortKey(const std::string& column, ValueKind kind) const override;
+  bool LimitAtEnd() const override { return true; }
+
+ protected:
+  std::span<const FunctionMapping> Functions() const override;
+};
+
+}  // namespace kxrestore::engine::jet_sql

@@ -1,0 +1,139 @@
+#include "engine/odbc/odbc_error.h"
+
+#include <algorithm>
+#include <array>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "engine/error_numbers.h"
+
+namespace kxrestore::engine::odbc {
+namespace {
+
+namespace number = kxrestore::engine::error_number;
+
+struct Meaning {
+  std::string_view state;  // or the start of several
+  std::string_view words;  // in the message, for drivers that say HY000 to everything
+  int number;
+};
+
+constexpr Meaning kMeanings[] = {
+    {"42S02", "", number::kTableNotFound},
+    {"42P01", "", number::kTableNotFound},
+    {"", "no such table", number::kTableNotFound},
+    {"42S22", "", number::kParameterMissing},
+    {"42703", "", number::kParameterMissing},
+    {"", "no such column", number::kParameterMissing},
+    {"42883", "", number::kUndefinedFunction},
+    {"", "no such function", number::kUndefinedFunction},
+    {"42702", "", number::kAmbiguousName},
+    {"42P07", "", number::kObjectExists},
+    {"42S01", "", number::kObjectExists},
+    {"42601", "", number::kSyntax},
+    {"23505", "", number::kDuplicateKey},
+    {"", "UNIQUE constraint", number::kDuplicateKey},
+    {"", "duplicate key", number::kDuplicateKey},
+    {"23", "", number::kConstraint},
+    {"", "constraint failed", number::kConstraint},
+    {"40", "", number::kRowLocked},
+    {"55P03", "", number::kRowLocked},
+    {"", "database is locked", number::kRowLocked},
+    {"25006", "", number::kReadOnly},
+    {"53100", "", number::kDiskFull},
+    {"", "disk is full", number::kDiskFull},
+};
+
+bool Holds(const std::vector<Diagnostic>& diagnostics, std::string_view state) {
+  return std::any_of(diagnostics.begin(), diagnostics.end(),
+                     [state](const Diagnostic& one) { return one.state.starts_with(state); });
+}
+
+bool Says(const std::vector<Diagnostic>& diagnostics, std::string_view words) {
+  return std::any_of(diagnostics.begin(), diagnostics.end(),
+                     [words](const Diagnostic& one) { return one.message.find(words) != std::string::npos; });
+}
+
+int NumberOf(const std::vector<Diagnostic>& diagnostics) {
+  for (const Meaning& meaning : kMeanings) {
+    if (!meaning.state.empty() && Holds(diagnostics, meaning.state)) return meaning.number;
+    if (!meaning.words.empty() && Says(diagnostics, meaning.words)) return meaning.number;
+  }
+  return number::kOdbcFailed;
+}
+
+std::string Join(const std::vector<Diagnostic>& diagnostics) {
+  std::string text;
+  for (const Diagnostic& one : diagnostics) {
+    std::string message = one.message;
+    while (!message.empty() && (message.back() == '\n' || message.back() == ' ' || message.back() == '\r')) {
+      message.pop_back();
+    }
+    if (!text.empty()) text += ' ';
+    text += message + " (" + one.state + ")";
+  }
+  return text.empty() ? "the driver does not say why." : text;
+}
+
+}  // namespace
+
+std::vector<Diagnostic> ReadDiagnostics(SQLSMALLINT type, SQLHANDLE handle) {
+  constexpr SQLSMALLINT kMaxRecords = 8;
+  std::vector<Diagnostic> diagnostics;
+  std::array<char16_t, 6> state{};
+  std::array<char16_t, 1024> text{};
+  for (SQLSMALLINT record = 1; record <= kMaxRecords; ++record) {
+    SQLINTEGER native = 0;
+    SQLSMALLINT size = 0;
+    const SQLRETURN result =
+        SQLGetDiagRecW(type, handle, record, WideBuffer(state.data()), &native, WideBuffer(text.data()),
+                       static_cast<SQLSMALLINT>(text.size()), &size);
+    if (!SQL_SUCCEEDED(result)) break;
+    const std::size_t end = std::find(text.begin(), text.end(), u'\0') - text.begin();
+    diagnostics.push_back({FromWide(state.data(), 5), native, FromWide(text.data(), end)});
+  }
+  return diagnostics;
+}
+
+Failure FailureOf(const std::vector<Diagnostic>& diagnostics) {
+  for (const char* state : {"08", "57P0", "HYT01"}) {
+    if (Holds(diagnostics, state)) return Failure::kConnection;
+  }
+  for (const char* words : {"connection to the server was lost", "could not receive data from server",
+                            "server closed the connection", "no connection to the server"}) {
+    if (Says(diagnostics, words)) return Failure::kConnection;
+  }
+  if (Holds(diagnostics, "40")) return Failure::kConflict;
+  if (Holds(diagnostics, "42P01") || Holds(diagnostics, "42S02") || Holds(diagnostics, "42703") ||
+      Holds(diagnostics, "42S22") || Says(diagnostics, "cached plan must not change")) {
+    return Failure::kStale;
+  }
+  return Failure::kStatement;
+}
+
+std::string WithoutPassword(std::string message, std::string_view password) {
+  constexpr std::string_view kHidden = "***";
+  if (password.empty()) return message;
+  for (std::size_t at = 0; (at = message.find(password, at)) != std::string::npos; at += kHidden.size()) {
+    message.replace(at, password.size(), kHidden);
+  }
+  return message;
+}
+
+void RaiseOdbc(const std::vector<Diagnostic>& diagnostics, bool connecting, std::string_view piece,
+               std::string_view password) {
+  const std::string words = Join(diagnostics);
+  std::string text;
+  int errorNumber = number::kOdbcConnectionFailed;
+  if (connecting) {
+    text = "ODBC - connection to '" + std::string(piece) + "' failed: " + words;
+  } else {
+    errorNumber = NumberOf(diagnostics);
+    const std::string shown(LeftCharacters(piece, 200));
+    text =
+        errorNumber == number::kOdbcFailed ? "ODBC - call failed: " + words : words + " In '" + shown + "'.";
+  }
+  throw Error(errorNumber, WithoutPassword(std::move(text), password), "Engine");
+}
+
+}  // namespace kxrestore::engine::odbc

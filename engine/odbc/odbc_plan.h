@@ -1,0 +1,46 @@
+// A statement of the catalog's dialect, translated for the server once. Statements that differ in their
+// literals only share one plan.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/jet_sql/literals.h"
+#include "engine/jet_sql/name_resolver.h"
+#include "engine/jet_sql/server_dialects.h"
+#include "engine/odbc/odbc_statement.h"
+
+namespace kxrestore::engine::odbc {
+
+struct PlanTable {
+  std::string name;
+  std::vector<std::string> keys;        // its key's columns; empty when its rows cannot be told apart
+  std::vector<std::size_t> keyColumns;  // the hidden columns that hold them
+};
+
+struct RowUpdate {
+  std::vector<std::size_t> columns;
+  std::unique_ptr<OdbcStatement> statement;
+};
+
+struct Plan {
+  bool needsText = false;  // the literals have to stay in the statement: there is one plan for each text
+  std::string sql;
+  std::vector<std::int64_t> order;  // which literal each parameter is, counted from 1
+  std::vector<jet_sql::ParameterUse> uses;
+  std::vector<jet_sql::ResultColumn> columns;  // in the order of the result, without the hidden ones
+  bool columnsKnown = false;
+  std::vector<PlanTable> tables;
+  std::size_t hidden = 0;
+  std::vector<std::unique_ptr<RowUpdate>> updates;
+  std::vector<std::unique_ptr<OdbcStatement>> idle;
+  bool current = true;  // false once the schema was changed under it
+};
+
+// The values for the plan's parameters, each as the kind of what it is compared with.
+std::vector<Value> ParameterValues(const Plan& plan, const jet_sql::ExtractedLiterals& literals,
+                                   const jet_sql::ServerDialect& dialect);
+
+}  // namespace kxrestore::engine::odbc

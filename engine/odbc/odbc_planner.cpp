@@ -1,0 +1,152 @@
+#include "engine/odbc/odbc_planner.h"
+
+#include <algorithm>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "engine/error_numbers.h"
+#include "engine/jet_sql/lexer.h"
+#include "engine/jet_sql/parser.h"
+#include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/source_text.h"
+
+namespace kxrestore::engine::odbc {
+namespace {
+
+using namespace jet_sql;  // NOLINT: the planner speaks of little else
+
+// Adds the keys of the tables to the statement of a dynaset.
+void AddKeys(Session& session, SelectStatement& statement, const std::vector<ResultTable>& tables,
+             Plan& plan) {
+  SelectCore& core = statement.cores.front();
+  for (const ResultTable& table : tables) {
+    PlanTable& planned = plan.tables.emplace_back();
+    planned.name = table.relation->name;
+    planned.keys = session.Tables().KeyOf(*table.relation);
+    for (const std::string& key : planned.keys) {
+      SelectItem item;
+      item.expression = std::make_unique<Expression>();
+      item.expression->kind = ExpressionKind::kColumn;
+      item.expression->qualifier = table.alias;
+      item.expression->text = key;
+      item.alias = "kx_key_" + std::to_string(plan.hidden);
+      core.items.push_back(std::move(item));
+      planned.keyColumns.push_back(plan.hidden++);
+    }
+  }
+}
+
+bool HoldsMask(const Plan& plan) {
+  return std::any_of(plan.uses.begin(), plan.uses.end(), [](const ParameterUse& use) { return use.isMask; });
+}
+
+Value AsKind(const Literal& literal, ValueKind kind) {
+  switch (literal.kind) {
+    case Literal::Kind::kInteger:
+      if (kind == ValueKind::kBoolean) return literal.integer != 0;
+      if (kind == ValueKind::kText) return std::to_string(literal.integer);
+      return literal.integer;
+    case Literal::Kind::kReal:
+      if (kind == ValueKind::kText) return ToText(ValueView(literal.real));
+      return literal.real;
+    case Literal::Kind::kText:
+      break;
+  }
+  if (kind == ValueKind::kDate) {
+    if (const auto date = ToDateTime(ValueView(std::string_view(literal.text)))) return *date;
+  }
+  return literal.text;
+}
+
+}  // namespace
+
+std::vector<Value> ParameterValues(const Plan& plan, const ExtractedLiterals& literals,
+                                   const ServerDialect& dialect) {
+  std::vector<Value> values;
+  for (const std::int64_t number : plan.order) {
+    const auto index = static_cast<std::size_t>(number - 1);
+    const Literal& literal = literals.literals[index];
+    const ParameterUse use = index < plan.uses.size() ? plan.uses[index] : ParameterUse();
+    if (use.isMask) {
+      const Value text = AsKind(literal, ValueKind::kText);
+      values.emplace_back(dialect.Mask(std::get<std::string>(text)));
+    } else {
+      values.push_back(AsKind(literal, use.kind));
+    }
+  }
+  return values;
+}
+
+std::shared_ptr<Plan> MakePlan(Session& session, std::string_view source, std::string_view key,
+                               Session::Use use) {
+  Schema& schema = session.Tables();
+  const bool reads = use != Session::Use::kAction;
+  const auto exists = [&schema](std::string_view name) { return schema.FindEntry(name) != nullptr; };
+  jet_sql::Statement statement = ReadSource(source, key, reads, exists);
+  auto plan = std::make_shared<Plan>();
+  Resolution resolution = ResolveNames(statement, schema);
+  plan->uses = std::move(resolution.parameters);
+  if (HoldsMask(*plan) && !session.Dialect().TakesMasksAsParameters()) {
+    plan->needsText = true;
+    return plan;
+  }
+  plan->columns = std::move(resolution.columns);
+  plan->columnsKnown = resolution.columnsKnown;
+  auto* select = std::get_if<SelectStatement>(&statement);
+  if (use == Session::Use::kDynaset && select != nullptr && plan->columnsKnown) {
+    AddKeys(session, *select, resolution.tables, *plan);
+  }
+  plan->sql = Print(statement, session.Dialect());
+  plan->order = ServerDialect::NumberParameters(plan->sql);
+  return plan;
+}
+
+RowUpdate& FindRowUpdate(Session& session, Plan& plan, const std::vector<std::size_t>& columns) {
+  for (const auto& update : plan.updates) {
+    if (update->columns == columns) return *update;
+  }
+  const PlanTable& table = plan.tables[plan.columns[columns.front()].table];
+  const Dialect& dialect = session.Dialect();
+  std::string sql = "UPDATE " + dialect.Identifier(table.name) + " SET ";
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    sql += (i == 0 ? "" : ", ") + dialect.Identifier(plan.columns[columns[i]].baseName) + " = ?";
+  }
+  for (std::size_t i = 0; i < table.keys.size(); ++i) {
+    sql += (i == 0 ? " WHERE " : " AND ") + dialect.Identifier(table.keys[i]) + " = ?";
+  }
+  auto update = std::make_unique<RowUpdate>();
+  update->columns = columns;
+  update->statement = std::make_unique<OdbcStatement>(session, sql);
+  plan.updates.push_back(std::move(update));
+  return *plan.updates.back();
+}
+
+ViewBody TranslateSavedQuery(Session& session, std::string_view text) {
+  jet_sql::Statement statement = Parse(text);
+  if (!IsReading(statement)) {
+    throw Error(error_number::kInvalidOperation,
+                "Invalid operation: '" + std::string(LeftCharacters(text, 80)) + "' is no reading statement.",
+                "Engine");
+  }
+  ViewBody body;
+  for (const SelectItem& item : std::get<SelectStatement>(statement).cores.front().items) {
+    if (!item.expression) {
+      body.columns.clear();
+      break;
+    }
+    std::string name = item.alias;
+    if (name.empty() && item.expression->kind == ExpressionKind::kColumn) name = item.expression->text;
+    if (name.empty()) name = "Expr" + std::to_string(1000 + body.columns.size());
+    body.columns.push_back(std::move(name));
+  }
+  try {
+    ResolveNames(statement, session.Tables());
+    body.sql = Print(statement, session.Dialect());
+  } catch (const Error& error) {
+    // What it names may come later; until then it shows nothing.
+    if (error.Number() != error_number::kParameterMissing) throw;
+  }
+  return body;
+}
+
+}  // namespace kxrestore::engine::odbc

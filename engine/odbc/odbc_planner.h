@@ -1,0 +1,25 @@
+// Makes plans: parses, resolves names, translates, and adds to dynasets what their rows are changed by.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "engine/odbc/odbc_session.h"
+
+namespace kxrestore::engine::odbc {
+
+// `key` is the text whose literals are parameters, or `source` itself.
+std::shared_ptr<Plan> MakePlan(Session& session, std::string_view source, std::string_view key,
+                               Session::Use use);
+
+// The UPDATE of some columns of a row, all of one table.
+RowUpdate& FindRowUpdate(Session& session, Plan& plan, const std::vector<std::size_t>& columns);
+
+// What CREATE VIEW is given for a saved query.
+struct ViewBody {
+  std::string sql;
+  std::vector<std::string> columns;  // names; empty when they are not known
+};
+ViewBody TranslateSavedQuery(Session& session, std::string_view text);
+
+}  // namespace kxrestore::engine::odbc

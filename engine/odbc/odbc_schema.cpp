@@ -1,0 +1,158 @@
+#include "engine/odbc/odbc_schema.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "engine/odbc/odbc_session.h"
+#include "engine/odbc/saved_queries.h"
+
+namespace kxrestore::engine::odbc {
+namespace {
+
+// For the pattern arguments of the driver's catalog functions.
+std::string EscapedPattern(const std::string& name, const std::string& escape) {
+  std::string pattern;
+  for (const char c : name) {
+    if (c == '_' || c == '%') pattern += escape;
+    pattern += c;
+  }
+  return pattern;
+}
+
+// The driver's catalog functions take a null pointer for "any".
+class Argument {
+ public:
+  explicit Argument(const std::string& text) : m_given(!text.empty()), m_text(text) {}
+  SQLWCHAR* Data() { return m_given ? m_text.Data() : nullptr; }
+  SQLSMALLINT Size() const { return static_cast<SQLSMALLINT>(m_given ? m_text.Size() : 0); }
+
+ private:
+  bool m_given;
+  WideText m_text;
+};
+
+bool IsOfTheServer(std::string_view schema) {
+  for (const char* name : {"pg_catalog", "information_schema", "pg_toast", "sys"}) {
+    if (EqualIgnoringCase(schema, name)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+const jet_sql::KnownRelation* Schema::Find(std::string_view name) {
+  std::string key(name);
+  const auto known = m_relations.find(key);
+  if (known != m_relations.end()) return known->second.get();
+  std::unique_ptr<jet_sql::KnownRelation> relation;
+  const auto own = m_texts.byName.find(FoldCase(name));
+  if (own != m_texts.byName.end()) {
+    relation = std::make_unique<jet_sql::KnownRelation>();
+    relation->name = name;
+    relation->text = own->second;
+  } else if (const Entry* entry = FindEntry(name)) {
+    relation = ReadRelation(*entry);
+    const StoredText* stored = FindStoredText(entry->name);
+    if (stored != nullptr && !stored->bound) relation->text = stored->text;
+  } else {
+    return nullptr;
+  }
+  return m_relations.emplace(std::move(key), std::move(relation)).first->second.get();
+}
+
+const Schema::Entry* Schema::FindEntry(std::string_view name, bool fresh) {
+  const bool justRead = fresh || !m_entriesRead;
+  if (justRead) ReadEntries();
+  const std::string folded = FoldCase(name);
+  for (bool again = !justRead;; again = false) {
+    const auto [first, last] = m_entries.equal_range(folded);
+    const auto better = [name](const auto& a, const auto& b) {
+      return a.second.name != name && b.second.name == name;
+    };
+    if (first != last) return &std::max_element(first, last, better)->second;
+    if (!again) return nullptr;
+    ReadEntries();
+  }
+}
+
+void Schema::ReadEntries() {
+  m_entries.clear();
+  m_stored.clear();
+  StatementHandle list = m_session.AllocateStatement();
+  WideText types("TABLE,VIEW");
+  if (!SQL_SUCCEEDED(SQLTablesW(list.Get(), nullptr, 0, nullptr, 0, nullptr, 0, types.Data(),
+                                static_cast<SQLSMALLINT>(types.Size())))) {
+    m_session.Raise(SQL_HANDLE_STMT, list.Get(), "tables");
+  }
+  const std::string& own = m_session.Facts().schema;
+  RowReader rows(m_session, list.Get(), "tables");
+  for (rows.Restart(); rows.Next();) {
+    Entry entry{ToText(rows.Value(2)), ToText(rows.Value(1)), ToText(rows.Value(3)) == "TABLE"};
+    if (IsOfTheServer(entry.schema) || (!own.empty() && !entry.schema.empty() && entry.schema != own))
+      continue;
+    m_entries.emplace(FoldCase(entry.name), std::move(entry));
+  }
+  m_entriesRead = true;
+  m_stored = ReadStoredTexts(m_session);
+}
+
+const Schema::StoredText* Schema::FindStoredText(std::string_view viewName) {
+  const auto found = m_stored.find(std::string(viewName));
+  return found == m_stored.end() ? nullptr : &found->second;
+}
+
+std::unique_ptr<jet_sql::KnownRelation> Schema::ReadRelation(const Entry& entry) const {
+  auto relation = std::make_unique<jet_sql::KnownRelation>();
+  relation->name = entry.name;
+  relation->isTable = entry.isTable;
+  StatementHandle list = m_session.AllocateStatement();
+  const std::string& escape = m_session.Facts().patternEscape;
+  Argument schema(EscapedPattern(entry.schema, escape)), table(EscapedPattern(entry.name, escape));
+  if (!SQL_SUCCEEDED(SQLColumnsW(list.Get(), nullptr, 0, schema.Data(), schema.Size(), table.Data(),
+                                 table.Size(), nullptr, 0))) {
+    m_session.Raise(SQL_HANDLE_STMT, list.Get(), entry.name);
+  }
+  RowReader rows(m_session, list.Get(), entry.name);
+  for (rows.Restart(); rows.Next();) {
+    if (ToText(rows.Value(2)) != entry.name) continue;
+    const auto type = static_cast<SQLSMALLINT>(ToInteger(rows.Value(4)));
+    relation->columns.push_back({ToText(rows.Value(3)), KindOfType(type, ToText(rows.Value(5)))});
+  }
+  return relation;
+}
+
+bool Schema::IsFolded() {
+  if (!m_session.Facts().foldsToLower) return false;
+  if (!m_entriesRead) ReadEntries();
+  const auto folded = [](const auto& entry) { return entry.first == entry.second.name; };
+  return !m_entries.empty() && std::all_of(m_entries.begin(), m_entries.end(), folded);
+}
+
+std::vector<std::string> Schema::KeyOf(const jet_sql::KnownRelation& table) {
+  std::vector<std::string> keys;
+  const Entry* entry = FindEntry(table.name);
+  StatementHandle list = m_session.AllocateStatement();
+  Argument schema(entry == nullptr ? std::string() : entry->schema), name(table.name);
+  if (SQL_SUCCEEDED(
+          SQLPrimaryKeysW(list.Get(), nullptr, 0, schema.Data(), schema.Size(), name.Data(), name.Size()))) {
+    RowReader rows(m_session, list.Get(), table.name);
+    for (rows.Restart(); rows.Next();) {
+      std::string key = ToText(rows.Value(3));
+      const auto same = [&key](const jet_sql::KnownColumn& column) { return column.name == key; };
+      if (std::any_of(table.columns.begin(), table.columns.end(), same)) keys.push_back(std::move(key));
+    }
+  }
+  for (const jet_sql::KnownColumn& column : table.columns) {
+    if (keys.empty() && EqualIgnoringCase(column.name, "ID")) keys.push_back(column.name);
+  }
+  return keys;
+}
+
+void Schema::Forget() {
+  m_entriesRead = false;
+  m_entries.clear();
+  m_stored.clear();
+  m_relations.clear();
+}
+
+}  // namespace kxrestore::engine::odbc

@@ -1,0 +1,379 @@
+#include "engine/odbc/odbc_session.h"
+
+#include <algorithm>
+#include <array>
+#include <thread>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "engine/error_numbers.h"
+#include "engine/odbc/odbc_planner.h"
+
+namespace kxrestore::engine::odbc {
+namespace {
+
+constexpr auto kGroupTime = std::chrono::milliseconds(100);
+constexpr std::size_t kLoginTimeout = 20;  // seconds
+constexpr std::size_t kMaxPlans = 64;
+constexpr std::size_t kMaxUpdatesOfPlan = 16;
+constexpr int kMaxTries = 6;
+
+SQLPOINTER AsPointer(std::size_t number) {
+  return reinterpret_cast<SQLPOINTER>(number);
+}
+
+// The value of a keyword of a connect string, up to the next ";".
+std::string ValueOf(std::string_view connect, std::string_view keyword) {
+  for (std::size_t start = 0; start < connect.size();) {
+    const std::size_t end = std::min(connect.find(';', start), connect.size());
+    const std::string_view part = connect.substr(start, end - start);
+    if (part.size() > keyword.size() && part[keyword.size()] == '=' &&
+        EqualIgnoringCase(part.substr(0, keyword.size()), keyword)) {
+      return std::string(part.substr(keyword.size() + 1));
+    }
+    start = end + 1;
+  }
+  return {};
+}
+
+// Others that lost against each other must not meet again at once.
+void WaitBeforeTry(int number) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(5 << number));
+}
+
+}  // namespace
+
+Session::Session(std::string_view connect, bool grouping, std::shared_ptr<SavedTexts> texts)
+    : m_connect(connect),
+      m_server(ValueOf(connect, "SERVER")),
+      m_password(ValueOf(connect, "PWD")),
+      m_grouping(grouping),
+      m_texts(texts ? std::move(texts) : std::make_shared<SavedTexts>()),
+      m_schema(*this, *m_texts) {
+  if (m_server.empty()) m_server = ValueOf(connect, "DATABASE");
+  if (!m_environment.Allocate(SQL_NULL_HANDLE) ||
+      !SQL_SUCCEEDED(SQLSetEnvAttr(m_environment.Get(), SQL_ATTR_ODBC_VERSION, AsPointer(SQL_OV_ODBC3),
+                                   SQL_IS_INTEGER)) ||
+      !m_connection.Allocate(m_environment.Get())) {
+    RaiseOdbc(ReadDiagnostics(SQL_HANDLE_ENV, m_environment.Get()), true, m_server, m_password);
+  }
+  SQLSetConnectAttrW(Get(), SQL_ATTR_LOGIN_TIMEOUT, AsPointer(kLoginTimeout), SQL_IS_UINTEGER);
+  constexpr std::string_view kPrefix = "ODBC;";
+  if (connect.size() >= kPrefix.size() && EqualIgnoringCase(connect.substr(0, kPrefix.size()), kPrefix)) {
+    connect.remove_prefix(kPrefix.size());
+  }
+  WideText text(connect);
+  const SQLRETURN result =
+      SQLDriverConnectW(Get(), nullptr, text.Data(), static_cast<SQLSMALLINT>(text.Size()), nullptr, 0,
+                        nullptr, SQL_DRIVER_NOPROMPT);
+  if (!SQL_SUCCEEDED(result)) {
+    RaiseOdbc(ReadDiagnostics(SQL_HANDLE_DBC, Get()), true, m_server, m_password);
+  }
+  m_connected = true;
+  try {
+    ReadFacts();
+  } catch (...) {
+    SQLDisconnect(Get());
+    throw;
+  }
+}
+
+Session::~Session() {
+  m_plans.clear();
+  if (!m_connected) return;
+  if (m_inGroup) SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_COMMIT);
+  if (m_transactionOwner != nullptr) SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_ROLLBACK);
+  SQLDisconnect(Get());
+}
+
+// ---- what the driver reports
+
+std::string Session::InfoText(SQLUSMALLINT kind) const {
+  std::array<char16_t, 256> text{};
+  SQLSMALLINT size = 0;
+  SQLGetInfoW(Get(), kind, text.data(), static_cast<SQLSMALLINT>(text.size() * sizeof(char16_t)), &size);
+  return FromWide(text.data(), std::u16string_view(text.data()).size());
+}
+
+std::uint32_t Session::InfoNumber(SQLUSMALLINT kind) const {
+  std::uint32_t number = 0;  // some kinds are 16 bits wide
+  SQLGetInfoW(Get(), kind, &number, sizeof number, nullptr);
+  return number;
+}
+
+void Session::ReadFacts() {
+  m_facts.dbms = InfoText(SQL_DBMS_NAME);
+  const std::string quote = InfoText(SQL_IDENTIFIER_QUOTE_CHAR);
+  m_facts.quote = quote.empty() ? ' ' : quote.front();
+  m_facts.patternEscape = InfoText(SQL_SEARCH_PATTERN_ESCAPE);
+  m_facts.foldsToLower = InfoNumber(SQL_IDENTIFIER_CASE) == SQL_IC_LOWER;
+  m_facts.onlyOneActive = InfoNumber(SQL_MAX_CONCURRENT_ACTIVITIES) == 1;
+  const std::uint32_t parts = InfoNumber(SQL_GETDATA_EXTENSIONS);
+  constexpr std::uint32_t kNeeded = SQL_GD_BLOCK | SQL_GD_BOUND | SQL_GD_ANY_COLUMN | SQL_GD_ANY_ORDER;
+  m_facts.readsPartsInBlocks = (parts & kNeeded) == kNeeded;
+  if (m_facts.IsPostgres()) {
+    // Its readers see what was there when they began.
+    m_facts.rowsStay = InfoNumber(SQL_CURSOR_COMMIT_BEHAVIOR) == SQL_CB_PRESERVE;
+    const auto rows = Ask(
+        "SELECT current_schema(), datcollate, datctype, (SELECT count(*) FROM pg_catalog.pg_collation WHERE "
+        "collname = 'und-x-icu') FROM pg_catalog.pg_database WHERE datname = current_database()");
+    const std::vector<std::string>& row = rows.at(0);
+    const bool hasCollation = row[3] != "0";
+    const auto plain = [](const std::string& locale) { return locale == "C" || locale == "POSIX"; };
+    m_facts.schema = row[0];
+    m_facts.ordersByCode = hasCollation && (plain(row[1]) || row[1].starts_with("C."));
+    m_facts.foldsAsciiOnly = hasCollation && plain(row[2]);
+  } else if (m_facts.IsSqlServer()) {
+    m_facts.schema = Ask("SELECT SCHEMA_NAME()").at(0).at(0);
+  }
+  m_dialect = MakeDialect(m_facts);
+}
+
+// ---- errors
+
+void Session::RaiseDiagnostics(const std::vector<Diagnostic>& diagnostics, std::string_view piece) const {
+  if (FailureOf(diagnostics) == Failure::kConnection) m_lost = true;
+  RaiseOdbc(diagnostics, false, piece, m_password);
+}
+
+void Session::Raise(SQLSMALLINT type, SQLHANDLE handle, std::string_view piece) const {
+  RaiseDiagnostics(ReadDiagnostics(type, handle), piece);
+}
+
+StatementHandle Session::AllocateStatement() {
+  StatementHandle statement;
+  if (!statement.Allocate(Get())) Raise(SQL_HANDLE_DBC, Get(), m_server);
+  return statement;
+}
+
+// ---- statements
+
+std::shared_ptr<Plan> Session::FindPlan(std::string_view source, Use use) {
+  if (!jet_sql::ExtractLiterals(source, m_extracted)) {
+    m_extracted.key = source;
+    m_extracted.count = 0;
+  }
+  std::string& key = m_extracted.key;
+  for (;;) {
+    const bool parameters = m_extracted.count > 0;
+    key.push_back(static_cast<char>('0' + static_cast<int>(use)));
+    const auto found = m_plans.find(key);
+    std::shared_ptr<Plan> plan;
+    if (found != m_plans.end()) {
+      plan = found->second;
+    } else {
+      plan =
+          MakePlan(*this, source, parameters ? std::string_view(key).substr(0, key.size() - 1) : source, use);
+      if (m_plans.size() >= kMaxPlans) m_plans.clear();
+      m_plans.emplace(key, plan);
+    }
+    if (!plan->needsText) return plan;
+    key = source;
+    m_extracted.count = 0;
+  }
+}
+
+std::unique_ptr<OdbcStatement> Session::Acquire(Plan& plan) {
+  if (plan.idle.empty()) return std::make_unique<OdbcStatement>(*this, plan.sql);
+  auto statement = std::move(plan.idle.back());
+  plan.idle.pop_back();
+  return statement;
+}
+
+void Session::Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) {
+  statement->CloseCursor();
+  if (plan.updates.size() > kMaxUpdatesOfPlan) plan.updates.clear();
+  if (plan.current && plan.idle.size() < 2) plan.idle.push_back(std::move(statement));
+}
+
+void Session::ForgetPlans() {
+  for (const auto& [key, plan] : m_plans) {
+    plan->current = false;
+    plan->idle.clear();
+  }
+  m_plans.clear();
+  m_schema.Forget();
+}
+
+void Session::RemoveStreaming(StreamingRows& rows) {
+  std::erase(m_streaming, &rows);
+}
+
+void Session::DetachStreaming() {
+  const std::vector<StreamingRows*> streaming = m_streaming;  // detaching takes itself off the list
+  for (StreamingRows* rows : streaming) rows->Detach();
+}
+
+bool Session::RunRead(OdbcStatement& statement, const std::vector<Value>& values) {
+  if (m_facts.onlyOneActive) DetachStreaming();
+  for (int tried = 1;; ++tried) {
+    if (statement.Execute(values)) return true;
+    const auto diagnostics = ReadDiagnostics(SQL_HANDLE_STMT, statement.Get());
+    const Failure failure = FailureOf(diagnostics);
+    if (failure == Failure::kStale) return false;
+    if (failure != Failure::kConflict || m_inGroup || m_transactionOwner || tried == kMaxTries) {
+      RaiseDiagnostics(diagnostics, statement.Sql());
+    }
+    WaitBeforeTry(tried);
+  }
+}
+
+std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value>& values) {
+  if (!m_facts.rowsStay) DetachStreaming();
+  const bool grouped = m_grouping && m_transactionOwner == nullptr;
+  for (int tried = 1;; ++tried) {
+    if (grouped && !m_inGroup && tried == 1) {
+      SetAutocommit(false);
+      m_inGroup = true;
+      m_due = Clock::now() + kGroupTime;
+    }
+    if (statement.Execute(values)) break;
+    const auto diagnostics = ReadDiagnostics(SQL_HANDLE_STMT, statement.Get());
+    if (FailureOf(diagnostics) != Failure::kConflict || m_transactionOwner != nullptr || tried == kMaxTries) {
+      RaiseDiagnostics(diagnostics, statement.Sql());
+    }
+    // Two connections wait for each other's rows. What this group has written is written again, each
+    // statement for itself, so that it holds no row while it waits for another.
+    if (m_inGroup) Replay(std::exchange(m_group, {}));
+    WaitBeforeTry(tried);
+  }
+  const std::int64_t rows = statement.RowCount();
+  if (m_inGroup) {
+    m_group.push_back({statement.Sql(), values});
+    Idle();
+  }
+  return rows;
+}
+
+void Session::Replay(std::vector<GroupedWrite> writes) {
+  EndTransaction(false);
+  m_inGroup = false;
+  SetAutocommit(true);
+  for (const GroupedWrite& write : writes) {
+    OdbcStatement statement(*this, write.sql);
+    for (int tried = 1; !statement.Execute(write.values); ++tried) {
+      const auto diagnostics = ReadDiagnostics(SQL_HANDLE_STMT, statement.Get());
+      if (FailureOf(diagnostics) != Failure::kConflict || tried == kMaxTries) {
+        RaiseDiagnostics(diagnostics, write.sql);
+      }
+      WaitBeforeTry(tried);
+    }
+  }
+}
+
+void Session::RunSchemaChange(const std::vector<std::string>& statements) {
+  Flush();
+  if (!m_facts.rowsStay) DetachStreaming();
+  const bool own = m_transactionOwner == nullptr;
+  ForgetPlans();
+  for (int tried = 1;; ++tried) {
+    if (own) SetAutocommit(false);
+    std::vector<Diagnostic> diagnostics;
+    std::string_view failed;
+    for (const std::string& sql : statements) {
+      const StatementHandle statement = AllocateStatement();
+      WideText text(sql);
+      const SQLRETURN result =
+          SQLExecDirectW(statement.Get(), text.Data(), static_cast<SQLINTEGER>(text.Size()));
+      if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA) continue;
+      diagnostics = ReadDiagnostics(SQL_HANDLE_STMT, statement.Get());
+      failed = sql;
+      break;
+    }
+    if (own) {
+      if (failed.empty() && !SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_COMMIT))) {
+        diagnostics = ReadDiagnostics(SQL_HANDLE_DBC, Get());
+        failed = statements.back();
+      }
+      if (!failed.empty()) SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_ROLLBACK);
+      SetAutocommit(true);
+    }
+    if (failed.empty()) return;
+    if (FailureOf(diagnostics) != Failure::kConflict || !own || tried == kMaxTries) {
+      RaiseDiagnostics(diagnostics, failed);
+    }
+    WaitBeforeTry(tried);
+  }
+}
+
+std::vector<std::vector<std::string>> Session::Ask(const std::string& sql, const std::vector<Value>& values) {
+  OdbcStatement statement(*this, sql);
+  if (!statement.Execute(values)) Raise(SQL_HANDLE_STMT, statement.Get(), sql);
+  std::vector<std::vector<std::string>> rows;
+  for (RowReader& reader = statement.Rows(); reader.Next();) {
+    std::vector<std::string>& row = rows.emplace_back();
+    for (std::size_t i = 0; i < reader.Columns().size(); ++i) row.push_back(ToText(reader.Value(i)));
+  }
+  return rows;
+}
+
+// ---- commits in groups
+
+void Session::SetAutocommit(bool on) {
+  SQLSetConnectAttrW(Get(), SQL_ATTR_AUTOCOMMIT, AsPointer(on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF),
+                     SQL_IS_UINTEGER);
+}
+
+void Session::EndTransaction(bool commit) {
+  if (!m_facts.rowsStay) DetachStreaming();
+  if (SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, Get(), commit ? SQL_COMMIT : SQL_ROLLBACK))) return;
+  Raise(SQL_HANDLE_DBC, Get(), commit ? "COMMIT" : "ROLLBACK");
+}
+
+void Session::CommitGroup() {
+  if (!m_inGroup) return;
+  m_inGroup = false;
+  const std::vector<GroupedWrite> written = std::exchange(m_group, {});
+  try {
+    EndTransaction(true);
+  } catch (...) {
+    SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_ROLLBACK);
+    SetAutocommit(true);
+    throw;
+  }
+  SetAutocommit(true);
+}
+
+void Session::Idle() {
+  if (m_inGroup && Clock::now() >= m_due) CommitGroup();
+}
+
+void Session::Flush() {
+  CommitGroup();
+}
+
+void Session::EndGroups() {
+  m_grouping = false;
+  CommitGroup();
+}
+
+// ---- transactions
+
+void Session::BeginTransaction(const Database& owner) {
+  if (m_transactionOwner != nullptr) {
+    throw Error(error_number::kInvalidOperation,
+                "Invalid operation: a transaction has begun already on '" + m_server + "'.", "Engine");
+  }
+  Flush();
+  SetAutocommit(false);
+  m_transactionOwner = &owner;
+  m_textsBefore = *m_texts;
+}
+
+void Session::CommitTransaction() {
+  EndTransaction(true);
+  m_transactionOwner = nullptr;
+  SetAutocommit(true);
+}
+
+void Session::UndoTransaction() {
+  m_transactionOwner = nullptr;
+  *m_texts = std::move(m_textsBefore);
+  const bool undone = SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_ROLLBACK));
+  const auto diagnostics = undone ? std::vector<Diagnostic>() : ReadDiagnostics(SQL_HANDLE_DBC, Get());
+  SetAutocommit(true);
+  ForgetPlans();  // saved queries may be others again
+  if (!undone) RaiseDiagnostics(diagnostics, "ROLLBACK");
+}
+
+}  // namespace kxrestore::engine::odbc

@@ -1,0 +1,119 @@
+// One connection to a server with its prepared statements, its open recordsets and its pending commit.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "engine/database.h"
+#include "engine/odbc/odbc_error.h"
+#include "engine/odbc/odbc_plan.h"
+#include "engine/odbc/odbc_schema.h"
+#include "engine/odbc/server_facts.h"
+
+namespace kxrestore::engine::odbc {
+
+// A recordset that still fetches rows. Before anything that could take them away or change them, it takes the
+// remaining rows into memory.
+class StreamingRows {
+ public:
+  virtual void Detach() = 0;
+
+ protected:
+  ~StreamingRows() = default;
+};
+
+class Session {
+ public:
+  // `connect` begins with "ODBC;". `grouping`: updates may wait for a common commit. `texts`: of saved
+  // queries that the same action has made over other connections; null for a connection that stands alone.
+  Session(std::string_view connect, bool grouping, std::shared_ptr<SavedTexts> texts);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  SQLHDBC Get() const { return m_connection.Get(); }
+  const std::string& Connect() const { return m_connect; }
+  const std::string& Server() const { return m_server; }  // for messages
+  const ServerFacts& Facts() const { return m_facts; }
+  const jet_sql::ServerDialect& Dialect() const { return *m_dialect; }
+  Schema& Tables() { return m_schema; }
+  bool IsLost() const { return m_lost; }  // the server is gone; a new session is needed
+
+  enum class Use { kSnapshot, kDynaset, kAction };
+  // The plan for a text; its literals are in Literals() until the next call.
+  std::shared_ptr<Plan> FindPlan(std::string_view source, Use use);
+  const jet_sql::ExtractedLiterals& Literals() const { return m_extracted; }
+  std::unique_ptr<OdbcStatement> Acquire(Plan& plan);
+  static void Release(Plan& plan, std::unique_ptr<OdbcStatement> statement);
+  void ForgetPlans();  // after a change of the schema
+
+  // Executes a reading statement. False when the tables are others than it was prepared for.
+  bool RunRead(OdbcStatement& statement, const std::vector<Value>& values);
+  // Executes a writing statement, in the group or at once; the number of rows changed.
+  std::int64_t RunWrite(OdbcStatement& statement, const std::vector<Value>& values);
+  // Runs statements that belong together and change the schema; all of them or none.
+  void RunSchemaChange(const std::vector<std::string>& statements);
+  // Rows of a short question to the server itself, as texts.
+  std::vector<std::vector<std::string>> Ask(const std::string& sql, const std::vector<Value>& values = {});
+
+  StatementHandle AllocateStatement();
+  [[noreturn]] void Raise(SQLSMALLINT type, SQLHANDLE handle, std::string_view piece) const;
+
+  void AddStreaming(StreamingRows& rows) { m_streaming.push_back(&rows); }
+  void RemoveStreaming(StreamingRows& rows);
+
+  // A transaction of a database's own, during which no group is committed; it goes on when the action ends.
+  void BeginTransaction(const Database& owner);
+  void CommitTransaction();
+  void UndoTransaction();
+  const Database* TransactionOwner() const { return m_transactionOwner; }
+
+  void Idle();       // commits what has waited long enough
+  void Flush();      // commits
+  void EndGroups();  // commits for good
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  struct GroupedWrite {
+    std::string sql;
+    std::vector<Value> values;
+  };
+
+  void ReadFacts();
+  std::string InfoText(SQLUSMALLINT kind) const;
+  std::uint32_t InfoNumber(SQLUSMALLINT kind) const;
+  [[noreturn]] void RaiseDiagnostics(const std::vector<Diagnostic>& diagnostics,
+                                     std::string_view piece) const;
+  void DetachStreaming();
+  void SetAutocommit(bool on);
+  void EndTransaction(bool commit);
+  void CommitGroup();
+  void Replay(std::vector<GroupedWrite> writes);
+
+  std::string m_connect, m_server, m_password;
+  bool m_grouping;
+  std::shared_ptr<SavedTexts> m_texts;
+  Environment m_environment;
+  Connection m_connection;
+  bool m_connected = false;
+  mutable bool m_lost = false;
+  ServerFacts m_facts;
+  std::unique_ptr<jet_sql::ServerDialect> m_dialect;
+  Schema m_schema;
+  std::vector<StreamingRows*> m_streaming;
+  std::unordered_map<std::string, std::shared_ptr<Plan>> m_plans;
+  jet_sql::ExtractedLiterals m_extracted;
+  const Database* m_transactionOwner = nullptr;
+  SavedTexts m_textsBefore;  // the transaction
+  bool m_inGroup = false;
+  std::vector<GroupedWrite> m_group;
+  Clock::time_point m_due;
+};
+
+}  // namespace kxrestore::engine::odbc

@@ -1,0 +1,59 @@
+// A statement of a connection: prepared once, executed with values, its rows fetched in blocks.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/jet_sql/ast.h"
+#include "engine/odbc/odbc_api.h"
+#include "engine/odbc/odbc_rows.h"
+#include "engine/value.h"
+
+namespace kxrestore::engine::odbc {
+
+class Session;
+
+// Values of a statement's parameters, where the driver finds them while it is executed.
+class BoundValues {
+ public:
+  void Bind(const Session& session, SQLHSTMT statement, const std::vector<Value>& values);
+
+ private:
+  struct Slot {
+    std::u16string text;
+    std::int64_t integer = 0;
+    double real = 0;
+    unsigned char bit = 0;
+    SQL_TIMESTAMP_STRUCT date{};
+    SQLLEN size = 0;
+  };
+  std::vector<std::unique_ptr<Slot>> m_slots;  // the driver keeps their addresses
+};
+
+class OdbcStatement {
+ public:
+  OdbcStatement(Session& session, std::string_view sql);
+
+  SQLHSTMT Get() const { return m_handle.Get(); }
+  const std::string& Sql() const { return m_sql; }
+
+  // Executes, preparing first if that has not been done. False when it failed; the diagnostics tell why.
+  bool Execute(const std::vector<Value>& values);
+  std::int64_t RowCount() const;
+  // The rows of the execution; they stand before the first.
+  RowReader& Rows();
+  void CloseCursor();
+
+ private:
+  Session& m_session;
+  std::string m_sql;
+  StatementHandle m_handle;
+  BoundValues m_values;
+  std::unique_ptr<RowReader> m_rows;
+  bool m_prepared = false;
+};
+
+}  // namespace kxrestore::engine::odbc

@@ -1,0 +1,12 @@
+#include "engine/odbc/server_facts.h"
+
+namespace kxrestore::engine::odbc {
+
+std::unique_ptr<jet_sql::ServerDialect> MakeDialect(const ServerFacts& facts) {
+  if (facts.IsPostgres()) {
+    return std::make_unique<jet_sql::PostgresDialect>(facts.ordersByCode, facts.foldsAsciiOnly);
+  }
+  return std::make_unique<jet_sql::StandardDialect>(facts.quote);
+}
+
+}  // namespace kxrestore::engine::odbc

@@ -1,0 +1,31 @@
+// What a driver reports of its server, as far as statements and cursors depend on it.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "engine/jet_sql/server_dialects.h"
+
+namespace kxrestore::engine::odbc {
+
+struct ServerFacts {
+  std::string dbms;                 // SQL_DBMS_NAME
+  char quote = '"';                 // around names
+  bool foldsToLower = false;        // names that are not quoted
+  bool onlyOneActive = false;       // one statement at a time may have rows to fetch
+  bool rowsStay = false;            // open rows are not touched by writing and committing beside them
+  bool readsPartsInBlocks = false;  // long texts can be read out of a block of rows
+  // Of PostgreSQL
+  bool ordersByCode = false;    // its texts are not sorted as people expect
+  bool foldsAsciiOnly = false;  // it knows no case of other letters
+  std::string patternEscape;    // of the catalog functions
+  std::string schema;           // where names are looked for first
+
+  bool IsPostgres() const { return dbms == "PostgreSQL"; }
+  bool IsSqlServer() const { return dbms == "Microsoft SQL Server"; }
+};
+
+// The one place where a server's dialect is chosen.
+std::unique_ptr<jet_sql::ServerDialect> MakeDialect(const ServerFacts& facts);
+
+}  // namespace kxrestore::engine::odbc
