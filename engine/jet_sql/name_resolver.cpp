@@ -206,6 +206,7 @@ class Resolver {
         source.known = !relation->columns.empty();
         source.columns = relation->columns;
         source.table = relation;
+        m_resolution.readsQueries = m_resolution.readsQueries || !relation->isTable;
       } else {
         source.visible = table.alias.empty() ? table.name : table.alias;
       }

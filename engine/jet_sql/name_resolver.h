@@ -52,6 +52,7 @@ struct ResultTable {
 
 struct Resolution {
   std::vector<ParameterUse> parameters;  // number 1 first
+  bool readsQueries = false;             // and not tables only
   bool columnsKnown = false;
   std::vector<ResultColumn> columns;
   std::vector<ResultTable> tables;  // whose rows the result shows one by one; only of reading statements

@@ -101,10 +101,21 @@ std::string PostgresDialect::SortKey(const std::string& column, ValueKind kind) 
 
 std::span<const FunctionMapping> PostgresDialect::Functions() const {
   static constexpr FunctionMapping kMappings[] = {
-      {"UCASE", 1, "upper($1)"},        {"LCASE", 1, "lower($1)"},         {"LEN", 1, "length($1)"},
-      {"LEFT", 2, "left($1, $2)"},      {"RIGHT", 2, "right($1, $2)"},     {"MID", 2, "substr($1, $2)"},
-      {"MID", 3, "substr($1, $2, $3)"}, {"NZ", 1, "coalesce($1, '')"},     {"NZ", 2, "coalesce($1, $2)"},
-      {"INT", 1, "floor($1)"},          {"CLNG", 1, "CAST($1 AS bigint)"}, {"CSTR", 1, "CAST($1 AS text)"},
+      {"UCASE", 1, "upper($1)"},
+      {"LCASE", 1, "lower($1)"},
+      {"LEN", 1, "length($1)"},
+      {"LEFT", 2, "left($1, $2)"},
+      {"RIGHT", 2, "right($1, $2)"},
+      {"MID", 2, "substr($1, $2)"},
+      {"MID", 3, "substr($1, $2, $3)"},
+      {"INSTRREV", 2,
+       "CASE WHEN strpos($1, $2) = 0 THEN 0 ELSE length($1) - length($2) - strpos(reverse($1), reverse($2)) "
+       "+ 2 END"},
+      {"NZ", 1, "coalesce($1, '')"},
+      {"NZ", 2, "coalesce($1, $2)"},
+      {"INT", 1, "floor($1)"},
+      {"CLNG", 1, "CAST($1 AS bigint)"},
+      {"CSTR", 1, "CAST($1 AS text)"},
       {"NOW", 0, "localtimestamp(0)"},
   };
   return kMappings;

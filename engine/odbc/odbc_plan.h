@@ -36,7 +36,8 @@ struct Plan {
   std::size_t hidden = 0;
   std::vector<std::unique_ptr<RowUpdate>> updates;
   std::vector<std::unique_ptr<OdbcStatement>> idle;
-  bool current = true;  // false once the schema was changed under it
+  bool keepsPrepared = true;  // false where the server does not tell that a view is another now
+  bool current = true;        // false once the schema was changed under it
 };
 
 // The values for the plan's parameters, each as the kind of what it is compared with.

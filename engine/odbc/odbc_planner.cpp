@@ -90,6 +90,7 @@ std::shared_ptr<Plan> MakePlan(Session& session, std::string_view source, std::s
     plan->needsText = true;
     return plan;
   }
+  plan->keepsPrepared = session.Facts().IsPostgres() || !resolution.readsQueries;
   plan->columns = std::move(resolution.columns);
   plan->columnsKnown = resolution.columnsKnown;
   auto* select = std::get_if<SelectStatement>(&statement);

@@ -183,7 +183,7 @@ std::unique_ptr<OdbcStatement> Session::Acquire(Plan& plan) {
 void Session::Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) {
   statement->CloseCursor();
   if (plan.updates.size() > kMaxUpdatesOfPlan) plan.updates.clear();
-  if (plan.current && plan.idle.size() < 2) plan.idle.push_back(std::move(statement));
+  if (plan.current && plan.keepsPrepared && plan.idle.size() < 2) plan.idle.push_back(std::move(statement));
 }
 
 void Session::ForgetPlans() {

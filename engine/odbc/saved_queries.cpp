@@ -193,6 +193,7 @@ void DeleteSavedQuery(Session& session, std::string_view name) {
   } catch (const Error& error) {
     if (error.Number() == number::kTableNotFound && own) return;
     if (error.Number() == number::kTableNotFound) RaiseNotFound(name);
+    texts.freed.erase(folded);
     texts.refusals[folded] = error.Description();
     throw;
   }

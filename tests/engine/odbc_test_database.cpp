@@ -173,6 +173,7 @@ class OdbcSqliteTestDatabase final : public TestDatabase {
 class OdbcSqliteTestKind final : public TestDatabaseKind {
  public:
   std::string Name() const override { return "OdbcSqlite"; }
+  bool NoticesViewsOfOthers() const override { return false; }
   std::unique_ptr<TestDatabase> Make() const override { return std::make_unique<OdbcSqliteTestDatabase>(); }
 };
 

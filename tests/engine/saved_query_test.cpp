@@ -63,6 +63,7 @@ TEST_P(SavedQueryConformance, ReadsTextsOfOtherPrograms) {
 }
 
 TEST_P(SavedQueryConformance, ChangesOfOthersAreSeen) {
+  if (!GetParam()->NoticesViewsOfOthers()) return;
   m_workspace->BeginAction();
   const auto database = m_workspace->OpenDatabase(m_test->Request());
   m_database->CreateQueryDef("Changing", "SELECT ID FROM SetNames");

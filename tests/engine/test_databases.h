@@ -44,6 +44,8 @@ class TestDatabaseKind {
   virtual ~TestDatabaseKind() = default;
   virtual std::string Name() const = 0;
   virtual std::unique_ptr<TestDatabase> Make() const = 0;
+  // False for a driver that prepares for the views it has once seen.
+  virtual bool NoticesViewsOfOthers() const { return true; }
   virtual std::unique_ptr<Workspace> MakeWorkspace() const { return MakeDefaultWorkspace(); }
 };
 

@@ -1,0 +1,231 @@
+// A server catalog when things go wrong: who may not, what is not there, a server that goes away, and two
+// dialogs at once. And what the back end asks of the server: round trips, rows in blocks.
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
+#include "engine/odbc/odbc_session.h"
+#include "tests/engine/odbc_test_database.h"
+
+namespace kxrestore::engine {
+namespace {
+
+using testing::ExpectError;
+using testing::Rows;
+using testing::ServerConnect;
+using testing::ServerSetting;
+
+constexpr char kMark[] = "UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=";
+
+class OdbcServer : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!testing::HasTestServer()) {
+      GTEST_SKIP() << "no server: scripts/test_server.sh starts one and sets KX_TEST_SERVER";
+    }
+    m_test = testing::PostgresKind(testing::Spelling::kFolded).Make();
+    m_test->Run(testing::CatalogSchema() + testing::CatalogRows());
+    m_connect = m_test->Request().connect;
+  }
+
+  std::unique_ptr<Database> Open(Workspace& workspace) { return workspace.OpenDatabase(m_test->Request()); }
+  void Mark(Workspace& workspace, int id) {
+    Open(workspace)->Execute(kMark + std::to_string(id) + "));", kFailOnError);
+  }
+  std::string Marked() {
+    return m_test->Ask(
+        "SELECT group_concat(ID) FROM (SELECT ID FROM Catalog WHERE Restore ORDER BY ID) AS m");
+  }
+  static void Control(const char* what) {
+    ASSERT_EQ(std::system((ServerSetting("KX_TEST_CONTROL") + " " + what).c_str()), 0);
+  }
+  std::string AsUser(const std::string& user, const std::string& password = "restore") const {
+    const std::size_t start = m_connect.find("DATABASE=") + 9;
+    return ServerConnect(m_connect.substr(start, m_connect.find(';', start) - start), user, password);
+  }
+
+  std::unique_ptr<testing::TestDatabase> m_test;
+  std::unique_ptr<Workspace> m_workspace = MakeDefaultWorkspace();
+  std::string m_connect;
+};
+
+TEST_F(OdbcServer, WhoCannotLogOn) {
+  const auto open = [&](const std::string& connect) {
+    return [this, connect] {
+      OpenRequest request;
+      request.connect = connect;
+      m_workspace->OpenDatabase(request);
+    };
+  };
+  try {
+    open(AsUser("kx_user", "wr0ng-secret"))();
+    ADD_FAILURE() << "logged on with a wrong password";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Number(), error_number::kOdbcConnectionFailed);
+    EXPECT_NE(error.Description().find("authentication failed"), std::string::npos) << error.Description();
+    EXPECT_EQ(error.Description().find("wr0ng-secret"), std::string::npos) << error.Description();
+  }
+  ExpectError(error_number::kOdbcConnectionFailed, "nowhere.invalid",
+              open("ODBC;DRIVER={sql server};DATABASE=x;SERVER=nowhere.invalid;UID=u;PWD=p"));
+  ExpectError(error_number::kOdbcConnectionFailed, "127.0.0.1",
+              open("ODBC;DRIVER={sql server};DATABASE=x;SERVER=127.0.0.1;PORT=1;UID=u;PWD=pass"));
+  ExpectError(error_number::kOdbcConnectionFailed, "No such driver",
+              open("ODBC;DRIVER={No such driver};DATABASE=x;SERVER=No such driver;UID=u;PWD=pass"));
+}
+
+TEST_F(OdbcServer, RightsThatLack) {
+  odbc::Session owner(m_connect, false, nullptr);
+  odbc::Session administrator(AsUser(ServerSetting("KX_TEST_ADMIN")), false, nullptr);
+  administrator.RunSchemaChange({"DROP ROLE IF EXISTS kx_guest",
+                                 "CREATE ROLE kx_guest LOGIN PASSWORD 'restore'",
+                                 "GRANT USAGE ON SCHEMA public TO kx_guest"});
+  owner.RunSchemaChange({"GRANT SELECT ON setnames, fullcatalog, catalog TO kx_guest"});
+  Open(*m_workspace)->CreateQueryDef("FullCatalogBySet", "SELECT ID FROM Catalog;");
+  OpenRequest request;
+  request.connect = AsUser("kx_guest");
+  const auto database = m_workspace->OpenDatabase(request);
+  EXPECT_EQ(Rows(*database, "SetNames").size(), 3u);
+  ExpectError(error_number::kOdbcFailed, "permission denied for table longpaths",
+              [&] { Rows(*database, "LongPaths"); });
+  ExpectError(error_number::kOdbcFailed, "permission denied",
+              [&] { database->Execute(std::string(kMark) + "1));", kFailOnError); });
+  ExpectError(error_number::kOdbcFailed, "permission denied for schema public",
+              [&] { database->CreateQueryDef("Mine", "SELECT ID FROM Catalog;"); });
+  ExpectError(error_number::kOdbcFailed, "must be owner",
+              [&] { database->DeleteQueryDef("FullCatalogBySet"); });
+  ExpectError(error_number::kObjectExists, "must be owner",
+              [&] { database->CreateQueryDef("FullCatalogBySet", "SELECT ID FROM Catalog;"); });
+  EXPECT_EQ(database->QueryText("FullCatalog").back(), ';');
+}
+
+TEST_F(OdbcServer, AViewOfOthersIsNeverLost) {
+  const auto database = Open(*m_workspace);
+  database->CreateQueryDef("FullCatalogBySet", "SELECT ID FROM Catalog;");
+  m_test->Run("CREATE VIEW reports AS SELECT * FROM fullcatalogbyset");
+  ExpectError(error_number::kOdbcFailed, "reports", [&] { database->DeleteQueryDef("FullCatalogBySet"); });
+  EXPECT_EQ(m_test->Ask("SELECT count(*) FROM reports"), "7");
+}
+
+TEST_F(OdbcServer, AServerThatGoesAndComesBack) {
+  m_test->Run("INSERT INTO Catalog (ID, Restore) SELECT g, false FROM generate_series(100, 20000) AS g");
+  m_workspace->BeginAction();
+  Mark(*m_workspace, 1);
+  m_workspace->Flush();
+  {
+    const auto walk =
+        Open(*m_workspace)
+            ->OpenRecordset("SELECT ID, Restore FROM Catalog ORDER BY ID", RecordsetType::kDynaset);
+    walk->MoveNext();
+    Control("stop");
+    walk->Edit();
+    walk->Fields("Restore").Set(true);
+    ExpectError(error_number::kOdbcFailed, "ODBC - call failed", [&] { walk->Update(); });
+    ExpectError(error_number::kOdbcConnectionFailed, "127.0.0.1", [&] { Mark(*m_workspace, 2); });
+  }
+  Control("start");
+  Mark(*m_workspace, 3);
+  try {
+    m_workspace->EndAction();
+  } catch (const Error&) {  // of the session that was lost
+  }
+  m_test.reset();
+  m_test = nullptr;
+  OpenRequest request;
+  request.connect = m_connect;
+  EXPECT_EQ(
+      Rows(*m_workspace->OpenDatabase(request), "SELECT ID FROM Catalog WHERE Restore = True ORDER BY ID"),
+      (std::vector<std::string>{"1", "3", "4", "5"}));
+}
+
+// Two dialogs that mark the same rows in opposite order wait for each other; nobody loses a mark.
+TEST_F(OdbcServer, MarksOfTwoThatMeet) {
+  const auto mark = [&](int first, int step) {
+    const auto workspace = MakeDefaultWorkspace();
+    workspace->BeginAction();
+    const auto database = workspace->OpenDatabase(m_test->Request());
+    for (int id = first, count = 0; count < 7; id += step, ++count) {
+      database->Execute(kMark + std::to_string(id) + "));", kFailOnError);
+      std::this_thread::sleep_for(std::chrono::milliseconds(9));
+    }
+    workspace->EndAction();
+  };
+  for (int round = 0; round < 3; ++round) {
+    m_test->Run("UPDATE Catalog SET Restore = false");
+    std::thread other([&] { EXPECT_NO_THROW(mark(7, -1)); });
+    EXPECT_NO_THROW(mark(1, 1));
+    other.join();
+    EXPECT_EQ(Marked(), "1,2,3,4,5,6,7");
+  }
+}
+
+// Each makes its own query of the same name, again and again, and reads what it has made.
+TEST_F(OdbcServer, SavedQueriesOfTwoThatMeet) {
+  const auto search = [&](const std::string& set, std::size_t rows) {
+    const auto workspace = MakeDefaultWorkspace();
+    for (int round = 0; round < 12; ++round) {
+      workspace->BeginAction();
+      const auto database = workspace->OpenDatabase(m_test->Request());
+      try {
+        database->DeleteQueryDef("FullCatalogBySet");
+      } catch (const Error& error) {
+        EXPECT_EQ(error.Number(), error_number::kItemNotFound) << error.Description();
+      }
+      database->CreateQueryDef("FullCatalogBySet", "SELECT ID FROM Catalog WHERE SetNameID = " + set + ";");
+      std::this_thread::sleep_for(std::chrono::milliseconds(round % 4));
+      EXPECT_EQ(Rows(*database, "FullCatalogBySet").size(), rows);
+      workspace->EndAction();
+    }
+  };
+  std::thread other([&] { EXPECT_NO_THROW(search("2", 2)); });
+  EXPECT_NO_THROW(search("1", 5));
+  other.join();
+}
+
+TEST_F(OdbcServer, TextsOfAnyLengthInBlocks) {
+  m_test->Run(
+      "CREATE TABLE texts (id integer PRIMARY KEY, filename text); INSERT INTO texts SELECT g, repeat('ä', g "
+      "* 7) || "
+      "chr(128512) || g FROM generate_series(1, 1500) AS g; INSERT INTO texts (id) VALUES (1501)");
+  const auto rows =
+      Open(*m_workspace)
+          ->OpenRecordset("SELECT ID, Filename FROM Texts ORDER BY ID", RecordsetType::kSnapshot);
+  int id = 1;
+  for (; !rows->Eof() && id <= 1500; rows->MoveNext(), ++id) {
+    std::string expected;
+    for (int i = 0; i < id * 7; ++i) expected += "ä";
+    ASSERT_EQ(rows->Fields("Filename").Text(), expected + "\xF0\x9F\x98\x80" + std::to_string(id)) << id;
+  }
+  EXPECT_TRUE(rows->Fields("Filename").IsNull());
+  rows->MoveNext();
+  EXPECT_TRUE(rows->Eof());
+}
+
+TEST_F(OdbcServer, KindsOfTheServer) {
+  m_test->Run(
+      "CREATE TABLE kinds (id bigint PRIMARY KEY, stamp timestamp, flag smallint, number numeric(12, 2), day "
+      "date, "
+      "code char(3)); INSERT INTO kinds VALUES (5000000000, '2026-02-03 04:05:06', 1, 2.5, '2026-07-08', "
+      "'ab')");
+  const auto database = Open(*m_workspace);
+  EXPECT_EQ(Rows(*database,
+                 "SELECT ID, Stamp, Flag, Number, Day FROM Kinds WHERE Stamp = '2026-02-03 04:05:06' AND "
+                 "Flag = True AND Code = 'ab' AND ID = 5000000000"),
+            (std::vector<std::string>{"5000000000|2026-02-03 04:05:06|1|2.5|2026-07-08 00:00:00"}));
+  database->Execute("UPDATE Kinds SET Flag = False WHERE Stamp < #3/1/2026#", kFailOnError);
+  EXPECT_EQ(m_test->Ask("SELECT flag FROM kinds"), "0");
+  const auto dynaset = database->OpenRecordset("Kinds", RecordsetType::kDynaset);
+  dynaset->Edit();
+  dynaset->Fields("Flag").Set(true);
+  dynaset->Fields("Stamp").Set(DateTime{2027, 1, 2, 3, 4, 5});
+  dynaset->Update();
+  EXPECT_EQ(m_test->Ask("SELECT stamp || ' ' || flag FROM kinds"), "2027-01-02 03:04:05 1");
+  EXPECT_EQ(Rows(*database,
+                 "SELECT Mid([Filename],InStrRev([Filename],\".\")) AS FileType, Count(*) AS Files FROM "
+                 "[Catalog] WHERE (((Catalog.Status)=2) AND ((Catalog.Filename) Like \"*.*\")) GROUP BY "
+                 "Mid([Filename],InStrRev([Filename],\".\")) ORDER BY Count(*)")
+                .size(),
+            3u);
+}
+
+}  // namespace
+}  // namespace kxrestore::engine
