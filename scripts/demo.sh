@@ -3,8 +3,8 @@
 #
 # Builds the component, its sample host and a sample catalog, registers the component and lets the host run the restore
 # dialog. With a display the dialog is yours. Without one, or with --scripted, a script chooses a run, ticks a folder,
-# applies, adds an archive disc and presses "Restore Now" on an X server of its own. Screenshots of the steps and the host's output are left in
-# build/demo/.
+# applies, finds files by a mask, marks a kind of files, adds an archive disc and presses "Restore Now" on an X server
+# of its own. Screenshots of the steps and the host's output are left in build/demo/.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"

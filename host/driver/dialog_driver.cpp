@@ -122,11 +122,7 @@ void DialogDriver::SelectRun(const std::string& which) const {
   sets.Click(run);
   WaitFor(m_patience, "the run " + text + " to be chosen",
           [&] { return EndsWith(Text("lblSetName"), text); });
-  auto since = Clock::now();
-  WaitFor(m_patience, "the files of the run " + text, [&] {
-    if (!Visible("lblTreeCount") || !EndsWith(Text("lblTreeCount"), " file(s).")) since = Clock::now();
-    return Clock::now() - since > kSettled;
-  });
+  ExpectSettled("lblTreeCount", " file(s).");
 }
 
 void DialogDriver::SelectSet(const std::string& name) const {
@@ -154,7 +150,9 @@ bool DialogDriver::NodeTicked(const std::string& path) const {
 void DialogDriver::TickEntry(const std::string& list, const std::string& which) const {
   const ListDriver entries(Usable(list), m_patience);
   const auto number = Number(which);
-  if (number) ExpectVisible(list, true);
+  if (number) {
+    WaitFor(m_patience, "entry " + which + " of " + list, [&] { return entries.Count() >= *number; });
+  }
   entries.Toggle(number ? *number - 1 : entries.Find(which));
 }
 
@@ -256,6 +254,17 @@ void DialogDriver::ExpectText(const std::string& control, const std::string& tex
 void DialogDriver::ExpectEnabled(const std::string& control, bool enabled) const {
   WaitFor(m_patience, control + (enabled ? " to be enabled" : " to be disabled"),
           [&] { return Enabled(control) == enabled; });
+}
+
+void DialogDriver::ExpectSettled(const std::string& control, const std::string& ending) const {
+  std::string shown;
+  auto since = Clock::now();
+  WaitFor(m_patience, control + " to settle", [&] {
+    const std::string now = Visible(control) ? Text(control) : std::string();
+    if (now != shown || now.empty() || !EndsWith(now, ending)) since = Clock::now();
+    shown = now;
+    return Clock::now() - since > kSettled;
+  });
 }
 
 void DialogDriver::ExpectVisible(const std::string& control, bool visible) const {

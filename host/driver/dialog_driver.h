@@ -57,6 +57,8 @@ class DialogDriver {
   // Wait for a state.
   void ExpectText(const std::string& control, const std::string& text) const;
   void ExpectEnabled(const std::string& control, bool enabled) const;
+  // Its text ends so and does not change for a while: the work that counts there is done.
+  void ExpectSettled(const std::string& control, const std::string& ending) const;
   void ExpectVisible(const std::string& control, bool visible) const;
   void ExpectCount(const std::string& list, int count) const;
   void ExpectMessage(const std::string& text) const;

@@ -84,6 +84,7 @@ class Commands {
     m_named["choose"] = [=](auto& box, auto& item) { d->Choose(box, item); };
     m_named["type"] = [=](auto& field, auto& text) { d->Type(field, text); };
     m_named["expect-caption"] = [=](auto& control, auto& text) { d->ExpectText(control, text); };
+    m_named["expect-settled"] = [=](auto& control, auto& ending) { d->ExpectSettled(control, ending); };
     m_named["expect-enabled"] = [=](auto& control, auto& yesNo) { d->ExpectEnabled(control, YesNo(yesNo)); };
     m_named["expect-visible"] = [=](auto& control, auto& yesNo) { d->ExpectVisible(control, YesNo(yesNo)); };
     m_named["expect-count"] = [=](auto& list, auto& count) { d->ExpectCount(list, Integer(count)); };

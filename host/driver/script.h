@@ -5,9 +5,8 @@
 //   select-run 1 | select-run TEXT | select-set NAME | select-node TEXT\TEXT
 //   tick C:\Folder\File | tick-entry LIST NUMBER-OR-TEXT
 //   click cmdAction(0) | check chk(1) | option optLookIn(1) | type cboMask TEXT
-//   expect-caption CONTROL TEXT | expect-enabled CONTROL YES | expect-visible CONTROL NO
-//   expect-count LIST 3
-//   shot NAME
+//   expect-settled CONTROL ENDING | expect-caption CONTROL TEXT | expect-enabled CONTROL YES | expect-visible
+//   CONTROL NO expect-count LIST 3 shot NAME
 //
 // `shot` says "shot: NAME" and waits until NAME.png or NAME.done is there, 5 seconds at most.
 #pragma once

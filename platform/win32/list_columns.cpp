@@ -7,7 +7,7 @@ namespace kxrestore::win32 {
 
 namespace {
 
-constexpr int kLeastNameWidth = 1800;  // twips
+constexpr int kLeastWidth = 1800;  // twips, of the elastic column
 
 HWND HeadingOf(HWND list) {
   return reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
@@ -20,9 +20,9 @@ const ListColumns::Column ListColumns::kFiles[] = {{L"Name", ListColumn::kName, 
                                                    {L"Extension", ListColumn::kExtension, 1050, false},
                                                    {L"Set", ListColumn::kSet, 1500, false},
                                                    {L"Date", ListColumn::kDate, 2050, false}};
-const ListColumns::Column ListColumns::kTypes[] = {{L"Type", ListColumn::kName, 0, false},
-                                                   {L"Description", ListColumn::kExtension, 2600, false},
-                                                   {L"Files", ListColumn::kSize, 1100, true}};
+const ListColumns::Column ListColumns::kTypes[] = {{L"Type", ListColumn::kName, 1350, false},
+                                                   {L"Description", ListColumn::kExtension, 0, false},
+                                                   {L"Files", ListColumn::kSize, 850, true}};
 
 ListColumns::ListColumns(WindowContext& context, controls::AutoSelect::Style style) : m_context(context) {
   if (style == controls::AutoSelect::Style::kTypes) {
@@ -57,12 +57,17 @@ void ListColumns::Fit(HWND list) {
     RECT area{};
     GetClientRect(list, &area);
     int rest = area.right;
-    for (std::size_t index = 1; index < m_columns.size(); ++index) {
+    std::size_t elastic = 0;
+    for (std::size_t index = 0; index < m_columns.size(); ++index) {
       const int width = m_context.ToPixels(m_columns[index].width);
       rest -= width;
-      put(index, width);
+      if (width == 0) {
+        elastic = index;
+      } else {
+        put(index, width);
+      }
     }
-    put(0, std::max(rest, m_context.ToPixels(kLeastNameWidth)));
+    put(elastic, std::max(rest, m_context.ToPixels(kLeastWidth)));
   } else {
     for (std::size_t index = 0; index < m_columns.size(); ++index) {
       put(index, m_context.ToPixels(m_ofUser[index]));
