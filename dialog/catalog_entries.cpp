@@ -65,7 +65,8 @@ void CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticked) {
   } else {
     entry.date = TextOf(m_date, buffers[6]);
   }
-  entry.storedName = aggregate ? file : TextOf(m_filename, buffers[5]);
+  // Whatever is named like an aggregate is marked like one.
+  entry.storedName = IsAggregateName(entry.name) ? file : TextOf(m_filename, buffers[5]);
   list.Add(entry, ticked);
 }
 

@@ -1,5 +1,5 @@
-// The columns of a list window: their headings, their widths, and the arrow of the one it is sorted by. The
-// first takes what the others leave, until the user moves a divider; then all stay as they are.
+// The columns of a list window: their headings, their widths, and the arrow of the one it is sorted by. One
+// of them takes what the others leave, until the user moves a divider; then all stay as they are.
 #pragma once
 
 #include <windows.h>

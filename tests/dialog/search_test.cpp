@@ -160,6 +160,8 @@ TEST_F(SearchTab, AggregatesAreMarkedInAllTheirVersions) {
   rows[3].file = "Public";
   rows.push_back(Live(5, "Store 5"));
   rows[4].plugin = "Exchange";
+  rows.push_back(Live(6, "C:\\Exports\\plain.kxexag"));  // no aggregate, but named like one
+  rows[5].file = "plain.kxexag";
   MakeCatalog(rows);
   ui().tbsOptions.UserSelect(2);
   EXPECT_EQ(Found("Store"), (Strings{"Exchange Server - Public Folders.kxexag", "Mailbox.kxexag",
@@ -172,6 +174,10 @@ TEST_F(SearchTab, AggregatesAreMarkedInAllTheirVersions) {
   ui().asSearch.UserTick(1, true);
   ui().cmdSearch[kApply].UserClick();
   EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 3, 4}));
+  Find("plain");
+  ui().asSearch.UserTick(1, true);
+  ui().cmdSearch[kApply].UserClick();
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 3, 4, 6}));
 }
 
 TEST_F(SearchTab, StoppingKeepsWhatWasFoundAndMarked) {
