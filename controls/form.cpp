@@ -28,9 +28,16 @@ void Form::SetFrame(int width, int height) {
 
 void Form::SetWindowState(controls::WindowState state) {
   if (m_windowState == state) return;
+  KeepNormalSize();
   m_windowState = state;
   Notify(Property::kWindowState);
   SizeChanged();
+}
+
+void Form::KeepNormalSize() {
+  if (m_windowState != controls::WindowState::kNormal) return;
+  m_normalWidth = Width();
+  m_normalHeight = Height();
 }
 
 void Form::SetMousePointer(controls::MousePointer pointer) {
@@ -74,6 +81,7 @@ void Form::UserClose() {
 
 void Form::UserResize(int width, int height, controls::WindowState state) {
   const bool stateChanged = state != m_windowState;
+  KeepNormalSize();
   m_windowState = state;
   const bool sizeChanged = state != controls::WindowState::kMinimized && AdoptSize(width, height);
   if (stateChanged || sizeChanged) SizeChanged();

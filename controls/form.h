@@ -55,6 +55,14 @@ class Form : public Container {
   // Raises Resize when the size or the state changed, and is taken whether or not the form takes other input.
   void UserResize(int width, int height, controls::WindowState state);
 
+  // The outer size that the window has when it is neither maximized nor minimized.
+  int NormalWidth() const {
+    return m_windowState == controls::WindowState::kNormal ? Width() : m_normalWidth;
+  }
+  int NormalHeight() const {
+    return m_windowState == controls::WindowState::kNormal ? Height() : m_normalHeight;
+  }
+
   // Remembered place of the window in twips on the screen; shown centred when there is none.
   struct Placement {
     bool known = false;
@@ -63,9 +71,12 @@ class Form : public Container {
   Placement placement;
 
  private:
+  void KeepNormalSize();
+
   std::string m_caption;
   std::string m_iconPath;
   int m_minimumWidth = 0, m_minimumHeight = 0;
+  int m_normalWidth = 0, m_normalHeight = 0;
   int m_frameWidth = 240, m_frameHeight = 510;
   controls::WindowState m_windowState = controls::WindowState::kNormal;
   controls::MousePointer m_mousePointer = controls::MousePointer::kDefault;

@@ -78,6 +78,7 @@ ContextHelp::ContextHelp(FormContext& context) : m_context(context) {
         static_cast<controls::Control*>(&ui.tvwSets)}) {
     Explain(*list, list->Name());
   }
+  ui.lblHelp.SetCaption(std::string(kHelpTexts[0].text));
   const auto explainAll = [this](auto& buttons, const auto& keys) {
     for (std::size_t i = 0; i < buttons.size(); ++i) Explain(buttons[i], keys[i]);
   };

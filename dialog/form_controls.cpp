@@ -5,7 +5,9 @@ namespace kxrestore::dialog {
 namespace {
 
 constexpr int kDesignedWidth = 11880;
-constexpr int kDesignedHeight = 8600;
+constexpr int kDesignedHeight = 9000;
+constexpr auto kButtonFace = static_cast<std::int32_t>(0x8000000F);  // a colour of the system
+constexpr auto kSizeWE = static_cast<std::int32_t>(controls::MousePointer::kSizeWE);
 
 void Size(controls::Control& control, int width, int height) {
   control.Move(control.Left(), control.Top(), width, height);
@@ -30,7 +32,7 @@ FormControls::FormControls() {
   SizeButtons(cmdRestore);
   Size(cmdCD, kButtonWidth, kButtonHeight);
   Size(lblTreeCount, kButtonWidth, 3 * kLineHeight);
-  Size(lblSearchCount, kButtonWidth, 2 * kLineHeight);
+  Size(lblSearchCount, kButtonWidth, kLineHeight);
   Size(lblMask, 1200, kLineHeight);
   Size(cboMask, 2300, kFieldHeight);
   Size(lblList, 2400, 240);
@@ -42,7 +44,8 @@ FormControls::FormControls() {
   Size(chkShowZero, 1900, kBoxHeight);
   for (auto& frame : frLookin) Size(frame, 2325, 525);
   lblCounts[1].SetVisible(false);  // nobody counts bytes
-  SplitV.SetMousePointer(static_cast<int>(controls::MousePointer::kSizeWE));
+  splitH.ReadProperties({{"BackColor", kButtonFace}});
+  SplitV.ReadProperties({{"BackColor", kButtonFace}, {"MousePointer", kSizeWE}});
 
   lblSetName.SetFontName("Arial");
   lblCurrSet.SetFontName("Arial");
@@ -61,6 +64,8 @@ FormControls::FormControls() {
   txtVL.SetAccessibleName("Volume");
   ProgressBar1.SetAccessibleName("Progress");
   tbsOptions.SetAccessibleName("Ways to choose files");
+  SplitV.SetAccessibleName("Width of the backup sets");
+  splitH.SetAccessibleName("Height of the upper area");
 
   // Nothing uses these; a user is not shown a control that does nothing.
   chkShowZero.SetVisible(false);

@@ -18,7 +18,7 @@ namespace kxrestore::dialog {
 inline constexpr int kButtonWidth = 1335;
 inline constexpr int kButtonHeight = 375;
 inline constexpr int kButtonPitch = 435;  // from the top of one button in a column to the next
-inline constexpr int kLineHeight = 195;   // of a label
+inline constexpr int kLineHeight = 225;   // of a label
 inline constexpr int kBoxHeight = 225;    // of a check box or option button
 inline constexpr int kFieldHeight = 315;  // of a text or combo box
 
@@ -86,12 +86,12 @@ struct FormControls {
                                          {"optLookIn(3)", &frLookin[2], "A&ll Sets"},
                                          {"optLookIn(4)", &frLookin[0], "&This Set"},
                                          {"optLookIn(5)", &frLookin[0], "A&ll Sets"}}};
-  controls::AutoSelect asSearch{"asSearch", &panel[1], controls::AutoSelect::Style::kFiles};
   std::array<CommandButton, 4> cmdSearch{{{"cmdSearch(0)", &panel[1], "Appl&y"},
                                           {"cmdSearch(1)", &panel[1], "Clea&r"},
                                           {"cmdSearch(2)", &panel[1], "&Find"},
                                           {"cmdSearch(3)", &panel[1], "Select &All"}}};
   Label lblSearchCount{"lblSearchCount", &panel[1], "0 File(s)"};
+  controls::AutoSelect asSearch{"asSearch", &panel[1], controls::AutoSelect::Style::kFiles};
   controls::CheckBox chk2{"chk(2)", &panel[2], "&Only Most Recent Version"};
   std::array<CommandButton, 3> cmdAuto{{{"cmdAuto(0)", &panel[2], "&Apply"},
                                         {"cmdAuto(1)", &panel[2], "Select &All"},

@@ -45,7 +45,7 @@ struct frmRestore::Loaded {
         autoSelect(context, setTree, restoreList),
         cdArchive(context),
         help(context),
-        placement(ui, form.m_platform) {
+        placement(ui, layout, form.m_platform) {
     setTree.LoadBackupSetDetail = [this](controls::Node run) { setDetail.LoadBackupSetDetail(run); };
     setTree.ArchiveNode = [this](controls::Node node) { cdArchive.OpenBranch(node); };
     detailActions.ListCurrentSelections = [this] { restoreList.ListCurrentSelections(); };

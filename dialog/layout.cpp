@@ -11,10 +11,11 @@ constexpr int kLeastHeight = 6100;
 constexpr double kTopShare = 0.4;  // of the upper area when the form loads
 
 // What the areas need at least for the controls on them.
-constexpr int kLeastTop = 3060;
-constexpr int kLeastBottom = 2130;
+constexpr int kLeastTop = 3360;
+constexpr int kLeastBottom = 1830;
+constexpr int kCountsBelow = 2130;  // the lower area, with the counts below its buttons
 constexpr int kLeastTree = 1300;
-constexpr int kLeastTabs = 3140;
+constexpr int kLeastTabs = 3360;
 
 constexpr int kBarSize = 60;
 constexpr int kTabsTop = 360;
@@ -23,7 +24,8 @@ constexpr int kDesignedTree = 3200;
 constexpr int kEdge = 60;                  // from the tab strip's border to what stands inside
 constexpr int kRow = kTreeTop - kTabsTop;  // first row on a panel, level with the set tree
 constexpr int kGap = 90;
-constexpr int kInset = 45;  // left of everything on a panel
+constexpr int kInset = 45;                                    // left of everything on a panel
+constexpr int kFieldText = (kFieldHeight - kLineHeight) / 2;  // from a field's top to its label's
 
 constexpr int kColumnEdge = 180;  // right of a column of buttons
 constexpr int kListTop = 360;     // on the lower area
@@ -38,6 +40,9 @@ constexpr int kColumnInset = 10;   // right of its buttons, which end where the 
 constexpr int kLabelAndField = 2700;
 constexpr int kOptionsInRow = 2325;
 constexpr int kBoxInRow = 2300;
+constexpr int kChoicesInRow = kOptionsInRow + kGap + kBoxInRow;
+constexpr int kLeastField = 2000;
+constexpr int kArchiveLabel = 1350;
 
 int ButtonTop(int row) {
   return kRow + row * kButtonPitch;
@@ -92,6 +97,18 @@ void Layout::PlaceInitially() {
   picTop_Resize();
 }
 
+Layout::Splitters Layout::WishedSplitters() const {
+  return {m_ui.splitH.Top() == m_placedTop ? m_wishedTop : m_ui.splitH.Top(),
+          m_ui.SplitV.Left() == m_placedLeft ? m_wishedLeft : m_ui.SplitV.Left()};
+}
+
+void Layout::WishSplitters(const Splitters& wished) {
+  m_wishedTop = wished.top;
+  m_wishedLeft = wished.left;
+  Form_Resize();
+  picTop_Resize();
+}
+
 void Layout::Form_Resize() {
   const auto state = m_ui.form.WindowState();
   if (state != controls::WindowState::kMinimized) {
@@ -109,6 +126,7 @@ void Layout::Form_Resize() {
     Place(m_ui.picBottom, 0, below + 56, width, height - below - 90);
     m_ui.splitH.SetLeft(m_ui.picTop.Left());
     m_ui.splitH.SetWidth(m_ui.tbsOptions.Width());
+    PlaceHelp();
   }
   m_ui.picBottom.Refresh();
   m_ui.picTop.Refresh();
@@ -117,7 +135,7 @@ void Layout::Form_Resize() {
 // Gives the lower area its room when the window became too small for both, and gives it back when the window
 // grows.
 void Layout::KeepSplitters() {
-  if (m_ui.splitH.Top() != m_placedTop) m_wishedTop = m_ui.splitH.Top();
+  m_wishedTop = WishedSplitters().top;
   const int most = m_ui.form.ScaleHeight() - m_ui.splitH.Height() - 90 - kLeastBottom;
   m_placedTop = std::max(std::min(m_wishedTop, most), kLeastTop);
   m_ui.splitH.SetTop(m_placedTop);
@@ -136,22 +154,30 @@ void Layout::PlaceRightColumn() {
   m_ui.lblCurrSet.Move(kEdge, top, width, kLineHeight);
   top += kLineHeight;
   m_ui.lblSetName.Move(kEdge, top, width, 4 * kLineHeight);
-  top += 4 * kLineHeight;
+  top += 4 * kLineHeight + kGap;
 
   column.Move(m_ui.picTop.Left() + m_ui.picTop.Width() + 30, kRow, column.Width(), top);
   column.BringToFront();
-  const int help = column.Top() + column.Height() + kGap;
-  Place(m_ui.lblHelp, column.Left() + kEdge, help, width, m_ui.picTop.Top() + m_ui.picTop.Height() - help);
+  PlaceHelp();
+}
+
+// Nothing of the form's own surface lies between the areas above and below and the label: its text must not
+// change under a pointer that comes to see the rest of it.
+void Layout::PlaceHelp() {
+  const auto& column = m_ui.picTopButtons;
+  const int top = column.Top() + column.Height();
+  Place(m_ui.lblHelp, column.Left() + kEdge, top, column.Width() - kEdge, m_ui.picBottom.Top() - top);
 }
 
 void Layout::picTop_Resize() {
   const auto& area = m_ui.picTop;
   Place(m_ui.tbsOptions, 0, 0, area.Width(), area.Height() - 30);
 
-  if (m_ui.tvwSets.Width() != m_placedTree) m_wishedTree = m_ui.tvwSets.Width();
-  const int most = area.Width() - 90 - kLeastTabs - m_ui.SplitV.Width() - m_ui.tvwSets.Left();
-  m_placedTree = std::max(std::min(m_wishedTree, most), kLeastTree);
-  Place(m_ui.tvwSets, m_ui.tvwSets.Left(), kTreeTop, m_placedTree, area.Height() - kTreeTop);
+  m_wishedLeft = WishedSplitters().left;
+  const int most = area.Width() - 90 - kLeastTabs - m_ui.SplitV.Width();
+  m_placedLeft = std::max(std::min(m_wishedLeft, most), m_ui.tvwSets.Left() + kLeastTree);
+  Place(m_ui.tvwSets, m_ui.tvwSets.Left(), kTreeTop, m_placedLeft - m_ui.tvwSets.Left(),
+        area.Height() - kTreeTop);
   Place(m_ui.SplitV, m_ui.tvwSets.Left() + m_ui.tvwSets.Width(), kTreeTop, kBarSize, m_ui.tvwSets.Height());
 
   const int left = m_ui.SplitV.Left() + m_ui.SplitV.Width();
@@ -169,8 +195,10 @@ void Layout::picBottom_Resize() {
   const auto& area = m_ui.picBottom;
   auto& buttons = m_ui.cmdRestore;
   const int column = area.Width() - buttons[2].Width() - kColumnEdge;
+  const bool countsBelow = area.Height() >= kCountsBelow;
+  const int firstButton = countsBelow ? kListTop : 15 + 2 * kLineHeight;
   for (int row = 0; row < 3; ++row) {
-    Place(buttons[2 + row], column, kListTop + row * kButtonPitch, kButtonWidth, kButtonHeight);
+    Place(buttons[2 + row], column, firstButton + row * kButtonPitch, kButtonWidth, kButtonHeight);
   }
 
   const int width = column - 260;
@@ -182,9 +210,10 @@ void Layout::picBottom_Resize() {
         m_ui.lblList.Height() - 25);
   m_ui.lblRestorePath.BringToFront();
 
-  Place(m_ui.picCounts, column, kListTop + 3 * kButtonPitch, kButtonWidth, 2 * kLineHeight);
+  Place(m_ui.picCounts, column, countsBelow ? kListTop + 3 * kButtonPitch : 0, kButtonWidth, 2 * kLineHeight);
   m_ui.picCounts.BringToFront();
   for (auto& label : m_ui.lblCounts) Place(label, 0, 0, kButtonWidth, 2 * kLineHeight);
+  PlaceHelp();
 }
 
 void Layout::panel_Resize(int index) {
@@ -221,94 +250,124 @@ void Layout::PlaceArchiveFrame() {
   const auto& tree = m_ui.tvwDetails;
   Place(m_ui.frLoadCD, tree.Left(), tree.Top(), tree.Width(), tree.Height());
   const int width = tree.Width() - 2 * kGap;
-  const int text = std::min(1200, width / 2);
-  const int field = kGap + text;
-  const int fieldWidth = width - text;
+  const bool beside = width >= kLabelAndField;
+  const int gap = beside ? kGap : 30;
   int top = 285;
-  Place(m_ui.lblCD[0], kGap, top + 60, text, kLineHeight);
-  Place(m_ui.DriveCD, field, top, fieldWidth, kFieldHeight);
-  top += kFieldHeight + kGap;
-  Place(m_ui.lblVL, kGap, top + 60, text, kLineHeight);
-  Place(m_ui.txtVL, field, top, fieldWidth, kFieldHeight);
-  top += kFieldHeight + kGap;
-  Place(m_ui.lblCD[1], kGap, top + 30, text, kLineHeight);
-  Place(m_ui.ProgressBar1, field, top, fieldWidth, 255);
-  top += 255 + kGap;
+  // Each field has its label on its line or, in a narrow frame, above.
+  const auto placeField = [&](controls::Control& label, controls::Control& field, int height) {
+    if (beside) {
+      Place(label, kGap, top + (height - kLineHeight) / 2, kArchiveLabel, kLineHeight);
+      Place(field, kGap + kArchiveLabel, top, width - kArchiveLabel, height);
+    } else {
+      Place(label, kGap, top, width, kLineHeight);
+      top += kLineHeight;
+      Place(field, kGap, top, width, height);
+    }
+    top += height + gap;
+  };
+  placeField(m_ui.lblCD[0], m_ui.DriveCD, kFieldHeight);
+  placeField(m_ui.lblVL, m_ui.txtVL, kFieldHeight);
+  placeField(m_ui.lblCD[1], m_ui.ProgressBar1, 255);
   Place(m_ui.cmdCD, kGap, top, std::min(kButtonWidth, width), kButtonHeight);
-  top += kButtonHeight + kGap;
+  top += kButtonHeight + gap;
   // Above the frame's lower edge, however low the window is.
   Place(m_ui.lblCD[2], kGap, top, width, std::clamp(tree.Height() - top - 60, 0, 3 * kLineHeight));
 }
 
-// Options side by side where there is room, else one below the other.
-void Layout::PlaceOptions(int panel) {
+// Options side by side where there is room, else one below the other. The height of their frame.
+int Layout::PlaceOptions(int panel, int left, int top, int width) {
   auto& frame = m_ui.frLookin[panel];
-  const bool row = frame.Width() >= kOptionsInRow;
+  const bool row = width >= kOptionsInRow;
   const int first = panel == 0 ? 4 : (panel - 1) * 2;
-  const int width = row ? 1020 : frame.Width() - 2 * kGap;
-  Place(m_ui.optLookIn[first], kGap, 225, width, kBoxHeight);
-  Place(m_ui.optLookIn[first + 1], row ? kGap + 1080 : kGap, row ? 225 : 465, width, kBoxHeight);
-  frame.SetHeight(row ? 525 : 765);
+  const int option = row ? 1020 : width - 2 * kGap;
+  const int height = row ? 525 : 720;
+  Place(frame, left, top, row ? kOptionsInRow : width, height);
+  Place(m_ui.optLookIn[first], kGap, 225, option, kBoxHeight);
+  Place(m_ui.optLookIn[first + 1], row ? kGap + 1080 : kGap, row ? 225 : 465, option, kBoxHeight);
+  return height;
 }
 
+// The frame with its options, and the check box right of it. Where they end.
+int Layout::PlaceChoicesInRow(int panel, controls::CheckBox& box, int top) {
+  const int height = PlaceOptions(panel, kInset, top, kOptionsInRow);
+  Place(box, kInset + kOptionsInRow + kGap, top + 225, kBoxInRow, kBoxHeight);
+  return top + height;
+}
+
+// The same in a narrow column, the check box on top.
+int Layout::PlaceChoicesInColumn(int panel, controls::CheckBox& box, int top, int width) {
+  const int height = width >= kBoxInRow ? kBoxHeight : 2 * kBoxHeight;
+  Place(box, kInset, top, width, height);
+  top += height + 30;
+  return top + PlaceOptions(panel, kInset, top, width);
+}
+
+// The list takes the whole width; what is asked stands above it, left of the buttons.
 void Layout::PlaceSearchPanel() {
   const auto& area = m_ui.panel[1];
-  const int column = area.Width() - (kButtonWidth + kColumnEdge);
-  const int width = column - kGap;
-  for (int row = 0; row < 4; ++row) {
-    Place(m_ui.cmdSearch[row], column, ButtonTop(row), kButtonWidth, kButtonHeight);
+  const int column = area.Width() - kInset - kButtonWidth;
+  const int secondColumn = column - kGap - kButtonWidth;
+  const bool wide = secondColumn - kGap - kInset >= kLeastField;
+  for (int index = 0; index < 4; ++index) {
+    const int row = wide ? index / 2 : index;
+    Place(m_ui.cmdSearch[index], wide && index % 2 == 0 ? secondColumn : column, ButtonTop(row), kButtonWidth,
+          kButtonHeight);
   }
-  Place(m_ui.lblSearchCount, column, ButtonTop(3) + kButtonHeight + 120, kButtonWidth, 2 * kLineHeight);
+  const int belowButtons = ButtonTop(wide ? 1 : 3) + kButtonHeight + 45;
+  const int width = (wide ? secondColumn : column) - kGap - kInset;
 
   int top = kRow;
   if (width >= kLabelAndField) {
-    Place(m_ui.lblMask, kInset, top + 60, 1200, kLineHeight);
+    Place(m_ui.lblMask, kInset, top + kFieldText, 1200, kLineHeight);
     Place(m_ui.cboMask, kInset + 1200, top, width - 1200, kFieldHeight);
   } else {
     Place(m_ui.lblMask, kInset, top, width, kLineHeight);
     top += kLineHeight;
     Place(m_ui.cboMask, kInset, top, width, kFieldHeight);
   }
-  top += kFieldHeight + 60;
-  if (width >= kBoxInRow + kGap + kOptionsInRow) {
-    Place(m_ui.chk1, kInset, top + 225, kBoxInRow, kBoxHeight);
-    Place(m_ui.frLookin[1], kInset + kBoxInRow + kGap, top, kOptionsInRow, m_ui.frLookin[1].Height());
+  int count = belowButtons;
+  int countLeft = column;
+  if (wide) {
+    top = PlaceChoicesInRow(1, m_ui.chk1, ButtonTop(2));
   } else {
-    const int height = width >= kBoxInRow ? kBoxHeight : 2 * kBoxHeight;
-    Place(m_ui.chk1, kInset, top, width, height);
-    top += height + 30;
-    Place(m_ui.frLookin[1], kInset, top, std::min(width, kOptionsInRow), m_ui.frLookin[1].Height());
+    top = PlaceChoicesInColumn(1, m_ui.chk1, top + kFieldHeight + 45, width);
+    if (top + 45 + kLineHeight <= belowButtons) {
+      count = top + 45;
+      countLeft = kInset;
+    }
+    top = std::max(top, std::max(count + kLineHeight, belowButtons - 45));
   }
-  m_context.Skipping([this] { PlaceOptions(1); });
-  top += m_ui.frLookin[1].Height() + kGap;
-  Place(m_ui.asSearch, kInset, top, width, area.Height() - top - 100);
+  Place(m_ui.lblSearchCount, countLeft, count, kButtonWidth, kLineHeight);
+  top += wide ? kGap : 30;
+  Place(m_ui.asSearch, kInset, top, area.Width() - kGap, area.Height() - top - 100);
   m_ui.lblMask.BringToFront();
   m_ui.cboMask.BringToFront();
   m_ui.chk1.BringToFront();
   m_ui.frLookin[1].BringToFront();
 }
 
-// From the lower edge up: the buttons, the check box and the look-in frame; the chooser takes what is left.
+// The buttons, the check box and the look-in frame stand along the lower edge; the chooser takes what is
+// left.
 void Layout::PlaceAutoPanel() {
   const auto& area = m_ui.panel[2];
   const int width = area.Width() - kGap;
-  const int perRow = width >= 3 * kButtonWidth + 2 * kGap ? 3 : 2;
-  int top = area.Height() - kButtonPitch * (3 / perRow + (3 % perRow != 0 ? 1 : 0));
-  for (int index = 0; index < 3; ++index) {
-    Place(m_ui.cmdAuto[index], kInset + index % perRow * (kButtonWidth + kGap),
-          top + index / perRow * kButtonPitch, kButtonWidth, kButtonHeight);
-  }
-  const bool row = width >= kBoxInRow + kGap + kOptionsInRow;
-  Place(m_ui.frLookin[2], kInset, m_ui.frLookin[2].Top(), std::min(width, kOptionsInRow),
-        m_ui.frLookin[2].Height());
-  m_context.Skipping([this] { PlaceOptions(2); });
-  top -= m_ui.frLookin[2].Height() + kGap;
-  m_ui.frLookin[2].SetTop(top);
-  if (row) {
-    Place(m_ui.chk2, kInset + kOptionsInRow + kGap, top + 225, kBoxInRow, kBoxHeight);
+  const bool wide = width >= kChoicesInRow;
+  const int column = area.Width() - kInset - kButtonWidth;
+  const int choices = 3 * kButtonPitch;
+  const int bottom = area.Height() - kButtonPitch + kButtonHeight;
+  int top = area.Height() - choices;
+  if (wide) {
+    const int row = bottom - kButtonHeight;
+    for (int index = 0; index < 3; ++index) {
+      Place(m_ui.cmdAuto[index], kInset + index * (kButtonWidth + kGap), row, kButtonWidth, kButtonHeight);
+    }
+    top = row - kGap - 525;
+    PlaceChoicesInRow(2, m_ui.chk2, top);
   } else {
-    top -= kBoxHeight + 30;
-    Place(m_ui.chk2, kInset, top, width, kBoxHeight);
+    for (int index = 0; index < 3; ++index) {
+      Place(m_ui.cmdAuto[index], column, top + index * kButtonPitch, kButtonWidth, kButtonHeight);
+    }
+    PlaceChoicesInColumn(2, m_ui.chk2, top, column - kGap - kInset);
   }
   Place(m_ui.asFiles, kInset, kRow, width, top - kRow - 60);
 }

@@ -20,6 +20,14 @@ class Layout {
   // Places the areas and wires the splitters. The form has its size by now.
   void PlaceInitially();
 
+  // Where the user wants the bars, which is not where they are in a window too small for that.
+  struct Splitters {
+    int top = 0;   // of splitH
+    int left = 0;  // of SplitV
+  };
+  Splitters WishedSplitters() const;
+  void WishSplitters(const Splitters& wished);
+
   void Form_Resize();
   void picTop_Resize();
   void picTabs_Resize();
@@ -33,16 +41,18 @@ class Layout {
   void PlaceSearchPanel();
   void PlaceAutoPanel();
   void PlaceRightColumn();
-  void PlaceOptions(int panel);
+  void PlaceHelp();
+  int PlaceOptions(int panel, int left, int top, int width);
+  int PlaceChoicesInRow(int panel, controls::CheckBox& box, int top);
+  int PlaceChoicesInColumn(int panel, controls::CheckBox& box, int top, int width);
   void KeepSplitters();
   void ShowPanel(int index);
   void Place(controls::Control& control, int left, int top, int width, int height);
 
   FormContext& m_context;
   FormControls& m_ui;
-  // Where the user wants the splitters; a window too small for that may move them.
   int m_wishedTop = 0, m_placedTop = 0;
-  int m_wishedTree = 0, m_placedTree = 0;
+  int m_wishedLeft = 0, m_placedLeft = 0;
 };
 
 }  // namespace kxrestore::dialog

@@ -71,9 +71,7 @@ void WindowPlacement::RestoreWindow() {
 void WindowPlacement::RestoreSplitters() {
   const auto splitters = ReadNumbers<2>(m_platform, kSplittersEntry);
   if (!splitters) return;
-  // The bars' own limits decide whether a move is possible in this window.
-  m_ui.splitH.UserNudge((*splitters)[0] - m_ui.splitH.Top());
-  m_ui.SplitV.UserNudge((*splitters)[1] - m_ui.SplitV.Left());
+  m_layout.WishSplitters({(*splitters)[0], (*splitters)[1]});
 }
 
 void WindowPlacement::Remember() const {
@@ -81,9 +79,10 @@ void WindowPlacement::Remember() const {
   // A window that was never shown has no place of its own to remember.
   if (!form.placement.known) return;
   WriteNumbers<5>(m_platform, kWindowEntry,
-                  {form.placement.left, form.placement.top, form.Width(), form.Height(),
+                  {form.placement.left, form.placement.top, form.NormalWidth(), form.NormalHeight(),
                    form.WindowState() == controls::WindowState::kMaximized ? 1 : 0});
-  WriteNumbers<2>(m_platform, kSplittersEntry, {m_ui.splitH.Top(), m_ui.SplitV.Left()});
+  const Layout::Splitters splitters = m_layout.WishedSplitters();
+  WriteNumbers<2>(m_platform, kSplittersEntry, {splitters.top, splitters.left});
 }
 
 }  // namespace kxrestore::dialog

@@ -3,15 +3,15 @@
 // window opens as designed. Whether the place is still on a screen is for the front end to see.
 #pragma once
 
-#include "dialog/form_controls.h"
+#include "dialog/layout.h"
 #include "platform/platform.h"
 
 namespace kxrestore::dialog {
 
 class WindowPlacement {
  public:
-  WindowPlacement(FormControls& controls, platform::Platform& platform)
-      : m_ui(controls), m_platform(platform) {}
+  WindowPlacement(FormControls& controls, Layout& layout, platform::Platform& platform)
+      : m_ui(controls), m_layout(layout), m_platform(platform) {}
 
   // Gives the form its remembered size, place and state: before the form is laid out.
   void RestoreWindow();
@@ -21,6 +21,7 @@ class WindowPlacement {
 
  private:
   FormControls& m_ui;
+  Layout& m_layout;
   platform::Platform& m_platform;
 };
 

@@ -1,5 +1,6 @@
 # Running Windows programs under Wine (source it after lib.sh): an environment and a prefix of its own under build/wine,
-# so that neither the user's Wine nor what is installed there matters. Set KX_WINEPREFIX for another prefix.
+# so that neither the user's Wine nor what is installed there matters. Set KX_WINEPREFIX for another prefix, KX_SCREEN
+# for another size of the screen than 2560x1440.
 #
 # A session is what holds the prefix to itself: wine_session_start, any number of `wine_do`, wine_session_stop (a trap
 # does it at the end of the script, too). Within one, KX_WINE_SESSION is set for scripts that are called.
@@ -85,7 +86,7 @@ wine_make_prefix() {
 start_xvfb() {
   local file
   file=$(mktemp)
-  Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$file" >"$kxBuild/log/xvfb.log" 2>&1 \
+  Xvfb -displayfd 3 -screen 0 "${KX_SCREEN:-2560x1440}x24" -nolisten tcp -noreset 3>"$file" >"$kxBuild/log/xvfb.log" 2>&1 \
     {kxWineLock}>&- &
   kxXvfbPid=$!
   local tries

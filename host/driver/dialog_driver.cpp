@@ -15,18 +15,10 @@ using Clock = std::chrono::steady_clock;
 
 constexpr wchar_t kFormClass[] = L"KXRestore.frmRestore";
 constexpr wchar_t kMessageClass[] = L"#32770";
-constexpr wchar_t kNameProperty[] = L"KXRestore.Control";
 constexpr int kMessageTextId = 0xFFFF;
 
 // Labels that count follow a long walk about ten times a second; text that stays this long is the final one.
 constexpr auto kSettled = std::chrono::milliseconds(300);
-
-std::string NameOf(HWND window) {
-  const auto atom = static_cast<ATOM>(reinterpret_cast<std::uintptr_t>(GetPropW(window, kNameProperty)));
-  wchar_t name[256] = L"";
-  if (atom == 0 || GlobalGetAtomNameW(atom, name, 256) == 0) return {};
-  return FromWide(name);
-}
 
 bool EndsWith(const std::string& text, const std::string& end) {
   return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;

@@ -9,6 +9,7 @@ namespace {
 
 using component::com::FromWide;
 
+constexpr wchar_t kNameProperty[] = L"KXRestore.Control";
 constexpr UINT kAnswerTime = 30000;  // ms; a dialog at work lets messages run far more often
 
 }  // namespace
@@ -55,6 +56,13 @@ std::vector<HWND> Inner(HWND parent) {
       },
       reinterpret_cast<LPARAM>(&windows));
   return windows;
+}
+
+std::string NameOf(HWND window) {
+  const auto atom = static_cast<ATOM>(reinterpret_cast<std::uintptr_t>(GetPropW(window, kNameProperty)));
+  wchar_t name[256] = L"";
+  if (atom == 0 || GlobalGetAtomNameW(atom, name, 256) == 0) return {};
+  return FromWide(name);
 }
 
 std::string ClassOf(HWND window) {

@@ -39,6 +39,8 @@ HWND VisibleWindow(const wchar_t* windowClass, DWORD process = GetCurrentProcess
 // The windows inside `parent`, at any depth, in z-order.
 std::vector<HWND> Inner(HWND parent);
 
+// The name of the control that a window shows; empty for a window inside one.
+std::string NameOf(HWND window);
 std::string ClassOf(HWND window);
 std::string TextOf(HWND window);
 

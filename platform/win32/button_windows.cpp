@@ -26,6 +26,8 @@ class ButtonWindow : public WindowPeer<controls::Peer> {
   }
   virtual void ShowValue() {}
 
+  RECT PixelBounds() const override { return SizedBounds(); }
+
   Button& m_button;
 };
 
@@ -65,7 +67,7 @@ std::unique_ptr<controls::Peer> MakeCommandButtonWindow(WindowContext& context,
 
 std::unique_ptr<controls::Peer> MakeCheckBoxWindow(WindowContext& context, controls::CheckBox& box,
                                                    HWND parent) {
-  return std::make_unique<TickWindow<controls::CheckBox>>(context, box, parent, BS_CHECKBOX);
+  return std::make_unique<TickWindow<controls::CheckBox>>(context, box, parent, BS_CHECKBOX | BS_MULTILINE);
 }
 
 std::unique_ptr<controls::Peer> MakeOptionButtonWindow(WindowContext& context, controls::OptionButton& option,

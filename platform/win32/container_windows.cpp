@@ -22,6 +22,9 @@ class PictureBoxWindow final : public WindowPeer<controls::Peer> {
     Create(parent, kContainerClass, {}, kContainerStyle, WS_EX_CONTROLPARENT);
   }
   bool TakesFocus() const override { return false; }
+
+ protected:
+  RECT PixelBounds() const override { return SizedBounds(); }
 };
 
 struct ThemeCloser {
@@ -81,7 +84,9 @@ class FrameWindow final : public WindowPeer<controls::Peer> {
     DrawTextW(dc, caption.c_str(), -1, &text, format | DT_CALCRECT);
     const int indent = Context().ToPixels(kCaptionIndent);
     OffsetRect(&text, indent, 0);
-    text.right = std::min(text.right, border.right - indent);
+    const bool cut = text.right > border.right - indent;
+    if (cut) text.right = border.right - indent;
+    ShowToolTip(cut ? m_frame.Caption() : std::string());
     DrawTextW(dc, caption.c_str(), -1, &text, format | DT_END_ELLIPSIS);
     if (!caption.empty()) {
       const LONG gap = indent / 4;

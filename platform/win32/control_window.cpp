@@ -71,7 +71,7 @@ void ControlWindow::Destroy() {
   if (m_handle == nullptr) return;
   const HWND handle = m_handle;
   m_handle = nullptr;
-  if (!m_control.ToolTipText().empty()) m_context.SetToolTip(handle, {});
+  if (!m_toolTip.empty()) m_context.SetToolTip(handle, {});
   Windows().Set(handle, {nullptr, Windows().Get(handle).procedure});
   UnnameWindow(handle);
   DestroyWindow(handle);
@@ -118,7 +118,7 @@ void ControlWindow::Attach(HWND handle) {
   NameWindow();
   SendMessageW(handle, WM_SETFONT, reinterpret_cast<WPARAM>(OwnFont()), FALSE);
   SetAccessibleName();
-  if (!m_control.ToolTipText().empty()) m_context.SetToolTip(handle, m_control.ToolTipText());
+  ShowToolTip(m_control.ToolTipText());
 }
 
 // Tools that drive the dialog find a control's window by the name that form code uses.
@@ -145,6 +145,12 @@ void ControlWindow::SetAccessibleName() {
   }
 }
 
+void ControlWindow::ShowToolTip(const std::string& text) {
+  if (m_toolTip == text) return;
+  m_toolTip = text;
+  m_context.SetToolTip(m_handle, text);
+}
+
 HBRUSH ControlWindow::OnColor(HDC dc) {
   SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
   SetBkColor(dc, GetSysColor(COLOR_3DFACE));
@@ -158,6 +164,14 @@ void ControlWindow::OnDpiChanged() {
 }
 
 RECT ControlWindow::PixelBounds() const {
+  // Edge by edge: what meets or contains something in twips does so in pixels.
+  const auto pixels = [this](int twips) { return static_cast<LONG>(m_context.ToPixels(twips)); };
+  const int left = m_control.Left();
+  const int top = m_control.Top();
+  return {pixels(left), pixels(top), pixels(left + m_control.Width()), pixels(top + m_control.Height())};
+}
+
+RECT ControlWindow::SizedBounds() const {
   const int left = m_context.ToPixels(m_control.Left());
   const int top = m_context.ToPixels(m_control.Top());
   return {left, top, left + m_context.ToPixels(m_control.Width()),
@@ -245,7 +259,7 @@ void ControlWindow::PeerChanged(controls::Property property) {
       flag = kCaptionFlag;
       break;
     case Property::kToolTipText:
-      m_context.SetToolTip(m_handle, m_control.ToolTipText());
+      ShowToolTip(m_control.ToolTipText());
       return;
     case Property::kValue:
       flag = kValueFlag;

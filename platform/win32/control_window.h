@@ -94,6 +94,8 @@ class ControlWindow {
     return WindowContext::When::kSoon;
   }
 
+  void ShowToolTip(const std::string& text);
+
   // Stops and resumes painting; the default sends WM_SETREDRAW and repaints everything on release.
   virtual void SetRedraw(bool redraw);
   bool Frozen() const { return m_freezes > 0; }
@@ -103,6 +105,9 @@ class ControlWindow {
   // Where the control belongs, in pixels of the parent. Combo boxes, whose window includes their list,
   // override it.
   virtual RECT PixelBounds() const;
+  // The same with a size that does not depend on the place. For buttons, so that all look alike, and for
+  // containers, whose contents know their width and height only.
+  RECT SizedBounds() const;
   virtual HFONT OwnFont() { return m_context.Font(); }
 
   // Peer calls, forwarded by WindowPeer.
@@ -124,6 +129,7 @@ class ControlWindow {
   controls::Control& m_control;
   HWND m_handle = nullptr;
   ATOM m_name = 0;
+  std::string m_toolTip;
   friend class WindowContext;
   int m_freezes = 0;
   bool m_redrawOff = false;

@@ -1,5 +1,7 @@
 #include "platform/win32/label_window.h"
 
+#include <algorithm>
+
 #include "platform/win32/wide_text.h"
 
 namespace kxrestore::win32 {
@@ -8,14 +10,28 @@ namespace {
 
 constexpr LONG_PTR kStyleMask = SS_TYPEMASK | SS_NOPREFIX;
 
+// Text that does not fit ends in an ellipsis, and the whole of it is shown as a tool tip.
 class LabelWindow final : public WindowPeer<controls::Peer> {
  public:
   LabelWindow(WindowContext& context, controls::Label& label, HWND parent)
       : WindowPeer(context, label), m_label(label) {
     // SS_NOTIFY lets the label see the pointer.
     Create(parent, WC_STATICW, Wide(label.Caption()), SS_NOTIFY | Style());
+    Measure();
   }
   bool TakesFocus() const override { return false; }
+
+  std::optional<LRESULT> OnMessage(UINT message, WPARAM /*wide*/, LPARAM /*extra*/) override {
+    if (message != WM_PAINT || !m_cut) return std::nullopt;
+    PAINTSTRUCT paint{};
+    const HDC dc = BeginPaint(Handle(), &paint);
+    RECT area{};
+    GetClientRect(Handle(), &area);
+    FillRect(dc, &area, OnColor(dc));
+    Draw(dc, area, DT_END_ELLIPSIS | DT_EDITCONTROL);
+    EndPaint(Handle(), &paint);
+    return 0;
+  }
 
  protected:
   HFONT OwnFont() override { return Context().Font(m_label.FontName(), m_label.Bold()); }
@@ -32,9 +48,10 @@ class LabelWindow final : public WindowPeer<controls::Peer> {
       SetWindowLongPtrW(Handle(), GWL_STYLE, (style & ~kStyleMask) | Style());
       SendMessageW(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(OwnFont()), FALSE);
     }
+    if ((flags & (kCaptionFlag | kGeometryFlag | kAppearanceFlag)) != 0) Measure();
     if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), Wide(m_label.Caption()).c_str());
     // Text that is aligned or broken by the width must not be copied along.
-    if ((flags & (kGeometryFlag | kAppearanceFlag)) != 0) InvalidateRect(Handle(), nullptr, TRUE);
+    if ((flags & (kGeometryFlag | kAppearanceFlag)) != 0 || m_cut) InvalidateRect(Handle(), nullptr, TRUE);
   }
 
  private:
@@ -42,7 +59,29 @@ class LabelWindow final : public WindowPeer<controls::Peer> {
     return (m_label.RightAligned() ? SS_RIGHT : SS_LEFT) | (m_label.UseMnemonic() ? 0 : SS_NOPREFIX);
   }
 
+  void Measure() {
+    RECT area{};
+    GetClientRect(Handle(), &area);
+    RECT needed = area;
+    if (const HDC dc = GetDC(Handle())) {
+      Draw(dc, needed, DT_CALCRECT);
+      ReleaseDC(Handle(), dc);
+    }
+    m_cut = needed.right > area.right || needed.bottom > area.bottom;
+    if (m_label.ToolTipText().empty()) ShowToolTip(m_cut ? m_label.Caption() : std::string());
+  }
+
+  void Draw(HDC dc, RECT& area, UINT format) {
+    const HGDIOBJ before = SelectObject(dc, OwnFont());
+    format |= DT_WORDBREAK | DT_EXPANDTABS | (m_label.RightAligned() ? DT_RIGHT : DT_LEFT) |
+              (m_label.UseMnemonic() ? 0U : UINT{DT_NOPREFIX});
+    const std::wstring text = Wide(m_label.Caption());
+    DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &area, format);
+    SelectObject(dc, before);
+  }
+
   controls::Label& m_label;
+  bool m_cut = false;
 };
 
 }  // namespace

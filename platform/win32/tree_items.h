@@ -46,6 +46,9 @@ class TreeItems {
   // While the control is inside its own handling of a mouse message it holds on to items, so none may go.
   void Hold(bool held) { m_held += held ? 1 : -1; }
 
+  // Whether the items that there are belong to a tree that was cleared, and wait for their removal.
+  bool Emptying() const { return m_removing && !m_rebuild && !m_rebuilding; }
+
   // Whether changes of the control are this class's doing.
   bool Quiet() const { return m_quiet > 0; }
   // Whether everything was made anew since this was last asked; the node that was at the top of the window

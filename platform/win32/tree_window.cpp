@@ -141,7 +141,11 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
       }
       case WM_PAINT:
         if (!m_native.Paused()) return std::nullopt;
-        ValidateRect(Handle(), nullptr);
+        if (m_items.Emptying()) {
+          PaintEmpty();
+        } else {
+          ValidateRect(Handle(), nullptr);
+        }
         return 0;
       case WM_SETREDRAW:
         if (wide == 0) {
@@ -179,7 +183,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     WindowPeer::OnFlush(flags);
     if ((flags & kWorkFlag) != 0) Work();
     if ((flags & kRepaintFlag) == 0) return;
-    if (!Frozen()) InvalidateRect(Handle(), nullptr, FALSE);
+    if (!Frozen() || m_items.Emptying()) InvalidateRect(Handle(), nullptr, FALSE);
     for (const std::uint32_t node : std::exchange(m_announced, {})) Announce(node);
   }
 
@@ -206,6 +210,14 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     ImageListHandle images = MakeImageList(*m_tree.Images(), pixels);
     m_native.Send(TVM_SETIMAGELIST, TVSIL_NORMAL, reinterpret_cast<LPARAM>(images.get()));
     m_images = std::move(images);
+  }
+
+  // Nobody shall look for a second at what is no longer there.
+  void PaintEmpty() const {
+    PAINTSTRUCT paint{};
+    const HDC dc = BeginPaint(Handle(), &paint);
+    FillRect(dc, &paint.rcPaint, GetSysColorBrush(COLOR_WINDOW));
+    EndPaint(Handle(), &paint);
   }
 
   void Describe(TVITEMW& item) const {

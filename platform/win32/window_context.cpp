@@ -11,7 +11,9 @@ namespace {
 
 constexpr WORD kManifestResource = 2;
 constexpr DWORD kThrottleMilliseconds = 100;
-constexpr int kMostRounds = 16;  // of windows that change while windows are brought into line
+constexpr int kToolTipMilliseconds = 30000;  // enough to read the longest
+constexpr int kToolTipWidth = 5400;          // twips
+constexpr int kMostRounds = 16;              // of windows that change while windows are brought into line
 
 HANDLE MakeActivationContext(HINSTANCE module) {
   ACTCTXW description{sizeof description};
@@ -157,7 +159,9 @@ void WindowContext::SetToolTip(HWND window, const std::string& text) {
         CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0,
                         0, 0, 0, m_form, nullptr, m_module, nullptr);
     if (m_toolTips == nullptr) return;
+    SendMessageW(m_toolTips, TTM_SETDELAYTIME, TTDT_AUTOPOP, kToolTipMilliseconds);
   }
+  SendMessageW(m_toolTips, TTM_SETMAXTIPWIDTH, 0, ToPixels(kToolTipWidth));
   std::wstring wide = Wide(text);
   TTTOOLINFOW tool{TTTOOLINFOW_V1_SIZE};
   tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;

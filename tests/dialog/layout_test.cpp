@@ -1,6 +1,6 @@
 #include "dialog/layout.h"
 
-#include <algorithm>
+#include <random>
 
 #include "controls/program_settings.h"
 #include "dialog/window_placement.h"
@@ -18,6 +18,10 @@ class LayoutTest : public PanelTest {
   LayoutTest() { layout.PlaceInitially(); }
 
   void Resize(int width, int height) { ui.form.UserResize(width, height, controls::WindowState::kNormal); }
+  static void Drag(controls::SplitBar& bar, int by) {
+    bar.UserMouseMoveOver(controls::SplitBar::kLeftButton, by, by);
+    bar.UserMouseUp();
+  }
 
   // Controls that may lie on another: by rule the heading carries the destination, the tab strip is the
   // ground for what stands on its pages, and the frame for archives takes the place of the tree.
@@ -55,31 +59,28 @@ class LayoutTest : public PanelTest {
 };
 
 TEST_F(LayoutTest, NothingOverlapsOrLeavesItsContainerAtAnySize) {
-  for (int tab = 1; tab <= 3; ++tab) {
-    ui.tbsOptions.UserSelect(tab);
-    for (const auto& [width, height] : std::vector<std::pair<int, int>>{{7000, 6100},
-                                                                        {7400, 9000},
-                                                                        {8200, 6500},
-                                                                        {9500, 7000},
-                                                                        {11880, 8600},
-                                                                        {15360, 11520},
-                                                                        {38400, 21600},
-                                                                        {12000, 6100},
-                                                                        {7000, 15000},
-                                                                        {7000, 6100}}) {
-      Resize(width, height);
-      CheckContainer(ui.form, ui.form.ScaleWidth(), ui.form.ScaleHeight(),
-                     " at " + std::to_string(width) + " x " + std::to_string(height));
-      for (const Control* const list :
-           {static_cast<Control*>(&ui.tvwSets), static_cast<Control*>(&ui.asRestoreList),
-            static_cast<Control*>(&ui.tvwDetails)}) {
-        EXPECT_GT(list->Width(), 600) << list->Name();
-        EXPECT_GT(list->Height(), 600) << list->Name();
-      }
-      // Room for a heading and two lines even in the smallest window.
-      EXPECT_GE(ui.asSearch.Height(), 600);
-      EXPECT_GE(ui.asFiles.Height(), 600);
+  std::mt19937 random(4);
+  const auto upTo = [&](int most) { return static_cast<int>(random() % static_cast<unsigned>(most)); };
+  Resize(7000, 6100);
+  for (int round = 0; round < 300; ++round) {
+    // Now and then a bar is dragged as far as it goes.
+    if (round % 10 == 5) Drag(ui.splitH, upTo(30'000) - 15'000);
+    if (round % 10 == 9) Drag(ui.SplitV, upTo(30'000) - 15'000);
+    ui.tbsOptions.UserSelect(round % 3 + 1);
+    ui.frLoadCD.SetVisible(round % 6 == 0);
+    CheckContainer(ui.form, ui.form.ScaleWidth(), ui.form.ScaleHeight(),
+                   " at " + std::to_string(ui.form.Width()) + " x " + std::to_string(ui.form.Height()));
+    for (const Control* const list :
+         {static_cast<Control*>(&ui.tvwSets), static_cast<Control*>(&ui.asRestoreList),
+          static_cast<Control*>(&ui.tvwDetails)}) {
+      EXPECT_GT(list->Width(), 600) << list->Name();
+      EXPECT_GT(list->Height(), 600) << list->Name();
     }
+    // Room for a heading and a line even in the smallest window.
+    EXPECT_GE(ui.asSearch.Height(), 500);
+    EXPECT_GE(ui.asFiles.Height(), 900);
+    if (HasFailure()) break;
+    Resize(7000 + upTo(round % 2 == 0 ? 32'000 : 6'000), 6100 + upTo(round % 3 == 0 ? 16'000 : 3'000));
   }
 }
 
@@ -109,6 +110,9 @@ TEST_F(LayoutTest, RulesHoldAtEverySize) {
       EXPECT_EQ(ui.asRestoreList.Height(), ui.picBottom.Height() - ui.asRestoreList.Top() - 120);
       EXPECT_EQ(ui.lblList.Width(), ui.asRestoreList.Width());
       EXPECT_EQ(ui.cmdAction[3].Left(), ui.panel[0].Width() - (ui.cmdAction[0].Width() + 180));
+      EXPECT_EQ(ui.asSearch.Width(), ui.panel[1].Width() - 90);
+      EXPECT_EQ(ui.asSearch.Height(), ui.panel[1].Height() - ui.asSearch.Top() - 100);
+      EXPECT_EQ(ui.asFiles.Width(), ui.panel[2].Width() - 90);
       EXPECT_EQ(ui.lblTreeCount.Top(), ui.cmdAction[3].Top() + ui.cmdAction[3].Height() + 120);
     }
   }
@@ -128,12 +132,10 @@ TEST_F(LayoutTest, ASmallWindowSnapsBackAndAMinimizedOneIsLeftAlone) {
 
 TEST_F(LayoutTest, DraggedBarsGiveWayInASmallWindowAndComeBack) {
   Resize(14000, 12000);
-  ui.splitH.UserMouseMoveOver(controls::SplitBar::kLeftButton, 0, 8000 - ui.splitH.Top());
-  ui.splitH.UserMouseUp();
+  Drag(ui.splitH, 8000 - ui.splitH.Top());
   EXPECT_EQ(ui.splitH.Top(), 8000);
   EXPECT_EQ(ui.picTop.Height(), 8000);
-  ui.SplitV.UserMouseMoveOver(controls::SplitBar::kLeftButton, 5000 - ui.SplitV.Left(), 0);
-  ui.SplitV.UserMouseUp();
+  Drag(ui.SplitV, 5000 - ui.SplitV.Left());
   EXPECT_EQ(ui.tvwSets.Width(), 5000 - ui.tvwSets.Left());
   Resize(7000, 6100);
   EXPECT_LT(ui.splitH.Top(), 4000);
@@ -180,23 +182,32 @@ TEST_F(LayoutTest, OneTabIsShownAndTheChooserIsFilledOnce) {
 
 TEST_F(LayoutTest, TheWindowComesBackWhereItWas) {
   Resize(13000, 10000);
-  ui.splitH.UserNudge(500);
-  ui.SplitV.UserNudge(-700);
   ui.form.placement = {true, 1500, -300};
-  WindowPlacement(ui, platform).Remember();
+  ui.form.UserResize(28000, 20000, controls::WindowState::kMaximized);
+  // Bars that only the maximized window has room for.
+  Drag(ui.splitH, 15'000 - ui.splitH.Top());
+  Drag(ui.SplitV, 12'000 - ui.SplitV.Left());
+  ui.form.UserResize(160, 30, controls::WindowState::kMinimized);
+  ui.form.UserResize(28000, 20000, controls::WindowState::kMaximized);
+  WindowPlacement(ui, layout, platform).Remember();
 
   FormControls again;
   FormContext othersContext(parameters, again, platform, *workspace);
   Layout othersLayout(othersContext);
-  WindowPlacement placement(again, platform);
+  WindowPlacement placement(again, othersLayout, platform);
   placement.RestoreWindow();
   othersLayout.PlaceInitially();
   placement.RestoreSplitters();
+  EXPECT_EQ(again.form.WindowState(), controls::WindowState::kMaximized);
   EXPECT_EQ(again.form.Width(), 13000);
   EXPECT_EQ(again.form.Height(), 10000);
   EXPECT_EQ(again.form.placement.left, 1500);
-  EXPECT_EQ(again.splitH.Top(), ui.splitH.Top());
-  EXPECT_EQ(again.SplitV.Left(), ui.SplitV.Left());
+  EXPECT_LT(again.splitH.Top(), 10'000);
+  again.form.UserResize(28000, 20000, controls::WindowState::kMaximized);
+  EXPECT_EQ(again.splitH.Top(), 15'000);
+  EXPECT_EQ(again.SplitV.Left(), 12'000);
+  EXPECT_EQ(again.form.NormalWidth(), 13000);
+  EXPECT_EQ(again.form.NormalHeight(), 10000);
 }
 
 TEST_F(LayoutTest, NonsenseThatWasRememberedIsNotUsed) {
@@ -212,7 +223,9 @@ TEST_F(LayoutTest, NonsenseThatWasRememberedIsNotUsed) {
     settings.WriteEntry("RestoreWindow", text);
     settings.WriteEntry("RestoreSplitters", text);
     FormControls again;
-    WindowPlacement placement(again, platform);
+    FormContext othersContext(parameters, again, platform, *workspace);
+    Layout othersLayout(othersContext);
+    WindowPlacement placement(again, othersLayout, platform);
     placement.RestoreWindow();
     placement.RestoreSplitters();
     EXPECT_EQ(again.form.Width(), width) << text;

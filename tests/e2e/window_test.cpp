@@ -1,0 +1,159 @@
+// The dialog's window in its user's hands: bars dragged with the mouse, tabs that switch without flicker, and
+// what a screen reader is told.
+#include <gtest/gtest.h>
+
+#include <oleacc.h>
+
+#include <map>
+#include <mutex>
+
+#include "component/com/wide_text.h"
+#include "tests/e2e/dialog_fixture.h"
+#include "tests/e2e/program.h"
+
+namespace kxrestore::e2e {
+namespace {
+
+using driver::Ask;
+using driver::DialogDriver;
+
+RECT Bounds(HWND window) {
+  RECT bounds{};
+  GetWindowRect(window, &bounds);
+  return bounds;
+}
+
+// The X server's pointer, which the system sees as its mouse.
+void Mouse(const std::wstring& actions) {
+  Program xdotool(L"start.exe /wait /unix /usr/bin/xdotool " + actions);
+  EXPECT_EQ(0, xdotool.Wait(20'000)) << xdotool.Output();
+}
+
+std::wstring MoveTo(LONG x, LONG y) {
+  return L"mousemove --sync " + std::to_wstring(x) + L' ' + std::to_wstring(y) + L' ';
+}
+
+void Drag(HWND bar, LONG right, LONG down) {
+  const RECT from = Bounds(bar);
+  const LONG x = (from.left + from.right) / 2, y = (from.top + from.bottom) / 2;
+  Mouse(MoveTo(x, y) + L"mousedown 1 " + MoveTo(x + right / 2, y + down / 2) + MoveTo(x + right, y + down) +
+        L"mouseup 1");
+}
+
+class WindowTest : public DialogTest {};
+
+TEST_F(WindowTest, TheMouseDragsBothBarsAndBothSidesFollow) {
+  RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
+    SetWindowPos(dialog.WaitForForm(), nullptr, 100, 100, 1100, 850, SWP_NOZORDER);
+    const auto at = [&](const char* name) { return Bounds(dialog.Control(name)); };
+    const RECT bottom = at("picBottom");
+    Drag(dialog.Control("splitH"), 0, 60);
+    driver::WaitFor(std::chrono::seconds(5), "the lower area to move",
+                    [&] { return at("picBottom").top >= bottom.top + 50; });
+    EXPECT_NEAR(at("picBottom").bottom, bottom.bottom, 6);
+    EXPECT_NEAR(at("picTop").bottom, at("splitH").top, 1);
+
+    const RECT tree = at("tvwSets"), details = at("tvwDetails");
+    Drag(dialog.Control("SplitV"), 80, 0);
+    driver::WaitFor(std::chrono::seconds(5), "the set tree to grow",
+                    [&] { return at("tvwSets").right >= tree.right + 75; });
+    EXPECT_NEAR(at("tvwDetails").left, details.left + 80, 6);
+    EXPECT_NEAR(at("tvwDetails").right, details.right, 2);
+    dialog.Close();
+  });
+}
+
+// Counts the paintings of each window of a thread.
+class PaintLog {
+ public:
+  explicit PaintLog(DWORD thread)
+      : m_posted(SetWindowsHookExW(WH_GETMESSAGE, Posted, nullptr, thread)),
+        m_sent(SetWindowsHookExW(WH_CALLWNDPROC, Sent, nullptr, thread)) {}
+  ~PaintLog() {
+    UnhookWindowsHookEx(m_posted);
+    UnhookWindowsHookEx(m_sent);
+  }
+  std::map<HWND, int> Take() {
+    const std::lock_guard lock(s_mutex);
+    return std::exchange(s_counts, {});
+  }
+
+ private:
+  static void Count(UINT message, HWND window) {
+    if (message != WM_PAINT) return;
+    const std::lock_guard lock(s_mutex);
+    ++s_counts[window];
+  }
+  static LRESULT CALLBACK Posted(int code, WPARAM wide, LPARAM extra) {
+    const MSG& message = *reinterpret_cast<const MSG*>(extra);
+    if (code == HC_ACTION && wide == PM_REMOVE) Count(message.message, message.hwnd);
+    return CallNextHookEx(nullptr, code, wide, extra);
+  }
+  static LRESULT CALLBACK Sent(int code, WPARAM wide, LPARAM extra) {
+    const auto& message = *reinterpret_cast<const CWPSTRUCT*>(extra);
+    if (code == HC_ACTION) Count(message.message, message.hwnd);
+    return CallNextHookEx(nullptr, code, wide, extra);
+  }
+
+  inline static std::mutex s_mutex;
+  inline static std::map<HWND, int> s_counts;
+  HHOOK m_posted, m_sent;
+};
+
+TEST_F(WindowTest, ATabSwitchPaintsEachWindowOnce) {
+  RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
+    dialog.Tab(3);  // fills it
+    PaintLog log(GetWindowThreadProcessId(dialog.WaitForForm(), nullptr));
+    for (const int tab : {1, 2, 3, 1}) {
+      Sleep(400);
+      log.Take();
+      dialog.Tab(tab);
+      Sleep(400);
+      const auto counts = log.Take();
+      const std::string panel = "panel(" + std::to_string(tab - 1) + ')';
+      EXPECT_TRUE(counts.contains(dialog.Control(panel))) << panel;
+      for (const auto& [window, count] : counts) {
+        EXPECT_EQ(1, count) << driver::NameOf(window) << ' ' << driver::ClassOf(window) << ", tab " << tab;
+      }
+    }
+    dialog.Close();
+  });
+}
+
+std::string SpokenName(HWND window) {
+  ComPtr<IAccessible> object;
+  if (FAILED(AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_PPV_ARGS(&object)))) {
+    return {};
+  }
+  VARIANT self{};
+  self.vt = VT_I4;
+  BSTR name = nullptr;
+  object->get_accName(self, &name);
+  const std::string text = name == nullptr ? std::string() : component::com::FromWide(name);
+  SysFreeString(name);
+  return text;
+}
+
+// Fields apart: their names are annotations, which Wine does not keep.
+TEST_F(WindowTest, EveryControlHasANameForScreenReaders) {
+  RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
+    const Apartment apartment;
+    int named = 0;
+    for (const HWND window : driver::Inner(dialog.WaitForForm())) {
+      const std::string control = driver::NameOf(window), kind = driver::ClassOf(window);
+      const bool field = kind == "Edit" || kind == "ComboBox";
+      const bool ground =
+          control.starts_with("p") || control == "lblTreeCount";  // says something once it counts
+      if (control.empty() || ground || field) continue;
+      const std::string name = SpokenName(window);
+      EXPECT_GT(name.size(), 3u) << control;
+      EXPECT_EQ(std::string::npos, name.find('&')) << control;
+      ++named;
+    }
+    EXPECT_GT(named, 45);
+    dialog.Close();
+  });
+}
+
+}  // namespace
+}  // namespace kxrestore::e2e
