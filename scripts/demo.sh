@@ -8,6 +8,7 @@
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+export KX_SCREEN=1280x1024  # no more than the dialog needs
 # shellcheck source=scripts/wine_env.sh
 source "$kxRoot/scripts/wine_env.sh"
 

@@ -272,6 +272,7 @@ TEST_F(LooksTest, DISABLED_AtThisScale) {
   const int dpi = std::atoi(std::getenv("KX_DPI"));
   ASSERT_EQ(dpi, GetDeviceCaps(ScreenDc(nullptr), LOGPIXELSX));
   RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
+    dialog.Tree("tvwSets").Find({"Archive Sets", "Append new Archive CD ..."});
     dialog.SelectRun("1");
     dialog.Tick("C:\\");
     dialog.Click("cmdAction(0)");
