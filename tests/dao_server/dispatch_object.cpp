@@ -102,7 +102,9 @@ STDMETHODIMP DispatchObject::Invoke(DISPID member, REFIID, LCID, WORD how, DISPP
   } catch (const Error& error) {
     VariantClear(&answer);
     const std::string source = error.Source() == "Engine" ? "DAO." + m_name : "DAO server";
-    m_journal.errors = {{error.Number(), error.Description(), source}};
+    m_journal.errors.clear();
+    if (!m_journal.innerCause.empty()) m_journal.errors.push_back({1, m_journal.innerCause, "driver"});
+    m_journal.errors.push_back({error.Number(), error.Description(), source});
     details->scode = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, error.Number());
     if (!m_journal.bareErrors) {
       details->bstrDescription = MakeBstr(error.Description());

@@ -29,6 +29,7 @@ struct Journal {
   };
   std::vector<std::string> calls;
   std::vector<Entry> errors;
+  std::string innerCause;  // of the failures to come
   int liveObjects = 0;
   bool bareErrors = false;  // failures name their number only; the list says the rest
   bool Called(std::string_view call) const;

@@ -90,6 +90,9 @@ TEST_F(Dao, ErrorsKeepNumberDescriptionAndSource) {
       EXPECT_EQ(error.Description(), "Item not found in this collection: 'Nothing'.");
       EXPECT_EQ(error.Source(), "DAO.QueryDefs");
     }
+    test.Journal().innerCause = "the driver's words";
+    ExpectError(error_number::kItemNotFound, "'Nothing'. (the driver's words)",
+                [&] { database->QueryText("Nothing"); });
   }
 }
 
