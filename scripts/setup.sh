@@ -5,7 +5,7 @@
 #   windows  cross-build of the DLL and its tests, SQLite's source for it
 #   wine     running Windows programs, with and without a display
 #   bench    the benchmarks
-#   server   the database server and the ODBC drivers that the tests need; no server is left running
+#   server   the database server and the ODBC drivers that the tests need, no server is left running; a grammar of T-SQL
 #
 # All groups without any. Needs root or sudo only when a package is missing, the network only then and for SQLite's
 # source; otherwise it is done at once.
@@ -30,12 +30,17 @@ wanted=("$@")
 
 packages=()
 needsSqlite=no
+needsGrammar=no
 for group in "${wanted[@]}"; do
   [[ -n ${kPackages[$group]:-} ]] || fail "no group '$group'; there are: ${!kPackages[*]}"
   read -r -d '' -a more <<<"${kPackages[$group]}" || true
   packages+=("${more[@]}")
   [[ $group != windows ]] || needsSqlite=yes
+  [[ $group != server ]] || needsGrammar=yes
 done
+
+# Node.js often comes with npm from elsewhere, in one package.
+if [[ $needsGrammar == yes ]] && ! command -v npm >/dev/null; then packages+=(nodejs npm); fi
 
 # The package database, not the path, is asked: half of these packages hold no program.
 missing_packages() {
@@ -87,4 +92,7 @@ fi
 
 if [[ $needsSqlite == yes ]]; then
   "$kxRoot/scripts/sqlite_source.sh"
+fi
+if [[ $needsGrammar == yes ]]; then
+  "$kxRoot/scripts/tsql_parser.sh"
 fi

@@ -57,6 +57,10 @@ class Dialect {
 
   // TOP n stands behind SELECT, or LIMIT n at the end.
   virtual bool LimitAtEnd() const = 0;
+  // Whether ORDER BY is understood in views and nested statements, too, and not only where TOP asks for it.
+  virtual bool OrdersWithin() const { return true; }
+
+  virtual std::string Collation(std::string_view name) const { return Identifier(name); }
 
  protected:
   virtual std::span<const FunctionMapping> Functions() const = 0;
@@ -67,7 +71,7 @@ class Dialect {
 // registers.
 class SqliteDialect : public Dialect {
  public:
-  static constexpr const char* kLikeFunction = "kx_like";  // kx_like(text, pattern)
+  static constexpr const char* kLikeFunction = "kx_like";           // kx_like(text, pattern)
   static constexpr const char* kLastPlaceFunction = "kx_instrrev";  // (text, piece), from 1, 0 for none
   static constexpr const char* kCollation = "kx_text_order";
 

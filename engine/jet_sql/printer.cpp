@@ -47,9 +47,12 @@ bool IsAggregate(const Expression& expression) {
 
 class Printer {
  public:
-  explicit Printer(const Dialect& dialect) : m_dialect(dialect) {}
+  explicit Printer(const Dialect& dialect, PrintedAs printedAs = PrintedAs::kStatement)
+      : m_dialect(dialect), m_printedAs(printedAs) {}
 
-  std::string operator()(const SelectStatement& statement) const { return Select(statement); }
+  std::string operator()(const SelectStatement& statement) const {
+    return Select(statement, m_printedAs == PrintedAs::kStatement);
+  }
 
   std::string operator()(const UpdateStatement& statement) const {
     std::string text = "UPDATE " + Table(statement.table) + " SET ";
@@ -90,12 +93,14 @@ class Printer {
 
   // ---- SELECT
 
-  std::string Select(const SelectStatement& statement) const {
+  std::string Select(const SelectStatement& statement, bool outermost = false) const {
     std::string text;
+    const bool needsTop = !outermost && !statement.orderBy.empty() && !m_dialect.OrdersWithin();
     for (std::size_t i = 0; i < statement.cores.size(); ++i) {
       if (i > 0) text += statement.unionAll[i - 1] ? " UNION ALL " : " UNION ";
-      text += Core(statement.cores[i]);
+      text += Core(statement.cores[i], needsTop && statement.cores.size() == 1);
     }
+    if (needsTop && statement.cores.size() > 1) return text;  // no TOP can stand for all of a union
     for (std::size_t i = 0; i < statement.orderBy.size(); ++i) {
       const OrderItem& item = statement.orderBy[i];
       text += i == 0 ? " ORDER BY " : ", ";
@@ -131,9 +136,13 @@ class Printer {
     return first;
   }
 
-  std::string Core(const SelectCore& core) const {
+  std::string Core(const SelectCore& core, bool needsTop) const {
     std::string text = core.distinct ? "SELECT DISTINCT " : "SELECT ";
-    if (core.top && !m_dialect.LimitAtEnd()) text += "TOP " + std::to_string(*core.top) + " ";
+    if (core.top && !m_dialect.LimitAtEnd()) {
+      text += "TOP " + std::to_string(*core.top) + " ";
+    } else if (needsTop) {
+      text += "TOP 2147483647 ";  // 100 PERCENT would be taken for "in any order"
+    }
     for (std::size_t i = 0; i < core.items.size(); ++i) {
       if (i > 0) text += ", ";
       text += Item(core.items[i], i);
@@ -240,7 +249,7 @@ class Printer {
       case ExpressionKind::kCast:
         return "CAST(" + Text(*node.args[0]) + " AS " + node.text + ")";
       case ExpressionKind::kCollate:
-        return Operand(*node.args[0], kArithmeticLevel) + " COLLATE " + m_dialect.Identifier(node.text);
+        return Operand(*node.args[0], kArithmeticLevel) + " COLLATE " + m_dialect.Collation(node.text);
       case ExpressionKind::kSubquery:
         return "(" + Select(*node.query) + ")";
       case ExpressionKind::kExists:
@@ -323,12 +332,13 @@ class Printer {
   }
 
   const Dialect& m_dialect;
+  PrintedAs m_printedAs;
 };
 
 }  // namespace
 
-std::string Print(const Statement& statement, const Dialect& dialect) {
-  return std::visit(Printer(dialect), statement);
+std::string Print(const Statement& statement, const Dialect& dialect, PrintedAs printedAs) {
+  return std::visit(Printer(dialect, printedAs), statement);
 }
 
 std::string Print(const SelectStatement& statement, const Dialect& dialect) {

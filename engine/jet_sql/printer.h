@@ -8,7 +8,10 @@
 
 namespace kxrestore::engine::jet_sql {
 
-std::string Print(const Statement& statement, const Dialect& dialect);
+enum class PrintedAs { kStatement, kView };
+
+std::string Print(const Statement& statement, const Dialect& dialect,
+                  PrintedAs printedAs = PrintedAs::kStatement);
 std::string Print(const SelectStatement& statement, const Dialect& dialect);
 
 }  // namespace kxrestore::engine::jet_sql

@@ -142,7 +142,7 @@ ViewBody TranslateSavedQuery(Session& session, std::string_view text) {
   }
   try {
     ResolveNames(statement, session.Tables());
-    body.sql = Print(statement, session.Dialect());
+    body.sql = Print(statement, session.Dialect(), jet_sql::PrintedAs::kView);
   } catch (const Error& error) {
     // What it names may come later; until then it shows nothing.
     if (error.Number() != error_number::kParameterMissing) throw;

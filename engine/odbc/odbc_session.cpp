@@ -124,7 +124,12 @@ void Session::ReadFacts() {
     m_facts.ordersByCode = hasCollation && (plain(row[1]) || row[1].starts_with("C."));
     m_facts.foldsAsciiOnly = hasCollation && plain(row[2]);
   } else if (m_facts.IsSqlServer()) {
-    m_facts.schema = Ask("SELECT SCHEMA_NAME()").at(0).at(0);
+    const auto rows =
+        Ask("SELECT SCHEMA_NAME(), CAST(DATABASEPROPERTYEX(DB_NAME(), 'Collation') AS nvarchar(128))");
+    const std::string& collation = rows.at(0).at(1);
+    m_facts.schema = rows.at(0).at(0);
+    m_facts.mindsCase =
+        collation.find("_CS_") != std::string::npos || collation.find("_BIN") != std::string::npos;
   }
   m_dialect = MakeDialect(m_facts);
 }

@@ -19,7 +19,10 @@ struct ServerFacts {
   bool ordersByCode = false;    // its texts are not sorted as people expect
   bool foldsAsciiOnly = false;  // it knows no case of other letters
   std::string patternEscape;    // of the catalog functions
-  std::string schema;           // where names are looked for first
+  // Of SQL Server
+  bool mindsCase = false;  // its database's collation
+  // Of both
+  std::string schema;  // where names are looked for first
 
   bool IsPostgres() const { return dbms == "PostgreSQL"; }
   bool IsSqlServer() const { return dbms == "Microsoft SQL Server"; }

@@ -1,0 +1,22 @@
+// The statements that this component puts to a server: those that the catalog code builds, taken down from
+// it, and those of the dialog's panels.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "engine/jet_sql/dialect.h"
+
+namespace kxrestore::engine::testing {
+
+struct ServerStatement {
+  std::string savedQuery;  // the name that it is saved under; empty for one that is carried out
+  std::string text;
+};
+
+std::vector<ServerStatement> ServerStatements();
+
+// As SQL Server is to get it, names and kinds of columns being those of a catalog there.
+std::string ForSqlServer(const std::string& text, bool savedQuery = false, bool mindsCase = false);
+
+}  // namespace kxrestore::engine::testing
