@@ -1,44 +1,36 @@
 #include "platform/win32/wide_text.h"
 
+#include "base/utf16.h"
 #include "platform/win32/win32.h"
 
 namespace kxrestore::win32 {
 
-namespace {
-
-std::wstring Decode(unsigned codePage, std::string_view text) {
-  if (text.empty()) return {};
-  const int length = static_cast<int>(text.size());
-  std::wstring wide(text.size(), L'\0');  // never more units than bytes
-  wide.resize(MultiByteToWideChar(codePage, 0, text.data(), length, wide.data(), length));
-  return wide;
-}
-
-std::string Encode(unsigned codePage, std::wstring_view wide) {
-  if (wide.empty()) return {};
-  const int length = static_cast<int>(wide.size());
-  const int size = WideCharToMultiByte(codePage, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
-  std::string text(size, '\0');
-  WideCharToMultiByte(codePage, 0, wide.data(), length, text.data(), size, nullptr, nullptr);
-  return text;
-}
-
-}  // namespace
-
 std::wstring Wide(std::string_view utf8) {
-  return Decode(CP_UTF8, utf8);
+  return ToUtf16<wchar_t>(utf8);
 }
 
 std::string Narrow(std::wstring_view utf16) {
-  return Encode(CP_UTF8, utf16);
+  std::string utf8;
+  AppendUtf8(utf8, utf16);
+  return utf8;
 }
 
 std::string ToAnsi(std::string_view utf8) {
-  return Encode(CP_ACP, Wide(utf8));
+  const std::wstring wide = Wide(utf8);
+  if (wide.empty()) return {};
+  const int length = static_cast<int>(wide.size());
+  const int size = WideCharToMultiByte(CP_ACP, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
+  std::string ansi(size, '\0');
+  WideCharToMultiByte(CP_ACP, 0, wide.data(), length, ansi.data(), size, nullptr, nullptr);
+  return ansi;
 }
 
 std::string FromAnsi(std::string_view ansi) {
-  return Narrow(Decode(CP_ACP, ansi));
+  if (ansi.empty()) return {};
+  const int length = static_cast<int>(ansi.size());
+  std::wstring wide(ansi.size(), L'\0');  // never more units than bytes
+  wide.resize(MultiByteToWideChar(CP_ACP, 0, ansi.data(), length, wide.data(), length));
+  return Narrow(wide);
 }
 
 std::string WindowText(HWND window) {

@@ -1,5 +1,5 @@
-// Conversions at the Win32 edge: UTF-8 inside, UTF-16 or the ANSI code page outside. What cannot be converted
-// becomes the replacement character of the target.
+// Conversions at the Win32 edge: UTF-8 inside, UTF-16 or the ANSI code page outside. What the code page lacks
+// becomes its replacement character; see base/utf16.h for odd UTF-16.
 #pragma once
 
 #include <string>
