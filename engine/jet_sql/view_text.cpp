@@ -50,8 +50,8 @@ std::size_t CastEnd(std::string_view text, std::size_t start) {
   }
 }
 
-// The tokens of SQLite and PostgreSQL, as far as they matter here. A comment counts as a blank, and so does a
-// cast behind its value.
+// The tokens of SQLite, PostgreSQL and SQL Server, as far as they matter here. A comment counts as a blank,
+// and so does a cast behind its value.
 Piece NextPiece(std::string_view text, std::size_t start) {
   const char c = text[start];
   std::size_t end = start + 1;
@@ -72,6 +72,8 @@ Piece NextPiece(std::string_view text, std::size_t start) {
   } else if (c == '~' || text.substr(start, 3) == "!~~") {
     kind = Piece::Kind::kMatch;
     end = std::min(text.find_first_not_of("~*", end), text.size());
+  } else if ((c == 'N' || c == 'n') && text.substr(end, 1) == "'") {
+    kind = Piece::Kind::kBlank;  // SQL Server's mark of a text that is not of its code page
   } else if (c == '\'') {
     kind = Piece::Kind::kText;
     end = QuotedEnd(text, start, '\'', true);

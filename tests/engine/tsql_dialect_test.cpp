@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/jet_sql/tsql_dialect.h"
+#include "engine/jet_sql/view_text.h"
 #include "tests/engine/server_statements.h"
 #include "tests/engine/test_databases.h"
 
@@ -102,6 +103,12 @@ TEST(TsqlDialect, SavedQueries) {
       ForSqlServer("SELECT ID FROM SetNames WHERE ID In (SELECT ID FROM Catalog ORDER BY ID) ORDER BY ID"),
       "SELECT [SetNames].[ID] AS [ID] FROM [SetNames] WHERE [SetNames].[ID] IN (SELECT TOP 2147483647 "
       "[Catalog].[ID] AS [ID] FROM [Catalog] ORDER BY [Catalog].[ID]) ORDER BY [SetNames].[ID]");
+  const std::string text = jet_sql::QueryTextOfView(
+      "\r\nCREATE VIEW [dbo].[V] AS\r\nSELECT ID FROM Catalog WHERE Plugin = N'Ä' AND File LIKE "
+      "N'%N''';\r\n");
+  EXPECT_EQ(ForSqlServer(text),
+            "SELECT [Catalog].[ID] AS [ID] FROM [Catalog] WHERE [Catalog].[Plugin] = N'Ä' AND "
+            "[Catalog].[File] LIKE '%N''' ESCAPE '\\'");
 }
 
 }  // namespace
