@@ -36,6 +36,7 @@ struct Plan {
   std::size_t hidden = 0;
   std::vector<std::unique_ptr<RowUpdate>> updates;
   std::vector<std::unique_ptr<OdbcStatement>> idle;
+  bool isShort = false;       // its last result was a block at most
   bool keepsPrepared = true;  // false where the server does not tell that a view is another now
   bool current = true;        // false once the schema was changed under it
 };

@@ -70,7 +70,9 @@ OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, std::string_view 
   const std::vector<ColumnType>& columns = m_rows->Columns();
   m_allColumns = columns.size();
   for (std::size_t i = 0; i + m_plan->hidden < columns.size(); ++i) m_names.push_back(columns[i].name);
-  if (m_rows->Next()) {
+  const bool hasRow = m_rows->Next();
+  m_plan->isShort = m_rows->InOneBlock();
+  if (hasRow) {
     m_session->AddStreaming(*this);
     return;
   }
@@ -90,6 +92,7 @@ bool OdbcRecordset::TryOpen(std::string_view source) {
   m_plan = m_session->FindPlan(
       source, m_type == RecordsetType::kDynaset ? Session::Use::kDynaset : Session::Use::kSnapshot);
   m_statement = m_session->Acquire(*m_plan);
+  m_session->FetchPiecewise(!m_plan->isShort);
   if (!m_session->RunRead(*m_statement,
                           ParameterValues(*m_plan, m_session->Literals(), m_session->Dialect()))) {
     return false;
@@ -190,7 +193,9 @@ const Value* OdbcRecordset::Changed(std::size_t index) const {
 ValueView OdbcRecordset::FieldValue(std::size_t index) const {
   NeedRow();
   if (index >= m_names.size()) FieldName(index);
-  if (const Value* changed = Changed(index)) return AsView(*changed);
+  if (!m_pending.empty() || !m_written.empty()) {
+    if (const Value* changed = Changed(index)) return AsView(*changed);
+  }
   return RawValue(index);
 }
 

@@ -41,6 +41,19 @@ DateTime AsDate(const SQL_TIMESTAMP_STRUCT& stamp) {
   return date;
 }
 
+// Most texts are ASCII, and a walk converts millions of them.
+void Convert(std::u16string_view units, std::string& text) {
+  text.resize(units.size());
+  unsigned all = 0;
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    all |= units[i];
+    text[i] = static_cast<char>(units[i]);
+  }
+  if (all < 0x80) return;
+  text.clear();
+  AppendUtf8(text, units);
+}
+
 SQLPOINTER AsPointer(std::size_t number) {
   return reinterpret_cast<SQLPOINTER>(number);
 }
@@ -65,6 +78,7 @@ std::vector<ColumnType> Describe(const Session& session, SQLHSTMT statement, std
     columns[i].name = FromWide(name.data(), std::u16string_view(name.data()).size());
     columns[i].kind =
         KindOfType(type, FromWide(typeName.data(), std::u16string_view(typeName.data()).size()));
+    columns[i].isShort = type == SQL_TINYINT || type == SQL_SMALLINT || type == SQL_INTEGER;
     columns[i].isInteger = type == SQL_TINYINT || type == SQL_SMALLINT || type == SQL_INTEGER ||
                            type == SQL_BIGINT ||
                            ((type == SQL_DECIMAL || type == SQL_NUMERIC) && digits == 0 && size <= 18);
@@ -133,8 +147,8 @@ void RowReader::Bind() {
     Buffer& buffer = m_buffers[i];
     const ColumnType& type = m_types[i];
     if (type.kind == ValueKind::kNumber) {
-      buffer.cType = type.isInteger ? SQL_C_SBIGINT : SQL_C_DOUBLE;
-      buffer.width = 8;
+      buffer.cType = type.isShort ? SQL_C_SLONG : type.isInteger ? SQL_C_SBIGINT : SQL_C_DOUBLE;
+      buffer.width = type.isShort ? sizeof(SQLINTEGER) : 8;
     } else if (type.kind == ValueKind::kDate) {
       buffer.cType = SQL_C_TYPE_TIMESTAMP;
       buffer.width = sizeof(SQL_TIMESTAMP_STRUCT);
@@ -166,6 +180,7 @@ void RowReader::Bind() {
 void RowReader::Restart() {
   m_fetched = 0;
   m_row = 0;
+  m_firstBlock = m_inOneBlock = true;
   SQLSetStmtAttrW(m_statement, SQL_ATTR_ROW_ARRAY_SIZE, AsPointer(m_blockRows), SQL_IS_UINTEGER);
 }
 
@@ -180,6 +195,8 @@ bool RowReader::Next() {
   if (result == SQL_NO_DATA) return false;
   if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
   if (m_piecewise) ReadPiecewise();
+  m_inOneBlock = m_firstBlock && m_fetched < m_blockRows;
+  m_firstBlock = false;
   return m_fetched > 0 || m_piecewise;
 }
 
@@ -235,9 +252,8 @@ std::string_view RowReader::TextOf(std::size_t column) const {
     ReadLongText(column, buffer.text);
     const_cast<SQLLEN&>(buffer.sizes[m_row]) = kept;
   } else {
-    buffer.text.clear();
     const auto* units = reinterpret_cast<const char16_t*>(buffer.data.data() + buffer.width * m_row);
-    AppendUtf8(buffer.text, std::u16string_view(units, static_cast<std::size_t>(size) / sizeof(char16_t)));
+    Convert({units, static_cast<std::size_t>(size) / sizeof(char16_t)}, buffer.text);
   }
   buffer.converted = m_number;
   return buffer.text;
@@ -248,6 +264,8 @@ ValueView RowReader::Value(std::size_t column) const {
   if (buffer.sizes[m_row] == SQL_NULL_DATA) return std::monostate();
   const char* data = buffer.data.data() + buffer.width * m_row;
   switch (buffer.cType) {
+    case SQL_C_SLONG:
+      return std::int64_t{Load<SQLINTEGER>(data)};
     case SQL_C_SBIGINT:
       return Load<std::int64_t>(data);
     case SQL_C_DOUBLE:

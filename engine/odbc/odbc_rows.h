@@ -20,6 +20,7 @@ struct ColumnType {
   std::string name;
   jet_sql::ValueKind kind = jet_sql::ValueKind::kUnknown;
   bool isInteger = false;      // of numbers
+  bool isShort = false;        // of at most 32 bits
   std::size_t characters = 0;  // of texts; 0 when they may have any length
 };
 
@@ -37,6 +38,8 @@ class RowReader {
   const std::vector<ColumnType>& Columns() const { return m_types; }
   void Restart();
   bool Next();
+  // Whether the rows fetched so far are one block that was not filled.
+  bool InOneBlock() const { return m_inOneBlock; }
   // Of the current row; a text holds until the next call of Next.
   ValueView Value(std::size_t column) const;
 
@@ -62,6 +65,7 @@ class RowReader {
   std::vector<Buffer> m_buffers;
   std::size_t m_blockRows = 1;
   bool m_piecewise = false;  // the driver hands out long texts only column by column, row by row
+  bool m_firstBlock = true, m_inOneBlock = true;
   SQLULEN m_fetched = 0;
   std::size_t m_row = 0;       // in the block
   std::uint64_t m_number = 0;  // of all rows that were ever read

@@ -18,6 +18,11 @@ constexpr std::size_t kMaxPlans = 64;
 constexpr std::size_t kMaxUpdatesOfPlan = 16;
 constexpr int kMaxTries = 6;
 
+// Options of the driver for PostgreSQL.
+constexpr SQLINTEGER kPostgresDeclareFetch = 65539;
+constexpr SQLINTEGER kPostgresServerSidePrepare = 65540;
+constexpr SQLINTEGER kPostgresFetchRows = 65541;
+
 SQLPOINTER AsPointer(std::size_t number) {
   return reinterpret_cast<SQLPOINTER>(number);
 }
@@ -112,8 +117,13 @@ void Session::ReadFacts() {
   constexpr std::uint32_t kNeeded = SQL_GD_BLOCK | SQL_GD_BOUND | SQL_GD_ANY_COLUMN | SQL_GD_ANY_ORDER;
   m_facts.readsPartsInBlocks = (parts & kNeeded) == kNeeded;
   if (m_facts.IsPostgres()) {
-    // Its readers see what was there when they began.
-    m_facts.rowsStay = InfoNumber(SQL_CURSOR_COMMIT_BEHAVIOR) == SQL_CB_PRESERVE;
+    if (InfoText(SQL_DRIVER_NAME).find("psqlodbc") != std::string::npos) {
+      m_facts.fetchesAllAtOnce = true;
+      // A prepared statement in a transaction is sent behind a savepoint of its own, a plain one together
+      // with it.
+      SQLSetConnectAttrW(Get(), kPostgresServerSidePrepare, AsPointer(0), SQL_IS_INTEGER);
+      SQLSetConnectAttrW(Get(), kPostgresFetchRows, AsPointer(1000), SQL_IS_INTEGER);
+    }
     const auto rows = Ask(
         "SELECT current_schema(), datcollate, datctype, (SELECT count(*) FROM pg_catalog.pg_collation WHERE "
         "collname = 'und-x-icu') FROM pg_catalog.pg_database WHERE datname = current_database()");
@@ -146,6 +156,7 @@ void Session::Raise(SQLSMALLINT type, SQLHANDLE handle, std::string_view piece) 
 }
 
 StatementHandle Session::AllocateStatement() {
+  FetchPiecewise(false);
   StatementHandle statement;
   if (!statement.Allocate(Get())) Raise(SQL_HANDLE_DBC, Get(), m_server);
   return statement;
@@ -209,6 +220,12 @@ void Session::DetachStreaming() {
   for (StreamingRows* rows : streaming) rows->Detach();
 }
 
+void Session::FetchPiecewise(bool piecewise) {
+  if (!m_facts.fetchesAllAtOnce || m_piecewise == piecewise) return;
+  m_piecewise = piecewise;
+  SQLSetConnectAttrW(Get(), kPostgresDeclareFetch, AsPointer(piecewise ? 1 : 0), SQL_IS_INTEGER);
+}
+
 bool Session::RunRead(OdbcStatement& statement, const std::vector<Value>& values) {
   if (m_facts.onlyOneActive) DetachStreaming();
   for (int tried = 1;; ++tried) {
@@ -224,7 +241,8 @@ bool Session::RunRead(OdbcStatement& statement, const std::vector<Value>& values
 }
 
 std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value>& values) {
-  if (!m_facts.rowsStay) DetachStreaming();
+  FetchPiecewise(false);
+  DetachStreaming();
   const bool grouped = m_grouping && m_transactionOwner == nullptr;
   for (int tried = 1;; ++tried) {
     if (grouped && !m_inGroup && tried == 1) {
@@ -268,7 +286,7 @@ void Session::Replay(std::vector<GroupedWrite> writes) {
 
 void Session::RunSchemaChange(const std::vector<std::string>& statements) {
   Flush();
-  if (!m_facts.rowsStay) DetachStreaming();
+  DetachStreaming();
   const bool own = m_transactionOwner == nullptr;
   ForgetPlans();
   for (int tried = 1;; ++tried) {
@@ -302,6 +320,7 @@ void Session::RunSchemaChange(const std::vector<std::string>& statements) {
 }
 
 std::vector<std::vector<std::string>> Session::Ask(const std::string& sql, const std::vector<Value>& values) {
+  FetchPiecewise(false);
   OdbcStatement statement(*this, sql);
   if (!statement.Execute(values)) Raise(SQL_HANDLE_STMT, statement.Get(), sql);
   std::vector<std::vector<std::string>> rows;
@@ -320,7 +339,7 @@ void Session::SetAutocommit(bool on) {
 }
 
 void Session::EndTransaction(bool commit) {
-  if (!m_facts.rowsStay) DetachStreaming();
+  DetachStreaming();
   if (SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, Get(), commit ? SQL_COMMIT : SQL_ROLLBACK))) return;
   Raise(SQL_HANDLE_DBC, Get(), commit ? "COMMIT" : "ROLLBACK");
 }

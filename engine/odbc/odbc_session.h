@@ -53,6 +53,9 @@ class Session {
   static void Release(Plan& plan, std::unique_ptr<OdbcStatement> statement);
   void ForgetPlans();  // after a change of the schema
 
+  // Whether the next result is fetched from the server piece by piece, which costs round trips but no memory,
+  // where a driver would otherwise take all of it at once.
+  void FetchPiecewise(bool piecewise);
   // Executes a reading statement. False when the tables are others than it was prepared for.
   bool RunRead(OdbcStatement& statement, const std::vector<Value>& values);
   // Executes a writing statement, in the group or at once; the number of rows changed.
@@ -101,7 +104,7 @@ class Session {
   std::shared_ptr<SavedTexts> m_texts;
   Environment m_environment;
   Connection m_connection;
-  bool m_connected = false;
+  bool m_connected = false, m_piecewise = false;
   mutable bool m_lost = false;
   ServerFacts m_facts;
   std::unique_ptr<jet_sql::ServerDialect> m_dialect;

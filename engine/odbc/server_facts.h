@@ -13,7 +13,7 @@ struct ServerFacts {
   char quote = '"';                 // around names
   bool foldsToLower = false;        // names that are not quoted
   bool onlyOneActive = false;       // one statement at a time may have rows to fetch
-  bool rowsStay = false;            // open rows are not touched by writing and committing beside them
+  bool fetchesAllAtOnce = false;    // unless it is told not to
   bool readsPartsInBlocks = false;  // long texts can be read out of a block of rows
   // Of PostgreSQL
   bool ordersByCode = false;    // its texts are not sorted as people expect
