@@ -1,6 +1,7 @@
 #include "engine/sqlite/session.h"
 
 #include <algorithm>
+#include <thread>
 #include <utility>
 
 #include "base/error.h"
@@ -14,6 +15,7 @@ namespace {
 constexpr auto kGroupTime = std::chrono::milliseconds(100);
 constexpr auto kRetryTime = std::chrono::milliseconds(20);
 constexpr auto kWaitingTime = std::chrono::milliseconds(20);
+constexpr auto kBusyPause = std::chrono::milliseconds(10);
 constexpr int kStepsBetweenLooks = 4000;  // of SQLite's machine: some 0.2 ms
 constexpr std::size_t kMaxPlans = 64;
 constexpr std::size_t kMaxUpdatesOfPlan = 16;
@@ -29,7 +31,7 @@ Session::Session(std::string file, bool exclusive, bool grouping, std::chrono::m
   m_connection.reset(connection);
   if (code != SQLITE_OK) Raise(code, Doing::kOpening);
   sqlite3_extended_result_codes(connection, 1);
-  sqlite3_busy_timeout(connection, static_cast<int>(m_patience.count()));
+  sqlite3_busy_handler(connection, Busy, this);
   if (const int registered = RegisterFunctions(connection); registered != SQLITE_OK) {
     Raise(registered, Doing::kOpening);
   }
@@ -138,20 +140,36 @@ int Session::StepReading(sqlite3_stmt* statement) {
 // SQLite calls this every so many steps of its machine.
 int Session::Progress(void* session) noexcept {
   auto& self = *static_cast<Session*>(session);
-  if (!*self.m_waiting || self.m_inWaiting) return 0;
+  return self.LookUp() || !self.m_mayStop ? 0 : 1;
+}
+
+// And this when another process has locked what it needs; `tried` counts from 0 for each time.
+int Session::Busy(void* session, int tried) noexcept {
+  auto& self = *static_cast<Session*>(session);
+  if (!self.m_waitsForOthers) return 0;
   const auto now = Clock::now();
-  if (now < self.m_nextWaiting) return 0;
+  if (tried == 0) self.m_busySince = now;
+  if (now - self.m_busySince >= self.m_patience) return 0;
+  std::this_thread::sleep_for(tried == 0 ? std::chrono::milliseconds(1) : kBusyPause);
+  return self.LookUp() || !self.m_mayStop ? 1 : 0;
+}
+
+// Gives whoever waits for the statement a turn; whether it is to go on.
+bool Session::LookUp() noexcept {
+  if (!*m_waiting || m_inWaiting) return true;
+  const auto now = Clock::now();
+  if (now < m_nextWaiting) return true;
   bool goOn = true;
-  self.m_inWaiting = true;
+  m_inWaiting = true;
   try {
-    goOn = (*self.m_waiting)();
+    goOn = (*m_waiting)();
   } catch (...) {
-    self.m_waitingFailed = std::current_exception();
+    m_waitingFailed = std::current_exception();
     goOn = false;
   }
-  self.m_inWaiting = false;
-  self.m_nextWaiting = Clock::now() + kWaitingTime;
-  return self.m_mayStop && !goOn ? 1 : 0;
+  m_inWaiting = false;
+  m_nextWaiting = Clock::now() + kWaitingTime;
+  return goOn;
 }
 
 void Session::RemoveStreaming(StreamingRows& rows) {
@@ -255,10 +273,10 @@ int Session::Begin() {
 int Session::TryCommit(bool waiting) {
   if (!InTransaction()) return SQLITE_OK;
   if (!m_commit) m_commit = Prepare("COMMIT", Doing::kWriting);
-  if (!waiting) sqlite3_busy_timeout(m_connection.get(), 0);
+  m_waitsForOthers = waiting;
   const int code = sqlite3_step(m_commit.get());
   sqlite3_reset(m_commit.get());
-  if (!waiting) sqlite3_busy_timeout(m_connection.get(), static_cast<int>(m_patience.count()));
+  m_waitsForOthers = true;
   return code == SQLITE_DONE ? SQLITE_OK : code;
 }
 

@@ -84,6 +84,8 @@ class Session {
   };
 
   static int Progress(void* session) noexcept;
+  static int Busy(void* session, int tried) noexcept;
+  bool LookUp() noexcept;
   void DetachStreaming(bool dynasetsToo);
   void NeedTransaction() const;
   bool InTransaction() const { return sqlite3_get_autocommit(m_connection.get()) == 0; }
@@ -106,7 +108,8 @@ class Session {
   std::shared_ptr<const Waiting> m_waiting;
   bool m_mayStop = false, m_inWaiting = false;
   std::exception_ptr m_waitingFailed;  // no exception may pass through SQLite
-  Clock::time_point m_nextWaiting;
+  Clock::time_point m_nextWaiting, m_busySince;
+  bool m_waitsForOthers = true;
   Clock::time_point m_due, m_deadline, m_nextTry;
 };
 

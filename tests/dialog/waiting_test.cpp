@@ -110,5 +110,22 @@ TEST_F(WaitingTest, NothingKeepsTheWindowWaiting) {
   EXPECT_EQ(catalog->Marked().size(), 0u);
 }
 
+TEST_F(DialogTest, MessagesRunWhileAnotherProcessHasTheCatalog) {
+  MakeCatalog({Live(1, "C:\\a.doc")});
+  ui().tbsOptions.UserSelect(2);
+  ui().cboMask.UserType("a");
+  sqlite3* raw = nullptr;
+  sqlite3_open_v2(catalog->Path().c_str(), &raw, SQLITE_OPEN_READWRITE, nullptr);
+  const std::unique_ptr<sqlite3, int (*)(sqlite3*)> other(raw, sqlite3_close);
+  ASSERT_EQ(sqlite3_exec(raw, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+  ui().cmdSearch[2].UserClick();
+  EXPECT_GT(desktop.doEventsCount, 20u);
+  EXPECT_EQ(TakeMessages().size(), 1u);
+  desktop.onDoEvents = [&] { sqlite3_exec(raw, "COMMIT", nullptr, nullptr, nullptr); };
+  ui().cmdSearch[2].UserClick();
+  EXPECT_EQ(ui().asSearch.Count(), 1u) << "the catalog is free again while it waits";
+  EXPECT_EQ(TakeMessages(), Strings{});
+}
+
 }  // namespace
 }  // namespace kxrestore::dialog_test
