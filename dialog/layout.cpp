@@ -153,8 +153,9 @@ void Layout::PlaceRightColumn() {
   const int width = column.Width() - kEdge;
   m_ui.lblCurrSet.Move(kEdge, top, width, kLineHeight);
   top += kLineHeight;
-  m_ui.lblSetName.Move(kEdge, top, width, 4 * kLineHeight);
-  top += 4 * kLineHeight + kGap;
+  const int nameHeight = (wide ? 3 : 4) * kLineHeight;
+  m_ui.lblSetName.Move(kEdge, top, width, nameHeight);
+  top += nameHeight + kGap;
 
   column.Move(m_ui.picTop.Left() + m_ui.picTop.Width() + 30, kRow, column.Width(), top);
   column.BringToFront();
@@ -328,7 +329,8 @@ void Layout::PlaceSearchPanel() {
   int count = belowButtons;
   int countLeft = column;
   if (wide) {
-    top = PlaceChoicesInRow(1, m_ui.chk1, ButtonTop(2));
+    top = PlaceChoicesInRow(1, m_ui.chk1, ButtonTop(width >= kChoicesInRow ? 1 : 2));
+    top = std::max(top, count + kLineHeight - 60);
   } else {
     top = PlaceChoicesInColumn(1, m_ui.chk1, top + kFieldHeight + 45, width);
     if (top + 45 + kLineHeight <= belowButtons) {

@@ -50,6 +50,16 @@ class TreeWindowTest : public ControlHost {
     }
   }
 
+  int DarkPixels(const RECT& area) const {
+    const HDC dc = GetDC(window);
+    int dark = 0;
+    for (int x = area.left; x < area.right; ++x) {
+      for (int y = area.top; y < area.bottom; ++y) dark += GetRValue(GetPixel(dc, x, y)) < 0x60 ? 1 : 0;
+    }
+    ReleaseDC(window, dc);
+    return dark;
+  }
+
   // What the control holds. Asking the window would make it finish what it has put off.
   std::size_t Held() const {
     const auto procedure = reinterpret_cast<WNDPROC>(GetClassLongPtrW(window, GCLP_WNDPROC));
@@ -212,13 +222,7 @@ TEST_F(TreeWindowTest, TheBoxIsDrawnAsTheModelSays) {
   const auto darkPixels = [&] {
     RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
     const POINT at = PointOn(Root(), TVHT_ONITEMSTATEICON);
-    const HDC dc = GetDC(window);
-    int dark = 0;
-    for (int x = at.x; x < at.x + 12; ++x) {
-      for (int y = at.y - 6; y < at.y + 6; ++y) dark += GetRValue(GetPixel(dc, x, y)) < 0x60 ? 1 : 0;
-    }
-    ReleaseDC(window, dc);
-    return dark;
+    return DarkPixels({at.x, at.y - 6, at.x + 12, at.y + 6});
   };
   const int clear = darkPixels();
   tree.Item(1).SetChecked(true);
@@ -311,9 +315,15 @@ TEST_F(TreeWindowTest, AHundredThousandNodes) {
   EXPECT_LT(check, 200);
   EXPECT_EQ(Box(Below(Below(Root(), 1), 50)), 2);
   TakeLongest();
+  const RECT corner{0, 0, 60, 60};
+  EXPECT_GT(DarkPixels(corner), 0);
   EXPECT_LT(Measure("another run instead",
                     [&] {
                       Fill(3, 3);
+                      context.FlushAll();
+                      UpdateWindow(window);
+                      EXPECT_GT(Held(), 10'000u);
+                      EXPECT_EQ(DarkPixels(corner), 0) << "what is being removed no longer shows";
                       Settle(1);
                     }),
             4'000);
