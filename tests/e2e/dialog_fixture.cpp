@@ -14,6 +14,12 @@ void EndDialogs() {
   }
 }
 
+void ForgetPlacement() {
+  for (const wchar_t* entry : {L"RestoreWindow", L"RestoreSplitters"}) {
+    RegDeleteKeyValueW(HKEY_CURRENT_USER, L"Software\\Brellick Labs, Inc.\\Tarvane\\Settings", entry);
+  }
+}
+
 }  // namespace
 
 short RunDialog(_RestoreDlg* object, const Steps& steps) {
@@ -46,7 +52,12 @@ std::string SelectedText(int files) {
 }
 
 DialogTest::DialogTest() {
+  ForgetPlacement();
   Advise(m_object.Get(), m_sink.Get());
+}
+
+DialogTest::~DialogTest() {
+  ForgetPlacement();
 }
 
 ComPtr<_RestoreDlg> DialogTest::NewObject(const std::wstring& catalog, short type) {

@@ -26,7 +26,9 @@ std::string SelectedText(int files);  // "2 file(s) selected"
 
 class DialogTest : public testing::Test {
  protected:
+  // The window opens as designed, and nothing of it is remembered beyond the test.
   DialogTest();
+  ~DialogTest() override;
 
   // An object for the test catalog with an empty action, path and log.
   ComPtr<_RestoreDlg> NewObject(const std::wstring& catalog, short type = 0);
