@@ -140,6 +140,11 @@ ViewBody TranslateSavedQuery(Session& session, std::string_view text) {
     if (name.empty()) name = "Expr" + std::to_string(1000 + body.columns.size());
     body.columns.push_back(std::move(name));
   }
+  struct ByText {
+    explicit ByText(Schema& all) : schema(all) { schema.ReadQueriesByText(true); }
+    ~ByText() { schema.ReadQueriesByText(false); }
+    Schema& schema;
+  } const byText(session.Tables());
   try {
     ResolveNames(statement, session.Tables());
     body.sql = Print(statement, session.Dialect(), jet_sql::PrintedAs::kView);

@@ -53,7 +53,7 @@ const jet_sql::KnownRelation* Schema::Find(std::string_view name) {
   } else if (const Entry* entry = FindEntry(name)) {
     relation = ReadRelation(*entry);
     const StoredText* stored = FindStoredText(entry->name);
-    if (stored != nullptr && !stored->bound) relation->text = stored->text;
+    if (stored != nullptr && (m_byText || !stored->bound)) relation->text = stored->text;
   } else {
     return nullptr;
   }
@@ -146,6 +146,11 @@ std::vector<std::string> Schema::KeyOf(const jet_sql::KnownRelation& table) {
     if (keys.empty() && EqualIgnoringCase(column.name, "ID")) keys.push_back(column.name);
   }
   return keys;
+}
+
+void Schema::ReadQueriesByText(bool byText) {
+  m_byText = byText;
+  m_relations.clear();
 }
 
 void Schema::Forget() {

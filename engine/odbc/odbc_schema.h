@@ -46,6 +46,9 @@ class Schema final : public jet_sql::Relations {
   };
   const StoredText* FindStoredText(std::string_view viewName);
 
+  // While a view is made, saved queries are read by their texts, so that no view stands on another of ours.
+  void ReadQueriesByText(bool byText);
+
   SavedTexts& Texts() { return m_texts; }
   void Forget();
 
@@ -55,7 +58,7 @@ class Schema final : public jet_sql::Relations {
 
   Session& m_session;
   SavedTexts& m_texts;
-  bool m_entriesRead = false;
+  bool m_entriesRead = false, m_byText = false;
   std::multimap<std::string, Entry> m_entries;                                 // by folded name
   std::map<std::string, StoredText> m_stored;                                  // by the view's own name
   std::map<std::string, std::unique_ptr<jet_sql::KnownRelation>> m_relations;  // by name as asked for

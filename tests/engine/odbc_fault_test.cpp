@@ -181,6 +181,33 @@ TEST_F(OdbcServer, SavedQueriesOfTwoThatMeet) {
   other.join();
 }
 
+// As the dialog searches, twice: a query is deleted while those that name it stay, and the first time one is
+// made before what it names.
+TEST_F(OdbcServer, QueriesThatNameEachOther) {
+  const auto replace = [](Database& database, const std::string& name, const std::string& sql) {
+    try {
+      database.DeleteQueryDef(name);
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), error_number::kItemNotFound) << error.Description();
+    }
+    if (!sql.empty()) database.CreateQueryDef(name, sql);
+  };
+  for (const std::string set : {"1", "2", "1"}) {
+    m_workspace->BeginAction();
+    const auto database = Open(*m_workspace);
+    replace(*database, "Newest", "SELECT Max(FullCatalogBySet.ID) AS ID FROM FullCatalogBySet;");
+    replace(*database, "FullCatalogBySet", "SELECT ID FROM Catalog WHERE Catalog.SetNameID = " + set + " ");
+    replace(*database, "Latest",
+            "SELECT First(B.ID) AS ID FROM FullCatalogBySet AS B INNER JOIN Newest ON B.ID = "
+            "Newest.ID GROUP BY B.ID ORDER BY First(B.ID);");
+    const std::string newest = set == "1" ? "7" : "6";
+    EXPECT_EQ(Rows(*database, "Latest"), (std::vector<std::string>{newest}));
+    m_workspace->EndAction();
+    EXPECT_EQ(Rows(*Open(*m_workspace), "Latest"), (std::vector<std::string>{newest})) << "afterwards, too";
+    EXPECT_EQ(m_test->Ask("SELECT id FROM latest"), newest) << "and to other programs";
+  }
+}
+
 TEST_F(OdbcServer, TextsOfAnyLengthInBlocks) {
   m_test->Run(
       "CREATE TABLE texts (id integer PRIMARY KEY, filename text); INSERT INTO texts SELECT g, repeat('ä', g "
