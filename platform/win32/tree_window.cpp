@@ -3,6 +3,7 @@
 #include "platform/win32/icons.h"
 #include "platform/win32/tree_check_boxes.h"
 #include "platform/win32/tree_items.h"
+#include "platform/win32/tree_questions.h"
 
 namespace kxrestore::win32 {
 
@@ -27,7 +28,10 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
       : WindowPeer(context, tree),
         m_tree(tree),
         m_checkBoxes(m_native, tree.CheckBoxes()),
-        m_items(tree, m_native, m_checkBoxes.ItemState()) {
+        m_items(tree, m_native, m_checkBoxes.ItemState()),
+        m_questions(tree, m_native, m_items) {
+    m_questions.Toggled = [this](std::uint32_t node) { Report(kToggled, node); };
+    m_questions.Expanded = [this](std::uint32_t node, bool expanded) { Report(kExpansion, node, expanded); };
     DWORD style = WS_TABSTOP | TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS |
                   TVS_DISABLEDRAGDROP;
     Create(parent, WC_TREEVIEWW, {}, style, WS_EX_CLIENTEDGE);
@@ -351,52 +355,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   std::optional<LRESULT> OnQuestion(UINT message, WPARAM wide, LPARAM extra) {
     m_items.Work(TreeItems::Clock::time_point::max(), !Frozen());
     ShowSelection();
-    switch (message) {
-      case TVM_GETITEMW:
-      case TVM_GETITEMA: {
-        auto& item = *reinterpret_cast<TVITEMW*>(extra);  // the texts differ in size, not in place
-        const LRESULT result = m_native.Send(message, wide, extra);
-        if (result != 0 && (item.mask & TVIF_STATE) != 0) item.state = TrueState(item.hItem, item.state, ~0U);
-        return result;
-      }
-      case TVM_GETITEMSTATE: {
-        const auto state = static_cast<UINT>(m_native.Send(message, wide, extra));
-        return TrueState(reinterpret_cast<HTREEITEM>(wide), state, static_cast<UINT>(extra));
-      }
-      case TVM_SETITEMW:
-      case TVM_SETITEMA: {
-        auto& item = *reinterpret_cast<TVITEMW*>(extra);
-        if ((item.mask & TVIF_STATE) == 0 || (item.stateMask & TVIS_STATEIMAGEMASK) == 0) return std::nullopt;
-        const std::uint32_t node = m_items.NodeOf(item.hItem);
-        if (node == 0) return FALSE;
-        const bool checked = (item.state & TVIS_STATEIMAGEMASK) == INDEXTOSTATEIMAGEMASK(CheckBoxes::kTicked);
-        if (checked != At(node).Checked()) Report(kToggled, node);
-        return TRUE;
-      }
-      case TVM_EXPAND: {
-        const auto item = reinterpret_cast<HTREEITEM>(extra);
-        const std::uint32_t node = m_items.NodeOf(item);
-        if (node == 0) return FALSE;
-        const UINT action = wide & TVE_TOGGLE;
-        const bool expand =
-            action == TVE_TOGGLE ? m_native.State(item, TVIS_EXPANDED) == 0 : action == TVE_EXPAND;
-        if (At(node).HasChildren() && expand != At(node).Expanded()) {
-          if (expand) m_items.Open(node);
-          m_native.Expand(item, expand);
-          Report(kExpansion, node, expand);
-        }
-        return TRUE;
-      }
-      default:
-        return std::nullopt;
-    }
-  }
-
-  UINT TrueState(HTREEITEM item, UINT state, UINT mask) const {
-    const std::uint32_t node = m_tree.CheckBoxes() ? m_items.NodeOf(item) : 0;
-    if (node == 0 || (state & TVIS_STATEIMAGEMASK & mask) == 0) return state;
-    const UINT image = INDEXTOSTATEIMAGEMASK(At(node).Checked() ? CheckBoxes::kTicked : CheckBoxes::kClear);
-    return (state & ~TVIS_STATEIMAGEMASK) | (image & mask);
+    return m_questions.Answer(message, wide, extra);
   }
 
   // --- bringing the window into line
@@ -454,6 +413,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   NativeTree m_native;
   CheckBoxes m_checkBoxes;
   TreeItems m_items;
+  TreeQuestions m_questions;
   ImageListHandle m_images;
   std::optional<NativeTree::Pause> m_frozen;
   std::vector<std::uint32_t> m_announced;

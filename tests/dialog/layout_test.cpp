@@ -76,6 +76,9 @@ TEST_F(LayoutTest, NothingOverlapsOrLeavesItsContainerAtAnySize) {
       EXPECT_GT(list->Width(), 600) << list->Name();
       EXPECT_GT(list->Height(), 600) << list->Name();
     }
+    // The pointer gets from the lower area and from the buttons to the help without touching the form.
+    EXPECT_EQ(ui.lblHelp.Top() + ui.lblHelp.Height(), ui.picBottom.Top());
+    EXPECT_EQ(ui.lblHelp.Top(), ui.picTopButtons.Top() + ui.picTopButtons.Height());
     // Room for a heading and a line even in the smallest window.
     EXPECT_GE(ui.asSearch.Height(), 500);
     EXPECT_GE(ui.asFiles.Height(), 900);
