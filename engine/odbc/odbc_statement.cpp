@@ -53,7 +53,7 @@ void BoundValues::Bind(const Session& session, SQLHSTMT statement, const std::ve
     }
     const SQLRETURN result =
         SQLBindParameter(statement, static_cast<SQLUSMALLINT>(i + 1), SQL_PARAM_INPUT, cType, sqlType,
-                         columnSize, digits, data, slot.size, &slot.size);
+                         columnSize, digits, data, std::max<SQLLEN>(slot.size, 0), &slot.size);
     if (!SQL_SUCCEEDED(result)) session.Raise(SQL_HANDLE_STMT, statement, "parameter");
   }
 }

@@ -1,5 +1,5 @@
-// make_catalog PATH [--rows N] [--seed S] [--flat] [--one-run] [--archive FILE] [--disc FOLDER]: makes a
-// sample catalog file, and what backups on CD want.
+// make_catalog PATH | --connect STRING [--rows N] [--seed S] [--flat] [--one-run] [--archive FILE] [--disc
+// FOLDER]: makes a sample catalog file or fills a catalog on a server, and makes what backups on CD want.
 #include <charconv>
 #include <cstdint>
 #include <iostream>
@@ -10,13 +10,17 @@
 #include "base/error.h"
 #include "host/catalog_maker/sample_archive.h"
 #include "host/catalog_maker/sample_catalog.h"
+#include "host/catalog_maker/server_writer.h"
 
 namespace {
 
 constexpr std::string_view kUsage =
     "usage: make_catalog PATH [--rows N] [--seed S] [--flat] [--one-run]\n"
     "                    [--archive FILE] [--disc FOLDER]\n"
+    "       make_catalog --connect STRING ...\n"
     "  PATH       the catalog file; replaced when it is there\n"
+    "  --connect STRING  of a server instead: the ODBC driver and what it wants to know; the catalog is\n"
+    "             the one that host/sql/ has made there, still empty\n"
     "  --rows N   rows of the table Catalog (20000; 1 to 100000000)\n"
     "  --seed S   another catalog of the same kind (1)\n"
     "  --flat     the plain files of a run all in one folder\n"
@@ -27,7 +31,7 @@ constexpr std::string_view kUsage =
 constexpr std::uint64_t kMostRows = 100'000'000;
 
 struct Arguments {
-  std::string path, archive, disc;
+  std::string path, connect, archive, disc;
   kxrestore::sample::SampleOptions options;
 };
 
@@ -47,9 +51,11 @@ std::optional<Arguments> Read(int count, char** words) {
     } else if (word == "--rows" || word == "--seed") {
       std::uint64_t& value = word == "--rows" ? arguments.options.rows : arguments.options.seed;
       if (++i == count || !ReadNumber(words[i], value)) return std::nullopt;
-    } else if (word == "--archive" || word == "--disc") {
-      std::string& path = word == "--archive" ? arguments.archive : arguments.disc;
-      if (++i == count || (path = words[i]).empty()) return std::nullopt;
+    } else if (word == "--connect" || word == "--archive" || word == "--disc") {
+      std::string& text = word == "--connect"   ? arguments.connect
+                          : word == "--archive" ? arguments.archive
+                                                : arguments.disc;
+      if (++i == count || (text = words[i]).empty()) return std::nullopt;
     } else if (word.empty() || word.starts_with("--") || !arguments.path.empty()) {
       return std::nullopt;
     } else {
@@ -57,7 +63,8 @@ std::optional<Arguments> Read(int count, char** words) {
     }
   }
   const std::uint64_t rows = arguments.options.rows;
-  if (arguments.path.empty() || rows < 1 || rows > kMostRows) return std::nullopt;
+  if (arguments.path.empty() == arguments.connect.empty() || rows < 1 || rows > kMostRows)
+    return std::nullopt;
   return arguments;
 }
 
@@ -70,13 +77,18 @@ int main(int count, char** words) {
     return 2;
   }
   try {
-    kxrestore::sample::MakeCatalog(arguments->path, arguments->options);
+    if (arguments->connect.empty()) {
+      kxrestore::sample::MakeCatalog(arguments->path, arguments->options);
+    } else {
+      kxrestore::sample::FillServerCatalog(arguments->connect, arguments->options);
+    }
     if (!arguments->archive.empty()) kxrestore::sample::MakeArchive(arguments->archive);
     if (!arguments->disc.empty()) kxrestore::sample::MakeDisc(arguments->disc);
   } catch (const kxrestore::Error& error) {
     std::cerr << "make_catalog: (" << error.Number() << ") " << error.Description() << '\n';
     return 1;
   }
-  std::cout << arguments->path << ": " << arguments->options.rows << " rows\n";
+  std::cout << (arguments->connect.empty() ? arguments->path : "the server's catalog") << ": "
+            << arguments->options.rows << " rows\n";
   return 0;
 }

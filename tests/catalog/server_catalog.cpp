@@ -1,0 +1,72 @@
+#include "tests/catalog/server_catalog.h"
+
+#include <chrono>
+
+#include "catalog/connection.h"
+#include "engine/odbc/odbc_session.h"
+#include "host/catalog_maker/server_writer.h"
+#include "server_tables.h"
+#include "tests/engine/odbc_test_database.h"
+
+namespace kxrestore::catalog_test {
+namespace {
+
+using engine::odbc::Session;
+using engine::testing::ServerSetting;
+
+std::string ConnectTo(const std::string& database) {
+  return catalog::BuildConnectString(database, ServerCatalog::Server(), ServerCatalog::User(),
+                                     ServerCatalog::Password());
+}
+
+}  // namespace
+
+ServerCatalog::ServerCatalog(const std::function<void(sample::CatalogSink&)>& fill)
+    : m_name("kx_catalog_" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count())) {
+  Session(ConnectTo("postgres"), false, nullptr).Ask("CREATE DATABASE " + m_name);
+  Session(Connect(), false, nullptr).RunSchemaChange({kServerTables});
+  sample::ServerWriter writer(Connect());
+  fill(writer);
+  writer.Finish();
+}
+
+ServerCatalog::~ServerCatalog() {
+  try {
+    Session(ConnectTo("postgres"), false, nullptr).Ask("DROP DATABASE " + m_name + " WITH (FORCE)");
+  } catch (const Error&) {  // it goes with its server
+  }
+}
+
+bool ServerCatalog::HasServer() {
+  return engine::testing::HasTestServer();
+}
+
+std::string ServerCatalog::Server() {
+  return ServerSetting("KX_TEST_SERVER");
+}
+
+std::string ServerCatalog::User() {
+  return ServerSetting("KX_TEST_USER");
+}
+
+std::string ServerCatalog::Password() {
+  return ServerSetting("KX_TEST_PASSWORD");
+}
+
+std::string ServerCatalog::Connect() const {
+  return ConnectTo(m_name);
+}
+
+void ServerCatalog::Execute(const std::string& sql) {
+  Session(Connect(), false, nullptr).Ask(sql);
+}
+
+std::set<std::int64_t> ServerCatalog::Marked() {
+  std::set<std::int64_t> ids;
+  for (const auto& row : Session(Connect(), false, nullptr).Ask("SELECT ID FROM Catalog WHERE Restore")) {
+    ids.insert(std::stoll(row.front()));
+  }
+  return ids;
+}
+
+}  // namespace kxrestore::catalog_test

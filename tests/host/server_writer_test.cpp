@@ -1,0 +1,42 @@
+// A server catalog is filled with the very rows of a catalog file, all of them or none.
+#include "host/catalog_maker/server_writer.h"
+
+#include "base/error.h"
+#include "host/catalog_maker/sample_catalog.h"
+#include "tests/catalog/server_catalog.h"
+#include "tests/engine/test_databases.h"
+
+namespace kxrestore::sample {
+namespace {
+
+using engine::testing::Rows;
+
+TEST(ServerWriter, WritesTheRowsOfACatalogFile) {
+  if (!catalog_test::ServerCatalog::HasServer()) GTEST_SKIP() << "no server";
+  const SampleOptions options{.rows = 800};
+  const engine::testing::TemporaryFolder folder;
+  MakeCatalog(folder.File("catalog.db"), options);
+  const catalog_test::ServerCatalog server([&](CatalogSink& sink) { Generate(options, sink); });
+  EXPECT_THROW(FillServerCatalog(server.Connect(), {.rows = 900, .seed = 2}), Error)
+      << "it is filled already";
+
+  const auto workspace = engine::MakeDefaultWorkspace();
+  const auto file = workspace->OpenDatabase({.name = folder.File("catalog.db")});
+  const auto catalog = workspace->OpenDatabase({.connect = server.Connect()});
+  const std::string columns =
+      "SELECT ID, DateStamp, SetNameID, Extension, Filename, File, LongPathID, StoreName, "
+      "StoreMethod, Plugin, Restore, OrigSize, Status, Attributes, SubFolder, EncryptMethod, ";
+  for (const std::string& statement :
+       {columns + "OrigName FROM [Catalog] ORDER BY ID", columns + "SetName FROM FullCatalog ORDER BY ID",
+        std::string("SELECT ID, Name FROM SetNames ORDER BY ID"),
+        std::string("SELECT PathID, LongPath FROM LongPaths ORDER BY PathID"),
+        std::string(
+            "SELECT ID, SetNameID, DateStamp, Extension, Permanent, Status FROM BackupAudit ORDER BY ID")}) {
+    const auto rows = Rows(*catalog, statement);
+    EXPECT_FALSE(rows.empty());
+    EXPECT_EQ(rows, Rows(*file, statement));
+  }
+}
+
+}  // namespace
+}  // namespace kxrestore::sample
