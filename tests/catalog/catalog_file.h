@@ -32,9 +32,18 @@ inline sample::FileRow Live(std::int64_t id, std::string origName) {
   return row;
 }
 
+// Sets 1, 2 and 3 are called "Set 1" and so on.
+inline void AddRows(sample::CatalogSink& catalog, const std::vector<sample::FileRow>& rows,
+                    const std::vector<sample::RunRow>& runs = {},
+                    const std::vector<sample::LongPathRow>& longPaths = {}) {
+  for (const int set : {1, 2, 3}) catalog.AddSet({set, "Set " + std::to_string(set)});
+  for (const auto& run : runs) catalog.AddRun(run);
+  for (const auto& longPath : longPaths) catalog.AddLongPath(longPath);
+  for (const auto& row : rows) catalog.AddFile(row);
+}
+
 class CatalogFile {
  public:
-  // Sets 1, 2 and 3 are called "Set 1" and so on.
   explicit CatalogFile(const std::vector<sample::FileRow>& rows, const std::vector<sample::RunRow>& runs = {},
                        const std::vector<sample::LongPathRow>& longPaths = {}) {
     static const std::uint32_t process = std::random_device()();  // several test programs run at a time
@@ -42,10 +51,7 @@ class CatalogFile {
     m_path = std::filesystem::temp_directory_path() /
              ("kxcatalog_" + std::to_string(process) + "_" + std::to_string(++number) + ".db");
     sample::SqliteWriter writer(Path());
-    for (const int set : {1, 2, 3}) writer.AddSet({set, "Set " + std::to_string(set)});
-    for (const auto& run : runs) writer.AddRun(run);
-    for (const auto& longPath : longPaths) writer.AddLongPath(longPath);
-    for (const auto& row : rows) writer.AddFile(row);
+    AddRows(writer, rows, runs, longPaths);
     writer.Finish();
   }
   ~CatalogFile() {

@@ -55,6 +55,16 @@ class DialogTest : public testing::Test {
     form.DBName(catalog->Path());
   }
 
+  // Points the form at a catalog on the test server.
+  void UseServer(const std::string& database, const std::string& server, const std::string& user,
+                 const std::string& password) {
+    form.DBType(1);
+    form.DBDatabase(database);
+    form.DBServer(server);
+    form.DBUser(user);
+    form.DBPass(password);
+  }
+
   FormControls& ui() { return form.Controls(); }
 
   // The node of a tree that has this text, the first in the order of adding.
@@ -73,6 +83,7 @@ class DialogTest : public testing::Test {
     }
     ADD_FAILURE() << "no run \"" << tag << "\"";
   }
+  void ChooseSet(std::string_view name) { ui().tvwSets.UserClickNode(NodeOf(ui().tvwSets, name)); }
   void Tick(std::string_view text) { ui().tvwDetails.UserCheck(NodeOf(ui().tvwDetails, text), true); }
   void TickAll() {
     for (auto root = ui().tvwDetails.FirstRoot(); root; root = root.Next())

@@ -24,7 +24,6 @@ class SearchTab : public DialogTest {
                  Row(4, 2, "001", "D:\\a.doc"), Row(5, 2, "001", "D:\\c.xls")});
     ui().tbsOptions.UserSelect(2);
   }
-  void ChooseSet(std::string_view name) { ui().tvwSets.UserClickNode(NodeOf(ui().tvwSets, name)); }
   void Find(const std::string& mask) {
     ui().cboMask.UserType(mask);
     ui().cmdSearch[kFind].UserClick();
