@@ -30,31 +30,43 @@ Database Open(const std::wstring& path) {
   return opened;
 }
 
-struct Rows : sample::SqliteWriter {
-  using SqliteWriter::SqliteWriter;
-
-  void Run(std::int64_t set, const std::string& extension, const std::string& date) {
-    AddRun({set, date, extension, false, 6});
-  }
-
-  sample::FileRow File(std::int64_t id, std::int64_t set, const std::string& extension,
-                       const std::string& path) {
-    sample::FileRow row;
-    row.id = id;
-    row.dateStamp = "2026-11-01 02:25:30";
-    row.setId = set;
-    row.extension = extension;
-    row.filename = path;
-    row.file = path.substr(path.find_last_of('\\') + 1);
-    row.storeName = std::to_string(id);
-    row.origSize = 1000 * id;
-    row.status = 2;
-    row.origName = path;
-    return row;
-  }
-};
+sample::FileRow File(std::int64_t id, std::int64_t set, const std::string& extension,
+                     const std::string& path) {
+  sample::FileRow row;
+  row.id = id;
+  row.dateStamp = "2026-11-01 02:25:30";
+  row.setId = set;
+  row.extension = extension;
+  row.filename = path;
+  row.file = path.substr(path.find_last_of('\\') + 1);
+  row.storeName = std::to_string(id);
+  row.origSize = 1000 * id;
+  row.status = 2;
+  row.origName = path;
+  return row;
+}
 
 }  // namespace
+
+void TestCatalog::AddRows(sample::CatalogSink& rows) {
+  rows.AddSet({1, "Documents"});
+  rows.AddSet({2, "Mail"});
+  rows.AddRun({1, "2026-11-01 02:25:30", "001", false, 6});
+  rows.AddRun({1, "2026-11-02 02:25:30", "002", false, 6});
+  rows.AddRun({2, "2026-11-03 00:00:00", "003", false, 6});
+  rows.AddLongPath({1, "C:\\Data\\Reports\\a very long name.xls"});
+  rows.AddFile(File(kNewA, 1, "002", "C:\\Data\\a.txt"));
+  rows.AddFile(File(kNewB, 1, "002", "C:\\Data\\Reports\\b.doc"));
+  sample::FileRow longRow = File(kNewLong, 1, "002", "C:\\Data\\Reports\\AVERYL~1.XLS");
+  longRow.longPathId = 1;
+  rows.AddFile(longRow);
+  rows.AddFile(File(kNewY, 1, "002", "D:\\y.txt"));
+  sample::FileRow dead = File(kDead, 1, "002", "C:\\Data\\dead.txt");
+  dead.status = 3;
+  rows.AddFile(dead);
+  rows.AddFile(File(kOldA, 1, "001", "C:\\Data\\a.txt"));
+  rows.AddFile(File(kBox, 2, "003", "C:\\Mail\\box.pst"));
+}
 
 TestCatalog::TestCatalog() {
   wchar_t temporary[MAX_PATH];
@@ -63,25 +75,9 @@ TestCatalog::TestCatalog() {
   m_folder = std::wstring(temporary) + L"kx e2e \u6F22 " + std::to_wstring(GetCurrentProcessId()) + L"\\";
   std::filesystem::create_directories(m_folder);
 
-  Rows rows(FromWide(Path()));
-  rows.AddSet({1, "Documents"});
-  rows.AddSet({2, "Mail"});
-  rows.Run(1, "001", "2026-11-01 02:25:30");
-  rows.Run(1, "002", "2026-11-02 02:25:30");
-  rows.Run(2, "003", "2026-11-03 00:00:00");
-  rows.AddLongPath({1, "C:\\Data\\Reports\\a very long name.xls"});
-  rows.AddFile(rows.File(kNewA, 1, "002", "C:\\Data\\a.txt"));
-  rows.AddFile(rows.File(kNewB, 1, "002", "C:\\Data\\Reports\\b.doc"));
-  sample::FileRow longRow = rows.File(kNewLong, 1, "002", "C:\\Data\\Reports\\AVERYL~1.XLS");
-  longRow.longPathId = 1;
-  rows.AddFile(longRow);
-  rows.AddFile(rows.File(kNewY, 1, "002", "D:\\y.txt"));
-  sample::FileRow dead = rows.File(kDead, 1, "002", "C:\\Data\\dead.txt");
-  dead.status = 3;
-  rows.AddFile(dead);
-  rows.AddFile(rows.File(kOldA, 1, "001", "C:\\Data\\a.txt"));
-  rows.AddFile(rows.File(kBox, 2, "003", "C:\\Mail\\box.pst"));
-  rows.Finish();
+  sample::SqliteWriter writer(FromWide(Path()));
+  AddRows(writer);
+  writer.Finish();
 }
 
 TestCatalog::~TestCatalog() {

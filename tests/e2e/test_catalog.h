@@ -10,6 +10,8 @@
 #include <set>
 #include <string>
 
+#include "host/catalog_maker/model.h"
+
 namespace kxrestore::e2e {
 
 inline constexpr std::int64_t kNewA = 1, kNewB = 2, kNewLong = 3, kNewY = 4, kDead = 5, kOldA = 6, kBox = 7;
@@ -20,6 +22,8 @@ class TestCatalog {
   ~TestCatalog();
   TestCatalog(const TestCatalog&) = delete;
   TestCatalog& operator=(const TestCatalog&) = delete;
+
+  static void AddRows(sample::CatalogSink& rows);  // the same rows for a catalog elsewhere
 
   const std::wstring& Folder() const { return m_folder; }  // with its backslash
   std::wstring Path() const { return m_folder + L"catalog.db"; }
