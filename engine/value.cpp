@@ -68,6 +68,30 @@ std::string ToText(const DateTime& date) {
   return buffer;
 }
 
+ValueView ViewOf(const Value& value) {
+  return std::visit(
+      [](const auto& held) -> ValueView {
+        if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::string>) {
+          return std::string_view(held);
+        } else {
+          return held;
+        }
+      },
+      value);
+}
+
+Value OwnedOf(const ValueView& value) {
+  return std::visit(
+      [](const auto& held) -> Value {
+        if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::string_view>) {
+          return std::string(held);
+        } else {
+          return held;
+        }
+      },
+      value);
+}
+
 std::string ToText(const ValueView& value) {
   struct Visitor {
     std::string operator()(std::monostate) const { return {}; }

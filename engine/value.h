@@ -24,6 +24,9 @@ inline bool IsNull(const ValueView& value) {
   return value.index() == 0;
 }
 
+ValueView ViewOf(const Value& value);
+Value OwnedOf(const ValueView& value);
+
 // Null converts to an empty text, 0 and false. A date's text is "YYYY-MM-DD HH:MM:SS"; how the user writes
 // dates is not the engine's business. Text that is no number raises error 13, Type mismatch.
 std::string ToText(const ValueView& value);

@@ -211,13 +211,13 @@ void Session::ForgetPlans() {
   m_schema.Forget();
 }
 
-void Session::RemoveStreaming(StreamingRows& rows) {
+void Session::RemoveStreaming(StreamedRecordset& rows) {
   std::erase(m_streaming, &rows);
 }
 
 void Session::DetachStreaming() {
-  const std::vector<StreamingRows*> streaming = m_streaming;  // detaching takes itself off the list
-  for (StreamingRows* rows : streaming) rows->Detach();
+  const std::vector<StreamedRecordset*> streaming = m_streaming;  // detaching takes itself off the list
+  for (StreamedRecordset* rows : streaming) rows->Detach();
 }
 
 void Session::FetchPiecewise(bool piecewise) {

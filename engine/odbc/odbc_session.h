@@ -15,18 +15,9 @@
 #include "engine/odbc/odbc_plan.h"
 #include "engine/odbc/odbc_schema.h"
 #include "engine/odbc/server_facts.h"
+#include "engine/streamed_recordset.h"
 
 namespace kxrestore::engine::odbc {
-
-// A recordset that still fetches rows. Before anything that could take them away or change them, it takes the
-// remaining rows into memory.
-class StreamingRows {
- public:
-  virtual void Detach() = 0;
-
- protected:
-  ~StreamingRows() = default;
-};
 
 class Session {
  public:
@@ -68,8 +59,10 @@ class Session {
   StatementHandle AllocateStatement();
   [[noreturn]] void Raise(SQLSMALLINT type, SQLHANDLE handle, std::string_view piece) const;
 
-  void AddStreaming(StreamingRows& rows) { m_streaming.push_back(&rows); }
-  void RemoveStreaming(StreamingRows& rows);
+  // Recordsets that still fetch rows. Before anything that could take those away or change them, they take
+  // the rest into memory.
+  void AddStreaming(StreamedRecordset& rows) { m_streaming.push_back(&rows); }
+  void RemoveStreaming(StreamedRecordset& rows);
 
   // A transaction of a database's own, during which no group is committed; it goes on when the action ends.
   void BeginTransaction(const Database& owner);
@@ -109,7 +102,7 @@ class Session {
   ServerFacts m_facts;
   std::unique_ptr<jet_sql::ServerDialect> m_dialect;
   Schema m_schema;
-  std::vector<StreamingRows*> m_streaming;
+  std::vector<StreamedRecordset*> m_streaming;
   std::unordered_map<std::string, std::shared_ptr<Plan>> m_plans;
   jet_sql::ExtractedLiterals m_extracted;
   const Database* m_transactionOwner = nullptr;

@@ -172,14 +172,14 @@ bool Session::LookUp() noexcept {
   return goOn;
 }
 
-void Session::RemoveStreaming(StreamingRows& rows) {
+void Session::RemoveStreaming(StreamedRecordset& rows) {
   std::erase(m_streaming, &rows);
 }
 
 void Session::DetachStreaming(bool dynasetsToo) {
   if (m_streaming.empty()) return;
-  const std::vector<StreamingRows*> streaming = m_streaming;  // detaching takes itself off the list
-  for (StreamingRows* rows : streaming) {
+  const std::vector<StreamedRecordset*> streaming = m_streaming;  // detaching takes itself off the list
+  for (StreamedRecordset* rows : streaming) {
     if (dynasetsToo || rows->IsSnapshot()) rows->Detach();
   }
 }

@@ -13,19 +13,9 @@
 #include "engine/jet_sql/literals.h"
 #include "engine/sqlite/plan.h"
 #include "engine/sqlite/sqlite_error.h"
+#include "engine/streamed_recordset.h"
 
 namespace kxrestore::engine::sqlite {
-
-// A recordset that still reads from its statement. Before a write that could change what it shows, it takes
-// its remaining rows into memory.
-class StreamingRows {
- public:
-  virtual void Detach() = 0;
-  virtual bool IsSnapshot() const = 0;
-
- protected:
-  ~StreamingRows() = default;
-};
 
 class Session {
  public:
@@ -64,8 +54,10 @@ class Session {
   Statement Prepare(std::string_view sql, Doing doing = Doing::kReading) const;
   [[noreturn]] void Raise(int code, Doing doing, std::string_view piece = {}) const;
 
-  void AddStreaming(StreamingRows& rows) { m_streaming.push_back(&rows); }
-  void RemoveStreaming(StreamingRows& rows);
+  // Recordsets that still fetch rows. Before anything that could take those away or change them, they take
+  // the rest into memory.
+  void AddStreaming(StreamedRecordset& rows) { m_streaming.push_back(&rows); }
+  void RemoveStreaming(StreamedRecordset& rows);
 
   // A transaction of a database's own, during which no group is committed; it goes on when the action ends.
   void BeginTransaction(const Database& owner);
@@ -101,7 +93,7 @@ class Session {
   bool m_readOnly = false;
   std::unique_ptr<sqlite3, Closer> m_connection;
   Statement m_begin, m_commit;
-  std::vector<StreamingRows*> m_streaming;
+  std::vector<StreamedRecordset*> m_streaming;
   std::unordered_map<std::string, std::shared_ptr<Plan>> m_plans;
   jet_sql::ExtractedLiterals m_extracted;
   const Database* m_transactionOwner = nullptr;

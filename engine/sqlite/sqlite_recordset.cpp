@@ -31,18 +31,6 @@ void Bind(sqlite3_stmt* statement, int index, const Value& value) {
   std::visit(Visitor{statement, index}, value);
 }
 
-ValueView AsView(const Value& value) {
-  return std::visit(
-      [](const auto& held) -> ValueView {
-        if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::string>) {
-          return std::string_view(held);
-        } else {
-          return held;
-        }
-      },
-      value);
-}
-
 ValueView OfKind(ColumnKind kind, const ValueView& value) {
   if (kind == ColumnKind::kBoolean) {
     if (const auto* integer = std::get_if<std::int64_t>(&value)) return *integer != 0;
@@ -53,125 +41,7 @@ ValueView OfKind(ColumnKind kind, const ValueView& value) {
   return value;
 }
 
-}  // namespace
-
-SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, std::string_view source,
-                                 RecordsetType type, bool readOnly)
-    : m_session(std::move(session)), m_type(type), m_readOnly(readOnly) {
-  int code = Open(source);
-  if (code == SQLITE_ROW && sqlite3_column_count(m_statement.get()) != static_cast<int>(m_plan->allColumns)) {
-    m_session->ForgetPlans();  // somebody else has changed the schema meanwhile
-    code = Open(source);
-  }
-  if (code == SQLITE_ROW) {
-    m_session->AddStreaming(*this);
-    return;
-  }
-  const ResetGuard guard(m_statement.get());
-  if (code != SQLITE_DONE) m_session->Raise(code, Doing::kReading, source);
-  m_state = State::kAtEnd;
-  Session::Release(*m_plan, std::move(m_statement));
-}
-
-int SqliteRecordset::Open(std::string_view source) {
-  m_plan = m_session->FindPlan(
-      source, m_type == RecordsetType::kDynaset ? Session::Use::kDynaset : Session::Use::kSnapshot);
-  m_statement = m_session->Acquire(*m_plan);
-  return m_session->StepReading(m_statement.get());
-}
-
-SqliteRecordset::~SqliteRecordset() {
-  LetStatementGo();
-}
-
-void SqliteRecordset::LetStatementGo() {
-  if (!m_statement) return;
-  m_session->RemoveStreaming(*this);
-  Session::Release(*m_plan, std::move(m_statement));
-}
-
-void SqliteRecordset::Close() {
-  LetStatementGo();
-  m_stored.reset();
-  m_state = State::kClosed;
-}
-
-void SqliteRecordset::NeedOpen() const {
-  if (m_state == State::kClosed)
-    Raise(number::kObjectInvalid, "Object invalid or no longer set: the recordset.");
-}
-
-void SqliteRecordset::NeedRow() const {
-  NeedOpen();
-  if (m_state == State::kAtEnd) Raise(number::kNoCurrentRecord, "No current record.");
-}
-
-bool SqliteRecordset::Eof() const {
-  NeedOpen();
-  return m_state == State::kAtEnd;
-}
-
-void SqliteRecordset::MoveNext() {
-  NeedRow();
-  m_editing = false;
-  if (!m_pending.empty()) m_pending.clear();
-  if (!m_written.empty()) m_written.clear();
-  if (m_state == State::kStreaming) {
-    Step();
-  } else if (!m_stored->Next(m_row, m_plan->allColumns)) {
-    m_stored.reset();
-    m_state = State::kAtEnd;
-  }
-}
-
-void SqliteRecordset::Step() {
-  const int code = m_session->StepReading(m_statement.get());
-  if (code == SQLITE_ROW) return;
-  m_state = State::kAtEnd;
-  if (code == SQLITE_DONE) {
-    LetStatementGo();
-    return;
-  }
-  try {
-    m_session->Raise(code, Doing::kReading, m_plan->sql);
-  } catch (...) {
-    LetStatementGo();
-    throw;
-  }
-}
-
-void SqliteRecordset::Detach() {
-  if (m_state != State::kStreaming) return;
-  auto stored = std::make_unique<RowStore>();
-  int code = SQLITE_ROW;
-  for (; code == SQLITE_ROW; code = sqlite3_step(m_statement.get())) {
-    stored->BeginRow();
-    for (std::size_t i = 0; i < m_plan->allColumns; ++i) stored->Append(RawValue(i));
-  }
-  if (code != SQLITE_DONE) m_session->Raise(code, Doing::kReading, m_plan->sql);
-  stored->Next(m_row, m_plan->allColumns);
-  m_stored = std::move(stored);
-  m_state = State::kStored;
-  LetStatementGo();
-}
-
-std::size_t SqliteRecordset::FieldCount() const {
-  NeedOpen();
-  return m_plan->columns.size();
-}
-
-std::string_view SqliteRecordset::FieldName(std::size_t index) const {
-  NeedOpen();
-  if (index >= m_plan->columns.size()) {
-    Raise(number::kItemNotFound, "Item not found in this collection: field " + std::to_string(index) + ".");
-  }
-  return m_plan->columns[index].name;
-}
-
-ValueView SqliteRecordset::RawValue(std::size_t index) const {
-  if (m_state == State::kStored) return m_row[index];
-  sqlite3_stmt* statement = m_statement.get();
-  const int column = static_cast<int>(index);
+ValueView RawValue(sqlite3_stmt* statement, int column) {
   switch (sqlite3_column_type(statement, column)) {
     case SQLITE_INTEGER:
       return static_cast<std::int64_t>(sqlite3_column_int64(statement, column));
@@ -192,57 +62,63 @@ ValueView SqliteRecordset::RawValue(std::size_t index) const {
   }
 }
 
-const Value* SqliteRecordset::Changed(std::size_t index) const {
-  for (const auto* changes : {&m_pending, &m_written}) {
-    for (const auto& [column, value] : *changes) {
-      if (column == index) return &value;
-    }
+}  // namespace
+
+SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, std::string_view source,
+                                 RecordsetType type, bool readOnly)
+    : StreamedRecordset(type, readOnly), m_session(std::move(session)) {
+  int code = Open(source);
+  if (code == SQLITE_ROW && sqlite3_column_count(m_statement.get()) != static_cast<int>(m_plan->allColumns)) {
+    m_session->ForgetPlans();  // somebody else has changed the schema meanwhile
+    code = Open(source);
   }
-  return nullptr;
+  if (code == SQLITE_ROW) {
+    m_session->AddStreaming(*this);
+  } else if (code != SQLITE_DONE) {
+    const ResetGuard guard(m_statement.get());
+    m_session->Raise(code, Doing::kReading, source);
+  }
+  Begin(code == SQLITE_ROW, m_plan->columns.size(), m_plan->allColumns - m_plan->columns.size());
 }
 
-ValueView SqliteRecordset::FieldValue(std::size_t index) const {
-  if (m_state > State::kStored) NeedRow();
-  if (index >= m_plan->columns.size()) FieldName(index);
-  if (!m_pending.empty() || !m_written.empty()) {
-    if (const Value* changed = Changed(index)) return AsView(*changed);
-  }
-  const ColumnKind kind = m_plan->columns[index].kind;
-  return kind == ColumnKind::kPlain ? RawValue(index) : OfKind(kind, RawValue(index));
+int SqliteRecordset::Open(std::string_view source) {
+  m_plan = m_session->FindPlan(source, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset);
+  m_statement = m_session->Acquire(*m_plan);
+  return m_session->StepReading(m_statement.get());
 }
 
-void SqliteRecordset::Edit() {
-  NeedRow();
-  if (IsSnapshot() || m_readOnly || m_session->IsReadOnly() || m_plan->tables.empty()) {
-    Raise(number::kReadOnly, "Cannot update. Database or object is read-only: '" + m_session->File() + "'.");
-  }
-  m_editing = true;
-  m_pending.clear();
+SqliteRecordset::~SqliteRecordset() {
+  LetStatementGo();
 }
 
-void SqliteRecordset::SetFieldValue(std::size_t index, Value value) {
-  NeedRow();
-  const std::string_view name = FieldName(index);
-  if (!m_editing) Raise(number::kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
-  if (m_plan->columns[index].baseName.empty()) {
-    Raise(number::kReadOnly, "Cannot update '" + std::string(name) + "'; field not updatable.");
-  }
-  for (auto& [column, pending] : m_pending) {
-    if (column == index) {
-      pending = std::move(value);
-      return;
-    }
-  }
-  m_pending.emplace_back(index, std::move(value));
+void SqliteRecordset::LetStatementGo() {
+  if (!m_statement) return;
+  m_session->RemoveStreaming(*this);
+  Session::Release(*m_plan, std::move(m_statement));
 }
 
-void SqliteRecordset::UpdateTable(std::size_t table) {
+bool SqliteRecordset::Fetch(bool mayStop) {
+  sqlite3_stmt* const statement = m_statement.get();
+  const int code = mayStop ? m_session->StepReading(statement) : sqlite3_step(statement);
+  if (code == SQLITE_ROW) return true;
+  if (code != SQLITE_DONE) m_session->Raise(code, Doing::kReading, m_plan->sql);
+  return false;
+}
+
+ValueView SqliteRecordset::Streamed(std::size_t index) const {
+  sqlite3_stmt* statement = m_statement.get();
+  const ColumnKind kind = index < m_plan->columns.size() ? m_plan->columns[index].kind : ColumnKind::kPlain;
+  return kind == ColumnKind::kPlain ? RawValue(statement, static_cast<int>(index))
+                                    : OfKind(kind, RawValue(statement, static_cast<int>(index)));
+}
+
+void SqliteRecordset::UpdateTable(std::size_t table, const Changes& changes) {
   std::vector<std::size_t> columns;
-  for (const auto& [column, value] : m_pending) {
+  for (const auto& [column, value] : changes) {
     if (m_plan->columns[column].table == table) columns.push_back(column);
   }
   if (columns.empty()) return;
-  const ValueView row = RawValue(m_plan->tables[table].rowColumn);
+  const ValueView row = RowValue(m_plan->tables[table].rowColumn);
   const auto* rowNumber = std::get_if<std::int64_t>(&row);
   if (rowNumber == nullptr) {
     Raise(number::kReadOnly, "Cannot update: the row has no record in '" + m_plan->tables[table].name + "'.");
@@ -251,7 +127,7 @@ void SqliteRecordset::UpdateTable(std::size_t table) {
   sqlite3_stmt* statement = update.statement.get();
   sqlite3_bind_int64(statement, 1, *rowNumber);
   int parameter = 2;
-  for (const auto& [column, value] : m_pending) {
+  for (const auto& [column, value] : changes) {
     if (m_plan->columns[column].table == table) Bind(statement, parameter++, value);
   }
   m_session->RunWrite(statement, update.disturbs, m_plan->tables[table].name);
@@ -260,16 +136,8 @@ void SqliteRecordset::UpdateTable(std::size_t table) {
   }
 }
 
-void SqliteRecordset::Update() {
-  NeedRow();
-  if (!m_editing) Raise(number::kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
-  for (std::size_t table = 0; table < m_plan->tables.size(); ++table) UpdateTable(table);
-  for (auto& change : m_pending) {
-    std::erase_if(m_written, [&change](const auto& written) { return written.first == change.first; });
-    m_written.push_back(std::move(change));
-  }
-  m_pending.clear();
-  m_editing = false;
+void SqliteRecordset::Write(const Changes& changes) {
+  for (std::size_t table = 0; table < m_plan->tables.size(); ++table) UpdateTable(table, changes);
 }
 
 }  // namespace kxrestore::engine::sqlite

@@ -1,0 +1,155 @@
+#include "engine/streamed_recordset.h"
+
+#include "base/error.h"
+#include "engine/error_numbers.h"
+
+namespace kxrestore::engine {
+namespace {
+
+namespace number = kxrestore::engine::error_number;
+
+[[noreturn]] void Raise(int errorNumber, std::string description) {
+  throw Error(errorNumber, std::move(description), "Engine");
+}
+
+}  // namespace
+
+void StreamedRecordset::Begin(bool hasRow, std::size_t columns, std::size_t hidden) {
+  m_columns = columns;
+  m_allColumns = columns + hidden;
+  if (hasRow) {
+    m_state = State::kOnRow;
+  } else {
+    LetStatementGo();
+  }
+}
+
+void StreamedRecordset::Close() {
+  LetStatementGo();
+  m_stored.reset();
+  m_state = State::kClosed;
+}
+
+void StreamedRecordset::NeedOpen() const {
+  if (m_state == State::kClosed) {
+    Raise(number::kObjectInvalid, "Object invalid or no longer set: the recordset.");
+  }
+}
+
+void StreamedRecordset::NeedRow() const {
+  NeedOpen();
+  if (m_state == State::kAtEnd) Raise(number::kNoCurrentRecord, "No current record.");
+}
+
+bool StreamedRecordset::Eof() const {
+  NeedOpen();
+  return m_state == State::kAtEnd;
+}
+
+void StreamedRecordset::MoveNext() {
+  NeedRow();
+  m_editing = false;
+  if (!m_pending.empty()) m_pending.clear();
+  if (!m_written.empty()) m_written.clear();
+  if (m_stored) {
+    if (m_stored->Next(m_row, m_allColumns)) return;
+    m_stored.reset();
+    m_state = State::kAtEnd;
+    return;
+  }
+  m_state = State::kAtEnd;  // also when fetching fails
+  bool hasRow = false;
+  try {
+    hasRow = Fetch(true);
+  } catch (...) {
+    LetStatementGo();
+    throw;
+  }
+  if (hasRow) {
+    m_state = State::kOnRow;
+  } else {
+    LetStatementGo();
+  }
+}
+
+void StreamedRecordset::Detach() {
+  if (m_state != State::kOnRow || m_stored) return;
+  auto stored = std::make_unique<RowStore>();
+  do {
+    stored->BeginRow();
+    for (std::size_t i = 0; i < m_allColumns; ++i) stored->Append(Streamed(i));
+  } while (Fetch(false));
+  stored->Next(m_row, m_allColumns);
+  m_stored = std::move(stored);
+  LetStatementGo();
+}
+
+std::size_t StreamedRecordset::FieldCount() const {
+  NeedOpen();
+  return m_columns;
+}
+
+std::string_view StreamedRecordset::FieldName(std::size_t index) const {
+  NeedOpen();
+  if (index >= m_columns) {
+    Raise(number::kItemNotFound, "Item not found in this collection: field " + std::to_string(index) + ".");
+  }
+  return ColumnName(index);
+}
+
+const Value* StreamedRecordset::Changed(std::size_t index) const {
+  for (const auto* changes : {&m_pending, &m_written}) {
+    for (const auto& [column, value] : *changes) {
+      if (column == index) return &value;
+    }
+  }
+  return nullptr;
+}
+
+ValueView StreamedRecordset::FieldValue(std::size_t index) const {
+  if (m_state != State::kOnRow) NeedRow();
+  if (index >= m_columns) FieldName(index);
+  if (!m_pending.empty() || !m_written.empty()) {
+    if (const Value* changed = Changed(index)) return ViewOf(*changed);
+  }
+  return RowValue(index);
+}
+
+void StreamedRecordset::Edit() {
+  NeedRow();
+  if (IsSnapshot() || m_readOnly || !CanChangeRows()) {
+    Raise(number::kReadOnly, "Cannot update. Database or object is read-only: '" + Place() + "'.");
+  }
+  m_editing = true;
+  m_pending.clear();
+}
+
+void StreamedRecordset::SetFieldValue(std::size_t index, Value value) {
+  NeedRow();
+  const std::string_view name = FieldName(index);
+  if (!m_editing) Raise(number::kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
+  if (!CanChange(index)) {
+    Raise(number::kReadOnly, "Cannot update '" + std::string(name) + "'; field not updatable.");
+  }
+  for (auto& [column, pending] : m_pending) {
+    if (column == index) {
+      pending = std::move(value);
+      return;
+    }
+  }
+  m_pending.emplace_back(index, std::move(value));
+}
+
+void StreamedRecordset::Update() {
+  NeedRow();
+  if (!m_editing) Raise(number::kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
+  Write(m_pending);
+  for (auto& change : m_pending) {
+    std::erase_if(m_written, [&change](const auto& written) { return written.first == change.first; });
+    m_written.push_back(std::move(change));
+  }
+  m_pending.clear();
+  m_editing = false;
+}
+
+}  // namespace kxrestore::engine

@@ -1,0 +1,77 @@
+// The sessions that a back end of this program's own keeps warm within one user action. A Session gathers
+// updates: Idle commits what has waited long enough, Flush commits everything, EndGroups commits for good.
+#pragma once
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "engine/database.h"
+
+namespace kxrestore::engine {
+
+template <class Session>
+class WarmSessions : public Backend {
+ public:
+  void BeginAction() override { m_inAction = true; }
+
+  void Idle() override {
+    ForEach(m_warm, [](Session& session) { session.Idle(); });
+  }
+
+  void Flush() override {
+    ForEach(m_warm, [](Session& session) { session.Flush(); });
+  }
+
+  void EndAction() override {
+    m_inAction = false;
+    const std::vector<std::shared_ptr<Session>> sessions = std::exchange(m_warm, {});
+    ForEach(sessions, [](Session& session) { session.EndGroups(); });
+  }
+
+  void SetWaiting(const Waiting& waiting) override { *m_waiting = waiting; }
+
+ protected:
+  bool InAction() const { return m_inAction; }
+
+  // The warm session that `fits`, or one that `make` makes.
+  template <class Fits, class Make>
+  std::shared_ptr<Session> Find(Fits fits, Make make) {
+    const auto found =
+        std::find_if(m_warm.begin(), m_warm.end(), [&](const auto& session) { return fits(*session); });
+    if (found != m_warm.end()) return *found;
+    m_warm.push_back(make());
+    return m_warm.back();
+  }
+
+  template <class Condition>
+  void Drop(Condition condition) {
+    std::erase_if(m_warm, [&](const auto& session) { return condition(*session); });
+  }
+
+  // What to do while a statement takes long; sessions may live longer than the back end.
+  std::shared_ptr<const Waiting> WaitingOfSessions() const { return m_waiting; }
+
+ private:
+  // Every session gets its turn; the first error is raised at the end.
+  template <class Operation>
+  static void ForEach(const std::vector<std::shared_ptr<Session>>& sessions, Operation operation) {
+    std::exception_ptr failure;
+    for (const auto& session : sessions) {
+      try {
+        operation(*session);
+      } catch (...) {
+        if (!failure) failure = std::current_exception();
+      }
+    }
+    if (failure) std::rethrow_exception(failure);
+  }
+
+  std::vector<std::shared_ptr<Session>> m_warm;
+  bool m_inAction = false;
+  std::shared_ptr<Waiting> m_waiting = std::make_shared<Waiting>();
+};
+
+}  // namespace kxrestore::engine
