@@ -14,8 +14,8 @@ class OdbcBackend final : public WarmSessions<Session> {
  public:
   std::unique_ptr<Database> Open(const OpenRequest& request) override {
     if (!InAction()) {
-      return std::make_unique<OdbcDatabase>(std::make_shared<Session>(request.connect, false, nullptr),
-                                            request.readOnly);
+      return std::make_unique<OdbcDatabase>(
+          std::make_shared<Session>(request.connect, false, nullptr, WaitingOfSessions()), request.readOnly);
     }
     // A session whose server went away is let go; the next operation tries again.
     Drop([](const Session& session) { return session.IsLost(); });
@@ -23,7 +23,7 @@ class OdbcBackend final : public WarmSessions<Session> {
     const auto make = [&] {
       auto& texts = m_texts[request.connect];
       if (!texts) texts = std::make_shared<SavedTexts>();
-      return std::make_shared<Session>(request.connect, true, texts);
+      return std::make_shared<Session>(request.connect, true, texts, WaitingOfSessions());
     };
     return std::make_unique<OdbcDatabase>(Find(fits, make), request.readOnly);
   }

@@ -124,7 +124,7 @@ ValueKind KindOfType(SQLSMALLINT type, std::string_view typeName) {
   }
 }
 
-RowReader::RowReader(const Session& session, SQLHSTMT statement, std::string sql)
+RowReader::RowReader(Session& session, SQLHSTMT statement, std::string sql)
     : m_session(session), m_statement(statement), m_sql(std::move(sql)) {
   m_types = Describe(session, statement, m_sql);
   const bool longTexts = std::any_of(m_types.begin(), m_types.end(), [](const ColumnType& type) {
@@ -191,7 +191,8 @@ bool RowReader::Next() {
     return true;
   }
   m_row = 0;
-  const SQLRETURN result = SQLFetch(m_statement);
+  const auto fetch = [this] { return SQLFetch(m_statement); };
+  const SQLRETURN result = m_piecewise && !m_firstBlock ? fetch() : m_session.Call(m_statement, fetch);
   if (result == SQL_NO_DATA) return false;
   if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
   if (m_piecewise) ReadPiecewise();

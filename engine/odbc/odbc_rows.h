@@ -30,7 +30,7 @@ jet_sql::ValueKind KindOfType(SQLSMALLINT type, std::string_view typeName);
 class RowReader {
  public:
   // The statement has been executed.
-  RowReader(const Session& session, SQLHSTMT statement, std::string sql);
+  RowReader(Session& session, SQLHSTMT statement, std::string sql);
   ~RowReader();
   RowReader(const RowReader&) = delete;
   RowReader& operator=(const RowReader&) = delete;
@@ -58,7 +58,7 @@ class RowReader {
   std::string_view TextOf(std::size_t column) const;
   void ReadLongText(std::size_t column, std::string& text) const;
 
-  const Session& m_session;
+  Session& m_session;
   SQLHSTMT m_statement;
   std::string m_sql;
   std::vector<ColumnType> m_types;

@@ -48,12 +48,14 @@ void WaitBeforeTry(int number) {
 
 }  // namespace
 
-Session::Session(std::string_view connect, bool grouping, std::shared_ptr<SavedTexts> texts)
+Session::Session(std::string_view connect, bool grouping, std::shared_ptr<SavedTexts> texts,
+                 std::shared_ptr<const Waiting> waiting)
     : m_connect(connect),
       m_server(ValueOf(connect, "SERVER")),
       m_password(ValueOf(connect, "PWD")),
       m_grouping(grouping),
       m_texts(texts ? std::move(texts) : std::make_shared<SavedTexts>()),
+      m_patience(std::move(waiting)),
       m_schema(*this, *m_texts) {
   if (m_server.empty()) m_server = ValueOf(connect, "DATABASE");
   if (!m_environment.Allocate(SQL_NULL_HANDLE) ||
@@ -68,9 +70,10 @@ Session::Session(std::string_view connect, bool grouping, std::shared_ptr<SavedT
     connect.remove_prefix(kPrefix.size());
   }
   WideText text(connect);
-  const SQLRETURN result =
-      SQLDriverConnectW(Get(), nullptr, text.Data(), static_cast<SQLSMALLINT>(text.Size()), nullptr, 0,
-                        nullptr, SQL_DRIVER_NOPROMPT);
+  const SQLRETURN result = Call(nullptr, [&] {
+    return SQLDriverConnectW(Get(), nullptr, text.Data(), static_cast<SQLSMALLINT>(text.Size()), nullptr, 0,
+                             nullptr, SQL_DRIVER_NOPROMPT);
+  });
   if (!SQL_SUCCEEDED(result)) {
     RaiseOdbc(ReadDiagnostics(SQL_HANDLE_DBC, Get()), true, m_server, m_password);
   }
@@ -226,10 +229,25 @@ void Session::FetchPiecewise(bool piecewise) {
   SQLSetConnectAttrW(Get(), kPostgresDeclareFetch, AsPointer(piecewise ? 1 : 0), SQL_IS_INTEGER);
 }
 
+SQLRETURN Session::Call(SQLHSTMT reading, const std::function<SQLRETURN()>& call) {
+  if (!m_patience.IsWanted()) return call();
+  SQLRETURN result = SQL_ERROR;
+  std::function<void()> cancel;
+  // A transaction would be undone with its statement.
+  if (reading != nullptr && !m_inGroup && m_transactionOwner == nullptr) {
+    cancel = [reading] { SQLCancel(reading); };
+  }
+  const bool canceled = m_patience.Run([&] { result = call(); }, cancel);
+  if (canceled && !SQL_SUCCEEDED(result)) {
+    throw Error(error_number::kCanceled, "Operation canceled by user.", "Engine");
+  }
+  return result;
+}
+
 bool Session::RunRead(OdbcStatement& statement, const std::vector<Value>& values) {
   if (m_facts.onlyOneActive) DetachStreaming();
   for (int tried = 1;; ++tried) {
-    if (statement.Execute(values)) return true;
+    if (statement.Execute(values, true)) return true;
     const auto diagnostics = ReadDiagnostics(SQL_HANDLE_STMT, statement.Get());
     const Failure failure = FailureOf(diagnostics);
     if (failure == Failure::kStale) return false;
@@ -296,8 +314,9 @@ void Session::RunSchemaChange(const std::vector<std::string>& statements) {
     for (const std::string& sql : statements) {
       const StatementHandle statement = AllocateStatement();
       WideText text(sql);
-      const SQLRETURN result =
-          SQLExecDirectW(statement.Get(), text.Data(), static_cast<SQLINTEGER>(text.Size()));
+      const SQLRETURN result = Call(nullptr, [&] {
+        return SQLExecDirectW(statement.Get(), text.Data(), static_cast<SQLINTEGER>(text.Size()));
+      });
       if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA) continue;
       diagnostics = ReadDiagnostics(SQL_HANDLE_STMT, statement.Get());
       failed = sql;

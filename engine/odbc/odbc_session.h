@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,6 +15,7 @@
 #include "engine/odbc/odbc_error.h"
 #include "engine/odbc/odbc_plan.h"
 #include "engine/odbc/odbc_schema.h"
+#include "engine/odbc/patience.h"
 #include "engine/odbc/server_facts.h"
 #include "engine/streamed_recordset.h"
 
@@ -23,7 +25,9 @@ class Session {
  public:
   // `connect` begins with "ODBC;". `grouping`: updates may wait for a common commit. `texts`: of saved
   // queries that the same action has made over other connections; null for a connection that stands alone.
-  Session(std::string_view connect, bool grouping, std::shared_ptr<SavedTexts> texts);
+  // `waiting`: what to do while the server takes long; null for nothing.
+  Session(std::string_view connect, bool grouping, std::shared_ptr<SavedTexts> texts,
+          std::shared_ptr<const Waiting> waiting = nullptr);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -47,6 +51,11 @@ class Session {
   // Whether the next result is fetched from the server piece by piece, which costs round trips but no memory,
   // where a driver would otherwise take all of it at once.
   void FetchPiecewise(bool piecewise);
+  // Makes a call of the driver that may take long. The user may end one that works for `reading`, a statement
+  // that reads outside of any transaction: error 3059.
+  SQLRETURN Call(SQLHSTMT reading, const std::function<SQLRETURN()>& call);
+  bool IsWaitedFor() const { return m_patience.IsWanted(); }
+
   // Executes a reading statement. False when the tables are others than it was prepared for.
   bool RunRead(OdbcStatement& statement, const std::vector<Value>& values);
   // Executes a writing statement, in the group or at once; the number of rows changed.
@@ -95,6 +104,7 @@ class Session {
   std::string m_connect, m_server, m_password;
   bool m_grouping;
   std::shared_ptr<SavedTexts> m_texts;
+  Patience m_patience;
   Environment m_environment;
   Connection m_connection;
   bool m_connected = false, m_piecewise = false;

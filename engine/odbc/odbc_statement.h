@@ -41,7 +41,8 @@ class OdbcStatement {
   const std::string& Sql() const { return m_sql; }
 
   // Executes, preparing first if that has not been done. False when it failed; the diagnostics tell why.
-  bool Execute(const std::vector<Value>& values);
+  // `reading`: the user may end it.
+  bool Execute(const std::vector<Value>& values, bool reading = false);
   std::int64_t RowCount() const;
   // The rows of the execution; they stand before the first.
   RowReader& Rows();
@@ -54,6 +55,7 @@ class OdbcStatement {
   BoundValues m_values;
   std::unique_ptr<RowReader> m_rows;
   bool m_prepared = false;
+  bool m_isQuick = false;  // when it was last executed
 };
 
 }  // namespace kxrestore::engine::odbc

@@ -252,6 +252,26 @@ TEST_P(RecordsetConformance, ReadOnlyDatabase) {
   ExpectError(error_number::kReadOnly, "", [&] { dynaset->Edit(); });
 }
 
+// The desktop engine works on the calling thread and gives nobody a turn.
+TEST_P(RecordsetConformance, GivesTurnsWhileAStatementWorksAndCanBeStopped) {
+  if (GetParam()->Name() == "Dao") return;
+  const char* const kLong =
+      "SELECT Count(*) AS n FROM Catalog AS a, Catalog AS b, Catalog AS c, Catalog AS d, Catalog AS e, "
+      "Catalog AS f, Catalog AS g, Catalog AS h WHERE a.ID + b.ID + c.ID + d.ID + e.ID + f.ID + g.ID + h.ID "
+      "> 0";
+  int turns = 0;
+  m_workspace->SetWaiting([&] { return ++turns < 3; });
+  ExpectError(error_number::kCanceled, "canceled", [&] { Rows(*m_database, kLong); });
+  EXPECT_GE(turns, 3);
+  turns = -1'000'000;
+  EXPECT_EQ(Rows(*m_database, kLong), std::vector<std::string>{"5764801"});
+  EXPECT_GT(turns, -1'000'000);
+  m_workspace->SetWaiting([]() -> bool { throw std::runtime_error("a turn failed"); });
+  EXPECT_THROW(Rows(*m_database, kLong), std::runtime_error);
+  m_workspace->SetWaiting({});
+  EXPECT_EQ(Rows(*m_database, "SELECT ID FROM Catalog WHERE ID = 1"), std::vector<std::string>{"1"});
+}
+
 KX_CONFORMANCE(RecordsetConformance);
 
 }  // namespace
