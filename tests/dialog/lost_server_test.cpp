@@ -78,30 +78,41 @@ TEST_F(LostServer, WhileItMarks) {
   ChooseRun();
   TickAll();
   EXPECT_EQ(TakeMessages(), Strings{});
-  desktop.doEventsCount = 0;
-  desktop.onDoEvents = [this] {
-    // What has waited for long enough is committed before the line is cut.
-    if (desktop.doEventsCount == 50) std::this_thread::sleep_for(std::chrono::milliseconds(150));
-    if (desktop.doEventsCount == 80) m_line->Cut();
-  };
-  Apply();
-  desktop.onDoEvents = nullptr;
-  EXPECT_TRUE(ui().form.IsOpen());
-  ExpectReports(2, std::string("UpdateSelection: ") + kFailed);
-  const Ids marked = m_server->Marked();
-  EXPECT_TRUE(marked.contains(kFiles + 1)) << "of the run before";
-  EXPECT_GE(marked.size(), 45u);
-  EXPECT_LE(marked.size(), 81u);
+  for (const bool whileItCommits : {false, true}) {
+    SCOPED_TRACE(whileItCommits ? "a commit fails" : "a statement fails");
+    const auto rest = [] { std::this_thread::sleep_for(std::chrono::milliseconds(150)); };
+    desktop.doEventsCount = 0;
+    desktop.onDoEvents = [&] {
+      // What has waited for long enough is committed before the line is cut.
+      if (desktop.doEventsCount == 50) rest();
+      if (desktop.doEventsCount != 80) return;
+      m_line->Cut();
+      if (whileItCommits) rest();
+    };
+    Apply();
+    desktop.onDoEvents = nullptr;
+    EXPECT_TRUE(ui().form.IsOpen());
+    if (whileItCommits) {
+      ExpectReports(1, std::string("AddToSetSelections: ") + kFailed);
+    } else {
+      ExpectReports(2, std::string("UpdateSelection: ") + kFailed);  // and the list
+    }
+    const Ids marked = m_server->Marked();
+    EXPECT_TRUE(marked.contains(kFiles + 1)) << "of the run before";
+    EXPECT_GE(marked.size(), 45u);
+    EXPECT_LE(marked.size(), 81u);
 
-  Refresh();
-  ExpectReports(1, std::string("ListCurrentSelections: ") + kNoConnection);
-  m_line->Mend();
-  Refresh();
-  EXPECT_EQ(Selected(), std::to_string(marked.size()) + " file(s) selected");
-  Apply();
-  EXPECT_EQ(TakeMessages(), Strings{});
-  EXPECT_EQ(m_server->Marked().size(), kFiles + 1u);
-  EXPECT_EQ(Listed().size(), kFiles + 1u);
+    Refresh();
+    ExpectReports(1, std::string("ListCurrentSelections: ") + kNoConnection);
+    m_line->Mend();
+    Refresh();
+    EXPECT_EQ(Selected(), std::to_string(marked.size()) + " file(s) selected");
+    Apply();
+    EXPECT_EQ(TakeMessages(), Strings{});
+    EXPECT_EQ(m_server->Marked().size(), kFiles + 1u);
+    EXPECT_EQ(Listed().size(), kFiles + 1u);
+    m_server->Execute("UPDATE Catalog SET Restore = FALSE WHERE ID <= " + std::to_string(kFiles));
+  }
 }
 
 TEST_F(LostServer, WhileItLists) {
