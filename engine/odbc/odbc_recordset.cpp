@@ -47,7 +47,10 @@ OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, std::string_view 
   for (std::size_t i = 0; i + m_plan->hidden < columns.size(); ++i) m_names.push_back(columns[i].name);
   const bool hasRow = m_rows->Next();
   m_plan->isShort = m_rows->InOneBlock();
-  if (hasRow) m_session->AddStreaming(*this);
+  // Nothing changes rows that the driver has all fetched.
+  const bool stays =
+      m_session->Facts().fetchesAllAtOnce && !m_session->FetchesPiecewise() && m_rows->InOneBlock();
+  if (hasRow && !stays) m_session->AddStreaming(*this);
   Begin(hasRow, m_names.size(), columns.size() - m_names.size());
 }
 

@@ -17,6 +17,7 @@ constexpr std::size_t kMaxBlockRows = 512;
 constexpr std::size_t kLongestBound = 512;  // characters; longer columns are bound for what is usual
 constexpr std::size_t kUsualText = 256;
 constexpr std::size_t kFlagCharacters = 8;
+constexpr std::size_t kFirstRows = 16;  // of a block that tells which columns are read
 
 template <typename Plain>
 Plain Load(const char* from) {
@@ -76,8 +77,9 @@ std::vector<ColumnType> Describe(const Session& session, SQLHSTMT statement, std
     SQLColAttributeW(statement, column, SQL_DESC_TYPE_NAME, typeName.data(),
                      static_cast<SQLSMALLINT>(typeName.size() * sizeof(char16_t)), &typeNameSize, nullptr);
     columns[i].name = FromWide(name.data(), std::u16string_view(name.data()).size());
-    columns[i].kind =
-        KindOfType(type, FromWide(typeName.data(), std::u16string_view(typeName.data()).size()));
+    const std::string named = FromWide(typeName.data(), std::u16string_view(typeName.data()).size());
+    columns[i].kind = KindOfType(type, named);
+    columns[i].isPlainText = named == "text" || named == "varchar" || named == "bpchar";
     columns[i].isShort = type == SQL_TINYINT || type == SQL_SMALLINT || type == SQL_INTEGER;
     columns[i].isInteger = type == SQL_TINYINT || type == SQL_SMALLINT || type == SQL_INTEGER ||
                            type == SQL_BIGINT ||
@@ -125,7 +127,10 @@ ValueKind KindOfType(SQLSMALLINT type, std::string_view typeName) {
 }
 
 RowReader::RowReader(Session& session, SQLHSTMT statement, std::string sql)
-    : m_session(session), m_statement(statement), m_sql(std::move(sql)) {
+    : m_session(session),
+      m_statement(statement),
+      m_sql(std::move(sql)),
+      m_bindsLater(session.Facts().readsWhatIsAskedFor) {
   m_types = Describe(session, statement, m_sql);
   const bool longTexts = std::any_of(m_types.begin(), m_types.end(), [](const ColumnType& type) {
     return (type.kind == ValueKind::kText || type.kind == ValueKind::kUnknown) &&
@@ -158,6 +163,7 @@ void RowReader::Bind() {
                                      : bounded ? std::max(type.characters, kUsualText / 8)
                                                : kUsualText;
       buffer.width = (characters + 1) * sizeof(char16_t);
+      if (m_session.Facts().textsAsBytes && type.isPlainText) buffer.cType = SQL_C_BINARY;
     }
     rowBytes += buffer.width + sizeof(SQLLEN);
   }
@@ -165,13 +171,31 @@ void RowReader::Bind() {
   SQLSetStmtAttrW(m_statement, SQL_ATTR_ROWS_FETCHED_PTR, &m_fetched, SQL_IS_POINTER);
   for (std::size_t i = 0; i < m_buffers.size(); ++i) {
     Buffer& buffer = m_buffers[i];
-    buffer.data.resize(buffer.width * m_blockRows);
-    buffer.sizes.resize(m_blockRows);
-    if (m_piecewise) continue;
-    const SQLRETURN result =
-        SQLBindCol(m_statement, static_cast<SQLUSMALLINT>(i + 1), buffer.cType, buffer.data.data(),
-                   static_cast<SQLLEN>(buffer.width), buffer.sizes.data());
-    if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
+    const std::size_t rows = m_bindsLater ? std::min(m_blockRows, kFirstRows) : m_blockRows;
+    buffer.data.resize(buffer.width * rows);
+    buffer.sizes.resize(rows);
+    if (!m_piecewise && !m_bindsLater) BindColumn(i);
+  }
+}
+
+void RowReader::BindColumn(std::size_t column) {
+  Buffer& buffer = m_buffers[column];
+  buffer.data.resize(buffer.width * m_blockRows);
+  buffer.sizes.resize(m_blockRows);
+  const SQLRETURN result =
+      SQLBindCol(m_statement, static_cast<SQLUSMALLINT>(column + 1), buffer.cType, buffer.data.data(),
+                 static_cast<SQLLEN>(buffer.width), buffer.sizes.data());
+  if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
+  buffer.bound = true;
+}
+
+void RowReader::BindWanted() {
+  if (!m_bindsLater) return;
+  for (std::size_t i = 0; i < m_buffers.size(); ++i) {
+    if (m_buffers[i].wanted && !m_buffers[i].bound) BindColumn(i);
+  }
+  if (!m_firstBlock) {
+    SQLSetStmtAttrW(m_statement, SQL_ATTR_ROW_ARRAY_SIZE, AsPointer(m_blockRows), SQL_IS_UINTEGER);
   }
 }
 
@@ -181,7 +205,8 @@ void RowReader::Restart() {
   m_fetched = 0;
   m_row = 0;
   m_firstBlock = m_inOneBlock = true;
-  SQLSetStmtAttrW(m_statement, SQL_ATTR_ROW_ARRAY_SIZE, AsPointer(m_blockRows), SQL_IS_UINTEGER);
+  const std::size_t rows = m_bindsLater ? std::min(m_blockRows, kFirstRows) : m_blockRows;
+  SQLSetStmtAttrW(m_statement, SQL_ATTR_ROW_ARRAY_SIZE, AsPointer(rows), SQL_IS_UINTEGER);
 }
 
 bool RowReader::Next() {
@@ -191,35 +216,59 @@ bool RowReader::Next() {
     return true;
   }
   m_row = 0;
+  BindWanted();
   const auto fetch = [this] { return SQLFetch(m_statement); };
   const SQLRETURN result = m_piecewise && !m_firstBlock ? fetch() : m_session.Call(m_statement, fetch);
   if (result == SQL_NO_DATA) return false;
   if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
   if (m_piecewise) ReadPiecewise();
-  m_inOneBlock = m_firstBlock && m_fetched < m_blockRows;
+  m_inOneBlock = m_firstBlock && m_fetched < (m_bindsLater ? std::min(m_blockRows, kFirstRows) : m_blockRows);
   m_firstBlock = false;
   return m_fetched > 0 || m_piecewise;
 }
 
 void RowReader::ReadPiecewise() {
-  for (std::size_t i = 0; i < m_buffers.size(); ++i) {
-    Buffer& buffer = m_buffers[i];
-    if (buffer.cType == SQL_C_WCHAR) {
-      ReadLongText(i, buffer.text);
-      buffer.converted = m_number;
-      continue;
-    }
-    const SQLRETURN result =
-        SQLGetData(m_statement, static_cast<SQLUSMALLINT>(i + 1), buffer.cType, buffer.data.data(),
-                   static_cast<SQLLEN>(buffer.width), buffer.sizes.data());
-    if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
-  }
+  for (std::size_t i = 0; i < m_buffers.size(); ++i) ReadPlain(i);
 }
 
+void RowReader::ReadUnbound(std::size_t column) const {
+  Buffer& buffer = m_buffers[column];
+  if (buffer.bound || buffer.read == m_number) return;
+  buffer.wanted = true;
+  buffer.read = m_number;
+  StandOnRow();
+  ReadPlain(column);
+}
+
+void RowReader::StandOnRow() const {
+  if (m_blockRows == 1) return;
+  SQLSetPos(m_statement, static_cast<SQLSETPOSIROW>(m_row + 1), SQL_POSITION, SQL_LOCK_NO_CHANGE);
+}
+
+// One value of the row that the driver stands on.
+void RowReader::ReadPlain(std::size_t column) const {
+  Buffer& buffer = m_buffers[column];
+  if (m_row >= buffer.sizes.size()) {  // not asked for before, in a whole block
+    buffer.data.resize(buffer.width * m_blockRows);
+    buffer.sizes.resize(m_blockRows);
+  }
+  if (buffer.cType == SQL_C_WCHAR || buffer.cType == SQL_C_BINARY) {
+    ReadLongText(column, buffer.text);
+    buffer.converted = m_number;
+    return;
+  }
+  const SQLRETURN result = SQLGetData(m_statement, static_cast<SQLUSMALLINT>(column + 1), buffer.cType,
+                                      buffer.data.data() + buffer.width * m_row,
+                                      static_cast<SQLLEN>(buffer.width), &buffer.sizes[m_row]);
+  if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
+}
+
+// In UTF-16 even where bytes are bound: the driver's later pieces of bytes end in a zero that is not the
+// text's.
 void RowReader::ReadLongText(std::size_t column, std::string& text) const {
   std::array<char16_t, 2048> piece;
   std::u16string whole;
-  SQLLEN& size = const_cast<SQLLEN&>(m_buffers[column].sizes[m_row]);
+  SQLLEN& size = m_buffers[column].sizes[m_row];
   for (;;) {
     SQLLEN left = 0;
     const SQLRETURN result = SQLGetData(m_statement, static_cast<SQLUSMALLINT>(column + 1), SQL_C_WCHAR,
@@ -236,24 +285,24 @@ void RowReader::ReadLongText(std::size_t column, std::string& text) const {
     if (!more) break;
   }
   size = static_cast<SQLLEN>(whole.size() * sizeof(char16_t));
-  text.clear();
-  AppendUtf8(text, std::u16string_view(whole));
+  Convert(whole, text);
 }
 
 std::string_view RowReader::TextOf(std::size_t column) const {
-  const Buffer& buffer = m_buffers[column];
+  Buffer& buffer = m_buffers[column];
   if (buffer.converted == m_number) return buffer.text;
   const SQLLEN size = buffer.sizes[m_row];
-  const auto room = static_cast<SQLLEN>(buffer.width - sizeof(char16_t));
+  const bool bytes = buffer.cType == SQL_C_BINARY;
+  const auto room = static_cast<SQLLEN>(buffer.width - (bytes ? 1 : sizeof(char16_t)));
+  const char* data = buffer.data.data() + buffer.width * m_row;
   if (size == SQL_NO_TOTAL || size > room) {
-    if (m_blockRows > 1) {
-      SQLSetPos(m_statement, static_cast<SQLSETPOSIROW>(m_row + 1), SQL_POSITION, SQL_LOCK_NO_CHANGE);
-    }
-    const SQLLEN kept = size;
+    StandOnRow();
     ReadLongText(column, buffer.text);
-    const_cast<SQLLEN&>(buffer.sizes[m_row]) = kept;
+    buffer.sizes[m_row] = size;
+  } else if (bytes) {
+    return {data, static_cast<std::size_t>(size)};
   } else {
-    const auto* units = reinterpret_cast<const char16_t*>(buffer.data.data() + buffer.width * m_row);
+    const auto* units = reinterpret_cast<const char16_t*>(data);
     Convert({units, static_cast<std::size_t>(size) / sizeof(char16_t)}, buffer.text);
   }
   buffer.converted = m_number;
@@ -261,6 +310,7 @@ std::string_view RowReader::TextOf(std::size_t column) const {
 }
 
 ValueView RowReader::Value(std::size_t column) const {
+  if (m_bindsLater) ReadUnbound(column);
   const Buffer& buffer = m_buffers[column];
   if (buffer.sizes[m_row] == SQL_NULL_DATA) return std::monostate();
   const char* data = buffer.data.data() + buffer.width * m_row;

@@ -21,6 +21,7 @@ struct ColumnType {
   jet_sql::ValueKind kind = jet_sql::ValueKind::kUnknown;
   bool isInteger = false;      // of numbers
   bool isShort = false;        // of at most 32 bits
+  bool isPlainText = false;    // PostgreSQL's types that hold nothing but a text
   std::size_t characters = 0;  // of texts; 0 when they may have any length
 };
 
@@ -49,20 +50,29 @@ class RowReader {
     std::size_t width = 0;  // bytes of one row
     std::vector<char> data;
     std::vector<SQLLEN> sizes;
-    mutable std::string text;  // of the row that `converted` numbers
+    bool bound = false;
+    mutable bool wanted = false;  // it was read without being bound
+    mutable std::string text;     // of the row that `converted` numbers
     mutable std::uint64_t converted = 0;
+    mutable std::uint64_t read = 0;  // the row that was read without being bound
   };
 
   void Bind();
+  void BindColumn(std::size_t column);
+  void BindWanted();
   void ReadPiecewise();
+  void ReadUnbound(std::size_t column) const;
+  void ReadPlain(std::size_t column) const;
   std::string_view TextOf(std::size_t column) const;
   void ReadLongText(std::size_t column, std::string& text) const;
+  void StandOnRow() const;
 
   Session& m_session;
   SQLHSTMT m_statement;
   std::string m_sql;
   std::vector<ColumnType> m_types;
-  std::vector<Buffer> m_buffers;
+  mutable std::vector<Buffer> m_buffers;
+  bool m_bindsLater;  // only the columns that were read in the first, small block
   std::size_t m_blockRows = 1;
   bool m_piecewise = false;  // the driver hands out long texts only column by column, row by row
   bool m_firstBlock = true, m_inOneBlock = true;

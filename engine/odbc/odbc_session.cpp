@@ -17,6 +17,7 @@ constexpr std::size_t kLoginTimeout = 20;  // seconds
 constexpr std::size_t kMaxPlans = 64;
 constexpr std::size_t kMaxUpdatesOfPlan = 16;
 constexpr int kMaxTries = 6;
+constexpr int kMaxNames = 200;
 
 // Options of the driver for PostgreSQL.
 constexpr SQLINTEGER kPostgresDeclareFetch = 65539;
@@ -120,8 +121,10 @@ void Session::ReadFacts() {
   constexpr std::uint32_t kNeeded = SQL_GD_BLOCK | SQL_GD_BOUND | SQL_GD_ANY_COLUMN | SQL_GD_ANY_ORDER;
   m_facts.readsPartsInBlocks = (parts & kNeeded) == kNeeded;
   if (m_facts.IsPostgres()) {
-    if (InfoText(SQL_DRIVER_NAME).find("psqlodbc") != std::string::npos) {
-      m_facts.fetchesAllAtOnce = true;
+    const bool isPsqlodbc = InfoText(SQL_DRIVER_NAME).find("psqlodbc") != std::string::npos;
+    if (isPsqlodbc) {
+      m_facts.fetchesAllAtOnce = m_facts.preparesByName = true;
+      m_facts.readsWhatIsAskedFor = m_facts.readsPartsInBlocks;
       // A prepared statement in a transaction is sent behind a savepoint of its own, a plain one together
       // with it.
       SQLSetConnectAttrW(Get(), kPostgresServerSidePrepare, AsPointer(0), SQL_IS_INTEGER);
@@ -129,13 +132,17 @@ void Session::ReadFacts() {
     }
     const auto rows = Ask(
         "SELECT current_schema(), datcollate, datctype, (SELECT count(*) FROM pg_catalog.pg_collation WHERE "
-        "collname = 'und-x-icu') FROM pg_catalog.pg_database WHERE datname = current_database()");
+        "collname = 'und-x-icu'), current_setting('client_encoding'), current_setting('server_encoding'), "
+        // Every listing is read to its end.
+        "set_config('cursor_tuple_fraction', '1', false) FROM pg_catalog.pg_database WHERE datname = "
+        "current_database()");
     const std::vector<std::string>& row = rows.at(0);
     const bool hasCollation = row[3] != "0";
     const auto plain = [](const std::string& locale) { return locale == "C" || locale == "POSIX"; };
     m_facts.schema = row[0];
     m_facts.ordersByCode = hasCollation && (plain(row[1]) || row[1].starts_with("C."));
     m_facts.foldsAsciiOnly = hasCollation && plain(row[2]);
+    m_facts.textsAsBytes = isPsqlodbc && row[4] == "UTF8" && row[5] != "SQL_ASCII";
   } else if (m_facts.IsSqlServer()) {
     const auto rows =
         Ask("SELECT SCHEMA_NAME(), CAST(DATABASEPROPERTYEX(DB_NAME(), 'Collation') AS nvarchar(128))");
@@ -221,6 +228,11 @@ void Session::RemoveStreaming(StreamedRecordset& rows) {
 void Session::DetachStreaming() {
   const std::vector<StreamedRecordset*> streaming = m_streaming;  // detaching takes itself off the list
   for (StreamedRecordset* rows : streaming) rows->Detach();
+}
+
+std::string Session::NameForPrepared() {
+  if (!m_facts.preparesByName || m_piecewise || m_namesGiven == kMaxNames) return {};
+  return "kx_statement_" + std::to_string(++m_namesGiven);
 }
 
 void Session::FetchPiecewise(bool piecewise) {

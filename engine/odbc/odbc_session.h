@@ -51,6 +51,9 @@ class Session {
   // Whether the next result is fetched from the server piece by piece, which costs round trips but no memory,
   // where a driver would otherwise take all of it at once.
   void FetchPiecewise(bool piecewise);
+  bool FetchesPiecewise() const { return m_piecewise; }
+  // For a statement that is to be prepared by name; empty where that is not to be.
+  std::string NameForPrepared();
   // Makes a call of the driver that may take long. The user may end one that works for `reading`, a statement
   // that reads outside of any transaction: error 3059.
   SQLRETURN Call(SQLHSTMT reading, const std::function<SQLRETURN()>& call);
@@ -108,6 +111,7 @@ class Session {
   Environment m_environment;
   Connection m_connection;
   bool m_connected = false, m_piecewise = false;
+  int m_namesGiven = 0;
   mutable bool m_lost = false;
   ServerFacts m_facts;
   std::unique_ptr<jet_sql::ServerDialect> m_dialect;

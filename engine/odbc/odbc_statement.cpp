@@ -16,6 +16,25 @@ SQLPOINTER AsPointer(Number number) {
   return reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(number));
 }
 
+// $1, $2... in the place of the markers.
+std::string WithNumberedMarkers(std::string_view sql) {
+  std::string numbered;
+  int count = 0;
+  char quote = 0;
+  for (const char c : sql) {
+    if (quote != 0) {
+      if (c == quote) quote = 0;
+    } else if (c == '\'' || c == '"') {
+      quote = c;
+    } else if (c == '?') {
+      numbered += "$" + std::to_string(++count);
+      continue;
+    }
+    numbered += c;
+  }
+  return numbered;
+}
+
 }  // namespace
 
 void BoundValues::Bind(const Session& session, SQLHSTMT statement, const std::vector<Value>& values) {
@@ -65,14 +84,38 @@ OdbcStatement::OdbcStatement(Session& session, std::string_view sql) : m_session
   SQLSetStmtAttrW(m_handle.Get(), SQL_ATTR_QUERY_TIMEOUT, AsPointer(kQueryTimeout), SQL_IS_UINTEGER);
 }
 
-bool OdbcStatement::Execute(const std::vector<Value>& values, bool reading) {
-  if (!m_prepared) {
-    WideText text(m_sql);
-    if (!SQL_SUCCEEDED(SQLPrepareW(m_handle.Get(), text.Data(), static_cast<SQLINTEGER>(text.Size())))) {
-      return false;
-    }
-    m_prepared = true;
+bool OdbcStatement::Give(Text text) {
+  if (m_given == text) return true;
+  WideText wide(text == Text::kCall ? m_call : m_sql);
+  if (!SQL_SUCCEEDED(SQLPrepareW(m_handle.Get(), wide.Data(), static_cast<SQLINTEGER>(wide.Size())))) {
+    return false;
   }
+  m_given = text;
+  return true;
+}
+
+bool OdbcStatement::PrepareByName(std::size_t values) {
+  if (!m_call.empty()) return true;
+  const std::string name = m_session.NameForPrepared();
+  if (name.empty()) return false;
+  std::string call = "EXECUTE " + name;
+  for (std::size_t i = 0; i < values; ++i) call += i == 0 ? " (?" : ", ?";
+  if (values > 0) call += ")";
+  WideText prepare("PREPARE " + name + " AS " + WithNumberedMarkers(m_sql));
+  StatementHandle statement;
+  if (!statement.Allocate(m_session.Get()) ||
+      !SQL_SUCCEEDED(
+          SQLExecDirectW(statement.Get(), prepare.Data(), static_cast<SQLINTEGER>(prepare.Size())))) {
+    m_namable = false;
+    return false;
+  }
+  m_call = std::move(call);
+  return true;
+}
+
+bool OdbcStatement::Execute(const std::vector<Value>& values, bool reading) {
+  const bool named = m_executed && m_namable && !m_session.FetchesPiecewise() && PrepareByName(values.size());
+  if (!Give(named ? Text::kCall : Text::kOwn)) return false;
   m_values.Bind(m_session, m_handle.Get(), values);
   const auto execute = [this] { return SQLExecute(m_handle.Get()); };
   SQLRETURN result = SQL_ERROR;
@@ -84,7 +127,13 @@ bool OdbcStatement::Execute(const std::vector<Value>& values, bool reading) {
   } else {
     result = execute();
   }
-  return SQL_SUCCEEDED(result) || result == SQL_NO_DATA;
+  if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA) return m_executed = true;
+  if (!named || FailureOf(ReadDiagnostics(SQL_HANDLE_STMT, m_handle.Get())) != Failure::kStatement) {
+    return false;
+  }
+  // A value may not fit its parameter where it could be compared as plain text.
+  m_namable = false;
+  return Execute(values, reading);
 }
 
 std::int64_t OdbcStatement::RowCount() const {

@@ -33,6 +33,9 @@ class BoundValues {
   std::vector<std::unique_ptr<Slot>> m_slots;  // the driver keeps their addresses
 };
 
+// The driver for PostgreSQL sends what it has prepared at the server behind a savepoint, which costs a round
+// trip of its own, and plain text together with it, which the server plans anew each time. So a statement
+// that is executed again is prepared by name with the server's PREPARE, and the plain text is its EXECUTE.
 class OdbcStatement {
  public:
   OdbcStatement(Session& session, std::string_view sql);
@@ -49,12 +52,19 @@ class OdbcStatement {
   void CloseCursor();
 
  private:
+  enum class Text { kNone, kOwn, kCall };  // what the driver was given
+
+  bool Give(Text text);
+  bool PrepareByName(std::size_t values);
+
   Session& m_session;
   std::string m_sql;
+  std::string m_call;  // EXECUTE, once it is prepared by name
   StatementHandle m_handle;
   BoundValues m_values;
   std::unique_ptr<RowReader> m_rows;
-  bool m_prepared = false;
+  Text m_given = Text::kNone;
+  bool m_executed = false, m_namable = true;
   bool m_isQuick = false;  // when it was last executed
 };
 
