@@ -21,6 +21,16 @@ class Dialog {
     m_form.DBName(catalog);
     m_form.Load();
   }
+  // On a server.
+  Dialog(const std::string& server, const std::string& database, const std::string& user,
+         const std::string& password) {
+    m_form.DBType(1);
+    m_form.DBServer(server);
+    m_form.DBDatabase(database);
+    m_form.DBUser(user);
+    m_form.DBPass(password);
+    m_form.Load();
+  }
   ~Dialog() { m_form.Controls().form.Unload(); }
 
   dialog::FormControls& Ui() { return m_form.Controls(); }

@@ -7,9 +7,16 @@
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+# shellcheck source=scripts/test_server.sh
+source "$(dirname "${BASH_SOURCE[0]}")/test_server.sh"
 
-"$kxRoot/scripts/setup.sh" native bench
+"$kxRoot/scripts/setup.sh" native bench server
 build_preset native benches || fail "the benchmarks cannot be built"
+
+trap test_server_stop EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+test_server_start
 
 work=$kxBuild/bench
 mkdir -p "$work"

@@ -21,7 +21,7 @@ declare -A kPackages=(
   # Wine looks for the X libraries at run time, so that its package does not depend on them.
   [wine]="wine wine64 fonts-wine fonts-liberation fontconfig xvfb x11-utils xdotool imagemagick libxrender1 libxcomposite1
           libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxxf86vm1"
-  [bench]="build-essential cmake ninja-build libsqlite3-dev libbenchmark-dev unixodbc-dev"
+  [bench]="build-essential cmake ninja-build libsqlite3-dev libbenchmark-dev unixodbc-dev libpq-dev"
   [server]="postgresql unixodbc odbc-postgresql libsqliteodbc"
 )
 

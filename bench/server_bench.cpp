@@ -1,0 +1,318 @@
+// A catalog on a server over ODBC beside the same statements through the server's own client library, on one
+// run. Both sides read a listing a thousand rows at a time:
+//   server: scan          the detail tree's statement, the texts of every row read
+//   server: latest        the newest versions in one set; bare: their saved query is read, which ours makes
+//   first server: mark by name  10,000 files found by name and marked, committed at least every 100 ms
+//   server: mark by id    the same rows marked by their number
+//   server: apply         10,000 files are ticked and Apply is pressed; bare: mark by name, the marked rows
+//   read
+// and how many round trips a file apply takes, which a relay between the driver and the server counts.
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "bench/bare_postgres.h"
+#include "bench/bare_sqlite.h"
+#include "bench/harness.h"
+#include "bench/loaded_dialog.h"
+#include "bench/round_trips.h"
+#include "bench/statements.h"
+#include "catalog/connection.h"
+#include "catalog/restore_marks.h"
+#include "catalog/restore_query.h"
+
+namespace kxrestore::bench {
+namespace {
+
+constexpr double kMostRatio = 1.5;
+constexpr double kMostRoundTrips = 2.01;  // two, and some hundred in all for connecting, commits and the list
+constexpr std::int64_t kMarkedFiles = 10000;
+
+std::string ServerWithPort(int port) {
+  return TestServer().host + ";PORT=" + std::to_string(port);
+}
+
+catalog::ConnectionSettings Settings(const std::string& database) {
+  const ServerAddress& server = TestServer();
+  return {.dbType = catalog::kServerCatalog,
+          .dbName = {},
+          .connect = catalog::BuildConnectString(database, ServerWithPort(server.port), server.user,
+                                                 server.password)};
+}
+
+struct Totals {
+  std::int64_t rows = 0;
+  std::uint64_t bytes = 0;
+  bool operator==(const Totals&) const = default;
+};
+
+// Reads all texts of some columns, ours with their types and bare as the server sends them.
+class Listing : public Comparison {
+ public:
+  Listing(std::int64_t rows, std::vector<const char*> texts)
+      : m_database(ServerCatalog(rows)), m_rows(rows), m_texts(std::move(texts)) {}
+
+ protected:
+  void ReadOurs(engine::Recordset& rows) {
+    std::vector<engine::Field> fields;
+    for (const char* name : m_texts) fields.push_back(rows.Fields(name));
+    Totals totals;
+    for (; !rows.Eof(); rows.MoveNext(), ++totals.rows) {
+      for (const engine::Field& field : fields) totals.bytes += field.TextView().size();
+    }
+    Agree(totals);
+  }
+
+  void ReadBare(const std::string& sql, int firstColumn) {
+    Totals totals;
+    BarePostgres(m_database).Walk(sql, [&](const BareRows& rows) {
+      totals.rows += rows.Count();
+      for (std::int64_t row = 0; row < rows.Count(); ++row) {
+        for (std::size_t i = 0; i < m_texts.size(); ++i) {
+          totals.bytes += rows.Text(row, firstColumn + static_cast<int>(i)).size();
+        }
+      }
+    });
+    Agree(totals);
+  }
+
+  std::string m_database;
+  std::int64_t m_rows;
+  std::vector<const char*> m_texts;
+  catalog::ConnectionSettings m_settings = Settings(m_database);
+  std::unique_ptr<engine::Workspace> m_workspace = engine::MakeDefaultWorkspace();
+
+ private:
+  void Agree(const Totals& totals) {
+    Expect(totals.rows > 100, "too few rows");
+    Expect(m_totals.rows == 0 || totals == m_totals, "the two sides read different rows");
+    m_totals = totals;
+  }
+
+  Totals m_totals;
+};
+
+class Scan : public Listing {
+ public:
+  explicit Scan(std::int64_t rows) : Listing(rows, {"Filename", "File", "Plugin", "RestoreFile"}) {}
+
+  void Ours() override {
+    m_workspace->BeginAction();
+    {
+      const auto database = catalog::OpenCatalog(*m_workspace, m_settings);
+      ReadOurs(*database->OpenRecordset(kDetailStatement, engine::RecordsetType::kSnapshot));
+    }
+    m_workspace->EndAction();
+  }
+
+  void Bare() override {
+    ReadBare(
+        "SELECT Catalog.ID, DateStamp, SetNameID, Extension, LongPathID, LongPath, StoreName, "
+        "StoreMethod, Filename, File, Plugin, coalesce(LongPath, Filename) FROM Catalog LEFT JOIN "
+        "LongPaths ON PathID = LongPathID WHERE SetNameID = 1 AND Extension = '001' AND Status = 2",
+        8);
+  }
+};
+
+class Latest : public Listing {
+ public:
+  explicit Latest(std::int64_t rows) : Listing(rows, {"OrigName", "Filename", "File", "Plugin", "SetName"}) {}
+
+  void Ours() override {
+    m_workspace->BeginAction();
+    {
+      const auto database = catalog::OpenCatalog(*m_workspace, m_settings);
+      ReadOurs(*catalog::BuildRestoreQuery(*database, kBenchSet, true, "", ""));
+    }
+    m_workspace->EndAction();
+    m_made = true;
+  }
+
+  void Bare() override {
+    if (!m_made) Ours();
+    ReadBare(
+        "SELECT DateStamp, ID, SetNameID, Extension, OrigSize, Restore, Status, Attributes, StoreMethod, "
+        "StoreName, LongPathID, SubFolder, EncryptMethod, OrigName, Filename, File, Plugin, SetName FROM "
+        "FullCatalogLatestBySet WHERE SetNameID = 1 AND Status = 2",
+        13);
+  }
+
+ private:
+  bool m_made = false;
+};
+
+// What marking comparisons share: the rows to mark, and a catalog without marks before each.
+class Marking : public Comparison {
+ public:
+  explicit Marking(std::int64_t rows) : m_database(ServerCatalog(rows)), m_rows(rows), m_bare(m_database) {
+    const BareRows all = m_bare.Execute("SELECT ID, Filename FROM Catalog ORDER BY ID");
+    for (std::int64_t row = 0; row < all.Count(); ++row) {
+      m_ids.push_back(static_cast<std::int32_t>(all.Integer(row, 0)));
+      m_names.emplace_back(all.Text(row, 1));
+    }
+  }
+
+  void Prepare() override {
+    // A row that is written anew leaves its old one behind, which both sides would have to step over.
+    m_bare.Execute("UPDATE Catalog SET Restore = FALSE WHERE Restore");
+    m_bare.Execute("VACUUM ANALYZE Catalog");
+  }
+
+ protected:
+  template <typename Step>
+  void Ours(Step step) {
+    m_workspace->BeginAction();
+    step();
+    m_workspace->EndAction();
+    ExpectAllMarked();
+  }
+
+  template <typename Step>
+  void BareInGroups(std::size_t steps, Step step) {
+    using Clock = std::chrono::steady_clock;
+    BarePostgres server(m_database);
+    server.Prepare(
+        "find",
+        "SELECT SetNameID, Extension, Filename, Restore, LongPath, ID FROM Catalog LEFT JOIN "
+        "LongPaths ON PathID = LongPathID WHERE SetNameID = $1 AND Extension = $2 AND Filename = $3");
+    server.Prepare("mark", "UPDATE Catalog SET Restore = $1 WHERE ID = $2");
+    Clock::time_point due;
+    bool inGroup = false;
+    for (std::size_t i = 0; i < steps; ++i) {
+      if (!inGroup) {
+        server.Execute("BEGIN");
+        due = Clock::now() + std::chrono::milliseconds(100);
+        inGroup = true;
+      }
+      step(server, i);
+      if (Clock::now() < due) continue;
+      server.Execute("COMMIT");
+      inGroup = false;
+    }
+    if (inGroup) server.Execute("COMMIT");
+  }
+
+  void MarkById(BarePostgres& server, const std::string& id) const {
+    Expect(server.Run("mark", {"1", id.c_str()}).Changed() == 1, "no row " + id);
+  }
+
+  void MarkByName(BarePostgres& server, const std::string& name) const {
+    const BareRows found = server.Run("find", {"1", kBenchExtension, name.c_str()});
+    Expect(found.Count() == 1, "no row for " + name);
+    MarkById(server, std::string(found.Text(0, 5)));
+  }
+
+  void ExpectAllMarked() {
+    const BareRows marked = m_bare.Execute("SELECT count(*) FROM Catalog WHERE Restore");
+    Expect(marked.Integer(0, 0) == m_rows, "not all files are marked");
+  }
+
+  std::string m_database;
+  std::int64_t m_rows;
+  BarePostgres m_bare;
+  std::vector<std::int32_t> m_ids;
+  std::vector<std::string> m_names;
+  catalog::ConnectionSettings m_settings = Settings(m_database);
+  catalog::CurrentRun m_current{kBenchSet, kBenchExtension};
+  std::unique_ptr<engine::Workspace> m_workspace = engine::MakeDefaultWorkspace();
+  catalog::RestoreMarks m_marks{*m_workspace, m_settings, m_current,
+                                [](const Error& error, const std::string&) { throw error; }};
+};
+
+class MarkingByName : public Marking {
+ public:
+  using Marking::Marking;
+
+  void Ours() override {
+    Marking::Ours([this] {
+      for (const std::string& name : m_names) m_marks.UpdateSelectionByFileName(name, true, 0, "");
+    });
+  }
+
+  void Bare() override {
+    BareInGroups(m_names.size(),
+                 [this](BarePostgres& server, std::size_t i) { MarkByName(server, m_names[i]); });
+    ExpectAllMarked();
+  }
+};
+
+class MarkingById : public Marking {
+ public:
+  using Marking::Marking;
+
+  void Ours() override {
+    Marking::Ours([this] {
+      for (const std::int32_t id : m_ids) m_marks.UpdateByID(id);
+    });
+  }
+
+  void Bare() override {
+    BareInGroups(m_ids.size(),
+                 [this](BarePostgres& server, std::size_t i) { MarkById(server, std::to_string(m_ids[i])); });
+    ExpectAllMarked();
+  }
+};
+
+class Apply : public Marking {
+ public:
+  explicit Apply(std::int64_t rows) : Marking(rows) {
+    RoundTrips relay(TestServer().host, TestServer().port);
+    const auto dialog = Ticked(relay.Port());
+    const std::int64_t before = relay.Count();
+    PressApply(*dialog);
+    Figure("server: round trips of apply", rows,
+           static_cast<double>(relay.Count() - before) / static_cast<double>(rows), "round trips a file",
+           kMostRoundTrips);
+  }
+
+  void Ours() override { PressApply(*m_dialog); }
+
+  void Bare() override {
+    BareInGroups(m_names.size(),
+                 [this](BarePostgres& server, std::size_t i) { MarkByName(server, m_names[i]); });
+    BarePostgres server(m_database);
+    const BareRows marked = server.Execute(
+        "SELECT coalesce(LongPath, Filename), OrigSize, Extension, SetNameID, Name, DateStamp, Filename, "
+        "Plugin, File FROM Catalog LEFT JOIN LongPaths ON PathID = LongPathID LEFT JOIN SetNames ON "
+        "SetNames.ID = SetNameID WHERE Restore");
+    Expect(marked.Count() == m_rows, "not all files are marked");
+  }
+
+ private:
+  std::unique_ptr<Dialog> Ticked(int port) const {
+    const ServerAddress& server = TestServer();
+    auto dialog = std::make_unique<Dialog>(ServerWithPort(port), m_database, server.user, server.password);
+    dialog->ChooseRun();
+    dialog->TickEverything();
+    return dialog;
+  }
+
+  void PressApply(Dialog& dialog) {
+    dialog.Press(dialog.Ui().cmdAction[0]);
+    Expect(dialog.Ui().asRestoreList.Count() == static_cast<std::size_t>(m_rows), "not all files are listed");
+  }
+
+  std::unique_ptr<Dialog> m_dialog = Ticked(TestServer().port);
+};
+
+template <typename T>
+MakeComparison Make() {
+  return [](std::int64_t rows) { return std::make_unique<T>(rows); };
+}
+
+}  // namespace
+}  // namespace kxrestore::bench
+
+int main(int count, char** words) {
+  using namespace kxrestore::bench;
+  const auto compare = [](const char* name, std::int64_t rows, int repetitions, MakeComparison make) {
+    Compare({.name = name, .rows = rows, .limit = kMostRatio, .repetitions = repetitions}, std::move(make));
+  };
+  compare("server: scan", 100000, 7, Make<Scan>());
+  compare("server: scan", 1000000, 3, Make<Scan>());
+  compare("server: latest of one set", 100000, 5, Make<Latest>());
+  compare("server: mark by file name", kMarkedFiles, 5, Make<MarkingByName>());
+  compare("server: mark by id", kMarkedFiles, 5, Make<MarkingById>());
+  compare("server: apply", kMarkedFiles, 5, Make<Apply>());
+  return RunBenchmarks(count, words);
+}
