@@ -58,6 +58,7 @@ class Session {
   // that reads outside of any transaction: error 3059.
   SQLRETURN Call(SQLHSTMT reading, const std::function<SQLRETURN()>& call);
   bool IsWaitedFor() const { return m_patience.IsWanted(); }
+  void GiveTurn() { m_patience.GiveTurn(); }
 
   // Executes a reading statement. False when the tables are others than it was prepared for.
   bool RunRead(OdbcStatement& statement, const std::vector<Value>& values);

@@ -1,6 +1,5 @@
 #include "engine/odbc/patience.h"
 
-#include <chrono>
 #include <utility>
 
 namespace kxrestore::engine::odbc {
@@ -42,6 +41,7 @@ bool Patience::TakeTurn(std::exception_ptr& failure) {
     failure = std::current_exception();
   }
   m_inTurn = false;
+  m_lastTurn = std::chrono::steady_clock::now();
   return goOn;
 }
 
@@ -63,6 +63,13 @@ bool Patience::Run(const std::function<void()>& call, const std::function<void()
   lock.unlock();
   if (failure) std::rethrow_exception(failure);
   return canceled;
+}
+
+void Patience::GiveTurn() {
+  if (!IsWanted() || std::chrono::steady_clock::now() < m_lastTurn + kTurnEvery) return;
+  std::exception_ptr failure;
+  TakeTurn(failure);
+  if (failure) std::rethrow_exception(failure);
 }
 
 }  // namespace kxrestore::engine::odbc

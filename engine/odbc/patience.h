@@ -2,6 +2,7 @@
 // whoever waits a turn.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -26,12 +27,16 @@ class Patience {
   // was. What a turn throws is thrown once the call has ended.
   bool Run(const std::function<void()>& call, const std::function<void()>& cancel);
 
+  // Gives a turn where the last is long enough ago: for work of many short calls.
+  void GiveTurn();
+
  private:
   void Work();
   bool TakeTurn(std::exception_ptr& failure);
 
   std::shared_ptr<const Waiting> m_waiting;
   bool m_inTurn = false;
+  std::chrono::steady_clock::time_point m_lastTurn;
   std::thread m_thread;  // of the first call that needs it, until the end
   std::mutex m_mutex;
   std::condition_variable m_changed;

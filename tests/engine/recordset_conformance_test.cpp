@@ -266,6 +266,19 @@ TEST_P(RecordsetConformance, GivesTurnsWhileAStatementWorksAndCanBeStopped) {
   turns = -1'000'000;
   EXPECT_EQ(Rows(*m_database, kLong), std::vector<std::string>{"5764801"});
   EXPECT_GT(turns, -1'000'000);
+  // What is left of a listing is read before a row is written.
+  m_workspace->BeginAction();
+  {
+    const auto database = m_workspace->OpenDatabase(m_test->Request());
+    const auto listing = database->OpenRecordset(
+        "SELECT a.ID, b.Filename FROM Catalog AS a, Catalog AS b, Catalog AS c, Catalog AS d, Catalog AS e, "
+        "Catalog AS f",
+        RecordsetType::kSnapshot);
+    turns = -1'000'000;
+    database->Execute("UPDATE Catalog SET Restore = True WHERE ID = 1", kFailOnError);
+    EXPECT_GT(turns, -1'000'000);
+  }
+  m_workspace->EndAction();
   m_workspace->SetWaiting([]() -> bool { throw std::runtime_error("a turn failed"); });
   EXPECT_THROW(Rows(*m_database, kLong), std::runtime_error);
   m_workspace->SetWaiting({});
