@@ -25,6 +25,9 @@ class ListColumns {
   void ShowArrow(HWND list, const ListOrder& order) const;
 
   bool Exists(int index) const { return index >= 0 && index < static_cast<int>(m_columns.size()); }
+  bool IsRightAligned(int index) const {
+    return Exists(index) && m_columns[static_cast<std::size_t>(index)].rightAligned;
+  }
   ListColumn At(int index) const { return m_columns[static_cast<std::size_t>(index)].column; }
 
  private:
