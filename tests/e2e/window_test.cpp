@@ -23,10 +23,16 @@ RECT Bounds(HWND window) {
   return bounds;
 }
 
-// The X server's pointer, which the system sees as its mouse.
+// The X server's pointer, which the system sees as its mouse. Now and then a program of the system beneath
+// cannot be started.
 void Mouse(const std::wstring& actions) {
-  Program xdotool(L"start.exe /wait /unix /usr/bin/xdotool " + actions);
-  EXPECT_EQ(0, xdotool.Wait(20'000)) << xdotool.Output();
+  constexpr int kNotStarted = -1;
+  int code = kNotStarted;
+  for (int tried = 0; tried < 3 && code == kNotStarted; ++tried) {
+    Program xdotool(L"start.exe /wait /unix /usr/bin/xdotool " + actions);
+    code = xdotool.Wait(20'000);
+  }
+  EXPECT_EQ(0, code);
 }
 
 std::wstring MoveTo(LONG x, LONG y) {
