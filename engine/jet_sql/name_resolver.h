@@ -15,6 +15,7 @@ namespace kxrestore::engine::jet_sql {
 struct KnownColumn {
   std::string name;  // as the server spells it
   ValueKind kind = ValueKind::kUnknown;
+  bool isWhole = false;  // holds whole numbers only
 };
 
 struct KnownRelation {

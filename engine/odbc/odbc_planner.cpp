@@ -8,7 +8,9 @@
 #include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/single_rows.h"
 #include "engine/jet_sql/source_text.h"
+#include "engine/odbc/table_facts.h"
 
 namespace kxrestore::engine::odbc {
 namespace {
@@ -84,6 +86,11 @@ std::shared_ptr<Plan> MakePlan(Session& session, std::string_view source, std::s
   const auto exists = [&schema](std::string_view name) { return schema.FindEntry(name) != nullptr; };
   jet_sql::Statement statement = ReadSource(source, key, reads, exists);
   auto plan = std::make_shared<Plan>();
+  auto* select = std::get_if<SelectStatement>(&statement);
+  if (use == Session::Use::kSnapshot && select != nullptr) {
+    OdbcTableFacts facts(session);
+    RemoveGroupsOfSingleRows(facts, *select);
+  }
   Resolution resolution = ResolveNames(statement, schema);
   plan->uses = std::move(resolution.parameters);
   if (HoldsMask(*plan) && !session.Dialect().TakesMasksAsParameters()) {
@@ -93,7 +100,6 @@ std::shared_ptr<Plan> MakePlan(Session& session, std::string_view source, std::s
   plan->keepsPrepared = session.Facts().IsPostgres() || !resolution.readsQueries;
   plan->columns = std::move(resolution.columns);
   plan->columnsKnown = resolution.columnsKnown;
-  auto* select = std::get_if<SelectStatement>(&statement);
   if (use == Session::Use::kDynaset && select != nullptr && plan->columnsKnown) {
     AddKeys(session, *select, resolution.tables, *plan);
   }

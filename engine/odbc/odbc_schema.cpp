@@ -116,7 +116,9 @@ std::unique_ptr<jet_sql::KnownRelation> Schema::ReadRelation(const Entry& entry)
   for (rows.Restart(); rows.Next();) {
     if (ToText(rows.Value(2)) != entry.name) continue;
     const auto type = static_cast<SQLSMALLINT>(ToInteger(rows.Value(4)));
-    relation->columns.push_back({ToText(rows.Value(3)), KindOfType(type, ToText(rows.Value(5)))});
+    const bool isWhole =
+        type == SQL_INTEGER || type == SQL_SMALLINT || type == SQL_TINYINT || type == SQL_BIGINT;
+    relation->columns.push_back({ToText(rows.Value(3)), KindOfType(type, ToText(rows.Value(5))), isWhole});
   }
   return relation;
 }
@@ -128,7 +130,7 @@ bool Schema::IsFolded() {
   return !m_entries.empty() && std::all_of(m_entries.begin(), m_entries.end(), folded);
 }
 
-std::vector<std::string> Schema::KeyOf(const jet_sql::KnownRelation& table) {
+std::vector<std::string> Schema::PrimaryKeyOf(const jet_sql::KnownRelation& table) {
   std::vector<std::string> keys;
   const Entry* entry = FindEntry(table.name);
   StatementHandle list = m_session.AllocateStatement();
@@ -136,12 +138,17 @@ std::vector<std::string> Schema::KeyOf(const jet_sql::KnownRelation& table) {
   if (SQL_SUCCEEDED(
           SQLPrimaryKeysW(list.Get(), nullptr, 0, schema.Data(), schema.Size(), name.Data(), name.Size()))) {
     RowReader rows(m_session, list.Get(), table.name);
-    for (rows.Restart(); rows.Next();) {
-      std::string key = ToText(rows.Value(3));
-      const auto same = [&key](const jet_sql::KnownColumn& column) { return column.name == key; };
-      if (std::any_of(table.columns.begin(), table.columns.end(), same)) keys.push_back(std::move(key));
-    }
+    for (rows.Restart(); rows.Next();) keys.push_back(ToText(rows.Value(3)));
   }
+  return keys;
+}
+
+std::vector<std::string> Schema::KeyOf(const jet_sql::KnownRelation& table) {
+  std::vector<std::string> keys = PrimaryKeyOf(table);
+  std::erase_if(keys, [&table](const std::string& key) {
+    const auto same = [&key](const jet_sql::KnownColumn& column) { return column.name == key; };
+    return std::none_of(table.columns.begin(), table.columns.end(), same);
+  });
   for (const jet_sql::KnownColumn& column : table.columns) {
     if (keys.empty() && EqualIgnoringCase(column.name, "ID")) keys.push_back(column.name);
   }

@@ -36,6 +36,7 @@ class Schema final : public jet_sql::Relations {
   const Entry* FindEntry(std::string_view name, bool fresh = false);
   // Whether the catalog was made without quotes on a server that then folds names: new ones follow it.
   bool IsFolded();
+  std::vector<std::string> PrimaryKeyOf(const jet_sql::KnownRelation& table);
   // The columns by which the rows of a table are told apart: its primary key, or ID.
   std::vector<std::string> KeyOf(const jet_sql::KnownRelation& table);
 

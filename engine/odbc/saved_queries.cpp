@@ -125,6 +125,10 @@ std::map<std::string, Schema::StoredText> ReadStoredTexts(Session& session) {
   return texts;
 }
 
+std::string ViewText(Session& session, const Schema::Entry& view) {
+  return jet_sql::QueryTextOfView(Definition(session, view));
+}
+
 std::string SavedQueryText(Session& session, std::string_view name) {
   Schema& schema = session.Tables();
   const auto own = schema.Texts().byName.find(FoldCase(name));
@@ -133,7 +137,7 @@ std::string SavedQueryText(Session& session, std::string_view name) {
   if (entry == nullptr || entry->isTable) RaiseNotFound(name);
   const Schema::StoredText* stored = schema.FindStoredText(entry->name);
   if (stored != nullptr) return stored->text;
-  return jet_sql::QueryTextOfView(Definition(session, *entry));
+  return ViewText(session, *entry);
 }
 
 void CreateSavedQuery(Session& session, std::string_view name, std::string_view sql) {

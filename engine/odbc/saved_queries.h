@@ -17,6 +17,9 @@
 
 namespace kxrestore::engine::odbc {
 
+// What the server itself shows of a view, in the catalog's dialect.
+std::string ViewText(Session& session, const Schema::Entry& view);
+
 std::string SavedQueryText(Session& session, std::string_view name);
 void CreateSavedQuery(Session& session, std::string_view name, std::string_view sql);
 void DeleteSavedQuery(Session& session, std::string_view name);

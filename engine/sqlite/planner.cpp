@@ -9,8 +9,9 @@
 #include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/single_rows.h"
 #include "engine/jet_sql/source_text.h"
-#include "engine/sqlite/single_rows.h"
+#include "engine/sqlite/table_facts.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
@@ -167,7 +168,8 @@ std::shared_ptr<Plan> MakePlan(const Session& session, std::string_view source, 
   if (use == Session::Use::kDynaset && select != nullptr) {
     plan->tables = AddRowNumbers(session.Connection(), *select, pure);
   } else if (select != nullptr) {
-    RemoveGroupsOfSingleRows(session, *select);
+    SqliteTableFacts facts(session);
+    RemoveGroupsOfSingleRows(facts, *select);
   }
   plan->sql = Print(statement, dialect);
   Statement prepared =

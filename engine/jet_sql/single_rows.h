@@ -2,9 +2,9 @@
 #pragma once
 
 #include "engine/jet_sql/ast.h"
-#include "engine/sqlite/session.h"
+#include "engine/jet_sql/table_facts.h"
 
-namespace kxrestore::engine::sqlite {
+namespace kxrestore::engine::jet_sql {
 
 // A saved query may join rows F with a second saved query that keeps one key for each value of a column of F,
 //
@@ -13,8 +13,8 @@ namespace kxrestore::engine::sqlite {
 //
 // and group the result by that column again. Where a key names one row of F, no group of the result has more
 // than one row. Then a listing of that query is turned into one without the outer groups, whose conditions on
-// the grouped column stand before the inner grouping. Anything else, and whatever cannot be proved from the
-// tables, stays as it is.
-void RemoveGroupsOfSingleRows(const Session& session, jet_sql::SelectStatement& listing);
+// the grouped column stand before the inner grouping. Anything else, and whatever the tables cannot prove,
+// stays as it is.
+void RemoveGroupsOfSingleRows(TableFacts& facts, SelectStatement& listing);
 
-}  // namespace kxrestore::engine::sqlite
+}  // namespace kxrestore::engine::jet_sql

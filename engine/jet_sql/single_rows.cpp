@@ -1,4 +1,4 @@
-#include "engine/sqlite/single_rows.h"
+#include "engine/jet_sql/single_rows.h"
 
 #include <algorithm>
 #include <functional>
@@ -13,12 +13,9 @@
 #include "base/text.h"
 #include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
-#include "engine/jet_sql/view_text.h"
 
-namespace kxrestore::engine::sqlite {
+namespace kxrestore::engine::jet_sql {
 namespace {
-
-using namespace jet_sql;  // NOLINT: statements are all that is spoken of here
 
 // ---- what stands in a statement
 
@@ -153,52 +150,13 @@ ExpressionPtr JoinTerms(std::vector<ExpressionPtr> terms) {
   return chain;
 }
 
-// ---- what the catalog file says
+// ---- what is known of the tables
 
-struct ColumnFacts {
-  std::string type;
-  std::string collation;
-  bool inKey = false;
-};
-
-// Of a table, not of a saved query.
-std::optional<ColumnFacts> FindColumn(const Session& session, const std::string& table,
-                                      const std::string& column) {
-  const char *type = nullptr, *collation = nullptr;
-  int inKey = 0;
-  if (sqlite3_table_column_metadata(session.Connection(), "main", table.c_str(), column.c_str(), &type,
-                                    &collation, nullptr, &inKey, nullptr) != SQLITE_OK) {
-    return std::nullopt;
-  }
-  return ColumnFacts{type == nullptr ? "" : type, collation == nullptr ? "" : collation, inKey != 0};
-}
-
-bool IsRowKey(const Session& session, const std::string& table, const std::string& column) {
-  const auto facts = FindColumn(session, table, column);
-  if (!facts || !facts->inKey || !EqualIgnoringCase(facts->type, "INTEGER")) return false;
-  const Statement count = session.Prepare("SELECT count(*) FROM pragma_table_info(?1) WHERE pk > 0");
-  sqlite3_bind_text(count.get(), 1, table.c_str(), -1, SQLITE_STATIC);
-  return sqlite3_step(count.get()) == SQLITE_ROW && sqlite3_column_int(count.get(), 0) == 1;
-}
-
-// Whether equal values of the column are the same text, byte by byte.
-bool IsExactText(const Session& session, const std::string& table, const std::string& column) {
-  const auto facts = FindColumn(session, table, column);
-  if (!facts || !EqualIgnoringCase(facts->collation, "BINARY")) return false;
-  const std::string type = FoldCase(facts->type);
-  return type.find("int") == std::string::npos &&
-         (type.find("text") != std::string::npos || type.find("char") != std::string::npos);
-}
-
-std::optional<SelectStatement> ReadSavedQuery(const Session& session, const std::string& name) {
-  const Statement find =
-      session.Prepare("SELECT sql FROM sqlite_schema WHERE type = 'view' AND name = ?1 COLLATE NOCASE");
-  sqlite3_bind_text(find.get(), 1, name.c_str(), -1, SQLITE_STATIC);
-  if (sqlite3_step(find.get()) != SQLITE_ROW) return std::nullopt;
-  const auto* sql = reinterpret_cast<const char*>(sqlite3_column_text(find.get(), 0));
-  if (sql == nullptr) return std::nullopt;
+std::optional<SelectStatement> ReadSavedQuery(TableFacts& facts, const std::string& name) {
+  const auto text = facts.SavedQuery(name);
+  if (!text) return std::nullopt;
   try {
-    jet_sql::Statement statement = Parse(QueryTextOfView(sql));
+    Statement statement = Parse(*text);
     auto* select = std::get_if<SelectStatement>(&statement);
     if (select == nullptr || !IsPlainCore(*select)) return std::nullopt;
     return std::move(*select);
@@ -207,10 +165,26 @@ std::optional<SelectStatement> ReadSavedQuery(const Session& session, const std:
   }
 }
 
+// The table that a chain of joins calls so; null when there is none, or more than one.
+const TableRef* FindTable(const JoinChain& chain, std::string_view name) {
+  const TableRef* found = nullptr;
+  bool several = false;
+  const auto look = [&](const TableRef& table) {
+    const TableRef* match = table.nested                             ? FindTable(*table.nested, name)
+                            : EqualIgnoringCase(NameOf(table), name) ? &table
+                                                                     : nullptr;
+    several = several || (found != nullptr && match != nullptr);
+    if (match != nullptr) found = match;
+  };
+  look(chain.first);
+  for (const Join& join : chain.joins) look(join.table);
+  return several ? nullptr : found;
+}
+
 // The table of which each row comes out of a chain of joins at most once: every other one is joined by its
 // row key.
-const TableRef* SingleRowTable(const Session& session, const JoinChain& chain) {
-  const TableRef* base = chain.first.nested  ? SingleRowTable(session, *chain.first.nested)
+const TableRef* SingleRowTable(TableFacts& facts, const JoinChain& chain) {
+  const TableRef* base = chain.first.nested  ? SingleRowTable(facts, *chain.first.nested)
                          : chain.first.query ? nullptr
                                              : &chain.first;
   if (base == nullptr) return nullptr;
@@ -220,12 +194,26 @@ const TableRef* SingleRowTable(const Session& session, const JoinChain& chain) {
     const bool mirrored = IsColumnOf(*sides->second, join.table);
     const Expression& own = mirrored ? *sides->second : *sides->first;
     const Expression& other = mirrored ? *sides->first : *sides->second;
-    if (!IsColumnOf(own, join.table) || !IsRowKey(session, join.table.name, own.text)) return nullptr;
-    if (other.kind != ExpressionKind::kColumn || other.qualifier.empty() || IsColumnOf(other, join.table)) {
-      return nullptr;
-    }
+    if (!IsColumnOf(own, join.table) || !facts.IsRowKey(join.table.name, own.text)) return nullptr;
+    if (other.kind != ExpressionKind::kColumn || IsColumnOf(other, join.table)) return nullptr;
+    const TableRef* joined = FindTable(chain, other.qualifier);
+    if (joined == nullptr || !facts.ComparesExactly(joined->name, other.text)) return nullptr;
   }
-  return base;
+  return FindTable(chain, NameOf(*base)) == base ? base : nullptr;
+}
+
+// Functions that give one value for each row; a server may have others.
+bool GivesOneValue(const Expression& expression) {
+  if (expression.query) return false;
+  if (expression.kind == ExpressionKind::kFunction) {
+    const auto isCalled = [&](const char* name) { return IsKeyword(expression.text, name); };
+    static constexpr const char* kNames[] = {
+        "COALESCE", "NZ",  "IIF",  "ISNULL", "IFNULL", "NULLIF", "UCASE", "LCASE",  "LEFT",   "MID",
+        "RIGHT",    "LEN", "CSTR", "CLNG",   "UPPER",  "LOWER",  "TRIM",  "SUBSTR", "LENGTH", "REPLACE"};
+    if (std::none_of(std::begin(kNames), std::end(kNames), isCalled)) return false;
+  }
+  return std::all_of(expression.args.begin(), expression.args.end(),
+                     [](const ExpressionPtr& argument) { return GivesOneValue(*argument); });
 }
 
 struct TableColumn {
@@ -233,25 +221,43 @@ struct TableColumn {
   std::string column;
 };
 
-// The column of a table that a column of `source` is, when each row of that table is at most one row of
-// `source`.
-std::optional<TableColumn> SingleRowColumn(const Session& session, const std::string& source,
-                                           const std::string& column) {
-  if (FindColumn(session, source, column)) return TableColumn{source, column};
-  const auto query = ReadSavedQuery(session, source);
-  if (!query || !query->cores.front().groupBy.empty()) return std::nullopt;
-  const SelectCore& core = query->cores.front();
-  const TableRef* base = SingleRowTable(session, core.from.front());
-  const SelectItem* item = FindItem(core, column);
-  if (base == nullptr || item == nullptr || !IsColumnOf(*item->expression, *base)) return std::nullopt;
-  return TableColumn{base->name, item->expression->text};
-}
+// Rows that are each made of one row of a table, which gives no more than that one: the table itself, or a
+// saved query.
+class SingleRowSource {
+ public:
+  SingleRowSource(TableFacts& facts, const std::string& name) : m_facts(facts), m_name(name) {
+    m_query = ReadSavedQuery(facts, name);
+    if (!m_query) return;
+    const SelectCore& core = m_query->cores.front();
+    const auto plain = [](const SelectItem& item) {
+      return item.expression && GivesOneValue(*item.expression);
+    };
+    if (core.groupBy.empty() && std::all_of(core.items.begin(), core.items.end(), plain)) {
+      m_base = SingleRowTable(facts, core.from.front());
+    }
+  }
+
+  // The column of the table that a column of the rows is.
+  std::optional<TableColumn> Find(const std::string& column) const {
+    if (!m_query && m_facts.HasColumn(m_name, column)) return TableColumn{m_name, column};
+    if (m_base == nullptr) return std::nullopt;
+    const SelectItem* item = FindItem(m_query->cores.front(), column);
+    if (item == nullptr || !IsColumnOf(*item->expression, *m_base)) return std::nullopt;
+    return TableColumn{m_base->name, item->expression->text};
+  }
+
+ private:
+  TableFacts& m_facts;
+  std::string m_name;
+  std::optional<SelectStatement> m_query;
+  const TableRef* m_base = nullptr;  // in m_query
+};
 
 // ---- the two saved queries
 
 class Listing {
  public:
-  explicit Listing(const Session& session) : m_session(session) {}
+  explicit Listing(TableFacts& facts) : m_facts(facts) {}
 
   // The same rows without the outer groups.
   std::optional<SelectStatement> Rewrite(SelectStatement& listing) {
@@ -261,11 +267,13 @@ class Listing {
       return std::nullopt;
     }
     m_listed = &core.from.front().first;
-    auto outer = ReadSavedQuery(m_session, m_listed->name);
+    auto outer = ReadSavedQuery(m_facts, m_listed->name);
     if (!outer || !ReadOuter(outer->cores.front()) || !ReadInner()) return std::nullopt;
-    const auto key = SingleRowColumn(m_session, m_rows->name, m_key);
-    if (!key || !IsRowKey(m_session, key->table, key->column)) return std::nullopt;
-    return Assemble(core, *outer);
+    const SingleRowSource source(m_facts, m_rows->name);
+    const auto key = source.Find(m_key);
+    if (!key || !m_facts.IsRowKey(key->table, key->column)) return std::nullopt;
+    const auto grouped = source.Find(m_grouped);
+    return Assemble(core, *outer, grouped && m_facts.IsExactText(grouped->table, grouped->column));
   }
 
  private:
@@ -274,6 +282,7 @@ class Listing {
     if (outer.groupBy.size() != 1 || chain.joins.size() != 1 || !IsNamed(chain.first)) return false;
     const Join& join = chain.joins.front();
     if (join.type != JoinType::kInner || !IsNamed(join.table)) return false;
+    if (EqualIgnoringCase(NameOf(chain.first), NameOf(join.table))) return false;
     const Expression& grouped = *outer.groupBy.front();
     const bool first = IsColumnOf(grouped, chain.first);
     if (!first && !IsColumnOf(grouped, join.table)) return false;
@@ -292,7 +301,7 @@ class Listing {
   }
 
   bool ReadInner() {
-    m_inner = ReadSavedQuery(m_session, m_newest->name);
+    m_inner = ReadSavedQuery(m_facts, m_newest->name);
     if (!m_inner || !m_inner->orderBy.empty()) return false;
     SelectCore& core = m_inner->cores.front();
     const TableRef& source = core.from.front().first;
@@ -341,7 +350,7 @@ class Listing {
     return true;
   }
 
-  // Sorted by place, so that the order is that of the saved query, whatever the dialect does to sort keys.
+  // In the order of the saved query: by place where the dialect would do something else to the sort keys.
   bool AddOrder(const SelectStatement& outer, SelectStatement& result) const {
     const auto& items = result.cores.front().items;
     for (const OrderItem& order : outer.orderBy) {
@@ -351,9 +360,13 @@ class Listing {
       });
       if (same == items.end()) return false;
       OrderItem& added = result.orderBy.emplace_back();
-      added.expression = std::make_unique<Expression>();
-      added.expression->kind = ExpressionKind::kNumber;
-      added.expression->text = std::to_string(std::distance(items.begin(), same) + 1);
+      if (m_facts.SortsAlike()) {
+        added.expression = MakeColumn(NameOf(*m_rows), same->expression->text);
+      } else {
+        added.expression = std::make_unique<Expression>();
+        added.expression->kind = ExpressionKind::kNumber;
+        added.expression->text = std::to_string(std::distance(items.begin(), same) + 1);
+      }
       added.descending = order.descending;
     }
     return true;
@@ -379,15 +392,14 @@ class Listing {
     return true;
   }
 
-  std::optional<SelectStatement> Assemble(const SelectCore& listing, SelectStatement& outer) {
+  std::optional<SelectStatement> Assemble(const SelectCore& listing, SelectStatement& outer,
+                                          bool mayGoInside) {
     SelectCore& outerCore = outer.cores.front();
     SelectCore& innerCore = m_inner->cores.front();
     SelectStatement result;
     SelectCore& core = result.cores.emplace_back();
     if (!AddItems(listing, outerCore, core) || !AddOrder(outer, result)) return std::nullopt;
 
-    const auto grouped = SingleRowColumn(m_session, m_rows->name, m_grouped);
-    const bool mayGoInside = grouped && IsExactText(m_session, grouped->table, grouped->column);
     std::vector<ExpressionPtr> inside, outside;
     if (listing.where) {
       const auto same = [](const Expression& column) { return MakeColumn(column.qualifier, column.text); };
@@ -414,7 +426,7 @@ class Listing {
     return result;
   }
 
-  const Session& m_session;
+  TableFacts& m_facts;
   const TableRef* m_listed = nullptr;
   const TableRef* m_rows = nullptr;
   const TableRef* m_newest = nullptr;
@@ -424,8 +436,8 @@ class Listing {
 
 }  // namespace
 
-void RemoveGroupsOfSingleRows(const Session& session, SelectStatement& listing) {
-  if (auto rewritten = Listing(session).Rewrite(listing)) listing = std::move(*rewritten);
+void RemoveGroupsOfSingleRows(TableFacts& facts, SelectStatement& listing) {
+  if (auto rewritten = Listing(facts).Rewrite(listing)) listing = std::move(*rewritten);
 }
 
-}  // namespace kxrestore::engine::sqlite
+}  // namespace kxrestore::engine::jet_sql

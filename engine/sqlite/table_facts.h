@@ -1,0 +1,24 @@
+// What the catalog file says of its tables and views.
+#pragma once
+
+#include "engine/jet_sql/table_facts.h"
+#include "engine/sqlite/session.h"
+
+namespace kxrestore::engine::sqlite {
+
+class SqliteTableFacts final : public jet_sql::TableFacts {
+ public:
+  explicit SqliteTableFacts(const Session& session) : m_session(session) {}
+
+  std::optional<std::string> SavedQuery(const std::string& name) override;
+  bool HasColumn(const std::string& table, const std::string& column) override;
+  bool IsRowKey(const std::string& table, const std::string& column) override;
+  bool ComparesExactly(const std::string& /*table*/, const std::string& /*column*/) override { return true; }
+  bool IsExactText(const std::string& table, const std::string& column) override;
+  bool SortsAlike() const override { return false; }
+
+ private:
+  const Session& m_session;
+};
+
+}  // namespace kxrestore::engine::sqlite
