@@ -6,6 +6,7 @@
 #include "engine/jet_sql/name_resolver.h"
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/single_rows.h"
 #include "engine/jet_sql/tsql_dialect.h"
 #include "tests/catalog/recording_database.h"
 
@@ -56,7 +57,7 @@ constexpr const char* kOfThePanels[] = {
     "DELETE FROM BackupAudit WHERE SetNameID = 9 AND DateStamp < #11/16/2026 2:25:30 PM#",
 };
 
-class CatalogOnServer final : public jet_sql::Relations {
+class CatalogOnServer final : public jet_sql::Relations, public jet_sql::TableFacts {
  public:
   CatalogOnServer() {
     Add("Catalog", true, kCatalogColumns);
@@ -86,6 +87,23 @@ class CatalogOnServer final : public jet_sql::Relations {
     }
     return nullptr;
   }
+
+  std::optional<std::string> SavedQuery(const std::string& name) override {
+    const KnownRelation* relation = Find(name);
+    if (relation != nullptr && !relation->isTable && !relation->text) return FullCatalogText();
+    return relation != nullptr ? relation->text : std::nullopt;
+  }
+  bool HasColumn(const std::string& table, const std::string& column) override {
+    return IsRowKey(table, column);
+  }
+  bool IsRowKey(const std::string& table, const std::string& column) override {
+    return !SavedQuery(table) && (column == "ID" || column == "PathID");
+  }
+  bool ComparesExactly(const std::string& /*table*/, const std::string& column) override {
+    return column.ends_with("ID");
+  }
+  bool IsExactText(const std::string& /*table*/, const std::string& /*column*/) override { return false; }
+  bool SortsAlike() const override { return true; }
 
  private:
   void Add(const char* name, bool isTable, std::vector<KnownColumn> columns) {
@@ -140,6 +158,9 @@ std::vector<ServerStatement> ServerStatements() {
 std::string ForSqlServer(const std::string& text, bool savedQuery, bool mindsCase) {
   static CatalogOnServer relations;
   jet_sql::Statement statement = jet_sql::Parse(text);
+  if (auto* select = std::get_if<jet_sql::SelectStatement>(&statement); select != nullptr && !savedQuery) {
+    jet_sql::RemoveGroupsOfSingleRows(relations, *select);
+  }
   jet_sql::ResolveNames(statement, relations);
   return jet_sql::Print(statement, jet_sql::TsqlDialect(mindsCase),
                         savedQuery ? jet_sql::PrintedAs::kView : jet_sql::PrintedAs::kStatement);

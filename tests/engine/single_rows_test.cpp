@@ -1,5 +1,9 @@
 // Listings of the latest versions, which are read without the outer groups of their saved query where that
 // gives the same rows. A dynaset is always read with them.
+#include <algorithm>
+
+#include "engine/odbc/odbc_session.h"
+#include "engine/odbc/saved_queries.h"
 #include "tests/engine/test_databases.h"
 
 namespace kxrestore::engine {
@@ -15,13 +19,27 @@ constexpr char kBody[] =
 constexpr char kGroups[] = "GROUP BY FullCatalog.OrigName ";
 constexpr char kOrder[] = "ORDER BY First(FullCatalog.DateStamp) DESC , First(FullCatalog.ID) DESC;";
 constexpr char kLive[] = "WHERE FullCatalog.Status = 2 ";
+constexpr char kNewest[] =
+    "SELECT FullCatalog.OrigName AS OrigName, Max(FullCatalog.DateStamp) AS DateStamp, Max(FullCatalog.ID) "
+    "AS ID FROM FullCatalog where FullCatalog.Status = 2 GROUP BY FullCatalog.OrigName;";
+constexpr char kKey[] = "INTEGER PRIMARY KEY";
 
-class SingleRows : public ::testing::Test {
+class SingleRows : public ::testing::TestWithParam<const testing::TestDatabaseKind*> {
  protected:
+  bool IsPostgres() const { return GetParam()->Name().starts_with("Postgres"); }
+
+  // The type of texts that are the same in any case.
+  std::string CaseBlind() const { return IsPostgres() ? "TEXT COLLATE blind" : "TEXT COLLATE NOCASE"; }
+
   // Makes a catalog with these columns of its key, names and sets, and the saved queries over it.
   void Make(const std::string& id, const std::string& name, const std::string& setId) {
     m_database.reset();
-    m_test = testing::SqliteKind().Make();
+    m_workspace = GetParam()->MakeWorkspace();
+    m_test = GetParam()->Make();
+    if (IsPostgres()) {
+      m_test->Run(
+          "CREATE COLLATION blind (provider = icu, locale = 'und-u-ks-level2', deterministic = false)");
+    }
     m_test->Run(
         "CREATE TABLE Catalog (ID " + id + ", OrigName " + name +
         ", DateStamp TEXT, SetNameID INTEGER, Status INTEGER);"
@@ -38,11 +56,7 @@ class SingleRows : public ::testing::Test {
         " Catalog.ID AS ID, Catalog.SetNameID AS SetNameID, Catalog.Status AS Status, SetNames.Name AS"
         " SetName FROM Catalog LEFT JOIN SetNames ON SetNames.ID = Catalog.SetNameID;");
     m_database = m_workspace->OpenDatabase(m_test->Request());
-    m_database->CreateQueryDef(
-        "Newest",
-        "SELECT FullCatalog.OrigName AS OrigName, Max(FullCatalog.DateStamp) AS DateStamp, "
-        "Max(FullCatalog.ID) AS ID FROM FullCatalog where FullCatalog.Status = 2 GROUP BY "
-        "FullCatalog.OrigName;");
+    m_database->CreateQueryDef("Newest", kNewest);
     m_database->CreateQueryDef("Latest", std::string(kBody) + kLive + kGroups + kOrder);
   }
 
@@ -64,24 +78,45 @@ class SingleRows : public ::testing::Test {
     }
   }
 
+  void ExpectAsked(int groups, bool maskInside) {
+    odbc::Session session(m_test->Request().connect, false, nullptr);
+    for (const auto& [name, text] : {std::pair("Newest", std::string(kNewest)),
+                                     std::pair("Latest", std::string(kBody) + kLive + kGroups + kOrder)}) {
+      odbc::DeleteSavedQuery(session, name);
+      odbc::CreateSavedQuery(session, name, text);
+    }
+    using Use = odbc::Session::Use;
+    for (const Use use : {Use::kSnapshot, Use::kDynaset}) {
+      const std::string sql =
+          session.FindPlan("SELECT * FROM Latest WHERE Latest.OrigName Like \"a*\" AND Status = 2", use)->sql;
+      int counted = 0;
+      for (std::size_t at = 0; (at = sql.find("GROUP BY", at)) != std::string::npos; ++at) ++counted;
+      EXPECT_EQ(counted, use == Use::kSnapshot ? groups : 2) << sql;
+      const bool inside = std::min(sql.find("~*"), sql.find(" LIKE ")) < sql.rfind("GROUP BY");
+      EXPECT_EQ(inside, use == Use::kSnapshot && maskInside) << sql;
+    }
+  }
+
   std::unique_ptr<testing::TestDatabase> m_test;
-  std::unique_ptr<Workspace> m_workspace = MakeDefaultWorkspace();
+  std::unique_ptr<Workspace> m_workspace;
   std::unique_ptr<Database> m_database;
 };
 
-TEST_F(SingleRows, OneRowANameInTheOrderOfTheQuery) {
-  Make("INTEGER PRIMARY KEY", "TEXT", "INTEGER PRIMARY KEY");
-  EXPECT_EQ(Listed(""),
-            (Strings{"c.xls|2026-02-01|6|2|2|two", "b.doc|2026-02-01|4|1|2|one", "a.doc|2026-02-01|3|1|2|one",
-                     "A.DOC|2026-01-05|10|1|2|one", "NULL|NULL|9|2|2|two"}));
+TEST_P(SingleRows, OneRowANameInTheOrderOfTheQuery) {
+  Make(kKey, "TEXT", kKey);
+  Strings expected = {"c.xls|2026-02-01|6|2|2|two", "b.doc|2026-02-01|4|1|2|one",
+                      "a.doc|2026-02-01|3|1|2|one", "A.DOC|2026-01-05|10|1|2|one", "NULL|NULL|9|2|2|two"};
+  if (IsPostgres()) std::rotate(expected.begin(), expected.end() - 1, expected.end());  // no date is the last
+  EXPECT_EQ(Listed(""), expected);
   EXPECT_EQ(Listed(" WHERE Latest.OrigName Like \"*doc\"", "Latest.DateStamp, ID AS Number").front(),
             "2026-02-01|4");
   ExpectSameListings();
 }
 
 // The names are the same to the grouping though not to a mask.
-TEST_F(SingleRows, NamesThatDifferInCaseOnly) {
-  Make("INTEGER PRIMARY KEY", "TEXT COLLATE NOCASE", "INTEGER PRIMARY KEY");
+TEST_P(SingleRows, NamesThatDifferInCaseOnly) {
+  if (IsPostgres()) return;  // it has no masks for such texts
+  Make(kKey, CaseBlind(), kKey);
   EXPECT_EQ(Listed(" WHERE Latest.OrigName Like \"*.doc\"").size(), 2u);
   EXPECT_EQ(Listed(" WHERE Latest.OrigName & '' = 'a.doc'"), Strings{})
       << "the newest is A.DOC, and an older one does not take its place";
@@ -89,20 +124,20 @@ TEST_F(SingleRows, NamesThatDifferInCaseOnly) {
 }
 
 // Rows that a key or a join does not keep single still come out once a name.
-TEST_F(SingleRows, GroupsThatAreNeededStay) {
-  Make("INTEGER", "TEXT", "INTEGER PRIMARY KEY");
+TEST_P(SingleRows, GroupsThatAreNeededStay) {
+  Make("INTEGER", "TEXT", kKey);
   m_test->Run(
       "INSERT INTO Catalog VALUES (4, 'b.doc', '2026-02-01', 1, 2), (4, 'e.doc', '2026-02-02', 1, 2)");
   EXPECT_EQ(Listed("").size(), 6u);
   ExpectSameListings();
 
-  Make("INTEGER PRIMARY KEY", "TEXT", "INTEGER");
+  Make(kKey, "TEXT", "INTEGER");
   m_test->Run("INSERT INTO SetNames VALUES (1, 'one')");
   EXPECT_EQ(Listed("").size(), 5u);
   ExpectSameListings();
 
   // The groups of the two queries are not the same.
-  Make("INTEGER PRIMARY KEY", "TEXT", "INTEGER PRIMARY KEY");
+  Make(kKey, "TEXT", kKey);
   m_database->DeleteQueryDef("Newest");
   m_database->CreateQueryDef(
       "Newest", "SELECT Max(FullCatalog.ID) AS ID FROM FullCatalog GROUP BY FullCatalog.SetNameID");
@@ -112,6 +147,44 @@ TEST_F(SingleRows, GroupsThatAreNeededStay) {
       "Newest", "SELECT FullCatalog.ID AS ID FROM FullCatalog WHERE FullCatalog.ID In (1, 3, 4)");
   EXPECT_EQ(Listed("").size(), 2u);
 }
+
+// What a server is asked, by what it tells of the columns; nothing else shows whether a group was left out.
+TEST_P(SingleRows, AskedOfAServer) {
+  if (GetParam()->Name() == "Sqlite") return;
+  const struct {
+    std::string id, name, setId;
+    int groups;
+    bool maskInside;
+  } cases[] = {{kKey, "TEXT", kKey, 1, IsPostgres()},
+               {"BIGINT PRIMARY KEY", "VARCHAR(90)", "SMALLINT PRIMARY KEY", 1, IsPostgres()},
+               {kKey, "CHAR(20)", kKey, 1, false},
+               {kKey, CaseBlind(), kKey, 1, false},
+               {"INTEGER", "TEXT", kKey, 2, false},
+               {kKey, "TEXT", "INTEGER", 2, false},
+               {kKey, "TEXT", "NUMERIC(9) PRIMARY KEY", 2, false}};
+  for (const auto& [id, name, setId, groups, maskInside] : cases) {
+    SCOPED_TRACE(id + ", " + name + ", " + setId);
+    Make(id, name, setId);
+    ExpectAsked(groups, maskInside);
+  }
+  if (!IsPostgres()) return;
+  Make(kKey, "TEXT", "INTEGER");
+  m_test->Run("ALTER TABLE SetNames ADD PRIMARY KEY (ID, Name)");
+  ExpectAsked(2, false);
+  Make(kKey, "TEXT", kKey);
+  m_test->Run("CREATE TABLE More () INHERITS (Catalog)");
+  ExpectAsked(2, false);
+}
+
+// Every kind but the desktop engine, which has nobody to ask.
+std::vector<const testing::TestDatabaseKind*> Kinds() {
+  auto kinds = testing::TestDatabaseKinds();
+  std::erase_if(kinds, [](const testing::TestDatabaseKind* kind) { return kind->Name() == "Dao"; });
+  return kinds;
+}
+
+INSTANTIATE_TEST_SUITE_P(Engines, SingleRows, ::testing::ValuesIn(Kinds()),
+                         [](const auto& kind) { return kind.param->Name(); });
 
 }  // namespace
 }  // namespace kxrestore::engine

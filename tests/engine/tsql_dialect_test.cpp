@@ -111,5 +111,21 @@ TEST(TsqlDialect, SavedQueries) {
             "[Catalog].[File] LIKE '%N''' ESCAPE '\\'");
 }
 
+// Of two groupings the outer one goes.
+TEST(TsqlDialect, ListingOfTheLatestVersions) {
+  const std::string text = ForSqlServer(
+      "SELECT * from FullCatalogLatest WHERE ((FullCatalogLatest.OrigName Like \"*x*\") AND "
+      "(FullCatalogLatest.Status = 2) );");
+  EXPECT_EQ(
+      text.substr(text.find(" FROM ")),
+      " FROM [FullCatalog] INNER JOIN (SELECT [FullCatalog].[OrigName] AS [OrigName], "
+      "Max([FullCatalog].[DateStamp]) AS [DateStamp], Max([FullCatalog].[ID]) AS [ID] FROM [FullCatalog] "
+      "WHERE [FullCatalog].[Status] = 2 GROUP BY [FullCatalog].[OrigName]) AS [qryGetLatest] ON "
+      "[qryGetLatest].[ID] = [FullCatalog].[ID] WHERE [FullCatalog].[OrigName] LIKE '%x%' ESCAPE '\\' "
+      "AND [FullCatalog].[Status] = 2 AND [FullCatalog].[Status] = 2 ORDER BY "
+      "[FullCatalog].[DateStamp] DESC, [FullCatalog].[ID] DESC");
+  EXPECT_EQ(text.substr(0, text.find(", ")), "SELECT [FullCatalog].[OrigName] AS [OrigName]");
+}
+
 }  // namespace
 }  // namespace kxrestore::engine
