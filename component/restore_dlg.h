@@ -1,5 +1,5 @@
-// The restore dialog as a host drives it: set properties, call DefineRestoreSet, answer CommenceRestore. The COM class
-// is a thin shell around this one; a C++ host on any platform can use it directly.
+// The restore dialog as a host drives it: set properties, call DefineRestoreSet, answer CommenceRestore. The
+// COM class is a thin shell around this one; a C++ host on any platform can use it directly.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@ class frmRestore;
 
 namespace kxrestore::component {
 
-// Where the one form of the process lives. Every RestoreDlg of a process is given the same provider, so all of them
-// speak to the same form and share the settings forwarded to it.
+// Where the one form of the process lives. Every RestoreDlg of a process is given the same provider, so all
+// of them speak to the same form and share the settings forwarded to it.
 class FormProvider {
  public:
   virtual ~FormProvider() = default;
@@ -30,10 +30,12 @@ class RestoreDlg {
   RestoreDlg& operator=(const RestoreDlg&) = delete;
   ~RestoreDlg();
 
-  // Raised while the dialog is still showing, after the user chose to restore. The marks are in the catalog by then.
+  // Raised while the dialog is still showing, after the user chose to restore. The marks are in the catalog
+  // by then.
   std::function<void()> CommenceRestore;
 
-  // Runs the dialog. 1 when it ended in a commit, 0 otherwise; 0 at once while a dialog of this process is running.
+  // Runs the dialog. 1 when it ended in a commit, 0 otherwise; 0 at once while a dialog of this process is
+  // running.
   std::int16_t DefineRestoreSet();
 
   // Forwarded to the form at once.

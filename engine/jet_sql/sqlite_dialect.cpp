@@ -1,169 +1,31 @@
 #include <algorithm>
-#include <iterator>
 #include <optional>
 
+#include "base/text.h"
 #include "engine/jet_sql/dialect.h"
 #include "engine/jet_sql/lexer.h"
 
 namespace kxrestore::engine::jet_sql {
 namespace {
 
-// SQLite's keywords: names that want brackets.
-constexpr std::string_view kKeywords[] = {"ABORT",
-                                          "ACTION",
-                                          "ADD",
-                                          "AFTER",
-                                          "ALL",
-                                          "ALTER",
-                                          "ALWAYS",
-                                          "ANALYZE",
-                                          "AND",
-                                          "AS",
-                                          "ASC",
-                                          "ATTACH",
-                                          "AUTOINCREMENT",
-                                          "BEFORE",
-                                          "BEGIN",
-                                          "BETWEEN",
-                                          "BY",
-                                          "CASCADE",
-                                          "CASE",
-                                          "CAST",
-                                          "CHECK",
-                                          "COLLATE",
-                                          "COLUMN",
-                                          "COMMIT",
-                                          "CONFLICT",
-                                          "CONSTRAINT",
-                                          "CREATE",
-                                          "CROSS",
-                                          "CURRENT",
-                                          "CURRENT_DATE",
-                                          "CURRENT_TIME",
-                                          "CURRENT_TIMESTAMP",
-                                          "DATABASE",
-                                          "DEFAULT",
-                                          "DEFERRABLE",
-                                          "DEFERRED",
-                                          "DELETE",
-                                          "DESC",
-                                          "DETACH",
-                                          "DISTINCT",
-                                          "DO",
-                                          "DROP",
-                                          "EACH",
-                                          "ELSE",
-                                          "END",
-                                          "ESCAPE",
-                                          "EXCEPT",
-                                          "EXCLUDE",
-                                          "EXCLUSIVE",
-                                          "EXISTS",
-                                          "EXPLAIN",
-                                          "FAIL",
-                                          "FILTER",
-                                          "FIRST",
-                                          "FOLLOWING",
-                                          "FOR",
-                                          "FOREIGN",
-                                          "FROM",
-                                          "FULL",
-                                          "GENERATED",
-                                          "GLOB",
-                                          "GROUP",
-                                          "GROUPS",
-                                          "HAVING",
-                                          "IF",
-                                          "IGNORE",
-                                          "IMMEDIATE",
-                                          "IN",
-                                          "INDEX",
-                                          "INDEXED",
-                                          "INITIALLY",
-                                          "INNER",
-                                          "INSERT",
-                                          "INSTEAD",
-                                          "INTERSECT",
-                                          "INTO",
-                                          "IS",
-                                          "ISNULL",
-                                          "JOIN",
-                                          "KEY",
-                                          "LAST",
-                                          "LEFT",
-                                          "LIKE",
-                                          "LIMIT",
-                                          "MATCH",
-                                          "MATERIALIZED",
-                                          "NATURAL",
-                                          "NO",
-                                          "NOT",
-                                          "NOTHING",
-                                          "NOTNULL",
-                                          "NULL",
-                                          "NULLS",
-                                          "OF",
-                                          "OFFSET",
-                                          "ON",
-                                          "OR",
-                                          "ORDER",
-                                          "OTHERS",
-                                          "OUTER",
-                                          "OVER",
-                                          "PARTITION",
-                                          "PLAN",
-                                          "PRAGMA",
-                                          "PRECEDING",
-                                          "PRIMARY",
-                                          "QUERY",
-                                          "RAISE",
-                                          "RANGE",
-                                          "RECURSIVE",
-                                          "REFERENCES",
-                                          "REGEXP",
-                                          "REINDEX",
-                                          "RELEASE",
-                                          "RENAME",
-                                          "REPLACE",
-                                          "RESTRICT",
-                                          "RETURNING",
-                                          "RIGHT",
-                                          "ROLLBACK",
-                                          "ROW",
-                                          "ROWS",
-                                          "SAVEPOINT",
-                                          "SELECT",
-                                          "SET",
-                                          "TABLE",
-                                          "TEMP",
-                                          "TEMPORARY",
-                                          "THEN",
-                                          "TIES",
-                                          "TO",
-                                          "TRANSACTION",
-                                          "TRIGGER",
-                                          "UNBOUNDED",
-                                          "UNION",
-                                          "UNIQUE",
-                                          "UPDATE",
-                                          "USING",
-                                          "VACUUM",
-                                          "VALUES",
-                                          "VIEW",
-                                          "VIRTUAL",
-                                          "WHEN",
-                                          "WHERE",
-                                          "WINDOW",
-                                          "WITH",
-                                          "WITHOUT",
-                                          "TRUE",
-                                          "FALSE"};
+// SQLite's keywords, each between blanks: names that want brackets.
+constexpr std::string_view kKeywords =
+    " abort action add after all alter always analyze and as asc attach autoincrement before begin "
+    "between by cascade case cast check collate column commit conflict constraint create cross current "
+    "current_date current_time current_timestamp database default deferrable deferred delete desc "
+    "detach distinct do drop each else end escape except exclude exclusive exists explain fail filter "
+    "first following for foreign from full generated glob group groups having if ignore immediate in "
+    "index indexed initially inner insert instead intersect into is isnull join key last left like "
+    "limit match materialized natural no not nothing notnull null nulls of offset on or order others "
+    "outer over partition plan pragma preceding primary query raise range recursive references regexp "
+    "reindex release rename replace restrict returning right rollback row rows savepoint select set "
+    "table temp temporary then ties to transaction trigger unbounded union unique update using vacuum "
+    "values view virtual when where window with without true false ";
 
 bool IsPlainName(std::string_view name) {
   if (name.empty() || !IsWordStart(name.front())) return false;
   if (!std::all_of(name.begin(), name.end(), IsWordCharacter)) return false;
-  return std::none_of(std::begin(kKeywords), std::end(kKeywords),
-                      [name](std::string_view keyword) { return IsKeyword(name, keyword); });
+  return kKeywords.find(" " + FoldCase(name) + " ") == std::string_view::npos;
 }
 
 // The same mask for SQLite's own LIKE; nothing when it holds a list or a digit sign.
@@ -225,20 +87,13 @@ std::string SqliteDialect::Divide(const std::string& left, const std::string& ri
 
 std::span<const FunctionMapping> SqliteDialect::Functions() const {
   static constexpr FunctionMapping kMappings[] = {
-      {"UCASE", 1, "upper($1)"},
-      {"LCASE", 1, "lower($1)"},
-      {"LEN", 1, "length($1)"},
-      {"LEFT", 2, "substr($1, 1, $2)"},
-      {"RIGHT", 2, "substr($1, -($2))"},
-      {"MID", 2, "substr($1, $2)"},
-      {"MID", 3, "substr($1, $2, $3)"},
-      {"INSTRREV", 2, "kx_instrrev($1, $2)"},
-      {"NZ", 1, "coalesce($1, '')"},
-      {"NZ", 2, "coalesce($1, $2)"},
-      {"INT", 1, "CAST($1 AS INTEGER)"},
-      {"CLNG", 1, "CAST($1 AS INTEGER)"},
-      {"CSTR", 1, "CAST($1 AS TEXT)"},
-      {"NOW", 0, "datetime('now', 'localtime')"},
+      {"UCASE", 1, "upper($1)"},         {"LCASE", 1, "lower($1)"},
+      {"LEN", 1, "length($1)"},          {"LEFT", 2, "substr($1, 1, $2)"},
+      {"RIGHT", 2, "substr($1, -($2))"}, {"MID", 2, "substr($1, $2)"},
+      {"MID", 3, "substr($1, $2, $3)"},  {"INSTRREV", 2, "kx_instrrev($1, $2)"},
+      {"NZ", 1, "coalesce($1, '')"},     {"NZ", 2, "coalesce($1, $2)"},
+      {"INT", 1, "CAST($1 AS INTEGER)"}, {"CLNG", 1, "CAST($1 AS INTEGER)"},
+      {"CSTR", 1, "CAST($1 AS TEXT)"},   {"NOW", 0, "datetime('now', 'localtime')"},
   };
   return kMappings;
 }
