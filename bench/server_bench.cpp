@@ -1,5 +1,5 @@
 // A catalog on a server over ODBC beside the same statements through the server's own client library, on one
-// run. Both sides read a listing a thousand rows at a time:
+// run. Both sides read a listing through a cursor:
 //   server: scan          the detail tree's statement, the texts of every row read
 //   server: latest        the newest versions in one set; bare: their saved query is read, which ours makes
 //   first server: mark by name  10,000 files found by name and marked, committed at least every 100 ms

@@ -128,7 +128,7 @@ void Session::ReadFacts() {
       // A prepared statement in a transaction is sent behind a savepoint of its own, a plain one together
       // with it.
       SQLSetConnectAttrW(Get(), kPostgresServerSidePrepare, AsPointer(0), SQL_IS_INTEGER);
-      SQLSetConnectAttrW(Get(), kPostgresFetchRows, AsPointer(1000), SQL_IS_INTEGER);
+      SQLSetConnectAttrW(Get(), kPostgresFetchRows, AsPointer(8000), SQL_IS_INTEGER);
     }
     const auto rows = Ask(
         "SELECT current_schema(), datcollate, datctype, (SELECT count(*) FROM pg_catalog.pg_collation WHERE "
