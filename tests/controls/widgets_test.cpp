@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "controls/form.h"
 #include "platform/headless/recording_peer.h"
 #include "tests/controls/raises.h"
@@ -98,41 +96,6 @@ TEST(TabStrip, SelectsWithinItsTabs) {
   }
   EXPECT_EQ(2, tabs.SelectedIndex());
   EXPECT_EQ(1, clicks);
-}
-
-TEST(DriveListBox, RaisesChangeForEveryPick) {
-  Form form("form");
-  DriveListBox box("box", &form);
-  box.SetDrives({"c:", "d:"});
-  int changes = 0;
-  box.Change = [&] { ++changes; };
-  box.UserSelect("d:");
-  box.UserSelect("d:");  // another disc may be in it
-  box.SetVisible(false);
-  box.UserSelect("c:");
-  EXPECT_EQ("d:", box.Drive());
-  EXPECT_EQ(2, changes);
-}
-
-TEST(ProgressBar, RefusesValuesOutsideItsRange) {
-  Form form("form");
-  ProgressBar bar("bar", &form);
-  bar.SetMax(50);
-  bar.SetValue(50);
-  for (const double bad : {-0.1, 50.1, std::numeric_limits<double>::quiet_NaN()}) {
-    EXPECT_RAISES(380, bar.SetValue(bad));
-  }
-  EXPECT_EQ(50, bar.Value());
-  EXPECT_RAISES(380, bar.SetMax(0));
-  bar.SetMax(20);
-  EXPECT_EQ(20, bar.Value());
-}
-
-TEST(ImageList, NumbersItsKeysFromOne) {
-  const ImageList images({"cfolder", "file"});
-  EXPECT_EQ(1, images.Index("cfolder"));
-  EXPECT_EQ(2, images.Index("file"));
-  EXPECT_RAISES(35601, images.Index("File"));
 }
 
 }  // namespace

@@ -1,9 +1,5 @@
-// The dialog as its users and hosts live with it: commit, cancel, close, captions, log, errors.
+// The dialog as its users and hosts live with it: commit, cancel, close, errors.
 #include <gtest/gtest.h>
-
-#include <fstream>
-#include <regex>
-#include <sstream>
 
 #include "tests/e2e/dialog_fixture.h"
 
@@ -73,12 +69,6 @@ TEST_F(DialogTest, CancelAsksAndOnlyYesClears) {
   EXPECT_EQ(Ids{}, m_catalog.Marked());
 }
 
-TEST_F(DialogTest, CancelWithAnEmptyListAsksNothing) {
-  m_catalog.Mark(kOldA);  // but not listed
-  EXPECT_EQ(0, RunDialog(m_object.Get(), [](const DialogDriver& dialog) { dialog.Click("cmdRestore(1)"); }));
-  EXPECT_EQ(0, m_sink->events);
-}
-
 TEST_F(DialogTest, TheCloseBoxClosesWithNoAndKeepsTheMarks) {
   m_catalog.Mark(kBox);
   const short result = RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
@@ -91,80 +81,6 @@ TEST_F(DialogTest, TheCloseBoxClosesWithNoAndKeepsTheMarks) {
   EXPECT_EQ(0, result);
   EXPECT_EQ(0, m_sink->events);
   EXPECT_EQ(Ids{kBox}, m_catalog.Marked());
-}
-
-TEST_F(DialogTest, TheCloseBoxClosesWithYesAndClears) {
-  m_catalog.Mark(kBox);
-  const short result = RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
-    Refresh(dialog, 1);
-    dialog.Close();
-    dialog.Answer("YES");
-  });
-  EXPECT_EQ(0, result);
-  EXPECT_EQ(Ids{}, m_catalog.Marked());
-}
-
-TEST_F(DialogTest, ClearAsksAndTheFormStays) {
-  m_catalog.Mark(kBox);
-  EXPECT_EQ(0, RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
-              Refresh(dialog, 1);
-              dialog.Click("cmdRestore(4)");
-              EXPECT_EQ("Clear Selection? ", dialog.MessageTitle());
-              EXPECT_EQ("Clear All Selected Files? ", dialog.MessageText());
-              dialog.Answer("YES");
-              dialog.ExpectText("lblCounts(0)", SelectedText(0));
-              dialog.ExpectEnabled("cmdRestore(0)", false);
-              EXPECT_EQ(Ids{}, m_catalog.Marked());
-              dialog.Close();
-            }));
-}
-
-TEST_F(DialogTest, CaptionsApplyOnlyWhenGiven) {
-  EXPECT_EQ(0, RunDialog(m_object.Get(), [](const DialogDriver& dialog) {
-              dialog.ExpectText("frmRestore", "Select Files to Restore");
-              dialog.ExpectText("cmdRestore(0)", "Restore &Now");
-              dialog.ExpectText("lblList", "Files Selected to Restore: ");
-              dialog.ExpectText("lblRestorePath", "Restore To: (Original Path)");
-              dialog.ExpectVisible("lblRestorePath", true);
-              dialog.Close();
-            }));
-
-  Text path(L"D:\\\u6F22 out");
-  m_object->put_frmCaption(Text(L"Pick \u6F22"));
-  m_object->put_btnCaption(Text(L"&Go"));
-  m_object->put_lblCaption(Text(L"Picked:"));
-  m_object->put_lblInVisible(VARIANT_TRUE);
-  m_object->put_RestorePath(&path);
-  EXPECT_EQ(0, RunDialog(m_object.Get(), [](const DialogDriver& dialog) {
-              dialog.ExpectText("frmRestore", "Pick \u6F22");
-              dialog.ExpectText("cmdRestore(0)", "&Go");
-              dialog.ExpectText("lblList", "Picked:");
-              dialog.ExpectText("lblRestorePath", "Restore To: D:\\\u6F22 out");
-              dialog.ExpectVisible("lblRestorePath", false);
-              dialog.Close();
-            }));
-}
-
-TEST_F(DialogTest, EachLoadLeavesALineInTheLog) {
-  const std::wstring log = m_catalog.Folder() + L"session.log";
-  m_object->put_SessionLogName(Text(log));
-  RunDialog(m_object.Get(), [](const DialogDriver& dialog) { dialog.Close(); });
-  m_object->put_setAction(Text(L"archive"));
-  m_catalog.Mark(kBox);
-  RunDialog(m_object.Get(), [](const DialogDriver& dialog) {
-    Refresh(dialog, 1);
-    dialog.Click("cmdRestore(1)");
-    EXPECT_EQ("You have selected files to archive, Cancel will clear your selections, Cancel?",
-              dialog.MessageText());
-    dialog.Answer("YES");
-  });
-
-  std::ifstream file(log.c_str(), std::ios::binary);
-  std::stringstream text;
-  text << file.rdbuf();
-  const std::string line = "\\S+ [^\r\n]+ R 10\\.1\\.6 Loading ";
-  const std::regex lines(line + "restore Dialog \\.\\.\\. \r\n" + line + "archive Dialog \\.\\.\\. \r\n");
-  EXPECT_TRUE(std::regex_match(text.str(), lines)) << text.str();
 }
 
 TEST_F(DialogTest, LateBoundValuesArrive) {

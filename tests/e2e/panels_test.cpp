@@ -1,5 +1,4 @@
-// Each way to choose files, through the windows: detail tree, search, file types, and the list of what is
-// selected.
+// Each way to choose files, through the windows: detail tree, search, file types.
 #include <gtest/gtest.h>
 
 #include "tests/e2e/dialog_fixture.h"
@@ -87,40 +86,6 @@ TEST_F(PanelsTest, FileTypesMarkEveryFileOfTheirKind) {
     dialog.Click("cmdAuto(0)");
     dialog.ExpectText("lblCounts(0)", SelectedText(4));
     EXPECT_EQ((Ids{kNewA, kOldA, kNewY, kBox}), m_catalog.Marked());
-  });
-}
-
-TEST_F(PanelsTest, UpdateUnmarksWhatWasUnticked) {
-  m_catalog.Mark(kNewB);
-  m_catalog.Mark(kNewLong);
-  m_catalog.Mark(kBox);
-  Run([&](const DialogDriver& dialog) {
-    dialog.Click("cmdRestore(2)");
-    dialog.ExpectCount("asRestoreList", 3);
-    const ListDriver list = dialog.List("asRestoreList");
-    EXPECT_TRUE(list.Ticked(list.Find("C:\\Data\\Reports\\a very long name.xls")));
-    dialog.TickEntry("asRestoreList", "C:\\Data\\Reports\\a very long name.xls");
-    dialog.Click("cmdRestore(3)");
-    dialog.ExpectCount("asRestoreList", 2);
-    EXPECT_EQ((Ids{kNewB, kBox}), m_catalog.Marked());
-  });
-}
-
-TEST_F(PanelsTest, EveryControlOfTheDesignHasItsWindow) {
-  Run([&](const DialogDriver& dialog) {
-    const std::string dump = dialog.Dump();
-    for (const char* name :
-         {"picTop",        "tbsOptions",    "tvwSets",        "SplitV",         "picTabs",
-          "panel(2)",      "tvwDetails",    "cmdAction(3)",   "chkShowZero",    "lblTreeCount",
-          "cboMask",       "cmdSearch(3)",  "asSearch",       "lblSearchCount", "asFiles",
-          "cmdAuto(2)",    "btnSelect(2)",  "optLookIn(3)",   "frLoadCD",       "DriveCD",
-          "txtVL",         "cmdCD",         "ProgressBar1",   "splitH",         "picBottom",
-          "lblList",       "asRestoreList", "lblRestorePath", "picCounts",      "lblCounts(1)",
-          "cmdRestore(4)", "picTopButtons", "lblCurrSet",     "lblSetName",     "lblHelp"}) {
-      EXPECT_NE(std::string::npos, dump.find("\n" + std::string(name) + " ")) << name;
-    }
-    EXPECT_FALSE(dialog.Visible("chkShowZero"));
-    EXPECT_FALSE(dialog.Enabled("optLookIn(0)"));
   });
 }
 
