@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 #include "base/text.h"
@@ -17,7 +18,6 @@ constexpr std::size_t kMaxBlockRows = 512;
 constexpr std::size_t kLongestBound = 512;  // characters; longer columns are bound for what is usual
 constexpr std::size_t kUsualText = 256;
 constexpr std::size_t kFlagCharacters = 8;
-constexpr std::size_t kFirstRows = 16;  // of a block that tells which columns are read
 
 template <typename Plain>
 Plain Load(const char* from) {
@@ -167,13 +167,14 @@ void RowReader::Bind() {
     }
     rowBytes += buffer.width + sizeof(SQLLEN);
   }
-  m_blockRows = m_piecewise ? 1 : std::clamp<std::size_t>(kBlockBytes / rowBytes, 16, kMaxBlockRows);
+  // A power of two, so that no block stands across the pieces that the driver fetches from the server.
+  m_blockRows =
+      m_piecewise ? 1 : std::bit_floor(std::clamp<std::size_t>(kBlockBytes / rowBytes, 16, kMaxBlockRows));
   SQLSetStmtAttrW(m_statement, SQL_ATTR_ROWS_FETCHED_PTR, &m_fetched, SQL_IS_POINTER);
   for (std::size_t i = 0; i < m_buffers.size(); ++i) {
     Buffer& buffer = m_buffers[i];
-    const std::size_t rows = m_bindsLater ? std::min(m_blockRows, kFirstRows) : m_blockRows;
-    buffer.data.resize(buffer.width * rows);
-    buffer.sizes.resize(rows);
+    buffer.data.resize(buffer.width);
+    buffer.sizes.resize(1);
     if (!m_piecewise && !m_bindsLater) BindColumn(i);
   }
 }
@@ -194,9 +195,6 @@ void RowReader::BindWanted() {
   for (std::size_t i = 0; i < m_buffers.size(); ++i) {
     if (m_buffers[i].wanted && !m_buffers[i].bound) BindColumn(i);
   }
-  if (!m_firstBlock) {
-    SQLSetStmtAttrW(m_statement, SQL_ATTR_ROW_ARRAY_SIZE, AsPointer(m_blockRows), SQL_IS_UINTEGER);
-  }
 }
 
 // The block's size is set behind the execution: asked for before it, some drivers would make a cursor of the
@@ -205,8 +203,7 @@ void RowReader::Restart() {
   m_fetched = 0;
   m_row = 0;
   m_firstBlock = m_inOneBlock = true;
-  const std::size_t rows = m_bindsLater ? std::min(m_blockRows, kFirstRows) : m_blockRows;
-  SQLSetStmtAttrW(m_statement, SQL_ATTR_ROW_ARRAY_SIZE, AsPointer(rows), SQL_IS_UINTEGER);
+  SQLSetStmtAttrW(m_statement, SQL_ATTR_ROW_ARRAY_SIZE, AsPointer(m_blockRows), SQL_IS_UINTEGER);
 }
 
 bool RowReader::Next() {
@@ -222,7 +219,7 @@ bool RowReader::Next() {
   if (result == SQL_NO_DATA) return false;
   if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
   if (m_piecewise) ReadPiecewise();
-  m_inOneBlock = m_firstBlock && m_fetched < (m_bindsLater ? std::min(m_blockRows, kFirstRows) : m_blockRows);
+  m_inOneBlock = m_firstBlock && m_fetched < m_blockRows;
   m_firstBlock = false;
   return m_fetched > 0 || m_piecewise;
 }
@@ -248,18 +245,14 @@ void RowReader::StandOnRow() const {
 // One value of the row that the driver stands on.
 void RowReader::ReadPlain(std::size_t column) const {
   Buffer& buffer = m_buffers[column];
-  if (m_row >= buffer.sizes.size()) {  // not asked for before, in a whole block
-    buffer.data.resize(buffer.width * m_blockRows);
-    buffer.sizes.resize(m_blockRows);
-  }
   if (buffer.cType == SQL_C_WCHAR || buffer.cType == SQL_C_BINARY) {
     ReadLongText(column, buffer.text);
     buffer.converted = m_number;
     return;
   }
-  const SQLRETURN result = SQLGetData(m_statement, static_cast<SQLUSMALLINT>(column + 1), buffer.cType,
-                                      buffer.data.data() + buffer.width * m_row,
-                                      static_cast<SQLLEN>(buffer.width), &buffer.sizes[m_row]);
+  const SQLRETURN result =
+      SQLGetData(m_statement, static_cast<SQLUSMALLINT>(column + 1), buffer.cType, buffer.data.data(),
+                 static_cast<SQLLEN>(buffer.width), &buffer.sizes.front());
   if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
 }
 
@@ -268,7 +261,7 @@ void RowReader::ReadPlain(std::size_t column) const {
 void RowReader::ReadLongText(std::size_t column, std::string& text) const {
   std::array<char16_t, 2048> piece;
   std::u16string whole;
-  SQLLEN& size = m_buffers[column].sizes[m_row];
+  SQLLEN& size = m_buffers[column].Size(m_row);
   for (;;) {
     SQLLEN left = 0;
     const SQLRETURN result = SQLGetData(m_statement, static_cast<SQLUSMALLINT>(column + 1), SQL_C_WCHAR,
@@ -291,14 +284,13 @@ void RowReader::ReadLongText(std::size_t column, std::string& text) const {
 std::string_view RowReader::TextOf(std::size_t column) const {
   Buffer& buffer = m_buffers[column];
   if (buffer.converted == m_number) return buffer.text;
-  const SQLLEN size = buffer.sizes[m_row];
+  SQLLEN& size = buffer.Size(m_row);
   const bool bytes = buffer.cType == SQL_C_BINARY;
   const auto room = static_cast<SQLLEN>(buffer.width - (bytes ? 1 : sizeof(char16_t)));
-  const char* data = buffer.data.data() + buffer.width * m_row;
+  const char* data = buffer.Data(m_row);
   if (size == SQL_NO_TOTAL || size > room) {
     StandOnRow();
     ReadLongText(column, buffer.text);
-    buffer.sizes[m_row] = size;
   } else if (bytes) {
     return {data, static_cast<std::size_t>(size)};
   } else {
@@ -311,9 +303,9 @@ std::string_view RowReader::TextOf(std::size_t column) const {
 
 ValueView RowReader::Value(std::size_t column) const {
   if (m_bindsLater) ReadUnbound(column);
-  const Buffer& buffer = m_buffers[column];
-  if (buffer.sizes[m_row] == SQL_NULL_DATA) return std::monostate();
-  const char* data = buffer.data.data() + buffer.width * m_row;
+  Buffer& buffer = m_buffers[column];
+  if (buffer.Size(m_row) == SQL_NULL_DATA) return std::monostate();
+  const char* data = buffer.Data(m_row);
   switch (buffer.cType) {
     case SQL_C_SLONG:
       return std::int64_t{Load<SQLINTEGER>(data)};

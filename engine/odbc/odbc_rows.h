@@ -47,14 +47,17 @@ class RowReader {
  private:
   struct Buffer {
     SQLSMALLINT cType = SQL_C_WCHAR;
-    std::size_t width = 0;  // bytes of one row
-    std::vector<char> data;
-    std::vector<SQLLEN> sizes;
+    std::size_t width = 0;      // bytes of one row
+    std::vector<char> data;     // of a block's rows once the column is bound, else of the current one
+    std::vector<SQLLEN> sizes;  // as many
     bool bound = false;
     mutable bool wanted = false;  // it was read without being bound
     mutable std::string text;     // of the row that `converted` numbers
     mutable std::uint64_t converted = 0;
     mutable std::uint64_t read = 0;  // the row that was read without being bound
+
+    const char* Data(std::size_t row) const { return data.data() + (bound ? row * width : 0); }
+    SQLLEN& Size(std::size_t row) { return sizes[bound ? row : 0]; }
   };
 
   void Bind();

@@ -24,6 +24,8 @@ constexpr SQLINTEGER kPostgresDeclareFetch = 65539;
 constexpr SQLINTEGER kPostgresServerSidePrepare = 65540;
 constexpr SQLINTEGER kPostgresFetchRows = 65541;
 
+constexpr std::size_t kPiecewiseRows = 8192;
+
 SQLPOINTER AsPointer(std::size_t number) {
   return reinterpret_cast<SQLPOINTER>(number);
 }
@@ -110,6 +112,21 @@ std::uint32_t Session::InfoNumber(SQLUSMALLINT kind) const {
   return number;
 }
 
+// Whether bytes of a text come in UTF-8: where the process has another encoding, the driver turns them into
+// that.
+bool Session::HandsOutUtf8() {
+  constexpr std::string_view kEveryKind = "a\xC3\xA4\xD0\xB6\xE2\x82\xAC\xE6\xBC\xA2\xF0\x9F\x98\x80";
+  WideText sql("SELECT CAST('" + std::string(kEveryKind) + "' AS text)");
+  std::array<char, 64> bytes{};
+  SQLLEN size = 0;
+  const StatementHandle statement = AllocateStatement();
+  return SQL_SUCCEEDED(SQLExecDirectW(statement.Get(), sql.Data(), static_cast<SQLINTEGER>(sql.Size()))) &&
+         SQL_SUCCEEDED(SQLFetch(statement.Get())) &&
+         SQL_SUCCEEDED(SQLGetData(statement.Get(), 1, SQL_C_BINARY, bytes.data(), bytes.size(), &size)) &&
+         size == static_cast<SQLLEN>(kEveryKind.size()) &&
+         std::string_view(bytes.data(), kEveryKind.size()) == kEveryKind;
+}
+
 void Session::ReadFacts() {
   m_facts.dbms = InfoText(SQL_DBMS_NAME);
   const std::string quote = InfoText(SQL_IDENTIFIER_QUOTE_CHAR);
@@ -128,7 +145,7 @@ void Session::ReadFacts() {
       // A prepared statement in a transaction is sent behind a savepoint of its own, a plain one together
       // with it.
       SQLSetConnectAttrW(Get(), kPostgresServerSidePrepare, AsPointer(0), SQL_IS_INTEGER);
-      SQLSetConnectAttrW(Get(), kPostgresFetchRows, AsPointer(8000), SQL_IS_INTEGER);
+      SQLSetConnectAttrW(Get(), kPostgresFetchRows, AsPointer(kPiecewiseRows), SQL_IS_INTEGER);
     }
     const auto rows = Ask(
         "SELECT current_schema(), datcollate, datctype, (SELECT count(*) FROM pg_catalog.pg_collation WHERE "
@@ -142,7 +159,7 @@ void Session::ReadFacts() {
     m_facts.schema = row[0];
     m_facts.ordersByCode = hasCollation && (plain(row[1]) || row[1].starts_with("C."));
     m_facts.foldsAsciiOnly = hasCollation && plain(row[2]);
-    m_facts.textsAsBytes = isPsqlodbc && row[4] == "UTF8" && row[5] != "SQL_ASCII";
+    m_facts.textsAsBytes = isPsqlodbc && row[4] == "UTF8" && row[5] != "SQL_ASCII" && HandsOutUtf8();
   } else if (m_facts.IsSqlServer()) {
     const auto rows =
         Ask("SELECT SCHEMA_NAME(), CAST(DATABASEPROPERTYEX(DB_NAME(), 'Collation') AS nvarchar(128))");

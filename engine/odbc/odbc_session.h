@@ -95,6 +95,7 @@ class Session {
   };
 
   void ReadFacts();
+  bool HandsOutUtf8();
   std::string InfoText(SQLUSMALLINT kind) const;
   std::uint32_t InfoNumber(SQLUSMALLINT kind) const;
   [[noreturn]] void RaiseDiagnostics(const std::vector<Diagnostic>& diagnostics,

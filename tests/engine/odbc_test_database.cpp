@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <clocale>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -163,6 +164,8 @@ class OdbcSqliteTestDatabase final : public TestDatabase {
 
  private:
   std::string Connect() const {
+    std::setlocale(LC_CTYPE,
+                   "C.UTF-8");  // in which the driver manager hands texts to a driver without UTF-16
     return "ODBC;DRIVER={SQLite3};Database=" + m_folder.File("catalog.db") + ";Timeout=300";
   }
 
