@@ -1,8 +1,20 @@
-// Error numbers of the database engine, the same in every back end. Each comes with a description that says
-// what is wrong with which file, table, name or piece of text.
+// Errors of the database engine, their numbers the same in every back end. Each comes with a description that
+// says what is wrong with which file, table, name or piece of text.
 #pragma once
 
-namespace kxrestore::engine::error_number {
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "base/error.h"
+
+namespace kxrestore::engine {
+
+[[noreturn]] inline void Raise(int number, std::string description) {
+  throw Error(number, std::move(description), "Engine");
+}
+
+namespace error_number {
 inline constexpr int kCannotCreateObject = 429;  // the desktop engine is not installed
 inline constexpr int kObjectInvalid = 3420;      // closed recordset or database used
 inline constexpr int kObjectExists = 3012;       // saved query of that name is already there
@@ -35,4 +47,10 @@ inline constexpr int kInvalidOperation = 3219;
 inline constexpr int kRowLocked = 3260;           // a row or page is being changed by another process
 inline constexpr int kItemNotFound = 3265;        // no such field or saved query
 inline constexpr int kUnrecognizedFormat = 3343;  // the file is no database
-}  // namespace kxrestore::engine::error_number
+}  // namespace error_number
+
+[[noreturn]] inline void RaiseItemNotFound(std::string_view name) {
+  Raise(error_number::kItemNotFound, "Item not found in this collection: '" + std::string(name) + "'.");
+}
+
+}  // namespace kxrestore::engine

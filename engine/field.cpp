@@ -1,4 +1,3 @@
-#include "base/error.h"
 #include "base/text.h"
 #include "engine/database.h"
 #include "engine/error_numbers.h"
@@ -10,8 +9,7 @@ Field Recordset::Fields(std::string_view name) {
   for (std::size_t i = 0; i < count; ++i) {
     if (EqualIgnoringCase(FieldName(i), name)) return Field(*this, i);
   }
-  throw Error(error_number::kItemNotFound, "Item not found in this collection: '" + std::string(name) + "'.",
-              "Engine");
+  RaiseItemNotFound(name);
 }
 
 ValueView Field::Value() const {
@@ -26,7 +24,7 @@ std::string_view Field::TextView() const {
   const ValueView value = Value();
   if (const auto* text = std::get_if<std::string_view>(&value)) return *text;
   if (engine::IsNull(value)) return {};
-  throw Error(kxrestore::error_number::kTypeMismatch, "Type mismatch", "Engine");
+  Raise(kxrestore::error_number::kTypeMismatch, "Type mismatch");
 }
 
 std::string Field::Text() const {

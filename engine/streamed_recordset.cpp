@@ -1,18 +1,10 @@
 #include "engine/streamed_recordset.h"
 
-#include "base/error.h"
 #include "engine/error_numbers.h"
 
 namespace kxrestore::engine {
-namespace {
 
-namespace number = kxrestore::engine::error_number;
-
-[[noreturn]] void Raise(int errorNumber, std::string description) {
-  throw Error(errorNumber, std::move(description), "Engine");
-}
-
-}  // namespace
+namespace number = error_number;
 
 void StreamedRecordset::Begin(bool hasRow, std::size_t columns, std::size_t hidden) {
   m_columns = columns;

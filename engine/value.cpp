@@ -5,13 +5,13 @@
 #include <cstdio>
 #include <limits>
 
-#include "base/error.h"
+#include "engine/error_numbers.h"
 
 namespace kxrestore::engine {
 namespace {
 
 [[noreturn]] void RaiseTypeMismatch() {
-  throw Error(kxrestore::error_number::kTypeMismatch, "Type mismatch", "Engine");
+  Raise(kxrestore::error_number::kTypeMismatch, "Type mismatch");
 }
 
 std::string_view Trimmed(std::string_view text) {
@@ -32,7 +32,7 @@ double ParseNumber(std::string_view text) {
 std::int64_t RoundToInteger(double number) {
   const double rounded = std::nearbyint(number);  // half to even, as the desktop engine converts
   if (!(rounded >= -9223372036854775808.0 && rounded < 9223372036854775808.0)) {
-    throw Error(kxrestore::error_number::kOverflow, "Overflow", "Engine");
+    Raise(kxrestore::error_number::kOverflow, "Overflow");
   }
   return static_cast<std::int64_t>(rounded);
 }

@@ -4,7 +4,6 @@
 #include <fstream>
 
 #include "base/error.h"
-#include "base/text.h"
 #include "engine/dao/dao_backend.h"
 #include "engine/dao/not_installed.h"
 #include "engine/database.h"
@@ -14,10 +13,6 @@
 
 namespace kxrestore::engine {
 namespace {
-
-[[noreturn]] void Raise(int number, std::string description) {
-  throw Error(number, std::move(description), "Engine");
-}
 
 enum class FileKind { kSqlite, kDesktop };
 

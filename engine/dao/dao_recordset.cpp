@@ -1,19 +1,14 @@
 #include "engine/dao/dao_recordset.h"
 
-#include "base/error.h"
 #include "engine/dao/values.h"
 #include "engine/error_numbers.h"
 
 namespace kxrestore::engine::dao {
 namespace {
 
-namespace number = kxrestore::engine::error_number;
+namespace number = error_number;
 
 constexpr std::int32_t kRowsInBlock = 500;
-
-[[noreturn]] void Raise(int errorNumber, std::string description) {
-  throw Error(errorNumber, std::move(description), "Engine");
-}
 
 }  // namespace
 

@@ -1,6 +1,5 @@
 #include "engine/dao/not_installed.h"
 
-#include "base/error.h"
 #include "engine/error_numbers.h"
 
 namespace kxrestore::engine::dao {
@@ -13,7 +12,7 @@ void RaiseNotInstalled(const std::string& file, std::string_view reason) {
                      " Microsoft Access Database Engine (DAO) for Windows, or use the x86 version of this "
                      "component: Windows has the older engine for x86 programs built in.";
   if (!reason.empty()) text.append(" (").append(reason).append(")");
-  throw Error(error_number::kCannotCreateObject, std::move(text), "Engine");
+  Raise(error_number::kCannotCreateObject, std::move(text));
 }
 
 }  // namespace kxrestore::engine::dao

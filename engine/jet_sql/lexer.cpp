@@ -1,6 +1,5 @@
 #include "engine/jet_sql/lexer.h"
 
-#include "base/error.h"
 #include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/date_literal.h"
@@ -37,7 +36,7 @@ void RaiseSyntax(std::string_view what, std::string_view piece) {
   for (char& c : shown) {
     if (c == '\0') c = ' ';
   }
-  throw Error(error_number::kSyntax, std::string(what) + " in query expression '" + shown + "'.", "Engine");
+  Raise(error_number::kSyntax, std::string(what) + " in query expression '" + shown + "'.");
 }
 
 namespace {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/error.h"
 #include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/lexer.h"
@@ -32,8 +31,7 @@ struct Found {
 };
 
 [[noreturn]] void RaiseNoColumn(const std::string& name) {
-  throw Error(error_number::kParameterMissing,
-              "Too few parameters. Expected 1. No such column: '" + name + "'.", "Engine");
+  Raise(error_number::kParameterMissing, "Too few parameters. Expected 1. No such column: '" + name + "'.");
 }
 
 bool HoldsAggregate(const Expression& expression) {
@@ -224,8 +222,7 @@ class Resolver {
 
   void ReadSavedQuery(TableRef& table, std::string_view text) {
     if (++m_queryDepth > kMaxSavedQueryDepth) {
-      throw Error(error_number::kCircularReference, "Circular reference caused by '" + table.name + "'.",
-                  "Engine");
+      Raise(error_number::kCircularReference, "Circular reference caused by '" + table.name + "'.");
     }
     if (table.alias.empty()) table.alias = table.name;
     Statement statement = Parse(text);
@@ -284,10 +281,9 @@ class Resolver {
         const KnownColumn* column = FindColumn(source, node.text);
         if (column == nullptr) continue;
         if (found.column != nullptr) {
-          throw Error(error_number::kAmbiguousName,
-                      "The specified field '" + node.text +
-                          "' could refer to more than one table listed in the FROM clause.",
-                      "Engine");
+          Raise(error_number::kAmbiguousName,
+                "The specified field '" + node.text +
+                    "' could refer to more than one table listed in the FROM clause.");
         }
         found = {&source, column};
       }

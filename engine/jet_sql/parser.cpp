@@ -2,7 +2,6 @@
 
 #include <charconv>
 
-#include "base/error.h"
 #include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/expression_parser.h"
@@ -22,10 +21,8 @@ class Parser final : private ExpressionParser {
     const bool ended = TakeSymbol(";");
     if (Current().kind != TokenKind::kEnd) {
       if (!ended) RaiseHere("Syntax error (missing operator)");
-      throw Error(
-          error_number::kTextAfterEnd,
-          "Characters found after end of SQL statement: '" + std::string(LeftCharacters(Rest(), 80)) + "'.",
-          "Engine");
+      Raise(error_number::kTextAfterEnd, "Characters found after end of SQL statement: '" +
+                                             std::string(LeftCharacters(Rest(), 80)) + "'.");
     }
     return statement;
   }

@@ -11,6 +11,11 @@ namespace {
 
 using Exists = std::function<bool(std::string_view)>;
 
+[[noreturn]] void RaiseNotReading(std::string_view text) {
+  Raise(error_number::kInvalidOperation,
+        "Invalid operation: '" + std::string(LeftCharacters(text, 80)) + "' is no reading statement.");
+}
+
 SelectStatement WholeTable(std::string name) {
   SelectStatement statement;
   SelectCore& core = statement.cores.emplace_back();
@@ -35,12 +40,7 @@ std::string NameIn(std::string_view source, const Exists& exists) {
   if (!source.empty() && source.size() < 200 && exists(source)) return std::string(source);
   for (const char* verb : {"ALTER", "ANALYZE", "ATTACH", "BEGIN", "COMMIT", "CREATE", "DETACH", "DROP",
                            "PRAGMA", "REINDEX", "REPLACE", "ROLLBACK", "SAVEPOINT", "VACUUM"}) {
-    if (IsKeyword(source.substr(0, word), verb)) {
-      throw Error(
-          error_number::kInvalidOperation,
-          "Invalid operation: '" + std::string(LeftCharacters(source, 80)) + "' is no reading statement.",
-          "Engine");
-    }
+    if (IsKeyword(source.substr(0, word), verb)) RaiseNotReading(source);
   }
   return {};
 }
@@ -64,15 +64,17 @@ Statement ReadSource(std::string_view source, std::string_view key, bool reads, 
     if (std::string name = NameIn(source, exists); !name.empty()) return WholeTable(std::move(name));
   }
   Statement statement = ParseSource(source, key);
-  const std::string shown(LeftCharacters(source, 80));
+  if (reads && !IsReading(statement)) RaiseNotReading(source);
   if (!reads && IsReading(statement)) {
-    throw Error(error_number::kSelectNotExecutable, "Cannot execute a select query: '" + shown + "'.",
-                "Engine");
+    Raise(error_number::kSelectNotExecutable,
+          "Cannot execute a select query: '" + std::string(LeftCharacters(source, 80)) + "'.");
   }
-  if (reads && !IsReading(statement)) {
-    throw Error(error_number::kInvalidOperation,
-                "Invalid operation: '" + shown + "' is no reading statement.", "Engine");
-  }
+  return statement;
+}
+
+Statement ParseReading(std::string_view text) {
+  Statement statement = Parse(text);
+  if (!IsReading(statement)) RaiseNotReading(text);
   return statement;
 }
 

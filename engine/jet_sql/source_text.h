@@ -14,4 +14,7 @@ namespace kxrestore::engine::jet_sql {
 Statement ReadSource(std::string_view source, std::string_view key, bool reads,
                      const std::function<bool(std::string_view)>& exists);
 
+// The reading statement of a saved query; error 3219 for one of the other sort.
+Statement ParseReading(std::string_view text);
+
 }  // namespace kxrestore::engine::jet_sql

@@ -1,6 +1,5 @@
 #include <vector>
 
-#include "base/error.h"
 #include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/lexer.h"
@@ -12,8 +11,8 @@ namespace {
 constexpr std::size_t kMaxMasks = 256;
 
 [[noreturn]] void RaiseMask(std::string_view mask) {
-  throw Error(error_number::kOdbcFailed,
-              "ODBC - call failed: the server has no masks like '" + std::string(mask) + "'.", "Engine");
+  Raise(error_number::kOdbcFailed,
+        "ODBC - call failed: the server has no masks like '" + std::string(mask) + "'.");
 }
 
 // One position of a mask: the texts of LIKE that may stand there.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "base/error.h"
 #include "base/text.h"
 #include "engine/error_numbers.h"
 
@@ -133,7 +132,7 @@ void RaiseOdbc(const std::vector<Diagnostic>& diagnostics, bool connecting, std:
     text =
         errorNumber == number::kOdbcFailed ? "ODBC - call failed: " + words : words + " In '" + shown + "'.";
   }
-  throw Error(errorNumber, WithoutPassword(std::move(text), password), "Engine");
+  Raise(errorNumber, WithoutPassword(std::move(text), password));
 }
 
 }  // namespace kxrestore::engine::odbc

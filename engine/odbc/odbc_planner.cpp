@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "base/error.h"
-#include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
@@ -129,12 +128,7 @@ RowUpdate& FindRowUpdate(Session& session, Plan& plan, const std::vector<std::si
 }
 
 ViewBody TranslateSavedQuery(Session& session, std::string_view text) {
-  jet_sql::Statement statement = Parse(text);
-  if (!IsReading(statement)) {
-    throw Error(error_number::kInvalidOperation,
-                "Invalid operation: '" + std::string(LeftCharacters(text, 80)) + "' is no reading statement.",
-                "Engine");
-  }
+  jet_sql::Statement statement = jet_sql::ParseReading(text);
   ViewBody body;
   for (const SelectItem& item : std::get<SelectStatement>(statement).cores.front().items) {
     if (!item.expression) {

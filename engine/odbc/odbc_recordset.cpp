@@ -2,19 +2,14 @@
 
 #include <algorithm>
 
-#include "base/error.h"
 #include "engine/error_numbers.h"
 #include "engine/odbc/odbc_planner.h"
 
 namespace kxrestore::engine::odbc {
 namespace {
 
-namespace number = kxrestore::engine::error_number;
+namespace number = error_number;
 using jet_sql::ValueKind;
-
-[[noreturn]] void Raise(int errorNumber, std::string description) {
-  throw Error(errorNumber, std::move(description), "Engine");
-}
 
 // A value as the column's kind, where the server would not take it otherwise.
 Value ForColumn(const Value& value, ValueKind kind) {

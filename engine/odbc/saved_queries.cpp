@@ -11,17 +11,12 @@
 namespace kxrestore::engine::odbc {
 namespace {
 
-namespace number = kxrestore::engine::error_number;
+namespace number = error_number;
 
 constexpr std::string_view kBound = "KXRestore query: ";
 constexpr std::string_view kUnbound = "KXRestore query without rows: ";
 constexpr const char* kLock = "SELECT pg_advisory_xact_lock(1264079699)";
 constexpr int kMaxTries = 5;
-
-[[noreturn]] void RaiseNotFound(std::string_view name) {
-  throw Error(number::kItemNotFound, "Item not found in this collection: '" + std::string(name) + "'.",
-              "Engine");
-}
 
 std::string Terminated(std::string_view sql) {
   while (!sql.empty() && (jet_sql::IsBlank(sql.back()) || sql.back() == ';')) sql.remove_suffix(1);
@@ -47,9 +42,8 @@ std::string Definition(Session& session, const Schema::Entry& entry) {
   }
   const auto rows = session.Ask(question, values);
   if (rows.empty() || rows.front().front().empty()) {
-    throw Error(number::kOdbcFailed,
-                "ODBC - call failed: the server does not show the text of '" + entry.name + "' to this user.",
-                "Engine");
+    Raise(number::kOdbcFailed,
+          "ODBC - call failed: the server does not show the text of '" + entry.name + "' to this user.");
   }
   std::string text = rows.front().front();
   const std::size_t start = text.find_first_not_of(" \t\r\n");
@@ -134,7 +128,7 @@ std::string SavedQueryText(Session& session, std::string_view name) {
   const auto own = schema.Texts().byName.find(FoldCase(name));
   if (own != schema.Texts().byName.end()) return own->second;
   const Schema::Entry* entry = schema.FindEntry(name, true);
-  if (entry == nullptr || entry->isTable) RaiseNotFound(name);
+  if (entry == nullptr || entry->isTable) RaiseItemNotFound(name);
   const Schema::StoredText* stored = schema.FindStoredText(entry->name);
   if (stored != nullptr) return stored->text;
   return ViewText(session, *entry);
@@ -153,11 +147,9 @@ void CreateSavedQuery(Session& session, std::string_view name, std::string_view 
                           session.Tables().FindStoredText(entry->name) != nullptr;
     if (entry != nullptr && !replaces) {
       const auto refusal = texts.refusals.find(folded);
-      throw Error(
-          number::kObjectExists,
-          "Object '" + std::string(name) + "' already exists" +
-              (refusal == texts.refusals.end() ? "." : " and could not be replaced. " + refusal->second),
-          "Engine");
+      Raise(number::kObjectExists,
+            "Object '" + std::string(name) + "' already exists" +
+                (refusal == texts.refusals.end() ? "." : " and could not be replaced. " + refusal->second));
     }
     const std::string spelled = replaces                      ? entry->name
                                 : session.Tables().IsFolded() ? FoldCase(name)
@@ -180,14 +172,14 @@ void DeleteSavedQuery(Session& session, std::string_view name) {
   SavedTexts& texts = session.Tables().Texts();
   const std::string folded = FoldCase(name);
   const Schema::Entry* entry = session.Tables().FindEntry(name, true);
-  if (entry != nullptr && entry->isTable) RaiseNotFound(name);
+  if (entry != nullptr && entry->isTable) RaiseItemNotFound(name);
   const bool own = texts.byName.erase(folded) > 0;
   texts.freed.insert(folded);
   session.ForgetPlans();
   entry = session.Tables().FindEntry(name);
   if (entry == nullptr) {
     if (own) return;
-    RaiseNotFound(name);
+    RaiseItemNotFound(name);
   }
   std::vector<std::string> statements;
   if (session.Facts().IsPostgres()) statements.emplace_back(kLock);
@@ -196,7 +188,7 @@ void DeleteSavedQuery(Session& session, std::string_view name) {
     session.RunSchemaChange(statements);
   } catch (const Error& error) {
     if (error.Number() == number::kTableNotFound && own) return;
-    if (error.Number() == number::kTableNotFound) RaiseNotFound(name);
+    if (error.Number() == number::kTableNotFound) RaiseItemNotFound(name);
     texts.freed.erase(folded);
     texts.refusals[folded] = error.Description();
     throw;

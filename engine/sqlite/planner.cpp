@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/error.h"
 #include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/dialect.h"

@@ -4,7 +4,6 @@
 #include <thread>
 #include <utility>
 
-#include "base/error.h"
 #include "engine/error_numbers.h"
 #include "engine/sqlite/functions.h"
 #include "engine/sqlite/planner.h"
@@ -211,8 +210,8 @@ void Session::RunWrite(sqlite3_stmt* statement, bool disturbs, std::string_view 
 
 void Session::BeginTransaction(const Database& owner) {
   if (m_transactionOwner) {
-    throw Error(error_number::kInvalidOperation,
-                "Invalid operation: a transaction has begun already in '" + m_file + "'.", "Engine");
+    engine::Raise(error_number::kInvalidOperation,
+                  "Invalid operation: a transaction has begun already in '" + m_file + "'.");
   }
   Flush();
   int code = Begin();
@@ -228,8 +227,7 @@ void Session::BeginTransaction(const Database& owner) {
 // rest.
 void Session::NeedTransaction() const {
   if (!m_transactionOwner || InTransaction()) return;
-  throw Error(error_number::kNoTransaction, "An error has undone the transaction in '" + m_file + "'.",
-              "Engine");
+  engine::Raise(error_number::kNoTransaction, "An error has undone the transaction in '" + m_file + "'.");
 }
 
 void Session::CommitTransaction() {

@@ -2,18 +2,13 @@
 
 #include <sqlite3.h>
 
-#include "base/error.h"
 #include "base/text.h"
 #include "engine/error_numbers.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
 
-namespace number = kxrestore::engine::error_number;
-
-[[noreturn]] void Raise(int errorNumber, std::string description) {
-  throw Error(errorNumber, std::move(description), "Engine");
-}
+namespace number = error_number;
 
 bool TakePrefix(std::string_view& text, std::string_view prefix) {
   if (!text.starts_with(prefix)) return false;

@@ -2,18 +2,13 @@
 
 #include <algorithm>
 
-#include "base/error.h"
 #include "engine/error_numbers.h"
 #include "engine/sqlite/planner.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
 
-namespace number = kxrestore::engine::error_number;
-
-[[noreturn]] void Raise(int errorNumber, std::string description) {
-  throw Error(errorNumber, std::move(description), "Engine");
-}
+namespace number = error_number;
 
 void Bind(sqlite3_stmt* statement, int index, const Value& value) {
   struct Visitor {
