@@ -3,83 +3,46 @@
 #include <utility>
 #include <vector>
 
-#include "base/error.h"
 #include "engine/dao/dao_recordset.h"
 #include "engine/dao/desktop_engine.h"
-#include "engine/error_numbers.h"
+#include "engine/session_database.h"
 
 namespace kxrestore::engine::dao {
 namespace {
 
-class DaoDatabase final : public Database {
+class DaoDatabase final : public SessionDatabase<Session> {
  public:
-  explicit DaoDatabase(std::shared_ptr<Session> session) : m_session(std::move(session)) {}
-  ~DaoDatabase() override {
-    try {
-      Close();
-    } catch (const Error&) {  // the engine undoes what nobody commits
-    }
-  }
-  DaoDatabase(const DaoDatabase&) = delete;
-  DaoDatabase& operator=(const DaoDatabase&) = delete;
+  // What is opened for reading only the engine itself guards.
+  explicit DaoDatabase(std::shared_ptr<Session> session) : SessionDatabase(std::move(session), false) {}
 
   std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type) override {
-    Open();
-    return std::make_unique<DaoRecordset>(m_session, source, type);
+    return std::make_unique<DaoRecordset>(Open(), source, type);
   }
 
   std::int64_t Execute(std::string_view sql, int options) override {
-    const Object& database = Open();
+    Session& session = *Open();
+    const Object& database = session.Dao();
     database.Call(L"Execute", Variant(sql), Variant(static_cast<std::int32_t>(options)));
     const std::int64_t changed = database.Get(L"RecordsAffected").Integer();
-    if (changed != 0) m_session->Engine().HasWritten();
+    if (changed != 0) session.Engine().HasWritten();
     return changed;
   }
 
   std::string QueryText(std::string_view name) override {
-    return Open().GetObject(L"QueryDefs").Item(Variant(name)).Get(L"SQL").Text();
+    return Open()->Dao().GetObject(L"QueryDefs").Item(Variant(name)).Get(L"SQL").Text();
   }
 
   void CreateQueryDef(std::string_view name, std::string_view sql) override {
-    Open().CallForObject(L"CreateQueryDef", Variant(name), Variant(sql));
-    m_session->Engine().HasWritten();
+    Session& session = *Open();
+    session.Dao().CallForObject(L"CreateQueryDef", Variant(name), Variant(sql));
+    session.Engine().HasWritten();
   }
 
   void DeleteQueryDef(std::string_view name) override {
-    Open().GetObject(L"QueryDefs").Call(L"Delete", Variant(name));
-    m_session->Engine().HasWritten();
+    Session& session = *Open();
+    session.Dao().GetObject(L"QueryDefs").Call(L"Delete", Variant(name));
+    session.Engine().HasWritten();
   }
-
-  void BeginTrans() override {
-    Open();
-    m_session->Engine().BeginTransaction(*this);
-  }
-
-  void CommitTrans() override {
-    Open();
-    m_session->Engine().CommitTransaction(*this);
-  }
-
-  void Rollback() override {
-    Open();
-    m_session->Engine().RollBackTransaction(*this);
-  }
-
-  void Close() override {
-    if (!m_session) return;
-    const std::shared_ptr<Session> session = std::move(m_session);
-    if (session->Engine().HasTransactionOf(*this)) session->Engine().RollBackTransaction(*this);
-  }
-
- private:
-  const Object& Open() const {
-    if (!m_session) {
-      throw Error(error_number::kObjectInvalid, "Object invalid or no longer set: the database.", "Engine");
-    }
-    return m_session->Dao();
-  }
-
-  std::shared_ptr<Session> m_session;
 };
 
 // The engine and its open databases are kept within one user action only: whoever has loaded this component

@@ -67,30 +67,20 @@ void DesktopEngine::WriteOutAfter(std::chrono::milliseconds age) {
 
 void DesktopEngine::BeginTransaction(const Database& owner) {
   if (m_transactionOwner != nullptr) {
-    throw Error(error_number::kInvalidOperation, "Invalid operation: a transaction has begun already.",
-                "Engine");
+    Raise(error_number::kInvalidOperation, "Invalid operation: a transaction has begun already.");
   }
   WriteOutAfter(std::chrono::milliseconds(0));
   m_workspace.Call(L"BeginTrans");
   m_transactionOwner = &owner;
 }
 
-void DesktopEngine::NeedTransactionOf(const Database& owner) const {
-  if (HasTransactionOf(owner)) return;
-  throw Error(error_number::kNoTransaction,
-              "You tried to commit or rollback a transaction without first beginning a transaction.",
-              "Engine");
-}
-
-void DesktopEngine::CommitTransaction(const Database& owner) {
-  NeedTransactionOf(owner);
+void DesktopEngine::CommitTransaction() {
   m_workspace.Call(L"CommitTrans", Variant(kForceWrite));
   m_transactionOwner = nullptr;
   m_firstUnwritten.reset();
 }
 
-void DesktopEngine::RollBackTransaction(const Database& owner) {
-  NeedTransactionOf(owner);
+void DesktopEngine::UndoTransaction() {
   m_transactionOwner = nullptr;
   m_firstUnwritten.reset();
   m_workspace.Call(L"Rollback");

@@ -24,20 +24,17 @@ class DesktopEngine {
   void HasWritten();
   void WriteOutAfter(std::chrono::milliseconds age);
 
-  // A transaction is the workspace's, so there is one at a time for all its databases; it belongs to who
-  // began it.
+  // A transaction is the workspace's, so there is one at a time for all its databases.
   void BeginTransaction(const Database& owner);
-  void CommitTransaction(const Database& owner);
-  void RollBackTransaction(const Database& owner);
-  bool HasTransactionOf(const Database& owner) const { return m_transactionOwner == &owner; }
+  void CommitTransaction();
+  void UndoTransaction();
+  const Database* TransactionOwner() const { return m_transactionOwner; }
 
  private:
   using Clock = std::chrono::steady_clock;
 
   Object m_engine;
   Object m_workspace;
-  void NeedTransactionOf(const Database& owner) const;
-
   const Database* m_transactionOwner = nullptr;
   bool m_gather = false;
   std::optional<Clock::time_point> m_firstUnwritten;
@@ -54,6 +51,12 @@ class Session {
   DesktopEngine& Engine() const { return *m_engine; }
   const Object& Dao() const { return m_database; }
   bool IsFor(const OpenRequest& request) const;
+  const std::string& Place() const { return m_request.name; }
+
+  void BeginTransaction(const Database& owner) { m_engine->BeginTransaction(owner); }
+  void CommitTransaction() { m_engine->CommitTransaction(); }
+  void UndoTransaction() { m_engine->UndoTransaction(); }
+  const Database* TransactionOwner() const { return m_engine->TransactionOwner(); }
 
  private:
   std::shared_ptr<DesktopEngine> m_engine;

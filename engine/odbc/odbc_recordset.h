@@ -26,7 +26,7 @@ class OdbcRecordset final : public StreamedRecordset {
   void LetStatementGo() override;
   ValueView Streamed(std::size_t index) const override { return m_rows->Value(index); }
   std::string_view ColumnName(std::size_t index) const override { return m_names[index]; }
-  const std::string& Place() const override { return m_session->Server(); }
+  const std::string& Place() const override { return m_session->Place(); }
   bool CanChangeRows() const override;
   bool CanChange(std::size_t index) const override;
   void Write(const Changes& changes) override;

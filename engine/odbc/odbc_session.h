@@ -34,7 +34,7 @@ class Session {
 
   SQLHDBC Get() const { return m_connection.Get(); }
   const std::string& Connect() const { return m_connect; }
-  const std::string& Server() const { return m_server; }  // for messages
+  const std::string& Place() const { return m_server; }  // for messages
   const ServerFacts& Facts() const { return m_facts; }
   const jet_sql::ServerDialect& Dialect() const { return *m_dialect; }
   Schema& Tables() { return m_schema; }

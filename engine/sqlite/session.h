@@ -28,7 +28,7 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  const std::string& File() const { return m_file; }
+  const std::string& Place() const { return m_file; }
   sqlite3* Connection() const { return m_connection.get(); }
   bool IsReadOnly() const { return m_readOnly; }
 

@@ -17,7 +17,7 @@ class SqliteBackend final : public WarmSessions<Session> {
       return std::make_shared<Session>(request.name, request.exclusive, shared, m_patience,
                                        WaitingOfSessions());
     };
-    const auto fits = [&](const Session& session) { return session.File() == request.name; };
+    const auto fits = [&](const Session& session) { return session.Place() == request.name; };
     return std::make_unique<SqliteDatabase>(shared ? Find(fits, make) : make(), request.readOnly);
   }
 

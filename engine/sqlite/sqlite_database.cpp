@@ -6,19 +6,13 @@
 #include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/dialect.h"
-#include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/source_text.h"
 #include "engine/jet_sql/view_text.h"
 #include "engine/sqlite/sqlite_recordset.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
-
-namespace number = kxrestore::engine::error_number;
-
-[[noreturn]] void Raise(int errorNumber, std::string description) {
-  throw Error(errorNumber, std::move(description), "Engine");
-}
 
 std::string ColumnText(sqlite3_stmt* statement, int column) {
   const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
@@ -26,12 +20,7 @@ std::string ColumnText(sqlite3_stmt* statement, int column) {
 }
 
 std::string CreateViewText(std::string_view name, std::string_view sql) {
-  const jet_sql::Statement statement = jet_sql::Parse(sql);
-  if (!jet_sql::IsReading(statement)) {
-    throw Error(number::kInvalidOperation,
-                "Invalid operation: '" + std::string(LeftCharacters(sql, 80)) + "' is no reading statement.",
-                "Engine");
-  }
+  const jet_sql::Statement statement = jet_sql::ParseReading(sql);
   const jet_sql::SqliteDialect dialect(true);
   return "CREATE VIEW " + dialect.Identifier(name) + " AS " + jet_sql::Print(statement, dialect);
 }
@@ -40,38 +29,23 @@ std::string CreateViewText(std::string_view name, std::string_view sql) {
 
 SqliteDatabase::~SqliteDatabase() {
   try {
-    Close();
+    Settle();
   } catch (const Error&) {  // rows that a recordset could not take into memory are told when they are read
   }
 }
 
 void SqliteDatabase::Close() {
-  if (m_session) Settle();
-  const std::shared_ptr<Session> session = std::move(m_session);
-  if (session && session->TransactionOwner() == this) session->UndoTransaction();
-}
-
-Session& SqliteDatabase::Open() const {
-  if (!m_session) Raise(number::kObjectInvalid, "Object invalid or no longer set: the database.");
-  return *m_session;
-}
-
-Session& SqliteDatabase::OpenForWriting() const {
-  Session& session = Open();
-  if (m_readOnly || session.IsReadOnly()) {
-    Raise(number::kReadOnly, "Cannot update. Database or object is read-only: '" + session.File() + "'.");
-  }
-  return session;
+  Settle();
+  SessionDatabase::Close();
 }
 
 std::unique_ptr<Recordset> SqliteDatabase::OpenRecordset(std::string_view source, RecordsetType type) {
-  Open();
   Settle();
-  return std::make_unique<SqliteRecordset>(m_session, source, type, m_readOnly);
+  return std::make_unique<SqliteRecordset>(Open(), source, type, IsReadOnly());
 }
 
 std::int64_t SqliteDatabase::Execute(std::string_view sql, int /*options*/) {
-  Session& session = Open();
+  Session& session = *Open();
   Settle();
   const std::shared_ptr<Plan> plan = session.FindPlan(sql, Session::Use::kAction);
   OpenForWriting();
@@ -83,22 +57,13 @@ std::int64_t SqliteDatabase::Execute(std::string_view sql, int /*options*/) {
 }
 
 void SqliteDatabase::BeginTrans() {
-  Session& session = OpenForWriting();
   Settle();
-  session.BeginTransaction(*this);
-}
-
-Session& SqliteDatabase::OpenInTransaction() const {
-  Session& session = Open();
-  if (session.TransactionOwner() == this) return session;
-  Raise(number::kNoTransaction,
-        "You tried to commit or rollback a transaction without first beginning a transaction.");
+  SessionDatabase::BeginTrans();
 }
 
 void SqliteDatabase::CommitTrans() {
-  Session& session = OpenInTransaction();
   Settle();
-  session.CommitTransaction();
+  SessionDatabase::CommitTrans();
 }
 
 void SqliteDatabase::Rollback() {
@@ -132,15 +97,13 @@ bool SqliteDatabase::IsDropped(std::string_view name) const {
 void SqliteDatabase::Settle() {
   if (!m_dropped) return;
   const Entry dropped = *std::exchange(m_dropped, std::nullopt);
-  ChangeSchema(Open(), "DROP VIEW " + jet_sql::SqliteDialect(true).Identifier(dropped.name));
+  ChangeSchema(*Open(), "DROP VIEW " + jet_sql::SqliteDialect(true).Identifier(dropped.name));
 }
 
 std::string SqliteDatabase::QueryText(std::string_view name) {
   if (IsDropped(name)) Settle();
-  const Entry entry = FindEntry(Open(), name);
-  if (entry.type != "view") {
-    Raise(number::kItemNotFound, "Item not found in this collection: '" + std::string(name) + "'.");
-  }
+  const Entry entry = FindEntry(*Open(), name);
+  if (entry.type != "view") RaiseItemNotFound(name);
   return jet_sql::QueryTextOfView(entry.sql);
 }
 
@@ -153,20 +116,17 @@ void SqliteDatabase::CreateQueryDef(std::string_view name, std::string_view sql)
   }
   Settle();
   if (!FindEntry(session, name).type.empty()) {
-    Raise(number::kObjectExists, "Object '" + std::string(name) + "' already exists.");
+    Raise(error_number::kObjectExists, "Object '" + std::string(name) + "' already exists.");
   }
   ChangeSchema(session, text);
 }
 
 void SqliteDatabase::DeleteQueryDef(std::string_view name) {
-  Session& session = Open();
+  Session& session = *Open();
   Settle();
-  if (!m_readOnly && !session.IsReadOnly())
-    session.BeginGroup();  // what is read now holds until it is made again
+  if (!IsReadOnly()) session.BeginGroup();  // what is read now holds until it is made again
   Entry entry = FindEntry(session, name);
-  if (entry.type != "view") {
-    Raise(number::kItemNotFound, "Item not found in this collection: '" + std::string(name) + "'.");
-  }
+  if (entry.type != "view") RaiseItemNotFound(name);
   OpenForWriting();
   m_dropped = std::move(entry);
 }

@@ -5,15 +5,15 @@
 #include <string>
 #include <string_view>
 
-#include "engine/database.h"
+#include "engine/session_database.h"
 #include "engine/sqlite/session.h"
 
 namespace kxrestore::engine::sqlite {
 
-class SqliteDatabase final : public Database {
+class SqliteDatabase final : public SessionDatabase<Session> {
  public:
-  SqliteDatabase(std::shared_ptr<Session> session, bool readOnly)
-      : m_session(std::move(session)), m_readOnly(readOnly) {}
+  SqliteDatabase(const std::shared_ptr<Session>& session, bool readOnly)
+      : SessionDatabase(session, readOnly || session->IsReadOnly()) {}
   ~SqliteDatabase() override;
 
   std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type) override;
@@ -27,9 +27,6 @@ class SqliteDatabase final : public Database {
   void Close() override;
 
  private:
-  Session& Open() const;
-  Session& OpenForWriting() const;
-  Session& OpenInTransaction() const;
   // The kind and the CREATE text of a table or view; both empty when there is none. `name` gets its stored
   // case.
   struct Entry {
@@ -43,9 +40,6 @@ class SqliteDatabase final : public Database {
   // A saved query that is to go. It is dropped as soon as somebody could see the difference, and stays when
   // the same one is created before: then nothing is written at all.
   std::optional<Entry> m_dropped;
-
-  std::shared_ptr<Session> m_session;
-  bool m_readOnly;
 };
 
 }  // namespace kxrestore::engine::sqlite

@@ -23,8 +23,8 @@ class SqliteRecordset final : public StreamedRecordset {
   void LetStatementGo() override;
   ValueView Streamed(std::size_t index) const override;
   std::string_view ColumnName(std::size_t index) const override { return m_plan->columns[index].name; }
-  const std::string& Place() const override { return m_session->File(); }
-  bool CanChangeRows() const override { return !m_session->IsReadOnly() && !m_plan->tables.empty(); }
+  const std::string& Place() const override { return m_session->Place(); }
+  bool CanChangeRows() const override { return !m_plan->tables.empty(); }
   bool CanChange(std::size_t index) const override { return !m_plan->columns[index].baseName.empty(); }
   void Write(const Changes& changes) override;
 
