@@ -308,8 +308,8 @@ int main(int count, char** words) {
   const auto compare = [](const char* name, std::int64_t rows, int repetitions, MakeComparison make) {
     Compare({.name = name, .rows = rows, .limit = kMostRatio, .repetitions = repetitions}, std::move(make));
   };
-  compare("server: scan", 100000, 7, Make<Scan>());
-  compare("server: scan", 1000000, 3, Make<Scan>());
+  compare("server: scan", 100000, 15, Make<Scan>());
+  compare("server: scan", 1000000, 9, Make<Scan>());
   compare("server: latest of one set", 100000, 5, Make<Latest>());
   compare("server: mark by file name", kMarkedFiles, 5, Make<MarkingByName>());
   compare("server: mark by id", kMarkedFiles, 5, Make<MarkingById>());

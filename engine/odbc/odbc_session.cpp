@@ -140,7 +140,7 @@ void Session::ReadFacts() {
   if (m_facts.IsPostgres()) {
     const bool isPsqlodbc = InfoText(SQL_DRIVER_NAME).find("psqlodbc") != std::string::npos;
     if (isPsqlodbc) {
-      m_facts.fetchesAllAtOnce = m_facts.preparesByName = true;
+      m_facts.fetchesAllAtOnce = m_facts.preparesByName = m_facts.serverKeepsTime = true;
       m_facts.readsWhatIsAskedFor = m_facts.readsPartsInBlocks;
       // A prepared statement in a transaction is sent behind a savepoint of its own, a plain one together
       // with it.
@@ -151,8 +151,12 @@ void Session::ReadFacts() {
         "SELECT current_schema(), datcollate, datctype, (SELECT count(*) FROM pg_catalog.pg_collation WHERE "
         "collname = 'und-x-icu'), current_setting('client_encoding'), current_setting('server_encoding'), "
         // Every listing is read to its end.
-        "set_config('cursor_tuple_fraction', '1', false) FROM pg_catalog.pg_database WHERE datname = "
-        "current_database()");
+        "set_config('cursor_tuple_fraction', '1', false)" +
+        // A driver that keeps the time itself tells the server each time before and after its own questions.
+        (m_facts.serverKeepsTime
+             ? ", set_config('statement_timeout', '" + std::to_string(kQueryTimeout) + "s', false)"
+             : "") +
+        " FROM pg_catalog.pg_database WHERE datname = current_database()");
     const std::vector<std::string>& row = rows.at(0);
     const bool hasCollation = row[3] != "0";
     const auto plain = [](const std::string& locale) { return locale == "C" || locale == "POSIX"; };

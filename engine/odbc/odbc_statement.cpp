@@ -8,7 +8,6 @@
 namespace kxrestore::engine::odbc {
 namespace {
 
-constexpr SQLULEN kQueryTimeout = 60;  // seconds
 constexpr auto kQuick = std::chrono::milliseconds(5);
 
 template <typename Number>
@@ -81,6 +80,7 @@ void BoundValues::Bind(const Session& session, SQLHSTMT statement, const std::ve
 
 OdbcStatement::OdbcStatement(Session& session, std::string_view sql) : m_session(session), m_sql(sql) {
   if (!m_handle.Allocate(session.Get())) session.Raise(SQL_HANDLE_DBC, session.Get(), sql);
+  if (session.Facts().serverKeepsTime) return;
   SQLSetStmtAttrW(m_handle.Get(), SQL_ATTR_QUERY_TIMEOUT, AsPointer(kQueryTimeout), SQL_IS_UINTEGER);
 }
 

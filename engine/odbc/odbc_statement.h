@@ -14,6 +14,8 @@
 
 namespace kxrestore::engine::odbc {
 
+constexpr SQLULEN kQueryTimeout = 60;  // seconds
+
 class Session;
 
 // Values of a statement's parameters, where the driver finds them while it is executed.

@@ -16,6 +16,7 @@ struct ServerFacts {
   bool fetchesAllAtOnce = false;     // unless it is told not to
   bool readsWhatIsAskedFor = false;  // a value of a block can be read without having been bound
   bool textsAsBytes = false;         // in UTF-8, without going through UTF-16
+  bool serverKeepsTime = false;      // and ends a statement that takes too long
   bool preparesByName = false;       // by statements of the server's own, see OdbcStatement
   bool readsPartsInBlocks = false;   // long texts can be read out of a block of rows
   // Of PostgreSQL

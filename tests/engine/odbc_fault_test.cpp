@@ -208,6 +208,14 @@ TEST_F(OdbcServer, QueriesThatNameEachOther) {
   }
 }
 
+TEST_F(OdbcServer, AStatementHasAMinute) {
+  odbc::Session session(m_connect, false, nullptr);
+  for (const char* table : {"Catalog", "SetNames"}) {
+    ASSERT_NE(session.Tables().Find(table), nullptr);  // asks the driver, which has its own idea of the time
+    EXPECT_EQ(session.Ask("SELECT current_setting('statement_timeout')").at(0).at(0), "1min");
+  }
+}
+
 TEST_F(OdbcServer, TextsOfAnyLengthInBlocks) {
   m_test->Run(
       "CREATE TABLE texts (id integer PRIMARY KEY, filename text); INSERT INTO texts SELECT g, repeat('ä', g "
