@@ -1,59 +1,32 @@
 #include "base/utf16.h"
 
-#include <cstdint>
+#include "base/text.h"
 
 namespace kxrestore {
 namespace {
 
-bool IsHighHalf(std::uint32_t unit) {
+bool IsHighHalf(char32_t unit) {
   return unit >= 0xD800 && unit <= 0xDBFF;
 }
-bool IsLowHalf(std::uint32_t unit) {
+bool IsLowHalf(char32_t unit) {
   return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-// A character above ASCII. Halves of pairs are let through.
-void AppendMultiByte(std::string& out, std::uint32_t character) {
-  const auto tail = [&](int shift) {
-    out.push_back(static_cast<char>(0x80 | ((character >> shift) & 0x3F)));
-  };
-  if (character < 0x800) {
-    out.push_back(static_cast<char>(0xC0 | (character >> 6)));
-    tail(0);
-  } else if (character < 0x10000) {
-    out.push_back(static_cast<char>(0xE0 | (character >> 12)));
-    tail(6);
-    tail(0);
-  } else {
-    out.push_back(static_cast<char>(0xF0 | (character >> 18)));
-    tail(12);
-    tail(6);
-    tail(0);
-  }
+// AppendCharacter and NextCharacter know no halves: to them these are three stray bytes.
+void AppendHalf(std::string& out, char32_t half) {
+  out.push_back('\xED');
+  out.push_back(static_cast<char>(0x80 | ((half >> 6) & 0x3F)));
+  out.push_back(static_cast<char>(0x80 | (half & 0x3F)));
 }
 
-// The character that begins at `position`, which moves behind it; false, and one byte further, when there is
-// none.
-bool Decode(std::string_view text, std::size_t& position, std::uint32_t& character) {
-  const auto lead = static_cast<unsigned char>(text[position]);
-  const std::size_t start = position++;
-  if (lead < 0x80) {
-    character = lead;
-    return true;
+// The half at `start`, with `position` moved behind it; U+FFFD when there is none.
+char32_t HalfAt(std::string_view text, std::size_t start, std::size_t& position) {
+  const std::string_view bytes = text.substr(start, 3);
+  if (bytes.size() < 3 || bytes[0] != '\xED' || (bytes[1] & 0xE0) != 0xA0 || (bytes[2] & 0xC0) != 0x80) {
+    return 0xFFFD;
   }
-  const int tails = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
-  if (lead < 0xC2 || lead > 0xF4 || text.size() - start <= static_cast<std::size_t>(tails)) return false;
-  character = lead & (0x3F >> tails);
-  for (int i = 1; i <= tails; ++i) {
-    const auto byte = static_cast<unsigned char>(text[start + i]);
-    if ((byte & 0xC0) != 0x80) return false;
-    character = character << 6 | (byte & 0x3F);
-  }
-  if ((tails == 2 && character < 0x800) || (tails == 3 && (character < 0x10000 || character > 0x10FFFF))) {
-    return false;
-  }
-  position = start + tails + 1;
-  return true;
+  position = start + 3;
+  return 0xD000u | (bytes[1] & 0x3Fu) << 6 | (bytes[2] & 0x3Fu);
 }
 
 }  // namespace
@@ -62,15 +35,16 @@ template <class Unit>
 void AppendUtf8(std::string& out, std::basic_string_view<Unit> text) {
   out.reserve(out.size() + text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
-    std::uint32_t character = static_cast<std::uint16_t>(text[i]);
-    if (character < 0x80) {
-      out.push_back(static_cast<char>(character));
-      continue;
+    const char32_t unit = static_cast<char16_t>(text[i]);
+    if (unit < 0x80) {
+      out.push_back(static_cast<char>(unit));
+    } else if (IsHighHalf(unit) && i + 1 < text.size() && IsLowHalf(text[i + 1])) {
+      AppendCharacter(out, 0x10000 + ((unit - 0xD800) << 10) + (text[++i] - 0xDC00u));
+    } else if (IsHighHalf(unit) || IsLowHalf(unit)) {
+      AppendHalf(out, unit);
+    } else {
+      AppendCharacter(out, unit);
     }
-    if (IsHighHalf(character) && i + 1 < text.size() && IsLowHalf(text[i + 1])) {
-      character = 0x10000 + ((character - 0xD800) << 10) + (text[++i] - 0xDC00u);
-    }
-    AppendMultiByte(out, character);
   }
 }
 
@@ -79,8 +53,14 @@ std::basic_string<Unit> ToUtf16(std::string_view text) {
   std::basic_string<Unit> out;
   out.reserve(text.size());
   for (std::size_t position = 0; position < text.size();) {
-    std::uint32_t character = 0;
-    if (!Decode(text, position, character)) character = 0xFFFD;
+    if (const auto byte = static_cast<unsigned char>(text[position]); byte < 0x80) {
+      out.push_back(byte);
+      ++position;
+      continue;
+    }
+    const std::size_t start = position;
+    char32_t character = NextCharacter(text, position);
+    if (IsLowHalf(character)) character = HalfAt(text, start, position);  // a stray byte
     if (character < 0x10000) {
       out.push_back(static_cast<Unit>(character));
     } else {

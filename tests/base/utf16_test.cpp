@@ -38,6 +38,7 @@ TEST(Utf16Test, BytesThatMakeNoSenseAreReplacedOneByOne) {
   EXPECT_EQ(u"\uFFFD\uFFFD", Utf16("\xC0\x80"));                      // longer than need be
   EXPECT_EQ(u"\uFFFD\uFFFD\uFFFD\uFFFD", Utf16("\xF4\x90\x80\x80"));  // beyond the last character
   EXPECT_EQ(u"\uFFFDx", Utf16("\xE2x"));
+  EXPECT_EQ(u"\uFFFD\uFFFDx", Utf16("\xED\xA0x"));  // no whole half
 }
 
 }  // namespace
