@@ -80,7 +80,9 @@ int main(int count, char** words) {
     if (arguments->connect.empty()) {
       kxrestore::sample::MakeCatalog(arguments->path, arguments->options);
     } else {
-      kxrestore::sample::FillServerCatalog(arguments->connect, arguments->options);
+      kxrestore::sample::FillServerCatalog(arguments->connect, [&](kxrestore::sample::CatalogSink& sink) {
+        kxrestore::sample::Generate(arguments->options, sink);
+      });
     }
     if (!arguments->archive.empty()) kxrestore::sample::MakeArchive(arguments->archive);
     if (!arguments->disc.empty()) kxrestore::sample::MakeDisc(arguments->disc);

@@ -49,7 +49,7 @@ void WriteHeaders(const std::filesystem::path& path, int first, int last) {
     const std::string set(kSampleSets[kSets[header % kHeadersOfMonth]].name);
     const std::string date = year + "-" + month + "-28 22:00:00";
     const std::int64_t files = 900 + 37 * header;
-    add.Bind(volume).Bind(year).Bind(month).Bind(set).Bind(date).Bind(files).Bind(files * 51'200).Run();
+    add.Run({volume, year, month, set, DateText{date}, files, files * 51'200});
   }
   Execute(database.get(), "COMMIT");
 }

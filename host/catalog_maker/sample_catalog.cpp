@@ -5,9 +5,7 @@
 namespace kxrestore::sample {
 
 void MakeCatalog(const std::string& path, const SampleOptions& options) {
-  SqliteWriter writer(path);
-  Generate(options, writer);
-  writer.Finish();
+  WriteCatalogFile(path, [&](CatalogSink& sink) { Generate(options, sink); });
 }
 
 }  // namespace kxrestore::sample

@@ -1,33 +1,15 @@
-// Fills a catalog on a server, whose tables host/sql/ makes, over any ODBC driver. All rows come in one
-// transaction.
+// Fills a catalog on a server, whose tables host/sql/ makes, over any ODBC driver.
 #pragma once
 
-#include <memory>
+#include <functional>
 #include <string>
 
-#include "host/catalog_maker/generator.h"
+#include "host/catalog_maker/model.h"
 
 namespace kxrestore::sample {
 
-class ServerWriter : public CatalogSink {
- public:
-  // `connect`: a connect string, with or without "ODBC;" before it. Failures are kxrestore::Error.
-  explicit ServerWriter(const std::string& connect);
-  ~ServerWriter() override;
-
-  void AddSet(const SetRow& row) override;
-  void AddRun(const RunRow& row) override;
-  void AddLongPath(const LongPathRow& row) override;
-  void AddFile(const FileRow& row) override;
-
-  // Commits: without it nothing has been written.
-  void Finish();
-
- private:
-  struct Connection;
-  std::unique_ptr<Connection> m_connection;
-};
-
-void FillServerCatalog(const std::string& connect, const SampleOptions& options = {});
+// Adds the rows that `fill` hands out, in one transaction. `connect`: a connect string, with or without
+// "ODBC;" before it. Failures are kxrestore::Error; then nothing has been written.
+void FillServerCatalog(const std::string& connect, const std::function<void(CatalogSink&)>& fill);
 
 }  // namespace kxrestore::sample

@@ -28,4 +28,21 @@ void Execute(sqlite3* database, const char* sql) {
   }
 }
 
+void Statement::Run(std::initializer_list<Cell> parameters) {
+  struct Bind {
+    sqlite3_stmt* statement;
+    int parameter;
+    int operator()(std::monostate) const { return sqlite3_bind_null(statement, parameter); }
+    int operator()(std::int64_t number) const { return sqlite3_bind_int64(statement, parameter, number); }
+    int operator()(std::string_view text) const {
+      return sqlite3_bind_text(statement, parameter, text.data(), static_cast<int>(text.size()),
+                               SQLITE_STATIC);
+    }
+  };
+  int parameter = 0;
+  for (const Cell& cell : parameters) Check(std::visit(Bind{m_statement, ++parameter}, cell));
+  sqlite3_step(m_statement);
+  Check(sqlite3_reset(m_statement));
+}
+
 }  // namespace kxrestore::sample

@@ -3,12 +3,12 @@
 
 #include <sqlite3.h>
 
-#include <cstdint>
+#include <initializer_list>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "base/error.h"
+#include "host/catalog_maker/table_writer.h"
 
 namespace kxrestore::sample {
 
@@ -32,28 +32,8 @@ class Statement {
   Statement& operator=(const Statement&) = delete;
   ~Statement() { sqlite3_finalize(m_statement); }
 
-  // Parameters in their order; the texts must live until Run().
-  Statement& Bind(std::int64_t value) {
-    Check(sqlite3_bind_int64(m_statement, ++m_parameter, value));
-    return *this;
-  }
-  Statement& Bind(const std::string& value) {
-    Check(sqlite3_bind_text(m_statement, ++m_parameter, value.data(), static_cast<int>(value.size()),
-                            SQLITE_STATIC));
-    return *this;
-  }
-  template <typename T>
-  Statement& Bind(const std::optional<T>& value) {
-    if (value) return Bind(*value);
-    Check(sqlite3_bind_null(m_statement, ++m_parameter));
-    return *this;
-  }
-
-  void Run() {
-    sqlite3_step(m_statement);
-    m_parameter = 0;
-    Check(sqlite3_reset(m_statement));
-  }
+  // Executes it with these parameters.
+  void Run(std::initializer_list<Cell> parameters);
 
  private:
   void Check(int code) {
@@ -62,7 +42,6 @@ class Statement {
 
   sqlite3* m_database;
   sqlite3_stmt* m_statement = nullptr;
-  int m_parameter = 0;
 };
 
 }  // namespace kxrestore::sample

@@ -1,6 +1,9 @@
 #include "host/catalog_maker/sqlite_writer.h"
 
+#include <deque>
+
 #include "host/catalog_maker/sqlite_file.h"
+#include "host/catalog_maker/table_writer.h"
 
 namespace kxrestore::sample {
 
@@ -25,66 +28,28 @@ CREATE VIEW FullCatalog AS SELECT Catalog.OrigName AS OrigName, Catalog.DateStam
 
 constexpr char kIndex[] = "CREATE INDEX CatalogByRun ON Catalog (SetNameID, Extension, Filename)";
 
-}  // namespace
+class FileWriter final : public TableWriter {
+ public:
+  explicit FileWriter(sqlite3* database) {
+    for (const char* sql : kInsertStatements) m_inserts.emplace_back(database, sql);
+  }
 
-struct SqliteWriter::Connection {
-  explicit Connection(const std::string& path) : database(MakeFile(path, kTables)) {}
+ private:
+  void Insert(Table table, std::initializer_list<Cell> row) override {
+    m_inserts[static_cast<std::size_t>(table)].Run(row);
+  }
 
-  Database database;
-  Statement addSet{database.get(), "INSERT INTO SetNames VALUES (?,?)"};
-  Statement addRun{
-      database.get(),
-      "INSERT INTO BackupAudit (SetNameID, DateStamp, Extension, Permanent, Status) VALUES (?,?,?,?,?)"};
-  Statement addLongPath{database.get(), "INSERT INTO LongPaths VALUES (?,?)"};
-  Statement addFile{database.get(), "INSERT INTO Catalog VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)"};
+  std::deque<Statement> m_inserts;
 };
 
-SqliteWriter::SqliteWriter(const std::string& path) : m_connection(std::make_unique<Connection>(path)) {}
+}  // namespace
 
-SqliteWriter::~SqliteWriter() = default;
-
-void SqliteWriter::AddSet(const SetRow& row) {
-  m_connection->addSet.Bind(row.id).Bind(row.name).Run();
-}
-
-void SqliteWriter::AddRun(const RunRow& row) {
-  m_connection->addRun.Bind(row.setId)
-      .Bind(row.dateStamp)
-      .Bind(row.extension)
-      .Bind(row.permanent)
-      .Bind(row.status)
-      .Run();
-}
-
-void SqliteWriter::AddLongPath(const LongPathRow& row) {
-  m_connection->addLongPath.Bind(row.id).Bind(row.path).Run();
-}
-
-void SqliteWriter::AddFile(const FileRow& row) {
-  m_connection->addFile.Bind(row.id)
-      .Bind(row.dateStamp)
-      .Bind(row.setId)
-      .Bind(row.extension)
-      .Bind(row.filename)
-      .Bind(row.file)
-      .Bind(row.longPathId)
-      .Bind(row.storeName)
-      .Bind(row.storeMethod)
-      .Bind(row.plugin)
-      .Bind(row.restore ? 1 : 0)
-      .Bind(row.origSize)
-      .Bind(row.status)
-      .Bind(row.attributes)
-      .Bind(row.subFolder)
-      .Bind(row.encryptMethod)
-      .Bind(row.origName)
-      .Run();
-}
-
-void SqliteWriter::Finish() {
-  Execute(m_connection->database.get(), kIndex);
-  Execute(m_connection->database.get(), "COMMIT");
-  m_connection.reset();
+void WriteCatalogFile(const std::string& path, const std::function<void(CatalogSink&)>& fill) {
+  const Database database = MakeFile(path, kTables);
+  FileWriter writer(database.get());
+  fill(writer);
+  Execute(database.get(), kIndex);
+  Execute(database.get(), "COMMIT");
 }
 
 }  // namespace kxrestore::sample

@@ -50,9 +50,8 @@ class CatalogFile {
     static std::uint32_t number = 0;
     m_path = std::filesystem::temp_directory_path() /
              ("kxcatalog_" + std::to_string(process) + "_" + std::to_string(++number) + ".db");
-    sample::SqliteWriter writer(Path());
-    AddRows(writer, rows, runs, longPaths);
-    writer.Finish();
+    sample::WriteCatalogFile(Path(),
+                             [&](sample::CatalogSink& sink) { AddRows(sink, rows, runs, longPaths); });
   }
   ~CatalogFile() {
     std::error_code ignored;

@@ -25,9 +25,7 @@ ServerCatalog::ServerCatalog(const std::function<void(sample::CatalogSink&)>& fi
     : m_name("kx_catalog_" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count())) {
   Session(ConnectTo("postgres"), false, nullptr).Ask("CREATE DATABASE " + m_name);
   Session(Connect(), false, nullptr).RunSchemaChange({kServerTables});
-  sample::ServerWriter writer(Connect());
-  fill(writer);
-  writer.Finish();
+  sample::FillServerCatalog(Connect(), fill);
 }
 
 ServerCatalog::~ServerCatalog() {

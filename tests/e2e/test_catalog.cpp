@@ -75,9 +75,7 @@ TestCatalog::TestCatalog() {
   m_folder = std::wstring(temporary) + L"kx e2e \u6F22 " + std::to_wstring(GetCurrentProcessId()) + L"\\";
   std::filesystem::create_directories(m_folder);
 
-  sample::SqliteWriter writer(FromWide(Path()));
-  AddRows(writer);
-  writer.Finish();
+  sample::WriteCatalogFile(FromWide(Path()), AddRows);
 }
 
 TestCatalog::~TestCatalog() {

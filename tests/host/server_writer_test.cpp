@@ -16,9 +16,9 @@ TEST(ServerWriter, WritesTheRowsOfACatalogFile) {
   const SampleOptions options{.rows = 800};
   const engine::testing::TemporaryFolder folder;
   MakeCatalog(folder.File("catalog.db"), options);
-  const catalog_test::ServerCatalog server([&](CatalogSink& sink) { Generate(options, sink); });
-  EXPECT_THROW(FillServerCatalog(server.Connect(), {.rows = 900, .seed = 2}), Error)
-      << "it is filled already";
+  const auto fill = [&](CatalogSink& sink) { Generate(options, sink); };
+  const catalog_test::ServerCatalog server(fill);
+  EXPECT_THROW(FillServerCatalog(server.Connect(), fill), Error) << "it is filled already";
 
   const auto workspace = engine::MakeDefaultWorkspace();
   const auto file = workspace->OpenDatabase({.name = folder.File("catalog.db")});
