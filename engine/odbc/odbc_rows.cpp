@@ -14,6 +14,7 @@ namespace {
 using jet_sql::ValueKind;
 
 constexpr std::size_t kBlockBytes = 1 << 19;
+constexpr std::size_t kBlockBytesOfAll = 1 << 21;  // where only those columns are bound that are read
 constexpr std::size_t kMaxBlockRows = 512;
 constexpr std::size_t kLongestBound = 512;  // characters; longer columns are bound for what is usual
 constexpr std::size_t kUsualText = 256;
@@ -168,8 +169,10 @@ void RowReader::Bind() {
     rowBytes += buffer.width + sizeof(SQLLEN);
   }
   // A power of two, so that no block stands across the pieces that the driver fetches from the server.
-  m_blockRows =
-      m_piecewise ? 1 : std::bit_floor(std::clamp<std::size_t>(kBlockBytes / rowBytes, 16, kMaxBlockRows));
+  m_blockRows = m_piecewise
+                    ? 1
+                    : std::bit_floor(std::clamp<std::size_t>(
+                          (m_bindsLater ? kBlockBytesOfAll : kBlockBytes) / rowBytes, 16, kMaxBlockRows));
   SQLSetStmtAttrW(m_statement, SQL_ATTR_ROWS_FETCHED_PTR, &m_fetched, SQL_IS_POINTER);
   for (std::size_t i = 0; i < m_buffers.size(); ++i) {
     Buffer& buffer = m_buffers[i];
@@ -215,7 +218,9 @@ bool RowReader::Next() {
   m_row = 0;
   BindWanted();
   const auto fetch = [this] { return SQLFetch(m_statement); };
-  const SQLRETURN result = m_piecewise && !m_firstBlock ? fetch() : m_session.Call(m_statement, fetch);
+  const SQLRETURN result = m_firstBlock  ? m_session.CallAgain(m_statement, fetch, m_isQuick)
+                           : m_piecewise ? fetch()
+                                         : m_session.Call(m_statement, fetch);
   if (result == SQL_NO_DATA) return false;
   if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
   if (m_piecewise) ReadPiecewise();

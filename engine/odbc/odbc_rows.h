@@ -79,6 +79,7 @@ class RowReader {
   std::size_t m_blockRows = 1;
   bool m_piecewise = false;  // the driver hands out long texts only column by column, row by row
   bool m_firstBlock = true, m_inOneBlock = true;
+  bool m_isQuick = false;  // to fetch the first block
   SQLULEN m_fetched = 0;
   std::size_t m_row = 0;       // in the block
   std::uint64_t m_number = 0;  // of all rows that were ever read

@@ -16,6 +16,7 @@ constexpr auto kGroupTime = std::chrono::milliseconds(100);
 constexpr std::size_t kLoginTimeout = 20;  // seconds
 constexpr std::size_t kMaxPlans = 64;
 constexpr std::size_t kMaxUpdatesOfPlan = 16;
+constexpr auto kQuick = std::chrono::milliseconds(5);
 constexpr int kMaxTries = 6;
 constexpr int kMaxNames = 200;
 
@@ -274,6 +275,14 @@ SQLRETURN Session::Call(SQLHSTMT reading, const std::function<SQLRETURN()>& call
   if (canceled && !SQL_SUCCEEDED(result)) {
     throw Error(error_number::kCanceled, "Operation canceled by user.", "Engine");
   }
+  return result;
+}
+
+SQLRETURN Session::CallAgain(SQLHSTMT reading, const std::function<SQLRETURN()>& call, bool& isQuick) {
+  if (!m_patience.IsWanted()) return call();
+  const auto start = Clock::now();
+  const SQLRETURN result = isQuick ? call() : Call(reading, call);
+  isQuick = Clock::now() - start < kQuick;
   return result;
 }
 

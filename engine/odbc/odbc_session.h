@@ -57,7 +57,9 @@ class Session {
   // Makes a call of the driver that may take long. The user may end one that works for `reading`, a statement
   // that reads outside of any transaction: error 3059.
   SQLRETURN Call(SQLHSTMT reading, const std::function<SQLRETURN()>& call);
-  bool IsWaitedFor() const { return m_patience.IsWanted(); }
+  // The same for a call that is made over and over. Marks come by the thousand: to wait for each with
+  // patience would cost more than the mark. `isQuick`: the call's, false at first; how it was last time.
+  SQLRETURN CallAgain(SQLHSTMT reading, const std::function<SQLRETURN()>& call, bool& isQuick);
   void GiveTurn() { m_patience.GiveTurn(); }
 
   // Executes a reading statement. False when the tables are others than it was prepared for.

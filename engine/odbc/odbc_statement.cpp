@@ -1,14 +1,11 @@
 #include "engine/odbc/odbc_statement.h"
 
 #include <algorithm>
-#include <chrono>
 
 #include "engine/odbc/odbc_session.h"
 
 namespace kxrestore::engine::odbc {
 namespace {
-
-constexpr auto kQuick = std::chrono::milliseconds(5);
 
 template <typename Number>
 SQLPOINTER AsPointer(Number number) {
@@ -118,15 +115,7 @@ bool OdbcStatement::Execute(const std::vector<Value>& values, bool reading) {
   if (!Give(named ? Text::kCall : Text::kOwn)) return false;
   m_values.Bind(m_session, m_handle.Get(), values);
   const auto execute = [this] { return SQLExecute(m_handle.Get()); };
-  SQLRETURN result = SQL_ERROR;
-  if (m_session.IsWaitedFor()) {
-    // Marks come by the thousand: to wait for each with patience would cost more than the mark.
-    const auto start = std::chrono::steady_clock::now();
-    result = m_isQuick ? execute() : m_session.Call(reading ? m_handle.Get() : nullptr, execute);
-    m_isQuick = std::chrono::steady_clock::now() - start < kQuick;
-  } else {
-    result = execute();
-  }
+  const SQLRETURN result = m_session.CallAgain(reading ? m_handle.Get() : nullptr, execute, m_isQuick);
   if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA) return m_executed = true;
   if (!named || FailureOf(ReadDiagnostics(SQL_HANDLE_STMT, m_handle.Get())) != Failure::kStatement) {
     return false;
