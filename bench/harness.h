@@ -1,6 +1,7 @@
 // Measures what the component does against the least that the work can cost: every comparison runs `ours` and
-// `bare` by turns in one process and takes the medians, so that what else the machine does hits both. A
-// figure is a number other than a time (bytes a node, syncs a file).
+// `bare` by turns in one process and takes the medians, of the ratio that of each two runs side by side, so
+// that what else the machine does hits both. A figure is a number other than a time (bytes a node, syncs a
+// file).
 //
 // A program registers its comparisons and ends in RunBenchmarks(). Times are seconds. Limits are the most
 // that a ratio or a figure may be; what is over its limit makes the program end with 1.

@@ -2,8 +2,8 @@
 # Builds and runs the benchmarks: bench.sh [OPTION OF THE BENCHMARK LIBRARY...]
 #
 # Prints a table a program and writes build/bench/report.json, an array of objects with name, rows and ours, bare and
-# ratio (seconds, medians of several runs by turns) or value and unit, and the limit where there is one. Ends with 1 when
-# something is over its limit. --benchmark_filter=REGEX runs a part.
+# ratio (seconds and their ratio; medians of several runs by turns) or value and unit, and the limit where there is one.
+# Ends with 1 when something is over its limit. --benchmark_filter=REGEX runs a part.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
