@@ -144,4 +144,12 @@ void StreamedRecordset::Update() {
   m_editing = false;
 }
 
+void StreamingList::Detach(bool dynasetsToo) {
+  if (m_rows.empty()) return;
+  const std::vector<StreamedRecordset*> streaming = m_rows;  // who detaches takes itself off the list
+  for (StreamedRecordset* rows : streaming) {
+    if (dynasetsToo || rows->IsSnapshot()) rows->Detach();
+  }
+}
+
 }  // namespace kxrestore::engine

@@ -68,4 +68,17 @@ class StreamedRecordset : public Recordset {
   Changes m_written;                   // in the current row
 };
 
+// A session's recordsets that still fetch rows. Before anything that could take those away or change them,
+// they take the rest into memory.
+class StreamingList {
+ public:
+  bool IsEmpty() const { return m_rows.empty(); }
+  void Add(StreamedRecordset& rows) { m_rows.push_back(&rows); }
+  void Remove(StreamedRecordset& rows) { std::erase(m_rows, &rows); }
+  void Detach(bool dynasetsToo = true);
+
+ private:
+  std::vector<StreamedRecordset*> m_rows;
+};
+
 }  // namespace kxrestore::engine

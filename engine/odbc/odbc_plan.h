@@ -1,5 +1,4 @@
-// A statement of the catalog's dialect, translated for the server once. Statements that differ in their
-// literals only share one plan.
+// A statement of the catalog's dialect, translated for the server once.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +10,7 @@
 #include "engine/jet_sql/name_resolver.h"
 #include "engine/jet_sql/server_dialects.h"
 #include "engine/odbc/odbc_statement.h"
+#include "engine/plan_cache.h"
 
 namespace kxrestore::engine::odbc {
 
@@ -25,8 +25,7 @@ struct RowUpdate {
   std::unique_ptr<OdbcStatement> statement;
 };
 
-struct Plan {
-  bool needsText = false;  // the literals have to stay in the statement: there is one plan for each text
+struct Plan : CachedPlan {
   std::string sql;
   std::vector<std::int64_t> order;  // which literal each parameter is, counted from 1
   std::vector<jet_sql::ParameterUse> uses;
@@ -36,9 +35,7 @@ struct Plan {
   std::size_t hidden = 0;
   std::vector<std::unique_ptr<RowUpdate>> updates;
   std::vector<std::unique_ptr<OdbcStatement>> idle;
-  bool isShort = false;       // its last result was a block at most
-  bool keepsPrepared = true;  // false where the server does not tell that a view is another now
-  bool current = true;        // false once the schema was changed under it
+  bool isShort = false;  // its last result was a block at most
 };
 
 // The values for the plan's parameters, each as the kind of what it is compared with.

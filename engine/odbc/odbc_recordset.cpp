@@ -45,7 +45,7 @@ OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, std::string_view 
   // Nothing changes rows that the driver has all fetched.
   const bool stays =
       m_session->Facts().fetchesAllAtOnce && !m_session->FetchesPiecewise() && m_rows->InOneBlock();
-  if (hasRow && !stays) m_session->AddStreaming(*this);
+  if (hasRow && !stays) m_session->Streaming().Add(*this);
   Begin(hasRow, m_names.size(), columns.size() - m_names.size());
 }
 
@@ -75,7 +75,7 @@ OdbcRecordset::~OdbcRecordset() {
 
 void OdbcRecordset::LetStatementGo() {
   if (!m_statement) return;
-  m_session->RemoveStreaming(*this);
+  m_session->Streaming().Remove(*this);
   Session::Release(*m_plan, std::move(m_statement));
 }
 

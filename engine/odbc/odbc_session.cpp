@@ -14,8 +14,6 @@ namespace {
 
 constexpr auto kGroupTime = std::chrono::milliseconds(100);
 constexpr std::size_t kLoginTimeout = 20;  // seconds
-constexpr std::size_t kMaxPlans = 64;
-constexpr std::size_t kMaxUpdatesOfPlan = 16;
 constexpr auto kQuick = std::chrono::milliseconds(5);
 constexpr int kMaxTries = 6;
 constexpr int kMaxNames = 200;
@@ -91,7 +89,7 @@ Session::Session(std::string_view connect, bool grouping, std::shared_ptr<SavedT
 }
 
 Session::~Session() {
-  m_plans.clear();
+  m_plans.Forget();
   if (!m_connected) return;
   if (m_inGroup) SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_COMMIT);
   if (m_transactionOwner != nullptr) SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_ROLLBACK);
@@ -197,28 +195,7 @@ StatementHandle Session::AllocateStatement() {
 // ---- statements
 
 std::shared_ptr<Plan> Session::FindPlan(std::string_view source, Use use) {
-  if (!jet_sql::ExtractLiterals(source, m_extracted)) {
-    m_extracted.key = source;
-    m_extracted.count = 0;
-  }
-  std::string& key = m_extracted.key;
-  for (;;) {
-    const bool parameters = m_extracted.count > 0;
-    key.push_back(static_cast<char>('0' + static_cast<int>(use)));
-    const auto found = m_plans.find(key);
-    std::shared_ptr<Plan> plan;
-    if (found != m_plans.end()) {
-      plan = found->second;
-    } else {
-      plan =
-          MakePlan(*this, source, parameters ? std::string_view(key).substr(0, key.size() - 1) : source, use);
-      if (m_plans.size() >= kMaxPlans) m_plans.clear();
-      m_plans.emplace(key, plan);
-    }
-    if (!plan->needsText) return plan;
-    key = source;
-    m_extracted.count = 0;
-  }
+  return m_plans.Find(source, use, [&](std::string_view text) { return MakePlan(*this, source, text, use); });
 }
 
 std::unique_ptr<OdbcStatement> Session::Acquire(Plan& plan) {
@@ -230,26 +207,12 @@ std::unique_ptr<OdbcStatement> Session::Acquire(Plan& plan) {
 
 void Session::Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) {
   statement->CloseCursor();
-  if (plan.updates.size() > kMaxUpdatesOfPlan) plan.updates.clear();
-  if (plan.current && plan.keepsPrepared && plan.idle.size() < 2) plan.idle.push_back(std::move(statement));
+  PlanCache<Plan>::Keep(plan, std::move(statement));
 }
 
 void Session::ForgetPlans() {
-  for (const auto& [key, plan] : m_plans) {
-    plan->current = false;
-    plan->idle.clear();
-  }
-  m_plans.clear();
+  m_plans.Forget();
   m_schema.Forget();
-}
-
-void Session::RemoveStreaming(StreamedRecordset& rows) {
-  std::erase(m_streaming, &rows);
-}
-
-void Session::DetachStreaming() {
-  const std::vector<StreamedRecordset*> streaming = m_streaming;  // detaching takes itself off the list
-  for (StreamedRecordset* rows : streaming) rows->Detach();
 }
 
 std::string Session::NameForPrepared() {
@@ -287,7 +250,7 @@ SQLRETURN Session::CallAgain(SQLHSTMT reading, const std::function<SQLRETURN()>&
 }
 
 bool Session::RunRead(OdbcStatement& statement, const std::vector<Value>& values) {
-  if (m_facts.onlyOneActive) DetachStreaming();
+  if (m_facts.onlyOneActive) m_streaming.Detach();
   for (int tried = 1;; ++tried) {
     if (statement.Execute(values, true)) return true;
     const auto diagnostics = ReadDiagnostics(SQL_HANDLE_STMT, statement.Get());
@@ -302,7 +265,7 @@ bool Session::RunRead(OdbcStatement& statement, const std::vector<Value>& values
 
 std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value>& values) {
   FetchPiecewise(false);
-  DetachStreaming();
+  m_streaming.Detach();
   const bool grouped = m_grouping && m_transactionOwner == nullptr;
   for (int tried = 1;; ++tried) {
     if (grouped && !m_inGroup && tried == 1) {
@@ -346,7 +309,7 @@ void Session::Replay(std::vector<GroupedWrite> writes) {
 
 void Session::RunSchemaChange(const std::vector<std::string>& statements) {
   Flush();
-  DetachStreaming();
+  m_streaming.Detach();
   const bool own = m_transactionOwner == nullptr;
   ForgetPlans();
   for (int tried = 1;; ++tried) {
@@ -400,7 +363,7 @@ void Session::SetAutocommit(bool on) {
 }
 
 void Session::EndTransaction(bool commit) {
-  DetachStreaming();
+  m_streaming.Detach();
   if (SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, Get(), commit ? SQL_COMMIT : SQL_ROLLBACK))) return;
   Raise(SQL_HANDLE_DBC, Get(), commit ? "COMMIT" : "ROLLBACK");
 }

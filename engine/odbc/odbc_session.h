@@ -7,7 +7,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -17,6 +16,7 @@
 #include "engine/odbc/odbc_schema.h"
 #include "engine/odbc/patience.h"
 #include "engine/odbc/server_facts.h"
+#include "engine/plan_cache.h"
 #include "engine/streamed_recordset.h"
 
 namespace kxrestore::engine::odbc {
@@ -40,10 +40,10 @@ class Session {
   Schema& Tables() { return m_schema; }
   bool IsLost() const { return m_lost; }  // the server is gone; a new session is needed
 
-  enum class Use { kSnapshot, kDynaset, kAction };
+  using Use = StatementUse;
   // The plan for a text; its literals are in Literals() until the next call.
   std::shared_ptr<Plan> FindPlan(std::string_view source, Use use);
-  const jet_sql::ExtractedLiterals& Literals() const { return m_extracted; }
+  const jet_sql::ExtractedLiterals& Literals() const { return m_plans.Literals(); }
   std::unique_ptr<OdbcStatement> Acquire(Plan& plan);
   static void Release(Plan& plan, std::unique_ptr<OdbcStatement> statement);
   void ForgetPlans();  // after a change of the schema
@@ -74,10 +74,7 @@ class Session {
   StatementHandle AllocateStatement();
   [[noreturn]] void Raise(SQLSMALLINT type, SQLHANDLE handle, std::string_view piece) const;
 
-  // Recordsets that still fetch rows. Before anything that could take those away or change them, they take
-  // the rest into memory.
-  void AddStreaming(StreamedRecordset& rows) { m_streaming.push_back(&rows); }
-  void RemoveStreaming(StreamedRecordset& rows);
+  StreamingList& Streaming() { return m_streaming; }
 
   // A transaction of a database's own, during which no group is committed; it goes on when the action ends.
   void BeginTransaction(const Database& owner);
@@ -102,7 +99,6 @@ class Session {
   std::uint32_t InfoNumber(SQLUSMALLINT kind) const;
   [[noreturn]] void RaiseDiagnostics(const std::vector<Diagnostic>& diagnostics,
                                      std::string_view piece) const;
-  void DetachStreaming();
   void SetAutocommit(bool on);
   void EndTransaction(bool commit);
   void CommitGroup();
@@ -120,9 +116,8 @@ class Session {
   ServerFacts m_facts;
   std::unique_ptr<jet_sql::ServerDialect> m_dialect;
   Schema m_schema;
-  std::vector<StreamedRecordset*> m_streaming;
-  std::unordered_map<std::string, std::shared_ptr<Plan>> m_plans;
-  jet_sql::ExtractedLiterals m_extracted;
+  StreamingList m_streaming;
+  PlanCache<Plan> m_plans;
   const Database* m_transactionOwner = nullptr;
   SavedTexts m_textsBefore;  // the transaction
   bool m_inGroup = false;

@@ -1,5 +1,4 @@
-// A statement of the catalog's dialect, translated and prepared once. Statements that differ in their
-// literals only share one plan.
+// A statement of the catalog's dialect, translated and prepared once.
 #pragma once
 
 #include <memory>
@@ -7,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/database.h"
+#include "engine/plan_cache.h"
 #include "engine/sqlite/statement.h"
 
 namespace kxrestore::engine::sqlite {
@@ -35,14 +34,13 @@ struct RowUpdate {
   Statement statement;
 };
 
-struct Plan {
+struct Plan : CachedPlan {
   std::string sql;
   std::vector<PlanColumn> columns;  // what the caller sees
   std::vector<PlanTable> tables;    // only of dynasets
   std::vector<std::unique_ptr<RowUpdate>> updates;
   std::vector<Statement> idle;
   std::size_t allColumns = 0;  // with the hidden ones
-  bool current = true;         // false once the schema was changed under it
 };
 
 }  // namespace kxrestore::engine::sqlite

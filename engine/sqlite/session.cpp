@@ -16,8 +16,6 @@ constexpr auto kRetryTime = std::chrono::milliseconds(20);
 constexpr auto kWaitingTime = std::chrono::milliseconds(20);
 constexpr auto kBusyPause = std::chrono::milliseconds(10);
 constexpr int kStepsBetweenLooks = 4000;  // of SQLite's machine: some 0.2 ms
-constexpr std::size_t kMaxPlans = 64;
-constexpr std::size_t kMaxUpdatesOfPlan = 16;
 
 }  // namespace
 
@@ -70,29 +68,7 @@ Statement Session::Prepare(std::string_view sql, Doing doing) const {
 }
 
 std::shared_ptr<Plan> Session::FindPlan(std::string_view source, Use use) {
-  const bool extracted = jet_sql::ExtractLiterals(source, m_extracted);
-  if (!extracted) {
-    m_extracted.key = source;
-    m_extracted.count = 0;
-  }
-  std::string& key = m_extracted.key;
-  key.push_back(static_cast<char>('0' + static_cast<int>(use)));
-  const auto found = m_plans.find(key);
-  if (found != m_plans.end()) return found->second;
-  const std::string_view text =
-      m_extracted.count > 0 ? std::string_view(key).substr(0, key.size() - 1) : source;
-  std::shared_ptr<Plan> plan = MakePlan(*this, source, text, use);
-  if (m_plans.size() >= kMaxPlans) m_plans.clear();
-  m_plans.emplace(key, plan);
-  return plan;
-}
-
-void Session::ForgetPlans() {
-  for (const auto& [key, plan] : m_plans) {
-    plan->current = false;
-    plan->idle.clear();
-  }
-  m_plans.clear();
+  return m_plans.Find(source, use, [&](std::string_view text) { return MakePlan(*this, source, text, use); });
 }
 
 Statement Session::Acquire(Plan& plan) {
@@ -103,8 +79,8 @@ Statement Session::Acquire(Plan& plan) {
     statement = std::move(plan.idle.back());
     plan.idle.pop_back();
   }
-  for (std::size_t i = 0; i < m_extracted.count; ++i) {
-    const jet_sql::Literal& literal = m_extracted.literals[i];
+  for (std::size_t i = 0; i < Literals().count; ++i) {
+    const jet_sql::Literal& literal = Literals().literals[i];
     const int index = static_cast<int>(i) + 1;
     switch (literal.kind) {
       case jet_sql::Literal::Kind::kText:
@@ -124,8 +100,7 @@ Statement Session::Acquire(Plan& plan) {
 
 void Session::Release(Plan& plan, Statement statement) {
   sqlite3_reset(statement.get());
-  if (plan.updates.size() > kMaxUpdatesOfPlan) plan.updates.clear();
-  if (plan.current && plan.idle.size() < 2) plan.idle.push_back(std::move(statement));
+  PlanCache<Plan>::Keep(plan, std::move(statement));
 }
 
 int Session::StepReading(sqlite3_stmt* statement) {
@@ -171,20 +146,8 @@ bool Session::LookUp() noexcept {
   return goOn;
 }
 
-void Session::RemoveStreaming(StreamedRecordset& rows) {
-  std::erase(m_streaming, &rows);
-}
-
-void Session::DetachStreaming(bool dynasetsToo) {
-  if (m_streaming.empty()) return;
-  const std::vector<StreamedRecordset*> streaming = m_streaming;  // detaching takes itself off the list
-  for (StreamedRecordset* rows : streaming) {
-    if (dynasetsToo || rows->IsSnapshot()) rows->Detach();
-  }
-}
-
 void Session::RunWrite(sqlite3_stmt* statement, bool disturbs, std::string_view piece) {
-  DetachStreaming(disturbs);
+  m_streaming.Detach(disturbs);
   NeedTransaction();
   for (bool retried = false;; retried = true) {
     int code = m_grouping && !InTransaction() ? Begin() : SQLITE_OK;
@@ -195,9 +158,9 @@ void Session::RunWrite(sqlite3_stmt* statement, bool disturbs, std::string_view 
     }
     // Our own open reading may be what another process waits for, or be older than what it wrote: let it go
     // once.
-    if ((code & 0xFF) == SQLITE_BUSY && !m_streaming.empty() && !retried) {
+    if ((code & 0xFF) == SQLITE_BUSY && !m_streaming.IsEmpty() && !retried) {
       sqlite3_reset(statement);
-      DetachStreaming(true);
+      m_streaming.Detach();
       continue;
     }
     const ResetGuard guard(statement);
@@ -215,8 +178,8 @@ void Session::BeginTransaction(const Database& owner) {
   }
   Flush();
   int code = Begin();
-  if ((code & 0xFF) == SQLITE_BUSY && !m_streaming.empty()) {
-    DetachStreaming(true);
+  if ((code & 0xFF) == SQLITE_BUSY && !m_streaming.IsEmpty()) {
+    m_streaming.Detach();
     code = Begin();
   }
   if (code != SQLITE_OK) Raise(code, Doing::kWriting);
@@ -243,7 +206,7 @@ void Session::UndoTransaction() {
     ForgetPlans();  // saved queries may be others again
   };
   try {
-    DetachStreaming(false);  // what a snapshot shows stays
+    m_streaming.Detach(false);  // what a snapshot shows stays
   } catch (...) {
     undo();
     throw;

@@ -6,11 +6,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "engine/database.h"
-#include "engine/jet_sql/literals.h"
+#include "engine/plan_cache.h"
 #include "engine/sqlite/plan.h"
 #include "engine/sqlite/sqlite_error.h"
 #include "engine/streamed_recordset.h"
@@ -32,10 +31,10 @@ class Session {
   sqlite3* Connection() const { return m_connection.get(); }
   bool IsReadOnly() const { return m_readOnly; }
 
-  enum class Use { kSnapshot, kDynaset, kAction };
+  using Use = StatementUse;
   // The plan for a text; its literals are in Literals() until the next call.
   std::shared_ptr<Plan> FindPlan(std::string_view source, Use use);
-  const jet_sql::ExtractedLiterals& Literals() const { return m_extracted; }
+  const jet_sql::ExtractedLiterals& Literals() const { return m_plans.Literals(); }
 
   // A statement of the plan with the literals of the last FindPlan bound; give it back when done.
   Statement Acquire(Plan& plan);
@@ -49,15 +48,12 @@ class Session {
   void RunWrite(sqlite3_stmt* statement, bool disturbs, std::string_view piece);
   // From here to the next commit of a group nobody else writes.
   void BeginGroup();
-  void ForgetPlans();  // after a change of the schema
+  void ForgetPlans() { m_plans.Forget(); }  // after a change of the schema
 
   Statement Prepare(std::string_view sql, Doing doing = Doing::kReading) const;
   [[noreturn]] void Raise(int code, Doing doing, std::string_view piece = {}) const;
 
-  // Recordsets that still fetch rows. Before anything that could take those away or change them, they take
-  // the rest into memory.
-  void AddStreaming(StreamedRecordset& rows) { m_streaming.push_back(&rows); }
-  void RemoveStreaming(StreamedRecordset& rows);
+  StreamingList& Streaming() { return m_streaming; }
 
   // A transaction of a database's own, during which no group is committed; it goes on when the action ends.
   void BeginTransaction(const Database& owner);
@@ -78,7 +74,6 @@ class Session {
   static int Progress(void* session) noexcept;
   static int Busy(void* session, int tried) noexcept;
   bool LookUp() noexcept;
-  void DetachStreaming(bool dynasetsToo);
   void NeedTransaction() const;
   bool InTransaction() const { return sqlite3_get_autocommit(m_connection.get()) == 0; }
   int Begin();
@@ -93,9 +88,8 @@ class Session {
   bool m_readOnly = false;
   std::unique_ptr<sqlite3, Closer> m_connection;
   Statement m_begin, m_commit;
-  std::vector<StreamedRecordset*> m_streaming;
-  std::unordered_map<std::string, std::shared_ptr<Plan>> m_plans;
-  jet_sql::ExtractedLiterals m_extracted;
+  StreamingList m_streaming;
+  PlanCache<Plan> m_plans;
   const Database* m_transactionOwner = nullptr;
   std::shared_ptr<const Waiting> m_waiting;
   bool m_mayStop = false, m_inWaiting = false;

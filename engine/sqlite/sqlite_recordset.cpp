@@ -68,7 +68,7 @@ SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, std::string_v
     code = Open(source);
   }
   if (code == SQLITE_ROW) {
-    m_session->AddStreaming(*this);
+    m_session->Streaming().Add(*this);
   } else if (code != SQLITE_DONE) {
     const ResetGuard guard(m_statement.get());
     m_session->Raise(code, Doing::kReading, source);
@@ -88,7 +88,7 @@ SqliteRecordset::~SqliteRecordset() {
 
 void SqliteRecordset::LetStatementGo() {
   if (!m_statement) return;
-  m_session->RemoveStreaming(*this);
+  m_session->Streaming().Remove(*this);
   Session::Release(*m_plan, std::move(m_statement));
 }
 
