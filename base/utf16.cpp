@@ -71,6 +71,18 @@ std::basic_string<Unit> ToUtf16(std::string_view text) {
   return out;
 }
 
+std::string FromWide(std::u16string_view text) {
+  std::string out;
+  AppendUtf8(out, text);
+  return out;
+}
+
+std::string FromWide(std::wstring_view text) {
+  std::string out;
+  AppendUtf8(out, text);
+  return out;
+}
+
 template void AppendUtf8(std::string&, std::basic_string_view<char16_t>);
 template void AppendUtf8(std::string&, std::basic_string_view<wchar_t>);
 template std::basic_string<char16_t> ToUtf16(std::string_view);

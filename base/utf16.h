@@ -14,4 +14,10 @@ void AppendUtf8(std::string& out, std::basic_string_view<Unit> text);
 template <class Unit>
 std::basic_string<Unit> ToUtf16(std::string_view text);
 
+std::string FromWide(std::u16string_view text);
+std::string FromWide(std::wstring_view text);
+inline std::wstring ToWide(std::string_view text) {
+  return ToUtf16<wchar_t>(text);
+}
+
 }  // namespace kxrestore

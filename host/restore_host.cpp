@@ -13,8 +13,8 @@
 #include <iostream>
 #include <optional>
 
+#include "base/utf16.h"
 #include "component/com/kxrestore.h"
-#include "component/com/wide_text.h"
 #include "host/arguments.h"
 #include "host/event_sink.h"
 #include "host/main_window.h"
@@ -36,8 +36,7 @@ class Apartment {
 
 class Bstr {
  public:
-  explicit Bstr(const std::string& text)
-      : m_text(SysAllocString(kxrestore::component::com::ToWide(text).c_str())) {}
+  explicit Bstr(const std::string& text) : m_text(SysAllocString(kxrestore::ToWide(text).c_str())) {}
   ~Bstr() { SysFreeString(m_text); }
   Bstr(const Bstr&) = delete;
   Bstr& operator=(const Bstr&) = delete;
@@ -110,7 +109,7 @@ int Run(const Arguments& arguments) {
 
 int wmain(int count, wchar_t** words) {
   std::vector<std::string> arguments;
-  for (int i = 1; i < count; ++i) arguments.push_back(kxrestore::component::com::FromWide(words[i]));
+  for (int i = 1; i < count; ++i) arguments.push_back(kxrestore::FromWide(words[i]));
   try {
     return Run(ParseArguments(arguments));
   } catch (const std::exception& error) {

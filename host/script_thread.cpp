@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "component/com/wide_text.h"
+#include "base/utf16.h"
 #include "host/driver/script.h"
 
 namespace kxrestore::host {
@@ -15,8 +15,8 @@ namespace {
 void Run(const std::string& file, const std::string& shots) {
   try {
     const driver::DialogDriver driver;
-    const std::filesystem::path path = component::com::ToWide(file);
-    std::filesystem::path folder = component::com::ToWide(shots);
+    const std::filesystem::path path = ToWide(file);
+    std::filesystem::path folder = ToWide(shots);
     if (folder.empty()) folder = std::filesystem::absolute(path).parent_path();
     if (file == "-") {
       driver::RunScript(driver, std::cin, std::cout, folder);

@@ -6,14 +6,17 @@
 #include <oleauto.h>
 
 #include <string>
-#include <string_view>
+
+#include "base/utf16.h"
 
 namespace kxrestore::component::com {
 
-std::string FromWide(std::wstring_view text);
-std::wstring ToWide(std::string_view text);
+using kxrestore::FromWide;
+using kxrestore::ToWide;
 
 // A BSTR may be null, which is the empty text, and may hold NULs.
-std::string FromBstr(BSTR text);
+inline std::string FromBstr(BSTR text) {
+  return FromWide({text ? text : L"", SysStringLen(text)});
+}
 
 }  // namespace kxrestore::component::com

@@ -10,9 +10,7 @@ constexpr const char* kSource = "DAO";
 constexpr int kNoSuchMember = 438;
 
 std::string Utf8(BSTR text) {
-  std::string out;
-  AppendUtf8(out, std::wstring_view(text == nullptr ? L"" : text, SysStringLen(text)));
-  return out;
+  return FromWide({text == nullptr ? L"" : text, SysStringLen(text)});
 }
 
 // Automation packs the numbers of errors into the facility that is the controls' own.
@@ -40,9 +38,7 @@ std::string SystemDescription(HRESULT result) {
                                 static_cast<DWORD>(result), 0, buffer, std::size(buffer), nullptr);
   while (length > 0 && buffer[length - 1] <= L' ') --length;
   if (length == 0) return "Automation error";
-  std::string out;
-  AppendUtf8(out, std::wstring_view(buffer, length));
-  return out;
+  return FromWide({buffer, length});
 }
 
 // Takes the texts over, so that nothing of it leaks whatever follows.
@@ -83,7 +79,7 @@ void CompleteFromList(const Object& errors, int& number, std::string& descriptio
 }  // namespace
 
 Variant::Variant(std::string_view text) {
-  const std::wstring wide = ToUtf16<wchar_t>(text);
+  const std::wstring wide = ToWide(text);
   m_value.vt = VT_BSTR;
   m_value.bstrVal = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
   if (m_value.bstrVal == nullptr) throw Error(error_number::kOutOfMemory, "Out of memory", kSource);
@@ -121,9 +117,8 @@ DISPID Object::Identifier(const wchar_t* name) const {
   auto* names = const_cast<wchar_t*>(name);
   const HRESULT result = m_dispatch->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &identifier);
   if (FAILED(result)) {
-    std::string text = "Object doesn't support this property or method: '";
-    AppendUtf8(text, std::wstring_view(name));
-    throw Error(ErrorNumber(result), text + "'", kSource);
+    throw Error(ErrorNumber(result),
+                "Object doesn't support this property or method: '" + FromWide(name) + "'", kSource);
   }
   m_identifiers.emplace_back(name, identifier);
   return identifier;

@@ -34,12 +34,6 @@ class WideText {
   std::u16string m_text;
 };
 
-inline std::string FromWide(const char16_t* text, std::size_t size) {
-  std::string result;
-  AppendUtf8(result, std::u16string_view(text, size));
-  return result;
-}
-
 template <SQLSMALLINT kType>
 class Handle {
  public:

@@ -88,8 +88,8 @@ std::vector<Diagnostic> ReadDiagnostics(SQLSMALLINT type, SQLHANDLE handle) {
         SQLGetDiagRecW(type, handle, record, WideBuffer(state.data()), &native, WideBuffer(text.data()),
                        static_cast<SQLSMALLINT>(text.size()), &size);
     if (!SQL_SUCCEEDED(result)) break;
-    const std::size_t end = std::find(text.begin(), text.end(), u'\0') - text.begin();
-    diagnostics.push_back({FromWide(state.data(), 5), native, FromWide(text.data(), end)});
+    text.back() = u'\0';
+    diagnostics.push_back({FromWide({state.data(), 5}), native, FromWide(text.data())});
   }
   return diagnostics;
 }

@@ -77,8 +77,8 @@ std::vector<ColumnType> Describe(const Session& session, SQLHSTMT statement, std
     typeName[0] = u'\0';
     SQLColAttributeW(statement, column, SQL_DESC_TYPE_NAME, typeName.data(),
                      static_cast<SQLSMALLINT>(typeName.size() * sizeof(char16_t)), &typeNameSize, nullptr);
-    columns[i].name = FromWide(name.data(), std::u16string_view(name.data()).size());
-    const std::string named = FromWide(typeName.data(), std::u16string_view(typeName.data()).size());
+    columns[i].name = FromWide(name.data());
+    const std::string named = FromWide(typeName.data());
     columns[i].kind = KindOfType(type, named);
     columns[i].isPlainText = named == "text" || named == "varchar" || named == "bpchar";
     columns[i].isShort = type == SQL_TINYINT || type == SQL_SMALLINT || type == SQL_INTEGER;

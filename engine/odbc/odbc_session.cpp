@@ -102,7 +102,7 @@ std::string Session::InfoText(SQLUSMALLINT kind) const {
   std::array<char16_t, 256> text{};
   SQLSMALLINT size = 0;
   SQLGetInfoW(Get(), kind, text.data(), static_cast<SQLSMALLINT>(text.size() * sizeof(char16_t)), &size);
-  return FromWide(text.data(), std::u16string_view(text.data()).size());
+  return FromWide(text.data());
 }
 
 std::uint32_t Session::InfoNumber(SQLUSMALLINT kind) const {

@@ -4,13 +4,11 @@
 #include <cstdio>
 #include <optional>
 
-#include "component/com/wide_text.h"
+#include "base/utf16.h"
 
 namespace kxrestore::driver {
 namespace {
 
-using component::com::FromWide;
-using component::com::ToWide;
 using Clock = std::chrono::steady_clock;
 
 constexpr wchar_t kFormClass[] = L"KXRestore.frmRestore";

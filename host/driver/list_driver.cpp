@@ -1,6 +1,6 @@
 #include "host/driver/list_driver.h"
 
-#include "component/com/wide_text.h"
+#include "base/utf16.h"
 
 namespace kxrestore::driver {
 
@@ -11,7 +11,7 @@ std::string ListDriver::Text(int row, int column) const {
   ask.pszText = text;
   ask.cchTextMax = 1024;
   Ask(m_list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), &ask);
-  return component::com::FromWide(ask.pszText ? ask.pszText : L"");
+  return FromWide(ask.pszText ? ask.pszText : L"");
 }
 
 bool ListDriver::Ticked(int row) const {

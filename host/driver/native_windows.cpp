@@ -2,12 +2,10 @@
 
 #include <thread>
 
-#include "component/com/wide_text.h"
+#include "base/utf16.h"
 
 namespace kxrestore::driver {
 namespace {
-
-using component::com::FromWide;
 
 constexpr wchar_t kNameProperty[] = L"KXRestore.Control";
 constexpr UINT kAnswerTime = 30000;  // ms; a dialog at work lets messages run far more often

@@ -5,7 +5,7 @@
 #include <map>
 #include <ostream>
 
-#include "component/com/wide_text.h"
+#include "base/utf16.h"
 
 namespace kxrestore::driver {
 namespace {
@@ -51,8 +51,8 @@ int Integer(const std::string& text) {
 
 void Shoot(std::ostream& out, const std::filesystem::path& folder, const std::string& name) {
   out << "shot: " << name << std::endl;
-  const std::filesystem::path picture = folder / component::com::ToWide(name + ".png");
-  const std::filesystem::path done = folder / component::com::ToWide(name + ".done");
+  const std::filesystem::path picture = folder / ToWide(name + ".png");
+  const std::filesystem::path done = folder / ToWide(name + ".done");
   try {
     WaitFor(std::chrono::seconds(5), name, [&] {
       std::error_code ignored;

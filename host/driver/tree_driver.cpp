@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "component/com/wide_text.h"
+#include "base/utf16.h"
 
 namespace kxrestore::driver {
 
@@ -26,7 +26,7 @@ std::string TreeDriver::Text(HTREEITEM item) const {
   ask.pszText = text;
   ask.cchTextMax = 1024;
   Ask(m_tree, TVM_GETITEMW, 0, &ask);
-  return component::com::FromWide(ask.pszText ? ask.pszText : L"");
+  return FromWide(ask.pszText ? ask.pszText : L"");
 }
 
 unsigned TreeDriver::State(HTREEITEM item) const {

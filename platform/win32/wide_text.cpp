@@ -6,13 +6,11 @@
 namespace kxrestore::win32 {
 
 std::wstring Wide(std::string_view utf8) {
-  return ToUtf16<wchar_t>(utf8);
+  return ToWide(utf8);
 }
 
 std::string Narrow(std::wstring_view utf16) {
-  std::string utf8;
-  AppendUtf8(utf8, utf16);
-  return utf8;
+  return FromWide(utf16);
 }
 
 std::string ToAnsi(std::string_view utf8) {
