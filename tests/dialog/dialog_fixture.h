@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -19,9 +21,16 @@ namespace kxrestore::dialog_test {
 
 using catalog_test::CatalogFile;
 using catalog_test::Live;
+using controls::AutoSelect;
 using dialog::FormControls;
 using Strings = std::vector<std::string>;
 using Ids = std::set<std::int64_t>;
+
+// The buttons of the arrays, by index.
+enum ActionButton { kApply, kClearAll, kExpandAll, kCollapseAll };
+enum SearchButton { kApplyFound, kClearFound, kFind };
+enum AutoButton { kApplyTypes, kSelectTypes, kUnselectTypes };
+enum RestoreButton { kRestoreNow, kCancel, kRefresh, kUpdate, kClearList };
 
 inline sample::FileRow Row(std::int64_t id, int setId, std::string extension, std::string path) {
   sample::FileRow row = Live(id, std::move(path));
@@ -37,6 +46,11 @@ inline sample::FileRow PluginRow(std::int64_t id, std::string plugin, std::strin
   return row;
 }
 
+inline sample::FileRow Dead(sample::FileRow row) {
+  row.status = 3;
+  return row;
+}
+
 inline std::vector<sample::RunRow> Runs() {
   return {{1, "2026-01-01 00:00:00", "001", false, 6},
           {1, "2026-02-01 14:25:30", "002", {}, 6},
@@ -44,9 +58,26 @@ inline std::vector<sample::RunRow> Runs() {
           {2, "2026-02-15 10:30:00", "001", false, 6}};
 }
 
+// Another program's connection to a catalog file, which can keep it to itself.
+class OtherProgram {
+ public:
+  explicit OtherProgram(const std::string& path) {
+    sqlite3* raw = nullptr;
+    sqlite3_open(path.c_str(), &raw);
+    m_database.reset(raw);
+  }
+  void Execute(const char* sql) {
+    EXPECT_EQ(sqlite3_exec(m_database.get(), sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
+  }
+
+ private:
+  std::unique_ptr<sqlite3, int (*)(sqlite3*)> m_database{nullptr, sqlite3_close};
+};
+
 class DialogTest : public testing::Test {
  protected:
   DialogTest() { platform.regional.now = {2026, 11, 16, 2, 25, 30}; }
+  void TearDown() override { ExpectReports({}); }
 
   // Makes the catalog and points the form at it.
   void MakeCatalog(const std::vector<sample::FileRow>& rows, const std::vector<sample::RunRow>& runs = Runs(),
@@ -67,45 +98,73 @@ class DialogTest : public testing::Test {
 
   FormControls& ui() { return form.Controls(); }
 
-  // The node of a tree that has this text, the first in the order of adding.
+  // The first node of a tree, from its top, with this text or tag; its tests fail without one.
   static controls::Node NodeOf(controls::TreeView& tree, std::string_view text) {
-    for (int index = 1; index <= static_cast<int>(tree.Count()); ++index) {
-      if (tree.Item(index).Text() == text) return tree.Item(index);
+    const controls::Node node = NodeFrom(tree.FirstRoot(), text);
+    EXPECT_TRUE(node) << "no node \"" << text << "\"";
+    return node;
+  }
+  static controls::Node NodeFrom(controls::Node node, std::string_view text) {
+    for (; node; node = node.Next()) {
+      if (node.Text() == text || node.Tag() == text) return node;
+      if (const controls::Node below = NodeFrom(node.Child(), text)) return below;
     }
-    ADD_FAILURE() << "no node \"" << text << "\"";
     return {};
   }
-  // Chooses the newest run of set 1, or another run by its tag.
-  void ChooseRun(std::string_view tag = "1 003") {
-    controls::TreeView& tree = ui().tvwSets;
-    for (int index = 1; index <= static_cast<int>(tree.Count()); ++index) {
-      if (tree.Item(index).Tag() == tag) return tree.UserClickNode(tree.Item(index));
+  controls::Node Detail(std::string_view text) { return NodeOf(ui().tvwDetails, text); }
+  // The nodes from `first` on, indented by their level, each with its tag.
+  static Strings Outline(controls::Node first, const std::string& indent = {}) {
+    Strings lines;
+    for (; first; first = first.Next()) {
+      const std::string tag(first.Tag());
+      lines.push_back(indent + std::string(first.Text()) + (tag.empty() ? tag : " {" + tag + "}"));
+      const Strings below = Outline(first.Child(), indent + " ");
+      lines.insert(lines.end(), below.begin(), below.end());
     }
-    ADD_FAILURE() << "no run \"" << tag << "\"";
+    return lines;
   }
-  void ChooseSet(std::string_view name) { ui().tvwSets.UserClickNode(NodeOf(ui().tvwSets, name)); }
-  void Tick(std::string_view text) { ui().tvwDetails.UserCheck(NodeOf(ui().tvwDetails, text), true); }
-  void TickAll() {
-    for (auto root = ui().tvwDetails.FirstRoot(); root; root = root.Next())
-      ui().tvwDetails.UserCheck(root, true);
-  }
-  void Apply() { ui().cmdAction[0].UserClick(); }
-  void Refresh() { ui().cmdRestore[2].UserClick(); }
-
-  Strings Listed() {
+  static Strings Names(const AutoSelect& list) {  // sorted
     Strings names;
-    for (std::size_t i = 1; i <= ui().asRestoreList.Count(); ++i)
-      names.emplace_back(ui().asRestoreList.At(i).name);
+    for (std::size_t i = 1; i <= list.Count(); ++i) names.emplace_back(list.At(i).name);
+    std::sort(names.begin(), names.end());
     return names;
   }
+  Strings Listed() { return Names(ui().asRestoreList); }
   std::string Selected() { return ui().lblCounts[0].Caption(); }
 
-  // The message boxes so far, "title: text", and then none.
-  Strings TakeMessages() {
+  // What the user does.
+  void ChooseNode(std::string_view text) { ui().tvwSets.UserClickNode(NodeOf(ui().tvwSets, text)); }
+  void ChooseRun(std::string_view tag = "1 003") { ChooseNode(tag); }  // the newest of set 1
+  void Tick(std::string_view text, bool ticked = true) { ui().tvwDetails.UserCheck(Detail(text), ticked); }
+  void TickAll() {
+    for (auto root = ui().tvwDetails.FirstRoot(); root; root = root.Next()) {
+      ui().tvwDetails.UserCheck(root, true);
+    }
+  }
+  static void Tick(AutoSelect& list, std::string_view name, bool ticked = true) {
+    for (std::size_t i = 1; i <= list.Count(); ++i) {
+      if (list.At(i).name == name) return list.UserTick(i, ticked);
+    }
+    ADD_FAILURE() << "not listed: " << name;
+  }
+  void ShowTab(int number) { ui().tbsOptions.UserSelect(number); }
+  void Find(const std::string& mask) {
+    ui().cboMask.UserType(mask);
+    ui().cmdSearch[kFind].UserClick();
+  }
+  void Apply() { ui().cmdAction[kApply].UserClick(); }
+  void Click(RestoreButton button) { ui().cmdRestore[button].UserClick(); }
+  void Escape() { ui().form.UserKey(controls::Key::kEscape); }
+
+  // The message boxes since this was last asked, "title: text", are these or begin so.
+  void ExpectReports(const Strings& starts) {
     Strings texts;
     for (const auto& message : desktop.messages) texts.push_back(message.title + ": " + message.text);
     desktop.messages.clear();
-    return texts;
+    for (std::size_t i = 0; i < std::max(starts.size(), texts.size()); ++i) {
+      const std::string text = i < texts.size() ? texts[i] : "no message";
+      EXPECT_TRUE(i < starts.size() && text.starts_with(starts[i])) << text;
+    }
   }
 
   // Runs `body` in the pending messages of the `item`th item of the next walk, once.
@@ -114,6 +173,9 @@ class DialogTest : public testing::Test {
     desktop.onDoEvents = [this, item, body = std::move(body)] {
       if (desktop.doEventsCount == item) body();
     };
+  }
+  void EscapeAt(std::size_t item) {
+    DuringWalk(item, [this] { Escape(); });
   }
 
   platform::HeadlessPlatform platform;

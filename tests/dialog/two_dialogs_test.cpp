@@ -3,13 +3,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdio>
+#include <fstream>
 #include <map>
-#include <sstream>
 
 #include "tests/catalog/server_catalog.h"
 #include "tests/dialog/dialog_fixture.h"
+#include "tests/engine/test_databases.h"
 
 namespace kxrestore::dialog_test {
 namespace {
@@ -17,168 +16,124 @@ namespace {
 using catalog_test::ServerCatalog;
 
 constexpr int kRounds = 24;
-constexpr int kNames = 60;
 const char* const kMasks[] = {"C:", "7", "doc", "report 1", "xls"};
 
-// Every name in every set and run, its numbers in no order.
-std::vector<sample::FileRow> Versions() {
-  std::vector<sample::FileRow> rows;
-  constexpr int kRows = kNames * 9;
-  for (int step = 0; step < kRows; ++step) {
-    const int name = step % kNames;
-    auto row = Row(1 + step * 71 % kRows, 1 + step / kNames % 3, "00" + std::to_string(1 + step / kNames / 3),
-                   "C:\\report " + std::to_string(name) + (name % 2 == 0 ? ".doc" : ".xls"));
-    if (step % 7 == 3) row.status = 5;
-    rows.push_back(std::move(row));
-  }
-  return rows;
-}
-
-std::vector<sample::RunRow> AllRuns() {
-  std::vector<sample::RunRow> runs;
-  for (int set = 1; set <= 3; ++set) {
-    for (int run = 1; run <= 3; ++run) {
-      runs.push_back({set, "2026-0" + std::to_string(run) + "-0" + std::to_string(set) + " 08:00:00",
-                      "00" + std::to_string(run), false, 6});
-    }
-  }
-  return runs;
-}
-
-// What a search of the latest versions has to find: `set` 0 for all sets, `run` 0 for all its runs.
-std::vector<const sample::FileRow*> Latest(const std::vector<sample::FileRow>& rows, int set, int run,
-                                           const std::string& mask) {
-  std::map<std::string, const sample::FileRow*> newest;
-  for (const auto& row : rows) {
-    const bool among = run != 0 ? row.extension <= "00" + std::to_string(run) : set == 0 || row.setId == set;
-    if (!among || row.status != 2) continue;
-    const sample::FileRow*& known = newest[row.origName];
-    if (known == nullptr || known->id < row.id) known = &row;
-  }
-  std::vector<const sample::FileRow*> found;
-  for (const auto& [name, row] : newest) {
-    if ((set == 0 || row->setId == set) && name.find(mask) != std::string::npos) found.push_back(row);
-  }
-  return found;
+std::string KeyOf(int set, std::string_view extension, std::string_view name) {
+  return std::to_string(set).append(extension).append(name);
 }
 
 class TwoDialogs : public DialogTest {
  protected:
-  // Works one dialog; every line of the result is "mark ID", "report TEXT" or "wrong TEXT".
-  std::string Work(int which) {
-    std::ostringstream told;
-    const auto report = [&](const char* kind) {
-      const Strings messages = TakeMessages();
-      for (const auto& message : messages) told << kind << ' ' << message << '\n';
-      return !messages.empty();
-    };
-    for (int round = 0; round < kRounds; ++round) {
-      const int kind = (round + which) % 3, set = 1 + (round / 3 + which) % 3, run = 1 + round % 3;
-      const std::string mask = kMasks[(round + 2 * which) % 5];
-      if (kind == 1) {
-        ChooseRun(std::to_string(set) + " 00" + std::to_string(run));
-      } else {
-        ChooseSet("Set " + std::to_string(set));
+  TwoDialogs() {
+    for (int set = 1; set <= 3; ++set) {
+      for (const char* run : {"1", "2", "3"}) {
+        m_runs.push_back({set, std::string("2026-0") + run + "-0" + std::to_string(set) + " 08:00:00",
+                          std::string("00") + run, false, 6});
       }
-      ui().tbsOptions.UserSelect(2);
-      ui().optLookIn[kind == 2 ? 1 : 0].UserClick();
-      ui().chk1.SetValue(1);
-      ui().cboMask.UserType(mask);
-      report("wrong");
-      ui().asSearch.Clear();
-      ui().cmdSearch[2].UserClick();
-      if (report("report")) continue;
-      const auto latest = Latest(m_rows, kind == 2 ? 0 : set, kind == 1 ? run : 0, mask);
-      std::map<std::string, const sample::FileRow*> expected;
-      for (const auto* row : latest)
-        expected[std::to_string(row->setId) + row->extension + row->filename] = row;
-      std::size_t right = 0;
-      for (std::size_t number = 1; number <= ui().asSearch.Count(); ++number) {
-        const auto entry = ui().asSearch.At(number);
-        const auto row = expected.find(std::to_string(entry.setId) + std::string(entry.extension) +
-                                       std::string(entry.storedName));
-        if (row == expected.end()) continue;
-        ++right;
-        // Each of the dialogs in its own order over the same rows.
-        if (round % 2 == 0 || number % 3 == 0) {
-          ui().asSearch.UserTick(number, true);
-          told << "mark " << row->second->id << '\n';
-        }
-      }
-      if (right != expected.size() || right != ui().asSearch.Count()) {
-        told << "wrong listing in round " << round << ": " << right << " of " << expected.size() << ", "
-             << ui().asSearch.Count() << " listed\n";
-      }
-      ui().cmdSearch[0].UserClick();
-      report("wrong");
     }
-    return told.str();
+    // Every name in every set and run, its numbers in no order.
+    constexpr int kNames = 60, kRows = kNames * 9;
+    for (int step = 0; step < kRows; ++step) {
+      const int name = step % kNames;
+      auto row = Row(1 + step * 71 % kRows, 1 + step / kNames % 3, m_runs[step / kNames / 3].extension,
+                     "C:\\report " + std::to_string(name) + (name % 2 == 0 ? ".doc" : ".xls"));
+      m_ids[KeyOf(row.setId, row.extension, row.filename)] = row.id;
+      m_rows.push_back(step % 7 == 3 ? Dead(row) : row);
+    }
   }
 
-  // Both at once; the rows that they have marked.
+  // Searches a set, the runs up to one, or all sets.
+  Strings Search(int which, int round) {
+    const int kind = (round + which) % 3, set = 1 + (round / 3 + which) % 3, run = 1 + round % 3;
+    if (kind == 1) {
+      ChooseRun(std::to_string(set) + " 00" + std::to_string(run));
+    } else {
+      ChooseNode("Set " + std::to_string(set));
+    }
+    ShowTab(2);
+    ui().optLookIn[kind == 2 ? 1 : 0].UserClick();
+    ui().chk1.SetValue(1);
+    Find(kMasks[(round + 2 * which) % 5]);
+    Strings found;
+    for (std::size_t number = 1; number <= ui().asSearch.Count(); ++number) {
+      const auto entry = ui().asSearch.At(number);
+      found.push_back(KeyOf(entry.setId, entry.extension, entry.storedName));
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+  }
+
+  // Works one dialog; every line of the result is "mark KEY", "report TEXT" or "wrong TEXT".
+  void Work(int which, const Strings* expected) {
+    std::ofstream told(m_folder.File(std::to_string(which)));
+    for (int round = 0; round < kRounds; ++round) {
+      const Strings found = Search(which, round);
+      if (!desktop.messages.empty()) {
+        told << "report " << desktop.messages[0].text << '\n';
+        desktop.messages.clear();
+        continue;
+      }
+      if (found != expected[round]) told << "wrong listing in round " << round << '\n';
+      // Each of the dialogs in its own order over the same rows.
+      for (std::size_t number = 1; number <= ui().asSearch.Count(); ++number) {
+        if (round % 2 != 0 && number % 3 != 0) continue;
+        ui().asSearch.UserTick(number, true);
+        const auto entry = ui().asSearch.At(number);
+        told << "mark " << KeyOf(entry.setId, entry.extension, entry.storedName) << '\n';
+      }
+      ui().cmdSearch[kApplyFound].UserClick();
+      for (const auto& message : desktop.messages) told << "wrong " << message.text << '\n';
+      desktop.messages.clear();
+    }
+  }
+
+  // Each finds what it finds alone. The rows that they have marked.
   Ids Both() {
-    int ends[2][2];
+    Strings alone[2][kRounds];
     pid_t processes[2];
+    for (int call = 0; call < 2 * kRounds; ++call) alone[call % 2][call / 2] = Search(call % 2, call / 2);
     for (int which = 0; which < 2; ++which) {
-      if (pipe(ends[which]) != 0) throw std::runtime_error("no pipe");
-      std::fflush(nullptr);
       processes[which] = fork();
       if (processes[which] == 0) {
-        std::string told;
-        try {
-          told = Work(which);
-        } catch (const std::exception& exception) {
-          told = std::string("wrong ") + exception.what() + "\n";
-        }
-        told += "end\n";
-        for (std::size_t sent = 0; sent < told.size();) {
-          const ssize_t count = write(ends[which][1], told.data() + sent, told.size() - sent);
-          if (count <= 0) break;
-          sent += static_cast<std::size_t>(count);
-        }
+        Work(which, alone[which]);
         _exit(0);
       }
-      close(ends[which][1]);
     }
     Ids marked;
     int reports = 0;
     for (int which = 0; which < 2; ++which) {
-      std::FILE* told = fdopen(ends[which][0], "r");
-      char line[600];
-      std::string last;
-      while (std::fgets(line, sizeof line, told) != nullptr) {
-        last = line;
-        if (last.starts_with("mark ")) marked.insert(std::stoll(last.substr(5)));
-        if (last.starts_with("wrong ")) ADD_FAILURE() << "dialog " << which << ": " << last;
-        if (last.starts_with("report ")) {
-          ++reports;
-          std::printf("%s", line);
-        }
+      int status = -1;
+      waitpid(processes[which], &status, 0);
+      EXPECT_EQ(status, 0);
+      std::ifstream told(m_folder.File(std::to_string(which)));
+      for (std::string line; std::getline(told, line);) {
+        if (line.starts_with("mark ")) marked.insert(m_ids.at(line.substr(5)));
+        if (line.starts_with("report ")) ++reports;
+        EXPECT_FALSE(line.starts_with("wrong ")) << "dialog " << which << ": " << line;
       }
-      EXPECT_EQ(last, "end\n") << "dialog " << which;
-      std::fclose(told);
-      waitpid(processes[which], nullptr, 0);
     }
     EXPECT_LE(reports, kRounds / 4) << "of " << 2 * kRounds << " searches";
+    EXPECT_GT(marked.size(), 100u);
     return marked;
   }
 
-  std::vector<sample::FileRow> m_rows = Versions();
+  std::vector<sample::FileRow> m_rows;
+  std::vector<sample::RunRow> m_runs;
+  std::map<std::string, std::int64_t> m_ids;
+  engine::testing::TemporaryFolder m_folder;
 };
 
 TEST_F(TwoDialogs, OnOneFile) {
-  MakeCatalog(m_rows, AllRuns());
+  MakeCatalog(m_rows, m_runs);
   const Ids marked = Both();
-  EXPECT_GT(marked.size(), 100u);
   EXPECT_EQ(catalog->Marked(), marked);
 }
 
 TEST_F(TwoDialogs, OnOneServer) {
   if (!ServerCatalog::HasServer()) GTEST_SKIP() << "no server";
-  ServerCatalog server([&](sample::CatalogSink& sink) { catalog_test::AddRows(sink, m_rows, AllRuns()); });
+  ServerCatalog server([&](sample::CatalogSink& sink) { catalog_test::AddRows(sink, m_rows, m_runs); });
   UseServer(server.Database(), ServerCatalog::Server(), ServerCatalog::User(), ServerCatalog::Password());
   const Ids marked = Both();
-  EXPECT_GT(marked.size(), 100u);
   EXPECT_EQ(server.Marked(), marked);
 }
 
