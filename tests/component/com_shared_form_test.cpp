@@ -27,13 +27,8 @@ class SharedFormTest : public testing::Test {
   std::string m_notes;
 };
 
-TEST_F(SharedFormTest, SettingsApplyAtOnceFromAnyThreadWhileNothingRuns) {
-  m_form.Apply(Noting("a"));
-  Elsewhere([&] { m_form.Apply(Noting("b")); });
-  EXPECT_EQ("ab", m_notes);
-}
-
-TEST_F(SharedFormTest, WhileADialogRunsOnlyItsThreadSetsAtOnce) {
+TEST_F(SharedFormTest, WhileADialogRunsNoOtherStartsAndOnlyItsThreadSetsAtOnce) {
+  const auto another = []() -> std::int16_t { return 1; };
   const std::int16_t result = m_form.Run([&]() -> std::int16_t {
     m_form.Apply(Noting("a"));
     Elsewhere([&] {
@@ -43,24 +38,13 @@ TEST_F(SharedFormTest, WhileADialogRunsOnlyItsThreadSetsAtOnce) {
     });
     m_form.Apply(Noting("b"));
     EXPECT_EQ("ab", m_notes);
+    EXPECT_EQ(0, m_form.Run(another));
+    EXPECT_EQ(0, Elsewhere([&] { return m_form.Run(another); }));
     return 1;
   });
   EXPECT_EQ(1, result);
   EXPECT_EQ("abcd", m_notes) << "what waited follows in its order";
-}
-
-TEST_F(SharedFormTest, OneDialogAtATime) {
-  const auto dialog = [this]() -> std::int16_t {
-    m_notes += "ran";
-    return 1;
-  };
-  m_form.Run([&]() -> std::int16_t {
-    EXPECT_EQ(0, m_form.Run(dialog));
-    EXPECT_EQ(0, Elsewhere([&] { return m_form.Run(dialog); }));
-    return 0;
-  });
-  EXPECT_EQ("", m_notes);
-  EXPECT_EQ(1, m_form.Run(dialog));
+  EXPECT_EQ(1, m_form.Run(another));
 }
 
 TEST_F(SharedFormTest, ADialogThatFailsLeavesTheFormFree) {

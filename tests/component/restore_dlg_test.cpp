@@ -32,7 +32,7 @@ class RestoreDlgTest : public DialogTest, public component::FormProvider {
     ChooseRun();
     TickAll();
     Apply();
-    ui().cmdRestore[0].UserClick();
+    Click(dialog_test::kRestoreNow);
   }
 
   RestoreDlg first{*this}, second{*this};
@@ -40,28 +40,24 @@ class RestoreDlgTest : public DialogTest, public component::FormProvider {
 };
 
 TEST_F(RestoreDlgTest, ResultTellsACommitFromACancel) {
-  User([this] { Commit(); });
-  EXPECT_EQ(first.DefineRestoreSet(), 1);
-  EXPECT_EQ(events, Strings{"first"});
-  EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
-
-  User([this] {
-    Refresh();
-    ui().cmdRestore[1].UserClick();
-  });
-  desktop.answers = {platform::kAnswerYes};
-  EXPECT_EQ(first.DefineRestoreSet(), 0);
-  EXPECT_EQ(events.size(), 1u);
-  EXPECT_EQ(catalog->Marked(), Ids{});
-  User([] {});  // closed at once
-  EXPECT_EQ(first.DefineRestoreSet(), 0);
-  EXPECT_EQ(desktop.showCount, 3u);
-}
-
-TEST_F(RestoreDlgTest, ObjectsShareTheFormAndItsSettings) {
+  form.StopRequested = true;  // left over from an earlier dialog
   User([this] { Commit(); });
   EXPECT_EQ(second.DefineRestoreSet(), 1) << "the catalog was named to the first";
   EXPECT_EQ(events, Strings{"second"});
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
+
+  User([this] {
+    Click(dialog_test::kRefresh);
+    Click(dialog_test::kCancel);
+  });
+  desktop.answers = {platform::kAnswerYes};
+  EXPECT_EQ(second.DefineRestoreSet(), 0);
+  ExpectReports({"Clear Selection?: "});
+  EXPECT_EQ(catalog->Marked(), Ids{});
+  User([] {});  // closed at once
+  EXPECT_EQ(second.DefineRestoreSet(), 0);
+  EXPECT_EQ(events.size(), 1u);
+  EXPECT_EQ(desktop.showCount, 3u);
 }
 
 TEST_F(RestoreDlgTest, CaptionsAreAppliedWhenGivenAndOnlyToTheNextDialog) {
@@ -71,8 +67,7 @@ TEST_F(RestoreDlgTest, CaptionsAreAppliedWhenGivenAndOnlyToTheNextDialog) {
             ui().lblRestorePath.Visible() ? "shown" : "hidden"};
   });
   first.DefineRestoreSet();
-  const Strings designed{"Select Files to Restore", "Restore &Now", "Files Selected to Restore: ", "shown"};
-  EXPECT_EQ(seen, designed);
+  const Strings designed = seen;
   first.frmCaption("Pick");
   first.btnCaption("&Go");
   first.lblCaption("Chosen");
@@ -82,12 +77,12 @@ TEST_F(RestoreDlgTest, CaptionsAreAppliedWhenGivenAndOnlyToTheNextDialog) {
   first.frmCaption("");
   first.btnCaption("");
   first.DefineRestoreSet();
-  EXPECT_EQ(seen, (Strings{"Select Files to Restore", "Restore &Now", "Chosen", "hidden"}));
+  EXPECT_EQ(seen, (Strings{designed[0], designed[1], "Chosen", "hidden"}));
   second.DefineRestoreSet();
   EXPECT_EQ(seen, designed);
 }
 
-TEST_F(RestoreDlgTest, OneDialogAtATime) {
+TEST_F(RestoreDlgTest, NoDialogStartsInAnEventAndTheHostsTroubleIsItsOwn) {
   std::vector<int> inner;
   first.CommenceRestore = [&] {
     inner.push_back(first.DefineRestoreSet());
@@ -112,13 +107,6 @@ TEST_F(RestoreDlgTest, FailingStepsAreSkipped) {
   RestoreDlg lost(none);
   lost.DB("x");
   EXPECT_EQ(lost.DefineRestoreSet(), 0);
-}
-
-TEST_F(RestoreDlgTest, StopRequestOfAnEarlierDialogDoesNotStopTheNext) {
-  form.StopRequested = true;
-  User([this] { Commit(); });
-  EXPECT_EQ(first.DefineRestoreSet(), 1);
-  EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <utility>
 
 #include "controls/form.h"
@@ -24,14 +23,12 @@ class ControlHost : public testing::Test {
     };
     return static_cast<double>(ticks(kernel) + ticks(user)) / 10'000;
   }
+  // The time that a call takes, in such milliseconds.
   template <class Call>
-  static double Measure(const char* what, Call&& call) {
+  static double Measure(Call&& call) {
     const double before = Used();
     call();
-    const double used = Used() - before;
-    std::printf("  %-50s %6.0f ms\n", what, used);
-    std::fflush(stdout);
-    return used;
+    return Used() - before;
   }
 
   ControlHost() {
@@ -82,11 +79,6 @@ class ControlHost : public testing::Test {
       MsgWaitForMultipleObjects(0, nullptr, FALSE, 5, QS_ALLINPUT);
     }
   }
-  void PumpFor(DWORD milliseconds) {
-    const DWORD start = GetTickCount();
-    PumpUntil([&] { return GetTickCount() - start >= milliseconds; });
-  }
-
   void Press(HWND window, POINT point, UINT message = WM_LBUTTONDOWN) {
     const LPARAM place = MAKELPARAM(point.x, point.y);
     PostMessageW(window, message, MK_LBUTTON, place);

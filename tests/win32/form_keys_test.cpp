@@ -1,182 +1,125 @@
-#include <gtest/gtest.h>
-
-#include "form_session.h"
+#include "tests/win32/form_fixture.h"
 
 namespace kxrestore::win32::test {
 
-TEST(FormKeys, TabFollowsTheOrderOfCreationPastWhatCannotBeUsed) {
-  SampleForm ui;
+class FormKeys : public FormTest {};
+
+TEST_F(FormKeys, TabFollowsTheOrderOfCreationPastWhatCannotBeUsed) {
   ui.shared.SetEnabled(false);
   ui.drive.SetVisible(false);
-  FormSession session;
   std::string order;
-  for (int press = 0; press < 8; ++press) {
-    session.Then([&] {
-      order += FormSession::Focused() == nullptr ? "nothing" : FormSession::Focused()->Name();
-      order += ' ';
-      FormSession::Press(VK_TAB);
-    });
-  }
-  EXPECT_TRUE(session.Run(ui.form));
+  Run({[&] {
+    for (int press = 0; press < 8; ++press) {
+      order += Focused() + ' ';
+      Press(VK_TAB);
+    }
+  }});
   EXPECT_EQ(order, "tabs sampleCmd(0) chk opt(1) cbo txt bar tabs ");
 }
 
-TEST(FormKeys, UnderlinedLettersPressTheirControlAndSelectTheirTab) {
-  SampleForm ui;
+TEST_F(FormKeys, UnderlinedLettersPressTheirControlAndSelectTheirTab) {
   int applied = 0;
-  int shared = 0;
   ui.apply.Click = [&] { ++applied; };
-  ui.shared.Click = [&] { ++shared; };
-  FormSession session;
-  session.Then([&] { FormSession::PressAlt(L'y'); })
-      .Then([&] {
-        EXPECT_EQ(applied, 1);
-        EXPECT_EQ(FormSession::Focused(), &ui.apply);
-        FormSession::PressAlt(L'O');
-      })
-      .Then([&] {
-        EXPECT_EQ(ui.box.Value(), 1);
-        FormSession::PressAlt(L't');
-      })
-      .Then([&] {
-        EXPECT_TRUE(ui.one.Value());
-        FormSession::PressAlt(L'c');
-      })
-      .Then([&] {
-        EXPECT_EQ(ui.tabs.SelectedIndex(), 2);
-        EXPECT_EQ(FormSession::Focused(), &ui.tabs);
-        // A button and a tab share this letter: the button is not pressed by it.
-        FormSession::PressAlt(L's');
-      })
-      .Then([&] {
-        EXPECT_EQ(FormSession::Focused(), &ui.shared);
-        EXPECT_EQ(ui.tabs.SelectedIndex(), 2);
-        FormSession::PressAlt(L's');
-      })
-      .Then([&] {
-        EXPECT_EQ(shared, 0);
-        EXPECT_EQ(ui.tabs.SelectedIndex(), 3);
-        ui.apply.SetEnabled(false);
-        FormSession::PressAlt(L'y');
-      })
-      .Then([&] { EXPECT_EQ(applied, 1); });
-  EXPECT_TRUE(session.Run(ui.form));
+  ui.shared.Click = [&] { ADD_FAILURE() << "pressed by a letter that it shares"; };
+  Run({[&] {
+    PressAlt(L'y');
+    EXPECT_EQ(applied, 1);
+    EXPECT_EQ(Focused(), ui.apply.Name());
+    PressAlt(L'O');
+    EXPECT_EQ(ui.box.Value(), 1);
+    PressAlt(L't');
+    EXPECT_TRUE(ui.one.Value());
+    PressAlt(L'c');
+    EXPECT_EQ(ui.tabs.SelectedIndex(), 2);
+    EXPECT_EQ(Focused(), "tabs");
+    // A button and a tab share this letter: it goes from one to the other.
+    PressAlt(L's');
+    EXPECT_EQ(Focused(), ui.shared.Name());
+    EXPECT_EQ(ui.tabs.SelectedIndex(), 2);
+    PressAlt(L's');
+    EXPECT_EQ(ui.tabs.SelectedIndex(), 3);
+    ui.apply.SetEnabled(false);
+    PressAlt(L'y');
+    EXPECT_EQ(applied, 1);
+  }});
 }
 
-TEST(FormKeys, LabelsPointToWhatFollowsUnlessTheyShowNames) {
-  SampleForm ui;
+TEST_F(FormKeys, LabelsPointToWhatFollowsUnlessTheyShowNames) {
   ui.label.SetCaption("A&rea");
   controls::Label name("name", &ui.panel, "R&D");
   controls::TextBox after("after", &ui.form);
   name.SetUseMnemonic(false);
-  FormSession session;
-  session.Then([&] { FormSession::PressAlt(L'r'); })
-      .Then([&] {
-        EXPECT_EQ(FormSession::Focused(), &ui.bar);
-        EXPECT_NE(GetWindowLongPtrW(FormSession::WindowOf(name), GWL_STYLE) & SS_NOPREFIX, 0);
-        EXPECT_EQ(GetWindowLongPtrW(FormSession::WindowOf(ui.label), GWL_STYLE) & SS_NOPREFIX, 0);
-        after.SetFocus();
-        FormSession::PressAlt(L'd');
-      })
-      .Then([&] { EXPECT_EQ(FormSession::Focused(), &after); });
-  EXPECT_TRUE(session.Run(ui.form));
+  Run({[&] {
+    PressAlt(L'r');
+    EXPECT_EQ(Focused(), "bar");
+    EXPECT_NE(GetWindowLongPtrW(WindowOf(name), GWL_STYLE) & SS_NOPREFIX, 0);
+    EXPECT_EQ(GetWindowLongPtrW(WindowOf(ui.label), GWL_STYLE) & SS_NOPREFIX, 0);
+    after.SetFocus();
+    PressAlt(L'd');
+    EXPECT_EQ(Focused(), "after");
+  }});
 }
 
-TEST(FormKeys, ArrowsChooseAmongOptions) {
-  SampleForm ui;
-  FormSession session;
-  session
-      .Then([&] {
-        ui.all.SetFocus();
-        FormSession::Press(VK_DOWN);
-      })
-      .Then([&] {
-        EXPECT_TRUE(ui.one.Value());
-        EXPECT_EQ(FormSession::Focused(), &ui.one);
-        FormSession::Press(VK_LEFT);
-      })
-      .Then([&] {
-        EXPECT_TRUE(ui.all.Value());
-        ui.one.SetEnabled(false);
-        FormSession::Press(VK_UP);
-      })
-      .Then([&] { EXPECT_FALSE(ui.one.Value()); });
-  EXPECT_TRUE(session.Run(ui.form));
-}
-
-TEST(FormKeys, EnterPressesTheFocusedButtonOnly) {
-  SampleForm ui;
+TEST_F(FormKeys, ArrowsAndEnterWorkTheControlThatHasTheFocus) {
   int applied = 0;
-  ui.apply.Click = [&] { ++applied; };
-  FormSession session;
-  for (controls::Control* const control :
-       {static_cast<controls::Control*>(&ui.text), static_cast<controls::Control*>(&ui.mask),
-        static_cast<controls::Control*>(&ui.tabs), static_cast<controls::Control*>(&ui.box)}) {
-    session.Then([=] {
+  ui.apply.Click = [&] {
+    ++applied;
+    ui.apply.SetEnabled(false);
+  };
+  Run({[&] {
+    ui.bar.SetFocus();
+    Press(VK_UP);
+    Press(VK_LEFT);
+    EXPECT_EQ(ui.bar.Top(), 4005 - 120);
+    ui.all.SetFocus();
+    Press(VK_DOWN);
+    EXPECT_TRUE(ui.one.Value());
+    EXPECT_EQ(Focused(), ui.one.Name());
+    Press(VK_LEFT);
+    EXPECT_TRUE(ui.all.Value());
+    ui.one.SetEnabled(false);
+    Press(VK_UP);
+    EXPECT_FALSE(ui.one.Value());
+
+    controls::Control* const others[] = {&ui.text, &ui.mask, &ui.tabs, &ui.box};
+    for (controls::Control* const control : others) {
       control->SetFocus();
-      FormSession::Press(VK_RETURN);
-    });
-  }
-  session
-      .Then([&] {
-        EXPECT_EQ(applied, 0);
-        EXPECT_EQ(ui.box.Value(), 0);
-        ui.apply.SetFocus();
-        FormSession::Press(VK_RETURN);
-      })
-      .Then([&] { EXPECT_EQ(applied, 1); });
-  EXPECT_TRUE(session.Run(ui.form));
+      Press(VK_RETURN);
+    }
+    EXPECT_EQ(applied + ui.box.Value(), 0) << "Enter presses the focused button only";
+    ui.apply.SetFocus();
+    Press(VK_RETURN);
+    EXPECT_EQ(applied, 1);
+    // A control that is disabled or hidden leaves the focus to the next.
+    EXPECT_EQ(Focused(), ui.shared.Name());
+    ui.mask.SetFocus();
+    ui.panel.SetVisible(false);
+    Wait();
+    EXPECT_EQ(Focused(), "bar");
+    ExpectBox("KXRestore: Text");
+    TheDesktop().MessageBox("Text", platform::kOkOnly, "");
+    EXPECT_EQ(Focused(), "bar") << "a message box takes the focus and gives it back";
+  }});
 }
 
-TEST(FormKeys, FocusMovesOnWhenItsControlIsDisabledOrHidden) {
-  SampleForm ui;
-  ui.apply.Click = [&] { ui.apply.SetEnabled(false); };
-  FormSession session;
-  session
-      .Then([&] {
-        ui.apply.SetFocus();
-        FormSession::Press(VK_RETURN);
-      })
-      .Then([&] {
-        EXPECT_EQ(FormSession::Focused(), &ui.shared);
-        ui.mask.SetFocus();
-        ui.panel.SetVisible(false);
-      })
-      .Then([&] {
-        EXPECT_EQ(FormSession::Focused(), &ui.bar);
-        // A message box takes the focus and gives it back.
-        session.Platform().desktop.MessageBox("Text", platform::kOkOnly, "");
-      })
-      .Meanwhile([&] { EXPECT_EQ(AnswerBox(IDOK), "KXRestore: Text"); })
-      .Then([&] { EXPECT_EQ(FormSession::Focused(), &ui.bar); });
-  EXPECT_TRUE(session.Run(ui.form));
-}
-
-TEST(FormKeys, EscapeF5AndTheCloseBoxReachTheForm) {
-  SampleForm ui;
+TEST_F(FormKeys, EscapeF5AndTheCloseBoxReachTheForm) {
   std::string seen;
   ui.form.KeyPress = [&](controls::Key key) { seen += key == controls::Key::kEscape ? "Esc " : "F5 "; };
   ui.form.CloseRequest = [&] { seen += "close "; };
-  FormSession session;
-  session
-      .Then([&] {
-        ui.mask.SetFocus();
-        FormSession::Press(VK_ESCAPE);
-        FormSession::Press(VK_F5);
-        PostMessageW(FormSession::WindowOf(ui.form), WM_SYSCOMMAND, SC_CLOSE, 0);
-      })
-      .Then([&] {
-        EXPECT_EQ(seen, "Esc F5 close ");
-        EXPECT_TRUE(ui.form.IsOpen());
-        // In an open list Esc closes that.
-        SendMessageW(FormSession::WindowOf(ui.mask), CB_SHOWDROPDOWN, TRUE, 0);
-        FormSession::Press(VK_ESCAPE);
-      })
-      .Then([&] {
-        EXPECT_EQ(seen, "Esc F5 close ");
-        EXPECT_FALSE(SendMessageW(FormSession::WindowOf(ui.mask), CB_GETDROPPEDSTATE, 0, 0));
-      });
-  EXPECT_TRUE(session.Run(ui.form));
+  Run({[&] {
+    ui.mask.SetFocus();
+    Press(VK_ESCAPE);
+    Press(VK_F5);
+    PostMessageW(WindowOf(ui.form), WM_SYSCOMMAND, SC_CLOSE, 0);
+    Wait();
+    EXPECT_EQ(seen, "Esc F5 close ");
+    EXPECT_TRUE(ui.form.IsOpen());
+    // In an open list Esc closes that.
+    Ask(ui.mask, CB_SHOWDROPDOWN, TRUE);
+    Press(VK_ESCAPE);
+    EXPECT_EQ(seen, "Esc F5 close ");
+    EXPECT_FALSE(Ask(ui.mask, CB_GETDROPPEDSTATE));
+  }});
 }
 
 }  // namespace kxrestore::win32::test

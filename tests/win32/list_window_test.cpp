@@ -95,21 +95,17 @@ TEST_F(ListWindowTest, RowsTicksAndOrderFollowTheModel) {
   list.Add(Entry("Alpha", 1'234'567), true);
   list.Add(Entry("alpha", 30));
   PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 3; });
-  EXPECT_EQ(Ask(LVM_GETITEMCOUNT), 3);
-  EXPECT_EQ(Text(0, 0), L"beta");
   EXPECT_NE(Text(1, 1), L"1234567");
-  EXPECT_EQ(Box(0), 1);
-  EXPECT_EQ(Box(1), 2);
-
+  const auto rows = [&] {  // with the tick of the first one
+    return Text(0, 0) + L' ' + Text(1, 0) + L' ' + Text(2, 0) + (Box(0) == 2 ? L" +" : L" -");
+  };
+  EXPECT_EQ(rows(), L"beta Alpha alpha -");
   SortBy(0);
-  EXPECT_EQ(Text(0, 0), L"Alpha");
-  EXPECT_EQ(Text(1, 0), L"alpha");
-  EXPECT_EQ(Text(2, 0), L"beta");
-  EXPECT_EQ(Box(0), 2);
+  EXPECT_EQ(rows(), L"Alpha alpha beta +");
   SortBy(0);
-  EXPECT_EQ(Text(0, 0), L"beta");
+  EXPECT_EQ(rows().substr(0, 4), L"beta");
   SortBy(1);
-  EXPECT_EQ(Text(2, 0), L"Alpha");
+  EXPECT_EQ(rows(), L"beta alpha Alpha -");
 
   // A tick by the pointer and by the key reaches the entry, whatever its row; entry numbers stay.
   std::vector<std::size_t> changed;
@@ -214,28 +210,21 @@ TEST_F(ListWindowTest, GroupsOfTypesStayOnTop) {
 TEST_F(ListWindowTest, AMillionEntries) {
   AutoSelect list("asRestoreList", &form, AutoSelect::Style::kFiles);
   Show(list);
-  EXPECT_LT(Measure("add a million, one by one",
-                    [&] {
-                      std::string name;
-                      for (int number = 0; number < 1'000'000; ++number) {
-                        name = "C:\\Data\\Reports\\folder " + std::to_string(number % 977) + "\\File " +
-                               std::to_string(number) + ".doc";
-                        list.Add(Entry(name, number % 5'000));
-                      }
-                      PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 1'000'000; });
-                    }),
-            4'000);
-  EXPECT_LT(Measure("sort by name", [&] { SortBy(0); }), 12'000);
+  const double add = Measure([&] {
+    for (int number = 0; number < 1'000'000; ++number) {
+      list.Add(Entry("C:\\Data\\Reports\\folder " + std::to_string(number % 977) + "\\File " +
+                         std::to_string(number) + ".doc",
+                     number % 5'000));
+    }
+    PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 1'000'000; });
+  });
+  EXPECT_LT(add, 4'000);
+  EXPECT_LT(Measure([&] { SortBy(0); }), 12'000);
   EXPECT_EQ(Text(0, 0), L"C:\\Data\\Reports\\folder 0\\File 0.doc");
-  EXPECT_LT(Measure("sort by size", [&] { SortBy(1); }), 6'000);
+  EXPECT_LT(Measure([&] { SortBy(1); }), 6'000);
   EXPECT_EQ(Text(999'999, 0), L"C:\\Data\\Reports\\folder 528\\File 999999.doc");
   list.TickAll(true);
   EXPECT_EQ(Box(777'777), 2);
-  Measure("clear", [&] {
-    list.Clear();
-    Pump();
-  });
-  EXPECT_EQ(Ask(LVM_GETITEMCOUNT), 0);
   list.AttachPeer(nullptr);
 }
 

@@ -38,18 +38,17 @@ TEST_F(MachineTest, RegistryKeepsTextAndNumbers) {
   // Without its NUL; the system would add one that follows the data.
   RegSetValueExA(reinterpret_cast<HKEY>(key), "Bare", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcX"), 3);
   EXPECT_EQ(registry.SetValue(key, "Number", platform::kRegDword, {1, 2, 0xFF, 0}), 0);
-  std::uint32_t type = 0;
-  std::uint32_t size = 0;
+  std::uint32_t type = 0, size = 0;
   EXPECT_EQ(registry.QueryValue(key, "ClientDB", type, size), 0);
   EXPECT_EQ(type, platform::kRegSz);
   EXPECT_EQ(size, ToAnsi(text).size());
+  const std::pair<const char*, std::vector<std::uint8_t>> values[] = {
+      {"ClientDB", Bytes(FromAnsi(ToAnsi(text)))}, {"Bare", Bytes("abc")}, {"Number", {1, 2, 0xFF, 0}}};
   std::vector<std::uint8_t> data;
-  EXPECT_EQ(registry.ReadValue(key, "ClientDB", data), 0);
-  EXPECT_EQ(data, Bytes(FromAnsi(ToAnsi(text))));
-  EXPECT_EQ(registry.ReadValue(key, "Bare", data), 0);
-  EXPECT_EQ(data, Bytes("abc"));
-  EXPECT_EQ(registry.ReadValue(key, "Number", data), 0);
-  EXPECT_EQ(data, (std::vector<std::uint8_t>{1, 2, 0xFF, 0}));
+  for (const auto& [name, value] : values) {
+    EXPECT_EQ(registry.ReadValue(key, name, data), 0);
+    EXPECT_EQ(data, value) << name;
+  }
   EXPECT_NE(registry.ReadValue(key, "Missing", data), 0);
   registry.CloseKey(key);
 }
@@ -78,20 +77,16 @@ TEST_F(MachineTest, DrivesAndFilesAreFound) {
 
   wchar_t folder[MAX_PATH];
   GetTempPathW(MAX_PATH, folder);
-  const std::string base = Narrow(folder) + "kxrestore-";
-  const std::wstring file = Wide(base + "archive \xC3\xBC.mdb");
-  const std::wstring onlyFolder = Wide(base + "folder.dir");
-  std::ofstream(base + "x.tmp").put('x');
-  MoveFileExW(Wide(base + "x.tmp").c_str(), file.c_str(), MOVEFILE_REPLACE_EXISTING);
-  CreateDirectoryW(onlyFolder.c_str(), nullptr);
-  EXPECT_TRUE(drives.FileMatches(base + "arch*.mdb"));
-  EXPECT_EQ(base + "archive \xC3\xBC.mdb", drives.FirstFile(base + "arch*.mdb"));
-  EXPECT_TRUE(drives.FileMatches(base + "archive \xC3\xBC.mdb"));
-  EXPECT_FALSE(drives.FileMatches(base + "none*.mdb"));
-  EXPECT_FALSE(drives.FileMatches(base + "*.dir"));
-  EXPECT_FALSE(drives.FileMatches("Q:\\*.mdb"));
-  DeleteFileW(file.c_str());
-  RemoveDirectoryW(onlyFolder.c_str());
+  const std::string base = Narrow(folder) + "kxrestore-", file = base + "archive \xC3\xBC.mdb";
+  std::ofstream(Wide(file).c_str()).put('x');
+  CreateDirectoryW(Wide(base + "folder.dir").c_str(), nullptr);
+  EXPECT_EQ(file, drives.FirstFile(base + "arch*.mdb"));
+  EXPECT_TRUE(drives.FileMatches(file));
+  for (const std::string& none : {base + "none*.mdb", base + "*.dir", std::string("Q:\\*.mdb")}) {
+    EXPECT_FALSE(drives.FileMatches(none)) << none;
+  }
+  DeleteFileW(Wide(file).c_str());
+  RemoveDirectoryW(Wide(base + "folder.dir").c_str());
 }
 
 }  // namespace kxrestore::win32::test
