@@ -96,6 +96,10 @@ class DialogTest : public testing::Test {
     form.DBPass(password);
   }
 
+  void PutSetting(std::uint32_t root, const char* name, const std::string& text) {
+    platform.registry.Put(root, "Software\\Brellick Labs, Inc.\\Tarvane\\Settings", name, text);
+  }
+
   FormControls& ui() { return form.Controls(); }
 
   // The first node of a tree, from its top, with this text or tag; its tests fail without one.

@@ -59,10 +59,7 @@ TEST_F(FormTest, EachLoadStartsAsDesignedKeepsTheParametersAndIsLogged) {
 
 TEST_F(FormTest, IconComesFromTheClientFolder) {
   MakeCatalog({});
-  const std::string key = "Software\\Brellick Labs, Inc.\\Tarvane\\Settings";
-  const std::string client = std::string("C:\\Client\0old", 13);
-  platform.registry.Put(platform::kHkeyLocalMachine, key, "ClientDB",
-                        {platform::kRegSz, std::vector<std::uint8_t>(client.begin(), client.end())});
+  PutSetting(platform::kHkeyLocalMachine, "ClientDB", std::string("C:\\Client\0old", 13));
   EXPECT_EQ(ui().form.IconPath(), "") << "no such file";
   ui().form.UserClose();
   platform.drives.files = {"C:\\Client\\kxicon.ico"};

@@ -1,7 +1,6 @@
 // Where everything stands, at any size of the window, and that it comes back there.
 #include <random>
 
-#include "controls/program_settings.h"
 #include "tests/dialog/dialog_fixture.h"
 
 namespace kxrestore::dialog_test {
@@ -132,16 +131,12 @@ TEST_F(LayoutTest, TheWindowAndItsBarsComeBackWhereTheyWere) {
 
 TEST_F(LayoutTest, NonsenseThatWasRememberedIsNotUsed) {
   const int width = ui().form.Width(), bar = ui().splitH.Top();
-  controls::CProgramSettings settings(platform.registry, desktop);
-  settings.SetRootKey(platform::kHkeyCurrentUser);
-  settings.SetMainBranch("Software");
-  settings.SetRegBase("Brellick Labs, Inc.");
-  settings.SetProgram("Tarvane");
   for (const char* text :
-       {"1 2 3", "0 0 -5 9000 0", "a b c d e", "0 0 99999999999 5 0", "0 0 9000 9000 0 7"}) {
+       {"1 2 3", "0 0 -5 9000 0", "a b c d e", "0 0 99999999999 5 0", "99999999999 5", "0 0 9000 9000 0 7"}) {
     ui().form.Unload();
-    settings.WriteEntry("RestoreWindow", text);
-    settings.WriteEntry("RestoreSplitters", text);
+    for (const char* name : {"RestoreWindow", "RestoreSplitters"}) {
+      PutSetting(platform::kHkeyCurrentUser, name, text);
+    }
     EXPECT_EQ(ui().form.Width(), width) << text;
     EXPECT_EQ(ui().splitH.Top(), bar) << text;
     EXPECT_FALSE(ui().form.placement.known) << text;

@@ -4,13 +4,24 @@
 
 namespace kxrestore::e2e {
 
-std::wstring DllPath() {
+namespace {
+
+std::wstring BuildFolder() {
   wchar_t program[1024];
   GetModuleFileNameW(nullptr, program, 1024);
   std::wstring path = program;
   path.resize(path.find_last_of(L'\\'));
-  path.resize(path.find_last_of(L'\\') + 1);
-  return path + L"KXRestore.dll";
+  return path.substr(0, path.find_last_of(L'\\') + 1);
+}
+
+}  // namespace
+
+std::wstring DllPath() {
+  return BuildFolder() + L"KXRestore.dll";
+}
+
+std::wstring HostFolder() {
+  return BuildFolder() + L"host\\";
 }
 
 ComponentDll::ComponentDll(const std::wstring& path) : m_module(LoadLibraryW(path.c_str())) {

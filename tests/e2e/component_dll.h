@@ -1,6 +1,7 @@
 // The DLL under test and what every test of it needs. It is used without being registered.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <ocidl.h>
@@ -24,8 +25,9 @@ class Apartment {
   Apartment& operator=(const Apartment&) = delete;
 };
 
-// ../KXRestore.dll from the folder of the test program.
+// ../KXRestore.dll and ../host from the folder of the test program.
 std::wstring DllPath();
+std::wstring HostFolder();  // with its backslash
 
 class ComponentDll {
  public:
@@ -87,8 +89,36 @@ class Text {
   BSTR m_text;
 };
 
+// Arguments of late-bound calls.
+inline VARIANT OfText(BSTR text) {
+  VARIANT value{};
+  value.vt = VT_BSTR;
+  value.bstrVal = text;
+  return value;
+}
+inline VARIANT OfNumber(LONG number) {
+  VARIANT value{};
+  value.vt = VT_I4;
+  value.lVal = number;
+  return value;
+}
+inline VARIANT Reference(VARIANT* to) {
+  VARIANT value{};
+  value.vt = VT_BYREF | VT_VARIANT;
+  value.pvarVal = to;
+  return value;
+}
+
 // IDispatch::Invoke by name. `flags` is DISPATCH_METHOD or DISPATCH_PROPERTYPUT.
 HRESULT CallByName(IDispatch* object, const wchar_t* name, WORD flags, VARIANT* argument = nullptr,
                    VARIANT* result = nullptr);
+
+// An object of its own, without a dialog.
+class ObjectTest : public testing::Test {
+ protected:
+  Apartment m_apartment;
+  ComponentDll m_dll;
+  ComPtr<_RestoreDlg> m_object = m_dll.NewObject();
+};
 
 }  // namespace kxrestore::e2e

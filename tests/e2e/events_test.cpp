@@ -1,6 +1,4 @@
 // Connecting to the event. That it comes is tested with the dialog.
-#include <gtest/gtest.h>
-
 #include <olectl.h>
 
 #include "tests/e2e/component_dll.h"
@@ -8,11 +6,8 @@
 namespace kxrestore::e2e {
 namespace {
 
-class EventsTest : public testing::Test {
+class EventsTest : public ObjectTest {
  protected:
-  Apartment m_apartment;
-  ComponentDll m_dll;
-  ComPtr<_RestoreDlg> m_object = m_dll.NewObject();
   ComPtr<IConnectionPoint> m_point = EventsOf(m_object.Get());
 };
 

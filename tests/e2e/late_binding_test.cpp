@@ -1,75 +1,39 @@
 // Calls through IDispatch as scripting engines make them. What the values do is tested with the dialog.
-#include <gtest/gtest.h>
-
 #include "tests/e2e/component_dll.h"
 
 namespace kxrestore::e2e {
 namespace {
 
-class LateBindingTest : public testing::Test {
+class LateBindingTest : public ObjectTest {
  protected:
   HRESULT Put(const wchar_t* name, VARIANT value) {
     return CallByName(m_object.Get(), name, DISPATCH_PROPERTYPUT, &value);
   }
-  VARIANT OfText(BSTR text) {
-    VARIANT value{};
-    value.vt = VT_BSTR;
-    value.bstrVal = text;
-    return value;
-  }
-  VARIANT OfNumber(LONG number) {
-    VARIANT value{};
-    value.vt = VT_I4;
-    value.lVal = number;
-    return value;
-  }
-  VARIANT Reference(VARIANT* to) {
-    VARIANT value{};
-    value.vt = VT_BYREF | VT_VARIANT;
-    value.pvarVal = to;
-    return value;
-  }
-
-  Apartment m_apartment;
-  ComponentDll m_dll;
-  ComPtr<_RestoreDlg> m_object = m_dll.NewObject();
 };
 
-TEST_F(LateBindingTest, TextsArriveHoweverTheyArePassed) {
-  Text text(L"C:\\catalog.db");
-  VARIANT byReference{};
-  byReference.vt = VT_BYREF | VT_BSTR;
-  byReference.pbstrVal = &text;
-  VARIANT variable = OfText(text);
-  VARIANT number = OfNumber(42);
-  VARIANT empty{};
+TEST_F(LateBindingTest, ValuesArriveHoweverTheyArePassed) {
+  Text text(L"C:\\catalog.db"), one(L"1");
+  VARIANT textByReference{}, empty{}, truth{};
+  textByReference.vt = VT_BYREF | VT_BSTR;
+  textByReference.pbstrVal = &text;
+  truth.vt = VT_BOOL;
+  truth.boolVal = VARIANT_TRUE;
+  VARIANT variable = OfText(text), number = OfNumber(1);
   for (const wchar_t* name : {L"DB", L"RestorePath", L"SessionLogName", L"frmCaption", L"DBPass"}) {
-    SCOPED_TRACE(testing::Message() << name);
-    EXPECT_EQ(S_OK, Put(name, OfText(text)));
-    EXPECT_EQ(S_OK, Put(name, byReference));
-    EXPECT_EQ(S_OK, Put(name, Reference(&variable)));
-    EXPECT_EQ(S_OK, Put(name, OfNumber(42)));
-    EXPECT_EQ(S_OK, Put(name, Reference(&number)));
-    EXPECT_EQ(S_OK, Put(name, empty));
-    EXPECT_EQ(S_OK, Put(name, Reference(&empty)));
+    for (const VARIANT& value : {OfText(text), textByReference, Reference(&variable), OfNumber(42),
+                                 Reference(&number), empty, Reference(&empty)}) {
+      EXPECT_EQ(S_OK, Put(name, value)) << testing::PrintToString(name) << " as " << value.vt;
+    }
   }
   // The host's variable is the host's.
   EXPECT_EQ(VT_BSTR, variable.vt);
   EXPECT_STREQ(L"C:\\catalog.db", variable.bstrVal);
-}
 
-TEST_F(LateBindingTest, NumbersAndFlagsAreConverted) {
-  VARIANT variable = OfNumber(1);
-  Text one(L"1");
-  VARIANT truth{};
-  truth.vt = VT_BOOL;
-  truth.boolVal = VARIANT_TRUE;
-  EXPECT_EQ(S_OK, Put(L"DBType", OfNumber(0)));
-  EXPECT_EQ(S_OK, Put(L"DBType", Reference(&variable)));
-  EXPECT_EQ(S_OK, Put(L"DBType", OfText(one)));
-  EXPECT_EQ(S_OK, Put(L"DebugFlag", truth));
-  EXPECT_EQ(S_OK, Put(L"lblInVisible", OfNumber(0)));
-  EXPECT_EQ(S_OK, Put(L"lblInVisible", Reference(&truth)));
+  for (const wchar_t* name : {L"DBType", L"DebugFlag", L"lblInVisible"}) {
+    for (const VARIANT& value : {OfNumber(0), Reference(&number), OfText(one), truth, Reference(&truth)}) {
+      EXPECT_EQ(S_OK, Put(name, value)) << testing::PrintToString(name) << " as " << value.vt;
+    }
+  }
   EXPECT_EQ(DISP_E_OVERFLOW, Put(L"DBType", OfNumber(70000)));
 }
 

@@ -1,6 +1,4 @@
 // What registering leaves in the registry, and that unregistering takes all of it away.
-#include <gtest/gtest.h>
-
 #include "tests/e2e/component_dll.h"
 #include "tests/e2e/registry_keys.h"
 
@@ -54,45 +52,28 @@ class RegistrationTest : public testing::Test {
   Apartment m_apartment;
 };
 
-TEST_F(RegistrationTest, Regsvr32RegistersForTheMachineAndBack) {
-  ASSERT_EQ(0, Regsvr32(L""));
-  ExpectRegistered(HKEY_LOCAL_MACHINE, DllPath());
-  ExpectNothing(HKEY_CURRENT_USER);
-
-  CLSID classId{};
-  EXPECT_EQ(S_OK, CLSIDFromProgID(kProgId.c_str(), &classId));
-  EXPECT_EQ(CLSID_RestoreDlg, classId);
-  {
-    ComPtr<_RestoreDlg> object;
-    EXPECT_EQ(S_OK, CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID__RestoreDlg,
-                                     reinterpret_cast<void**>(object.GetAddressOf())));
-    ComPtr<ITypeLib> library;
-    EXPECT_EQ(S_OK, LoadRegTypeLib(LIBID_KXRestore, 1, 1, LOCALE_NEUTRAL, library.GetAddressOf()));
+TEST_F(RegistrationTest, Regsvr32AndInstallRegisterAndTakeItBack) {
+  const struct {
+    std::wstring arguments;  // of regsvr32
+    const wchar_t* commandLine;
+    HKEY root, other;
+  } cases[] = {{L"", nullptr, HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER},
+               {L"/n /i:user", L"USER", HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}};
+  for (const auto& [arguments, commandLine, root, other] : cases) {
+    ASSERT_EQ(0, Regsvr32(arguments));
+    ExpectRegistered(root, DllPath());
+    ExpectNothing(other);
+    for (int time = 0; time < 2; ++time) {  // nothing to take away is no error
+      EXPECT_EQ(0, Regsvr32(L"/u " + arguments));
+      ExpectNothing(root);
+    }
+    EXPECT_EQ(S_OK, CallInstall(true, commandLine));
+    ExpectRegistered(root, DllPath());
+    EXPECT_EQ(S_OK, CallInstall(false, commandLine));
+    ExpectNothing(root);
   }
-
-  EXPECT_EQ(0, Regsvr32(L"/u"));
-  ExpectNothing(HKEY_LOCAL_MACHINE);
-  EXPECT_EQ(0, Regsvr32(L"/u")) << "nothing to take away is no error";
-}
-
-TEST_F(RegistrationTest, Regsvr32RegistersForTheUserAndBack) {
-  ASSERT_EQ(0, Regsvr32(L"/n /i:user"));
-  ExpectRegistered(HKEY_CURRENT_USER, DllPath());
-  ExpectNothing(HKEY_LOCAL_MACHINE);
-  EXPECT_EQ(0, Regsvr32(L"/u /n /i:user"));
-  ExpectNothing(HKEY_CURRENT_USER);
-  EXPECT_EQ(0, Regsvr32(L"/u /n /i:user"));
-}
-
-TEST_F(RegistrationTest, InstallKnowsItsCommandLines) {
   EXPECT_EQ(E_INVALIDARG, CallInstall(true, L"users"));
   ExpectNothing(HKEY_CURRENT_USER);
-  EXPECT_EQ(S_OK, CallInstall(true, L"USER"));
-  ExpectRegistered(HKEY_CURRENT_USER, DllPath());
-  EXPECT_EQ(S_OK, CallInstall(true, nullptr));
-  ExpectRegistered(HKEY_LOCAL_MACHINE, DllPath());
-  EXPECT_EQ(S_OK, CallInstall(false, L""));
-  ExpectNothing(HKEY_LOCAL_MACHINE);
 }
 
 TEST_F(RegistrationTest, RegisteringTwiceMovesToTheNewPlace) {
@@ -108,14 +89,16 @@ TEST_F(RegistrationTest, RegisteringTwiceMovesToTheNewPlace) {
   ExpectRegistered(HKEY_LOCAL_MACHINE, copy);
   EXPECT_EQ(folder, ClassValue(HKEY_LOCAL_MACHINE, kLibraryKey + L"\\1.1\\HELPDIR"));
   {
+    CLSID classId{};
+    EXPECT_EQ(S_OK, CLSIDFromProgID(kProgId.c_str(), &classId));
     ComPtr<IDispatch> object;
-    ASSERT_EQ(S_OK, CoCreateInstance(CLSID_RestoreDlg, nullptr, CLSCTX_INPROC_SERVER,
-                                     IID_PPV_ARGS(object.GetAddressOf())));
+    ASSERT_EQ(S_OK,
+              CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(object.GetAddressOf())));
     Text text(L"x");
-    VARIANT value{};
-    value.vt = VT_BSTR;
-    value.bstrVal = text;
+    VARIANT value = OfText(text);
     EXPECT_EQ(S_OK, CallByName(object.Get(), L"DB", DISPATCH_PROPERTYPUT, &value));
+    ComPtr<ITypeLib> library;
+    EXPECT_EQ(S_OK, LoadRegTypeLib(LIBID_KXRestore, 1, 1, LOCALE_NEUTRAL, library.GetAddressOf()));
   }
   EXPECT_EQ(S_OK, CallExport(copy, "DllUnregisterServer"));
   CoFreeUnusedLibrariesEx(0, 0);

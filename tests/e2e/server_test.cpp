@@ -1,6 +1,4 @@
 // The class factory, the interfaces of the object, and when the DLL may go.
-#include <gtest/gtest.h>
-
 #include <olectl.h>
 
 #include "tests/e2e/component_dll.h"
@@ -8,35 +6,37 @@
 namespace kxrestore::e2e {
 namespace {
 
-class ServerTest : public testing::Test {
- protected:
-  Apartment m_apartment;
-  ComponentDll m_dll;
-};
+class ServerTest : public ObjectTest {};
 
 TEST_F(ServerTest, RefusesWhatItDoesNotHave) {
-  void* object = this;
-  EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, m_dll.GetClassObject(IID__RestoreDlg, IID_IClassFactory, &object));
-  EXPECT_EQ(nullptr, object);
-  object = this;
-  EXPECT_EQ(E_NOINTERFACE, m_dll.GetClassObject(CLSID_RestoreDlg, IID__RestoreDlg, &object));
-  EXPECT_EQ(nullptr, object);
-  EXPECT_EQ(E_POINTER, m_dll.GetClassObject(CLSID_RestoreDlg, IID_IClassFactory, nullptr));
-
   const ComPtr<IClassFactory> factory = m_dll.Factory();
-  object = this;
-  EXPECT_EQ(CLASS_E_NOAGGREGATION, factory->CreateInstance(factory.Get(), IID_IUnknown, &object));
-  EXPECT_EQ(nullptr, object);
-  object = this;
-  EXPECT_EQ(E_NOINTERFACE, factory->CreateInstance(nullptr, IID_IClassFactory, &object));
-  EXPECT_EQ(nullptr, object);
+  const auto refused = [this](auto call) {
+    void* object = this;
+    const HRESULT result = call(&object);
+    EXPECT_EQ(nullptr, object);
+    return result;
+  };
+  EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, refused([&](void** object) {
+              return m_dll.GetClassObject(IID__RestoreDlg, IID_IClassFactory, object);
+            }));
+  EXPECT_EQ(E_NOINTERFACE, refused([&](void** object) {
+              return m_dll.GetClassObject(CLSID_RestoreDlg, IID__RestoreDlg, object);
+            }));
+  EXPECT_EQ(CLASS_E_NOAGGREGATION, refused([&](void** object) {
+              return factory->CreateInstance(factory.Get(), IID_IUnknown, object);
+            }));
+  EXPECT_EQ(E_NOINTERFACE, refused([&](void** object) {
+              return factory->CreateInstance(nullptr, IID_IClassFactory, object);
+            }));
+  EXPECT_EQ(E_NOINTERFACE,
+            refused([&](void** object) { return m_object->QueryInterface(IID_IPersist, object); }));
+  EXPECT_EQ(E_POINTER, m_dll.GetClassObject(CLSID_RestoreDlg, IID_IClassFactory, nullptr));
   EXPECT_EQ(E_POINTER, factory->CreateInstance(nullptr, IID_IUnknown, nullptr));
 }
 
 TEST_F(ServerTest, EveryInterfaceLeadsToTheOneIdentity) {
-  const ComPtr<_RestoreDlg> object = m_dll.NewObject();
   ComPtr<IUnknown> identity;
-  ASSERT_EQ(S_OK, object->QueryInterface(IID_PPV_ARGS(identity.GetAddressOf())));
+  ASSERT_EQ(S_OK, m_object->QueryInterface(IID_PPV_ARGS(identity.GetAddressOf())));
   for (const IID& iid : {IID_IDispatch, IID__RestoreDlg, IID_IConnectionPointContainer, IID_IProvideClassInfo,
                          IID_IProvideClassInfo2}) {
     ComPtr<IUnknown> other;
@@ -45,12 +45,13 @@ TEST_F(ServerTest, EveryInterfaceLeadsToTheOneIdentity) {
     ASSERT_EQ(S_OK, other->QueryInterface(IID_PPV_ARGS(same.GetAddressOf())));
     EXPECT_EQ(identity.Get(), same.Get());
   }
-  void* none = this;
-  EXPECT_EQ(E_NOINTERFACE, identity->QueryInterface(IID_IPersist, &none));
-  EXPECT_EQ(nullptr, none);
 }
 
 TEST_F(ServerTest, StaysLoadedWhileSomethingIsInUse) {
+  Text name(L"C:\\none.db");
+  EXPECT_EQ(S_OK, m_object->put_DB(&name));  // makes the form, which keeps nothing loaded
+  EXPECT_FALSE(m_dll.CanUnload());
+  m_object.Reset();
   EXPECT_TRUE(m_dll.CanUnload());
   {
     const ComPtr<IClassFactory> factory = m_dll.Factory();
@@ -81,15 +82,9 @@ TEST_F(ServerTest, StaysLoadedWhileSomethingIsInUse) {
   EXPECT_TRUE(m_dll.CanUnload());
 }
 
-TEST_F(ServerTest, TheFormKeepsNothingLoaded) {
-  Text name(L"C:\\none.db");
-  EXPECT_EQ(S_OK, m_dll.NewObject()->put_DB(&name));
-  EXPECT_TRUE(m_dll.CanUnload());
-}
-
 TEST_F(ServerTest, SaysWhatItsClassIs) {
   ComPtr<IProvideClassInfo2> classInfo;
-  ASSERT_EQ(S_OK, m_dll.NewObject()->QueryInterface(IID_PPV_ARGS(classInfo.GetAddressOf())));
+  ASSERT_EQ(S_OK, m_object->QueryInterface(IID_PPV_ARGS(classInfo.GetAddressOf())));
   GUID guid{};
   EXPECT_EQ(S_OK, classInfo->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &guid));
   EXPECT_EQ(DIID___RestoreDlg, guid);

@@ -40,19 +40,29 @@ TEST_F(SharingTest, TwoObjectsSpeakToOneForm) {
   EXPECT_EQ(0, m_sink->events);
 }
 
-TEST_F(SharingTest, ADialogInTheEventIsRefused) {
-  const ComPtr<_RestoreDlg> other = m_dll.NewObject();
-  short again = -1;
-  short another = -1;
+TEST_F(SharingTest, TheEventMayDoAnything) {
+  _RestoreDlg* object = m_object.Detach();
+  short again = -1, another = -1;
+  bool unloadable = true;
   const ComPtr<CountingSink> sink = CountingSink::Make([&] {
-    EXPECT_EQ(S_OK, m_object->DefineRestoreSet(&again));
-    EXPECT_EQ(S_OK, other->DefineRestoreSet(&another));
+    EXPECT_EQ(S_OK, object->DefineRestoreSet(&again));
+    EXPECT_EQ(S_OK, m_dll.NewObject()->DefineRestoreSet(&another));
+    Text path(L"E:\\next");
+    EXPECT_EQ(S_OK, object->put_RestorePath(&path));
+    object->Release();
+    unloadable = m_dll.CanUnload();
   });
-  Advise(m_object.Get(), sink.Get());
-  EXPECT_EQ(1, RunDialog(m_object.Get(), Commit));
-  EXPECT_EQ(0, again);
+  Advise(object, sink.Get());
+  EXPECT_EQ(1, RunDialog(object, Commit));
+  EXPECT_EQ(0, again) << "one dialog at a time";
   EXPECT_EQ(0, another);
   EXPECT_EQ(1, sink->events);
+  EXPECT_FALSE(unloadable) << "the dialog is running";
+  EXPECT_TRUE(m_dll.CanUnload());
+  RunDialog(m_dll.NewObject().Get(), [](const DialogDriver& dialog) {
+    dialog.ExpectText("lblRestorePath", "Restore To: E:\\next");
+    dialog.Close();
+  });
 }
 
 TEST_F(SharingTest, NoSinkDisturbsTheOthers) {
@@ -77,32 +87,6 @@ TEST_F(SharingTest, NoSinkDisturbsTheOthers) {
   EXPECT_EQ(1, RunDialog(m_object.Get(), Commit));
   for (const auto& sink : {m_sink, failing, throwing, leaving, last}) EXPECT_EQ(1, sink->events);
   EXPECT_EQ(0, removed->events);
-}
-
-TEST_F(SharingTest, TheHostMayLetGoInTheEvent) {
-  _RestoreDlg* object = m_object.Detach();
-  bool unloadable = true;
-  const ComPtr<CountingSink> sink = CountingSink::Make([&] {
-    object->Release();
-    unloadable = m_dll.CanUnload();
-  });
-  Advise(object, sink.Get());
-  EXPECT_EQ(1, RunDialog(object, Commit));
-  EXPECT_FALSE(unloadable) << "the dialog is running";
-  EXPECT_TRUE(m_dll.CanUnload());
-}
-
-TEST_F(SharingTest, SettingsInTheEventApplyAtOnce) {
-  const ComPtr<CountingSink> sink = CountingSink::Make([&] {
-    Text path(L"E:\\next");
-    EXPECT_EQ(S_OK, m_object->put_RestorePath(&path));
-  });
-  Advise(m_object.Get(), sink.Get());
-  EXPECT_EQ(1, RunDialog(m_object.Get(), Commit));
-  RunDialog(m_object.Get(), [](const DialogDriver& dialog) {
-    dialog.ExpectText("lblRestorePath", "Restore To: E:\\next");
-    dialog.Close();
-  });
 }
 
 TEST_F(SharingTest, AnotherApartmentNeitherWaitsNorDisturbs) {

@@ -16,20 +16,6 @@ namespace {
 
 using component::com::FromWide;
 
-struct CloseDatabase {
-  void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
-};
-using Database = std::unique_ptr<sqlite3, CloseDatabase>;
-
-Database Open(const std::wstring& path) {
-  sqlite3* database = nullptr;
-  const int code = sqlite3_open_v2(FromWide(path).c_str(), &database, SQLITE_OPEN_READWRITE, nullptr);
-  Database opened(database);
-  if (code != SQLITE_OK) throw std::runtime_error("the test catalog cannot be opened");
-  sqlite3_busy_timeout(database, 5000);
-  return opened;
-}
-
 sample::FileRow File(std::int64_t id, std::int64_t set, const std::string& extension,
                      const std::string& path) {
   sample::FileRow row;
@@ -37,12 +23,11 @@ sample::FileRow File(std::int64_t id, std::int64_t set, const std::string& exten
   row.dateStamp = "2026-11-01 02:25:30";
   row.setId = set;
   row.extension = extension;
-  row.filename = path;
+  row.filename = row.origName = path;
   row.file = path.substr(path.find_last_of('\\') + 1);
-  row.storeName = std::to_string(id);
   row.origSize = 1000 * id;
-  row.status = 2;
-  row.origName = path;
+  row.status = id == kDead ? 3 : 2;
+  if (id == kNewLong) row.longPathId = 1;
   return row;
 }
 
@@ -57,13 +42,9 @@ void TestCatalog::AddRows(sample::CatalogSink& rows) {
   rows.AddLongPath({1, "C:\\Data\\Reports\\a very long name.xls"});
   rows.AddFile(File(kNewA, 1, "002", "C:\\Data\\a.txt"));
   rows.AddFile(File(kNewB, 1, "002", "C:\\Data\\Reports\\b.doc"));
-  sample::FileRow longRow = File(kNewLong, 1, "002", "C:\\Data\\Reports\\AVERYL~1.XLS");
-  longRow.longPathId = 1;
-  rows.AddFile(longRow);
+  rows.AddFile(File(kNewLong, 1, "002", "C:\\Data\\Reports\\AVERYL~1.XLS"));
   rows.AddFile(File(kNewY, 1, "002", "D:\\y.txt"));
-  sample::FileRow dead = File(kDead, 1, "002", "C:\\Data\\dead.txt");
-  dead.status = 3;
-  rows.AddFile(dead);
+  rows.AddFile(File(kDead, 1, "002", "C:\\Data\\dead.txt"));
   rows.AddFile(File(kOldA, 1, "001", "C:\\Data\\a.txt"));
   rows.AddFile(File(kBox, 2, "003", "C:\\Mail\\box.pst"));
 }
@@ -83,25 +64,20 @@ TestCatalog::~TestCatalog() {
   std::filesystem::remove_all(m_folder, ignored);
 }
 
-std::set<std::int64_t> TestCatalog::Marked() const {
+std::set<std::int64_t> TestCatalog::Query(const std::string& sql) const {
+  sqlite3* raw = nullptr;
+  const int opened = sqlite3_open_v2(FromWide(Path()).c_str(), &raw, SQLITE_OPEN_READWRITE, nullptr);
+  const std::unique_ptr<sqlite3, int (*)(sqlite3*)> database(raw, sqlite3_close_v2);
+  sqlite3_busy_timeout(raw, 5000);
   std::set<std::int64_t> ids;
-  const Database database = Open(Path());
-  const int code = sqlite3_exec(
-      database.get(), "SELECT ID FROM Catalog WHERE Restore <> 0",
-      [](void* list, int, char** values, char**) {
-        static_cast<std::set<std::int64_t>*>(list)->insert(std::stoll(values[0]));
-        return 0;
-      },
-      &ids, nullptr);
-  if (code != SQLITE_OK) throw std::runtime_error("the test catalog cannot be read");
-  return ids;
-}
-
-void TestCatalog::Mark(std::int64_t id) const {
-  const std::string sql = "UPDATE Catalog SET Restore = 1 WHERE ID = " + std::to_string(id);
-  if (sqlite3_exec(Open(Path()).get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
-    throw std::runtime_error("the test catalog cannot be written");
+  const auto collect = [](void* list, int, char** values, char**) {
+    static_cast<std::set<std::int64_t>*>(list)->insert(std::stoll(values[0]));
+    return 0;
+  };
+  if (opened != SQLITE_OK || sqlite3_exec(raw, sql.c_str(), collect, &ids, nullptr) != SQLITE_OK) {
+    throw std::runtime_error(sqlite3_errmsg(raw));
   }
+  return ids;
 }
 
 }  // namespace kxrestore::e2e

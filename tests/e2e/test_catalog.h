@@ -28,10 +28,14 @@ class TestCatalog {
   const std::wstring& Folder() const { return m_folder; }  // with its backslash
   std::wstring Path() const { return m_folder + L"catalog.db"; }
 
-  std::set<std::int64_t> Marked() const;
-  void Mark(std::int64_t id) const;
+  std::set<std::int64_t> Marked() const { return Query("SELECT ID FROM Catalog WHERE Restore <> 0"); }
+  void Mark(std::int64_t id) const {
+    Query("UPDATE Catalog SET Restore = 1 WHERE ID = " + std::to_string(id));
+  }
 
  private:
+  std::set<std::int64_t> Query(const std::string& sql) const;
+
   std::wstring m_folder;
 };
 

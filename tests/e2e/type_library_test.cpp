@@ -65,21 +65,15 @@ struct Function {
   Function(ITypeInfo* info, UINT index) : type(info) { type->GetFuncDesc(index, &value); }
   ~Function() { type->ReleaseFuncDesc(value); }
   FUNCDESC* operator->() const { return value; }
+  std::string Name() const {
+    BSTR name = nullptr;
+    UINT count = 0;
+    type->GetNames(value->memid, &name, 1, &count);
+    return component::com::FromBstr(std::exchange(name, nullptr));
+  }
   ITypeInfo* type;
   FUNCDESC* value = nullptr;
 };
-
-std::vector<std::string> Names(ITypeInfo* type, MEMBERID member) {
-  BSTR names[4] = {};
-  UINT count = 0;
-  type->GetNames(member, names, 4, &count);
-  std::vector<std::string> result;
-  for (UINT i = 0; i < count; ++i) {
-    result.push_back(component::com::FromBstr(names[i]));
-    SysFreeString(names[i]);
-  }
-  return result;
-}
 
 TEST_F(TypeLibraryTest, IsTheLibraryThatHostsKnow) {
   TLIBATTR* attributes = nullptr;

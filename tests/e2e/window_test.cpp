@@ -69,45 +69,6 @@ TEST_F(WindowTest, TheMouseDragsBothBarsAndBothSidesFollow) {
   });
 }
 
-TEST_F(WindowTest, TheHelpStaysUnderAPointerThatComesToReadIt) {
-  RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
-    SetWindowPos(dialog.WaitForForm(), nullptr, 100, 100, 1, 1, SWP_NOZORDER);  // as small as it gets
-    const RECT list = Bounds(dialog.Control("asRestoreList")), help = Bounds(dialog.Control("lblHelp"));
-    const LONG right = help.left + 20;
-    Mouse(MoveTo(list.left + 60, list.bottom - 40));
-    const std::string start = "FILES SELECTED TO RESTORE: ";
-    driver::WaitFor(std::chrono::seconds(5), "the help on the list",
-                    [&] { return dialog.Text("lblHelp").starts_with(start); });
-    std::wstring way;
-    for (LONG x = list.right - 2; x <= right; x += 2) way += MoveTo(x, list.top - 5);
-    for (LONG y = list.top - 6; y > help.bottom - 10; --y) way += MoveTo(right, y);
-    Mouse(way);
-    Sleep(200);
-    EXPECT_TRUE(dialog.Text("lblHelp").starts_with(start)) << dialog.Text("lblHelp");
-    dialog.Close();
-  });
-}
-
-TEST_F(WindowTest, AMaximizedWindowComesBackSoAndKeepsItsNormalPlace) {
-  RECT normal{};
-  RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
-    const HWND form = dialog.WaitForForm();
-    SetWindowPos(form, nullptr, 210, 135, 915, 720, SWP_NOZORDER);
-    normal = Bounds(form);
-    ShowWindow(form, SW_MAXIMIZE);
-    dialog.Close();
-  });
-  RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
-    const HWND form = dialog.WaitForForm();
-    driver::WaitFor(std::chrono::seconds(5), "a maximized window", [&] { return IsZoomed(form) != FALSE; });
-    ShowWindow(form, SW_RESTORE);
-    const RECT again = Bounds(form);
-    EXPECT_TRUE(EqualRect(&normal, &again))
-        << again.left << ',' << again.top << ' ' << again.right << ',' << again.bottom;
-    dialog.Close();
-  });
-}
-
 // Counts the paintings of each window of a thread.
 class PaintLog {
  public:
