@@ -85,27 +85,18 @@ TEST_F(AutoSelectTab, ApplyMarksEveryVersionOrTheLatest) {
   EXPECT_EQ(Types().TickedTypes(), "");
 }
 
-TEST_F(AutoSelectTab, OddTypesMarkJustTheirFiles) {
-  LoadTypes({Live(1, "C:\\a.c#"), Live(2, "C:\\a.c1"), Live(3, "C:\\a.x;y"), Live(4, "C:\\a.b[1]"),
-             Live(5, "C:\\a.b1"), Live(6, "C:\\it's.o'n")});
+TEST_F(AutoSelectTab, OddTypesMarkJustTheirFilesInTheChosenRuns) {
+  LoadTypes({Live(1, "C:\\a.c#"), Live(2, "C:\\a.c1"), Live(3, "C:\\a.x;y"), Row(4, 1, "002", "C:\\a.b[1]"),
+             Live(5, "C:\\a.b1"), Row(6, 2, "001", "C:\\it's.o'n")});
   for (const char* type : {".c#", ".x;y", ".b[1]", ".o'n"}) Tick(Types(), type);
-  ApplyTypes();
-  EXPECT_EQ(catalog->Marked(), (Ids{1, 3, 4, 6}));
-}
-
-TEST_F(AutoSelectTab, ThisSetIsTheSetOrTheRunsUpToTheChosenOne) {
-  LoadTypes({Row(1, 1, "001", "C:\\a.doc"), Row(2, 1, "002", "C:\\b.doc"), Row(3, 2, "001", "C:\\c.doc")});
-  Tick(Types(), ".doc");
-  ChooseRun("1 001");
-  ui().optLookIn[2].UserClick();
-  ApplyTypes();
-  EXPECT_EQ(catalog->Marked(), Ids{1});
-  ChooseRun("1 002");
-  ApplyTypes();
-  EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
-  ui().optLookIn[3].UserClick();
-  ApplyTypes();
-  EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 3}));
+  const std::pair<const char*, Ids> cases[] = {
+      {"1 001", {1, 3}}, {"1 002", {1, 3, 4}}, {"Online Backups", {1, 3, 4, 6}}};
+  for (const auto& [node, marked] : cases) {
+    ChooseNode(node);
+    ui().optLookIn[marked.contains(6) ? 3 : 2].UserClick();
+    ApplyTypes();
+    EXPECT_EQ(catalog->Marked(), marked) << node;
+  }
 }
 
 TEST_F(AutoSelectTab, StoppingAndFailingKeepTheMarksThatAreMade) {

@@ -1,13 +1,11 @@
 // What hosts are bound to: identifiers, order of the members, dispatch ids, parameters.
-#include <gtest/gtest.h>
+#include <sstream>
 
 #include "component/com/wide_text.h"
 #include "tests/e2e/component_dll.h"
 
 namespace kxrestore::e2e {
 namespace {
-
-using component::com::FromWide;
 
 GUID Guid(const wchar_t* text) {
   GUID guid{};
@@ -20,22 +18,6 @@ const GUID kClass = Guid(L"{B1CBA00E-D60F-4721-B48F-2D342110EB9C}");
 const GUID kInterface = Guid(L"{85A2C559-27A5-4196-9373-81836E81026B}");
 const GUID kEvents = Guid(L"{BB4D256B-BCA9-41F0-A4E1-69474339D805}");
 const GUID kAlias = Guid(L"{184C0BB5-3DBF-4083-91EC-559403FDAABF}");
-
-struct Member {
-  const char* name;
-  VARTYPE type;  // VT_BYREF: a reference to a BSTR, in and out
-  MEMBERID id;
-};
-
-constexpr Member kPuts[] = {
-    {"DB", VT_BYREF | VT_BSTR, 0x68030008},  {"RestorePath", VT_BYREF | VT_BSTR, 0x68030007},
-    {"SessionLogName", VT_BSTR, 0x68030006}, {"DebugFlag", VT_BOOL, 0x68030005},
-    {"frmCaption", VT_BSTR, 0x68030004},     {"btnCaption", VT_BSTR, 0x68030003},
-    {"lblCaption", VT_BSTR, 0x68030002},     {"lblInVisible", VT_BOOL, 0x68030001},
-    {"setAction", VT_BSTR, 0x68030000},      {"DBType", VT_I2, 0x6803000E},
-    {"DBDatabase", VT_BSTR, 0x6803000D},     {"DBServer", VT_BSTR, 0x6803000C},
-    {"DBUser", VT_BSTR, 0x6803000B},         {"DBPass", VT_BSTR, 0x6803000A},
-};
 
 class TypeLibraryTest : public testing::Test {
  protected:
@@ -61,21 +43,41 @@ struct Attributes {
   TYPEATTR* value = nullptr;
 };
 
-struct Function {
-  Function(ITypeInfo* info, UINT index) : type(info) { type->GetFuncDesc(index, &value); }
-  ~Function() { type->ReleaseFuncDesc(value); }
-  FUNCDESC* operator->() const { return value; }
-  std::string Name() const {
-    BSTR name = nullptr;
-    UINT count = 0;
-    type->GetNames(value->memid, &name, 1, &count);
-    return component::com::FromBstr(std::exchange(name, nullptr));
+// "NAME ID SLOT HOW (PARAMETER)"; the slot is that of the table, how it is called an INVOKEKIND.
+std::string Describe(ITypeInfo* type, UINT index) {
+  FUNCDESC* function = nullptr;
+  type->GetFuncDesc(index, &function);
+  BSTR name = nullptr;
+  UINT count = 0;
+  type->GetNames(function->memid, &name, 1, &count);
+  std::ostringstream text;
+  text << component::com::FromBstr(name) << ' ' << std::hex << function->memid << ' ' << std::dec
+       << function->oVft / sizeof(void*) << ' ' << function->invkind << " (";
+  for (int i = 0; i < function->cParams; ++i) {
+    const ELEMDESC& parameter = function->lprgelemdescParam[i];
+    const USHORT flags = parameter.paramdesc.wParamFlags;
+    const bool pointer = parameter.tdesc.vt == VT_PTR;
+    const VARTYPE kind = pointer ? parameter.tdesc.lptdesc->vt : parameter.tdesc.vt;
+    text << (flags & PARAMFLAG_FIN ? "in " : "") << (flags & PARAMFLAG_FOUT ? "out " : "")
+         << (flags & PARAMFLAG_FRETVAL ? "retval " : "")
+         << (kind == VT_BSTR   ? "BSTR"
+             : kind == VT_BOOL ? "BOOL"
+             : kind == VT_I2   ? "short"
+                               : "?")
+         << (pointer ? "*" : "");
   }
-  ITypeInfo* type;
-  FUNCDESC* value = nullptr;
-};
+  SysFreeString(name);
+  type->ReleaseFuncDesc(function);
+  return text.str() + ")";
+}
 
 TEST_F(TypeLibraryTest, IsTheLibraryThatHostsKnow) {
+  EXPECT_EQ(kLibrary, LIBID_KXRestore);
+  EXPECT_EQ(kClass, CLSID_RestoreDlg);
+  EXPECT_EQ(kInterface, IID__RestoreDlg);
+  EXPECT_EQ(kEvents, DIID___RestoreDlg);
+  EXPECT_EQ(kInterface, __uuidof(_RestoreDlg));
+
   TLIBATTR* attributes = nullptr;
   ASSERT_EQ(S_OK, m_library->GetLibAttr(&attributes));
   EXPECT_EQ(kLibrary, attributes->guid);
@@ -93,14 +95,6 @@ TEST_F(TypeLibraryTest, IsTheLibraryThatHostsKnow) {
   SysFreeString(help);
 }
 
-TEST_F(TypeLibraryTest, TheGeneratedHeaderSaysTheSame) {
-  EXPECT_EQ(kLibrary, LIBID_KXRestore);
-  EXPECT_EQ(kClass, CLSID_RestoreDlg);
-  EXPECT_EQ(kInterface, IID__RestoreDlg);
-  EXPECT_EQ(kEvents, DIID___RestoreDlg);
-  EXPECT_EQ(kInterface, __uuidof(_RestoreDlg));
-}
-
 TEST_F(TypeLibraryTest, TheInterfaceIsDualWithItsMembersInOrder) {
   const ComPtr<ITypeInfo> late = Type(kInterface);
   const Attributes lateAttributes(late.Get());
@@ -114,34 +108,17 @@ TEST_F(TypeLibraryTest, TheInterfaceIsDualWithItsMembersInOrder) {
   ASSERT_EQ(S_OK, late->GetRefTypeInfo(half, early.GetAddressOf()));
   const Attributes attributes(early.Get());
   EXPECT_EQ(TKIND_INTERFACE, attributes->typekind);
-  ASSERT_EQ(1 + std::size(kPuts), attributes->cFuncs);
-
-  const Function method(early.Get(), 0);
-  EXPECT_EQ(static_cast<MEMBERID>(0x60030009), method->memid);
-  EXPECT_EQ(INVOKE_FUNC, method->invkind);
-  EXPECT_EQ(7 * sizeof(void*), static_cast<std::size_t>(method->oVft));
-  EXPECT_EQ("DefineRestoreSet", Names(early.Get(), method->memid).at(0));
-  ASSERT_EQ(1, method->cParams);
-  const ELEMDESC& result = method->lprgelemdescParam[0];
-  EXPECT_EQ(PARAMFLAG_FOUT | PARAMFLAG_FRETVAL, result.paramdesc.wParamFlags);
-  ASSERT_EQ(VT_PTR, result.tdesc.vt);
-  EXPECT_EQ(VT_I2, result.tdesc.lptdesc->vt);
-
-  for (UINT i = 0; i < std::size(kPuts); ++i) {
-    SCOPED_TRACE(kPuts[i].name);
-    const Function put(early.Get(), i + 1);
-    EXPECT_EQ(kPuts[i].id, put->memid);
-    EXPECT_EQ(INVOKE_PROPERTYPUT, put->invkind);
-    EXPECT_EQ((8 + i) * sizeof(void*), static_cast<std::size_t>(put->oVft));
-    EXPECT_EQ(VT_HRESULT, put->elemdescFunc.tdesc.vt);
-    ASSERT_EQ(1, put->cParams);
-    const ELEMDESC& parameter = put->lprgelemdescParam[0];
-    const bool byReference = (kPuts[i].type & VT_BYREF) != 0;
-    EXPECT_EQ(byReference ? PARAMFLAG_FIN | PARAMFLAG_FOUT : PARAMFLAG_FIN, parameter.paramdesc.wParamFlags);
-    ASSERT_EQ(byReference, parameter.tdesc.vt == VT_PTR);
-    EXPECT_EQ(kPuts[i].type & ~VT_BYREF, byReference ? parameter.tdesc.lptdesc->vt : parameter.tdesc.vt);
-    EXPECT_EQ(kPuts[i].name, Names(early.Get(), put->memid).at(0));
-  }
+  std::vector<std::string> members;
+  for (UINT i = 0; i < attributes->cFuncs; ++i) members.push_back(Describe(early.Get(), i));
+  EXPECT_EQ(members, (std::vector<std::string>{
+                         "DefineRestoreSet 60030009 7 1 (out retval short*)",
+                         "DB 68030008 8 4 (in out BSTR*)", "RestorePath 68030007 9 4 (in out BSTR*)",
+                         "SessionLogName 68030006 10 4 (in BSTR)", "DebugFlag 68030005 11 4 (in BOOL)",
+                         "frmCaption 68030004 12 4 (in BSTR)", "btnCaption 68030003 13 4 (in BSTR)",
+                         "lblCaption 68030002 14 4 (in BSTR)", "lblInVisible 68030001 15 4 (in BOOL)",
+                         "setAction 68030000 16 4 (in BSTR)", "DBType 6803000e 17 4 (in short)",
+                         "DBDatabase 6803000d 18 4 (in BSTR)", "DBServer 6803000c 19 4 (in BSTR)",
+                         "DBUser 6803000b 20 4 (in BSTR)", "DBPass 6803000a 21 4 (in BSTR)"}));
 }
 
 TEST_F(TypeLibraryTest, TheEventsAndTheClass) {
@@ -150,10 +127,7 @@ TEST_F(TypeLibraryTest, TheEventsAndTheClass) {
   EXPECT_EQ(TKIND_DISPATCH, eventAttributes->typekind);
   EXPECT_FALSE(eventAttributes->wTypeFlags & TYPEFLAG_FDUAL);
   ASSERT_EQ(1, eventAttributes->cFuncs);
-  const Function event(events.Get(), 0);
-  EXPECT_EQ(1, event->memid);
-  EXPECT_EQ(0, event->cParams);
-  EXPECT_EQ("CommenceRestore", Names(events.Get(), 1).at(0));
+  EXPECT_TRUE(Describe(events.Get(), 0).starts_with("CommenceRestore 1 ")) << Describe(events.Get(), 0);
 
   const ComPtr<ITypeInfo> coclass = Type(kClass);
   const Attributes classAttributes(coclass.Get());

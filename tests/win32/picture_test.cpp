@@ -1,23 +1,11 @@
-#include "platform/win32/picture.h"
+#include "platform/win32/icons.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/win32/icons.h"
+#include <algorithm>
+#include <vector>
 
 namespace kxrestore::win32::test {
-
-TEST(Picture, EdgesAreSmoothAndOutsideIsClear) {
-  Picture picture;
-  picture.FillBox({0xFF, 0, 0}, 0, 0, 8.5, 16);
-  picture.FillBox({0, 0, 0xFF}, 0, 0, 4, 16);
-  const auto image = picture.Draw(16);
-  ASSERT_EQ(image.size(), 256u);
-  EXPECT_EQ(image[0], 0xFF0000FFu);
-  EXPECT_EQ(image[5], 0xFFFF0000u);
-  EXPECT_EQ(image[8] & 0xFFFFFF, 0xFF0000u);
-  EXPECT_NEAR(image[8] >> 24, 0x7F, 1);
-  EXPECT_EQ(image[9], 0u);
-}
 
 TEST(Icons, EveryKeyOfTheFormHasItsOwnPictureAtEverySize) {
   const controls::ImageList keys{{"cfolder", "file", "ofolder", "drive", "SystemState", "activedirectory",
