@@ -17,6 +17,7 @@ using Ids = std::set<std::int64_t>;
 using Steps = std::function<void(const driver::DialogDriver&)>;
 
 inline constexpr wchar_t kFormClass[] = L"KXRestore.frmRestore";
+inline constexpr char kArchive[] = "C:\\dev\\wrk\\qvs\\tarvane source\\client\\CDArchive.mdb";
 
 // Runs the dialog and returns its result. `steps` works it from another thread; when that fails the test
 // does, and the dialog is ended.

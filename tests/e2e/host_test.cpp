@@ -63,8 +63,6 @@ class CdHostTest : public HostTest {
   void TearDown() override {
     for (const char* file : {kArchive, "Z:\\backup!mdb"}) std::filesystem::remove(file);
   }
-
-  static constexpr const char* kArchive = "C:\\dev\\wrk\\qvs\\tarvane source\\client\\CDArchive.mdb";
 };
 
 TEST_F(CdHostTest, ADiscIsAddedToTheArchive) {

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "component/com/wide_text.h"
+#include "host/catalog_maker/sample_archive.h"
 #include "tests/e2e/dialog_fixture.h"
 #include "tests/e2e/program.h"
 
@@ -89,6 +90,9 @@ void ExpectTabs(HWND strip) {
 
 class LooksTest : public DialogTest {
  protected:
+  LooksTest() { sample::MakeArchive(kArchive); }  // for the panel that adds to it
+  ~LooksTest() override { DeleteFileA(kArchive); }
+
   static void Check(const DialogDriver& dialog) {
     for (const HWND window : driver::Inner(dialog.WaitForForm())) {
       const std::string name = driver::NameOf(window), kind = driver::ClassOf(window);
