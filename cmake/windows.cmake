@@ -1,0 +1,10 @@
+# Cross-building for Windows on CMAKE_SYSTEM_PROCESSOR with Debian's mingw-w64, POSIX threads.
+set(CMAKE_SYSTEM_NAME Windows)
+set(kxMingw ${CMAKE_SYSTEM_PROCESSOR}-w64-mingw32)
+set(CMAKE_C_COMPILER ${kxMingw}-gcc-posix)
+set(CMAKE_CXX_COMPILER ${kxMingw}-g++-posix)
+set(CMAKE_RC_COMPILER ${kxMingw}-windres)
+set(CMAKE_FIND_ROOT_PATH /usr/${kxMingw})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
