@@ -35,24 +35,16 @@ TEST(Text, EveryStrayByteIsOneCharacterAndSurvives) {
   EXPECT_EQ(CharacterCount("a\xC3"), 2u);
 }
 
-TEST(Text, FoldsBeyondAscii) {
-  EXPECT_EQ(FoldCase("ÄÖÜ ÇÉ ΣΩ ДЖ"), "äöü çé σω дж");
-  EXPECT_EQ(FoldCase("@AMZ[`az{AMZ @"), "@amz[`az{amz @");
-  EXPECT_EQ(FoldCase("Ä:ABCDEFGHIJ\u212AÄZ"), "ä:abcdefghijkäz");  // one gets shorter
-  EXPECT_EQ(FoldCase(U'Ÿ'), U'ÿ');                                 // folds to a smaller code point
-  EXPECT_EQ(FoldCase(U'\u0100'), U'\u0101');                       // alternating pairs
-  EXPECT_EQ(FoldCase(U'\u0101'), U'\u0101');
-  EXPECT_EQ(FoldCase(U'\u212A'), U'k');  // Kelvin sign
-  EXPECT_EQ(FoldCase(U'\U00010400'), U'\U00010428');
-  EXPECT_EQ(FoldCase(U'\u1E9E'), U'ß');
-  EXPECT_EQ(FoldCase(U'×'), U'×');  // lies within a range of letters
-  EXPECT_EQ(FoldCase(U'@'), U'@');
-  EXPECT_EQ(FoldCase(U'['), U'[');
-}
-
-TEST(Text, ComparesWithoutCase) {
-  EXPECT_TRUE(EqualIgnoringCase("Straße ÄRGER", "STRAßE ärger"));
-  EXPECT_TRUE(EqualIgnoringCase("\u212Aelvin", "kelvin"));
+TEST(Text, FoldsAndComparesWithoutCase) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"ÄÖÜ ÇÉ ΣΩ ДЖ", "äöü çé σω дж"},
+      {"@AMZ[`az{AMZ @", "@amz[`az{amz @"},
+      {"Ä:ABCDEFGHIJ\u212AÄZ", "ä:abcdefghijkäz"},   // the Kelvin sign gets shorter
+      {"ŸĀā\U00010400\u1E9E×", "ÿāā\U00010428ß×"}};  // alternating pairs, and no letter between letters
+  for (const auto& [text, folded] : cases) {
+    EXPECT_EQ(FoldCase(text), folded);
+    EXPECT_TRUE(EqualIgnoringCase(text, folded));
+  }
   EXPECT_FALSE(EqualIgnoringCase("abc", "abcd"));
   EXPECT_FALSE(EqualIgnoringCase("abcd", "abc"));
   EXPECT_TRUE(ContainsIgnoringCase("C:\\Mail\\PUBLIC FOLDERS\\x", "Public Folders"));
@@ -61,10 +53,9 @@ TEST(Text, ComparesWithoutCase) {
 }
 
 TEST(Text, SortsAsPeopleRead) {
-  const std::vector<std::string> inOrder = {"",      "Alpha", "alpha", "ALPHA 2", "beta",
-                                            "Gamma", "Ärger", "ärger", "Ö"};
-  for (std::size_t i = 0; i < inOrder.size(); ++i) {
-    for (std::size_t j = 0; j < inOrder.size(); ++j) {
+  const char* const inOrder[] = {"", "Alpha", "alpha", "ALPHA 2", "beta", "Gamma", "Ärger", "ärger", "Ö"};
+  for (std::size_t i = 0; i < std::size(inOrder); ++i) {
+    for (std::size_t j = 0; j < std::size(inOrder); ++j) {
       const int order = CompareForSorting(inOrder[i], inOrder[j]);
       EXPECT_EQ(order < 0, i < j) << inOrder[i] << " / " << inOrder[j];
       EXPECT_EQ(order == 0, i == j) << inOrder[i] << " / " << inOrder[j];

@@ -4,7 +4,7 @@
 
 #include "controls/form.h"
 #include "platform/headless/recording_peer.h"
-#include "tests/controls/raises.h"
+#include "tests/raises.h"
 
 namespace kxrestore::controls {
 namespace {
@@ -16,8 +16,9 @@ AutoSelect::Entry Named(std::string_view name, std::string_view stored = {}) {
   return entry;
 }
 
-AutoSelect::Entry Grouped(std::string_view name, std::int32_t group, bool isGroup = false) {
-  AutoSelect::Entry entry = Named(name);
+AutoSelect::Entry Grouped(std::string_view name, std::int32_t group, bool isGroup = false,
+                          std::string_view stored = {}) {
+  AutoSelect::Entry entry = Named(name, stored);
   entry.setId = group;
   entry.isGroup = isGroup;
   return entry;
@@ -37,93 +38,65 @@ class AutoSelectTest : public ::testing::Test {
 
 TEST_F(AutoSelectTest, GivesBackWhatItWasGiven) {
   const AutoSelect::Entry all[] = {
-      {"C:\\Data\\a.doc", 123456789012, true, "F01", 7, "Daily", 20240102, "1/2/2024", "C:\\Data\\a.doc",
+      {"C:\\Data\\a.doc", 123456789012, true, "F01", 32767, "Daily", 20240102, "1/2/2024", "C:\\Data\\a.doc",
        false},
       {"a.doc", 0, false, "F01", -3, "Daily", 20240102, "1/2/2024", "C:\\Data\\a.doc", false},
-      {"C:\\long\\path\\b.doc", 1, true, "D02", 70000, "Weekly", 0, "", "b.doc", false},
+      {"C:\\long\\path\\b.doc", 1, true, "D02", 32768, "Weekly", 0, "", "b.doc", false},
       {"item.kxexag", 2, true, "", 0, "", -5, "1/3/2024", "STORE\\item", false},
       {"", 0, true, "", 0, "", 0, "", "", false},
       {"Documents", 12, true, "Word processing", 0, "", 0, "", "", true}};
+  EXPECT_RAISES(9, list.FileName());
   std::size_t number = 0;
   for (const auto& entry : all) {
     ++number;
     EXPECT_EQ(number, list.Add(entry, number % 2 == 0));
   }
-  ASSERT_EQ(std::size(all), list.Count());
-  for (std::size_t i = 0; i < list.Count(); ++i) {
-    const AutoSelect::Entry entry = list.At(i + 1);
-    EXPECT_EQ(all[i].name, entry.name);
-    EXPECT_EQ(all[i].size, entry.size);
-    EXPECT_EQ(all[i].sizeKnown, entry.sizeKnown);
-    EXPECT_EQ(all[i].extension, entry.extension);
-    EXPECT_EQ(all[i].setId, entry.setId);
-    EXPECT_EQ(all[i].setName, entry.setName);
-    EXPECT_EQ(all[i].date, entry.date);
-    EXPECT_EQ(all[i].time, entry.time);
-    EXPECT_EQ(all[i].storedName, entry.storedName);
-    EXPECT_EQ(all[i].isGroup, entry.isGroup);
-  }
+  const auto fields = [](const AutoSelect::Entry& entry) {
+    return std::tuple(entry.name, entry.size, entry.sizeKnown, entry.extension, entry.setId, entry.setName,
+                      entry.date, entry.time, entry.storedName, entry.isGroup);
+  };
+  for (std::size_t i = 0; i < std::size(all); ++i) EXPECT_TRUE(fields(all[i]) == fields(list.At(i + 1))) << i;
   EXPECT_EQ("-x-x-x", Ticks());
-}
 
-TEST_F(AutoSelectTest, TheReadsSpeakOfTheCurrentEntry) {
-  EXPECT_RAISES(9, list.FileName());
-  AutoSelect::Entry entry = Named("name", "stored");
-  entry.extension = "F01";
-  entry.setId = 32767;
-  list.Add(entry);
-  entry.setId = 32768;
-  list.Add(entry, true);
   list.SetCurrent(1);
-  EXPECT_EQ("name", list.FileName());
-  EXPECT_EQ("stored", list.StoredName());
-  EXPECT_EQ("F01", list.Extension());
   EXPECT_EQ(32767, list.SetId());
   EXPECT_FALSE(list.Ticked());
-  list.SetCurrent(2);
-  EXPECT_TRUE(list.Ticked());
+  list.SetCurrent(3);
+  EXPECT_EQ("C:\\long\\path\\b.doc D02 b.doc", std::string(list.FileName()) + ' ' +
+                                                   std::string(list.Extension()) + ' ' +
+                                                   std::string(list.StoredName()));
   EXPECT_RAISES(6, list.SetId());
-  EXPECT_RAISES(9, list.SetCurrent(0));
-  EXPECT_RAISES(9, list.SetCurrent(3));
-  EXPECT_RAISES(9, list.SetTicked(3, true));
-  EXPECT_EQ(2u, list.Current());
+  for (const std::size_t outside : {0, 7}) EXPECT_RAISES(9, list.SetCurrent(outside));
+  EXPECT_RAISES(9, list.SetTicked(7, true));
+  EXPECT_EQ(3u, list.Current());
   list.Clear();
-  list.Add(entry);
+  list.Add(all[0]);
   EXPECT_RAISES(9, list.Ticked());
 }
 
 TEST_F(AutoSelectTest, AGroupAndItsMembersFollowEachOther) {
-  list.Add(Grouped("Documents", 1, true));
-  list.Add(Grouped("Pictures", 2, true));
-  list.Add(Grouped(".doc", 1));
-  list.Add(Grouped(".bmp", 2));
-  list.Add(Grouped(".alone", 0));
-  list.Add(Grouped(".xls", 1));
-
-  list.UserTick(1, true);
-  EXPECT_EQ("x-x--x", Ticks());
-  list.UserTick(3, false);
-  EXPECT_EQ("-----x", Ticks());
-  list.UserTick(3, true);
-  EXPECT_EQ("x-x--x", Ticks());
-  list.UserTick(5, true);
-  EXPECT_EQ("x-x-xx", Ticks());
-  list.UserTick(4, true);
-  EXPECT_EQ("xxxxxx", Ticks());
-  EXPECT_EQ(".doc;.bmp;.alone;.xls;", list.TickedTypes());
-  list.UserTick(1, false);
-  EXPECT_EQ(".bmp;.alone;", list.TickedTypes());
-  list.TickAll(false);
-  list.UserTick(6, true);
-  EXPECT_EQ("-----x", Ticks());
+  const AutoSelect::Entry all[] = {
+      Grouped("Documents", 1, true),        Grouped("Pictures", 2, true), Grouped(".doc", 1),
+      Grouped("Bitmaps", 2, false, ".bmp"), Grouped(".alone", 0),         Grouped(".xls", 1)};
+  for (const auto& entry : all) list.Add(entry);
+  const struct {
+    std::size_t number;
+    bool ticked;
+    const char *ticks, *types;
+  } steps[] = {{1, true, "x-x--x", ".doc;.xls;"},
+               {3, false, "-----x", ".xls;"},
+               {3, true, "x-x--x", ".doc;.xls;"},
+               {5, true, "x-x-xx", ".doc;.alone;.xls;"},
+               {4, true, "xxxxxx", ".doc;.bmp;.alone;.xls;"},
+               {1, false, "-x-xx-", ".bmp;.alone;"}};
+  for (const auto& [number, ticked, ticks, types] : steps) {
+    list.UserTick(number, ticked);
+    EXPECT_EQ(ticks, Ticks());
+    EXPECT_EQ(types, list.TickedTypes());
+  }
   list.TickAll(true);
   list.UserTick(6, false);
   EXPECT_EQ("-xxxx-", Ticks());
-  list.TickAll(false);
-  AutoSelect::Entry stored = Grouped("Bitmaps", 2);
-  stored.storedName = ".bmp";
-  list.Add(stored, true);
-  EXPECT_EQ(".bmp;", list.TickedTypes());
 }
 
 TEST_F(AutoSelectTest, TellsThePeerOfTicksAndTheFormOfTheUsers) {

@@ -2,39 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "controls/form.h"
 #include "controls/widgets.h"
 #include "platform/headless/recording_peer.h"
-#include "tests/controls/raises.h"
+#include "tests/raises.h"
 
 namespace kxrestore::controls {
 namespace {
 
 using platform::PeerLog;
 using platform::Record;
-
-TEST(Control, ARefusedSizeLeavesEverythingAsItWas) {
-  Form form("form");
-  PictureBox box("box", &form);
-  int resized = 0;
-  box.Resize = [&] { ++resized; };
-  box.Move(10, 20, 300, 400);
-  PeerLog log;
-  Record(box, log);
-
-  EXPECT_RAISES(380, box.SetWidth(-1));
-  EXPECT_RAISES(380, box.Move(1, 2, 3, -4));
-  EXPECT_EQ(10, box.Left());
-  EXPECT_EQ(20, box.Top());
-  EXPECT_EQ(300, box.Width());
-  EXPECT_EQ(400, box.Height());
-  EXPECT_TRUE(log.changed.empty());
-  EXPECT_EQ(1, resized);
-
-  box.Move(-50, -60, 0, 0);  // positions may be negative, a size may be nothing
-  EXPECT_EQ(-50, box.Left());
-  EXPECT_EQ(0, box.Width());
-}
 
 TEST(Control, ResizeIsRaisedForAnotherSizeOnlyAndAfterThePeerKnows) {
   Form form("form");
@@ -44,24 +23,19 @@ TEST(Control, ResizeIsRaisedForAnotherSizeOnlyAndAfterThePeerKnows) {
   std::vector<std::size_t> toldWhenResized;
   box.Resize = [&] { toldWhenResized.push_back(log.changed.size()); };
 
-  box.Move(0, 0, 100, 100);
-  box.SetLeft(5);
+  box.Move(0, 0, 300, 400);
+  box.SetLeft(-50);  // positions may be negative
   box.SetTop(6);
+  box.Move(-50, 6, 300, 400);
+  EXPECT_RAISES(380, box.SetWidth(-1));
+  EXPECT_RAISES(380, box.Move(1, 2, 3, -4));
+  EXPECT_EQ(-50, box.Left()) << "a refused size leaves everything as it was";
+  EXPECT_EQ(300, box.Width());
   EXPECT_EQ(std::vector<std::size_t>({1}), toldWhenResized);
-  EXPECT_EQ(3u, log.Count(Property::kGeometry));
-  box.Move(5, 6, 100, 100);
   EXPECT_EQ(3u, log.changed.size());
-}
-
-TEST(Control, AHandlerMayResizeItsOwnControl) {
-  Form form("form");
-  form.Resize = [&] {
-    if (form.Height() < 6100) form.SetHeight(6100);
-    if (form.Width() < 7000) form.SetWidth(7000);
-  };
-  form.Move(0, 0, 100, 100);
-  EXPECT_EQ(6100, form.Height());
-  EXPECT_EQ(7000, form.Width());
+  EXPECT_EQ(3u, log.Count(Property::kGeometry));
+  box.SetWidth(0);
+  EXPECT_EQ(0, box.Width());
 }
 
 TEST(Control, WhatTheUserDoesToAControlThatIsHiddenOrDisabledIsLost) {
@@ -77,10 +51,7 @@ TEST(Control, WhatTheUserDoesToAControlThatIsHiddenOrDisabledIsLost) {
   };
 
   use();
-  EXPECT_EQ(1, clicks);
-  EXPECT_EQ(1, moves);
-  for (Control* control :
-       {static_cast<Control*>(&button), static_cast<Control*>(&box), static_cast<Control*>(&form)}) {
+  for (Control* control : std::initializer_list<Control*>{&button, &box, &form}) {
     control->SetVisible(false);
     EXPECT_FALSE(button.IsShown());
     use();
@@ -110,18 +81,6 @@ TEST(Control, ComesToTheFrontAmongItsSiblings) {
   form.BringToFront();
 }
 
-TEST(Control, OnlyAUsableControlTakesTheFocus) {
-  Form form("form");
-  TextBox box("box", &form);
-  box.SetFocus();  // nobody shows it
-  PeerLog log;
-  Record(box, log);
-  box.SetFocus();
-  form.SetEnabled(false);
-  box.SetFocus();
-  EXPECT_EQ(1, log.focused);
-}
-
 TEST(Control, FreezingNestsAndAPeerThatComesLateIsFrozenToo) {
   Form form("form");
   PeerLog log, late;
@@ -142,8 +101,10 @@ TEST(Control, FreezingNestsAndAPeerThatComesLateIsFrozenToo) {
 TEST(Control, ThePeerHearsOfRealChangesOnly) {
   Form form("form");
   Label label("label", &form, "text");
+  label.SetFocus();  // nobody shows it
   PeerLog log;
   Record(label, log);
+  label.SetFocus();
   label.SetCaption("text");
   label.SetVisible(true);
   label.SetEnabled(true);
@@ -157,6 +118,163 @@ TEST(Control, ThePeerHearsOfRealChangesOnly) {
   EXPECT_EQ(std::vector<Property>(
                 {Property::kCaption, Property::kVisible, Property::kToolTipText, Property::kAppearance}),
             log.changed);
+  label.SetVisible(true);
+  form.SetEnabled(false);
+  label.SetFocus();
+  EXPECT_EQ(1, log.focused);
+}
+
+using State = controls::WindowState;
+
+TEST(Form, ResizeIsToldOfAnotherSizeFrameOrState) {
+  Form form("form");
+  std::vector<State> states;
+  form.Resize = [&] { states.push_back(form.WindowState()); };
+  form.Move(0, 0, 7000, 6100);
+  for (int i = 0; i < 2; ++i) form.SetFrame(200, 600);
+  EXPECT_EQ(6800, form.ScaleWidth());
+  EXPECT_EQ(5500, form.ScaleHeight());
+  for (int i = 0; i < 2; ++i) form.UserResize(0, 0, State::kMinimized);
+  EXPECT_EQ(7000, form.Width()) << "minimizing keeps the size";
+  for (int i = 0; i < 2; ++i) form.UserResize(7000, 6100, State::kNormal);
+  form.UserResize(-5, 100, State::kMaximized);
+  EXPECT_EQ(std::vector<State>(
+                {State::kNormal, State::kNormal, State::kMinimized, State::kNormal, State::kMaximized}),
+            states);
+  EXPECT_EQ(0, form.Width());
+  EXPECT_EQ(100, form.Height());
+  EXPECT_EQ(0, form.ScaleWidth());
+}
+
+TEST(Form, ThePeerHearsOfASizeThatTheFormCorrects) {
+  Form form("form");
+  form.Move(0, 0, 9000, 8000);
+  form.Resize = [&] {
+    if (form.Width() < 7000) form.SetWidth(7000);
+  };
+  PeerLog log;
+  Record(form, log);
+  form.UserResize(8500, 8000, State::kNormal);
+  EXPECT_TRUE(log.changed.empty());
+  form.UserResize(3000, 8000, State::kNormal);
+  EXPECT_EQ(7000, form.Width());
+  EXPECT_EQ(1u, log.Count(Property::kGeometry));
+}
+
+TEST(Form, UnloadingAsksOnceAndMayFailOrBeRefused) {
+  Form form("form");
+  form.OnUnload = [](bool&) { throw std::runtime_error("no"); };
+  EXPECT_THROW(form.Unload(), std::runtime_error);
+  int asked = 0;
+  bool refuse = true;
+  form.OnUnload = [&](bool& cancel) {
+    ++asked;
+    form.Unload();  // a handler that unloads again changes nothing
+    cancel = refuse;
+  };
+  form.Unload();
+  EXPECT_TRUE(form.IsOpen());
+  refuse = false;
+  form.UserClose();
+  EXPECT_FALSE(form.IsOpen());
+  form.UserClose();
+  EXPECT_EQ(2, asked);
+}
+
+TEST(Form, ACloseRequestTakesThePlaceOfUnloading) {
+  Form form("form");
+  int requests = 0, escapes = 0;
+  form.CloseRequest = [&] { ++requests; };
+  form.KeyPress = [&](Key key) { escapes += key == Key::kEscape; };
+  for (const bool enabled : {true, false}) {
+    form.SetEnabled(enabled);
+    form.UserClose();
+    form.UserKey(Key::kEscape);
+    form.UserKey(Key::kF5);
+  }
+  EXPECT_TRUE(form.IsOpen());
+  EXPECT_EQ(1, escapes);
+  EXPECT_EQ(1, requests);
+}
+
+TEST(CheckBox, RaisesClickWhenItsValueChanges) {
+  Form form("form");
+  CheckBox box("box", &form, "&Only");
+  std::vector<int> values;
+  box.Click = [&] { values.push_back(box.Value()); };
+  box.SetValue(0);
+  box.SetValue(1);
+  box.UserClick();
+  box.UserClick();
+  EXPECT_EQ(std::vector<int>({1, 0, 1}), values);
+  EXPECT_RAISES(380, box.SetValue(2));
+  EXPECT_EQ(1, box.Value());
+}
+
+TEST(OptionButton, ExcludesTheOthersOfItsContainerOnly) {
+  Form form("form");
+  Frame left("left", &form, ""), right("right", &form, "");
+  OptionButton a("a", &left, "A"), b("b", &left, "B"), c("c", &right, "C");
+  CheckBox neighbour("neighbour", &left, "");
+  neighbour.SetValue(1);
+  std::string clicks;
+  a.Click = [&] { clicks += b.Value() ? "both" : "a"; };
+  b.Click = [&] { clicks += a.Value() ? "both" : "b"; };
+  PeerLog log;
+  Record(a, log);
+
+  c.SetValue(true);
+  a.SetValue(true);
+  b.UserClick();
+  b.UserClick();  // is chosen already
+  EXPECT_EQ("ab", clicks);
+  EXPECT_TRUE(b.Value());
+  EXPECT_TRUE(c.Value());
+  EXPECT_EQ(1, neighbour.Value());
+  EXPECT_EQ(2u, log.Count(Property::kValue));
+  b.SetValue(false);
+  EXPECT_EQ("ab", clicks);
+  a.SetEnabled(false);
+  a.UserClick();
+  EXPECT_FALSE(a.Value());
+}
+
+TEST(TextAndComboBox, TypedTextIsNotToldBack) {
+  Form form("form");
+  TextBox text("text", &form);
+  ComboBox combo("combo", &form);
+  PeerLog log;
+  Record(text, log);
+  Record(combo, log);
+  text.UserType("typed");
+  combo.UserType("*.txt");
+  EXPECT_TRUE(log.changed.empty());
+  EXPECT_EQ("typed", text.Text());
+  EXPECT_EQ("*.txt", combo.Text());
+  text.SetLocked(true);
+  text.UserType("more");
+  EXPECT_EQ("typed", text.Text());
+  combo.AddItem("*.txt");
+  combo.SetText("");
+  EXPECT_EQ(std::vector<Property>({Property::kItems, Property::kCaption}), log.changed);
+  EXPECT_EQ(std::vector<std::string>({"*.txt"}), combo.Items());
+}
+
+TEST(TabStrip, SelectsWithinItsTabs) {
+  Form form("form");
+  TabStrip tabs("tabs", &form, {{"One", "1"}, {"Two", "2"}});
+  int clicks = 0;
+  tabs.Click = [&] { ++clicks; };
+  tabs.SetSelectedIndex(1);
+  EXPECT_EQ(0, clicks);
+  tabs.UserSelect(2);
+  EXPECT_EQ(2, tabs.SelectedIndex());
+  for (const int outside : {0, 3, -1}) {
+    EXPECT_RAISES(35600, tabs.SetSelectedIndex(outside));
+    tabs.UserSelect(outside);
+  }
+  EXPECT_EQ(2, tabs.SelectedIndex());
+  EXPECT_EQ(1, clicks);
 }
 
 }  // namespace

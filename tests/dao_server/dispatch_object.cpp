@@ -4,6 +4,7 @@
 
 #include "base/error.h"
 #include "base/utf16.h"
+#include "engine/dao/values.h"
 
 namespace kxrestore::dao_server {
 namespace {
@@ -16,24 +17,9 @@ BSTR MakeBstr(std::string_view text) {
 }
 
 std::string Shown(const VARIANT& variant) {
-  return variant.vt == VT_BSTR
-             ? "\"" + TextOf(variant) + "\""
-             : engine::ToText(
-                   std::visit([](const auto& held) -> engine::ValueView { return held; }, ValueOf(variant)));
-}
-
-// Dates of automation count days from here.
-double SerialOf(const engine::DateTime& date) {
-  SYSTEMTIME time{};
-  time.wYear = static_cast<WORD>(date.year);
-  time.wMonth = static_cast<WORD>(date.month);
-  time.wDay = static_cast<WORD>(date.day);
-  time.wHour = static_cast<WORD>(date.hour);
-  time.wMinute = static_cast<WORD>(date.minute);
-  time.wSecond = static_cast<WORD>(date.second);
-  double serial = 0;
-  SystemTimeToVariantTime(&time, &serial);
-  return serial;
+  std::string text;
+  const engine::ValueView value = engine::dao::ToValue(variant, text);
+  return variant.vt == VT_BSTR ? "\"" + text + "\"" : engine::ToText(value);
 }
 
 }  // namespace
@@ -56,17 +42,18 @@ STDMETHODIMP_(ULONG) DispatchObject::Release() {
   return left;
 }
 
-STDMETHODIMP DispatchObject::GetTypeInfoCount(UINT* count) {
-  *count = 0;
-  return S_OK;
-}
-
 void DispatchObject::Method(const wchar_t* name, std::vector<VARTYPE> types, Handler handler) {
   m_members.push_back({name, DISPATCH_METHOD, std::move(types), std::move(handler)});
 }
 
 void DispatchObject::Property(const wchar_t* name, Handler handler) {
   m_members.push_back({name, DISPATCH_PROPERTYGET, {}, std::move(handler)});
+}
+
+void DispatchObject::Property(const wchar_t* name, engine::Value value) {
+  Property(name, [value](Arguments, VARIANT& result) {
+    Answer(result, std::visit([](const auto& held) -> engine::ValueView { return held; }, value));
+  });
 }
 
 void DispatchObject::WritableProperty(const wchar_t* name, Handler handler) {
@@ -148,34 +135,8 @@ void DispatchObject::Run(DISPID identifier, WORD how, Arguments arguments, VARIA
 }
 
 void Answer(VARIANT& result, const engine::ValueView& value) {
-  struct Visitor {
-    VARIANT& result;
-    void operator()(std::monostate) const { result.vt = VT_NULL; }
-    void operator()(bool b) const {
-      result.vt = VT_BOOL;
-      result.boolVal = b ? VARIANT_TRUE : VARIANT_FALSE;
-    }
-    void operator()(std::int64_t number) const {
-      result.vt = VT_I4;
-      result.lVal = static_cast<LONG>(number);
-      if (result.lVal == number) return;
-      result.vt = VT_CY;  // what the engine has for sizes beyond its integers
-      result.cyVal.int64 = number * 10000;
-    }
-    void operator()(double number) const {
-      result.vt = VT_R8;
-      result.dblVal = number;
-    }
-    void operator()(std::string_view text) const {
-      result.vt = VT_BSTR;
-      result.bstrVal = MakeBstr(text);
-    }
-    void operator()(const engine::DateTime& date) const {
-      result.vt = VT_DATE;
-      result.date = SerialOf(date);
-    }
-  };
-  std::visit(Visitor{result}, value);
+  engine::dao::Variant variant = engine::dao::FromValue(engine::OwnedOf(value));
+  std::swap(result, variant.Raw());
 }
 
 void Answer(VARIANT& result, DispatchObject* object) {
@@ -184,35 +145,9 @@ void Answer(VARIANT& result, DispatchObject* object) {
   result.pdispVal = object;
 }
 
-engine::Value ValueOf(const VARIANT& variant) {
-  switch (variant.vt) {
-    case VT_NULL:
-      return std::monostate();
-    case VT_BOOL:
-      return variant.boolVal != VARIANT_FALSE;
-    case VT_I4:
-      return std::int64_t{variant.lVal};
-    case VT_R8:
-      return variant.dblVal;
-    case VT_BSTR:
-      return TextOf(variant);
-    case VT_DATE: {
-      SYSTEMTIME time{};
-      VariantTimeToSystemTime(variant.date, &time);
-      return engine::DateTime{static_cast<std::int16_t>(time.wYear),  static_cast<std::int8_t>(time.wMonth),
-                              static_cast<std::int8_t>(time.wDay),    static_cast<std::int8_t>(time.wHour),
-                              static_cast<std::int8_t>(time.wMinute), static_cast<std::int8_t>(time.wSecond)};
-    }
-    default:
-      throw Error(kBadCall, "a value of type " + std::to_string(variant.vt));
-  }
-}
-
 std::string TextOf(const VARIANT& variant) {
   std::string text;
-  if (variant.vt == VT_BSTR && variant.bstrVal != nullptr) {
-    AppendUtf8(text, std::wstring_view(variant.bstrVal, SysStringLen(variant.bstrVal)));
-  }
+  engine::dao::ToValue(variant, text);
   return text;
 }
 

@@ -45,10 +45,16 @@ class DispatchObject : public IDispatch {
   DispatchObject(const DispatchObject&) = delete;
   DispatchObject& operator=(const DispatchObject&) = delete;
 
+  using Handler = std::function<void(Arguments, VARIANT&)>;
+  void Method(const wchar_t* name, std::vector<VARTYPE> types, Handler handler);
+  void Property(const wchar_t* name, Handler handler);          // to read
+  void Property(const wchar_t* name, engine::Value value);      // that stays the same
+  void WritableProperty(const wchar_t* name, Handler handler);  // the value is the one argument
+
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
   STDMETHODIMP_(ULONG) AddRef() override { return ++m_references; }
   STDMETHODIMP_(ULONG) Release() override;
-  STDMETHODIMP GetTypeInfoCount(UINT* count) override;
+  STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* identifiers) override;
   STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD how, DISPPARAMS* parameters, VARIANT* result,
@@ -56,12 +62,6 @@ class DispatchObject : public IDispatch {
 
  protected:
   virtual ~DispatchObject() { --m_journal.liveObjects; }
-
-  using Handler = std::function<void(Arguments, VARIANT&)>;
-  void Method(const wchar_t* name, std::vector<VARTYPE> types, Handler handler);
-  void Property(const wchar_t* name, Handler handler);          // to read
-  void WritableProperty(const wchar_t* name, Handler handler);  // the value is the one argument
-
   Journal& m_journal;
 
  private:
@@ -78,10 +78,8 @@ class DispatchObject : public IDispatch {
   ULONG m_references = 0;
 };
 
-// Between variants and values.
 void Answer(VARIANT& result, const engine::ValueView& value);
 void Answer(VARIANT& result, DispatchObject* object);
-engine::Value ValueOf(const VARIANT& variant);
 std::string TextOf(const VARIANT& variant);
 
 }  // namespace kxrestore::dao_server

@@ -3,30 +3,28 @@
 #include <algorithm>
 
 #include "base/error.h"
+#include "engine/dao/values.h"
 #include "engine/error_numbers.h"
 
 namespace kxrestore::dao_server {
 namespace {
-
-class Collection final : public DispatchObject {
- public:
-  using MakeItem = std::function<ComPtr<DispatchObject>(const VARIANT&)>;
-  Collection(Journal& journal, std::string name, std::size_t count, VARTYPE key, MakeItem makeItem)
-      : DispatchObject(journal, std::move(name)) {
-    Property(L"Count",
-             [count](Arguments, VARIANT& result) { Answer(result, static_cast<std::int64_t>(count)); });
-    Method(L"Item", {key}, [makeItem](Arguments arguments, VARIANT& result) {
-      Answer(result, makeItem(arguments[0]).Get());
-    });
-  }
-  using DispatchObject::Method;
-};
 
 std::size_t Position(const VARIANT& position, std::size_t count) {
   if (position.lVal < 0 || position.lVal >= static_cast<LONG>(count)) {
     throw Error(engine::error_number::kItemNotFound, "Item not found in this collection.", "Engine");
   }
   return static_cast<std::size_t>(position.lVal);
+}
+
+DispatchObject* MakeCollection(Journal& journal, std::string name, std::function<std::size_t()> count,
+                               VARTYPE key, std::function<ComPtr<DispatchObject>(const VARIANT&)> makeItem) {
+  auto* collection = new DispatchObject(journal, std::move(name));
+  collection->Property(
+      L"Count", [count](Arguments, VARIANT& result) { Answer(result, static_cast<std::int64_t>(count())); });
+  collection->Method(L"Item", {key}, [makeItem](Arguments arguments, VARIANT& result) {
+    Answer(result, makeItem(arguments[0]).Get());
+  });
+  return collection;
 }
 
 // A transaction is the workspace's; a database joins it with its first write.
@@ -47,13 +45,6 @@ struct Transaction {
   }
 };
 
-class DaoRecordset;
-
-class DaoField final : public DispatchObject {
- public:
-  DaoField(Journal& journal, ComPtr<DaoRecordset> recordset, std::size_t index);
-};
-
 class DaoRecordset final : public DispatchObject {
  public:
   DaoRecordset(Journal& journal, std::unique_ptr<engine::Recordset> rows)
@@ -63,9 +54,10 @@ class DaoRecordset final : public DispatchObject {
       const std::size_t count = m_rows->FieldCount();
       const ComPtr<DaoRecordset> self(this);
       const auto makeItem = [self, count](const VARIANT& which) {
-        return ComPtr<DispatchObject>(new DaoField(self->m_journal, self, Position(which, count)));
+        return ComPtr<DispatchObject>(MakeField(self, Position(which, count)));
       };
-      Answer(result, new Collection(m_journal, "Fields", count, VT_I4, makeItem));
+      Answer(result, MakeCollection(
+                         m_journal, "Fields", [count] { return count; }, VT_I4, makeItem));
     });
     Method(L"MoveNext", {}, [this](Arguments, VARIANT&) { m_rows->MoveNext(); });
     Method(L"Edit", {}, [this](Arguments, VARIANT&) { m_rows->Edit(); });
@@ -75,15 +67,22 @@ class DaoRecordset final : public DispatchObject {
            [this](Arguments arguments, VARIANT& result) { GetRows(arguments[0].lVal, result); });
   }
 
-  engine::Recordset& Rows() { return *m_rows; }
-
-  engine::ValueView Read(std::size_t field) {
-    const engine::ValueView value = m_rows->FieldValue(field);
-    if (value == engine::ValueView(kUnreadable)) throw Error(3197, "The data has been changed.", "Engine");
-    return value;
+ private:
+  static DispatchObject* MakeField(const ComPtr<DaoRecordset>& recordset, std::size_t index) {
+    auto* field = new DispatchObject(recordset->m_journal, "Field");
+    field->Property(L"Name", engine::Value(std::string(recordset->m_rows->FieldName(index))));
+    field->Property(L"Value", [recordset, index](Arguments, VARIANT& result) {
+      const engine::ValueView value = recordset->m_rows->FieldValue(index);
+      if (value == engine::ValueView(kUnreadable)) throw Error(3197, "The data has been changed.", "Engine");
+      Answer(result, value);
+    });
+    field->WritableProperty(L"Value", [recordset, index](Arguments arguments, VARIANT&) {
+      std::string text;
+      recordset->m_rows->SetFieldValue(index, engine::OwnedOf(engine::dao::ToValue(arguments[0], text)));
+    });
+    return field;
   }
 
- private:
   bool CanRead() {
     for (std::size_t i = 0; i < m_rows->FieldCount(); ++i) {
       if (m_rows->FieldValue(i) == engine::ValueView(kUnreadable)) return false;
@@ -114,24 +113,11 @@ class DaoRecordset final : public DispatchObject {
   std::unique_ptr<engine::Recordset> m_rows;
 };
 
-DaoField::DaoField(Journal& journal, ComPtr<DaoRecordset> recordset, std::size_t index)
-    : DispatchObject(journal, "Field") {
-  Property(L"Name", [recordset, index](Arguments, VARIANT& result) {
-    Answer(result, recordset->Rows().FieldName(index));
-  });
-  Property(L"Value",
-           [recordset, index](Arguments, VARIANT& result) { Answer(result, recordset->Read(index)); });
-  WritableProperty(L"Value", [recordset, index](Arguments arguments, VARIANT&) {
-    recordset->Rows().SetFieldValue(index, ValueOf(arguments[0]));
-  });
+DispatchObject* MakeQueryDef(Journal& journal, std::string sql) {
+  auto* query = new DispatchObject(journal, "QueryDef");
+  query->Property(L"SQL", engine::Value(std::move(sql)));
+  return query;
 }
-
-class DaoQueryDef final : public DispatchObject {
- public:
-  DaoQueryDef(Journal& journal, std::string sql) : DispatchObject(journal, "QueryDef") {
-    Property(L"SQL", [sql](Arguments, VARIANT& result) { Answer(result, std::string_view(sql)); });
-  }
-};
 
 class DaoDatabase final : public DispatchObject {
  public:
@@ -149,7 +135,7 @@ class DaoDatabase final : public DispatchObject {
     Method(L"CreateQueryDef", {VT_BSTR, VT_BSTR}, [this](Arguments arguments, VARIANT& result) {
       m_transaction.Join(*m_database);
       m_database->CreateQueryDef(TextOf(arguments[0]), TextOf(arguments[1]));
-      Answer(result, new DaoQueryDef(m_journal, TextOf(arguments[1])));
+      Answer(result, MakeQueryDef(m_journal, TextOf(arguments[1])));
     });
     Property(L"QueryDefs", [this](Arguments, VARIANT& result) { Answer(result, QueryDefs()); });
     Method(L"Close", {}, [this](Arguments, VARIANT&) { m_database->Close(); });
@@ -158,10 +144,12 @@ class DaoDatabase final : public DispatchObject {
  private:
   DispatchObject* QueryDefs() {
     const ComPtr<DaoDatabase> self(this);
-    auto* collection = new Collection(m_journal, "QueryDefs", 0, VT_BSTR, [self](const VARIANT& name) {
-      return ComPtr<DispatchObject>(
-          new DaoQueryDef(self->m_journal, self->m_database->QueryText(TextOf(name))));
-    });
+    auto* collection = MakeCollection(
+        m_journal, "QueryDefs", [] { return 0; }, VT_BSTR,
+        [self](const VARIANT& name) {
+          return ComPtr<DispatchObject>(
+              MakeQueryDef(self->m_journal, self->m_database->QueryText(TextOf(name))));
+        });
     collection->Method(L"Delete", {VT_BSTR}, [self](Arguments arguments, VARIANT&) {
       self->m_transaction.Join(*self->m_database);
       self->m_database->DeleteQueryDef(TextOf(arguments[0]));
@@ -196,28 +184,17 @@ class DaoWorkspace final : public DispatchObject {
   Transaction m_transaction;
 };
 
-class DaoError final : public DispatchObject {
- public:
-  DaoError(Journal& journal, const Journal::Entry& entry) : DispatchObject(journal, "Error") {
-    Property(L"Number", [entry](Arguments, VARIANT& result) { Answer(result, std::int64_t{entry.number}); });
-    Property(L"Description",
-             [entry](Arguments, VARIANT& result) { Answer(result, std::string_view(entry.description)); });
-    Property(L"Source",
-             [entry](Arguments, VARIANT& result) { Answer(result, std::string_view(entry.source)); });
-  }
-};
-
-class DaoErrors final : public DispatchObject {
- public:
-  explicit DaoErrors(Journal& journal) : DispatchObject(journal, "Errors") {
-    Property(L"Count", [&journal](Arguments, VARIANT& result) {
-      Answer(result, static_cast<std::int64_t>(journal.errors.size()));
-    });
-    Method(L"Item", {VT_I4}, [&journal](Arguments arguments, VARIANT& result) {
-      Answer(result, new DaoError(journal, journal.errors[Position(arguments[0], journal.errors.size())]));
-    });
-  }
-};
+DispatchObject* MakeErrors(Journal& journal) {
+  const auto count = [&journal] { return journal.errors.size(); };
+  return MakeCollection(journal, "Errors", count, VT_I4, [&journal](const VARIANT& which) {
+    const auto& [number, description, source] = journal.errors[Position(which, journal.errors.size())];
+    auto* error = new DispatchObject(journal, "Error");
+    error->Property(L"Number", engine::Value(std::int64_t{number}));
+    error->Property(L"Description", engine::Value(description));
+    error->Property(L"Source", engine::Value(source));
+    return ComPtr<DispatchObject>(error);
+  });
+}
 
 class DbEngine final : public DispatchObject {
  public:
@@ -229,9 +206,10 @@ class DbEngine final : public DispatchObject {
         Position(which, 1);
         return only;
       };
-      Answer(result, new Collection(m_journal, "Workspaces", 1, VT_I4, makeItem));
+      Answer(result, MakeCollection(
+                         m_journal, "Workspaces", [] { return 1; }, VT_I4, makeItem));
     });
-    Property(L"Errors", [this](Arguments, VARIANT& result) { Answer(result, new DaoErrors(m_journal)); });
+    Property(L"Errors", [this](Arguments, VARIANT& result) { Answer(result, MakeErrors(m_journal)); });
     Method(L"Idle", {VT_I4}, [](Arguments, VARIANT&) {});
   }
 

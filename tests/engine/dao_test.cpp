@@ -53,12 +53,9 @@ TEST_F(Dao, StatementsArriveUntouched) {
   test.Run(testing::CatalogSchema());
   const auto workspace = MakeDefaultWorkspace();
   workspace->BeginAction();
-  OpenRequest request = test.Request();
-  request.readOnly = true;
-  workspace->OpenDatabase(request);
-  EXPECT_TRUE(Called(test, "Workspace.OpenDatabase(\"" + request.name + "\", False, True, \"\")"));
+  workspace->OpenDatabase({.name = test.Request().name, .readOnly = true});
+  EXPECT_TRUE(Called(test, "Workspace.OpenDatabase(\"" + test.Request().name + "\", False, True, \"\")"));
   auto database = workspace->OpenDatabase(test.Request());
-  workspace->OpenDatabase(test.Request());
   EXPECT_TRUE(Rows(*database, "SELECT ID FROM  [Catalog] WHERE File = 'bü; ro' ;").empty());
   EXPECT_TRUE(
       Called(test, "Database.OpenRecordset(\"SELECT ID FROM  [Catalog] WHERE File = 'bü; ro' ;\", 4)"));
@@ -122,22 +119,24 @@ TEST_F(Dao, BlocksOfASnapshot) {
 TEST(DaoValues, ComeAndGoAsTheEngineHasThem) {
   std::string text;
   const auto value = [&text](const VARIANT& variant) { return dao::ToValue(variant, text); };
-  const DateTime dates[] = {{2026, 3, 1, 14, 25, 30},
-                            {1899, 12, 30, 0, 0, 1},
-                            {1899, 12, 29, 18, 0, 0},
-                            {100, 1, 1, 0, 0, 0},
-                            {9999, 12, 31, 23, 59, 59}};
-  for (const DateTime& date : dates) {
-    EXPECT_EQ(value(dao::FromValue(date).Raw()), ValueView(date)) << ToText(date);
-  }
-  for (const Value& kept : {Value(), Value(true), Value(false), Value(std::int64_t{-5}), Value(0.25),
-                            Value(std::string("bü\0ro", 6)), Value(std::string())}) {
-    const ValueView view = std::visit([](const auto& held) -> ValueView { return held; }, kept);
-    EXPECT_EQ(value(dao::FromValue(kept).Raw()), view);
+  for (const Value& kept :
+       {Value(), Value(true), Value(false), Value(std::int64_t{-5}), Value(0.25),
+        Value(std::string("bü\0ro", 6)), Value(std::string()), Value(DateTime{2026, 3, 1, 14, 25, 30}),
+        Value(DateTime{1899, 12, 30, 0, 0, 1}), Value(DateTime{1899, 12, 29, 18, 0, 0}),
+        Value(DateTime{100, 1, 1, 0, 0, 0}), Value(DateTime{9999, 12, 31, 23, 59, 59})}) {
+    const dao::Variant variant = dao::FromValue(kept);
+    EXPECT_EQ(OwnedOf(value(variant.Raw())), kept);
   }
   EXPECT_EQ(value(dao::FromValue(std::int64_t{1} << 40).Raw()), ValueView(1099511627776.0));
 
   VARIANT variant{};
+  variant.vt = VT_DATE;
+  variant.date = 2.75;
+  EXPECT_EQ(value(variant), ValueView(DateTime{1900, 1, 1, 18, 0, 0}));
+  for (const double serial : {1e300, -1e300, std::numeric_limits<double>::quiet_NaN()}) {
+    variant.date = serial;
+    ExpectError(kxrestore::error_number::kTypeMismatch, "", [&] { value(variant); });
+  }
   variant.vt = VT_CY;
   variant.cyVal.int64 = 50'000'000'000 * 10'000;
   EXPECT_EQ(value(variant), ValueView(std::int64_t{50'000'000'000}));
@@ -151,18 +150,13 @@ TEST(DaoValues, ComeAndGoAsTheEngineHasThem) {
   variant.vt = VT_UI1;
   variant.bVal = 200;
   EXPECT_EQ(value(variant), ValueView(std::int64_t{200}));
+  variant.vt = VT_DISPATCH;
+  ExpectError(kxrestore::error_number::kTypeMismatch, "", [&] { value(variant); });
   SAFEARRAYBOUND bound{3, 0};
   dao::Variant bytes;
   bytes.Raw().vt = VT_ARRAY | VT_UI1;
   bytes.Raw().parray = SafeArrayCreate(VT_UI1, 1, &bound);
   EXPECT_EQ(value(bytes.Raw()), ValueView(std::string_view("\0\0\0", 3)));
-  variant.vt = VT_DISPATCH;
-  ExpectError(kxrestore::error_number::kTypeMismatch, "", [&] { value(variant); });
-  variant.vt = VT_DATE;
-  for (const double serial : {1e300, -1e300, std::numeric_limits<double>::quiet_NaN()}) {
-    variant.date = serial;
-    ExpectError(kxrestore::error_number::kTypeMismatch, "", [&] { value(variant); });
-  }
 }
 
 }  // namespace

@@ -3,18 +3,8 @@
 #include <fstream>
 
 namespace kxrestore::engine::testing {
-namespace {
-
-class DaoTestKind final : public TestDatabaseKind {
- public:
-  std::string Name() const override { return "Dao"; }
-  std::unique_ptr<TestDatabase> Make() const override { return std::make_unique<DaoTestDatabase>(); }
-};
-
-}  // namespace
-
 DaoTestDatabase::DaoTestDatabase(const std::vector<dao_server::Installation>& installations)
-    : m_sqlite(SqliteKind().Make()), m_server(MakeImpatientWorkspace(), installations) {
+    : m_sqlite(MakeSqliteFile()), m_server(MakeImpatientWorkspace(), installations) {
   const std::string name = Request().name;
   std::ofstream(std::filesystem::path(std::u8string(name.begin(), name.end())), std::ios::binary)
       << std::string_view("\0\1\0\0Standard Jet DB\0", 20) << "and more";
@@ -24,11 +14,6 @@ OpenRequest DaoTestDatabase::Request() const {
   OpenRequest request = m_sqlite->Request();
   request.name.replace(request.name.rfind('.'), std::string::npos, ".mdb");
   return request;
-}
-
-const TestDatabaseKind& DaoKind() {
-  static const DaoTestKind kind;
-  return kind;
 }
 
 }  // namespace kxrestore::engine::testing

@@ -1,9 +1,6 @@
 // The kind of database that the automation back end opens, over the server of tests/dao_server.
 #pragma once
 
-#include <memory>
-#include <vector>
-
 #include "tests/dao_server/dao_server.h"
 #include "tests/engine/test_databases.h"
 
@@ -25,7 +22,5 @@ class DaoTestDatabase final : public TestDatabase {
   std::unique_ptr<TestDatabase> m_sqlite;
   dao_server::DaoServer m_server;
 };
-
-const TestDatabaseKind& DaoKind();
 
 }  // namespace kxrestore::engine::testing

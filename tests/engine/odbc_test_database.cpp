@@ -19,12 +19,10 @@ extern "C" const char* __lsan_default_suppressions() {
 namespace kxrestore::engine::testing {
 namespace {
 
-constexpr const char* kNames[] = {
-    "Catalog",   "ID",         "DateStamp",   "SetNameID",     "Extension",   "Filename", "File",
-    "LongPaths", "LongPathID", "StoreName",   "StoreMethod",   "Plugin",      "Restore",  "OrigSize",
-    "Status",    "Attributes", "SubFolder",   "EncryptMethod", "OrigName",    "PathID",   "LongPath",
-    "SetNames",  "Name",       "BackupAudit", "Permanent",     "FullCatalog", "SetName",  "Mine",
-    "P"};
+constexpr std::string_view kNames =
+    " Catalog ID DateStamp SetNameID Extension Filename File LongPaths LongPathID StoreName StoreMethod "
+    "Plugin Restore OrigSize Status Attributes SubFolder EncryptMethod OrigName PathID LongPath SetNames "
+    "Name BackupAudit Permanent FullCatalog FullCatalogLatestBySet SetName Mine P ";
 
 bool IsNameCharacter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
@@ -42,15 +40,17 @@ std::string Spelled(std::string_view sql, Spelling spelling) {
       while (end < sql.size() && IsNameCharacter(sql[end])) ++end;
     }
     const std::string_view word = sql.substr(i, end - i);
-    const auto* known = std::find_if(std::begin(kNames), std::end(kNames),
-                                     [word](const char* name) { return EqualIgnoringCase(word, name); });
-    if (known == std::end(kNames)) {
+    const std::size_t known = FoldCase(kNames).find(" " + FoldCase(word) + " ");
+    if (known == std::string::npos) {
       result += word;
     } else {
       const bool quoted = i > 0 && sql[i - 1] == '"';
-      if (quoted) result.pop_back();
-      if (quoted) ++end;
-      result += spelling == Spelling::kQuoted ? "\"" + std::string(*known) + "\"" : FoldCase(*known);
+      if (quoted) {
+        result.pop_back();
+        ++end;
+      }
+      const std::string name(kNames.substr(known + 1, word.size()));
+      result += spelling == Spelling::kQuoted ? "\"" + name + "\"" : FoldCase(name);
     }
     i = end;
   }
@@ -59,14 +59,13 @@ std::string Spelled(std::string_view sql, Spelling spelling) {
 
 class OdbcTestDatabase final : public TestDatabase {
  public:
-  OdbcTestDatabase(std::string connect, std::string asAdministrator, Spelling spelling)
-      : m_connect(std::move(connect)), m_session(asAdministrator, false, nullptr), m_spelling(spelling) {}
+  OdbcTestDatabase(std::string connect, Spelling spelling, std::unique_ptr<TemporaryFolder> folder = {})
+      : m_folder(std::move(folder)),
+        m_connect(std::move(connect)),
+        m_session(m_connect, false, nullptr),
+        m_spelling(spelling) {}
 
-  OpenRequest Request() const override {
-    OpenRequest request;
-    request.connect = m_connect;
-    return request;
-  }
+  OpenRequest Request() const override { return {.connect = m_connect}; }
 
   // Drivers take one statement at a time.
   void Run(std::string_view sql) override {
@@ -94,7 +93,7 @@ class OdbcTestDatabase final : public TestDatabase {
     try {
       odbc::OdbcStatement statement(m_session, Spelled(sql, m_spelling));
       m_session.RunRead(statement, {});
-      RowReader& rows = statement.Rows();
+      odbc::RowReader& rows = statement.Rows();
       if (!rows.Next()) return "no row";
       const ValueView value = rows.Value(0);
       if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "1" : "0";
@@ -105,82 +104,45 @@ class OdbcTestDatabase final : public TestDatabase {
   }
 
  private:
-  using RowReader = odbc::RowReader;
+  std::unique_ptr<TemporaryFolder> m_folder;
   std::string m_connect;
   odbc::Session m_session;
   Spelling m_spelling;
 };
 
-// A database of this process's own, emptied for every test.
-class PostgresTestKind final : public TestDatabaseKind {
- public:
-  explicit PostgresTestKind(Spelling spelling) : m_spelling(spelling) {}
-
-  std::string Name() const override {
-    return m_spelling == Spelling::kFolded ? "Postgres" : "PostgresQuoted";
-  }
-
-  std::unique_ptr<TestDatabase> Make() const override {
-    const std::string password = ServerSetting("KX_TEST_PASSWORD"), user = ServerSetting("KX_TEST_USER");
-    const std::string administrator = ServerSetting("KX_TEST_ADMIN");
-    const std::string& database = Database(administrator, password);
-    const std::string asAdministrator = ServerConnect(database, administrator, password);
-    odbc::Session session(asAdministrator, false, nullptr);
-    session.RunSchemaChange({"DROP SCHEMA public CASCADE", "CREATE SCHEMA public AUTHORIZATION " + user});
-    // Numbers where the tables have Booleans, as other databases take them.
-    session.RunSchemaChange(
-        {"UPDATE pg_cast SET castcontext = 'i' WHERE castsource = 'int4'::regtype AND casttarget = "
-         "'bool'::regtype",
-         "CREATE FUNCTION public.joined(int[]) RETURNS text LANGUAGE sql AS 'SELECT array_to_string($1, "
-         "'','')'",
-         "CREATE AGGREGATE public.group_concat(int) (SFUNC = array_append, STYPE = int[], INITCOND = '{}', "
-         "FINALFUNC = public.joined)",
-         "ALTER DEFAULT PRIVILEGES IN SCHEMA public GRANT ALL ON TABLES TO " + user});
-    return std::make_unique<OdbcTestDatabase>(ServerConnect(database, user, password),
-                                              ServerConnect(database, user, password), m_spelling);
-  }
-
- private:
-  static const std::string& Database(const std::string& administrator, const std::string& password) {
-    static const std::string name = [&] {
-      const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-      std::string made = "kx_" + std::to_string(stamp);
-      odbc::Session session(ServerConnect("postgres", administrator, password), false, nullptr);
-      session.Ask("CREATE DATABASE " + made);
-      return made;
-    }();
-    return name;
-  }
-
-  Spelling m_spelling;
-};
-
-class OdbcSqliteTestDatabase final : public TestDatabase {
- public:
-  OdbcSqliteTestDatabase() : m_inner(Connect(), Connect(), Spelling::kFolded) {}
-  OpenRequest Request() const override { return m_inner.Request(); }
-  void Run(std::string_view sql) override { m_inner.Run(sql); }
-  std::string Ask(std::string_view sql) override { return m_inner.Ask(sql); }
-
- private:
-  std::string Connect() const {
-    std::setlocale(LC_CTYPE,
-                   "C.UTF-8");  // in which the driver manager hands texts to a driver without UTF-16
-    return "ODBC;DRIVER={SQLite3};Database=" + m_folder.File("catalog.db") + ";Timeout=300";
-  }
-
-  TemporaryFolder m_folder;
-  OdbcTestDatabase m_inner;
-};
-
-class OdbcSqliteTestKind final : public TestDatabaseKind {
- public:
-  std::string Name() const override { return "OdbcSqlite"; }
-  bool NoticesViewsOfOthers() const override { return false; }
-  std::unique_ptr<TestDatabase> Make() const override { return std::make_unique<OdbcSqliteTestDatabase>(); }
-};
-
 }  // namespace
+
+// In a database of this process's own, emptied for every test.
+std::unique_ptr<TestDatabase> MakePostgres(Spelling spelling) {
+  const std::string password = ServerSetting("KX_TEST_PASSWORD"), user = ServerSetting("KX_TEST_USER");
+  const std::string administrator = ServerSetting("KX_TEST_ADMIN");
+  static const std::string database = [&] {
+    const std::string made =
+        "kx_" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
+    odbc::Session(ServerConnect("postgres", administrator, password), false, nullptr)
+        .Ask("CREATE DATABASE " + made);
+    return made;
+  }();
+  odbc::Session session(ServerConnect(database, administrator, password), false, nullptr);
+  session.RunSchemaChange({"DROP SCHEMA public CASCADE", "CREATE SCHEMA public AUTHORIZATION " + user});
+  // Numbers where the tables have Booleans, as other databases take them.
+  session.RunSchemaChange(
+      {"UPDATE pg_cast SET castcontext = 'i' WHERE castsource = 'int4'::regtype AND casttarget = "
+       "'bool'::regtype",
+       "CREATE FUNCTION public.joined(int[]) RETURNS text LANGUAGE sql AS 'SELECT array_to_string($1, "
+       "'','')'",
+       "CREATE AGGREGATE public.group_concat(int) (SFUNC = array_append, STYPE = int[], INITCOND = '{}', "
+       "FINALFUNC = public.joined)",
+       "ALTER DEFAULT PRIVILEGES IN SCHEMA public GRANT ALL ON TABLES TO " + user});
+  return std::make_unique<OdbcTestDatabase>(ServerConnect(database, user, password), spelling);
+}
+
+std::unique_ptr<TestDatabase> MakeSqliteBehindOdbc() {
+  std::setlocale(LC_CTYPE, "C.UTF-8");  // in which the driver manager hands texts to a driver without UTF-16
+  auto folder = std::make_unique<TemporaryFolder>();
+  std::string connect = "ODBC;DRIVER={SQLite3};Database=" + folder->File("catalog.db") + ";Timeout=300";
+  return std::make_unique<OdbcTestDatabase>(std::move(connect), Spelling::kFolded, std::move(folder));
+}
 
 std::string ServerSetting(const char* name) {
   const char* value = std::getenv(name);
@@ -194,16 +156,6 @@ bool HasTestServer() {
 std::string ServerConnect(const std::string& database, const std::string& user, const std::string& password) {
   return "ODBC;DRIVER={sql server};DATABASE=" + database + ";SERVER=" + ServerSetting("KX_TEST_SERVER") +
          ";UID=" + user + ";PWD=" + password;
-}
-
-const TestDatabaseKind& PostgresKind(Spelling spelling) {
-  static const PostgresTestKind folded(Spelling::kFolded), quoted(Spelling::kQuoted);
-  return spelling == Spelling::kFolded ? folded : quoted;
-}
-
-const TestDatabaseKind& OdbcSqliteKind() {
-  static const OdbcSqliteTestKind kind;
-  return kind;
 }
 
 }  // namespace kxrestore::engine::testing

@@ -13,8 +13,8 @@ enum class Spelling { kFolded, kQuoted };
 // Whether the environment names a server. Under scripts/test.sh one that is missing is a failure.
 bool HasTestServer();
 
-const TestDatabaseKind& PostgresKind(Spelling spelling);
-const TestDatabaseKind& OdbcSqliteKind();
+std::unique_ptr<TestDatabase> MakePostgres(Spelling spelling);
+std::unique_ptr<TestDatabase> MakeSqliteBehindOdbc();
 
 // A connect string as hosts give it, for the server of the environment.
 std::string ServerConnect(const std::string& database, const std::string& user, const std::string& password);

@@ -17,16 +17,25 @@ using jet_sql::KnownColumn;
 using jet_sql::KnownRelation;
 using jet_sql::ValueKind;
 
-const std::vector<KnownColumn> kCatalogColumns = {
-    {"ID", ValueKind::kNumber},          {"DateStamp", ValueKind::kDate},
-    {"SetNameID", ValueKind::kNumber},   {"Extension", ValueKind::kText},
-    {"Filename", ValueKind::kText},      {"File", ValueKind::kText},
-    {"LongPathID", ValueKind::kNumber},  {"StoreName", ValueKind::kText},
-    {"StoreMethod", ValueKind::kNumber}, {"Plugin", ValueKind::kText},
-    {"Restore", ValueKind::kBoolean},    {"OrigSize", ValueKind::kNumber},
-    {"Status", ValueKind::kNumber},      {"Attributes", ValueKind::kNumber},
-    {"SubFolder", ValueKind::kText},     {"EncryptMethod", ValueKind::kNumber},
-    {"OrigName", ValueKind::kText}};
+// Of names with a letter for the kind behind each: number, text, date, Boolean.
+std::vector<KnownColumn> Columns(std::string_view list) {
+  std::vector<KnownColumn> columns;
+  for (std::size_t start = 0; start < list.size();) {
+    const std::size_t end = std::min(list.find(' ', start), list.size());
+    const char kind = list[end - 1];
+    columns.push_back({std::string(list.substr(start, end - start - 2)), kind == 'n'   ? ValueKind::kNumber
+                                                                         : kind == 't' ? ValueKind::kText
+                                                                         : kind == 'd'
+                                                                             ? ValueKind::kDate
+                                                                             : ValueKind::kBoolean});
+    start = end + 1;
+  }
+  return columns;
+}
+
+const std::vector<KnownColumn> kCatalogColumns = Columns(
+    "ID:n DateStamp:d SetNameID:n Extension:t Filename:t File:t LongPathID:n StoreName:t StoreMethod:n "
+    "Plugin:t Restore:b OrigSize:n Status:n Attributes:n SubFolder:t EncryptMethod:n OrigName:t");
 
 std::string FullCatalogText() {
   std::string text = "SELECT ";
@@ -36,48 +45,21 @@ std::string FullCatalogText() {
          "SetNames.Name AS SetName FROM SetNames RIGHT JOIN [Catalog] ON SetNames.ID = Catalog.SetNameID;";
 }
 
-// What the panels of the dialog ask for.
-constexpr const char* kOfThePanels[] = {
-    "SELECT SetNames.Name, BackupAudit.DateStamp, BackupAudit.SetNameID, BackupAudit.Extension, "
-    "BackupAudit.Permanent, BackupAudit.Status FROM SetNames INNER JOIN BackupAudit ON SetNames.ID = "
-    "BackupAudit.SetNameID Where (((BackupAudit.Status) = 6)) ORDER BY SetNames.Name, BackupAudit.DateStamp "
-    "DESC; ",
-    "SELECT Catalog.ID, Catalog.File, IIf(IsNull([LongPath]),[filename],[longpath]) AS RestoreFile FROM "
-    "LongPaths "
-    "RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID WHERE (((Catalog.SetNameID)=1) AND "
-    "((Catalog.Extension)='002') AND ((Catalog.Status)=2));",
-    "SELECT Catalog.Restore, SetNames.Name FROM SetNames RIGHT JOIN (LongPaths RIGHT JOIN [Catalog] ON "
-    "LongPaths.PathID = Catalog.LongPathID) ON SetNames.ID = Catalog.SetNameID WHERE "
-    "(((Catalog.Restore)=True));",
-    "SELECT Mid([OrigName],InStrRev([OrigName],\".\")) AS FileType, Count(*) AS Files FROM [Catalog] WHERE "
-    "(((Catalog.Status)=2) AND ((Catalog.OrigName) Like \"*.*\")) GROUP BY "
-    "Mid([OrigName],InStrRev([OrigName],\".\"));",
-    "SELECT * FROM ArchiveHeader",
-    "INSERT INTO SetNames (ID, Name) VALUES (9, 'it''s new'), (10, 'Büro')",
-    "DELETE FROM BackupAudit WHERE SetNameID = 9 AND DateStamp < #11/16/2026 2:25:30 PM#",
-};
-
 class CatalogOnServer final : public jet_sql::Relations, public jet_sql::TableFacts {
  public:
   CatalogOnServer() {
     Add("Catalog", true, kCatalogColumns);
-    Add("LongPaths", true, {{"PathID", ValueKind::kNumber}, {"LongPath", ValueKind::kText}});
-    Add("SetNames", true, {{"ID", ValueKind::kNumber}, {"Name", ValueKind::kText}});
-    Add("BackupAudit", true,
-        {{"SetNameID", ValueKind::kNumber},
-         {"DateStamp", ValueKind::kDate},
-         {"Extension", ValueKind::kText},
-         {"Permanent", ValueKind::kBoolean},
-         {"Status", ValueKind::kNumber}});
-    Add("ArchiveHeader", true, {{"Title", ValueKind::kText}});
+    Add("LongPaths", true, Columns("PathID:n LongPath:t"));
+    Add("SetNames", true, Columns("ID:n Name:t"));
+    Add("BackupAudit", true, Columns("SetNameID:n DateStamp:d Extension:t Permanent:b Status:n"));
+    Add("ArchiveHeader", true, Columns("Title:t"));
     std::vector<KnownColumn> listed = kCatalogColumns;
     listed.push_back({"SetName", ValueKind::kText});
     Add("FullCatalog", false, listed);
     // What this component has saved is read by its text.
     for (const auto& [name, text] : ServerStatements()) {
       if (name.empty() || name == "FullCatalog") continue;
-      Add(name.c_str(), false, {});
-      m_relations.back().text = text;
+      Add(name, false, {}, text);
     }
   }
 
@@ -106,18 +88,46 @@ class CatalogOnServer final : public jet_sql::Relations, public jet_sql::TableFa
   bool SortsAlike() const override { return true; }
 
  private:
-  void Add(const char* name, bool isTable, std::vector<KnownColumn> columns) {
-    KnownRelation relation;
-    relation.name = name;
-    relation.isTable = isTable;
-    relation.columns = std::move(columns);
-    m_relations.push_back(std::move(relation));
+  void Add(const std::string& name, bool isTable, std::vector<KnownColumn> columns,
+           std::optional<std::string> text = {}) {
+    m_relations.push_back({name, isTable, std::move(columns), std::move(text)});
   }
 
   std::vector<KnownRelation> m_relations;
 };
 
 }  // namespace
+
+std::vector<PanelStatement> PanelStatements() {
+  const std::string longName = "C:\\Documents and Settings\\user\\long name.doc";
+  return {{"SELECT SetNames.Name, BackupAudit.DateStamp, BackupAudit.SetNameID, BackupAudit.Extension, "
+           "BackupAudit.Permanent, BackupAudit.Status FROM SetNames INNER JOIN BackupAudit ON SetNames.ID = "
+           "BackupAudit.SetNameID Where (((BackupAudit.Status) = 6)) ORDER BY SetNames.Name, "
+           "BackupAudit.DateStamp DESC; ",
+           {"Archive|2026-03-05 00:00:00|3|x01|False|6", "büro|2026-03-01 00:00:00|2|001|NULL|6",
+            "Office|2026-02-01 08:00:00|1|002|False|6", "Office|2026-01-01 08:00:00|1|001|True|6"}},
+          {"SELECT Catalog.ID, Catalog.DateStamp, Catalog.SetNameID, Catalog.Extension, Catalog.Filename, "
+           "Catalog.File, Catalog.LongPathID, LongPaths.LongPath, Catalog.StoreName, Catalog.StoreMethod, "
+           "Catalog.Plugin, IIf(IsNull([LongPath]),[filename],[longpath]) AS RestoreFile FROM LongPaths "
+           "RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID WHERE (((Catalog.SetNameID)=1) AND "
+           "((Catalog.Extension)='002') AND ((Catalog.Status)=2));",
+           {"2|2026-02-01 08:00:00|1|002|C:\\a.doc|a.doc|NULL|NULL|s2|1||C:\\a.doc",
+            "3|2026-02-01 08:00:00|1|002|C:\\DOCUME~1\\L.DOC|l.doc|7|" + longName + "|s3|1||" + longName,
+            "4|2026-02-01 08:00:00|1|002|C:\\it's.txt|it's.txt|NULL|NULL|s4|1|NULL|C:\\it's.txt",
+            "7|2026-02-01 08:00:00|1|002|mail|mail|NULL|NULL|s7|1|Exchange Server|mail"}},
+          {"SELECT Catalog.SetNameID, Catalog.OrigSize, Catalog.DateStamp, Catalog.Extension, "
+           "Catalog.Filename, Catalog.File, Catalog.Restore, Catalog.StoreMethod, Catalog.Plugin, "
+           "Catalog.StoreName, IIf(IsNull([LongPath]),[filename],[longpath]) AS RestoreFile, SetNames.Name "
+           "FROM SetNames RIGHT JOIN (LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = "
+           "Catalog.LongPathID) ON SetNames.ID = Catalog.SetNameID WHERE (((Catalog.Restore)=True));",
+           {"1|13|2026-02-01 08:00:00|002|C:\\it's.txt|it's.txt|True|1|NULL|s4|C:\\it's.txt|Office",
+            "2|NULL|2026-03-01 00:00:00|001|D:\\Ärger.txt|Ärger.txt|True|1||s5|D:\\Ärger.txt|büro"}},
+          {"SELECT Mid([OrigName],InStrRev([OrigName],\".\")) AS FileType, Count(*) AS Files FROM [Catalog] "
+           "WHERE (((Catalog.Status)=2) AND ((Catalog.OrigName) Like \"*.*\")) GROUP BY "
+           "Mid([OrigName],InStrRev([OrigName],\".\"));",
+           {".doc|3", ".txt|2"}},
+          {"SELECT * FROM ArchiveHeader", {}}};
+}
 
 std::vector<ServerStatement> ServerStatements() {
   const auto script = std::make_shared<catalog_test::Script>();
@@ -151,7 +161,10 @@ std::vector<ServerStatement> ServerStatements() {
       if (call.starts_with(start)) statements.push_back({"", call.substr(start.size())});
     }
   }
-  for (const char* text : kOfThePanels) statements.push_back({"", text});
+  for (const auto& [text, rows] : PanelStatements()) statements.push_back({"", text});
+  statements.push_back({"", "INSERT INTO SetNames (ID, Name) VALUES (9, 'it''s new'), (10, 'Büro')"});
+  statements.push_back(
+      {"", "DELETE FROM BackupAudit WHERE SetNameID = 9 AND DateStamp < #11/16/2026 2:25:30 PM#"});
   return statements;
 }
 

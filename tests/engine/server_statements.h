@@ -16,6 +16,13 @@ struct ServerStatement {
 
 std::vector<ServerStatement> ServerStatements();
 
+// What the panels of the dialog ask for, and its rows where the catalog has those of CatalogRows().
+struct PanelStatement {
+  std::string text;
+  std::vector<std::string> rows;
+};
+std::vector<PanelStatement> PanelStatements();
+
 // As SQL Server is to get it, names and kinds of columns being those of a catalog there.
 std::string ForSqlServer(const std::string& text, bool savedQuery = false, bool mindsCase = false);
 

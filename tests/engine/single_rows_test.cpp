@@ -12,21 +12,20 @@ namespace {
 using testing::Rows;
 using Strings = std::vector<std::string>;
 
-constexpr char kBody[] =
+constexpr char kLatest[] =
     "SELECT FullCatalog.OrigName AS OrigName, Max(FullCatalog.DateStamp) AS DateStamp, First(FullCatalog.ID) "
     "AS ID, First(FullCatalog.SetNameID) AS SetNameID, First(FullCatalog.Status) AS Status, "
-    "First(FullCatalog.SetName) AS SetName FROM FullCatalog INNER JOIN Newest ON Newest.ID = FullCatalog.ID ";
-constexpr char kGroups[] = "GROUP BY FullCatalog.OrigName ";
-constexpr char kOrder[] = "ORDER BY First(FullCatalog.DateStamp) DESC , First(FullCatalog.ID) DESC;";
-constexpr char kLive[] = "WHERE FullCatalog.Status = 2 ";
+    "First(FullCatalog.SetName) AS SetName FROM FullCatalog INNER JOIN Newest ON Newest.ID = FullCatalog.ID "
+    "WHERE FullCatalog.Status = 2 GROUP BY FullCatalog.OrigName ORDER BY First(FullCatalog.DateStamp) DESC , "
+    "First(FullCatalog.ID) DESC;";
 constexpr char kNewest[] =
     "SELECT FullCatalog.OrigName AS OrigName, Max(FullCatalog.DateStamp) AS DateStamp, Max(FullCatalog.ID) "
     "AS ID FROM FullCatalog where FullCatalog.Status = 2 GROUP BY FullCatalog.OrigName;";
 constexpr char kKey[] = "INTEGER PRIMARY KEY";
 
-class SingleRows : public ::testing::TestWithParam<const testing::TestDatabaseKind*> {
+class SingleRows : public ::testing::TestWithParam<testing::TestDatabaseKind> {
  protected:
-  bool IsPostgres() const { return GetParam()->Name().starts_with("Postgres"); }
+  bool IsPostgres() const { return GetParam().name.starts_with("Postgres"); }
 
   // The type of texts that are the same in any case.
   std::string CaseBlind() const { return IsPostgres() ? "TEXT COLLATE blind" : "TEXT COLLATE NOCASE"; }
@@ -34,30 +33,26 @@ class SingleRows : public ::testing::TestWithParam<const testing::TestDatabaseKi
   // Makes a catalog with these columns of its key, names and sets, and the saved queries over it.
   void Make(const std::string& id, const std::string& name, const std::string& setId) {
     m_database.reset();
-    m_workspace = GetParam()->MakeWorkspace();
-    m_test = GetParam()->Make();
+    m_workspace = MakeDefaultWorkspace();
+    m_test = GetParam().make();
     if (IsPostgres()) {
       m_test->Run(
           "CREATE COLLATION blind (provider = icu, locale = 'und-u-ks-level2', deterministic = false)");
     }
     m_test->Run(
         "CREATE TABLE Catalog (ID " + id + ", OrigName " + name +
-        ", DateStamp TEXT, SetNameID INTEGER, Status INTEGER);"
-        "CREATE TABLE SetNames (ID " +
-        setId +
-        ", Name TEXT);"
-        "INSERT INTO SetNames VALUES (1, 'one'), (2, 'two');"
-        "INSERT INTO Catalog VALUES (1, 'a.doc', '2026-01-01', 1, 2), (2, 'a.doc', '2026-03-01', 2, 2),"
-        " (3, 'a.doc', '2026-02-01', 1, 2), (4, 'b.doc', '2026-02-01', 1, 2),"
-        " (5, 'c.xls', '2026-02-01', 9, 2), (6, 'c.xls', '2026-02-01', 2, 2),"
-        " (7, 'c.xls', '2026-05-01', 1, 3), (8, NULL, '2026-06-01', 1, 2), (9, NULL, NULL, 2, 2),"
-        " (10, 'A.DOC', '2026-01-05', 1, 2), (11, 'dead', '2026-01-05', 1, 3);"
-        "CREATE VIEW FullCatalog AS SELECT Catalog.OrigName AS OrigName, Catalog.DateStamp AS DateStamp,"
-        " Catalog.ID AS ID, Catalog.SetNameID AS SetNameID, Catalog.Status AS Status, SetNames.Name AS"
-        " SetName FROM Catalog LEFT JOIN SetNames ON SetNames.ID = Catalog.SetNameID;");
+        ", DateStamp TEXT, SetNameID INTEGER, Status INTEGER);CREATE TABLE SetNames (ID " + setId +
+        ", Name TEXT);INSERT INTO SetNames VALUES (1, 'one'), (2, 'two');INSERT INTO Catalog VALUES (1, "
+        "'a.doc', '2026-01-01', 1, 2), (2, 'a.doc', '2026-03-01', 2, 2), (3, 'a.doc', '2026-02-01', 1, 2), "
+        "(4, 'b.doc', '2026-02-01', 1, 2), (5, 'c.xls', '2026-02-01', 9, 2), (6, 'c.xls', '2026-02-01', 2, "
+        "2), (7, 'c.xls', '2026-05-01', 1, 3), (8, NULL, '2026-06-01', 1, 2), (9, NULL, NULL, 2, 2), (10, "
+        "'A.DOC', '2026-01-05', 1, 2), (11, 'dead', '2026-01-05', 1, 3);CREATE VIEW FullCatalog AS SELECT "
+        "Catalog.OrigName AS OrigName, Catalog.DateStamp AS DateStamp, Catalog.ID AS ID, Catalog.SetNameID "
+        "AS SetNameID, Catalog.Status AS Status, SetNames.Name AS SetName FROM Catalog LEFT JOIN SetNames ON "
+        "SetNames.ID = Catalog.SetNameID;");
     m_database = m_workspace->OpenDatabase(m_test->Request());
     m_database->CreateQueryDef("Newest", kNewest);
-    m_database->CreateQueryDef("Latest", std::string(kBody) + kLive + kGroups + kOrder);
+    m_database->CreateQueryDef("Latest", kLatest);
   }
 
   Strings Listed(const std::string& conditions, const std::string& columns = "*") {
@@ -80,8 +75,7 @@ class SingleRows : public ::testing::TestWithParam<const testing::TestDatabaseKi
 
   void ExpectAsked(int groups, bool maskInside) {
     odbc::Session session(m_test->Request().connect, false, nullptr);
-    for (const auto& [name, text] : {std::pair("Newest", std::string(kNewest)),
-                                     std::pair("Latest", std::string(kBody) + kLive + kGroups + kOrder)}) {
+    for (const auto& [name, text] : {std::pair("Newest", kNewest), std::pair("Latest", kLatest)}) {
       odbc::DeleteSavedQuery(session, name);
       odbc::CreateSavedQuery(session, name, text);
     }
@@ -138,19 +132,18 @@ TEST_P(SingleRows, GroupsThatAreNeededStay) {
 
   // The groups of the two queries are not the same.
   Make(kKey, "TEXT", kKey);
-  m_database->DeleteQueryDef("Newest");
-  m_database->CreateQueryDef(
-      "Newest", "SELECT Max(FullCatalog.ID) AS ID FROM FullCatalog GROUP BY FullCatalog.SetNameID");
-  Listed("");
-  m_database->DeleteQueryDef("Newest");
-  m_database->CreateQueryDef(
-      "Newest", "SELECT FullCatalog.ID AS ID FROM FullCatalog WHERE FullCatalog.ID In (1, 3, 4)");
-  EXPECT_EQ(Listed("").size(), 2u);
+  for (const char* newest :
+       {"SELECT Max(FullCatalog.ID) AS ID FROM FullCatalog GROUP BY FullCatalog.SetNameID",
+        "SELECT FullCatalog.ID AS ID FROM FullCatalog WHERE FullCatalog.ID In (1, 3, 4)"}) {
+    m_database->DeleteQueryDef("Newest");
+    m_database->CreateQueryDef("Newest", newest);
+    EXPECT_EQ(Listed("").size(), 2u);
+  }
 }
 
 // What a server is asked, by what it tells of the columns; nothing else shows whether a group was left out.
 TEST_P(SingleRows, AskedOfAServer) {
-  if (GetParam()->Name() == "Sqlite") return;
+  if (GetParam().name == "Sqlite") return;
   const struct {
     std::string id, name, setId;
     int groups;
@@ -177,14 +170,14 @@ TEST_P(SingleRows, AskedOfAServer) {
 }
 
 // Every kind but the desktop engine, which has nobody to ask.
-std::vector<const testing::TestDatabaseKind*> Kinds() {
+std::vector<testing::TestDatabaseKind> Kinds() {
   auto kinds = testing::TestDatabaseKinds();
-  std::erase_if(kinds, [](const testing::TestDatabaseKind* kind) { return kind->Name() == "Dao"; });
+  std::erase_if(kinds, [](const testing::TestDatabaseKind& kind) { return kind.name == "Dao"; });
   return kinds;
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, SingleRows, ::testing::ValuesIn(Kinds()),
-                         [](const auto& kind) { return kind.param->Name(); });
+                         [](const auto& kind) { return kind.param.name; });
 
 }  // namespace
 }  // namespace kxrestore::engine

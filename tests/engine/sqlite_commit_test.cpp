@@ -1,8 +1,9 @@
-// Commits in groups: what others see and when, and what an error leaves.
+// Commits in groups: what others see and when, what they ask of the disk, and what an error leaves.
 #include <chrono>
 #include <thread>
 
 #include "tests/engine/test_databases.h"
+#include "tests/engine/watched_files.h"
 
 namespace kxrestore::engine {
 namespace {
@@ -13,55 +14,52 @@ using testing::Rows;
 class SqliteCommit : public ::testing::Test {
  protected:
   void SetUp() override { m_test->Run(testing::CatalogSchema() + testing::CatalogRows()); }
+  std::unique_ptr<Database> Open() { return m_workspace->OpenDatabase(m_test->Request()); }
   void Mark(int id) {
-    EXPECT_EQ(m_workspace->OpenDatabase(m_test->Request())
-                  ->Execute("UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=" +
-                                std::to_string(id) + "));",
-                            kFailOnError),
+    EXPECT_EQ(Open()->Execute("UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=" +
+                                  std::to_string(id) + "));",
+                              kFailOnError),
               1);
   }
   // What another connection sees.
   std::string Marked() {
     return m_test->Ask("SELECT group_concat(ID) FROM Catalog WHERE Restore = 1 ORDER BY ID");
   }
+  static void LetTimePass() { std::this_thread::sleep_for(std::chrono::milliseconds(110)); }
 
-  std::unique_ptr<testing::TestDatabase> m_test = testing::SqliteKind().Make();
+  std::unique_ptr<testing::TestDatabase> m_test = testing::MakeSqliteFile();
   std::unique_ptr<Workspace> m_workspace = testing::MakeImpatientWorkspace();
 };
 
-TEST_F(SqliteCommit, OutsideAnActionAtOnce) {
-  Mark(1);
-  EXPECT_EQ(Marked(), "1,4");
-}
-
-TEST_F(SqliteCommit, WithinAnActionTogether) {
+TEST_F(SqliteCommit, AtOnceOutsideAnActionAndTogetherWithin) {
+  Mark(5);
+  EXPECT_EQ(Marked(), "4,5");
   m_workspace->BeginAction();
   m_workspace->BeginAction();
   Mark(1);
   Mark(2);
-  EXPECT_EQ(Marked(), "4") << "not yet";
   m_workspace->Idle();
-  EXPECT_EQ(Marked(), "4") << "not before its time";
-  std::this_thread::sleep_for(std::chrono::milliseconds(110));
+  EXPECT_EQ(Marked(), "4,5") << "not before its time";
+  LetTimePass();
   m_workspace->Idle();
-  EXPECT_EQ(Marked(), "1,2,4");
+  EXPECT_EQ(Marked(), "1,2,4,5");
   Mark(3);
   m_workspace->EndAction();
-  EXPECT_EQ(Marked(), "1,2,4") << "an inner action ends nothing";
+  EXPECT_EQ(Marked(), "1,2,4,5") << "an inner action ends nothing";
   m_workspace->Flush();
-  EXPECT_EQ(Marked(), "1,2,3,4");
+  EXPECT_EQ(Marked(), "1,2,3,4,5");
+  Mark(6);
+  LetTimePass();
   Mark(7);
+  EXPECT_EQ(Marked(), "1,2,3,4,5,6,7") << "updates themselves keep the time";
+  m_test->Run("UPDATE Catalog SET Restore = 0");
+  Mark(6);
   m_workspace->EndAction();
-  EXPECT_EQ(Marked(), "1,2,3,4,7");
-}
-
-TEST_F(SqliteCommit, UpdatesThemselvesKeepTheTime) {
+  EXPECT_EQ(Marked(), "6");
   m_workspace->BeginAction();
-  Mark(1);
-  std::this_thread::sleep_for(std::chrono::milliseconds(110));
-  Mark(2);
-  EXPECT_EQ(Marked(), "1,2,4");
-  m_workspace->EndAction();
+  Mark(7);
+  m_workspace.reset();
+  EXPECT_EQ(Marked(), "6,7") << "a workspace that goes keeps the marks";
 }
 
 TEST_F(SqliteCommit, AnErrorKeepsTheMarksBeforeIt) {
@@ -69,7 +67,7 @@ TEST_F(SqliteCommit, AnErrorKeepsTheMarksBeforeIt) {
       "CREATE TRIGGER Refuse BEFORE UPDATE ON Catalog WHEN new.ID = 3 BEGIN SELECT RAISE(ABORT, 'no'); END");
   m_workspace->BeginAction();
   Mark(1);
-  const auto database = m_workspace->OpenDatabase(m_test->Request());
+  const auto database = Open();
   ExpectError(error_number::kConstraint, "no",
               [&] { database->Execute("UPDATE Catalog SET Restore = 1 WHERE ID In (2, 3)", kFailOnError); });
   ExpectError(error_number::kParameterMissing, "Nothing",
@@ -79,31 +77,12 @@ TEST_F(SqliteCommit, AnErrorKeepsTheMarksBeforeIt) {
   EXPECT_EQ(Marked(), "1,4,7") << "the failing statement undoes itself only";
 }
 
-TEST_F(SqliteCommit, ASnapshotOfOneActionStaysWhileCommitsPass) {
-  m_workspace->BeginAction();
-  {
-    const auto snapshot =
-        m_workspace->OpenDatabase(m_test->Request())
-            ->OpenRecordset("SELECT ID, Filename FROM Catalog ORDER BY ID", RecordsetType::kSnapshot);
-    std::string visited;
-    for (; !snapshot->Eof(); snapshot->MoveNext()) {
-      const std::string id = snapshot->Fields("ID").Text();
-      visited += id + (snapshot->Fields("Filename").Text().empty() ? "!" : " ");
-      Mark(std::stoi(id));
-      m_workspace->Flush();
-    }
-    EXPECT_EQ(visited, "1 2 3 4 5 6 7 ");
-  }
-  m_workspace->EndAction();
-  EXPECT_EQ(Marked(), "1,2,3,4,5,6,7");
-}
-
 // A reader in another process keeps a commit back; the marks wait, and only patience has an end.
-TEST_F(SqliteCommit, ABlockedCommitIsTriedAgain) {
+TEST_F(SqliteCommit, ABlockedCommitIsTriedAgainAndToldAtTheEnd) {
   m_workspace->BeginAction();
   Mark(1);
   m_test->Run("BEGIN; SELECT count(*) FROM Catalog");
-  std::this_thread::sleep_for(std::chrono::milliseconds(110));
+  LetTimePass();
   const auto start = std::chrono::steady_clock::now();
   m_workspace->Idle();
   Mark(2);
@@ -112,17 +91,15 @@ TEST_F(SqliteCommit, ABlockedCommitIsTriedAgain) {
   m_test->Run("COMMIT");
   m_workspace->EndAction();
   EXPECT_EQ(Marked(), "1,2,4");
-}
 
-TEST_F(SqliteCommit, ACommitThatNeverComesThroughIsToldAtTheEnd) {
   m_workspace->BeginAction();
-  Mark(1);
+  Mark(3);
   m_test->Run("BEGIN; SELECT count(*) FROM Catalog");
   ExpectError(error_number::kRowLocked, "catälog.db", [&] { m_workspace->EndAction(); });
   m_test->Run("COMMIT");
-  EXPECT_EQ(Marked(), "4");
-  Mark(2);
-  EXPECT_EQ(Marked(), "2,4") << "usable again";
+  EXPECT_EQ(Marked(), "1,2,4");
+  Mark(7);
+  EXPECT_EQ(Marked(), "1,2,4,7") << "usable again";
 }
 
 TEST_F(SqliteCommit, AnotherWriterBetweenOurGroups) {
@@ -131,8 +108,7 @@ TEST_F(SqliteCommit, AnotherWriterBetweenOurGroups) {
     m_workspace->BeginAction();
     {
       const auto dynaset =
-          m_workspace->OpenDatabase(m_test->Request())
-              ->OpenRecordset("SELECT ID, Restore FROM Catalog ORDER BY ID", RecordsetType::kDynaset);
+          Open()->OpenRecordset("SELECT ID, Restore FROM Catalog ORDER BY ID", RecordsetType::kDynaset);
       if (mode[0] == 'W') m_test->Run("UPDATE SetNames SET Name = 'changed' WHERE ID = 3");
       for (; !dynaset->Eof(); dynaset->MoveNext()) {
         dynaset->Edit();
@@ -148,11 +124,11 @@ TEST_F(SqliteCommit, AnotherWriterBetweenOurGroups) {
 
 TEST_F(SqliteCommit, ASavedQueryMadeAgainUnchangedIsNotWritten) {
   const auto version = [&] { return m_test->Ask("PRAGMA schema_version"); };
-  const auto database = m_workspace->OpenDatabase(m_test->Request());
+  const auto database = Open();
   database->CreateQueryDef("Mine", "SELECT ID FROM Catalog WHERE Status = 2;");
   const std::string made = version();
   m_workspace->BeginAction();
-  const auto again = m_workspace->OpenDatabase(m_test->Request());
+  const auto again = Open();
   again->DeleteQueryDef("mine");
   ExpectError(error_number::kItemNotFound, "Mine", [&] { again->DeleteQueryDef("Mine"); });
   again->CreateQueryDef("Mine", "SELECT ID FROM Catalog WHERE Status = 1;");
@@ -171,11 +147,76 @@ TEST_F(SqliteCommit, ASavedQueryMadeAgainUnchangedIsNotWritten) {
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM sqlite_schema WHERE name = 'Mine'"), "0");
 }
 
-TEST_F(SqliteCommit, AWorkspaceThatGoesKeepsTheMarks) {
+class SqliteDisk : public SqliteCommit {
+ protected:
+  SqliteDisk() {
+    m_test = testing::MakeSqliteFile();  // under the eye of m_files
+  }
+  testing::WatchedFiles m_files;
+};
+
+TEST_F(SqliteDisk, MarksShareTheirSyncs) {
+  m_test->Run(
+      "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 2099) INSERT INTO Catalog "
+      "(ID, Filename, SetNameID, Extension, Restore) SELECT i, 'C:\\file' || i, 1, '002', 0 FROM n");
+  m_workspace->BeginAction();
+  m_files.ResetSyncs();
+  const auto start = std::chrono::steady_clock::now();
+  for (int id = 100; id < 2100; ++id) Mark(id);
+  m_workspace->EndAction();
+  const auto spent =
+      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+  EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Catalog WHERE Restore = 1"), "2001");
+  // A commit syncs the journal and the file, some file systems the folder too.
+  EXPECT_LE(m_files.Syncs(), 5 * (2 + spent.count() / 100));
+  EXPECT_GE(m_files.Syncs(), 1) << "nothing was made safe";
+}
+
+TEST_F(SqliteDisk, FullDiskKeepsWhatWasCommitted) {
   m_workspace->BeginAction();
   Mark(1);
-  m_workspace.reset();
-  EXPECT_EQ(Marked(), "1,4");
+  m_workspace->Flush();
+  Mark(2);
+  m_files.SetDiskFull(true);
+  ExpectError(error_number::kDiskFull, "catälog.db", [&] { m_workspace->Flush(); });
+  ExpectError(error_number::kDiskFull, "catälog.db", [&] {
+    Mark(3);
+    m_workspace->Flush();
+  });
+  m_files.SetDiskFull(false);
+  Mark(6);
+  m_files.SetDiskFull(true);
+  ExpectError(error_number::kDiskFull, "catälog.db", [&] { m_workspace->EndAction(); });
+  EXPECT_FALSE(m_workspace->InAction());
+  m_files.SetDiskFull(false);
+  Mark(7);
+  EXPECT_EQ(Marked(), "1,4,7");
+}
+
+// The disk fills while pages are moved out of memory: nothing may be committed after that, in part or alone.
+TEST_F(SqliteDisk, FullDiskWithinATransactionUndoesIt) {
+  m_test->Run("CREATE TABLE Big (T TEXT)");
+  m_workspace->BeginAction();
+  const auto database = Open();
+  const std::string insert = "INSERT INTO Big (T) VALUES ('" + std::string(60000, 'x') + "')";
+  database->BeginTrans();
+  m_files.SetDiskFull(true);
+  ExpectError(error_number::kDiskFull, "catälog.db", [&] {
+    for (int i = 0; i < 5000; ++i) database->Execute(insert, kFailOnError);
+  });
+  m_files.SetDiskFull(false);
+  ExpectError(error_number::kNoTransaction, "undone", [&] { database->Execute(insert, kFailOnError); });
+  ExpectError(error_number::kNoTransaction, "undone", [&] { database->CommitTrans(); });
+  database->Rollback();
+  EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Big"), "0");
+  database->BeginTrans();
+  database->Execute(insert, kFailOnError);
+  m_files.SetDiskFull(true);
+  ExpectError(error_number::kDiskFull, "catälog.db", [&] { database->CommitTrans(); });
+  m_files.SetDiskFull(false);
+  database->Rollback();
+  EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Big"), "0");
+  m_workspace->EndAction();
 }
 
 }  // namespace

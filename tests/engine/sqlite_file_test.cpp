@@ -17,9 +17,7 @@ using testing::Rows;
 class SqliteFile : public ::testing::Test {
  protected:
   std::unique_ptr<Database> Open(const std::string& name) {
-    OpenRequest request;
-    request.name = name;
-    return m_workspace->OpenDatabase(request);
+    return m_workspace->OpenDatabase({.name = name});
   }
   static std::filesystem::path Path(const std::string& name) {
     return std::filesystem::path(std::u8string(name.begin(), name.end()));
@@ -29,59 +27,56 @@ class SqliteFile : public ::testing::Test {
     std::ofstream(Path(file), std::ios::binary) << content;
     return file;
   }
-  static std::string Read(const std::string& file) {
-    std::ifstream stream(Path(file), std::ios::binary);
+  std::string ReadCatalog() {
+    std::ifstream stream(Path(m_catalog), std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
   }
-  std::unique_ptr<testing::TestDatabase> MakeCatalog() {
-    auto test = testing::SqliteKind().Make();
-    test->Run(testing::CatalogSchema() + testing::CatalogRows());
-    return test;
-  }
+  void SetUp() override { m_test->Run(testing::CatalogSchema() + testing::CatalogRows()); }
 
   testing::TemporaryFolder m_folder;
+  std::unique_ptr<testing::TestDatabase> m_test = testing::MakeSqliteFile();
+  const std::string m_catalog = m_test->Request().name;
   std::unique_ptr<Workspace> m_workspace = testing::MakeImpatientWorkspace();
 };
 
 TEST_F(SqliteFile, WhatIsNoCatalogIsToldApart) {
   using namespace std::literals;
+  const struct {
+    int number;
+    const char* name;
+    std::string content;
+  } files[] = {{error_number::kUnrecognizedFormat, "empty.db", ""},
+               {error_number::kUnrecognizedFormat, "short.db", "SQLite"},
+               {error_number::kUnrecognizedFormat, "text.db", std::string(5000, 'x')},
+               {error_number::kCannotCreateObject, "old.mdb", "\0\1\0\0Standard Jet DB\0 and more"s},
+               {error_number::kCannotCreateObject, "new.accdb", "\0\1\0\0Standard ACE DB\0 and more"s},
+               {error_number::kDamaged, "header.db", "SQLite format 3\0"s},
+               {error_number::kDamaged, "garbage.db", "SQLite format 3\0"s + std::string(8000, '\xA5')}};
+  for (const auto& [number, name, content] : files) {
+    ExpectError(number, name, [&] { Open(Write(name, content)); });
+  }
   const std::string missing = m_folder.File("missing.db");
   ExpectError(error_number::kFileNotFound, "missing.db", [&] { Open(missing); });
   EXPECT_FALSE(std::filesystem::exists(Path(missing))) << "opening creates nothing";
   ExpectError(error_number::kFileNotFound, "", [&] { Open(""); });
   ExpectError(error_number::kFileNotFound, ":memory:", [&] { Open(":memory:"); });
   ExpectError(error_number::kCannotOpen, "", [&] { Open(m_folder.File("")); });
-  ExpectError(error_number::kUnrecognizedFormat, "empty", [&] { Open(Write("empty.db", "")); });
-  ExpectError(error_number::kUnrecognizedFormat, "short", [&] { Open(Write("short.db", "SQLite")); });
-  ExpectError(error_number::kUnrecognizedFormat, "text",
-              [&] { Open(Write("text.db", std::string(5000, 'x'))); });
-  ExpectError(error_number::kCannotCreateObject, "install",
-              [&] { Open(Write("old.mdb", "\0\1\0\0Standard Jet DB\0 and more"sv)); });
-  ExpectError(error_number::kCannotCreateObject, "new.accdb",
-              [&] { Open(Write("new.accdb", "\0\1\0\0Standard ACE DB\0 and more"sv)); });
-  ExpectError(error_number::kDamaged, "header", [&] { Open(Write("header.db", "SQLite format 3\0"sv)); });
-  ExpectError(error_number::kDamaged, "garbage",
-              [&] { Open(Write("garbage.db", "SQLite format 3\0"s + std::string(8000, '\xA5'))); });
-  OpenRequest server;
-  server.connect = "ODBC;DRIVER={sql server};DATABASE=x;SERVER=y;UID=z;PWD=";
-  Workspace::Backends none;
-  ExpectError(error_number::kOdbcConnectionFailed, "",
-              [&] { Workspace(std::move(none)).OpenDatabase(server); });
+  ExpectError(error_number::kOdbcConnectionFailed, "", [&] {
+    Workspace(Workspace::Backends())
+        .OpenDatabase({.connect = "ODBC;DRIVER={sql server};DATABASE=x;SERVER=y"});
+  });
 }
 
 TEST_F(SqliteFile, DamageShowsAsDamage) {
-  auto test = MakeCatalog();
-  const std::string file = test->Request().name;
-  test->Run(
+  m_test->Run(
       "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 3000) INSERT INTO Catalog "
       "(ID, Filename, SetNameID, Extension) SELECT i, 'C:\\some\\longer\\path\\file' || i, 1, '002' FROM n");
-  const std::string good = Read(file);
-  ASSERT_GT(good.size(), 100000u);
-  const std::string cut = Write("cut.db", std::string_view(good).substr(0, good.size() / 2));
+  std::string content = ReadCatalog();
+  ASSERT_GT(content.size(), 100000u);
+  const std::string cut = Write("cut.db", std::string_view(content).substr(0, content.size() / 2));
   ExpectError(error_number::kDamaged, "cut.db", [&] { Rows(*Open(cut), "SELECT Filename FROM Catalog"); });
-  std::string scratched = good;
-  for (std::size_t i = 40000; i < 90000; ++i) scratched[i] = static_cast<char>(i * 37);
-  const std::string damaged = Write("scratched.db", scratched);
+  for (std::size_t i = 40000; i < 90000; ++i) content[i] = static_cast<char>(i * 37);
+  const std::string damaged = Write("scratched.db", content);
   ExpectError(error_number::kDamaged, "scratched.db",
               [&] { Rows(*Open(damaged), "SELECT Filename FROM Catalog"); });
   ExpectError(error_number::kDamaged, "scratched.db", [&] {
@@ -90,114 +85,97 @@ TEST_F(SqliteFile, DamageShowsAsDamage) {
 }
 
 TEST_F(SqliteFile, OpeningAndReadingChangesNothing) {
-  auto test = MakeCatalog();
-  const std::string file = test->Request().name;
-  const std::string before = Read(file);
-  const auto written = std::filesystem::last_write_time(Path(file));
+  const std::string before = ReadCatalog();
+  const auto written = std::filesystem::last_write_time(Path(m_catalog));
   m_workspace->BeginAction();
-  Rows(*Open(file), "SELECT * FROM FullCatalog ORDER BY OrigName");
+  Rows(*Open(m_catalog), "SELECT * FROM FullCatalog ORDER BY OrigName");
   m_workspace->EndAction();
-  EXPECT_EQ(Read(file), before);
-  EXPECT_EQ(std::filesystem::last_write_time(Path(file)), written);
+  EXPECT_EQ(ReadCatalog(), before);
+  EXPECT_EQ(std::filesystem::last_write_time(Path(m_catalog)), written);
 }
 
 TEST_F(SqliteFile, LockedByAnotherIsToldInTime) {
-  auto test = MakeCatalog();
-  const auto database = Open(test->Request().name);
-  const auto timed = [](auto operation) {
+  const auto database = Open(m_catalog);
+  const auto expectInTime = [](int number, auto operation) {
     const auto start = std::chrono::steady_clock::now();
-    operation();
+    ExpectError(number, "catälog.db", operation);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
   };
-  test->Run("BEGIN IMMEDIATE");
+  m_test->Run("BEGIN IMMEDIATE");
   EXPECT_EQ(Rows(*database, "SetNames").size(), 3u) << "a writer does not keep readers out";
-  timed([&] {
-    ExpectError(error_number::kRowLocked, "catälog.db",
-                [&] { database->Execute("UPDATE Catalog SET Restore = True", kFailOnError); });
-  });
-  test->Run("COMMIT; BEGIN EXCLUSIVE");
-  timed(
-      [&] { ExpectError(error_number::kRecordLocked, "catälog.db", [&] { Rows(*database, "SetNames"); }); });
-  timed([&] { ExpectError(error_number::kRecordLocked, "catälog.db", [&] { Open(test->Request().name); }); });
-  test->Run("COMMIT");
+  expectInTime(error_number::kRowLocked,
+               [&] { database->Execute("UPDATE Catalog SET Restore = True", kFailOnError); });
+  m_test->Run("COMMIT; BEGIN EXCLUSIVE");
+  expectInTime(error_number::kRecordLocked, [&] { Rows(*database, "SetNames"); });
+  expectInTime(error_number::kRecordLocked, [&] { Open(m_catalog); });
+  m_test->Run("COMMIT");
   EXPECT_EQ(database->Execute("UPDATE Catalog SET Restore = True WHERE ID = 1"), 1) << "usable again";
-}
-
-TEST_F(SqliteFile, ExclusiveKeepsOthersOut) {
-  auto test = MakeCatalog();
-  OpenRequest request = test->Request();
-  request.exclusive = true;
+  database->Close();
   {
-    const auto database = m_workspace->OpenDatabase(request);
-    EXPECT_EQ(Rows(*database, "SetNames").size(), 3u);
-    EXPECT_EQ(test->Ask("SELECT count(*) FROM SetNames"), "database is locked");
+    const auto alone = m_workspace->OpenDatabase({.name = m_catalog, .exclusive = true});
+    EXPECT_EQ(Rows(*alone, "SetNames").size(), 3u);
+    EXPECT_EQ(m_test->Ask("SELECT count(*) FROM SetNames"), "database is locked");
   }
-  EXPECT_EQ(test->Ask("SELECT count(*) FROM SetNames"), "3");
+  EXPECT_EQ(m_test->Ask("SELECT count(*) FROM SetNames"), "3");
 }
 
-TEST_F(SqliteFile, ReadOnlyFileIsReadNotWritten) {
-  auto test = MakeCatalog();
-  const std::string file = test->Request().name;
-  std::filesystem::permissions(Path(file), std::filesystem::perms::owner_read |
-                                               std::filesystem::perms::group_read |
-                                               std::filesystem::perms::others_read);
+// Root may write everything.
+struct AsNobody {
 #ifndef _WIN32
-  const bool wasRoot = geteuid() == 0;  // root may write everything
-  if (wasRoot) {
-    ASSERT_EQ(seteuid(65534), 0);
+  AsNobody() {
+    Become(65534);
   }
+  ~AsNobody() {
+    Become(0);
+  }
+  void Become(uid_t user) const {
+    EXPECT_TRUE(!wasRoot || seteuid(user) == 0);
+  }
+  const bool wasRoot = geteuid() == 0;
 #endif
-  if (std::ofstream(Path(file), std::ios::app)) GTEST_SKIP() << "nothing is read-only for this user";
-  ExpectError(error_number::kReadOnly, "catälog.db", [&] {
-    const auto database = Open(file);
-    EXPECT_EQ(Rows(*database, "SetNames").size(), 3u);
-    database->Execute("UPDATE Catalog SET Restore = True", kFailOnError);
-  });
+};
+
+TEST_F(SqliteFile, WhatMayNotBeWrittenOrRead) {
+  using std::filesystem::perms;
+  const auto hidden = Path(m_folder.File("hidden.db"));
+  std::filesystem::copy_file(Path(m_catalog), hidden);
+  std::filesystem::permissions(hidden, perms::none);
+  std::filesystem::permissions(Path(m_catalog), perms::owner_read | perms::group_read | perms::others_read);
+  {
+    [[maybe_unused]] const AsNobody nobody{};
+    if (std::ofstream(Path(m_catalog), std::ios::app)) GTEST_SKIP() << "nothing is read-only for this user";
+    ExpectError(error_number::kReadOnly, "catälog.db", [&] {
+      const auto database = Open(m_catalog);
+      EXPECT_EQ(Rows(*database, "SetNames").size(), 3u);
+      database->Execute("UPDATE Catalog SET Restore = True", kFailOnError);
+    });
 #ifndef _WIN32
-  std::filesystem::path hidden = Path(m_folder.File("hidden.db"));
-  if (wasRoot) {
-    ASSERT_EQ(seteuid(0), 0);
-  }
-  std::filesystem::copy_file(Path(file), hidden);
-  std::filesystem::permissions(hidden, std::filesystem::perms::none);
-  if (wasRoot) {
-    ASSERT_EQ(seteuid(65534), 0);
-  }
-  ExpectError(error_number::kCannotOpen, "hidden.db", [&] { Open(m_folder.File("hidden.db")); });
-  if (wasRoot) {
-    ASSERT_EQ(seteuid(0), 0);
-  }
+    ExpectError(error_number::kCannotOpen, "hidden.db", [&] { Open(m_folder.File("hidden.db")); });
 #endif
-  std::filesystem::permissions(Path(file), std::filesystem::perms::owner_all);
+  }
+  for (const auto& file : {Path(m_catalog), hidden}) std::filesystem::permissions(file, perms::owner_all);
 }
 
 TEST_F(SqliteFile, OddContentsDoNotDisturb) {
-  auto test = MakeCatalog();
-  test->Run(
-      "UPDATE Catalog SET Filename = CAST(X'610062FFC3' AS TEXT), File = X'00FF', OrigSize = 1.5, "
-      "Plugin = '' WHERE ID = 1");
-  const auto database = Open(test->Request().name);
-  const auto recordset = database->OpenRecordset("SELECT Filename, File, OrigSize FROM Catalog WHERE ID = 1",
-                                                 RecordsetType::kDynaset);
-  EXPECT_EQ(recordset->Fields("Filename").Text(), std::string("a\0b\xFF\xC3", 5));
-  EXPECT_EQ(recordset->Fields("File").Text(), std::string("\0\xFF", 2));
-  EXPECT_EQ(recordset->FieldValue(2), ValueView(1.5));
+  m_test->Run(
+      "UPDATE Catalog SET Filename = CAST(X'610062FFC3' AS TEXT), File = X'00FF', OrigSize = 1.5 WHERE ID = "
+      "1; "
+      "CREATE TABLE Dated (D DATETIME, B BIT); INSERT INTO Dated VALUES ('2026-11-16 02:25:30', -1), "
+      "('soon', 0)");
+  const auto database = Open(m_catalog);
+  const auto odd = database->OpenRecordset("SELECT Filename, File, OrigSize FROM Catalog WHERE ID = 1",
+                                           RecordsetType::kDynaset);
+  EXPECT_EQ(odd->Fields("Filename").Text(), std::string("a\0b\xFF\xC3", 5));
+  EXPECT_EQ(odd->Fields("File").Text(), std::string("\0\xFF", 2));
+  EXPECT_EQ(odd->FieldValue(2), ValueView(1.5));
   EXPECT_EQ(Rows(*database, "SELECT ID FROM Catalog WHERE Filename Like \"*b*\"").size(), 1u);
   EXPECT_EQ(Rows(*database, "SELECT Count(*) AS N FROM Catalog WHERE Filename = 'a'").front(), "0");
   ExpectError(error_number::kSyntax, "", [&] { Rows(*database, std::string_view("SELECT 1 \0 x", 12)); });
-}
-
-TEST_F(SqliteFile, DeclaredDatesAreDates) {
-  auto test = MakeCatalog();
-  test->Run(
-      "CREATE TABLE Dated (D DATETIME, B BIT); INSERT INTO Dated VALUES ('2026-11-16 02:25:30', -1), "
-      "('soon', 0)");
-  const auto recordset = Open(test->Request().name)->OpenRecordset("Dated", RecordsetType::kSnapshot);
-  ASSERT_TRUE(std::holds_alternative<DateTime>(recordset->FieldValue(0)));
-  EXPECT_EQ(recordset->Fields("D").Text(), "2026-11-16 02:25:30");
-  EXPECT_EQ(recordset->FieldValue(1), ValueView(true));
-  recordset->MoveNext();
-  EXPECT_EQ(recordset->Fields("D").Text(), "soon");
+  const auto dated = database->OpenRecordset("Dated", RecordsetType::kSnapshot);
+  EXPECT_EQ(dated->FieldValue(0), ValueView(DateTime{2026, 11, 16, 2, 25, 30})) << "declared dates are dates";
+  EXPECT_EQ(dated->FieldValue(1), ValueView(true));
+  dated->MoveNext();
+  EXPECT_EQ(dated->Fields("D").Text(), "soon");
 }
 
 }  // namespace

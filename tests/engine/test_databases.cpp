@@ -19,53 +19,42 @@ constexpr const char* kNoRow = "no row";
 
 class SqliteTestDatabase final : public TestDatabase {
  public:
-  SqliteTestDatabase() {
-    const int code = sqlite3_open_v2(Request().name.c_str(), &m_connection,
-                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
-    if (code != SQLITE_OK) throw std::runtime_error("cannot make " + Request().name);
+  explicit SqliteTestDatabase(const std::string& path)
+      : m_path(path.empty() ? m_folder.File("catälog.db") : path) {
+    const int code =
+        sqlite3_open_v2(m_path.c_str(), &m_connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    if (code != SQLITE_OK) throw std::runtime_error("cannot make " + m_path);
     sqlite3_busy_timeout(m_connection, 300);
   }
   ~SqliteTestDatabase() override { sqlite3_close_v2(m_connection); }
 
-  OpenRequest Request() const override {
-    OpenRequest request;
-    request.name = m_folder.File("catälog.db");
-    return request;
-  }
+  OpenRequest Request() const override { return {.name = m_path}; }
 
   void Run(std::string_view sql) override {
-    char* message = nullptr;
-    if (sqlite3_exec(m_connection, std::string(sql).c_str(), nullptr, nullptr, &message) != SQLITE_OK) {
-      const std::string text = message == nullptr ? "?" : message;
-      sqlite3_free(message);
-      throw std::runtime_error(text);
-    }
+    if (const std::string message = Carry(sql, nullptr); !message.empty()) throw std::runtime_error(message);
   }
 
   std::string Ask(std::string_view sql) override {
     std::string answer = kNoRow;
-    const auto keep = [](void* kept, int, char** values, char**) {
-      std::string& first = *static_cast<std::string*>(kept);
-      if (first == kNoRow) first = values[0] == nullptr ? "NULL" : values[0];
-      return 0;
-    };
-    char* message = nullptr;
-    if (sqlite3_exec(m_connection, std::string(sql).c_str(), keep, &answer, &message) != SQLITE_OK) {
-      answer = message == nullptr ? "?" : message;
-      sqlite3_free(message);
-    }
-    return answer;
+    const std::string message = Carry(sql, &answer);
+    return message.empty() ? answer : message;
   }
 
  private:
-  TemporaryFolder m_folder;
-  sqlite3* m_connection = nullptr;
-};
+  // What is wrong, if anything.
+  std::string Carry(std::string_view sql, std::string* answer) {
+    const auto keep = [](void* kept, int, char** values, char**) {
+      auto* first = static_cast<std::string*>(kept);
+      if (first != nullptr && *first == kNoRow) *first = values[0] == nullptr ? "NULL" : values[0];
+      return 0;
+    };
+    const int code = sqlite3_exec(m_connection, std::string(sql).c_str(), keep, answer, nullptr);
+    return code == SQLITE_OK ? std::string() : sqlite3_errmsg(m_connection);
+  }
 
-class SqliteTestKind final : public TestDatabaseKind {
- public:
-  std::string Name() const override { return "Sqlite"; }
-  std::unique_ptr<TestDatabase> Make() const override { return std::make_unique<SqliteTestDatabase>(); }
+  TemporaryFolder m_folder;
+  std::string m_path;
+  sqlite3* m_connection = nullptr;
 };
 
 }  // namespace
@@ -91,9 +80,8 @@ std::string TemporaryFolder::File(std::string_view name) const {
   return {path.begin(), path.end()};
 }
 
-const TestDatabaseKind& SqliteKind() {
-  static const SqliteTestKind kind;
-  return kind;
+std::unique_ptr<TestDatabase> MakeSqliteFile(const std::string& path) {
+  return std::make_unique<SqliteTestDatabase>(path);
 }
 
 std::unique_ptr<Workspace> MakeImpatientWorkspace() {
@@ -102,16 +90,19 @@ std::unique_ptr<Workspace> MakeImpatientWorkspace() {
   return std::make_unique<Workspace>(std::move(backends));
 }
 
-const std::vector<const TestDatabaseKind*>& TestDatabaseKinds() {
-  static const std::vector<const TestDatabaseKind*> kinds = [] {
-    std::vector<const TestDatabaseKind*> found = {&SqliteKind()};
+const std::vector<TestDatabaseKind>& TestDatabaseKinds() {
+  static const std::vector<TestDatabaseKind> kinds = [] {
+    std::vector<TestDatabaseKind> found = {{"Sqlite", [] { return MakeSqliteFile(); }}};
 #ifdef _WIN32
-    if (!dao_server::DaoServer::RealOneIsInstalled()) found.push_back(&DaoKind());
+    if (!dao_server::DaoServer::RealOneIsInstalled()) {
+      found.push_back({"Dao", [] { return std::make_unique<DaoTestDatabase>(); }});
+    }
 #endif
     if (HasTestServer()) {
-      found.insert(found.end(), {&PostgresKind(Spelling::kFolded), &PostgresKind(Spelling::kQuoted)});
+      found.push_back({"Postgres", [] { return MakePostgres(Spelling::kFolded); }});
+      found.push_back({"PostgresQuoted", [] { return MakePostgres(Spelling::kQuoted); }});
 #ifndef _WIN32
-      found.push_back(&OdbcSqliteKind());
+      found.push_back({"OdbcSqlite", MakeSqliteBehindOdbc});
 #endif
     }
     return found;

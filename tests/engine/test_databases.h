@@ -1,9 +1,10 @@
-// Databases for tests. The conformance suite runs against every kind that a maker is registered for.
+// Databases for tests. The conformance suites run against every kind that can be had here and now.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -39,19 +40,15 @@ class TestDatabase {
   virtual std::string Ask(std::string_view sql) = 0;
 };
 
-class TestDatabaseKind {
- public:
-  virtual ~TestDatabaseKind() = default;
-  virtual std::string Name() const = 0;
-  virtual std::unique_ptr<TestDatabase> Make() const = 0;
-  // False for a driver that prepares for the views it has once seen.
-  virtual bool NoticesViewsOfOthers() const { return true; }
-  virtual std::unique_ptr<Workspace> MakeWorkspace() const { return MakeDefaultWorkspace(); }
+struct TestDatabaseKind {
+  std::string name;
+  std::function<std::unique_ptr<TestDatabase>()> make;
+  friend void PrintTo(const TestDatabaseKind& kind, std::ostream* out) { *out << kind.name; }
 };
 
-// Every kind that can be tested here and now.
-const std::vector<const TestDatabaseKind*>& TestDatabaseKinds();
-const TestDatabaseKind& SqliteKind();
+const std::vector<TestDatabaseKind>& TestDatabaseKinds();
+// Of a file that is there already, or of a new one.
+std::unique_ptr<TestDatabase> MakeSqliteFile(const std::string& path = {});
 
 // A workspace for files that does not wait long for locks.
 std::unique_ptr<Workspace> MakeImpatientWorkspace();
@@ -76,24 +73,21 @@ void ExpectError(int number, std::string_view piece, Operation operation) {
   }
 }
 
-// A test over every kind of database.
-class ConformanceTest : public ::testing::TestWithParam<const TestDatabaseKind*> {
+// A catalog in a database of every kind.
+class ConformanceTest : public ::testing::TestWithParam<TestDatabaseKind> {
  protected:
   void SetUp() override {
-    m_test = GetParam()->Make();
-    m_workspace = GetParam()->MakeWorkspace();
-    m_test->Run(CatalogSchema());
-    m_test->Run(CatalogRows());
+    m_test->Run(CatalogSchema() + CatalogRows());
     m_database = m_workspace->OpenDatabase(m_test->Request());
   }
 
-  std::unique_ptr<TestDatabase> m_test;
-  std::unique_ptr<Workspace> m_workspace;
+  std::unique_ptr<TestDatabase> m_test = GetParam().make();
+  std::unique_ptr<Workspace> m_workspace = MakeDefaultWorkspace();
   std::unique_ptr<Database> m_database;
 };
 
-#define KX_CONFORMANCE(suite)                                                                 \
-  INSTANTIATE_TEST_SUITE_P(Engines, suite, ::testing::ValuesIn(testing::TestDatabaseKinds()), \
-                           [](const auto& engine) { return engine.param->Name(); })
+#define KX_CONFORMANCE(suite)                                                                         \
+  INSTANTIATE_TEST_SUITE_P(Engines, suite, ::testing::ValuesIn(engine::testing::TestDatabaseKinds()), \
+                           [](const auto& kind) { return kind.param.name; })
 
 }  // namespace kxrestore::engine::testing

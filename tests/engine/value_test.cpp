@@ -2,72 +2,60 @@
 
 #include <gtest/gtest.h>
 
-#include "base/error.h"
 #include "engine/jet_sql/date_literal.h"
+#include "tests/raises.h"
 
 namespace kxrestore::engine {
 namespace {
 
 using namespace std::string_view_literals;
 
-int ErrorOf(void (*operation)()) {
-  try {
-    operation();
-  } catch (const Error& error) {
-    return error.Number();
-  }
-  return 0;
-}
-
 TEST(Value, Converts) {
   EXPECT_EQ(ToText(ValueView(std::int64_t{-12})), "-12");
   EXPECT_EQ(ToText(ValueView(1.5)), "1.5");
   EXPECT_EQ(ToText(ValueView(true)), "True");
   EXPECT_EQ(ToInteger(" 42 "sv), 42);
-  EXPECT_EQ(ToInteger("2.5"sv), 2);  // half to even
+  EXPECT_EQ(ToInteger("2.5"sv), 2) << "half to even";
   EXPECT_EQ(ToInteger(ValueView()), 0);
   EXPECT_TRUE(ToBoolean("-1"sv));
   EXPECT_TRUE(ToBoolean("TRUE"sv));
   EXPECT_FALSE(ToBoolean("false"sv));
   EXPECT_FALSE(ToBoolean(ValueView()));
-  EXPECT_EQ(ErrorOf([] { ToInteger("12a"sv); }), 13);
-  EXPECT_EQ(ErrorOf([] { ToInteger(""sv); }), 13);
-  EXPECT_EQ(ErrorOf([] { ToInteger("1e300"sv); }), 6);
-  EXPECT_EQ(ErrorOf([] { ToInteger(ValueView(DateTime{})); }), 13);
+  EXPECT_RAISES(13, ToInteger("12a"sv));
+  EXPECT_RAISES(13, ToInteger(""sv));
+  EXPECT_RAISES(6, ToInteger("1e300"sv));
+  EXPECT_RAISES(13, ToInteger(ValueView(DateTime{})));
 }
 
-TEST(Value, ReadsStoredDates) {
-  const auto text = [](std::string_view source) {
-    const auto date = ToDateTime(source);
-    return date ? ToText(*date) : "none";
-  };
-  EXPECT_EQ(text("2026-11-16"), "2026-11-16 00:00:00");
-  EXPECT_EQ(text("2026-11-16 02:25:30"), "2026-11-16 02:25:30");
-  EXPECT_EQ(text("2026-11-16T02:25"), "2026-11-16 02:25:00");
-  EXPECT_EQ(text("2024-02-29 23:59:59.123"), "2024-02-29 23:59:59");
-  for (const char* wrong :
-       {"", "2026", "2026-13-01", "2025-02-29", "2026-11-16 24:00", "2026-11-16x", "11/16/2026",
-        "2026-11-16 02:25:30 ", "2026-11-16 02:25:30.x", "-026-11-16", "2026-11-16 1:02"}) {
-    EXPECT_EQ(text(wrong), "none") << wrong;
+template <typename Read>
+void ExpectDates(Read read, std::initializer_list<std::pair<const char*, const char*>> dates,
+                 std::initializer_list<const char*> wrong) {
+  for (const auto& [source, expected] : dates) {
+    const auto date = read(source);
+    ASSERT_TRUE(date) << source;
+    EXPECT_EQ(ToText(*date), expected);
   }
+  for (const char* source : wrong) EXPECT_FALSE(read(source)) << source;
 }
 
-TEST(Value, ReadsDateLiterals) {
-  const auto text = [](std::string_view source) {
-    const auto date = jet_sql::ParseDateLiteral(source);
-    return date ? ToText(*date) : "none";
-  };
-  EXPECT_EQ(text("11/16/2026"), "2026-11-16 00:00:00");
-  EXPECT_EQ(text(" 1/2/2026 2:05:30 PM "), "2026-01-02 14:05:30");
-  EXPECT_EQ(text("1/2/2026 12:00 AM"), "2026-01-02 00:00:00");
-  EXPECT_EQ(text("1/2/2026 12:00 pm"), "2026-01-02 12:00:00");
-  EXPECT_EQ(text("2026-11-16 14:00"), "2026-11-16 14:00:00");
-  EXPECT_EQ(text("1/2/98"), "1998-01-02 00:00:00");
-  EXPECT_EQ(text("3:04"), "1899-12-30 03:04:00");
-  for (const char* wrong : {"", "13/1/2026", "2/30/2026", "1/2", "1/2/2026 25:00", "1/2/2026 13:00 PM", "x",
-                            "1/2/2026 3", "1/2/2026 3:04 PM x", "99999/1/1"}) {
-    EXPECT_EQ(text(wrong), "none") << wrong;
-  }
+TEST(Value, ReadsDates) {
+  ExpectDates([](std::string_view stored) { return ToDateTime(stored); },
+              {{"2026-11-16", "2026-11-16 00:00:00"},
+               {"2026-11-16 02:25:30", "2026-11-16 02:25:30"},
+               {"2026-11-16T02:25", "2026-11-16 02:25:00"},
+               {"2024-02-29 23:59:59.123", "2024-02-29 23:59:59"}},
+              {"", "2026", "2026-13-01", "2025-02-29", "2026-11-16 24:00", "2026-11-16x", "11/16/2026",
+               "2026-11-16 02:25:30 ", "2026-11-16 02:25:30.x", "-026-11-16", "2026-11-16 1:02"});
+  ExpectDates([](std::string_view literal) { return jet_sql::ParseDateLiteral(literal); },
+              {{"11/16/2026", "2026-11-16 00:00:00"},
+               {" 1/2/2026 2:05:30 PM ", "2026-01-02 14:05:30"},
+               {"1/2/2026 12:00 AM", "2026-01-02 00:00:00"},
+               {"1/2/2026 12:00 pm", "2026-01-02 12:00:00"},
+               {"2026-11-16 14:00", "2026-11-16 14:00:00"},
+               {"1/2/98", "1998-01-02 00:00:00"},
+               {"3:04", "1899-12-30 03:04:00"}},
+              {"", "13/1/2026", "2/30/2026", "1/2", "1/2/2026 25:00", "1/2/2026 13:00 PM", "x", "1/2/2026 3",
+               "1/2/2026 3:04 PM x", "99999/1/1"});
 }
 
 }  // namespace

@@ -2,78 +2,36 @@
 
 #include <sqlite3.h>
 
-#include <cstddef>
+#include <map>
 
 namespace kxrestore::engine::testing {
 namespace {
 
-// SQLite gives the memory: our part first, the real file behind it.
-struct WatchedFile {
-  sqlite3_file base;
-  sqlite3_file* Real() { return reinterpret_cast<sqlite3_file*>(this + 1); }
-};
-
 sqlite3_vfs* g_real = nullptr;
 sqlite3_vfs g_watched;
+sqlite3_io_methods g_last;                                          // of the system's, those that are watched
+std::map<const sqlite3_io_methods*, sqlite3_io_methods> g_methods;  // with ours in them, by the system's
 int g_syncs = 0;
 bool g_full = false;
 
-WatchedFile* Watched(sqlite3_file* file) {
-  return reinterpret_cast<WatchedFile*>(file);
-}
-sqlite3_file* Real(sqlite3_file* file) {
-  return Watched(file)->Real();
-}
-const sqlite3_io_methods& Methods(sqlite3_file* file) {
-  return *Real(file)->pMethods;
+int Write(sqlite3_file* file, const void* from, int size, sqlite3_int64 at) {
+  return g_full ? SQLITE_FULL : g_last.xWrite(file, from, size, at);
 }
 
-int Close(sqlite3_file* file) {
-  return Methods(file).xClose(Real(file));
-}
-int Read(sqlite3_file* file, void* to, int size, sqlite3_int64 at) {
-  return Methods(file).xRead(Real(file), to, size, at);
-}
-int Write(sqlite3_file* file, const void* from, int size, sqlite3_int64 at) {
-  return g_full ? SQLITE_FULL : Methods(file).xWrite(Real(file), from, size, at);
-}
-int Truncate(sqlite3_file* file, sqlite3_int64 size) {
-  return Methods(file).xTruncate(Real(file), size);
-}
 int Sync(sqlite3_file* file, int flags) {
   ++g_syncs;
-  return Methods(file).xSync(Real(file), flags);
-}
-int FileSize(sqlite3_file* file, sqlite3_int64* size) {
-  return Methods(file).xFileSize(Real(file), size);
-}
-int Lock(sqlite3_file* file, int level) {
-  return Methods(file).xLock(Real(file), level);
-}
-int Unlock(sqlite3_file* file, int level) {
-  return Methods(file).xUnlock(Real(file), level);
-}
-int CheckReserved(sqlite3_file* file, int* reserved) {
-  return Methods(file).xCheckReservedLock(Real(file), reserved);
-}
-int Control(sqlite3_file* file, int operation, void* argument) {
-  return Methods(file).xFileControl(Real(file), operation, argument);
-}
-int SectorSize(sqlite3_file* file) {
-  return Methods(file).xSectorSize(Real(file));
-}
-int Characteristics(sqlite3_file* file) {
-  return Methods(file).xDeviceCharacteristics(Real(file));
+  return g_last.xSync(file, flags);
 }
 
-const sqlite3_io_methods kMethods = {1,       Close,      Read,           Write,  Truncate,
-                                     Sync,    FileSize,   Lock,           Unlock, CheckReserved,
-                                     Control, SectorSize, Characteristics};
-
+// The kinds of files differ in their locks only.
 int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* outFlags) {
-  Real(file)->pMethods = nullptr;
-  const int code = g_real->xOpen(g_real, name, Real(file), flags, outFlags);
-  file->pMethods = Real(file)->pMethods == nullptr ? nullptr : &kMethods;
+  const int code = g_real->xOpen(g_real, name, file, flags, outFlags);
+  if (file->pMethods == nullptr) return code;
+  g_last = *file->pMethods;
+  sqlite3_io_methods& ours = g_methods[file->pMethods] = g_last;
+  ours.xWrite = Write;
+  ours.xSync = Sync;
+  file->pMethods = &ours;
   return code;
 }
 
@@ -86,7 +44,6 @@ WatchedFiles::WatchedFiles() {
   g_watched = *g_real;
   g_watched.zName = "watched";
   g_watched.pNext = nullptr;
-  g_watched.szOsFile = static_cast<int>(sizeof(WatchedFile)) + g_real->szOsFile;
   g_watched.xOpen = Open;
   sqlite3_vfs_register(&g_watched, 1);
 }
