@@ -36,57 +36,46 @@ class RestoreMarksOnServer : public ::testing::Test {
   Calls m_reports;
 };
 
-TEST_F(RestoreMarksOnServer, ByIdAndClearingStatements) {
-  auto marks = Marks();
-  EXPECT_TRUE(marks.UpdateByID(std::numeric_limits<std::int32_t>::min()));
-  EXPECT_TRUE(marks.ClearSelections());
-  EXPECT_TRUE(marks.CancelAll());
-  const std::string clear =
-      "execute 128 UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));";
-  EXPECT_EQ(
-      m_script->calls,
-      (Calls{"connect |ODBC;x",
-             "execute 128 UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=-2147483648));",
-             "connect |ODBC;x", clear, "connect |ODBC;x", clear}));
-  EXPECT_TRUE(m_reports.empty());
-}
-
-TEST_F(RestoreMarksOnServer, ByFileMarksEveryRowThatIsExactlyTheFile) {
+TEST_F(RestoreMarksOnServer, Statements) {
   m_script->columns = {"Restore", "File"};
-  m_script->rows = {
-      {false, "Store"}, {false, "store"}, {true, "Store"}, {false, std::monostate()}, {false, "Store "}};
-  EXPECT_TRUE(Marks().UpdateSelectionByFile("Store", true, 5, "x'y"));
-  EXPECT_EQ(
-      m_script->calls,
-      (Calls{"connect |ODBC;x",
-             "open 2 SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, Catalog.File, "
-             "Catalog.Plugin, Catalog.Restore, IIf(IsNull([LongPath]),[Catalog.Filename],[LongPath]) AS "
-             "RestoreFile, LongPaths.LongPath FROM LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = "
-             "Catalog.LongPathID WHERE (((Catalog.SetNameID)=5) AND ((Catalog.Extension)='x'y')); ",
-             "edit 0", "update 0", "edit 2", "update 2", "close recordset", "close database"}));
-  EXPECT_EQ(m_script->rows[0][0], engine::Value(true));
-  m_script->calls.clear();
-  EXPECT_TRUE(Marks().UpdateSelectionByFile("", false, 5, "001"));
-  EXPECT_EQ(m_script->calls.size(), 4u) << "an empty name is not a missing one";
-}
-
-TEST_F(RestoreMarksOnServer, ByFileNameMarksTheFirstRowOnly) {
-  m_script->columns = {"Restore"};
-  m_script->rows = {{true}, {true}};
-  EXPECT_TRUE(Marks().UpdateSelectionByFileName("C:\\O'Neil.doc", false, 0, ""));
-  EXPECT_TRUE(Marks().UpdateSelectionByFileName("b", true, 9, "007"));
-  std::erase(m_script->calls, "connect |ODBC;x");
-  std::erase_if(m_script->calls, [](const std::string& call) { return call.starts_with("close"); });
-  const std::string select =
-      "open 2 SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, Catalog.Restore, "
+  m_script->rows = {{false, "Store"}, {false, "store"}, {true, "Store"}, {false, std::monostate()}};
+  const std::string joined =
       "LongPaths.LongPath FROM LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID WHERE "
       "(((Catalog.SetNameID)=";
-  EXPECT_EQ(
-      m_script->calls,
-      (Calls{select + "11) AND ((Catalog.Extension)='042') AND ((Catalog.Filename)='C:\\O''Neil.doc')); ",
-             "edit 0", "update 0",
-             select + "9) AND ((Catalog.Extension)='007') AND ((Catalog.Filename)='b')); ", "edit 0",
-             "update 0"}));
+  const std::string byFile =
+      "open 2 SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, Catalog.File, Catalog.Plugin, "
+      "Catalog.Restore, IIf(IsNull([LongPath]),[Catalog.Filename],[LongPath]) AS RestoreFile, " +
+      joined;
+  const std::string byName =
+      "open 2 SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, Catalog.Restore, " + joined;
+  const std::string clear =
+      "execute 128 UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));";
+  auto marks = Marks();
+  const struct {
+    std::function<bool()> mark;
+    Calls calls;
+  } cases[] = {
+      {[&] { return marks.UpdateByID(std::numeric_limits<std::int32_t>::min()); },
+       {"execute 128 UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=-2147483648));"}},
+      {[&] { return marks.ClearSelections(); }, {clear}},
+      {[&] { return marks.CancelAll(); }, {clear}},
+      {[&] { return marks.UpdateSelectionByFile("Store", true, 5, "x'y"); },
+       {byFile + "5) AND ((Catalog.Extension)='x'y')); ", "edit 0", "update 0", "edit 2", "update 2",
+        "close recordset", "close database"}},
+      {[&] { return marks.UpdateSelectionByFile("", false, 0, ""); },  // an empty name is not a missing one
+       {byFile + "11) AND ((Catalog.Extension)='042')); ", "close recordset", "close database"}},
+      {[&] { return marks.UpdateSelectionByFileName("C:\\O'Neil.doc", false, 0, ""); },
+       {byName + "11) AND ((Catalog.Extension)='042') AND ((Catalog.Filename)='C:\\O''Neil.doc')); ",
+        "edit 0", "update 0"}}};
+  for (const auto& [mark, calls] : cases) {
+    m_script->calls.clear();
+    EXPECT_TRUE(mark());
+    EXPECT_EQ(m_script->calls.front(), "connect |ODBC;x");
+    EXPECT_EQ(Calls(m_script->calls.begin() + 1, m_script->calls.end()), calls);
+  }
+  EXPECT_EQ(m_script->rows[0][0], engine::Value(false));
+  EXPECT_EQ(m_script->rows[2][0], engine::Value(true)) << "the first row only";
+  EXPECT_TRUE(m_reports.empty());
 }
 
 TEST_F(RestoreMarksOnServer, ErrorsAreReportedUnderTheOperationsTag) {

@@ -14,11 +14,16 @@ namespace {
 
 using platform::PeerLog;
 using platform::Record;
+using State = controls::WindowState;
 
-TEST(Control, ResizeIsRaisedForAnotherSizeOnlyAndAfterThePeerKnows) {
-  Form form("form");
+class ControlTest : public ::testing::Test {
+ protected:
+  PeerLog log;  // of whatever the test records
+  Form form{"form"};
+};
+
+TEST_F(ControlTest, ResizeIsRaisedForAnotherSizeOnlyAndAfterThePeerKnows) {
   PictureBox box("box", &form);
-  PeerLog log;
   Record(box, log);
   std::vector<std::size_t> toldWhenResized;
   box.Resize = [&] { toldWhenResized.push_back(log.changed.size()); };
@@ -38,8 +43,7 @@ TEST(Control, ResizeIsRaisedForAnotherSizeOnlyAndAfterThePeerKnows) {
   EXPECT_EQ(0, box.Width());
 }
 
-TEST(Control, WhatTheUserDoesToAControlThatIsHiddenOrDisabledIsLost) {
-  Form form("form");
+TEST_F(ControlTest, WhatTheUserDoesToAControlThatIsHiddenOrDisabledIsLost) {
   PictureBox box("box", &form);
   CommandButton button("button", &box, "&Go");
   int clicks = 0, moves = 0;
@@ -65,10 +69,8 @@ TEST(Control, WhatTheUserDoesToAControlThatIsHiddenOrDisabledIsLost) {
   EXPECT_EQ(1, moves);
 }
 
-TEST(Control, ComesToTheFrontAmongItsSiblings) {
-  Form form("form");
+TEST_F(ControlTest, ComesToTheFrontAmongItsSiblings) {
   PictureBox first("first", &form), second("second", &form);
-  PeerLog log;
   Record(first, log);
   {
     PictureBox passing("passing", &form);
@@ -81,9 +83,8 @@ TEST(Control, ComesToTheFrontAmongItsSiblings) {
   form.BringToFront();
 }
 
-TEST(Control, FreezingNestsAndAPeerThatComesLateIsFrozenToo) {
-  Form form("form");
-  PeerLog log, late;
+TEST_F(ControlTest, FreezingNestsAndAPeerThatComesLateIsFrozenToo) {
+  PeerLog late;
   Record(form, log);
   {
     const RedrawFreeze outer(form);
@@ -98,11 +99,9 @@ TEST(Control, FreezingNestsAndAPeerThatComesLateIsFrozenToo) {
   EXPECT_EQ(0, late.frozen);
 }
 
-TEST(Control, ThePeerHearsOfRealChangesOnly) {
-  Form form("form");
+TEST_F(ControlTest, ThePeerHearsOfRealChangesOnly) {
   Label label("label", &form, "text");
   label.SetFocus();  // nobody shows it
-  PeerLog log;
   Record(label, log);
   label.SetFocus();
   label.SetCaption("text");
@@ -124,10 +123,7 @@ TEST(Control, ThePeerHearsOfRealChangesOnly) {
   EXPECT_EQ(1, log.focused);
 }
 
-using State = controls::WindowState;
-
-TEST(Form, ResizeIsToldOfAnotherSizeFrameOrState) {
-  Form form("form");
+TEST_F(ControlTest, ResizeIsToldOfAnotherSizeFrameOrState) {
   std::vector<State> states;
   form.Resize = [&] { states.push_back(form.WindowState()); };
   form.Move(0, 0, 7000, 6100);
@@ -146,13 +142,11 @@ TEST(Form, ResizeIsToldOfAnotherSizeFrameOrState) {
   EXPECT_EQ(0, form.ScaleWidth());
 }
 
-TEST(Form, ThePeerHearsOfASizeThatTheFormCorrects) {
-  Form form("form");
+TEST_F(ControlTest, ThePeerHearsOfASizeThatTheFormCorrects) {
   form.Move(0, 0, 9000, 8000);
   form.Resize = [&] {
     if (form.Width() < 7000) form.SetWidth(7000);
   };
-  PeerLog log;
   Record(form, log);
   form.UserResize(8500, 8000, State::kNormal);
   EXPECT_TRUE(log.changed.empty());
@@ -161,8 +155,7 @@ TEST(Form, ThePeerHearsOfASizeThatTheFormCorrects) {
   EXPECT_EQ(1u, log.Count(Property::kGeometry));
 }
 
-TEST(Form, UnloadingAsksOnceAndMayFailOrBeRefused) {
-  Form form("form");
+TEST_F(ControlTest, UnloadingAsksOnceAndMayFailOrBeRefused) {
   form.OnUnload = [](bool&) { throw std::runtime_error("no"); };
   EXPECT_THROW(form.Unload(), std::runtime_error);
   int asked = 0;
@@ -181,8 +174,7 @@ TEST(Form, UnloadingAsksOnceAndMayFailOrBeRefused) {
   EXPECT_EQ(2, asked);
 }
 
-TEST(Form, ACloseRequestTakesThePlaceOfUnloading) {
-  Form form("form");
+TEST_F(ControlTest, ACloseRequestTakesThePlaceOfUnloading) {
   int requests = 0, escapes = 0;
   form.CloseRequest = [&] { ++requests; };
   form.KeyPress = [&](Key key) { escapes += key == Key::kEscape; };
@@ -197,8 +189,7 @@ TEST(Form, ACloseRequestTakesThePlaceOfUnloading) {
   EXPECT_EQ(1, requests);
 }
 
-TEST(CheckBox, RaisesClickWhenItsValueChanges) {
-  Form form("form");
+TEST_F(ControlTest, RaisesClickWhenItsValueChanges) {
   CheckBox box("box", &form, "&Only");
   std::vector<int> values;
   box.Click = [&] { values.push_back(box.Value()); };
@@ -211,8 +202,7 @@ TEST(CheckBox, RaisesClickWhenItsValueChanges) {
   EXPECT_EQ(1, box.Value());
 }
 
-TEST(OptionButton, ExcludesTheOthersOfItsContainerOnly) {
-  Form form("form");
+TEST_F(ControlTest, ExcludesTheOthersOfItsContainerOnly) {
   Frame left("left", &form, ""), right("right", &form, "");
   OptionButton a("a", &left, "A"), b("b", &left, "B"), c("c", &right, "C");
   CheckBox neighbour("neighbour", &left, "");
@@ -220,7 +210,6 @@ TEST(OptionButton, ExcludesTheOthersOfItsContainerOnly) {
   std::string clicks;
   a.Click = [&] { clicks += b.Value() ? "both" : "a"; };
   b.Click = [&] { clicks += a.Value() ? "both" : "b"; };
-  PeerLog log;
   Record(a, log);
 
   c.SetValue(true);
@@ -239,11 +228,9 @@ TEST(OptionButton, ExcludesTheOthersOfItsContainerOnly) {
   EXPECT_FALSE(a.Value());
 }
 
-TEST(TextAndComboBox, TypedTextIsNotToldBack) {
-  Form form("form");
+TEST_F(ControlTest, TypedTextIsNotToldBack) {
   TextBox text("text", &form);
   ComboBox combo("combo", &form);
-  PeerLog log;
   Record(text, log);
   Record(combo, log);
   text.UserType("typed");
@@ -260,8 +247,7 @@ TEST(TextAndComboBox, TypedTextIsNotToldBack) {
   EXPECT_EQ(std::vector<std::string>({"*.txt"}), combo.Items());
 }
 
-TEST(TabStrip, SelectsWithinItsTabs) {
-  Form form("form");
+TEST_F(ControlTest, SelectsWithinItsTabs) {
   TabStrip tabs("tabs", &form, {{"One", "1"}, {"Two", "2"}});
   int clicks = 0;
   tabs.Click = [&] { ++clicks; };
