@@ -73,9 +73,12 @@ class CdArchiveTest : public DialogTest {
     platform.drives.files.push_back(kDisc);
   }
   void ShowPanel() { ChooseNode("Append new Archive CD ..."); }
-  void Start() {
+  void ShowDisc() {
     ShowPanel();
     ui().DriveCD.UserSelect("disc");
+  }
+  void Start() {
+    ShowDisc();
     ui().cmdCD.UserClick();
   }
   void Open() { ChooseNode("Archive Sets"); }
@@ -184,7 +187,9 @@ TEST_F(CdArchiveTest, StartAddsWhatTheArchiveLacks) {
       "1, NULL);");
   Open();
   EXPECT_EQ(Branch().size(), 5u);
-  Start();
+  ShowDisc();
+  DuringWalk(1, [this] { ChooseNode("Volume A"); });  // of the branch that is made anew
+  ui().cmdCD.UserClick();
   ExpectReports({": 2 archived backup(s) added."});
   EXPECT_EQ(
       Sql(kArchive, "SELECT Volume, YYYY, MM, SetName, Taken, Share, Done FROM ArchiveHeader WHERE Done"),
@@ -196,8 +201,7 @@ TEST_F(CdArchiveTest, StartAddsWhatTheArchiveLacks) {
                      " Backups for ", "  Backups for -02", "   b\xC3\xBCro"}));
   EXPECT_EQ(ui().ProgressBar1.Value(), ui().ProgressBar1.Max());
 
-  DuringWalk(1, [this] { ChooseNode("Volume A"); });  // from where another run can be chosen afterwards
-  ui().cmdCD.UserClick();
+  Start();
   ExpectReports({": 0 archived backup(s) added."});
   EXPECT_EQ(Sql(kArchive, "SELECT count(*) FROM ArchiveHeader"), "3");
   ChooseRun("1 002");

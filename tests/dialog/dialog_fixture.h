@@ -28,7 +28,7 @@ using Ids = std::set<std::int64_t>;
 
 // The buttons of the arrays, by index.
 enum ActionButton { kApply, kClearAll, kExpandAll, kCollapseAll };
-enum SearchButton { kApplyFound, kClearFound, kFind };
+enum SearchButton { kApplyFound, kClearFound, kFind, kSelectFound };
 enum AutoButton { kApplyTypes, kSelectTypes, kUnselectTypes };
 enum RestoreButton { kRestoreNow, kCancel, kRefresh, kUpdate, kClearList };
 

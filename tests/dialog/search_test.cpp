@@ -83,6 +83,8 @@ TEST_F(SearchTab, ApplyMarksTheRowsThatTheTickedEntriesStandFor) {
   EXPECT_EQ(ui().lblSearchCount.Caption(), "3 File(s)");
   ui().optLookIn[0].UserClick();
   EXPECT_EQ(Found("doc").size(), 3u) << "this set is still the set chosen in the tree";
+  ui().cmdSearch[kSelectFound].UserClick();
+  EXPECT_FALSE(ui().asSearch.TickedAt(1)) << "that button does nothing here";
   ui().cmdSearch[kClearFound].UserClick();
   EXPECT_EQ(ui().asSearch.Count(), 0u);
   EXPECT_EQ(ui().lblSearchCount.Caption(), "0 File(s)");

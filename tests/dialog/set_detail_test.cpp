@@ -86,6 +86,7 @@ TEST_F(SetDetailTest, PluginEntriesStandUnderTheirHeadings) {
   const std::map<std::string, int> images = {{"MailBoxes", 11}, {"Ann", 12}, {"Public Folders", 8},
                                              {"News", 9},       {"All", 10}, {"Exchange Server", 7}};
   for (const auto& [text, image] : images) EXPECT_EQ(Detail(text).Image(), image) << text;
+  EXPECT_EQ(dialog::PluginImage("anything", "C:\\plain"), 2);
 }
 
 TEST_F(SetDetailTest, TicksAndExpansionFollowTheUser) {
