@@ -113,6 +113,13 @@ TEST_P(CatalogConformance, SavedQueriesNameEachOtherAndStay) {
   }
 }
 
+TEST_P(CatalogConformance, WithoutFullCatalogNothingIsListed) {
+  m_test->Run("DROP VIEW FullCatalog");
+  for (const auto& [setId, latest] : {std::pair(1, true), std::pair(0, true), std::pair(1, false)}) {
+    EXPECT_THROW(List(setId, latest, "a"), Error) << setId << latest;
+  }
+}
+
 TEST_P(CatalogConformance, LatestOfAllSetsComeNewestFirstAndCarryTheirColumns) {
   EXPECT_EQ(List(0, true, "*"), (Ids{5, 7, 4, 3, 2}));
   const auto rows = BuildRestoreQuery(*m_database, 0, true, "ÄRG", "");

@@ -38,6 +38,8 @@ TEST(TsqlDialect, Statements) {
             "UPDATE [Catalog] SET [Restore] = 0 WHERE [Catalog].[Restore] = 1");
   EXPECT_EQ(ForSqlServer("INSERT INTO SetNames (ID, Name) VALUES (-9, 'Büro ]')"),
             "INSERT INTO [SetNames] ([ID], [Name]) VALUES (-9, N'Büro ]')");
+  EXPECT_EQ(ForSqlServer("SELECT TOP 5 Name FROM SetNames ORDER BY Name DESC"),
+            "SELECT TOP 5 [SetNames].[Name] AS [Name] FROM [SetNames] ORDER BY [SetNames].[Name] DESC");
   EXPECT_EQ(jet_sql::TsqlDialect(false).Identifier("a]b"), "[a]]b]");
 }
 
