@@ -13,15 +13,10 @@ constexpr int kButtonsMask = 15;
 int HeadlessDesktop::MessageBox(const std::string& text, int style, const std::string& title) {
   Message& message = messages.emplace_back(Message{text, style, title, kAnswerOk});
   if ((style & kButtonsMask) == kOkOnly) return kAnswerOk;
-  if (!answers.empty()) {
-    message.answer = answers.front();
-    answers.pop_front();
-  } else if (defaultAnswer) {
-    message.answer = *defaultAnswer;
-  } else {
-    message.answer = 0;
-    throw std::logic_error("nobody answers the question \"" + text + "\"");
-  }
+  message.answer = 0;
+  if (answers.empty()) throw std::logic_error("nobody answers the question \"" + text + "\"");
+  message.answer = answers.front();
+  answers.pop_front();
   return message.answer;
 }
 

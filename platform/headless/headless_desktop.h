@@ -4,7 +4,6 @@
 
 #include <deque>
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,11 +20,10 @@ class HeadlessDesktop : public Desktop {
     int answer = 0;
   };
 
-  // A box that only says something is answered with OK. A question takes the next of `answers`, then
-  // `defaultAnswer`; a question with neither throws std::logic_error, because nobody expected it.
+  // A box that only says something is answered with OK. A question takes the next of `answers`;
+  // without one it throws std::logic_error, because nobody expected it.
   int MessageBox(const std::string& text, int style, const std::string& title) override;
   std::deque<int> answers;
-  std::optional<int> defaultAnswer;
   std::vector<Message> messages;
 
   void DoEvents() override;
