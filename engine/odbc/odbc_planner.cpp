@@ -16,23 +16,31 @@ namespace {
 
 using namespace jet_sql;  // NOLINT: the planner speaks of little else
 
-// Adds the keys of the tables to the statement of a dynaset.
+ExpressionPtr ColumnOf(const ResultTable& table, const std::string& name) {
+  auto column = std::make_unique<Expression>();
+  column->kind = ExpressionKind::kColumn;
+  column->qualifier = table.alias;
+  column->text = name;
+  return column;
+}
+
+// Adds the keys of the tables to the statement of a dynaset, and puts its rows in the order of the first
+// one's where they have no other: a server may show a row in another place once it has been written.
 void AddKeys(Session& session, SelectStatement& statement, const std::vector<ResultTable>& tables,
              Plan& plan) {
   SelectCore& core = statement.cores.front();
+  const bool isUnordered = statement.orderBy.empty();
   for (const ResultTable& table : tables) {
     PlanTable& planned = plan.tables.emplace_back();
     planned.name = table.relation->name;
     planned.keys = session.Tables().KeyOf(*table.relation);
     for (const std::string& key : planned.keys) {
       SelectItem item;
-      item.expression = std::make_unique<Expression>();
-      item.expression->kind = ExpressionKind::kColumn;
-      item.expression->qualifier = table.alias;
-      item.expression->text = key;
+      item.expression = ColumnOf(table, key);
       item.alias = "kx_key_" + std::to_string(plan.hidden);
       core.items.push_back(std::move(item));
       planned.keyColumns.push_back(plan.hidden++);
+      if (isUnordered && &table == &tables.front()) statement.orderBy.push_back({ColumnOf(table, key)});
     }
   }
 }

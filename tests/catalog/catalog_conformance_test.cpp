@@ -215,9 +215,7 @@ TEST_P(CatalogConformance, Marks) {
   EXPECT_TRUE(marks.UpdateSelectionByFileName(name, true, 0, ""));
   EXPECT_EQ(Marked().size(), 2u) << "of several rows the first";
   EXPECT_TRUE(marks.UpdateSelectionByFileName(name, false, 0, ""));
-  if (!GetParam().name.starts_with("Postgres")) {  // whose rows change places when they are written
-    EXPECT_EQ(Marked(), "") << "which is the same one each time";
-  }
+  EXPECT_EQ(Marked(), "") << "which is the same one each time";
   EXPECT_EQ(reported, "");
   EXPECT_FALSE(marks.UpdateSelectionByFile("a", true, 1, "x'y"));
   EXPECT_FALSE(marks.UpdateSelectionByFileName("a", true, 1, "x'y"));
