@@ -52,7 +52,7 @@ const jet_sql::KnownRelation* Schema::Find(std::string_view name) {
     relation->text = own->second;
   } else if (const Entry* entry = FindEntry(name)) {
     relation = ReadRelation(*entry);
-    const StoredText* stored = FindStoredText(entry->name);
+    const StoredText* stored = entry->isTable ? nullptr : FindStoredText(entry->name);
     if (stored != nullptr && (m_byText || !stored->bound)) relation->text = stored->text;
   } else {
     return nullptr;
@@ -77,7 +77,7 @@ const Schema::Entry* Schema::FindEntry(std::string_view name, bool fresh) {
 
 void Schema::ReadEntries() {
   m_entries.clear();
-  m_stored.clear();
+  m_stored.reset();
   StatementHandle list = m_session.AllocateStatement();
   WideText types("TABLE,VIEW");
   if (!SQL_SUCCEEDED(SQLTablesW(list.Get(), nullptr, 0, nullptr, 0, nullptr, 0, types.Data(),
@@ -93,12 +93,12 @@ void Schema::ReadEntries() {
     m_entries.emplace(FoldCase(entry.name), std::move(entry));
   }
   m_entriesRead = true;
-  m_stored = ReadStoredTexts(m_session);
 }
 
 const Schema::StoredText* Schema::FindStoredText(std::string_view viewName) {
-  const auto found = m_stored.find(std::string(viewName));
-  return found == m_stored.end() ? nullptr : &found->second;
+  if (!m_stored) m_stored = ReadStoredTexts(m_session);
+  const auto found = m_stored->find(std::string(viewName));
+  return found == m_stored->end() ? nullptr : &found->second;
 }
 
 std::unique_ptr<jet_sql::KnownRelation> Schema::ReadRelation(const Entry& entry) const {
@@ -163,7 +163,7 @@ void Schema::ReadQueriesByText(bool byText) {
 void Schema::Forget() {
   m_entriesRead = false;
   m_entries.clear();
-  m_stored.clear();
+  m_stored.reset();
   m_relations.clear();
 }
 

@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -61,7 +62,7 @@ class Schema final : public jet_sql::Relations {
   SavedTexts& m_texts;
   bool m_entriesRead = false, m_byText = false;
   std::multimap<std::string, Entry> m_entries;                                 // by folded name
-  std::map<std::string, StoredText> m_stored;                                  // by the view's own name
+  std::optional<std::map<std::string, StoredText>> m_stored;                   // by the view's own name
   std::map<std::string, std::unique_ptr<jet_sql::KnownRelation>> m_relations;  // by name as asked for
 };
 
