@@ -1,5 +1,6 @@
 // A catalog on a server over ODBC beside the same statements through the server's own client library, on one
-// run. Both sides read a listing through a cursor:
+// run. Both sides read a listing through a cursor; bare sends the whole statement, ours leaves out what the
+// dialog does not read:
 //   server: scan          the detail tree's statement, the texts of every row read
 //   server: latest        the newest versions in one set; bare: their saved query is read, which ours makes
 //   first server: mark by name  10,000 files found by name and marked, committed at least every 100 ms
@@ -50,13 +51,13 @@ struct Totals {
 // Reads all texts of some columns, ours with their types and bare as the server sends them.
 class Listing : public Comparison {
  public:
-  Listing(std::int64_t rows, std::vector<const char*> texts)
+  Listing(std::int64_t rows, engine::ColumnNames texts)
       : m_database(ServerCatalog(rows)), m_rows(rows), m_texts(std::move(texts)) {}
 
  protected:
   void ReadOurs(engine::Recordset& rows) {
     std::vector<engine::Field> fields;
-    for (const char* name : m_texts) fields.push_back(rows.Fields(name));
+    for (const std::string_view name : m_texts) fields.push_back(rows.Fields(name));
     Totals totals;
     for (; !rows.Eof(); rows.MoveNext(), ++totals.rows) {
       for (const engine::Field& field : fields) totals.bytes += field.TextView().size();
@@ -79,7 +80,7 @@ class Listing : public Comparison {
 
   std::string m_database;
   std::int64_t m_rows;
-  std::vector<const char*> m_texts;
+  engine::ColumnNames m_texts;
   catalog::ConnectionSettings m_settings = Settings(m_database);
   std::unique_ptr<engine::Workspace> m_workspace = engine::MakeDefaultWorkspace();
 
@@ -101,7 +102,7 @@ class Scan : public Listing {
     m_workspace->BeginAction();
     {
       const auto database = catalog::OpenCatalog(*m_workspace, m_settings);
-      ReadOurs(*database->OpenRecordset(kDetailStatement, engine::RecordsetType::kSnapshot));
+      ReadOurs(*database->OpenRecordset(kDetailStatement, engine::RecordsetType::kSnapshot, m_texts));
     }
     m_workspace->EndAction();
   }
@@ -123,7 +124,7 @@ class Latest : public Listing {
     m_workspace->BeginAction();
     {
       const auto database = catalog::OpenCatalog(*m_workspace, m_settings);
-      ReadOurs(*catalog::BuildRestoreQuery(*database, kBenchSet, true, "", ""));
+      ReadOurs(*catalog::BuildRestoreQuery(*database, kBenchSet, true, "", "", m_texts));
     }
     m_workspace->EndAction();
     m_made = true;

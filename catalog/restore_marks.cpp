@@ -74,7 +74,8 @@ bool RestoreMarks::UpdateSelectionByFile(std::string_view fileName, bool restore
             setNameId, extension);
         m_sql += "')); ";
         const auto database = OpenCatalog(m_workspace, m_settings);
-        const auto rows = database->OpenRecordset(m_sql, engine::RecordsetType::kDynaset);
+        const auto rows =
+            database->OpenRecordset(m_sql, engine::RecordsetType::kDynaset, {"File", "Restore"});
         const auto file = rows->Fields("File");
         auto restore = rows->Fields("Restore");
         for (; !rows->Eof(); rows->MoveNext()) {
@@ -95,7 +96,7 @@ bool RestoreMarks::UpdateSelectionByFileName(std::string_view fileName, bool res
         AppendWithFixedQuotes(m_sql, fileName);
         m_sql += "')); ";
         const auto database = OpenCatalog(m_workspace, m_settings);
-        const auto rows = database->OpenRecordset(m_sql, engine::RecordsetType::kDynaset);
+        const auto rows = database->OpenRecordset(m_sql, engine::RecordsetType::kDynaset, {"Restore"});
         if (!rows->Eof()) {
           auto restore = rows->Fields("Restore");
           Mark(*rows, restore, restoreValue);

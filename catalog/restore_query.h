@@ -23,9 +23,11 @@ void CreateLatestQueries(engine::Database& database);
 // `ext`     operator and operand of a test on Extension ("= 'x'", "In ('x','y')"); empty for none. Not used
 // with
 //           set 0 and a mask. With `latest` and a set it takes the place of the set in choosing the versions.
+// `read`    the columns that will be read, see Database::OpenRecordset.
 // Errors are the engine's; 3265 when `latest` and a set are asked of a catalog that has no FullCatalog.
 std::unique_ptr<engine::Recordset> BuildRestoreQuery(engine::Database& database, std::int32_t setId,
                                                      bool latest, std::string_view mask,
-                                                     std::string_view ext);
+                                                     std::string_view ext,
+                                                     const engine::ColumnNames& read = {});
 
 }  // namespace kxrestore::catalog

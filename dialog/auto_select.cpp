@@ -95,7 +95,7 @@ AutoSelectPanel::Outcome AutoSelectPanel::MarkType(FormContext::Walk& walk, std:
   m_context.choice.m_strExtension = pattern;
   const LookIn lookIn = ReadLookIn(m_context, m_setTree, ui.optLookIn[2]);
   const auto database = m_context.OpenCatalog();
-  const auto rows = OpenListing(m_context, *database, lookIn, latest, pattern);
+  const auto rows = OpenListing(m_context, *database, lookIn, latest, pattern, {"ID"});
   const engine::Field id = rows->Fields("ID");
   for (; !rows->Eof(); rows->MoveNext()) {
     if (!walk.Next()) return Outcome::kStopped;

@@ -36,6 +36,11 @@ bool IsAggregateName(std::string_view name) {
   return catalog::GetExtension(name) == kAggregateExtension;
 }
 
+engine::ColumnNames CatalogEntries::Columns(std::string_view nameColumn, std::string_view setNameColumn) {
+  return {nameColumn, setNameColumn, "OrigSize", "Extension", "SetNameID",
+          "DateStamp", "Filename",    "File",     "Plugin"};
+}
+
 CatalogEntries::CatalogEntries(engine::Recordset& rows, std::string_view nameColumn,
                                std::string_view setNameColumn)
     : m_name(rows.Fields(nameColumn)),

@@ -33,6 +33,9 @@ std::optional<platform::CivilTime> CivilTimeOf(const engine::ValueView& value);
 // File and Plugin must be there, and those named here; error 3265 otherwise.
 class CatalogEntries {
  public:
+  // Those columns, for who opens the recordset.
+  static engine::ColumnNames Columns(std::string_view nameColumn, std::string_view setNameColumn);
+
   CatalogEntries(engine::Recordset& rows, std::string_view nameColumn, std::string_view setNameColumn);
 
   void AddCurrentRow(controls::AutoSelect& list, bool ticked);

@@ -33,9 +33,10 @@ LookIn ReadLookIn(FormContext& context, SetTree& setTree, const controls::Option
 }
 
 std::unique_ptr<engine::Recordset> OpenListing(FormContext& context, engine::Database& database,
-                                               const LookIn& lookIn, bool latest, std::string_view mask) {
+                                               const LookIn& lookIn, bool latest, std::string_view mask,
+                                               const engine::ColumnNames& read) {
   const Hourglass hourglass(context.ui.form);
-  return catalog::BuildRestoreQuery(database, lookIn.setId, latest, mask, lookIn.runs);
+  return catalog::BuildRestoreQuery(database, lookIn.setId, latest, mask, lookIn.runs, read);
 }
 
 std::int32_t Long(const engine::Field& field) {

@@ -52,7 +52,7 @@ void RestoreList::ListCurrentSelections() {
         "FROM SetNames RIGHT JOIN (LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID) "
         "ON SetNames.ID = Catalog.SetNameID "
         "WHERE (((Catalog.Restore)=True));",
-        engine::RecordsetType::kSnapshot);
+        engine::RecordsetType::kSnapshot, CatalogEntries::Columns("RestoreFile", "Name"));
     const controls::RedrawFreeze freeze(list);
     list.Clear();
     CatalogEntries entries(*rows, "RestoreFile", "Name");

@@ -85,7 +85,8 @@ void SetDetail::LoadBackupSetDetail(controls::Node run) {
         setID + ") AND ((Catalog.Extension)='" + extension + "') AND ((Catalog.Status)=2));";
     FormContext::Walk walk(m_context);
     const auto database = m_context.OpenCatalog();
-    const auto rows = database->OpenRecordset(sql, engine::RecordsetType::kSnapshot);
+    const auto rows = database->OpenRecordset(sql, engine::RecordsetType::kSnapshot,
+                                              {"RestoreFile", "Plugin", "File", "Filename"});
     Fill(*rows, walk);
     rows->Close();
     database->Close();

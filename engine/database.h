@@ -26,6 +26,9 @@ enum class RecordsetType {
 // Option of Execute: an engine error is raised and undoes the statement.
 inline constexpr int kFailOnError = 128;
 
+// Columns of a result by their names, without regard to case.
+using ColumnNames = std::vector<std::string_view>;
+
 class Recordset;
 
 // One column of a recordset, looked up once and read for every row. A view of a text is valid until the next
@@ -74,8 +77,10 @@ class Database {
   virtual ~Database() = default;
 
   // `source` is one reading statement or the name of a table or saved query. A writing statement or a second
-  // one is refused (3219, 3142).
-  virtual std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type) = 0;
+  // one is refused (3219, 3142). `read`: the columns that will be read, empty for all. The recordset may lack
+  // the others, which a server then need not send.
+  virtual std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type,
+                                                   const ColumnNames& read = {}) = 0;
 
   // One action statement (UPDATE, INSERT, DELETE). Returns the number of rows changed.
   virtual std::int64_t Execute(std::string_view sql, int options = 0) = 0;

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "engine/database.h"
 #include "engine/jet_sql/literals.h"
 
 namespace kxrestore::engine {
@@ -25,17 +26,20 @@ struct CachedPlan {
 template <class Plan>
 class PlanCache {
  public:
-  // The plan for a text, or what `make` returns for the text with its literals taken out.
+  // The plan for a text and the columns that are read of its result, or what `make` returns for the text with
+  // its literals taken out.
   template <class Make>
-  std::shared_ptr<Plan> Find(std::string_view source, StatementUse use, Make make) {
+  std::shared_ptr<Plan> Find(std::string_view source, StatementUse use, const ColumnNames& read, Make make) {
     if (!jet_sql::ExtractLiterals(source, m_extracted)) KeepText(source);
     std::string& key = m_extracted.key;
     for (;;) {
+      const std::size_t textSize = key.size();
       key.push_back(static_cast<char>('0' + static_cast<int>(use)));
+      for (const std::string_view name : read) key.append(name).push_back('\0');
       auto found = m_plans.find(key);
       if (found == m_plans.end()) {
         const bool parameters = m_extracted.count > 0;
-        auto plan = make(parameters ? std::string_view(key).substr(0, key.size() - 1) : source);
+        auto plan = make(parameters ? std::string_view(key).substr(0, textSize) : source);
         if (m_plans.size() >= kMostPlans) m_plans.clear();
         found = m_plans.emplace(key, std::move(plan)).first;
       }

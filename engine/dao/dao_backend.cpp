@@ -15,7 +15,8 @@ class DaoDatabase final : public SessionDatabase<Session> {
   // What is opened for reading only the engine itself guards.
   explicit DaoDatabase(std::shared_ptr<Session> session) : SessionDatabase(std::move(session), false) {}
 
-  std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type) override {
+  std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type,
+                                           const ColumnNames& /*read*/) override {
     return std::make_unique<DaoRecordset>(Open(), source, type);
   }
 

@@ -5,8 +5,9 @@
 
 namespace kxrestore::engine::odbc {
 
-std::unique_ptr<Recordset> OdbcDatabase::OpenRecordset(std::string_view source, RecordsetType type) {
-  return std::make_unique<OdbcRecordset>(Open(), source, type, IsReadOnly());
+std::unique_ptr<Recordset> OdbcDatabase::OpenRecordset(std::string_view source, RecordsetType type,
+                                                       const ColumnNames& read) {
+  return std::make_unique<OdbcRecordset>(Open(), source, type, read, IsReadOnly());
 }
 
 std::int64_t OdbcDatabase::Execute(std::string_view sql, int /*options*/) {

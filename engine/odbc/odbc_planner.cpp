@@ -7,6 +7,7 @@
 #include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/read_columns.h"
 #include "engine/jet_sql/single_rows.h"
 #include "engine/jet_sql/source_text.h"
 #include "engine/odbc/table_facts.h"
@@ -87,7 +88,7 @@ std::vector<Value> ParameterValues(const Plan& plan, const ExtractedLiterals& li
 }
 
 std::shared_ptr<Plan> MakePlan(Session& session, std::string_view source, std::string_view key,
-                               Session::Use use) {
+                               Session::Use use, const ColumnNames& read) {
   Schema& schema = session.Tables();
   const bool reads = use != Session::Use::kAction;
   const auto exists = [&schema](std::string_view name) { return schema.FindEntry(name) != nullptr; };
@@ -107,6 +108,7 @@ std::shared_ptr<Plan> MakePlan(Session& session, std::string_view source, std::s
   plan->keepsPrepared = session.Facts().IsPostgres() || !resolution.readsQueries;
   plan->columns = std::move(resolution.columns);
   plan->columnsKnown = resolution.columnsKnown;
+  if (select != nullptr && plan->columnsKnown) LeaveOutUnreadColumns(*select, plan->columns, read);
   if (use == Session::Use::kDynaset && select != nullptr && plan->columnsKnown) {
     AddKeys(session, *select, resolution.tables, *plan);
   }

@@ -194,8 +194,9 @@ StatementHandle Session::AllocateStatement() {
 
 // ---- statements
 
-std::shared_ptr<Plan> Session::FindPlan(std::string_view source, Use use) {
-  return m_plans.Find(source, use, [&](std::string_view text) { return MakePlan(*this, source, text, use); });
+std::shared_ptr<Plan> Session::FindPlan(std::string_view source, Use use, const ColumnNames& read) {
+  return m_plans.Find(source, use, read,
+                      [&](std::string_view text) { return MakePlan(*this, source, text, use, read); });
 }
 
 std::unique_ptr<OdbcStatement> Session::Acquire(Plan& plan) {

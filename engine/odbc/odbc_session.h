@@ -42,7 +42,7 @@ class Session {
 
   using Use = StatementUse;
   // The plan for a text; its literals are in Literals() until the next call.
-  std::shared_ptr<Plan> FindPlan(std::string_view source, Use use);
+  std::shared_ptr<Plan> FindPlan(std::string_view source, Use use, const ColumnNames& read = {});
   const jet_sql::ExtractedLiterals& Literals() const { return m_plans.Literals(); }
   std::unique_ptr<OdbcStatement> Acquire(Plan& plan);
   static void Release(Plan& plan, std::unique_ptr<OdbcStatement> statement);

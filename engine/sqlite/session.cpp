@@ -68,7 +68,8 @@ Statement Session::Prepare(std::string_view sql, Doing doing) const {
 }
 
 std::shared_ptr<Plan> Session::FindPlan(std::string_view source, Use use) {
-  return m_plans.Find(source, use, [&](std::string_view text) { return MakePlan(*this, source, text, use); });
+  return m_plans.Find(source, use, {},
+                      [&](std::string_view text) { return MakePlan(*this, source, text, use); });
 }
 
 Statement Session::Acquire(Plan& plan) {

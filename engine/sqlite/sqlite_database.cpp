@@ -39,7 +39,8 @@ void SqliteDatabase::Close() {
   SessionDatabase::Close();
 }
 
-std::unique_ptr<Recordset> SqliteDatabase::OpenRecordset(std::string_view source, RecordsetType type) {
+std::unique_ptr<Recordset> SqliteDatabase::OpenRecordset(std::string_view source, RecordsetType type,
+                                                         const ColumnNames& /*read*/) {
   Settle();
   return std::make_unique<SqliteRecordset>(Open(), source, type, IsReadOnly());
 }

@@ -16,7 +16,8 @@ class SqliteDatabase final : public SessionDatabase<Session> {
       : SessionDatabase(session, readOnly || session->IsReadOnly()) {}
   ~SqliteDatabase() override;
 
-  std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type) override;
+  std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type,
+                                           const ColumnNames& read) override;
   std::int64_t Execute(std::string_view sql, int options) override;
   std::string QueryText(std::string_view name) override;
   void CreateQueryDef(std::string_view name, std::string_view sql) override;

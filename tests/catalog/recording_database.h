@@ -73,8 +73,8 @@ class RecordingDatabase : public engine::Database {
  public:
   explicit RecordingDatabase(std::shared_ptr<Script> script) : m_script(std::move(script)) {}
 
-  std::unique_ptr<engine::Recordset> OpenRecordset(std::string_view source,
-                                                   engine::RecordsetType type) override {
+  std::unique_ptr<engine::Recordset> OpenRecordset(std::string_view source, engine::RecordsetType type,
+                                                   const engine::ColumnNames& /*read*/) override {
     m_script->Call("open " + std::to_string(static_cast<int>(type)) + " " + std::string(source));
     return std::make_unique<RecordingRecordset>(m_script);
   }
