@@ -8,9 +8,8 @@
 #include "base/error.h"
 #include "bench/bare_sqlite.h"
 #include "bench/harness.h"
+#include "bench/marker.h"
 #include "bench/statements.h"
-#include "catalog/connection.h"
-#include "catalog/restore_marks.h"
 #include "engine/database.h"
 
 namespace kxrestore::bench {
@@ -72,46 +71,31 @@ class Scan : public Comparison {
 // before each.
 class Marking : public Comparison {
  public:
-  explicit Marking(std::int64_t rows) : m_path(BenchCatalog(rows)) {
+  explicit Marking(std::int64_t rows)
+      : m_path(BenchCatalog(rows)), m_marker({.dbName = m_path, .connect = {}}) {
     BareDatabase database(m_path);
     BareStatement all(database.Get(), "SELECT ID, Filename FROM Catalog ORDER BY ID");
     while (all.Step()) {
       m_ids.push_back(static_cast<std::int32_t>(all.Integer(0)));
       m_names.emplace_back(all.Text(1));
     }
-    m_settings.dbName = m_path;
   }
   ~Marking() override { ClearMarks(m_path); }
 
   void Prepare() override { ClearMarks(m_path); }
 
  protected:
-  template <typename Step>
-  void OneAction(Step step) {
-    m_workspace->BeginAction();
-    step();
-    m_workspace->EndAction();
-  }
-
   std::string m_path;
   std::vector<std::int32_t> m_ids;
   std::vector<std::string> m_names;
-  catalog::ConnectionSettings m_settings;
-  catalog::CurrentRun m_current{kBenchSet, kBenchExtension};
-  std::unique_ptr<engine::Workspace> m_workspace = engine::MakeDefaultWorkspace();
-  catalog::RestoreMarks m_marks{*m_workspace, m_settings, m_current,
-                                [](const Error& error, const std::string&) { throw error; }};
+  Marker m_marker;
 };
 
 class MarkByName : public Marking {
  public:
   using Marking::Marking;
 
-  void Ours() override {
-    OneAction([this] {
-      for (const std::string& name : m_names) m_marks.UpdateSelectionByFileName(name, true, 0, "");
-    });
-  }
+  void Ours() override { m_marker.ByName(m_names); }
 
   void Bare() override {
     BareDatabase database(m_path);
@@ -137,11 +121,7 @@ class MarkById : public Marking {
  public:
   using Marking::Marking;
 
-  void Ours() override {
-    OneAction([this] {
-      for (const std::int32_t id : m_ids) m_marks.UpdateByID(id);
-    });
-  }
+  void Ours() override { m_marker.ById(m_ids); }
 
   void Bare() override {
     BareDatabase database(m_path);
@@ -155,11 +135,6 @@ class MarkById : public Marking {
     database.Execute("COMMIT");
   }
 };
-
-template <typename T>
-MakeComparison Make() {
-  return [](std::int64_t rows) { return std::make_unique<T>(rows); };
-}
 
 }  // namespace
 }  // namespace kxrestore::bench

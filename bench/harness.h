@@ -33,6 +33,12 @@ struct Terms {
 
 using MakeComparison = std::function<std::unique_ptr<Comparison>(std::int64_t rows)>;
 
+// Of a class whose constructor takes the row count and then these arguments.
+template <typename T, typename... Arguments>
+MakeComparison Make(Arguments... arguments) {
+  return [=](std::int64_t rows) { return std::make_unique<T>(rows, arguments...); };
+}
+
 // `make` is called when the comparison's turn comes, and what it made goes away after it.
 void Compare(Terms terms, MakeComparison make);
 

@@ -239,11 +239,6 @@ class AutoSelecting : public Comparison {
   std::int64_t m_marked = 0;
 };
 
-template <typename T, typename... Arguments>
-MakeComparison Make(Arguments... arguments) {
-  return [=](std::int64_t rows) { return std::make_unique<T>(rows, arguments...); };
-}
-
 }  // namespace
 }  // namespace kxrestore::bench
 
