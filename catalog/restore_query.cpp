@@ -177,8 +177,8 @@ void CreateLatestQueries(engine::Database& database) {
 }
 
 std::unique_ptr<engine::Recordset> BuildRestoreQuery(engine::Database& database, std::int32_t setId,
-                                                     bool latest, std::string_view mask,
-                                                     std::string_view ext, const engine::ColumnNames& read) {
+                                                     bool latest, std::string_view mask, std::string_view ext,
+                                                     const engine::ColumnNames& read) {
   CreateLatestQueries(database);
   const auto table = PrepareSource(database, setId, latest, ext);
   return database.OpenRecordset(ListingText(table, setId, mask, ext), engine::RecordsetType::kSnapshot, read);

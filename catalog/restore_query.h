@@ -26,8 +26,7 @@ void CreateLatestQueries(engine::Database& database);
 // `read`    the columns that will be read, see Database::OpenRecordset.
 // Errors are the engine's; 3265 when `latest` and a set are asked of a catalog that has no FullCatalog.
 std::unique_ptr<engine::Recordset> BuildRestoreQuery(engine::Database& database, std::int32_t setId,
-                                                     bool latest, std::string_view mask,
-                                                     std::string_view ext,
+                                                     bool latest, std::string_view mask, std::string_view ext,
                                                      const engine::ColumnNames& read = {});
 
 }  // namespace kxrestore::catalog

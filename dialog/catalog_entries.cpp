@@ -37,7 +37,7 @@ bool IsAggregateName(std::string_view name) {
 }
 
 engine::ColumnNames CatalogEntries::Columns(std::string_view nameColumn, std::string_view setNameColumn) {
-  return {nameColumn, setNameColumn, "OrigSize", "Extension", "SetNameID",
+  return {nameColumn,  setNameColumn, "OrigSize", "Extension", "SetNameID",
           "DateStamp", "Filename",    "File",     "Plugin"};
 }
 

@@ -68,8 +68,8 @@ void Search::List(const std::string& mask) {
   const bool latest = ui.chk1.Value() == 1;
   const LookIn lookIn = ReadLookIn(m_context, m_setTree, ui.optLookIn[0]);
   const auto database = m_context.OpenCatalog();
-  const auto rows = OpenListing(m_context, *database, lookIn, latest, mask,
-                                CatalogEntries::Columns("OrigName", "SetName"));
+  const auto rows =
+      OpenListing(m_context, *database, lookIn, latest, mask, CatalogEntries::Columns("OrigName", "SetName"));
 
   ui.asSearch.Clear();
   CatalogEntries entries(*rows, "OrigName", "SetName");

@@ -35,9 +35,8 @@ void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>
   if (read.empty() || statement.cores.size() != 1 || statement.cores.front().distinct) return;
   SelectCore& core = statement.cores.front();
   const bool byPlace =
-      std::any_of(statement.orderBy.begin(), statement.orderBy.end(), [](const OrderItem& order) {
-        return order.expression->kind == ExpressionKind::kNumber;
-      });
+      std::any_of(statement.orderBy.begin(), statement.orderBy.end(),
+                  [](const OrderItem& order) { return order.expression->kind == ExpressionKind::kNumber; });
   const auto stars = std::count_if(core.items.begin(), core.items.end(), IsStar);
   const auto star = std::find_if(core.items.begin(), core.items.end(), IsStar);
   if (byPlace || stars > 1 || (stars == 1 && !CanSpell(*star, core))) return;

@@ -58,8 +58,7 @@ void OdbcRecordset::Open(std::string_view source, const ColumnNames& read) {
 }
 
 bool OdbcRecordset::TryOpen(std::string_view source, const ColumnNames& read) {
-  m_plan =
-      m_session->FindPlan(source, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
+  m_plan = m_session->FindPlan(source, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
   m_statement = m_session->Acquire(*m_plan);
   m_session->FetchPiecewise(!m_plan->isShort);
   if (!m_session->RunRead(*m_statement,

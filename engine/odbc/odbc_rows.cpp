@@ -13,8 +13,7 @@ namespace {
 
 using jet_sql::ValueKind;
 
-constexpr std::size_t kBlockBytes = 1 << 19;
-constexpr std::size_t kBlockBytesOfAll = 1 << 21;  // where only those columns are bound that are read
+constexpr std::size_t kBlockBytes = 1 << 21;
 constexpr std::size_t kMaxBlockRows = 512;
 constexpr std::size_t kLongestBound = 512;  // characters; longer columns are bound for what is usual
 constexpr std::size_t kUsualText = 256;
@@ -128,10 +127,7 @@ ValueKind KindOfType(SQLSMALLINT type, std::string_view typeName) {
 }
 
 RowReader::RowReader(Session& session, SQLHSTMT statement, std::string sql)
-    : m_session(session),
-      m_statement(statement),
-      m_sql(std::move(sql)),
-      m_bindsLater(session.Facts().readsWhatIsAskedFor) {
+    : m_session(session), m_statement(statement), m_sql(std::move(sql)) {
   m_types = Describe(session, statement, m_sql);
   const bool longTexts = std::any_of(m_types.begin(), m_types.end(), [](const ColumnType& type) {
     return (type.kind == ValueKind::kText || type.kind == ValueKind::kUnknown) &&
@@ -169,35 +165,22 @@ void RowReader::Bind() {
     rowBytes += buffer.width + sizeof(SQLLEN);
   }
   // A power of two, so that no block stands across the pieces that the driver fetches from the server.
-  m_blockRows = m_piecewise
-                    ? 1
-                    : std::bit_floor(std::clamp<std::size_t>(
-                          (m_bindsLater ? kBlockBytesOfAll : kBlockBytes) / rowBytes, 16, kMaxBlockRows));
+  m_blockRows =
+      m_piecewise ? 1 : std::bit_floor(std::clamp<std::size_t>(kBlockBytes / rowBytes, 16, kMaxBlockRows));
   SQLSetStmtAttrW(m_statement, SQL_ATTR_ROWS_FETCHED_PTR, &m_fetched, SQL_IS_POINTER);
   for (std::size_t i = 0; i < m_buffers.size(); ++i) {
-    Buffer& buffer = m_buffers[i];
-    buffer.data.resize(buffer.width);
-    buffer.sizes.resize(1);
-    if (!m_piecewise && !m_bindsLater) BindColumn(i);
+    m_buffers[i].data = std::make_unique_for_overwrite<char[]>(m_buffers[i].width * m_blockRows);
+    m_buffers[i].sizes.resize(m_blockRows);
+    if (!m_piecewise) BindColumn(i);
   }
 }
 
 void RowReader::BindColumn(std::size_t column) {
   Buffer& buffer = m_buffers[column];
-  buffer.data.resize(buffer.width * m_blockRows);
-  buffer.sizes.resize(m_blockRows);
   const SQLRETURN result =
-      SQLBindCol(m_statement, static_cast<SQLUSMALLINT>(column + 1), buffer.cType, buffer.data.data(),
+      SQLBindCol(m_statement, static_cast<SQLUSMALLINT>(column + 1), buffer.cType, buffer.data.get(),
                  static_cast<SQLLEN>(buffer.width), buffer.sizes.data());
   if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
-  buffer.bound = true;
-}
-
-void RowReader::BindWanted() {
-  if (!m_bindsLater) return;
-  for (std::size_t i = 0; i < m_buffers.size(); ++i) {
-    if (m_buffers[i].wanted && !m_buffers[i].bound) BindColumn(i);
-  }
 }
 
 // The block's size is set behind the execution: asked for before it, some drivers would make a cursor of the
@@ -216,7 +199,6 @@ bool RowReader::Next() {
     return true;
   }
   m_row = 0;
-  BindWanted();
   const auto fetch = [this] { return SQLFetch(m_statement); };
   const SQLRETURN result = m_firstBlock  ? m_session.CallAgain(m_statement, fetch, m_isQuick)
                            : m_piecewise ? fetch()
@@ -230,16 +212,18 @@ bool RowReader::Next() {
 }
 
 void RowReader::ReadPiecewise() {
-  for (std::size_t i = 0; i < m_buffers.size(); ++i) ReadPlain(i);
-}
-
-void RowReader::ReadUnbound(std::size_t column) const {
-  Buffer& buffer = m_buffers[column];
-  if (buffer.bound || buffer.read == m_number) return;
-  buffer.wanted = true;
-  buffer.read = m_number;
-  StandOnRow();
-  ReadPlain(column);
+  for (std::size_t column = 0; column < m_buffers.size(); ++column) {
+    Buffer& buffer = m_buffers[column];
+    if (buffer.cType == SQL_C_WCHAR || buffer.cType == SQL_C_BINARY) {
+      ReadLongText(column, buffer.text);
+      buffer.converted = m_number;
+      continue;
+    }
+    const SQLRETURN result =
+        SQLGetData(m_statement, static_cast<SQLUSMALLINT>(column + 1), buffer.cType, buffer.data.get(),
+                   static_cast<SQLLEN>(buffer.width), &buffer.sizes.front());
+    if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
+  }
 }
 
 void RowReader::StandOnRow() const {
@@ -247,26 +231,12 @@ void RowReader::StandOnRow() const {
   SQLSetPos(m_statement, static_cast<SQLSETPOSIROW>(m_row + 1), SQL_POSITION, SQL_LOCK_NO_CHANGE);
 }
 
-// One value of the row that the driver stands on.
-void RowReader::ReadPlain(std::size_t column) const {
-  Buffer& buffer = m_buffers[column];
-  if (buffer.cType == SQL_C_WCHAR || buffer.cType == SQL_C_BINARY) {
-    ReadLongText(column, buffer.text);
-    buffer.converted = m_number;
-    return;
-  }
-  const SQLRETURN result =
-      SQLGetData(m_statement, static_cast<SQLUSMALLINT>(column + 1), buffer.cType, buffer.data.data(),
-                 static_cast<SQLLEN>(buffer.width), &buffer.sizes.front());
-  if (!SQL_SUCCEEDED(result)) m_session.Raise(SQL_HANDLE_STMT, m_statement, m_sql);
-}
-
 // In UTF-16 even where bytes are bound: the driver's later pieces of bytes end in a zero that is not the
 // text's.
 void RowReader::ReadLongText(std::size_t column, std::string& text) const {
   std::array<char16_t, 2048> piece;
   std::u16string whole;
-  SQLLEN& size = m_buffers[column].Size(m_row);
+  SQLLEN& size = m_buffers[column].sizes[m_row];
   for (;;) {
     SQLLEN left = 0;
     const SQLRETURN result = SQLGetData(m_statement, static_cast<SQLUSMALLINT>(column + 1), SQL_C_WCHAR,
@@ -289,7 +259,7 @@ void RowReader::ReadLongText(std::size_t column, std::string& text) const {
 std::string_view RowReader::TextOf(std::size_t column) const {
   Buffer& buffer = m_buffers[column];
   if (buffer.converted == m_number) return buffer.text;
-  SQLLEN& size = buffer.Size(m_row);
+  const SQLLEN size = buffer.sizes[m_row];
   const bool bytes = buffer.cType == SQL_C_BINARY;
   const auto room = static_cast<SQLLEN>(buffer.width - (bytes ? 1 : sizeof(char16_t)));
   const char* data = buffer.Data(m_row);
@@ -307,9 +277,8 @@ std::string_view RowReader::TextOf(std::size_t column) const {
 }
 
 ValueView RowReader::Value(std::size_t column) const {
-  if (m_bindsLater) ReadUnbound(column);
-  Buffer& buffer = m_buffers[column];
-  if (buffer.Size(m_row) == SQL_NULL_DATA) return std::monostate();
+  const Buffer& buffer = m_buffers[column];
+  if (buffer.sizes[m_row] == SQL_NULL_DATA) return std::monostate();
   const char* data = buffer.Data(m_row);
   switch (buffer.cType) {
     case SQL_C_SLONG:

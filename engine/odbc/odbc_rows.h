@@ -47,25 +47,18 @@ class RowReader {
  private:
   struct Buffer {
     SQLSMALLINT cType = SQL_C_WCHAR;
-    std::size_t width = 0;      // bytes of one row
-    std::vector<char> data;     // of a block's rows once the column is bound, else of the current one
-    std::vector<SQLLEN> sizes;  // as many
-    bool bound = false;
-    mutable bool wanted = false;  // it was read without being bound
-    mutable std::string text;     // of the row that `converted` numbers
-    mutable std::uint64_t converted = 0;
-    mutable std::uint64_t read = 0;  // the row that was read without being bound
+    std::size_t width = 0;         // bytes of one row
+    std::unique_ptr<char[]> data;  // of a block's rows; most blocks are never filled
+    std::vector<SQLLEN> sizes;     // as many
+    std::string text;              // of the row that `converted` numbers
+    std::uint64_t converted = 0;
 
-    const char* Data(std::size_t row) const { return data.data() + (bound ? row * width : 0); }
-    SQLLEN& Size(std::size_t row) { return sizes[bound ? row : 0]; }
+    const char* Data(std::size_t row) const { return data.get() + row * width; }
   };
 
   void Bind();
   void BindColumn(std::size_t column);
-  void BindWanted();
   void ReadPiecewise();
-  void ReadUnbound(std::size_t column) const;
-  void ReadPlain(std::size_t column) const;
   std::string_view TextOf(std::size_t column) const;
   void ReadLongText(std::size_t column, std::string& text) const;
   void StandOnRow() const;
@@ -75,7 +68,6 @@ class RowReader {
   std::string m_sql;
   std::vector<ColumnType> m_types;
   mutable std::vector<Buffer> m_buffers;
-  bool m_bindsLater;  // only the columns that were read in the first, small block
   std::size_t m_blockRows = 1;
   bool m_piecewise = false;  // the driver hands out long texts only column by column, row by row
   bool m_firstBlock = true, m_inOneBlock = true;

@@ -140,7 +140,6 @@ void Session::ReadFacts() {
     const bool isPsqlodbc = InfoText(SQL_DRIVER_NAME).find("psqlodbc") != std::string::npos;
     if (isPsqlodbc) {
       m_facts.fetchesAllAtOnce = m_facts.preparesByName = m_facts.serverKeepsTime = true;
-      m_facts.readsWhatIsAskedFor = m_facts.readsPartsInBlocks;
       // A prepared statement in a transaction is sent behind a savepoint of its own, a plain one together
       // with it.
       SQLSetConnectAttrW(Get(), kPostgresServerSidePrepare, AsPointer(0), SQL_IS_INTEGER);

@@ -9,16 +9,15 @@
 namespace kxrestore::engine::odbc {
 
 struct ServerFacts {
-  std::string dbms;                  // SQL_DBMS_NAME
-  char quote = '"';                  // around names
-  bool foldsToLower = false;         // names that are not quoted
-  bool onlyOneActive = false;        // one statement at a time may have rows to fetch
-  bool fetchesAllAtOnce = false;     // unless it is told not to
-  bool readsWhatIsAskedFor = false;  // a value of a block can be read without having been bound
-  bool textsAsBytes = false;         // in UTF-8, without going through UTF-16
-  bool serverKeepsTime = false;      // and ends a statement that takes too long
-  bool preparesByName = false;       // by statements of the server's own, see OdbcStatement
-  bool readsPartsInBlocks = false;   // long texts can be read out of a block of rows
+  std::string dbms;                 // SQL_DBMS_NAME
+  char quote = '"';                 // around names
+  bool foldsToLower = false;        // names that are not quoted
+  bool onlyOneActive = false;       // one statement at a time may have rows to fetch
+  bool fetchesAllAtOnce = false;    // unless it is told not to
+  bool textsAsBytes = false;        // in UTF-8, without going through UTF-16
+  bool serverKeepsTime = false;     // and ends a statement that takes too long
+  bool preparesByName = false;      // by statements of the server's own, see OdbcStatement
+  bool readsPartsInBlocks = false;  // long texts can be read out of a block of rows
   // Of PostgreSQL
   bool ordersByCode = false;    // its texts are not sorted as people expect
   bool foldsAsciiOnly = false;  // it knows no case of other letters

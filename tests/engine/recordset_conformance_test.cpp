@@ -32,7 +32,8 @@ TEST_P(RecordsetConformance, WalksRowsAndFields) {
   ExpectError(error_number::kTableNotFound, "Nothing", [&] { Rows(*m_database, "Nothing"); });
 }
 
-// Who names the columns that he reads gets the same rows, of which some databases then send those columns only.
+// Who names the columns that he reads gets the same rows, of which some databases then send those columns
+// only.
 TEST_P(RecordsetConformance, ColumnsThatNobodyReads) {
   const struct {
     const char* sql;
@@ -50,7 +51,9 @@ TEST_P(RecordsetConformance, ColumnsThatNobodyReads) {
        2},
       {"SELECT OrigSize AS Size, Filename FROM Catalog ORDER BY Size", {"Filename"}, 1},
       {"SELECT TOP 3 Filename, ID FROM Catalog ORDER BY ID", {"Filename"}, 1},
-      {"SELECT Filename, Extension, Count(*) AS Files FROM Catalog GROUP BY Filename, Extension", {"Files"}, 1},
+      {"SELECT Filename, Extension, Count(*) AS Files FROM Catalog GROUP BY Filename, Extension",
+       {"Files"},
+       1},
       {"SELECT Count(*) AS Files, 1 AS One FROM Catalog", {"One"}, 2},
       // Rows that are told apart by all their columns, and columns that cannot be told apart.
       {"SELECT DISTINCT Filename, ID FROM Catalog", {"Filename"}, 2},
