@@ -6,6 +6,7 @@
 #include "engine/jet_sql/name_resolver.h"
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/read_columns.h"
 #include "engine/jet_sql/single_rows.h"
 #include "engine/jet_sql/tsql_dialect.h"
 #include "tests/catalog/recording_database.h"
@@ -168,13 +169,15 @@ std::vector<ServerStatement> ServerStatements() {
   return statements;
 }
 
-std::string ForSqlServer(const std::string& text, bool savedQuery, bool mindsCase) {
+std::string ForSqlServer(const std::string& text, bool savedQuery, bool mindsCase, const ColumnNames& read) {
   static CatalogOnServer relations;
   jet_sql::Statement statement = jet_sql::Parse(text);
-  if (auto* select = std::get_if<jet_sql::SelectStatement>(&statement); select != nullptr && !savedQuery) {
-    jet_sql::RemoveGroupsOfSingleRows(relations, *select);
+  auto* select = std::get_if<jet_sql::SelectStatement>(&statement);
+  if (select != nullptr && !savedQuery) jet_sql::RemoveGroupsOfSingleRows(relations, *select);
+  jet_sql::Resolution resolution = jet_sql::ResolveNames(statement, relations);
+  if (select != nullptr && resolution.columnsKnown) {
+    jet_sql::LeaveOutUnreadColumns(*select, resolution.columns, read);
   }
-  jet_sql::ResolveNames(statement, relations);
   return jet_sql::Print(statement, jet_sql::TsqlDialect(mindsCase),
                         savedQuery ? jet_sql::PrintedAs::kView : jet_sql::PrintedAs::kStatement);
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/database.h"
 #include "engine/jet_sql/dialect.h"
 
 namespace kxrestore::engine::testing {
@@ -24,6 +25,8 @@ struct PanelStatement {
 std::vector<PanelStatement> PanelStatements();
 
 // As SQL Server is to get it, names and kinds of columns being those of a catalog there.
-std::string ForSqlServer(const std::string& text, bool savedQuery = false, bool mindsCase = false);
+// `read`: see Database::OpenRecordset.
+std::string ForSqlServer(const std::string& text, bool savedQuery = false, bool mindsCase = false,
+                         const ColumnNames& read = {});
 
 }  // namespace kxrestore::engine::testing

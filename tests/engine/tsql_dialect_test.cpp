@@ -107,5 +107,13 @@ TEST(TsqlDialect, ListingOfTheLatestVersions) {
   EXPECT_EQ(text.substr(0, text.find(", ")), "SELECT [FullCatalog].[OrigName] AS [OrigName]");
 }
 
+TEST(TsqlDialect, ColumnsThatAreRead) {
+  EXPECT_EQ(
+      ForSqlServer("SELECT FullCatalog.* from FullCatalog WHERE (FullCatalog.Status = 2)", false, false,
+                   {"id", "Restore"}),
+      "SELECT [FullCatalog].[ID] AS [ID], [FullCatalog].[Restore] AS [Restore] FROM [FullCatalog] WHERE "
+      "[FullCatalog].[Status] = 2");
+}
+
 }  // namespace
 }  // namespace kxrestore::engine

@@ -49,6 +49,9 @@ TEST_F(TsqlParser, ReadsWhatServersGet) {
       const std::string printed = testing::ForSqlServer(text, !name.empty(), mindsCase);
       const std::string view = jet_sql::TsqlDialect(false).Identifier(name);
       statements.push_back(name.empty() ? printed : "CREATE VIEW " + view + " AS " + printed);
+      if (name.empty()) {
+        statements.push_back(testing::ForSqlServer(text, false, mindsCase, {"ID", "File", "Restore"}));
+      }
     }
   }
   ASSERT_GT(statements.size(), 50u);
