@@ -25,7 +25,8 @@ class Scan : public Comparison {
     m_workspace->BeginAction();
     {
       const auto database = m_workspace->OpenDatabase({.name = m_path, .connect = {}});
-      const auto rows = database->OpenRecordset(kDetailStatement, engine::RecordsetType::kSnapshot);
+      const auto rows = database->OpenRecordset(kDetailStatement, engine::RecordsetType::kSnapshot,
+                                                {"RestoreFile", "Filename", "File", "Plugin"});
       const engine::Field path = rows->Fields("RestoreFile");
       const engine::Field name = rows->Fields("Filename");
       const engine::Field file = rows->Fields("File");

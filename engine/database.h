@@ -78,7 +78,7 @@ class Database {
 
   // `source` is one reading statement or the name of a table or saved query. A writing statement or a second
   // one is refused (3219, 3142). `read`: the columns that will be read, empty for all. The recordset may lack
-  // the others, which a server then need not send.
+  // the others, so that nobody has to work them out and send them.
   virtual std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type,
                                                    const ColumnNames& read = {}) = 0;
 

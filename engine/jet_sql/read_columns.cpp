@@ -1,6 +1,8 @@
 #include "engine/jet_sql/read_columns.h"
 
 #include <algorithm>
+#include <charconv>
+#include <string>
 #include <utility>
 
 #include "base/text.h"
@@ -16,6 +18,23 @@ bool IsStar(const SelectItem& item) {
 bool CanSpell(const SelectItem& star, const SelectCore& core) {
   if (!star.starQualifier.empty()) return true;
   return core.from.size() == 1 && core.from.front().joins.empty() && !core.from.front().first.nested;
+}
+
+// The place in the result by which ORDER BY names a column, counted from 1; 0 for anything else.
+std::size_t Place(const Expression& order) {
+  std::size_t place = 0;
+  if (order.kind == ExpressionKind::kNumber) {
+    std::from_chars(order.text.data(), order.text.data() + order.text.size(), place);
+  }
+  return place;
+}
+
+// A calculated column may decide which rows there are, and the rest of the statement may name one by its
+// alias.
+bool CanGo(const SelectItem& item) {
+  if (IsStar(item)) return true;
+  return item.expression->kind == ExpressionKind::kColumn &&
+         (item.alias.empty() || EqualIgnoringCase(item.alias, item.expression->text));
 }
 
 SelectItem ColumnOfStar(const SelectItem& star, const ResultColumn& column) {
@@ -34,36 +53,40 @@ void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>
                            const std::vector<std::string_view>& read) {
   if (read.empty() || statement.cores.size() != 1 || statement.cores.front().distinct) return;
   SelectCore& core = statement.cores.front();
-  const bool byPlace =
-      std::any_of(statement.orderBy.begin(), statement.orderBy.end(),
-                  [](const OrderItem& order) { return order.expression->kind == ExpressionKind::kNumber; });
   const auto stars = std::count_if(core.items.begin(), core.items.end(), IsStar);
   const auto star = std::find_if(core.items.begin(), core.items.end(), IsStar);
-  if (byPlace || stars > 1 || (stars == 1 && !CanSpell(*star, core))) return;
-  const auto isRead = [&](const ResultColumn& column) {
-    return std::any_of(read.begin(), read.end(),
-                       [&](std::string_view name) { return EqualIgnoringCase(name, column.name); });
-  };
-  if (std::none_of(columns.begin(), columns.end(), isRead)) return;
+  if (stars > 1 || (stars == 1 && !CanSpell(*star, core))) return;
+
+  std::vector<bool> wanted;
+  for (const ResultColumn& column : columns) {
+    wanted.push_back(std::any_of(read.begin(), read.end(), [&](std::string_view name) {
+      return EqualIgnoringCase(name, column.name);
+    }));
+  }
+  if (std::none_of(wanted.begin(), wanted.end(), [](bool isWanted) { return isWanted; })) return;
+  for (const OrderItem& order : statement.orderBy) {
+    const std::size_t place = Place(*order.expression);
+    if (place > columns.size()) return;
+    if (place > 0) wanted[place - 1] = true;
+  }
 
   const std::size_t behindStar = columns.size() + static_cast<std::size_t>(stars) - core.items.size();
   std::vector<SelectItem> items;
   std::vector<ResultColumn> kept;
-  auto column = columns.begin();
+  std::vector<std::size_t> places;  // of the old columns, as far as they are kept
   for (SelectItem& item : core.items) {
-    if (!IsStar(item)) {
-      if (isRead(*column) || item.expression->kind != ExpressionKind::kColumn) {
-        items.push_back(std::move(item));
-        kept.push_back(std::move(*column));
+    for (std::size_t count = IsStar(item) ? behindStar : 1; count > 0; --count) {
+      ResultColumn& column = columns[places.size()];
+      if (wanted[places.size()] || !CanGo(item)) {
+        items.push_back(IsStar(item) ? ColumnOfStar(item, column) : std::move(item));
+        kept.push_back(std::move(column));
       }
-      ++column;
-      continue;
+      places.push_back(items.size());
     }
-    for (const auto end = column + static_cast<std::ptrdiff_t>(behindStar); column != end; ++column) {
-      if (!isRead(*column)) continue;
-      items.push_back(ColumnOfStar(item, *column));
-      kept.push_back(std::move(*column));
-    }
+  }
+  for (OrderItem& order : statement.orderBy) {
+    const std::size_t place = Place(*order.expression);
+    if (place > 0) order.expression->text = std::to_string(places[place - 1]);
   }
   core.items = std::move(items);
   columns = std::move(kept);

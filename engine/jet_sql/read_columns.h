@@ -9,8 +9,8 @@
 
 namespace kxrestore::engine::jet_sql {
 
-// Takes the columns that are not in `read` out of a statement whose names are resolved and whose `columns`
-// are known. What decides which rows there are stays: a calculated column, and every column where rows are
+// Takes the columns that are not in `read` out of a statement whose `columns` are known. What decides which
+// rows there are stays: columns that are calculated or have another name, and every column where rows are
 // told apart by all of them. Without `read`, or when the result has none of them, the statement stays as it
 // is.
 void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>& columns,

@@ -8,6 +8,7 @@
 #include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/read_columns.h"
 #include "engine/jet_sql/single_rows.h"
 #include "engine/jet_sql/source_text.h"
 #include "engine/sqlite/table_facts.h"
@@ -103,6 +104,15 @@ std::size_t TableOf(const Plan& plan, const char* tableName, const Expression* w
   return found;
 }
 
+std::vector<ResultColumn> NamesOfColumns(sqlite3_stmt* statement) {
+  std::vector<ResultColumn> columns;
+  for (int i = 0; i < sqlite3_column_count(statement); ++i) {
+    const char* name = sqlite3_column_name(statement, i);
+    columns.emplace_back().name = name != nullptr ? name : "";
+  }
+  return columns;
+}
+
 void DescribeColumns(Plan& plan, sqlite3_stmt* statement, const SelectStatement& select, bool pure) {
   plan.allColumns = static_cast<std::size_t>(sqlite3_column_count(statement));
   const std::size_t visible = plan.allColumns - plan.tables.size();
@@ -157,18 +167,23 @@ bool Disturbs(const Session& session, const PlanTable& table, const Plan& plan,
 }  // namespace
 
 std::shared_ptr<Plan> MakePlan(const Session& session, std::string_view source, std::string_view key,
-                               Session::Use use) {
+                               Session::Use use, const ColumnNames& read) {
   const SqliteDialect dialect(false);
   const auto exists = [&session](std::string_view name) { return ExistsInSchema(session, name); };
   jet_sql::Statement statement = ReadSource(source, key, use != Session::Use::kAction, exists);
   auto plan = std::make_shared<Plan>();
   bool pure = true;
   SelectStatement* select = std::get_if<SelectStatement>(&statement);
-  if (use == Session::Use::kDynaset && select != nullptr) {
-    plan->tables = AddRowNumbers(session.Connection(), *select, pure);
-  } else if (select != nullptr) {
+  if (use == Session::Use::kSnapshot && select != nullptr) {
     SqliteTableFacts facts(session);
     RemoveGroupsOfSingleRows(facts, *select);
+  }
+  if (select != nullptr && !read.empty()) {
+    auto columns = NamesOfColumns(session.Prepare(Print(statement, dialect)).get());
+    LeaveOutUnreadColumns(*select, columns, read);
+  }
+  if (use == Session::Use::kDynaset && select != nullptr) {
+    plan->tables = AddRowNumbers(session.Connection(), *select, pure);
   }
   plan->sql = Print(statement, dialect);
   Statement prepared =

@@ -67,9 +67,9 @@ Statement Session::Prepare(std::string_view sql, Doing doing) const {
   return Statement(statement);
 }
 
-std::shared_ptr<Plan> Session::FindPlan(std::string_view source, Use use) {
-  return m_plans.Find(source, use, {},
-                      [&](std::string_view text) { return MakePlan(*this, source, text, use); });
+std::shared_ptr<Plan> Session::FindPlan(std::string_view source, Use use, const ColumnNames& read) {
+  return m_plans.Find(source, use, read,
+                      [&](std::string_view text) { return MakePlan(*this, source, text, use, read); });
 }
 
 Statement Session::Acquire(Plan& plan) {

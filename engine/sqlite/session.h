@@ -33,7 +33,7 @@ class Session {
 
   using Use = StatementUse;
   // The plan for a text; its literals are in Literals() until the next call.
-  std::shared_ptr<Plan> FindPlan(std::string_view source, Use use);
+  std::shared_ptr<Plan> FindPlan(std::string_view source, Use use, const ColumnNames& read = {});
   const jet_sql::ExtractedLiterals& Literals() const { return m_plans.Literals(); }
 
   // A statement of the plan with the literals of the last FindPlan bound; give it back when done.

@@ -40,9 +40,9 @@ void SqliteDatabase::Close() {
 }
 
 std::unique_ptr<Recordset> SqliteDatabase::OpenRecordset(std::string_view source, RecordsetType type,
-                                                         const ColumnNames& /*read*/) {
+                                                         const ColumnNames& read) {
   Settle();
-  return std::make_unique<SqliteRecordset>(Open(), source, type, IsReadOnly());
+  return std::make_unique<SqliteRecordset>(Open(), source, type, read, IsReadOnly());
 }
 
 std::int64_t SqliteDatabase::Execute(std::string_view sql, int /*options*/) {

@@ -60,12 +60,12 @@ ValueView RawValue(sqlite3_stmt* statement, int column) {
 }  // namespace
 
 SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, std::string_view source,
-                                 RecordsetType type, bool readOnly)
+                                 RecordsetType type, const ColumnNames& read, bool readOnly)
     : StreamedRecordset(type, readOnly), m_session(std::move(session)) {
-  int code = Open(source);
+  int code = Open(source, read);
   if (code == SQLITE_ROW && sqlite3_column_count(m_statement.get()) != static_cast<int>(m_plan->allColumns)) {
     m_session->ForgetPlans();  // somebody else has changed the schema meanwhile
-    code = Open(source);
+    code = Open(source, read);
   }
   if (code == SQLITE_ROW) {
     m_session->Streaming().Add(*this);
@@ -76,8 +76,8 @@ SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, std::string_v
   Begin(code == SQLITE_ROW, m_plan->columns.size(), m_plan->allColumns - m_plan->columns.size());
 }
 
-int SqliteRecordset::Open(std::string_view source) {
-  m_plan = m_session->FindPlan(source, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset);
+int SqliteRecordset::Open(std::string_view source, const ColumnNames& read) {
+  m_plan = m_session->FindPlan(source, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
   m_statement = m_session->Acquire(*m_plan);
   return m_session->StepReading(m_statement.get());
 }
