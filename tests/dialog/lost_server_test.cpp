@@ -1,4 +1,5 @@
-// A server that sends the dialog's user away while the dialog works on its catalog, and lets him in again.
+// A server that sends the dialog's user away while the dialog works on its catalog, and lets him in again, or
+// that has no room for what he marks.
 #include <chrono>
 #include <fstream>
 #include <iterator>
@@ -112,6 +113,25 @@ TEST_F(LostServer, WhileItMarks) {
     EXPECT_EQ(Listed().size(), kFiles + 1u);
     m_server->Execute("UPDATE Catalog SET Restore = FALSE WHERE ID <= " + std::to_string(kFiles));
   }
+}
+
+TEST_F(LostServer, WhenItsDiskIsFull) {
+  m_server->Execute(
+      "CREATE FUNCTION extend() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN IF NEW.ID > 80 THEN RAISE "
+      "'could not extend file: No space left on device' USING ERRCODE = 'disk_full'; END IF; RETURN NEW; "
+      "END $$");
+  m_server->Execute(
+      "CREATE TRIGGER full_disk BEFORE UPDATE ON Catalog FOR EACH ROW EXECUTE FUNCTION extend()");
+  ChooseRun();
+  TickAll();
+  Apply();
+  ExpectServerReports({"UpdateSelection: (3026) ERROR: could not extend file: No space left on device"});
+  EXPECT_EQ(m_server->Marked().size(), 80u);
+  EXPECT_EQ(Selected(), "80 file(s) selected");
+
+  m_server->Execute("DROP TRIGGER full_disk ON Catalog");
+  Apply();
+  EXPECT_EQ(m_server->Marked().size(), std::size_t{kFiles});
 }
 
 TEST_F(LostServer, WhileItLists) {
