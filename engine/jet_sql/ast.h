@@ -2,6 +2,7 @@
 // depth of the tree is the depth of the brackets in the text, which the parser bounds.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -71,6 +72,13 @@ struct SelectItem {
   std::string starQualifier;  // T of T.*
   std::string alias;
 };
+
+// What a column of the result is called, other than those of a star. `place`: the item's, from 0.
+inline std::string ColumnName(const SelectItem& item, std::size_t place) {
+  if (!item.alias.empty()) return item.alias;
+  if (item.expression->kind == ExpressionKind::kColumn) return item.expression->text;
+  return "Expr" + std::to_string(1000 + place);
+}
 
 struct JoinChain;
 

@@ -161,15 +161,13 @@ class Resolver {
   bool Core(SelectCore& core, Scope& scope, std::vector<ResultColumn>& columns) {
     for (JoinChain& chain : core.from) AddChain(chain, scope);
     bool known = true;
-    for (SelectItem& item : core.items) {
+    for (std::size_t i = 0; i < core.items.size(); ++i) {
+      SelectItem& item = core.items[i];
       if (!item.expression) {
         known = AddStar(item, scope, columns) && known;
         continue;
       }
-      // The column keeps the name by which the text calls it.
-      if (item.alias.empty() && item.expression->kind == ExpressionKind::kColumn) {
-        item.alias = item.expression->text;
-      }
+      item.alias = ColumnName(item, i);  // by which the text calls it
       Resolve(*item.expression, scope);
       columns.push_back({item.alias, item.expression->valueKind});
     }

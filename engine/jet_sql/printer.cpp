@@ -161,10 +161,7 @@ class Printer {
     if (!item.expression) {
       return item.starQualifier.empty() ? "*" : m_dialect.Identifier(item.starQualifier) + ".*";
     }
-    std::string name = item.alias;
-    if (name.empty() && item.expression->kind == ExpressionKind::kColumn) name = item.expression->text;
-    if (name.empty()) name = "Expr" + std::to_string(1000 + index);
-    return Text(*item.expression) + " AS " + m_dialect.Identifier(name);
+    return Text(*item.expression) + " AS " + m_dialect.Identifier(ColumnName(item, index));
   }
 
   std::string Table(const TableRef& table) const {

@@ -37,12 +37,35 @@ bool CanGo(const SelectItem& item) {
          (item.alias.empty() || EqualIgnoringCase(item.alias, item.expression->text));
 }
 
+using Wanted = std::vector<bool>;  // a flag for each column
+
+void WantColumn(std::string_view name, const std::vector<ResultColumn>& columns, Wanted& wanted) {
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (EqualIgnoringCase(name, columns[i].name)) wanted[i] = true;
+  }
+}
+
+// Several tables may have a column of a name: without a table, it is the result's.
+void WantNamedColumns(const Expression& expression, const std::vector<ResultColumn>& columns,
+                      Wanted& wanted) {
+  if (expression.kind == ExpressionKind::kColumn && expression.qualifier.empty()) {
+    WantColumn(expression.text, columns, wanted);
+  }
+  for (const ExpressionPtr& part : expression.args) WantNamedColumns(*part, columns, wanted);
+}
+
 SelectItem ColumnOfStar(const SelectItem& star, const ResultColumn& column) {
   SelectItem item;
   item.expression = std::make_unique<Expression>();
   item.expression->kind = ExpressionKind::kColumn;
   item.expression->qualifier = star.starQualifier;
   item.expression->text = column.name;
+  item.alias = column.name;
+  return item;
+}
+
+// With its name, which may come from its place among others that go.
+SelectItem Named(SelectItem item, const ResultColumn& column) {
   item.alias = column.name;
   return item;
 }
@@ -57,18 +80,16 @@ void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>
   const auto star = std::find_if(core.items.begin(), core.items.end(), IsStar);
   if (stars > 1 || (stars == 1 && !CanSpell(*star, core))) return;
 
-  std::vector<bool> wanted;
-  for (const ResultColumn& column : columns) {
-    wanted.push_back(std::any_of(read.begin(), read.end(), [&](std::string_view name) {
-      return EqualIgnoringCase(name, column.name);
-    }));
-  }
+  Wanted wanted(columns.size());
+  for (const std::string_view name : read) WantColumn(name, columns, wanted);
   if (std::none_of(wanted.begin(), wanted.end(), [](bool isWanted) { return isWanted; })) return;
   for (const OrderItem& order : statement.orderBy) {
     const std::size_t place = Place(*order.expression);
     if (place > columns.size()) return;
     if (place > 0) wanted[place - 1] = true;
+    WantNamedColumns(*order.expression, columns, wanted);
   }
+  for (const ExpressionPtr& group : core.groupBy) WantNamedColumns(*group, columns, wanted);
 
   const std::size_t behindStar = columns.size() + static_cast<std::size_t>(stars) - core.items.size();
   std::vector<SelectItem> items;
@@ -78,7 +99,7 @@ void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>
     for (std::size_t count = IsStar(item) ? behindStar : 1; count > 0; --count) {
       ResultColumn& column = columns[places.size()];
       if (wanted[places.size()] || !CanGo(item)) {
-        items.push_back(IsStar(item) ? ColumnOfStar(item, column) : std::move(item));
+        items.push_back(IsStar(item) ? ColumnOfStar(item, column) : Named(std::move(item), column));
         kept.push_back(std::move(column));
       }
       places.push_back(items.size());

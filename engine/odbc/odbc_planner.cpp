@@ -145,10 +145,7 @@ ViewBody TranslateSavedQuery(Session& session, std::string_view text) {
       body.columns.clear();
       break;
     }
-    std::string name = item.alias;
-    if (name.empty() && item.expression->kind == ExpressionKind::kColumn) name = item.expression->text;
-    if (name.empty()) name = "Expr" + std::to_string(1000 + body.columns.size());
-    body.columns.push_back(std::move(name));
+    body.columns.push_back(ColumnName(item, body.columns.size()));
   }
   struct ByText {
     explicit ByText(Schema& all) : schema(all) { schema.ReadQueriesByText(true); }

@@ -35,6 +35,7 @@ TEST_P(RecordsetConformance, WalksRowsAndFields) {
 // Who names the columns that he reads gets the same rows with those columns only; the desktop engine is given
 // the statement untouched.
 TEST_P(RecordsetConformance, ColumnsThatNobodyReads) {
+  constexpr std::size_t kMaySend = 0;  // a column more
   const struct {
     const char* sql;
     ColumnNames read;
@@ -46,13 +47,19 @@ TEST_P(RecordsetConformance, ColumnsThatNobodyReads) {
        2},
       {"SELECT * FROM FullCatalog WHERE FullCatalog.Status = 2", {"SetName", "Filename"}, 2},
       {"SELECT Catalog.*, SetNames.Name FROM Catalog LEFT JOIN SetNames ON SetNames.ID = Catalog.SetNameID "
-       "ORDER BY OrigSize DESC",
+       "ORDER BY Catalog.OrigSize DESC",
        {"Name", "OrigName"},
        2},
       {"SELECT OrigSize AS Size, Filename FROM Catalog ORDER BY Size", {"Filename"}, 2},
       {"SELECT Extension, DateStamp, Filename, ID FROM Catalog ORDER BY 4 DESC", {"Filename"}, 2},
-      {"SELECT TOP 3 Filename, ID FROM Catalog ORDER BY ID", {"Filename"}, 1},
-      {"SELECT Filename, Extension, Count(*) AS Files FROM Catalog GROUP BY Filename, Extension",
+      {"SELECT TOP 3 Filename, ID FROM Catalog ORDER BY Catalog.ID", {"Filename"}, 1},
+      {"SELECT SetNames.ID, Filename FROM SetNames INNER JOIN Catalog ON Catalog.SetNameID = SetNames.ID "
+       "ORDER BY ID, Catalog.ID",
+       {"Filename"},
+       kMaySend},
+      {"SELECT ID, Filename, IIf(IsNull(OrigSize),'none','some') FROM Catalog", {"Filename", "Expr1002"}, 2},
+      {"SELECT Filename, Extension, Count(*) AS Files FROM Catalog GROUP BY Catalog.Filename, "
+       "Catalog.Extension",
        {"Files"},
        1},
       {"SELECT Count(*) AS Files, 1 AS One FROM Catalog", {"One"}, 2},
@@ -65,7 +72,7 @@ TEST_P(RecordsetConformance, ColumnsThatNobodyReads) {
   for (const auto& [sql, read, sent] : cases) {
     const auto readAll = [&](const ColumnNames& asked) {
       const auto rows = m_database->OpenRecordset(sql, RecordsetType::kSnapshot, asked);
-      if (!asked.empty() && GetParam().name != "Dao") {
+      if (!asked.empty() && sent != kMaySend && GetParam().name != "Dao") {
         EXPECT_EQ(rows->FieldCount(), sent) << sql;
       }
       Strings texts;
