@@ -87,13 +87,20 @@ std::string SqliteDialect::Divide(const std::string& left, const std::string& ri
 
 std::span<const FunctionMapping> SqliteDialect::Functions() const {
   static constexpr FunctionMapping kMappings[] = {
-      {"UCASE", 1, "upper($1)"},         {"LCASE", 1, "lower($1)"},
-      {"LEN", 1, "length($1)"},          {"LEFT", 2, "substr($1, 1, $2)"},
-      {"RIGHT", 2, "substr($1, -($2))"}, {"MID", 2, "substr($1, $2)"},
-      {"MID", 3, "substr($1, $2, $3)"},  {"INSTRREV", 2, "kx_instrrev($1, $2)"},
-      {"NZ", 1, "coalesce($1, '')"},     {"NZ", 2, "coalesce($1, $2)"},
-      {"INT", 1, "CAST($1 AS INTEGER)"}, {"CLNG", 1, "CAST($1 AS INTEGER)"},
-      {"CSTR", 1, "CAST($1 AS TEXT)"},   {"NOW", 0, "datetime('now', 'localtime')"},
+      {"UCASE", 1, "upper($1)"},
+      {"LCASE", 1, "lower($1)"},
+      {"LEN", 1, "length($1)"},
+      {"LEFT", 2, "substr($1, 1, $2)"},
+      {"RIGHT", 2, "substr($1, max(length($1) - $2, 0) + 1)"},
+      {"MID", 2, "substr($1, $2)"},
+      {"MID", 3, "substr($1, $2, $3)"},
+      {"INSTRREV", 2, "kx_instrrev($1, $2)"},
+      {"NZ", 1, "coalesce($1, '')"},
+      {"NZ", 2, "coalesce($1, $2)"},
+      {"INT", 1, "(CAST($1 AS INTEGER) - ($1 < CAST($1 AS INTEGER)))"},
+      {"CLNG", 1, "CAST(round($1) AS INTEGER)"},
+      {"CSTR", 1, "CAST($1 AS TEXT)"},
+      {"NOW", 0, "datetime('now', 'localtime')"},
   };
   return kMappings;
 }

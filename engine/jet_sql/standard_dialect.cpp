@@ -114,8 +114,8 @@ std::span<const FunctionMapping> StandardDialect::Functions() const {
       {"MID", 3, "{fn SUBSTRING($1, $2, $3)}"},
       {"NZ", 1, "COALESCE($1, '')"},
       {"NZ", 2, "COALESCE($1, $2)"},
-      {"INT", 1, "CAST($1 AS INTEGER)"},
-      {"CLNG", 1, "CAST($1 AS INTEGER)"},
+      {"INT", 1, "{fn FLOOR($1)}"},
+      {"CLNG", 1, "CAST({fn ROUND($1, 0)} AS INTEGER)"},
       {"CSTR", 1, "CAST($1 AS VARCHAR(4000))"},
       {"NOW", 0, "CURRENT_TIMESTAMP"},
   };
