@@ -30,6 +30,10 @@ class Dialect {
 
   // operand = True / operand = False: any other number than 0 is true.
   virtual std::string BooleanTest(const std::string& operand, bool expected, ValueKind kind) const;
+  // Whether a condition is a value like others and a Boolean value a condition. Otherwise the one is made of
+  // the other: `number` is 1, 0 or Null.
+  virtual bool HasBooleans() const { return true; }
+  virtual std::string BooleanValue(const std::string& number) const { return number; }
   // Max and Min of a Boolean: Or and And.
   virtual std::string BooleanExtreme(const std::string& operand, bool maximum) const;
 

@@ -38,6 +38,12 @@ bool IsCall(const Expression& expression, std::string_view name, std::size_t arg
          IsKeyword(expression.text, name);
 }
 
+// Whether it is true or false by what it is, as against a value of any kind.
+bool IsCondition(const Expression& expression) {
+  const Level level = LevelOf(expression);
+  return level <= kTestLevel || expression.kind == ExpressionKind::kExists || IsCall(expression, "ISNULL", 1);
+}
+
 bool IsAggregate(const Expression& expression) {
   for (const std::string_view name : {"MAX", "MIN", "COUNT", "SUM", "AVG"}) {
     if (IsCall(expression, name, 1)) return true;
@@ -88,7 +94,7 @@ class Printer {
 
  private:
   std::string Where(const ExpressionPtr& condition) const {
-    return condition ? " WHERE " + Text(*condition) : std::string();
+    return condition ? " WHERE " + Condition(*condition) : std::string();
   }
 
   // ---- SELECT
@@ -120,7 +126,7 @@ class Printer {
   std::string SortKey(const Expression& expression) const {
     const bool first = IsCall(expression, "FIRST", 1);
     const Expression& inner = first ? *expression.args.front() : expression;
-    if (inner.kind != ExpressionKind::kColumn) return Text(expression);
+    if (inner.kind != ExpressionKind::kColumn) return Value(expression);
     return m_dialect.SortKey(Text(expression), inner.valueKind);
   }
 
@@ -152,7 +158,7 @@ class Printer {
     }
     text += Where(core.where);
     if (!core.groupBy.empty()) text += " GROUP BY " + List(core.groupBy, 0);
-    if (core.having) text += " HAVING " + Text(*core.having);
+    if (core.having) text += " HAVING " + Condition(*core.having);
     return text;
   }
 
@@ -161,7 +167,7 @@ class Printer {
     if (!item.expression) {
       return item.starQualifier.empty() ? "*" : m_dialect.Identifier(item.starQualifier) + ".*";
     }
-    return Text(*item.expression) + " AS " + m_dialect.Identifier(ColumnName(item, index));
+    return Value(*item.expression) + " AS " + m_dialect.Identifier(ColumnName(item, index));
   }
 
   std::string Table(const TableRef& table) const {
@@ -179,14 +185,31 @@ class Printer {
               : join.type == JoinType::kInner ? " INNER JOIN "
                                               : " CROSS JOIN ";
       text += Table(join.table);
-      if (join.on) text += " ON " + Text(*join.on);
+      if (join.on) text += " ON " + Condition(*join.on);
     }
     return text;
   }
 
   // ---- expressions
 
+  std::string Condition(const Expression& expression) const {
+    if (m_dialect.HasBooleans() || IsCondition(expression)) return Text(expression);
+    return m_dialect.BooleanTest(Operand(expression, kTestLevel), true, expression.valueKind);
+  }
+
+  std::string Value(const Expression& expression) const {
+    if (m_dialect.HasBooleans() || !IsCondition(expression)) return Text(expression);
+    const std::string condition = Text(expression);
+    return m_dialect.BooleanValue("CASE WHEN " + condition + " THEN 1 WHEN NOT (" + condition +
+                                  ") THEN 0 END");
+  }
+
+  // Operators that connect conditions bind less than those that take values.
   std::string Operand(const Expression& expression, Level parent) const {
+    if (!m_dialect.HasBooleans()) {
+      if (parent < kTestLevel && !IsCondition(expression)) return Condition(expression);
+      if (parent >= kTestLevel && IsCondition(expression)) return Value(expression);
+    }
     const Level level = LevelOf(expression);
     const bool brackets = parent >= kTestLevel ? level < kPrimaryLevel : level <= parent;
     return brackets ? "(" + Text(expression) + ")" : Text(expression);
@@ -196,7 +219,7 @@ class Printer {
     std::string text;
     for (std::size_t i = from; i < expressions.size(); ++i) {
       if (i > from) text += ", ";
-      text += Text(*expressions[i]);
+      text += Value(*expressions[i]);
     }
     return text;
   }
@@ -244,7 +267,7 @@ class Printer {
       case ExpressionKind::kCase:
         return Case(node);
       case ExpressionKind::kCast:
-        return "CAST(" + Text(*node.args[0]) + " AS " + node.text + ")";
+        return "CAST(" + Value(*node.args[0]) + " AS " + node.text + ")";
       case ExpressionKind::kCollate:
         return Operand(*node.args[0], kArithmeticLevel) + " COLLATE " + m_dialect.Collation(node.text);
       case ExpressionKind::kSubquery:
@@ -301,18 +324,18 @@ class Printer {
     }
     const bool maximum = IsCall(node, "MAX", 1);
     if ((maximum || IsCall(node, "MIN", 1)) && node.args[0]->valueKind == ValueKind::kBoolean) {
-      return m_dialect.BooleanExtreme(Text(*node.args[0]), maximum);
+      return m_dialect.BooleanExtreme(Value(*node.args[0]), maximum);
     }
     if (IsCall(node, "IIF", 3)) {
       const Expression& condition = *node.args[0];
       if (IsCall(condition, "ISNULL", 1) && IsSameColumn(*condition.args[0], *node.args[2])) {
         return "coalesce(" + Text(*node.args[2]) + ", " + Text(*node.args[1]) + ")";
       }
-      return "CASE WHEN " + Text(condition) + " THEN " + Text(*node.args[1]) + " ELSE " +
-             Text(*node.args[2]) + " END";
+      return "CASE WHEN " + Condition(condition) + " THEN " + Value(*node.args[1]) + " ELSE " +
+             Value(*node.args[2]) + " END";
     }
     std::vector<std::string> arguments;
-    for (const ExpressionPtr& argument : node.args) arguments.push_back(Text(*argument));
+    for (const ExpressionPtr& argument : node.args) arguments.push_back(Value(*argument));
     if (node.distinct && !arguments.empty()) arguments.front().insert(0, "DISTINCT ");
     return m_dialect.Function(node.text, arguments);
   }
@@ -320,11 +343,13 @@ class Printer {
   std::string Case(const Expression& node) const {
     std::string text = "CASE";
     std::size_t i = 0;
-    if (!node.operators.empty()) text += " " + Text(*node.args[i++]);
+    const bool hasBase = !node.operators.empty();
+    if (hasBase) text += " " + Value(*node.args[i++]);
     for (; i + 1 < node.args.size(); i += 2) {
-      text += " WHEN " + Text(*node.args[i]) + " THEN " + Text(*node.args[i + 1]);
+      text += " WHEN " + (hasBase ? Value(*node.args[i]) : Condition(*node.args[i])) + " THEN " +
+              Value(*node.args[i + 1]);
     }
-    if (node.hasElse) text += " ELSE " + Text(*node.args.back());
+    if (node.hasElse) text += " ELSE " + Value(*node.args.back());
     return text + " END";
   }
 

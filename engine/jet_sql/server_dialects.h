@@ -56,6 +56,7 @@ class StandardDialect final : public ServerDialect {
   explicit StandardDialect(char quote = '"') : ServerDialect(quote, quote) {}
 
   std::string Boolean(bool value) const override { return value ? "1" : "0"; }
+  bool HasBooleans() const override { return false; }
   std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
                    bool negated) const override;
   bool TakesMasksAsParameters() const override { return false; }

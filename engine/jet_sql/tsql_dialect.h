@@ -15,6 +15,8 @@ class TsqlDialect final : public ServerDialect {
   std::string Date(const DateTime& date) const override;
   std::string Boolean(bool value) const override { return value ? "1" : "0"; }
   std::string BooleanTest(const std::string& operand, bool expected, ValueKind kind) const override;
+  bool HasBooleans() const override { return false; }
+  std::string BooleanValue(const std::string& number) const override { return "CAST(" + number + " AS bit)"; }
   std::string BooleanExtreme(const std::string& operand, bool maximum) const override;
   std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
                    bool negated) const override;

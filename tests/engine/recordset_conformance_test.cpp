@@ -115,6 +115,17 @@ TEST_P(RecordsetConformance, ValuesHaveTheirTypes) {
   EXPECT_FALSE(recordset->Fields("Restore").Boolean());
 }
 
+TEST_P(RecordsetConformance, ConditionsAndBooleans) {
+  EXPECT_EQ(
+      Rows(*m_database, "SELECT ID FROM Catalog WHERE Restore And Not IsNull(SetNameID) ORDER BY ID < 5, ID"),
+      (Strings{"5", "4"}));
+  EXPECT_EQ(
+      Rows(*m_database,
+           "SELECT IIf(Restore,'to restore','not') FROM Catalog WHERE (Restore = IsNull(Plugin)) And ID > 3 "
+           "ORDER BY ID"),
+      (Strings{"to restore", "not"}));
+}
+
 TEST_P(RecordsetConformance, FunctionsAtTheirEdges) {
   if (GetParam().name == "OdbcSqlite") return;  // its driver lacks most of them
   EXPECT_EQ(Rows(*m_database,

@@ -17,6 +17,14 @@ TEST(TsqlDialect, Expressions) {
     const char* expected;
   } cases[] = {
       {"OrigSize = True", "[Catalog].[OrigSize] <> 0"},
+      {"Restore", "[Catalog].[Restore] = 1"},
+      {"Not Restore And (OrigSize Or True)",
+       "NOT [Catalog].[Restore] = 1 AND ([Catalog].[OrigSize] <> 0 OR 1 = 1)"},
+      {"Restore = IsNull(Plugin)",
+       "[Catalog].[Restore] = CAST(CASE WHEN ([Catalog].[Plugin] IS NULL) THEN 1 WHEN NOT "
+       "(([Catalog].[Plugin] IS NULL)) THEN 0 END AS bit)"},
+      {"IIf(Restore, 1, 2) = Len(File)",
+       "CASE WHEN [Catalog].[Restore] = 1 THEN 1 ELSE 2 END = (len([Catalog].[File] + 'x') - 1)"},
       {"Restore <> True", "[Catalog].[Restore] = 0"},
       {"DateStamp >= #3/1/2026#", "[Catalog].[DateStamp] >= '2026-03-01T00:00:00'"},
       {"File & 'x' & Plugin = ''",
@@ -40,6 +48,11 @@ TEST(TsqlDialect, Statements) {
             "INSERT INTO [SetNames] ([ID], [Name]) VALUES (-9, N'Büro ]')");
   EXPECT_EQ(ForSqlServer("SELECT TOP 5 Name FROM SetNames ORDER BY Name DESC"),
             "SELECT TOP 5 [SetNames].[Name] AS [Name] FROM [SetNames] ORDER BY [SetNames].[Name] DESC");
+  EXPECT_EQ(
+      ForSqlServer("SELECT Status = 2 AS Live FROM Catalog ORDER BY ID < 5"),
+      "SELECT CAST(CASE WHEN [Catalog].[Status] = 2 THEN 1 WHEN NOT ([Catalog].[Status] = 2) THEN 0 END "
+      "AS bit) AS [Live] FROM [Catalog] ORDER BY CAST(CASE WHEN [Catalog].[ID] < 5 THEN 1 WHEN NOT "
+      "([Catalog].[ID] < 5) THEN 0 END AS bit)");
   EXPECT_EQ(jet_sql::TsqlDialect(false).Identifier("a]b"), "[a]]b]");
 }
 
