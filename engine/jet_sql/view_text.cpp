@@ -1,8 +1,11 @@
 #include "engine/jet_sql/view_text.h"
 
+#include <algorithm>
 #include <vector>
 
+#include "base/error.h"
 #include "base/text.h"
+#include "engine/error_numbers.h"
 #include "engine/jet_sql/dialect.h"
 #include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
@@ -69,7 +72,7 @@ Piece NextPiece(std::string_view text, std::size_t start) {
   } else if (text.substr(start, 2) == "::") {
     kind = Piece::Kind::kBlank;
     end = CastEnd(text, start);
-  } else if (c == '~' || text.substr(start, 3) == "!~~") {
+  } else if (text.substr(start, 2) == "~~" || text.substr(start, 3) == "!~~") {
     kind = Piece::Kind::kMatch;
     end = std::min(text.find_first_not_of("~*", end), text.size());
   } else if ((c == 'N' || c == 'n') && text.substr(end, 1) == "'") {
@@ -100,52 +103,119 @@ std::string Unquoted(std::string_view quoted) {
   return text;
 }
 
-// 'a%b_' in the masks of the catalog's dialect, its quotes kept.
-std::string MaskOf(std::string_view literal) {
-  std::string mask;
-  for (const char c : literal) {
-    if (c == '%') {
-      mask += '*';
-    } else if (c == '_') {
-      mask += '?';
-    } else if (c == '*' || c == '?' || c == '#' || c == '[') {
-      mask += {'[', c, ']'};
-    } else {
-      mask += c;
-    }
+struct Sign {
+  char c;
+  bool escaped;
+  bool Is(char plain) const { return c == plain && !escaped; }
+};
+
+std::vector<Sign> SignsOf(std::string_view mask, char escape) {
+  std::vector<Sign> signs;
+  for (std::size_t i = 0; i < mask.size(); ++i) {
+    const bool escaped = escape != '\0' && mask[i] == escape && i + 1 < mask.size();
+    if (escaped) ++i;
+    signs.push_back({mask[i], escaped});
   }
-  return mask;
+  return signs;
 }
 
-void AppendInDialect(std::string& result, const Piece& piece, bool afterLike) {
+// 'a%b_' in the masks of the catalog's dialect, in quotes as well.
+std::string MaskOf(std::string_view literal, char escape, bool hasLists) {
+  const std::vector<Sign> signs = SignsOf(Unquoted(literal), escape);
+  std::string mask;
+  for (auto sign = signs.begin(); sign != signs.end(); ++sign) {
+    const auto close = hasLists && sign->Is('[')
+                           ? std::find_if(sign, signs.end(), [](const Sign& one) { return one.Is(']'); })
+                           : signs.end();
+    if (close != signs.end()) {
+      const bool negated = (++sign)->Is('^');
+      std::string members;
+      for (sign += negated ? 1 : 0; sign != close; ++sign) members += sign->c;
+      // A "!" in front would turn the list's meaning round.
+      if (members.starts_with('!')) std::rotate(members.begin(), members.begin() + 1, members.end());
+      mask += (negated ? "[!" : "[") + members + "]";
+    } else if (sign->Is('%')) {
+      mask += '*';
+    } else if (sign->Is('_')) {
+      mask += '?';
+    } else if (sign->c == '*' || sign->c == '?' || sign->c == '#' || sign->c == '[') {
+      mask += {'[', sign->c, ']'};
+    } else {
+      mask += sign->c;
+    }
+  }
+  return SqliteDialect(true).Text(mask);
+}
+
+void AppendInDialect(std::string& result, const Piece& piece) {
   if (piece.kind == Piece::Kind::kBlank) {
     result += IsBlank(piece.text.front()) ? piece.text : " ";
   } else if (piece.kind == Piece::Kind::kMatch) {
     result += piece.text.front() == '!' ? "Not Like" : "Like";
   } else if (piece.kind == Piece::Kind::kName && piece.text.size() > 2 && piece.text.front() != '[') {
     result += "[" + Unquoted(piece.text) + "]";
-  } else if (piece.kind == Piece::Kind::kText && afterLike) {
-    result += MaskOf(piece.text);
   } else {
     result += piece.text;
   }
 }
 
+// Reads the pieces of a text one after the other.
+class Reader {
+ public:
+  explicit Reader(std::string_view text) : m_text(text) {}
+
+  bool AtEnd() const { return m_position == m_text.size(); }
+  Piece Next() {
+    const Piece piece = NextPiece(m_text, m_position);
+    m_position += piece.text.size();
+    return piece;
+  }
+
+  // The sign of ESCAPE 'x' behind a mask, which is then read; `usual` where there is none.
+  char Escape(char usual) {
+    Reader ahead = *this;
+    const Piece word = ahead.NextNotBlank();
+    if (word.kind != Piece::Kind::kWord || !IsKeyword(word.text, "ESCAPE")) return usual;
+    const Piece sign = ahead.NextNotBlank();
+    const std::string text = sign.kind == Piece::Kind::kText ? Unquoted(sign.text) : "";
+    if (text.size() != 1) Raise(error_number::kSyntax, "Syntax error in query: ESCAPE without its sign.");
+    *this = ahead;
+    return text.front();
+  }
+
+ private:
+  Piece NextNotBlank() {
+    Piece piece{Piece::Kind::kBlank, {}};
+    while (!AtEnd() && piece.kind == Piece::Kind::kBlank) piece = Next();
+    return piece;
+  }
+
+  std::string_view m_text;
+  std::size_t m_position = 0;
+};
+
 }  // namespace
 
-std::string QueryTextOfView(std::string_view createView) {
+std::string QueryTextOfView(std::string_view createView, const LikeSigns& signs) {
   std::string result;
   std::vector<std::string> names;  // CREATE VIEW name (names) AS
   bool inBody = false, inNames = false, afterLike = false;
-  for (std::size_t position = 0; position < createView.size();) {
-    const Piece piece = NextPiece(createView, position);
-    position += piece.text.size();
-    if (inBody) {
-      AppendInDialect(result, piece, afterLike);
-      if (piece.kind != Piece::Kind::kBlank) {
-        afterLike = piece.kind == Piece::Kind::kMatch ||
-                    (piece.kind == Piece::Kind::kWord && IsKeyword(piece.text, "LIKE"));
+  for (Reader reader(createView); !reader.AtEnd();) {
+    const Piece piece = reader.Next();
+    if (inBody && afterLike && piece.kind != Piece::Kind::kBlank) {
+      // A mask that the database computes is one of its own.
+      if (piece.kind != Piece::Kind::kText) {
+        Raise(error_number::kSyntax,
+              "Syntax error in query: the mask at '" + std::string(piece.text) + "' is not a text.");
       }
+      result += MaskOf(piece.text, reader.Escape(signs.escape), signs.hasLists);
+      afterLike = false;
+      continue;
+    }
+    if (inBody) {
+      AppendInDialect(result, piece);
+      afterLike = afterLike || piece.kind == Piece::Kind::kMatch ||
+                  (piece.kind == Piece::Kind::kWord && IsKeyword(piece.text, "LIKE"));
       continue;
     }
     if (piece.text == "(") inNames = true;

@@ -120,7 +120,9 @@ std::map<std::string, Schema::StoredText> ReadStoredTexts(Session& session) {
 }
 
 std::string ViewText(Session& session, const Schema::Entry& view) {
-  return jet_sql::QueryTextOfView(Definition(session, view));
+  const ServerFacts& facts = session.Facts();
+  return jet_sql::QueryTextOfView(Definition(session, view), {.escape = facts.IsPostgres() ? '\\' : '\0',
+                                                              .hasLists = facts.IsSqlServer()});
 }
 
 std::string SavedQueryText(Session& session, std::string_view name) {

@@ -138,6 +138,17 @@ TEST_P(SavedQueryConformance, ReadsTextsOfOtherPrograms) {
   EXPECT_EQ(Rows(*m_database, "SELECT [B c] FROM NamedAgain WHERE A = 3"), (Strings{"Archive"}));
 }
 
+TEST_P(SavedQueryConformance, MasksComeBack) {
+  if (GetParam().name == "OdbcSqlite") return;  // plain SQL is asked for upper case on both sides
+  for (const char* mask : {"C:\\*", "*[_]*", "?:\\*.doc", "*''s.tx?"}) {
+    m_database->CreateQueryDef("Masked",
+                               std::string("SELECT ID FROM Catalog WHERE OrigName Like '") + mask + "'");
+    m_database->CreateQueryDef("MaskedAgain", m_database->QueryText("Masked"));
+    EXPECT_EQ(Rows(*m_database, "MaskedAgain"), Rows(*m_database, "Masked")) << mask;
+    for (const char* name : {"Masked", "MaskedAgain"}) m_database->DeleteQueryDef(name);
+  }
+}
+
 TEST_P(SavedQueryConformance, ChangesOfOthersAreSeen) {
   if (GetParam().name == "OdbcSqlite") return;  // its driver prepares for the views it has once seen
   m_workspace->BeginAction();

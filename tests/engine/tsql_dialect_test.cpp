@@ -105,6 +105,29 @@ TEST(TsqlDialect, SavedQueries) {
             "[Catalog].[File] LIKE '%N''' ESCAPE '\\'");
 }
 
+// A view's text makes the same view again.
+TEST(TsqlDialect, MasksOfViews) {
+  for (const char* mask :
+       {"*.do?", "50%_", "C:\\#[*]", "[a-c]x[!c-a]", "[^a][!-]", "a[[]b", "it''s", "Ä[ö-ü]"}) {
+    const std::string body =
+        ForSqlServer("SELECT ID FROM Catalog WHERE Not File Like '" + std::string(mask) + "'", true);
+    const std::string text = jet_sql::QueryTextOfView("CREATE VIEW V AS " + body, {.hasLists = true});
+    EXPECT_EQ(ForSqlServer(text, true), body) << text;
+  }
+  const auto maskOf = [](const std::string& mask, const jet_sql::LikeSigns& signs = {}) {
+    const std::string text =
+        jet_sql::QueryTextOfView("CREATE VIEW V AS SELECT n FROM t WHERE n LIKE " + mask, signs);
+    return text.substr(text.find("LIKE") + 5);
+  };
+  EXPECT_EQ(maskOf("'50\\%!%_*' ESCAPE '!' AND m = 1"), "'50\\*%?[*]' AND m = 1;");
+  EXPECT_EQ(maskOf("'[%!!''' ESCAPE ''''"), "'[[]*!!''';");
+  EXPECT_EQ(maskOf("'a\\_[b]'", {.escape = '\\'}), "'a_[[]b]';");
+  EXPECT_EQ(maskOf("'[!^]%'", {.hasLists = true}), "'[^!]*';");
+  for (const char* mask : {"b", "'a%' ESCAPE", "'a%' ESCAPE b", "'a%' ESCAPE 'bc'"}) {
+    testing::ExpectError(error_number::kSyntax, "", [&] { maskOf(mask); });
+  }
+}
+
 // Of two groupings the outer one goes.
 TEST(TsqlDialect, ListingOfTheLatestVersions) {
   const std::string text = ForSqlServer(
