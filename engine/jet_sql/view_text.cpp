@@ -183,6 +183,18 @@ class Reader {
     return text.front();
   }
 
+  // Reads "(ARRAY[" where it comes next.
+  bool ArrayStart() {
+    Reader ahead = *this;
+    if (ahead.NextNotBlank().text != "(" || !IsKeyword(ahead.NextNotBlank().text, "ARRAY")) return false;
+    if (!ahead.IsAt('[')) return false;
+    ++ahead.m_position;
+    *this = ahead;
+    return true;
+  }
+
+  bool IsAt(char c) const { return !AtEnd() && m_text[m_position] == c; }
+
  private:
   Piece NextNotBlank() {
     Piece piece{Piece::Kind::kBlank, {}};
@@ -194,12 +206,21 @@ class Reader {
   std::size_t m_position = 0;
 };
 
+// = ANY (ARRAY[...]) and <> ALL (ARRAY[...]), as PostgreSQL writes In and Not In; the array has begun.
+void ReplaceByIn(std::string& result, bool any) {
+  const std::string_view sign = any ? "=" : "<>";
+  while (!result.empty() && IsBlank(result.back())) result.pop_back();
+  if (!result.ends_with(sign)) Raise(error_number::kSyntax, "Syntax error in query: a list is compared.");
+  result.resize(result.size() - sign.size());
+  result += any ? "In (" : "Not In (";
+}
+
 }  // namespace
 
 std::string QueryTextOfView(std::string_view createView, const LikeSigns& signs) {
   std::string result;
   std::vector<std::string> names;  // CREATE VIEW name (names) AS
-  bool inBody = false, inNames = false, afterLike = false;
+  bool inBody = false, inNames = false, afterLike = false, inArray = false;
   for (Reader reader(createView); !reader.AtEnd();) {
     const Piece piece = reader.Next();
     if (inBody && afterLike && piece.kind != Piece::Kind::kBlank) {
@@ -213,9 +234,19 @@ std::string QueryTextOfView(std::string_view createView, const LikeSigns& signs)
       continue;
     }
     if (inBody) {
-      AppendInDialect(result, piece);
-      afterLike = afterLike || piece.kind == Piece::Kind::kMatch ||
-                  (piece.kind == Piece::Kind::kWord && IsKeyword(piece.text, "LIKE"));
+      const bool isWord = piece.kind == Piece::Kind::kWord;
+      const bool any = isWord && IsKeyword(piece.text, "ANY"), all = isWord && IsKeyword(piece.text, "ALL");
+      if ((any || all) && reader.ArrayStart()) {
+        ReplaceByIn(result, any);
+        inArray = true;
+      } else if (inArray && piece.text == "]") {
+        inArray = false;
+      } else if (piece.text.front() == '"' && reader.IsAt('(')) {
+        result += Unquoted(piece.text);  // a function that is called as a keyword is
+      } else {
+        AppendInDialect(result, piece);
+      }
+      afterLike = afterLike || piece.kind == Piece::Kind::kMatch || (isWord && IsKeyword(piece.text, "LIKE"));
       continue;
     }
     if (piece.text == "(") inNames = true;

@@ -125,7 +125,7 @@ TEST_P(SavedQueryConformance, ReadsTextsOfOtherPrograms) {
   m_test->Run(
       "CREATE VIEW \"Odd One\" AS -- the files\n  SELECT \"Catalog\".\"ID\" AS \"Order\", /* x */ Name FROM "
       "\"Catalog\" LEFT OUTER JOIN SetNames ON SetNames.ID = Catalog.SetNameID WHERE Filename LIKE "
-      "'%:__.doc'");
+      "'%:__.doc' AND Catalog.ID IN (1, 2, 3) AND Extension NOT IN ('x', 'y')");
   const std::string text = m_database->QueryText("odd one");
   EXPECT_EQ(text.substr(0, 6), "SELECT");
   EXPECT_EQ(text.find('"'), std::string::npos) << text;

@@ -123,6 +123,10 @@ TEST(TsqlDialect, MasksOfViews) {
   EXPECT_EQ(maskOf("'[%!!''' ESCAPE ''''"), "'[[]*!!''';");
   EXPECT_EQ(maskOf("'a\\_[b]'", {.escape = '\\'}), "'a_[[]b]';");
   EXPECT_EQ(maskOf("'[!^]%'", {.hasLists = true}), "'[^!]*';");
+  EXPECT_EQ(jet_sql::QueryTextOfView("CREATE VIEW V AS SELECT \"right\"(\"a b\", 2) FROM t WHERE n = ANY "
+                                     "(ARRAY['x'::text, '[]'::text]) AND m <> ALL (ARRAY[1, 2]::int[]);"),
+            "SELECT right([a b], 2) FROM t WHERE n In ('x' , '[]' ) AND m Not In (1, 2 );");
+  testing::ExpectError(error_number::kSyntax, "list", [&] { maskOf("'a' AND n > ANY (ARRAY[1])"); });
   for (const char* mask : {"b", "'a%' ESCAPE", "'a%' ESCAPE b", "'a%' ESCAPE 'bc'"}) {
     testing::ExpectError(error_number::kSyntax, "", [&] { maskOf(mask); });
   }
