@@ -10,6 +10,7 @@
 #include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/source_text.h"
 
 namespace kxrestore::engine::jet_sql {
 namespace {
@@ -215,6 +216,19 @@ void ReplaceByIn(std::string& result, bool any) {
   result += any ? "In (" : "Not In (";
 }
 
+// The catalog's own: masks and functions stay as they are.
+class CatalogDialect final : public SqliteDialect {
+ public:
+  CatalogDialect() : SqliteDialect(true) {}
+  std::string Like(const std::string& operand, const Expression& /*pattern*/, const std::string& printed,
+                   bool negated) const override {
+    return operand + (negated ? " Not Like " : " Like ") + printed;
+  }
+
+ protected:
+  std::span<const FunctionMapping> Functions() const override { return {}; }
+};
+
 }  // namespace
 
 std::string QueryTextOfView(std::string_view createView, const LikeSigns& signs) {
@@ -258,11 +272,10 @@ std::string QueryTextOfView(std::string_view createView, const LikeSigns& signs)
   while (!result.empty() && (IsBlank(result.back()) || result.back() == ';')) result.pop_back();
   result.erase(0, std::min(result.find_first_not_of(" \t\r\n\v\f"), result.size()));
   if (!names.empty()) {
-    auto statement = Parse(result);
-    auto& select = std::get<SelectStatement>(statement);
-    auto& items = select.cores.front().items;
+    Statement statement = ParseReading(result);
+    auto& items = std::get<SelectStatement>(statement).cores.front().items;
     for (std::size_t i = 0; i < names.size() && i < items.size(); ++i) items[i].alias = names[i];
-    result = Print(select, SqliteDialect(true));
+    result = Print(statement, CatalogDialect());
   }
   return result + ";";
 }

@@ -133,9 +133,9 @@ TEST_P(SavedQueryConformance, ReadsTextsOfOtherPrograms) {
   m_database->CreateQueryDef("Again", text);
   EXPECT_EQ(Rows(*m_database, "Again"), Rows(*m_database, "Odd One"));
   EXPECT_EQ(Rows(*m_database, "SELECT [Order] FROM Again ORDER BY [Order]"), (Strings{"1", "2"}));
-  m_test->Run("CREATE VIEW Named (A, \"B c\") AS SELECT ID, Name FROM SetNames;");
+  m_test->Run("CREATE VIEW Named (A, \"B c\") AS SELECT ID, Name FROM SetNames WHERE Name LIKE 'A%';");
   m_database->CreateQueryDef("NamedAgain", m_database->QueryText("Named"));
-  EXPECT_EQ(Rows(*m_database, "SELECT [B c] FROM NamedAgain WHERE A = 3"), (Strings{"Archive"}));
+  EXPECT_EQ(Rows(*m_database, "SELECT [B c] FROM NamedAgain WHERE A < 4"), (Strings{"Archive"}));
 }
 
 TEST_P(SavedQueryConformance, MasksComeBack) {

@@ -1,4 +1,5 @@
-// libFuzzer target: whatever the text, it is parsed and printed or refused, never more.
+// libFuzzer target: whatever the text, as a statement or as a view, it is parsed and printed or refused,
+// never more.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -10,6 +11,7 @@
 #include "engine/jet_sql/literals.h"
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/view_text.h"
 
 using namespace kxrestore::engine::jet_sql;
 
@@ -24,11 +26,21 @@ std::string Printed(std::string_view text, bool extracted, bool saved) {
   }
 }
 
+void ReadView(std::string_view text) {
+  for (const LikeSigns& signs : {LikeSigns{}, LikeSigns{.escape = '\\', .hasLists = true}}) {
+    try {
+      QueryTextOfView(text, signs);
+    } catch (const kxrestore::Error&) {
+    }
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   LikePattern(text.substr(0, size / 2)).Matches(text.substr(size / 2));
+  ReadView(text);
   ExtractedLiterals extracted;
   const bool usable = ExtractLiterals(text, extracted);
   const std::string direct = Printed(text, false, false);

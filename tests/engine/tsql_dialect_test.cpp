@@ -126,6 +126,12 @@ TEST(TsqlDialect, MasksOfViews) {
   EXPECT_EQ(jet_sql::QueryTextOfView("CREATE VIEW V AS SELECT \"right\"(\"a b\", 2) FROM t WHERE n = ANY "
                                      "(ARRAY['x'::text, '[]'::text]) AND m <> ALL (ARRAY[1, 2]::int[]);"),
             "SELECT right([a b], 2) FROM t WHERE n In ('x' , '[]' ) AND m Not In (1, 2 );");
+  EXPECT_EQ(
+      ForSqlServer(jet_sql::QueryTextOfView("CREATE VIEW [V] (A, [B c]) AS SELECT ID, left(Filename, 2) FROM "
+                                            "Catalog WHERE File LIKE '[^a]%'",
+                                            {.hasLists = true})),
+      "SELECT [Catalog].[ID] AS [A], left([Catalog].[Filename], 2) AS [B c] FROM [Catalog] WHERE "
+      "[Catalog].[File] LIKE '[^a]%' ESCAPE '\\'");
   testing::ExpectError(error_number::kSyntax, "list", [&] { maskOf("'a' AND n > ANY (ARRAY[1])"); });
   for (const char* mask : {"b", "'a%' ESCAPE", "'a%' ESCAPE b", "'a%' ESCAPE 'bc'"}) {
     testing::ExpectError(error_number::kSyntax, "", [&] { maskOf(mask); });
