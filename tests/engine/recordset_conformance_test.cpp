@@ -69,25 +69,25 @@ TEST_P(RecordsetConformance, ColumnsThatNobodyReads) {
       {"SELECT Catalog.ID, SetNames.* FROM SetNames INNER JOIN Catalog ON Catalog.SetNameID = SetNames.ID",
        {"ID"},
        2}};
-  for (const auto& [sql, read, sent] : cases) {
+  for (const auto& one : cases) {
     const auto readAll = [&](const ColumnNames& asked) {
-      const auto rows = m_database->OpenRecordset(sql, RecordsetType::kSnapshot, asked);
-      if (!asked.empty() && sent != kMaySend && GetParam().name != "Dao") {
-        EXPECT_EQ(rows->FieldCount(), sent) << sql;
+      const auto rows = m_database->OpenRecordset(one.sql, RecordsetType::kSnapshot, asked);
+      if (!asked.empty() && one.sent != kMaySend && GetParam().name != "Dao") {
+        EXPECT_EQ(rows->FieldCount(), one.sent) << one.sql;
       }
       Strings texts;
       for (; !rows->Eof(); rows->MoveNext()) {
         std::string& text = texts.emplace_back();
-        for (const std::string_view name : read) text += rows->Fields(name).Text() + "|";
+        for (const std::string_view name : one.read) text += rows->Fields(name).Text() + "|";
       }
-      if (std::string_view(sql).find("ORDER BY") == std::string_view::npos) {
+      if (std::string_view(one.sql).find("ORDER BY") == std::string_view::npos) {
         std::sort(texts.begin(), texts.end());
       }
       return texts;
     };
     const Strings all = readAll({});
-    EXPECT_FALSE(all.empty()) << sql;
-    EXPECT_EQ(readAll(read), all) << sql;
+    EXPECT_FALSE(all.empty()) << one.sql;
+    EXPECT_EQ(readAll(one.read), all) << one.sql;
   }
   ExpectError(error_number::kParameterMissing, "Nothing", [&] {
     m_database->OpenRecordset("SELECT ID, Nothing FROM Catalog", RecordsetType::kSnapshot, {"ID"});

@@ -52,8 +52,8 @@ TEST_F(SqliteFile, WhatIsNoCatalogIsToldApart) {
                {error_number::kCannotCreateObject, "new.accdb", "\0\1\0\0Standard ACE DB\0 and more"s},
                {error_number::kDamaged, "header.db", "SQLite format 3\0"s},
                {error_number::kDamaged, "garbage.db", "SQLite format 3\0"s + std::string(8000, '\xA5')}};
-  for (const auto& [number, name, content] : files) {
-    ExpectError(number, name, [&] { Open(Write(name, content)); });
+  for (const auto& file : files) {
+    ExpectError(file.number, file.name, [&] { Open(Write(file.name, file.content)); });
   }
   const std::string missing = m_folder.File("missing.db");
   ExpectError(error_number::kFileNotFound, "missing.db", [&] { Open(missing); });
