@@ -3,10 +3,14 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "engine/error_numbers.h"
 #include "engine/jet_sql/lexer.h"
 
 namespace kxrestore::engine::jet_sql {
 namespace {
+
+// Some dialects say a thing by repeating its operand, which doubles the text with every level.
+constexpr std::size_t kLongestExpression = 1'000'000;
 
 // How tightly a node binds; a child that binds no tighter than its parent needs brackets.
 enum Level { kOrLevel = 1, kAndLevel, kNotLevel, kTestLevel, kArithmeticLevel, kPrimaryLevel };
@@ -38,10 +42,14 @@ bool IsCall(const Expression& expression, std::string_view name, std::size_t arg
          IsKeyword(expression.text, name);
 }
 
+bool IsNeverNull(const Expression& condition) {
+  return condition.kind == ExpressionKind::kIsNull || condition.kind == ExpressionKind::kExists ||
+         IsCall(condition, "ISNULL", 1);
+}
+
 // Whether it is true or false by what it is, as against a value of any kind.
 bool IsCondition(const Expression& expression) {
-  const Level level = LevelOf(expression);
-  return level <= kTestLevel || expression.kind == ExpressionKind::kExists || IsCall(expression, "ISNULL", 1);
+  return LevelOf(expression) <= kTestLevel || IsNeverNull(expression);
 }
 
 bool IsAggregate(const Expression& expression) {
@@ -200,6 +208,8 @@ class Printer {
   std::string Value(const Expression& expression) const {
     if (m_dialect.HasBooleans() || !IsCondition(expression)) return Text(expression);
     const std::string condition = Text(expression);
+    if (IsNeverNull(expression))
+      return m_dialect.BooleanValue("CASE WHEN " + condition + " THEN 1 ELSE 0 END");
     return m_dialect.BooleanValue("CASE WHEN " + condition + " THEN 1 WHEN NOT (" + condition +
                                   ") THEN 0 END");
   }
@@ -225,6 +235,15 @@ class Printer {
   }
 
   std::string Text(const Expression& node) const {
+    std::string text = AnyText(node);
+    if (text.size() > kLongestExpression) {
+      Raise(error_number::kSyntax,
+            "Expression too complex in query expression '" + std::string(LeftCharacters(text, 100)) + "'.");
+    }
+    return text;
+  }
+
+  std::string AnyText(const Expression& node) const {
     switch (node.kind) {
       case ExpressionKind::kNull:
         return "NULL";

@@ -91,7 +91,7 @@ std::span<const FunctionMapping> SqliteDialect::Functions() const {
       {"LCASE", 1, "lower($1)"},
       {"LEN", 1, "length($1)"},
       {"LEFT", 2, "substr($1, 1, $2)"},
-      {"RIGHT", 2, "substr($1, max(length($1) - $2, 0) + 1)"},
+      {"RIGHT", 2, "substr($1, -($2), $2)"},
       {"MID", 2, "substr($1, $2)"},
       {"MID", 3, "substr($1, $2, $3)"},
       {"INSTRREV", 2, "kx_instrrev($1, $2)"},
