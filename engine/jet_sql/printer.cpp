@@ -208,8 +208,9 @@ class Printer {
   std::string Value(const Expression& expression) const {
     if (m_dialect.HasBooleans() || !IsCondition(expression)) return Text(expression);
     const std::string condition = Text(expression);
-    if (IsNeverNull(expression))
+    if (IsNeverNull(expression)) {
       return m_dialect.BooleanValue("CASE WHEN " + condition + " THEN 1 ELSE 0 END");
+    }
     return m_dialect.BooleanValue("CASE WHEN " + condition + " THEN 1 WHEN NOT (" + condition +
                                   ") THEN 0 END");
   }
