@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <string>
+#include <utility>
 
 namespace kxrestore {
 
@@ -22,6 +23,10 @@ class Error : public std::exception {
   std::string m_description;
   std::string m_source;
 };
+
+// The exception being handled, as an Error: error 7 for lack of memory, error 51 for any other foreign
+// exception. Call it in a catch block only.
+Error CurrentError();
 
 // Numbers that code outside the engine raises or asks for. The engine's own stand in engine/error_numbers.h.
 namespace error_number {

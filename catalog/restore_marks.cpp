@@ -19,11 +19,6 @@ void Mark(engine::Recordset& rows, engine::Field& restore, bool value) {
   rows.Update();
 }
 
-void ClearAllMarks(engine::Database& database) {
-  database.Execute("UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));",
-                   engine::kFailOnError);
-}
-
 }  // namespace
 
 RestoreMarks::RestoreMarks(engine::Workspace& workspace, const ConnectionSettings& settings,
@@ -31,24 +26,23 @@ RestoreMarks::RestoreMarks(engine::Workspace& workspace, const ConnectionSetting
     : m_workspace(workspace), m_settings(settings), m_current(current), m_report(std::move(report)) {}
 
 template <typename Operation, typename Tag>
-bool RestoreMarks::Run(Operation operation, Tag tag) {
+MarkResult RestoreMarks::Run(Operation operation, Tag tag) {
   try {
-    operation();
-    return true;
-  } catch (const Error& error) {
-    m_report(error, tag());
-    return false;
+    return operation() ? MarkResult::kDone : MarkResult::kNoRow;
+  } catch (...) {
+    m_report(CurrentError(), tag());
+    return MarkResult::kFailed;
   }
 }
 
-bool RestoreMarks::UpdateByID(std::int32_t id) {
+MarkResult RestoreMarks::UpdateByID(std::int32_t id) {
   return Run(
       [&] {
         const auto database = OpenCatalog(m_workspace, m_settings);
         m_sql = "UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=";
         AppendNumber(m_sql, id);
         m_sql += "));";
-        database->Execute(m_sql, engine::kFailOnError);
+        return database->Execute(m_sql, engine::kFailOnError) > 0;
       },
       [&] { return "UpdateByID(" + std::to_string(id) + ")"; });
 }
@@ -64,8 +58,8 @@ void RestoreMarks::BeginSelect(std::string_view columns, std::int32_t setNameId,
   m_sql.append(extension.empty() ? std::string_view(m_current.extension) : extension);
 }
 
-bool RestoreMarks::UpdateSelectionByFile(std::string_view fileName, bool restoreValue, std::int32_t setNameId,
-                                         std::string_view extension) {
+MarkResult RestoreMarks::UpdateSelectionByFile(std::string_view fileName, bool restoreValue,
+                                               std::int32_t setNameId, std::string_view extension) {
   return Run(
       [&] {
         BeginSelect(
@@ -78,17 +72,23 @@ bool RestoreMarks::UpdateSelectionByFile(std::string_view fileName, bool restore
             database->OpenRecordset(m_sql, engine::RecordsetType::kDynaset, {"File", "Restore"});
         const auto file = rows->Fields("File");
         auto restore = rows->Fields("Restore");
+        bool found = false;
         for (; !rows->Eof(); rows->MoveNext()) {
-          if (!file.IsNull() && file.TextView() == fileName) Mark(*rows, restore, restoreValue);
+          const engine::ValueView value = file.Value();
+          const auto* text = std::get_if<std::string_view>(&value);
+          if (text == nullptr || *text != fileName) continue;
+          Mark(*rows, restore, restoreValue);
+          found = true;
         }
         rows->Close();
         database->Close();
+        return found;
       },
       [] { return "UpdateSelection"; });
 }
 
-bool RestoreMarks::UpdateSelectionByFileName(std::string_view fileName, bool restoreValue,
-                                             std::int32_t setNameId, std::string_view extension) {
+MarkResult RestoreMarks::UpdateSelectionByFileName(std::string_view fileName, bool restoreValue,
+                                                   std::int32_t setNameId, std::string_view extension) {
   return Run(
       [&] {
         BeginSelect("Catalog.Restore, LongPaths.LongPath ", setNameId, extension);
@@ -97,21 +97,33 @@ bool RestoreMarks::UpdateSelectionByFileName(std::string_view fileName, bool res
         m_sql += "')); ";
         const auto database = OpenCatalog(m_workspace, m_settings);
         const auto rows = database->OpenRecordset(m_sql, engine::RecordsetType::kDynaset, {"Restore"});
-        if (!rows->Eof()) {
-          auto restore = rows->Fields("Restore");
-          Mark(*rows, restore, restoreValue);
-        }
-        // The mark is written; what closing has to say changes nothing. Destruction closes without a word.
+        if (rows->Eof()) return false;
+        auto restore = rows->Fields("Restore");
+        Mark(*rows, restore, restoreValue);
+        // The mark is written; an error while closing changes nothing about it. Destruction closes silently.
+        return true;
       },
       [] { return "UpdateSelection"; });
 }
 
-bool RestoreMarks::CancelAll() {
-  return Run([&] { ClearAllMarks(*OpenCatalog(m_workspace, m_settings)); }, [] { return "CancelAll"; });
+MarkResult RestoreMarks::CancelAll() {
+  return ClearAll("CancelAll");
 }
 
-bool RestoreMarks::ClearSelections() {
-  return Run([&] { ClearAllMarks(*OpenCatalog(m_workspace, m_settings)); }, [] { return "ClearSelections"; });
+MarkResult RestoreMarks::ClearSelections() {
+  return ClearAll("ClearSelections");
+}
+
+MarkResult RestoreMarks::ClearAll(const char* tag) {
+  return Run(
+      [&] {
+        OpenCatalog(m_workspace, m_settings)
+            ->Execute("UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));",
+                      engine::kFailOnError);
+        m_workspace.Flush();
+        return true;
+      },
+      [&] { return tag; });
 }
 
 }  // namespace kxrestore::catalog

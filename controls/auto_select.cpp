@@ -18,10 +18,9 @@ struct AutoSelect::Store {
 
   struct Record {
     const char* names;  // the shown name, then the stored one; where one ends the other, the longer of them
-    std::int64_t size, time;
+    std::int64_t size, time, setId;
     std::uint32_t nameLength, storedLength;
     std::uint32_t extension, setName, date;  // numbers in `pool`
-    std::int32_t setId;
     std::uint8_t flags;
   };
 
@@ -40,7 +39,7 @@ struct AutoSelect::Store {
   std::vector<bool> ticks;
   TextArena texts;
   TextPool pool;
-  std::unordered_map<std::int32_t, Group> groups;  // of file types, by their number
+  std::unordered_map<std::int64_t, Group> groups;  // of file types, by their number
 };
 
 void AutoSelect::Store::Add(const Entry& entry, bool ticked) {
@@ -151,7 +150,8 @@ void AutoSelect::SetCurrent(std::size_t number) {
 }
 
 std::int16_t AutoSelect::SetId() const {
-  const std::int32_t setId = At(m_current).setId;
+  const std::int64_t setId = At(m_current).setId;
+  if (setId == kNoSetId) ThrowTypeMismatch();
   if (setId < std::numeric_limits<std::int16_t>::min() || setId > std::numeric_limits<std::int16_t>::max()) {
     ThrowOverflow();
   }
@@ -177,7 +177,7 @@ void AutoSelect::SetTicked(std::size_t number, bool ticked) {
     return;
   }
   m_store->Tick(number, ticked);
-  const std::int32_t group = m_store->records[number - 1].setId;
+  const std::int64_t group = m_store->records[number - 1].setId;
   for (std::size_t member = 1; member <= m_store->Count(); ++member) {
     if (member != number && m_store->records[member - 1].setId == group) m_store->Tick(member, ticked);
   }

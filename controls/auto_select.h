@@ -17,6 +17,7 @@ namespace kxrestore::controls {
 class AutoSelect : public Control {
  public:
   static constexpr std::int64_t kNoTime = std::numeric_limits<std::int64_t>::min();
+  static constexpr std::int64_t kNoSetId = std::numeric_limits<std::int64_t>::min();
 
   // What one entry stands for. Texts handed out are valid until the list is cleared.
   struct Entry {
@@ -24,7 +25,7 @@ class AutoSelect : public Control {
     std::int64_t size = 0;  // bytes; for a file type the number of its files
     bool sizeKnown = true;
     std::string_view extension;  // of the run; for a file type its description
-    std::int32_t setId = 0;      // for a file type the number of its group, 0 when it has none
+    std::int64_t setId = 0;  // kNoSetId when it is no number; of a file type its group, 0 when it has none
     std::string_view setName;
     std::int64_t time = kNoTime;  // platform::TimeNumber of the date
     std::string_view date;        // what stands in place of a date that is none
@@ -50,7 +51,7 @@ class AutoSelect : public Control {
   std::string_view FileName() const { return At(m_current).name; }
   std::string_view StoredName() const { return At(m_current).storedName; }
   std::string_view Extension() const { return At(m_current).extension; }
-  std::int16_t SetId() const;  // error 6 beyond 16 bit
+  std::int16_t SetId() const;  // error 6 beyond 16 bit, 13 when it is no number
 
   Entry At(std::size_t number) const;
   bool TickedAt(std::size_t number) const;

@@ -11,6 +11,9 @@ namespace kxrestore::controls {
 [[noreturn]] inline void ThrowSubscriptOutOfRange() {
   throw Error(error_number::kSubscriptOutOfRange, "Subscript out of range");
 }
+[[noreturn]] inline void ThrowTypeMismatch() {
+  throw Error(error_number::kTypeMismatch, "Type mismatch");
+}
 [[noreturn]] inline void ThrowObjectVariableNotSet() {
   throw Error(error_number::kObjectVariableNotSet, "Object variable or With block variable not set");
 }

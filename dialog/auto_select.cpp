@@ -71,39 +71,34 @@ void AutoSelectPanel::cmdAuto_Click(int index) {
 }
 
 void AutoSelectPanel::ApplyAutoSelect() {
-  m_context.Reporting("ApplyAutoSelect", [this] {
-    if (MarkTypes(m_context.ui.asFiles.TickedTypes()) != Outcome::kStopped)
-      m_restoreList.ListCurrentSelections();
-  });
+  MarkingWalk walk(m_context, "ApplyAutoSelect");
+  const auto markTypes = [&] { MarkTypes(walk, m_context.ui.asFiles.TickedTypes()); };
+  if (walk.Run(markTypes) == MarkingWalk::End::kDone) m_restoreList.ListCurrentSelections();
 }
 
-AutoSelectPanel::Outcome AutoSelectPanel::MarkTypes(std::string_view types) {
-  FormContext::Walk walk(m_context);
-  // Each type ends in ";"; text behind the last one is no type.
+void AutoSelectPanel::MarkTypes(MarkingWalk& walk, std::string_view types) {
+  const LookIn lookIn = ReadLookIn(m_context, m_setTree, m_context.ui.optLookIn[2]);
+  // Each type ends in ";"; text after the last one is no type.
   for (auto end = types.find(';'); end != std::string_view::npos; end = types.find(';')) {
-    if (m_context.parameters.StopRequested) return Outcome::kStopped;
-    const Outcome outcome = MarkType(walk, std::string("*").append(types.substr(0, end)));
-    if (outcome != Outcome::kDone) return outcome;
+    if (walk.Stopped() || walk.IsHopeless()) return;
+    MarkType(walk, lookIn, std::string("*").append(types.substr(0, end)));
     types.remove_prefix(end + 1);
   }
-  return Outcome::kDone;
 }
 
-AutoSelectPanel::Outcome AutoSelectPanel::MarkType(FormContext::Walk& walk, std::string_view pattern) {
-  FormControls& ui = m_context.ui;
-  const bool latest = ui.chk2.Value() == 1;
+void AutoSelectPanel::MarkType(MarkingWalk& walk, const LookIn& lookIn, std::string_view pattern) {
+  const bool latest = m_context.ui.chk2.Value() == 1;
   m_context.choice.m_strExtension = pattern;
-  const LookIn lookIn = ReadLookIn(m_context, m_setTree, ui.optLookIn[2]);
   const auto database = m_context.OpenCatalog();
   const auto rows = OpenListing(m_context, *database, lookIn, latest, pattern, {"ID"});
   const engine::Field id = rows->Fields("ID");
-  for (; !rows->Eof(); rows->MoveNext()) {
-    if (!walk.Next()) return Outcome::kStopped;
-    if (!m_context.marks.UpdateByID(Long(id))) return Outcome::kFailed;
+  while (!rows->Eof() && !walk.Stopped()) {
+    walk.Mark(0, [&] { return m_context.marks.UpdateByID(ToLong(id.Integer())); });
+    rows->MoveNext();
+    walk.Next();
   }
   rows->Close();
   database->Close();
-  return Outcome::kDone;
 }
 
 }  // namespace kxrestore::dialog

@@ -5,6 +5,8 @@
 #include <string_view>
 
 #include "dialog/form_context.h"
+#include "dialog/listing.h"
+#include "dialog/marking_walk.h"
 #include "dialog/restore_list.h"
 #include "dialog/set_tree.h"
 
@@ -26,9 +28,8 @@ class AutoSelectPanel {
   void ApplyAutoSelect();
 
  private:
-  enum class Outcome { kDone, kStopped, kFailed };  // kFailed: reported already
-  Outcome MarkTypes(std::string_view types);
-  Outcome MarkType(FormContext::Walk& walk, std::string_view pattern);
+  void MarkTypes(MarkingWalk& walk, std::string_view types);
+  void MarkType(MarkingWalk& walk, const LookIn& lookIn, std::string_view pattern);
 
   FormContext& m_context;
   SetTree& m_setTree;

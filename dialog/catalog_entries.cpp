@@ -1,12 +1,24 @@
 #include "dialog/catalog_entries.h"
 
 #include "catalog/text_routines.h"
+#include "dialog/listing.h"
 
 namespace kxrestore::dialog {
 
 namespace {
 
-// A field's text without a copy where it is text already.
+// The number in a field; nothing where there is none.
+std::optional<std::int64_t> NumberOf(const engine::Field& field) {
+  if (field.IsNull()) return std::nullopt;
+  try {
+    return field.Integer();
+  } catch (const Error&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace
+
 std::string_view TextOf(const engine::Field& field, std::string& buffer) {
   const engine::ValueView value = field.Value();
   if (const auto* text = std::get_if<std::string_view>(&value)) return *text;
@@ -14,7 +26,11 @@ std::string_view TextOf(const engine::Field& field, std::string& buffer) {
   return buffer;
 }
 
-}  // namespace
+std::int32_t SetIdOf(const controls::AutoSelect::Entry& entry) {
+  if (entry.setId == controls::AutoSelect::kNoSetId)
+    throw Error(error_number::kTypeMismatch, "Type mismatch");
+  return ToLong(entry.setId);
+}
 
 std::optional<platform::CivilTime> CivilTimeOf(const engine::ValueView& value) {
   const auto date = engine::ToDateTime(value);
@@ -53,17 +69,21 @@ CatalogEntries::CatalogEntries(engine::Recordset& rows, std::string_view nameCol
       m_file(rows.Fields("File")),
       m_plugin(rows.Fields("Plugin")) {}
 
-void CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticked) {
+std::size_t CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticked) {
   std::string buffers[7];
   const std::string_view file = TextOf(m_file, buffers[0]);
+  const std::string_view filename = TextOf(m_filename, buffers[5]);
   const auto aggregate = AggregateName(TextOf(m_plugin, buffers[1]), file);
 
   controls::AutoSelect::Entry entry;
   entry.name = aggregate ? std::string_view(*aggregate) : TextOf(m_name, buffers[2]);
-  entry.sizeKnown = !m_size.IsNull();
-  entry.size = m_size.Integer();
+  if (entry.name.empty()) entry.name = filename;
+  const auto size = NumberOf(m_size);
+  entry.sizeKnown = size.has_value();
+  entry.size = size.value_or(0);
   entry.extension = TextOf(m_extension, buffers[3]);
-  entry.setId = static_cast<std::int32_t>(m_setId.Integer());
+  // No set is set 0, as it is for the statements that mark.
+  entry.setId = m_setId.IsNull() ? 0 : NumberOf(m_setId).value_or(controls::AutoSelect::kNoSetId);
   entry.setName = TextOf(m_setName, buffers[4]);
   if (const auto time = CivilTimeOf(m_date.Value())) {
     entry.time = platform::TimeNumber(*time);
@@ -71,8 +91,8 @@ void CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticked) {
     entry.date = TextOf(m_date, buffers[6]);
   }
   // Whatever is named like an aggregate is marked like one.
-  entry.storedName = IsAggregateName(entry.name) ? file : TextOf(m_filename, buffers[5]);
-  list.Add(entry, ticked);
+  entry.storedName = IsAggregateName(entry.name) ? file : filename;
+  return list.Add(entry, ticked);
 }
 
 }  // namespace kxrestore::dialog

@@ -26,6 +26,12 @@ std::optional<std::string> AggregateName(std::string_view plugin, std::string_vi
 // Filename.
 bool IsAggregateName(std::string_view name);
 
+// The set of an entry as marking takes it: error 6 beyond 32 bits, 13 when the catalog holds no number there.
+std::int32_t SetIdOf(const controls::AutoSelect::Entry& entry);
+
+// A field's text, whatever its type; `buffer` holds it where it is no text already.
+std::string_view TextOf(const engine::Field& field, std::string& buffer);
+
 // A date of the catalog; nothing for what is no date.
 std::optional<platform::CivilTime> CivilTimeOf(const engine::ValueView& value);
 
@@ -38,7 +44,9 @@ class CatalogEntries {
 
   CatalogEntries(engine::Recordset& rows, std::string_view nameColumn, std::string_view setNameColumn);
 
-  void AddCurrentRow(controls::AutoSelect& list, bool ticked);
+  // Returns the new entry's number. A value that is not what its column should hold costs only itself: a size
+  // that is no number is not shown, a set that is none cannot be marked.
+  std::size_t AddCurrentRow(controls::AutoSelect& list, bool ticked);
 
  private:
   engine::Field m_name, m_size, m_extension, m_setId, m_setName, m_date, m_filename, m_file, m_plugin;

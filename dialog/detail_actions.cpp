@@ -12,7 +12,7 @@ DetailActions::DetailActions(FormContext& context) : m_context(context) {
   auto& buttons = m_context.ui.cmdAction;
   for (int index = 0; index < static_cast<int>(buttons.size()); ++index) {
     buttons[static_cast<std::size_t>(index)].Click = [this, index] {
-      m_context.Command("cmdAction.Click", [&] { cmdAction_Click(index); });
+      m_context.Command("cmdAction.Click", [this, index] { cmdAction_Click(index); });
     };
   }
 }
@@ -37,34 +37,40 @@ void DetailActions::cmdAction_Click(int index) {
 }
 
 void DetailActions::AddToSetSelections() {
+  controls::Label& lblTreeCount = m_context.ui.lblTreeCount;
+  lblTreeCount.SetVisible(true);
+  MarkingWalk walk(m_context, "AddToSetSelections");
+  if (walk.Run([&] { MarkTicked(walk); }) == MarkingWalk::End::kStopped) return;
+  ListCurrentSelections();
+  lblTreeCount.SetVisible(false);
+}
+
+void DetailActions::MarkTicked(MarkingWalk& walk) {
   FormControls& ui = m_context.ui;
-  m_context.Reporting("AddToSetSelections", [&] {
-    ui.lblTreeCount.SetVisible(true);
-    std::string caption;
-    // Not a 16-bit count: a run of a million files has to be applied whole.
-    std::int64_t scanned = 0;
-    {
-      FormContext::Walk walk(m_context);
-      const int count = static_cast<int>(ui.tvwDetails.Count());
-      for (int index = 1; index <= count; ++index) {
-        if (!walk.Next()) return;
-        const controls::Node node = ui.tvwDetails.Item(index);
-        const std::string_view tag = node.Tag();
-        if (tag.empty()) continue;
-        char digits[24];
-        caption.assign("Scanning ");
-        caption.append(digits, std::to_chars(digits, digits + sizeof digits, ++scanned).ptr);
-        ui.lblTreeCount.SetCaption(caption);
-        if (!node.Checked()) continue;
-        const bool marked = node.Text() == kMailServer
-                                ? m_context.marks.UpdateSelectionByFile(tag, true, 0, "")
-                                : m_context.marks.UpdateSelectionByFileName(tag, true, 0, "");
-        if (!marked) break;  // reported; every further one would fail the same way
-      }
+  catalog::RestoreMarks& marks = m_context.marks;
+  std::string caption;
+  // Not a 16-bit count: a run of a million files has to be applied whole.
+  std::int64_t scanned = 0;
+  const int count = static_cast<int>(ui.tvwDetails.Count());
+  for (int index = 1; index <= count; ++index) {
+    if (!walk.IsHopeless() && !walk.Next()) return;
+    const controls::Node node = ui.tvwDetails.Item(index);
+    const std::string_view tag = node.Tag();
+    if (tag.empty()) {
+      // A file that the catalog stores without a name; folders and headings have something below them.
+      if (node.Checked() && !node.HasChildren()) walk.CannotMark(static_cast<std::size_t>(index));
+      continue;
     }
-    ListCurrentSelections();
-    ui.lblTreeCount.SetVisible(false);
-  });
+    char digits[24];
+    caption.assign("Scanning ");
+    caption.append(digits, std::to_chars(digits, digits + sizeof digits, ++scanned).ptr);
+    ui.lblTreeCount.SetCaption(caption);
+    if (!node.Checked()) continue;
+    walk.Mark(static_cast<std::size_t>(index), [&] {
+      return node.Text() == kMailServer ? marks.UpdateSelectionByFile(tag, true, 0, "")
+                                        : marks.UpdateSelectionByFileName(tag, true, 0, "");
+    });
+  }
 }
 
 // Every top node with its subtree: a run has several, one a drive and one a plug-in.

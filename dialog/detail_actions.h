@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "dialog/form_context.h"
+#include "dialog/marking_walk.h"
 
 namespace kxrestore::dialog {
 
@@ -21,6 +22,7 @@ class DetailActions {
   void ExpandAllDetails(bool expand);
 
  private:
+  void MarkTicked(MarkingWalk& walk);
   void ClearAll();
 
   FormContext& m_context;

@@ -1,17 +1,9 @@
 #include "dialog/form_context.h"
 
-#include <new>
-
 #include "engine/error_numbers.h"
 #include "platform/desktop.h"
 
 namespace kxrestore::dialog {
-
-namespace {
-
-constexpr int kInternalError = 51;
-
-}  // namespace
 
 FormContext::FormContext(Parameters& parametersOfRun, FormControls& controlsOfForm,
                          platform::Platform& platformOfHost, engine::Workspace& workspaceOfHost)
@@ -20,41 +12,41 @@ FormContext::FormContext(Parameters& parametersOfRun, FormControls& controlsOfFo
       platform(platformOfHost),
       workspace(workspaceOfHost),
       marks(workspace, connection, shownRun,
-            [this](const Error& error, const std::string& routine) { ReportError(error, routine); }) {}
+            [this](const Error& error, const std::string& routine) { onMarkError(error, routine); }),
+      onMarkError([this](const Error& error, const std::string& routine) { ReportError(error, routine); }) {}
 
-Error FormContext::Caught() {
-  try {
-    throw;
-  } catch (const Error& error) {
-    return error;
-  } catch (const std::bad_alloc&) {
-    return {error_number::kOutOfMemory, "Out of memory"};
-  } catch (const std::exception& exception) {
-    return {kInternalError, std::string("Internal error: ") + exception.what()};
-  } catch (...) {
-    return {kInternalError, "Internal error"};
-  }
+bool FormContext::IsStop(const Error& error) const {
+  return error.Number() == engine::error_number::kCanceled && Stopped();
 }
 
 void FormContext::ReportError(const Error& error, const std::string& routine) {
-  if (error.Number() == engine::error_number::kCanceled) return;  // the user knows
+  if (IsStop(error)) return;
   const auto commit = [this] { workspace.Flush(); };
   const std::optional<Error> second = Trap(commit);
-  const auto show = [&](const Error& shown) {
-    Skipping([&] {
-      std::string text("(");
-      text.append(std::to_string(shown.Number())).append(") ").append(shown.Description());
-      platform.desktop.MessageBox(text, platform::kExclamation, routine);
-    });
-  };
-  show(error);
+  ShowError(error, routine);
+  if (!second) return;
   // Marks that could not be committed are lost; that is news of its own.
-  if (second && second->Number() != error.Number()) show(*second);
+  m_commitLost = true;
+  if (second->Number() != error.Number()) ShowError(*second, routine);
+}
+
+void FormContext::ShowError(const Error& error, const std::string& routine) {
+  Skipping([&] {
+    std::string text("(");
+    text.append(std::to_string(error.Number())).append(") ").append(error.Description());
+    platform.desktop.MessageBox(text, platform::kExclamation, routine);
+  });
 }
 
 int FormContext::MessageBox(const std::string& text, int style, const std::string& title) {
-  workspace.Flush();
+  Commit(m_routine);
   return platform.desktop.MessageBox(text, style, title);
+}
+
+bool FormContext::Commit(const std::string& routine) {
+  const bool committed = Reporting(routine, [this] { workspace.Flush(); });
+  if (!committed) m_commitLost = true;
+  return committed;
 }
 
 void FormContext::DoEvents() {
@@ -62,51 +54,64 @@ void FormContext::DoEvents() {
   workspace.Idle();
 }
 
-void FormContext::EnterWalk() {
-  if (m_walks++ > 0) return;
+void FormContext::EnterEvent(const std::string& routine) {
+  if (m_events++ > 0) return;
+  m_routine = routine;
+  Skipping([this] { workspace.BeginAction(); });
   workspace.SetWaiting([this] {
     platform.desktop.DoEvents();
-    return !parameters.StopRequested;
+    return !Stopped();
   });
 }
 
-void FormContext::LeaveWalk() {
-  if (--m_walks > 0) return;
-  parameters.StopRequested = false;
-  workspace.SetWaiting({});
+void FormContext::LeaveEvent() {
+  if (m_events == 1) {
+    if (!Reporting(m_routine, [this] { workspace.EndAction(); })) m_commitLost = true;
+    workspace.SetWaiting({});
+    parameters.StopRequested = false;
+  }
+  if (--m_events > 0 || m_runningPutOff) return;
+  RunWhatWasPutOff();
 }
 
-void FormContext::EnterEvent() {
-  ++m_events;
+// Steps that come in meanwhile are taken, too, one after the other.
+void FormContext::RunWhatWasPutOff() {
+  m_runningPutOff = true;
+  if (std::exchange(m_commitLost, false) && ListMarksAnew) Event(m_routine, [this] { ListMarksAnew(); });
+  while (m_putOff && ui.form.IsOpen()) {
+    const auto step = std::exchange(m_putOff, nullptr);
+    Skipping(step);
+    if (std::exchange(m_commitLost, false) && ListMarksAnew) Event(m_routine, [this] { ListMarksAnew(); });
+  }
+  m_putOff = nullptr;
+  m_runningPutOff = false;
+}
+
+bool FormContext::RaiseToHost(const std::string& routine, const std::function<void()>& event, bool evenThen) {
+  const bool committed = Reporting(routine, [this] { workspace.EndAction(); });
+  if (!committed) m_commitLost = true;
+  const bool raised = committed || evenThen;
+  if (raised) {
+    m_hostHasControl = true;
+    Skipping(event);
+    m_hostHasControl = false;
+  }
   Skipping([this] { workspace.BeginAction(); });
-}
-
-void FormContext::LeaveEvent(const std::string& routine) {
-  Reporting(routine, [this] { workspace.EndAction(); });
-  if (--m_events > 0 || !m_afterUnwinding) return;
-  const auto step = std::exchange(m_afterUnwinding, nullptr);
-  if (ui.form.IsOpen()) Skipping(step);
-}
-
-void FormContext::RaiseToHost(const std::string& routine, const std::function<void()>& event) {
-  if (!event) return;
-  Reporting(routine, [this] { workspace.EndAction(); });
-  m_hostHasControl = true;
-  Skipping(event);
-  m_hostHasControl = false;
-  Skipping([this] { workspace.BeginAction(); });
+  return raised;
 }
 
 bool FormContext::Stop() {
-  if (m_walks == 0) return false;
+  if (!Busy() || m_hostHasControl) return false;
   parameters.StopRequested = true;
+  m_putOff = nullptr;
   return true;
 }
 
 void FormContext::StopThen(std::function<void()> step) {
+  if (m_hostHasControl) return;
   if (Stop()) {
-    m_afterUnwinding = std::move(step);
-  } else if (m_events == 0) {
+    PutOff(std::move(step));
+  } else {
     step();
   }
 }

@@ -2,7 +2,7 @@
 // current choice, and the ways to run an event, trap an error and walk over many items.
 //
 // Every event of a control comes in through Event or Command. Both bracket one user action for the database
-// engine and let no error out. Nothing else in the dialog catches errors.
+// engine and let no error out. Only this class, MarkingWalk and RestoreMarks catch errors.
 #pragma once
 
 #include <cstdint>
@@ -65,17 +65,37 @@ class FormContext {
 
   Choice choice;
   // The run whose files the detail tree shows; the choice may have moved on since. Marks that name no set or
-  // extension go to this one.
+  // extension go to this one. The lists put an entry's own run here while they mark it.
   catalog::CurrentRun shownRun;
   catalog::ConnectionSettings connection;  // set up while the form loads
-  catalog::RestoreMarks marks;             // reports through ReportError
+  catalog::RestoreMarks marks;             // reports through onMarkError
+
+  // Where errors of marks go: ReportError, or the marking walk that is under way.
+  using ErrorReport = catalog::RestoreMarks::Report;
+  ErrorReport onMarkError;
+
+  // Whether there are marks that the restore list has not shown: some were written since it was last filled
+  // to the end, or filling it failed or was stopped.
+  bool unlistedMarks = false;
+  // Fills the restore list. Called after an event in which a commit has failed, so that the list shows no
+  // mark that is not there; but not when the event has done so itself, see ListingMarks.
+  std::function<void()> ListMarksAnew;
+  void ListingMarks() { m_commitLost = false; }
+  void CommitLost() { m_commitLost = true; }
 
   std::unique_ptr<engine::Database> OpenCatalog() { return catalog::OpenCatalog(workspace, connection); }
 
-  // Shows an error: "(number) description" under the routine's name.
+  // Shows an error: "(number) description" under the routine's name. The interruption by which the user's
+  // stop ends a statement is no error and is not shown.
   void ReportError(const Error& error, const std::string& routine);
+  // The same without committing what was written so far before it waits for the user.
+  void ShowError(const Error& error, const std::string& routine);
+  bool IsStop(const Error& error) const;
   // Shows a question or a message once everything written so far is committed. Returns the answer.
   int MessageBox(const std::string& text, int style, const std::string& title);
+  // Commits everything written so far. A failure is shown under the routine's name, and the restore list is
+  // filled anew when the event ends. Whether it is committed.
+  bool Commit(const std::string& routine);
 
   // Runs `body` up to its first error, which is shown under the routine's name. Whether there was none.
   template <class Body>
@@ -106,54 +126,60 @@ class FormContext {
   }
 
   // Runs the handler of an event as one user action. An error is skipped; a failed commit is shown under the
-  // routine's name.
+  // routine's name. From the first event to the end of the last one that came in while it ran, the form is
+  // busy: the engine lets pending messages run while it works or waits, and the user can stop it.
   template <class Body>
   void Event(const std::string& routine, Body&& body) {
     if (m_hostHasControl || !ui.form.IsOpen()) return;
-    EnterEvent();
+    EnterEvent(routine);
     Skipping(body);
-    LeaveEvent(routine);
+    LeaveEvent();
   }
-  // The same for events that start work: ignored while another event is being handled, so that nothing starts
-  // twice.
+  // The same for events that start work. While the form is busy the work is put off until that has ended; of
+  // several the last one is taken.
   template <class Body>
   void Command(const std::string& routine, Body&& body) {
-    if (m_events == 0) Event(routine, body);
+    if (!Busy()) {
+      Event(routine, body);
+    } else if (!m_hostHasControl) {
+      PutOff([this, routine, body] { Event(routine, body); });
+    }
   }
 
   // Raises an event to the form's owner. The user action ends first, so that the host finds everything
-  // committed and nothing open; whatever the user does until the host returns is ignored.
-  void RaiseToHost(const std::string& routine, const std::function<void()>& event);
+  // committed and nothing open; whatever the user does until the host returns is ignored. A commit that fails
+  // is shown. Then the event is not raised, unless `evenThen`. Whether it was raised.
+  bool RaiseToHost(const std::string& routine, const std::function<void()>& event, bool evenThen);
 
   // A walk over rows, nodes or entries. Next is called before every item: it lets pending messages run and
-  // says whether to go on. While the engine works on a statement they run as well, so a walk over rows begins
-  // before its statement; one that the user stops there ends with an error that nobody is shown. When the
-  // outermost walk ends the stop request is used up.
+  // says whether to go on. A statement that the user stops ends with an error for which IsStop holds.
   class Walk {
    public:
-    explicit Walk(FormContext& context) : m_context(context) { m_context.EnterWalk(); }
-    ~Walk() { m_context.LeaveWalk(); }
-    Walk(const Walk&) = delete;
-    Walk& operator=(const Walk&) = delete;
+    explicit Walk(FormContext& context) : m_context(context) {}
 
     bool Next() {
       m_context.DoEvents();
-      return !m_context.parameters.StopRequested;
+      return !m_context.Stopped();
     }
 
    private:
     FormContext& m_context;
   };
-  bool Walking() const { return m_walks > 0; }
+
+  bool Busy() const { return m_events > 0; }
+  bool IsOutermostEvent() const { return m_events == 1; }
+  // Whether the user has asked to end what is going on. Holds until the outermost event ends.
+  bool Stopped() const { return parameters.StopRequested; }
 
   // Lets pending messages run, and pending commits have their chance.
   void DoEvents();
 
-  // Ends a running walk and runs `step` once everything has unwound; runs it at once when nothing is going
-  // on. Ignored while an event that cannot be stopped is being handled.
-  void StopThen(std::function<void()> step);
-  // Ends a running walk. Whether there was one.
+  // Stops what is going on and forgets what was put off. Whether anything was going on that the user can
+  // stop.
   bool Stop();
+  // Stops what is going on and runs `step` once everything has unwound; runs it at once when nothing is going
+  // on.
+  void StopThen(std::function<void()> step);
 
  private:
   template <class Body>
@@ -162,19 +188,20 @@ class FormContext {
       body();
       return std::nullopt;
     } catch (...) {
-      return Caught();
+      return CurrentError();
     }
   }
-  static Error Caught();  // the exception being handled
-  void EnterWalk();
-  void LeaveWalk();
-  void EnterEvent();
-  void LeaveEvent(const std::string& routine);
+  void PutOff(std::function<void()> step) { m_putOff = std::move(step); }
+  void EnterEvent(const std::string& routine);
+  void LeaveEvent();
+  void RunWhatWasPutOff();
 
   int m_events = 0;
-  int m_walks = 0;
+  std::string m_routine;  // of the outermost event
   bool m_hostHasControl = false;
-  std::function<void()> m_afterUnwinding;
+  bool m_commitLost = false;
+  bool m_runningPutOff = false;
+  std::function<void()> m_putOff;
 };
 
 }  // namespace kxrestore::dialog

@@ -6,6 +6,7 @@ namespace kxrestore::dialog {
 
 namespace {
 
+constexpr const char* kTabClick = "tbsOptions.Click";
 constexpr int kLeastWidth = 7000;  // of the window, with its frame
 constexpr int kLeastHeight = 6100;
 constexpr double kTopShare = 0.4;  // of the upper area when the form loads
@@ -62,7 +63,7 @@ Layout::Layout(FormContext& context) : m_context(context), m_ui(context.ui) {
   for (int index = 0; index < static_cast<int>(m_ui.panel.size()); ++index) {
     m_ui.panel[index].Resize = [this, index] { m_context.Skipping([&] { panel_Resize(index); }); };
   }
-  m_ui.tbsOptions.Click = [this] { m_context.Event("tbsOptions.Click", [this] { tbsOptions_Click(); }); };
+  m_ui.tbsOptions.Click = [this] { m_context.Event(kTabClick, [this] { tbsOptions_Click(); }); };
 }
 
 // What cannot be placed for want of room stays where it is.
@@ -375,7 +376,7 @@ void Layout::PlaceAutoPanel() {
 }
 
 void Layout::tbsOptions_Click() {
-  m_context.Reporting("tbsOptions.Click", [this] {
+  m_context.Reporting(kTabClick, [this] {
     const controls::RedrawFreeze freeze(m_ui.tbsOptions);
     const controls::RedrawFreeze freezePanels(m_ui.picTabs);
     const int chosen = m_ui.tbsOptions.SelectedIndex() - 1;
@@ -389,6 +390,13 @@ void Layout::tbsOptions_Click() {
   });
 }
 
+// Filling the chooser takes long: on a visit in the middle of something else it waits until that has ended.
+void Layout::FillChooser() {
+  controls::PictureBox& panel = m_ui.panel[2];
+  if (!panel.Tag().empty() || !panel.Visible()) return;
+  if (!InitializeFileTypes || InitializeFileTypes()) panel.SetTag("ok");
+}
+
 void Layout::ShowPanel(int index) {
   auto& panel = m_ui.panel[index];
   panel.SetVisible(true);
@@ -400,8 +408,11 @@ void Layout::ShowPanel(int index) {
   }
   if (!panel.Tag().empty()) return;
   if (index == 2) {
-    // Filling the chooser is a walk; while another one runs it waits for the next visit.
-    if (!m_context.Walking() && (!InitializeFileTypes || InitializeFileTypes())) panel.SetTag("ok");
+    if (m_context.IsOutermostEvent()) {
+      FillChooser();
+    } else {
+      m_context.Command(kTabClick, [this] { m_context.Reporting(kTabClick, [this] { FillChooser(); }); });
+    }
   } else if (index == 1) {
     panel.SetVisible(true);
     for (controls::Control* control :

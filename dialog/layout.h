@@ -47,6 +47,7 @@ class Layout {
   int PlaceChoicesInColumn(int panel, controls::CheckBox& box, int top, int width);
   void KeepSplitters();
   void ShowPanel(int index);
+  void FillChooser();
   void Place(controls::Control& control, int left, int top, int width, int height);
 
   FormContext& m_context;

@@ -26,8 +26,9 @@ class Hourglass {
 LookIn ReadLookIn(FormContext& context, SetTree& setTree, const controls::OptionButton& thisSet) {
   LookIn lookIn;
   if (!thisSet.Value()) return lookIn;
-  lookIn.setId = context.choice.m_lngSetID;
   const controls::Node node = context.choice.m_nodCurrent;
+  if (node) static_cast<void>(SetTree::SetOf(node));  // one that does not fit 32 bits is no set to look in
+  lookIn.setId = context.choice.m_lngSetID;
   if (node && !node.Tag().empty()) lookIn.runs = "In (" + setTree.ListRunExtensions(node) + ")";
   return lookIn;
 }
@@ -39,12 +40,12 @@ std::unique_ptr<engine::Recordset> OpenListing(FormContext& context, engine::Dat
   return catalog::BuildRestoreQuery(database, lookIn.setId, latest, mask, lookIn.runs, read);
 }
 
-std::int32_t Long(const engine::Field& field) {
-  const std::int64_t value = field.Integer();
-  if (value < std::numeric_limits<std::int32_t>::min() || value > std::numeric_limits<std::int32_t>::max()) {
+std::int32_t ToLong(std::int64_t number) {
+  if (number < std::numeric_limits<std::int32_t>::min() ||
+      number > std::numeric_limits<std::int32_t>::max()) {
     throw Error(error_number::kOverflow, "Overflow", "KXRestore");
   }
-  return static_cast<std::int32_t>(value);
+  return static_cast<std::int32_t>(number);
 }
 
 }  // namespace kxrestore::dialog

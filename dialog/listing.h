@@ -19,12 +19,13 @@ struct LookIn {
 };
 LookIn ReadLookIn(FormContext& context, SetTree& setTree, const controls::OptionButton& thisSet);
 
-// Opens the listing, with the hourglass for a pointer until it is open. `read`: the columns that will be read.
+// Opens the listing, with the hourglass for a pointer until it is open. `read`: the columns that will be
+// read.
 std::unique_ptr<engine::Recordset> OpenListing(FormContext& context, engine::Database& database,
                                                const LookIn& lookIn, bool latest, std::string_view mask,
                                                const engine::ColumnNames& read);
 
-// The value of a long column; error 6 for a number beyond 32 bit.
-std::int32_t Long(const engine::Field& field);
+// The number as a 32-bit one; error 6 where it does not fit.
+std::int32_t ToLong(std::int64_t number);
 
 }  // namespace kxrestore::dialog

@@ -1,8 +1,10 @@
 #include "dialog/restore_list.h"
 
 #include <string>
+#include <utility>
 
 #include "dialog/catalog_entries.h"
+#include "dialog/marking_walk.h"
 #include "platform/desktop.h"
 
 namespace kxrestore::dialog {
@@ -11,6 +13,13 @@ namespace {
 
 constexpr const char* kClick = "cmdRestore.Click";
 
+// What marking knows an entry by, as one text.
+std::string IdentityOf(const controls::AutoSelect::Entry& entry) {
+  std::string identity = IsAggregateName(entry.name) ? "a" : "f";
+  identity.append(std::to_string(entry.setId)).append(" ");
+  return identity.append(entry.extension).append(1, '\0').append(entry.storedName);
+}
+
 }  // namespace
 
 RestoreList::RestoreList(FormContext& context, Events events)
@@ -18,7 +27,7 @@ RestoreList::RestoreList(FormContext& context, Events events)
   FormControls& ui = m_context.ui;
   for (int index : {0, 2, 3, 4}) {
     ui.cmdRestore[index].Click = [this, index] {
-      m_context.Command(kClick, [&] { cmdRestore_Click(index); });
+      m_context.Command(kClick, [this, index] { cmdRestore_Click(index); });
     };
   }
 
@@ -38,10 +47,17 @@ RestoreList::RestoreList(FormContext& context, Events events)
       cancel();
     }
   };
+  m_context.ListMarksAnew = [this] { ListCurrentSelections(); };
 }
 
-void RestoreList::ListCurrentSelections() {
-  m_context.Reporting("ListCurrentSelections", [this] {
+// What is committed is listed, and no more: a commit that fails afterwards would leave marks in the list that
+// are not there.
+RestoreList::Listing RestoreList::List() {
+  m_context.Commit("ListCurrentSelections");
+  m_context.ListingMarks();
+  m_incomplete = true;
+  const auto keptUnticked = std::exchange(m_keptUnticked, {});
+  m_context.Reporting("ListCurrentSelections", [&] {
     controls::AutoSelect& list = m_context.ui.asRestoreList;
     FormContext::Walk walk(m_context);
     const auto database = m_context.OpenCatalog();
@@ -56,14 +72,24 @@ void RestoreList::ListCurrentSelections() {
     const controls::RedrawFreeze freeze(list);
     list.Clear();
     CatalogEntries entries(*rows, "RestoreFile", "Name");
+    auto unticked = keptUnticked;
     for (; !rows->Eof(); rows->MoveNext()) {
       if (!walk.Next()) return;
-      entries.AddCurrentRow(list, true);
+      const std::size_t number = entries.AddCurrentRow(list, true);
+      if (unticked.empty()) continue;
+      const auto kept = unticked.find(IdentityOf(list.At(number)));
+      if (kept == unticked.end() || kept->second == 0) continue;
+      --kept->second;
+      list.SetTicked(number, false);
     }
+    m_incomplete = m_context.unlistedMarks = false;
+    m_hadSelections = list.Count() > 0;
     UpdateCounts();
     rows->Close();
     database->Close();
   });
+  if (!m_incomplete) return Listing::kComplete;
+  return m_context.Stopped() ? Listing::kStopped : Listing::kFailed;
 }
 
 void RestoreList::UpdateCounts() {
@@ -76,22 +102,37 @@ void RestoreList::UpdateCounts() {
   m_context.Skipping([&] { ui.lblSearchCount.SetCaption(std::to_string(ui.asSearch.Count()) + " File(s)"); });
 }
 
+void RestoreList::Update() {
+  // A stopped one is not listed anew, so that the user's other changes stay in the list.
+  if (ApplyListChanges()) ListCurrentSelections();
+}
+
+// Whether the user let it run to its end.
 bool RestoreList::ApplyListChanges() {
-  controls::AutoSelect& list = m_context.ui.asRestoreList;
-  FormContext::Walk walk(m_context);
-  const std::size_t count = list.Count();
-  for (std::size_t number = 1; number <= count; ++number) {
-    if (!walk.Next()) return false;
-    if (list.TickedAt(number)) continue;
-    const controls::AutoSelect::Entry entry = list.At(number);
-    const bool written =
-        IsAggregateName(entry.name)
-            ? m_context.marks.UpdateSelectionByFile(entry.storedName, false, entry.setId, entry.extension)
-            : m_context.marks.UpdateSelectionByFileName(entry.storedName, false, entry.setId,
-                                                        entry.extension);
-    if (!written) break;  // reported; the rest would fail alike
+  const controls::AutoSelect& list = m_context.ui.asRestoreList;
+  catalog::RestoreMarks& marks = m_context.marks;
+  MarkingWalk walk(m_context, "ApplyListChanges");
+  const RunOfEntries run(m_context);
+  std::size_t reached = 0;
+  const MarkingWalk::End end = walk.Run([&] {
+    for (const std::size_t count = list.Count(); reached < count; ++reached) {
+      const std::size_t number = reached + 1;
+      if (!walk.IsHopeless() && !walk.Next()) return;
+      if (list.TickedAt(number)) continue;
+      walk.Mark(number, [&] {
+        const controls::AutoSelect::Entry entry = list.At(number);
+        run.Use(SetIdOf(entry), entry.extension);
+        return IsAggregateName(entry.name) ? marks.UpdateSelectionByFile(entry.storedName, false, 0, "")
+                                           : marks.UpdateSelectionByFileName(entry.storedName, false, 0, "");
+      });
+    }
+  });
+  m_keptUnticked.clear();
+  for (const std::size_t number : walk.NotMarked()) ++m_keptUnticked[IdentityOf(list.At(number))];
+  for (std::size_t number = reached + 1; number <= list.Count(); ++number) {
+    if (!list.TickedAt(number)) ++m_keptUnticked[IdentityOf(list.At(number))];
   }
-  return true;
+  return end == MarkingWalk::End::kDone;
 }
 
 void RestoreList::cmdRestore_Click(int index) {
@@ -106,8 +147,7 @@ void RestoreList::cmdRestore_Click(int index) {
       ListCurrentSelections();
       break;
     case 3:
-      // What was stopped half-way is not listed anew, so that the user's other changes stay in the list.
-      if (ApplyListChanges()) ListCurrentSelections();
+      Update();
       break;
     case 4:
       Clear();
@@ -118,19 +158,38 @@ void RestoreList::cmdRestore_Click(int index) {
 }
 
 void RestoreList::RestoreNow() {
-  m_context.RaiseToHost(kClick, m_events.CommenceRestore);
-  UnloadByCommand();
+  if (ListUnlistedMarks() != Listing::kComplete || !m_context.ui.cmdRestore[0].Enabled()) return;
+  if (m_context.RaiseToHost(kClick, m_events.CommenceRestore, false)) UnloadByCommand();
 }
 
 void RestoreList::Cancel() {
-  if (m_context.ui.asRestoreList.Count() == 0) {
-    m_context.RaiseToHost(kClick, m_events.CancelRestore);
-  } else if (ConfirmCancel()) {
-    CancelSelections();
-  } else {
-    return;
-  }
+  const Clearing clearing = ClearAfterQuestion();
+  if (clearing == Clearing::kRefused || clearing == Clearing::kStopped) return;
+  m_context.RaiseToHost(kClick, m_events.CancelRestore, true);
   UnloadByCommand();
+}
+
+// Fills the list where it does not show what is marked, so that what follows is decided by that.
+RestoreList::Listing RestoreList::ListUnlistedMarks() {
+  return m_incomplete || m_context.unlistedMarks ? List() : Listing::kComplete;
+}
+
+// Where the marks cannot be listed, what is known of them decides.
+bool RestoreList::HasSelections() const {
+  return m_context.ui.asRestoreList.Count() > 0 || m_context.unlistedMarks ||
+         (m_incomplete && m_hadSelections);
+}
+
+RestoreList::Clearing RestoreList::ClearAfterQuestion() {
+  if (ListUnlistedMarks() == Listing::kStopped) return Clearing::kStopped;
+  if (!HasSelections()) return Clearing::kNothingSelected;
+  if (!ConfirmCancel()) return Clearing::kRefused;
+  // The user's stop leaves every mark, and the form open. Marks that cannot be cleared are reported, and the
+  // form closes all the same.
+  if (m_context.marks.CancelAll() == catalog::MarkResult::kFailed && m_context.Stopped())
+    return Clearing::kStopped;
+  UpdateCounts();
+  return Clearing::kCleared;
 }
 
 void RestoreList::Clear() {
@@ -139,8 +198,11 @@ void RestoreList::Clear() {
     return;
   }
   m_context.ui.asRestoreList.Clear();
-  const FormContext::Walk walk(m_context);
-  m_context.marks.ClearSelections();
+  if (m_context.marks.ClearSelections() == catalog::MarkResult::kFailed) {
+    m_context.CommitLost();  // the marks are still there
+  } else {
+    m_incomplete = m_context.unlistedMarks = m_hadSelections = false;
+  }
   UpdateCounts();
 }
 
@@ -151,27 +213,20 @@ bool RestoreList::ConfirmCancel() {
                               "Clear Selection?") == platform::kAnswerYes;
 }
 
-void RestoreList::CancelSelections() {
-  {
-    const FormContext::Walk walk(m_context);
-    m_context.marks.CancelAll();
-  }
-  UpdateCounts();
-  m_context.RaiseToHost(kClick, m_events.CancelRestore);
-}
-
 void RestoreList::UnloadByCommand() {
   m_closingByCommand = true;
   m_context.ui.form.Unload();
 }
 
 // Answering No to the question lets the form close all the same, with the marks kept; unlike the Cancel
-// button, whose No keeps the form.
+// button, whose No keeps the form. With nothing selected no event is raised.
 void RestoreList::Form_Unload(bool& refuse) {
   refuse = false;
   if (m_closingByCommand) return;
-  m_context.Skipping([this] {
-    if (m_context.ui.asRestoreList.Count() > 0 && ConfirmCancel()) CancelSelections();
+  m_context.Skipping([&] {
+    const Clearing clearing = ClearAfterQuestion();
+    refuse = clearing == Clearing::kStopped;
+    if (clearing == Clearing::kCleared) m_context.RaiseToHost(kClick, m_events.CancelRestore, true);
   });
 }
 

@@ -85,43 +85,39 @@ void Search::AddToSearchSelections() {
   // Marking makes each entry's run the current one; what the set tree shows as chosen is current again
   // afterwards.
   const Choice before = m_context.choice;
-  m_context.Reporting("AddToSearchSelections", [this] {
-    if (MarkTicked()) m_restoreList.ListCurrentSelections();
-  });
+  MarkingWalk walk(m_context, "AddToSearchSelections");
+  const RunOfEntries run(m_context);
+  const MarkingWalk::End end = walk.Run([&] { MarkTicked(walk, run); });
   Choice& now = m_context.choice;
   if (now.m_nodCurrent == before.m_nodCurrent) {
     now.m_lngSetID = before.m_lngSetID;
     now.m_strExtension = before.m_strExtension;
   }
+  if (end == MarkingWalk::End::kDone) m_restoreList.ListCurrentSelections();
 }
 
-// Whether it went to the end, or to an error that has been reported.
-bool Search::MarkTicked() {
+void Search::MarkTicked(MarkingWalk& walk, const RunOfEntries& run) {
   FormControls& ui = m_context.ui;
-  FormContext::Walk walk(m_context);
   const std::size_t count = ui.asSearch.Count();
   for (std::size_t number = 1; number <= count; ++number) {
-    if (!walk.Next()) return false;
+    if (!walk.IsHopeless() && !walk.Next()) return;
     ui.asSearch.SetCurrent(number);
     ui.lblSearchCount.SetCaption("Scanning " + std::to_string(number));
     if (!ui.asSearch.Ticked()) continue;
-    if (!MarkCurrent()) return true;
+    walk.Mark(number, [&] { return MarkCurrent(run); });
     m_restoreList.UpdateCounts();
   }
-  return true;
 }
 
-bool Search::MarkCurrent() {
+catalog::MarkResult Search::MarkCurrent(const RunOfEntries& run) {
   const controls::AutoSelect& asSearch = m_context.ui.asSearch;
   Choice& choice = m_context.choice;
   choice.m_lngSetID = asSearch.SetId();
   choice.m_strExtension = asSearch.Extension();
-  if (IsAggregateName(asSearch.FileName())) {
-    return m_context.marks.UpdateSelectionByFile(asSearch.StoredName(), true, choice.m_lngSetID,
-                                                 choice.m_strExtension);
-  }
-  return m_context.marks.UpdateSelectionByFileName(asSearch.StoredName(), true, choice.m_lngSetID,
-                                                   choice.m_strExtension);
+  run.Use(choice.m_lngSetID, choice.m_strExtension);
+  return IsAggregateName(asSearch.FileName())
+             ? m_context.marks.UpdateSelectionByFile(asSearch.StoredName(), true, 0, "")
+             : m_context.marks.UpdateSelectionByFileName(asSearch.StoredName(), true, 0, "");
 }
 
 }  // namespace kxrestore::dialog

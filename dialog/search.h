@@ -5,6 +5,7 @@
 #include <string>
 
 #include "dialog/form_context.h"
+#include "dialog/marking_walk.h"
 #include "dialog/restore_list.h"
 #include "dialog/set_tree.h"
 
@@ -25,8 +26,8 @@ class Search {
  private:
   void RememberMask(const std::string& mask);
   void List(const std::string& mask);
-  bool MarkTicked();
-  bool MarkCurrent();
+  void MarkTicked(MarkingWalk& walk, const RunOfEntries& run);
+  catalog::MarkResult MarkCurrent(const RunOfEntries& run);
 
   FormContext& m_context;
   SetTree& m_setTree;

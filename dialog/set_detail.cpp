@@ -67,14 +67,16 @@ SetDetail::SetDetail(FormContext& context) : m_context(context) {
 void SetDetail::LoadBackupSetDetail(controls::Node run) {
   FormControls& ui = m_context.ui;
   m_count = 0;
+  bool complete = false;
   m_context.Reporting("LoadBackupSetDetail", [&] {
     ui.lblTreeCount.SetVisible(true);
     ui.lblTreeCount.SetCaption("Loading Please Wait ...");
     controls::RedrawFreeze freeze(ui.tvwDetails);
-    const std::string setID(TagSetID(run.Tag()));
-    const std::string extension(TagExtension(run.Tag()));
     ui.tvwDetails.Clear();
-    m_context.shownRun = {m_context.choice.m_lngSetID, extension};
+    m_context.shownRun = {};
+    const std::string extension(TagExtension(run.Tag()));
+    m_context.shownRun = {TagSetNumber(run.Tag()), extension};
+    const std::string setID(TagSetID(run.Tag()));
 
     const std::string sql =
         "SELECT Catalog.ID, Catalog.DateStamp, Catalog.SetNameID, Catalog.Extension, Catalog.Filename, "
@@ -87,15 +89,17 @@ void SetDetail::LoadBackupSetDetail(controls::Node run) {
     const auto database = m_context.OpenCatalog();
     const auto rows = database->OpenRecordset(sql, engine::RecordsetType::kSnapshot,
                                               {"RestoreFile", "Plugin", "File", "Filename"});
-    Fill(*rows, walk);
+    complete = Fill(*rows, walk);
     rows->Close();
     database->Close();
   });
-  // However the load ended, the label tells how far the tree was filled.
-  ui.lblTreeCount.SetCaption(std::to_string(m_count) + " file(s).");
+  // A part of a run must not look like the whole of it.
+  ui.lblTreeCount.SetCaption(complete              ? std::to_string(m_count) + " file(s)."
+                             : m_context.Stopped() ? "Stopped after " + std::to_string(m_count) + " file(s)"
+                                                   : "Failed after " + std::to_string(m_count) + " file(s)");
 }
 
-void SetDetail::Fill(engine::Recordset& rows, FormContext::Walk& walk) {
+bool SetDetail::Fill(engine::Recordset& rows, FormContext::Walk& walk) {
   FormControls& ui = m_context.ui;
   const engine::Field restoreFile = rows.Fields("RestoreFile");
   const engine::Field plugin = rows.Fields("Plugin");
@@ -104,17 +108,21 @@ void SetDetail::Fill(engine::Recordset& rows, FormContext::Walk& walk) {
   const controls::ImageList& images = ui.imlRestore;
   PathNodes paths(ui.tvwDetails, {images.Index("drive"), images.Index("cfolder"), images.Index("file")});
 
-  for (; !rows.Eof() && walk.Next(); rows.MoveNext()) {
-    std::string_view path = restoreFile.TextView();
-    if (path.empty()) path = filename.TextView();
-    const std::string_view pluginName = plugin.TextView();
+  std::string buffers[4];
+  for (; !rows.Eof(); rows.MoveNext()) {
+    if (!walk.Next()) return false;
+    const std::string_view storedName = TextOf(filename, buffers[0]);
+    std::string_view path = TextOf(restoreFile, buffers[1]);
+    if (path.empty()) path = storedName;
+    const std::string_view pluginName = TextOf(plugin, buffers[2]);
     if (pluginName.empty()) {
-      paths.AddPathNodes(path, filename.TextView());
+      paths.AddPathNodes(path, storedName);
     } else {
-      AddPluginEntry(pluginName, path, file.TextView(), filename.TextView());
+      AddPluginEntry(pluginName, path, TextOf(file, buffers[3]), storedName);
     }
     ShowProgress(++m_count);
   }
+  return true;
 }
 
 void SetDetail::ShowProgress(std::size_t count) {

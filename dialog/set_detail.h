@@ -22,7 +22,7 @@ class SetDetail {
   void LoadBackupSetDetail(controls::Node run);
 
  private:
-  void Fill(engine::Recordset& rows, FormContext::Walk& walk);
+  bool Fill(engine::Recordset& rows, FormContext::Walk& walk);  // false when the user stopped it
   void ShowProgress(std::size_t count);
   controls::Node Heading(controls::Node parent, std::string_view key, std::string_view text, int image);
   void AddPluginEntry(std::string_view plugin, std::string_view path, std::string_view file,

@@ -3,27 +3,19 @@
 #include <charconv>
 
 #include "dialog/catalog_entries.h"
+#include "dialog/listing.h"
 
 namespace kxrestore::dialog {
 
 namespace {
 
+constexpr const char* kClick = "tvwSets.NodeClick";
 constexpr std::string_view kRootKey = "Sets";
 constexpr std::string_view kSetKeyPrefix = "Sets\\";
 constexpr std::string_view kArchiveText = "Archive Sets";
 constexpr std::string_view kArchiveAddKey = "ArchAdd";
 constexpr std::string_view kHiddenExtension = "x01";
 constexpr std::int16_t kMostRuns = 32767;
-
-std::int32_t SetIDNumber(std::string_view text) {
-  std::int32_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error == std::errc::result_out_of_range) throw Error(error_number::kOverflow, "Overflow");
-  if (error != std::errc() || end != text.data() + text.size()) {
-    throw Error(error_number::kTypeMismatch, "Type mismatch");
-  }
-  return number;
-}
 
 }  // namespace
 
@@ -38,13 +30,31 @@ std::string_view TagExtension(std::string_view tag) {
   return rest.substr(0, rest.find(' '));
 }
 
+std::int32_t TagSetNumber(std::string_view tag) {
+  const std::string_view text = TagSetID(tag);
+  std::int64_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error == std::errc::result_out_of_range) throw Error(error_number::kOverflow, "Overflow");
+  if (error != std::errc() || end != text.data() + text.size()) {
+    throw Error(error_number::kTypeMismatch, "Type mismatch");
+  }
+  return ToLong(number);
+}
+
+std::int32_t SetTree::SetOf(controls::Node node) {
+  if (!node.Tag().empty()) return TagSetNumber(node.Tag());
+  const controls::Node run = node.Child();
+  return run && !run.Tag().empty() ? TagSetNumber(run.Tag()) : 0;
+}
+
 SetTree::SetTree(FormContext& context) : m_context(context) {
   controls::TreeView& tree = m_context.ui.tvwSets;
   const auto openArchive = [this](controls::Node node) {
-    if (ArchiveNode && !m_context.Walking() && node.Text() == kArchiveText) ArchiveNode(node);
+    if (!ArchiveNode || node.Text() != kArchiveText) return;
+    WhenFree("tvwSets.Expand", [this, node] { ArchiveNode(node); });
   };
   tree.NodeClick = [this, openArchive](controls::Node node) {
-    m_context.Event("tvwSets.NodeClick", [&] {
+    m_context.Event(kClick, [&] {
       tvwSets_NodeClick(node);
       openArchive(node);
     });
@@ -135,19 +145,35 @@ void SetTree::ChooseRun(controls::Node node) {
   HideArchiveFrame();
   ui.lblCurrSet.SetCaption("Current Set: ");
   ui.lblSetName.SetCaption(std::string(node.Parent().Text()).append("\r\n up to \r\n").append(node.Text()));
-  const std::string_view setID = TagSetID(node.Tag());
-  m_context.Skipping([&] { choice.m_lngSetID = SetIDNumber(setID); });
-  choice.m_strSetID = setID;
+  // A number that does not fit is reported when the run's files are to be listed.
+  choice.m_lngSetID = 0;
+  m_context.Skipping([&] { choice.m_lngSetID = SetOf(node); });
+  choice.m_strSetID = TagSetID(node.Tag());
   m_context.Skipping([&] { ListRunExtensions(node); });
   choice.m_strExtension = TagExtension(node.Tag());
   ui.optLookIn[0].SetEnabled(true);
   ui.optLookIn[2].SetEnabled(true);
 
-  // One walk at a time: a run that is chosen while files are being marked is only taken down.
-  if (choice.m_blnLoading || m_context.Walking() || !LoadBackupSetDetail) return;
-  choice.m_blnLoading = true;
-  m_context.Skipping([&] { LoadBackupSetDetail(node); });
-  choice.m_blnLoading = false;
+  // A run that is chosen while another's files are being listed is only taken down.
+  if (choice.m_blnLoading || !LoadBackupSetDetail) return;
+  WhenFree(kClick, [this, node] { LoadDetail(node); });
+}
+
+void SetTree::LoadDetail(controls::Node run) {
+  bool& loading = m_context.choice.m_blnLoading;
+  loading = true;
+  m_context.Skipping([&] { LoadBackupSetDetail(run); });
+  loading = false;
+}
+
+// Runs a step of the event that is being handled; puts it off where that event came in the middle of another
+// one.
+void SetTree::WhenFree(const char* routine, const std::function<void()>& step) {
+  if (m_context.IsOutermostEvent()) {
+    step();
+  } else {
+    m_context.Command(routine, step);
+  }
 }
 
 void SetTree::ChooseOther(controls::Node node) {
@@ -158,8 +184,7 @@ void SetTree::ChooseOther(controls::Node node) {
   choice.m_strSetID.clear();
   if (node.Index() >= 2) {
     ui.optLookIn[0].SetEnabled(true);
-    // The newest run knows the set; a node of the archive branch has none.
-    m_context.Skipping([&] { choice.m_lngSetID = SetIDNumber(TagSetID(node.Child().Tag())); });
+    m_context.Reporting(kClick, [&] { choice.m_lngSetID = SetOf(node); });
     ui.optLookIn[0].SetValue(true);
     ui.lblSetName.SetCaption(std::string(node.Text()));
   } else {

@@ -1,6 +1,7 @@
 // The tree of backup sets and their completed runs, and what choosing one of its nodes does.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -12,6 +13,9 @@ namespace kxrestore::dialog {
 // Fields of a run's tag: set identifier, one blank, the run's extension.
 std::string_view TagSetID(std::string_view tag);
 std::string_view TagExtension(std::string_view tag);
+
+// The set identifier of a run's tag as a number; error 6 beyond 32 bits, 13 when it is none.
+std::int32_t TagSetNumber(std::string_view tag);
 
 class SetTree {
  public:
@@ -28,11 +32,17 @@ class SetTree {
   // Counts them in m_intRunCount; error 6 beyond 32,767.
   std::string ListRunExtensions(controls::Node node);
 
+  // The set that a node stands for, its own or that of its newest run: 0 for a node of neither kind. Errors
+  // as TagSetNumber's.
+  static std::int32_t SetOf(controls::Node node);
+
   void tvwSets_NodeClick(controls::Node node);
 
  private:
   void ChooseRun(controls::Node node);
   void ChooseOther(controls::Node node);
+  void LoadDetail(controls::Node run);
+  void WhenFree(const char* routine, const std::function<void()>& step);
   controls::Node SetNode(const std::string& name);
   void HideArchiveFrame();
   void EnableActions(bool enabled);

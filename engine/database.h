@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -115,6 +116,19 @@ struct OpenRequest {
 // may be used from inside.
 using Waiting = std::function<bool()>;
 
+// Groups of updates since the back end was made. A group is lost when its commit failed or its connection
+// went away; none of its updates is in the database then, and the call that noticed raised the error.
+struct CommitCounts {
+  std::uint64_t committed = 0;
+  std::uint64_t lost = 0;
+
+  CommitCounts& operator+=(const CommitCounts& other) {
+    committed += other.committed;
+    lost += other.lost;
+    return *this;
+  }
+};
+
 // One kind of database. A back end may keep sessions and statements warm between the databases that are
 // opened within one user action, and gather single updates into one commit; see Workspace.
 class Backend {
@@ -126,6 +140,7 @@ class Backend {
   virtual void Flush() = 0;      // commits everything, keeps sessions
   virtual void EndAction() = 0;  // commits everything, lets every idle session go
   virtual void SetWaiting(const Waiting& /*waiting*/) {}  // empty: nobody wants to know
+  virtual CommitCounts Commits() const { return {}; }     // zeros where updates never wait
 };
 
 // The default workspace. Single updates (Recordset::Update, Execute) made inside one user action are gathered
@@ -151,6 +166,9 @@ class Workspace {
   void Idle();
   // Commits everything now: call it before waiting for the user or the host.
   void Flush();
+  // What became of the updates that waited, over all back ends. Compare two readings to see whether an update
+  // that was made between them is in the database, lost, or still waiting.
+  CommitCounts Commits() const;
 
   // What to do while a statement takes long; nothing when empty.
   void SetWaiting(const Waiting& waiting);

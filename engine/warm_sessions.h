@@ -1,5 +1,6 @@
 // The sessions that a back end of this program's own keeps warm within one user action. A Session gathers
-// updates: Idle commits what has waited long enough, Flush commits everything, EndGroups commits for good.
+// updates: Idle commits what has waited long enough, Flush commits everything, EndGroups commits for good,
+// Commits tells what became of its groups.
 #pragma once
 
 #include <algorithm>
@@ -28,10 +29,19 @@ class WarmSessions : public Backend {
   void EndAction() override {
     m_inAction = false;
     const std::vector<std::shared_ptr<Session>> sessions = std::exchange(m_warm, {});
-    ForEach(sessions, [](Session& session) { session.EndGroups(); });
+    ForEach(sessions, [this](Session& session) {
+      const CountWhenDone count{session, m_ended};
+      session.EndGroups();
+    });
   }
 
   void SetWaiting(const Waiting& waiting) override { *m_waiting = waiting; }
+
+  CommitCounts Commits() const override {
+    CommitCounts counts = m_ended;
+    for (const auto& session : m_warm) counts += session->Commits();
+    return counts;
+  }
 
  protected:
   bool InAction() const { return m_inAction; }
@@ -48,13 +58,23 @@ class WarmSessions : public Backend {
 
   template <class Condition>
   void Drop(Condition condition) {
-    std::erase_if(m_warm, [&](const auto& session) { return condition(*session); });
+    std::erase_if(m_warm, [&](const auto& session) {
+      if (!condition(*session)) return false;
+      m_ended += session->Commits();
+      return true;
+    });
   }
 
   // What to do while a statement takes long; sessions may live longer than the back end.
   std::shared_ptr<const Waiting> WaitingOfSessions() const { return m_waiting; }
 
  private:
+  struct CountWhenDone {
+    ~CountWhenDone() { counts += session.Commits(); }
+    const Session& session;
+    CommitCounts& counts;
+  };
+
   // Every session gets its turn; the first error is raised at the end.
   template <class Operation>
   static void ForEach(const std::vector<std::shared_ptr<Session>>& sessions, Operation operation) {
@@ -70,6 +90,7 @@ class WarmSessions : public Backend {
   }
 
   std::vector<std::shared_ptr<Session>> m_warm;
+  CommitCounts m_ended;  // of sessions that are gone
   bool m_inAction = false;
   std::shared_ptr<Waiting> m_waiting = std::make_shared<Waiting>();
 };

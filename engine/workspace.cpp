@@ -103,6 +103,14 @@ void Workspace::Flush() {
   ForEachBackend([](Backend& backend) { backend.Flush(); });
 }
 
+CommitCounts Workspace::Commits() const {
+  CommitCounts counts;
+  for (const Backend* backend : {m_backends.sqlite.get(), m_backends.odbc.get(), m_backends.dao.get()}) {
+    if (backend != nullptr) counts += backend->Commits();
+  }
+  return counts;
+}
+
 void Workspace::SetWaiting(const Waiting& waiting) {
   ForEachBackend([&](Backend& backend) { backend.SetWaiting(waiting); });
 }

@@ -300,11 +300,13 @@ void Session::Replay(std::vector<GroupedWrite> writes) {
     for (int tried = 1; !statement.Execute(write.values); ++tried) {
       const auto diagnostics = ReadDiagnostics(SQL_HANDLE_STMT, statement.Get());
       if (FailureOf(diagnostics) != Failure::kConflict || tried == kMaxTries) {
+        ++m_commits.lost;
         RaiseDiagnostics(diagnostics, write.sql);
       }
       WaitBeforeTry(tried);
     }
   }
+  ++m_commits.committed;
 }
 
 void Session::RunSchemaChange(const std::vector<std::string>& statements) {
@@ -375,10 +377,12 @@ void Session::CommitGroup() {
   try {
     EndTransaction(true);
   } catch (...) {
+    ++m_commits.lost;
     SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_ROLLBACK);
     SetAutocommit(true);
     throw;
   }
+  ++m_commits.committed;
   SetAutocommit(true);
 }
 

@@ -85,6 +85,10 @@ class Session {
   void Idle();       // commits what has waited long enough
   void Flush();      // commits
   void EndGroups();  // commits for good
+  // A group goes down with its connection.
+  CommitCounts Commits() const {
+    return {m_commits.committed, m_commits.lost + (m_lost && m_inGroup ? 1 : 0)};
+  }
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -123,6 +127,7 @@ class Session {
   bool m_inGroup = false;
   std::vector<GroupedWrite> m_group;
   Clock::time_point m_due;
+  CommitCounts m_commits;
 };
 
 }  // namespace kxrestore::engine::odbc

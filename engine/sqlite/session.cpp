@@ -150,6 +150,7 @@ bool Session::LookUp() noexcept {
 void Session::RunWrite(sqlite3_stmt* statement, bool disturbs, std::string_view piece) {
   m_streaming.Detach(disturbs);
   NeedTransaction();
+  const bool wasInGroup = InTransaction() && m_transactionOwner == nullptr;
   for (bool retried = false;; retried = true) {
     int code = m_grouping && !InTransaction() ? Begin() : SQLITE_OK;
     if (code == SQLITE_OK) code = sqlite3_step(statement);
@@ -165,6 +166,8 @@ void Session::RunWrite(sqlite3_stmt* statement, bool disturbs, std::string_view 
       continue;
     }
     const ResetGuard guard(statement);
+    if (wasInGroup && !InTransaction())
+      ++m_commits.lost;  // a full disk and the like undo the whole transaction
     Raise(code, Doing::kWriting, piece);
   }
   if (m_grouping && !m_transactionOwner) CommitIfDue();
@@ -239,7 +242,9 @@ int Session::TryCommit(bool waiting) {
   const int code = sqlite3_step(m_commit.get());
   sqlite3_reset(m_commit.get());
   m_waitsForOthers = true;
-  return code == SQLITE_DONE ? SQLITE_OK : code;
+  if (code != SQLITE_DONE) return code;
+  if (!m_transactionOwner) ++m_commits.committed;
+  return SQLITE_OK;
 }
 
 void Session::RollBack() {
@@ -257,20 +262,23 @@ void Session::CommitIfDue() {
     m_nextTry = now + kRetryTime;
     return;
   }
-  if ((code & 0xFF) == SQLITE_BUSY) {
-    m_nextTry = now + kGroupTime;
-    m_deadline = now + m_patience;
-  } else {
-    RollBack();
-  }
-  Raise(code, Doing::kWriting);
+  RaiseLostGroup(code);
 }
 
 void Session::Commit() {
   const int code = TryCommit(true);
-  if (code == SQLITE_OK) return;
-  if ((code & 0xFF) != SQLITE_BUSY) RollBack();
-  Raise(code, Doing::kWriting);
+  if (code != SQLITE_OK) RaiseLostGroup(code);
+}
+
+// The description is made first: a rollback forgets it.
+void Session::RaiseLostGroup(int code) {
+  try {
+    Raise(code, Doing::kWriting);
+  } catch (...) {
+    if (!m_transactionOwner) ++m_commits.lost;
+    RollBack();
+    throw;
+  }
 }
 
 void Session::Idle() {
@@ -284,10 +292,7 @@ void Session::Flush() {
 void Session::EndGroups() {
   m_grouping = false;
   if (m_transactionOwner) return;
-  const int code = TryCommit(true);
-  if (code == SQLITE_OK) return;
-  RollBack();
-  Raise(code, Doing::kWriting);
+  Commit();
 }
 
 }  // namespace kxrestore::engine::sqlite

@@ -64,6 +64,7 @@ class Session {
   void Idle();       // commits what has waited long enough, without waiting for anybody
   void Flush();      // commits; waits, then raises
   void EndGroups();  // commits for good: what cannot be committed is rolled back and raised
+  const CommitCounts& Commits() const { return m_commits; }
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -80,6 +81,7 @@ class Session {
   int TryCommit(bool waiting);
   void CommitIfDue();
   void Commit();
+  [[noreturn]] void RaiseLostGroup(int code);
   void RollBack();
 
   std::string m_file;
@@ -96,6 +98,7 @@ class Session {
   std::exception_ptr m_waitingFailed;  // no exception may pass through SQLite
   Clock::time_point m_nextWaiting, m_busySince;
   bool m_waitsForOthers = true;
+  CommitCounts m_commits;
   Clock::time_point m_due, m_deadline, m_nextTry;
 };
 

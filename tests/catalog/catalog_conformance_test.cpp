@@ -196,29 +196,32 @@ TEST_P(CatalogConformance, Marks) {
   });
   const std::string name = "C:\\O'Neil.doc";
   const struct {
-    std::function<bool()> mark;
+    std::function<MarkResult()> mark;
     std::string marked;
-  } steps[] = {{[&] { return marks.UpdateByID(3); }, "3,4"},
-               {[&] { return marks.UpdateByID(99); }, "3,4"},
-               {[&] { return marks.ClearSelections(); }, ""},
-               {[&] { return marks.UpdateSelectionByFile("Store", true, 0, ""); }, "11,12"},
-               {[&] { return marks.UpdateSelectionByFile("Store", true, 2, ""); }, "11,12,13"},
-               {[&] { return marks.UpdateSelectionByFile("nobody", true, 1, "001"); }, "11,12,13"},
-               {[&] { return marks.UpdateSelectionByFile("Store", false, 1, "001"); }, "13"},
-               {[&] { return marks.UpdateSelectionByFileName(name, true, 1, "002"); }, "13,14"},
-               {[&] { return marks.UpdateSelectionByFileName("nobody", true, 1, "001"); }, "13,14"},
-               {[&] { return marks.CancelAll(); }, ""}};
-  for (const auto& [mark, marked] : steps) {
-    EXPECT_TRUE(mark()) << reported;
+    MarkResult result = MarkResult::kDone;
+  } steps[] = {
+      {[&] { return marks.UpdateByID(3); }, "3,4"},
+      {[&] { return marks.UpdateByID(99); }, "3,4", MarkResult::kNoRow},
+      {[&] { return marks.ClearSelections(); }, ""},
+      {[&] { return marks.UpdateSelectionByFile("Store", true, 0, ""); }, "11,12"},
+      {[&] { return marks.UpdateSelectionByFile("Store", true, 2, ""); }, "11,12,13"},
+      {[&] { return marks.UpdateSelectionByFile("nobody", true, 1, "001"); }, "11,12,13", MarkResult::kNoRow},
+      {[&] { return marks.UpdateSelectionByFile("Store", false, 1, "001"); }, "13"},
+      {[&] { return marks.UpdateSelectionByFileName(name, true, 1, "002"); }, "13,14"},
+      {[&] { return marks.UpdateSelectionByFileName("nobody", true, 1, "001"); }, "13,14",
+       MarkResult::kNoRow},
+      {[&] { return marks.CancelAll(); }, ""}};
+  for (const auto& [mark, marked, result] : steps) {
+    EXPECT_EQ(mark(), result) << reported;
     EXPECT_EQ(Marked(), marked);
   }
-  EXPECT_TRUE(marks.UpdateSelectionByFileName(name, true, 0, ""));
+  EXPECT_EQ(marks.UpdateSelectionByFileName(name, true, 0, ""), MarkResult::kDone);
   EXPECT_EQ(Marked().size(), 2u) << "of several rows the first";
-  EXPECT_TRUE(marks.UpdateSelectionByFileName(name, false, 0, ""));
+  EXPECT_EQ(marks.UpdateSelectionByFileName(name, false, 0, ""), MarkResult::kDone);
   EXPECT_EQ(Marked(), "") << "which is the same one each time";
   EXPECT_EQ(reported, "");
-  EXPECT_FALSE(marks.UpdateSelectionByFile("a", true, 1, "x'y"));
-  EXPECT_FALSE(marks.UpdateSelectionByFileName("a", true, 1, "x'y"));
+  EXPECT_EQ(marks.UpdateSelectionByFile("a", true, 1, "x'y"), MarkResult::kFailed);
+  EXPECT_EQ(marks.UpdateSelectionByFileName("a", true, 1, "x'y"), MarkResult::kFailed);
   EXPECT_EQ(reported, "UpdateSelection 3075UpdateSelection 3075");
 }
 

@@ -52,24 +52,27 @@ TEST_F(RestoreMarksOnServer, Statements) {
       "execute 128 UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));";
   auto marks = Marks();
   const struct {
-    std::function<bool()> mark;
+    std::function<MarkResult()> mark;
     Calls calls;
+    MarkResult result = MarkResult::kDone;
   } cases[] = {
       {[&] { return marks.UpdateByID(std::numeric_limits<std::int32_t>::min()); },
-       {"execute 128 UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=-2147483648));"}},
+       {"execute 128 UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=-2147483648));"},
+       MarkResult::kNoRow},
       {[&] { return marks.ClearSelections(); }, {clear}},
       {[&] { return marks.CancelAll(); }, {clear}},
       {[&] { return marks.UpdateSelectionByFile("Store", true, 5, "x'y"); },
        {byFile + "5) AND ((Catalog.Extension)='x'y')); ", "edit 0", "update 0", "edit 2", "update 2",
         "close recordset", "close database"}},
       {[&] { return marks.UpdateSelectionByFile("", false, 0, ""); },  // an empty name is not a missing one
-       {byFile + "11) AND ((Catalog.Extension)='042')); ", "close recordset", "close database"}},
+       {byFile + "11) AND ((Catalog.Extension)='042')); ", "close recordset", "close database"},
+       MarkResult::kNoRow},
       {[&] { return marks.UpdateSelectionByFileName("C:\\O'Neil.doc", false, 0, ""); },
        {byName + "11) AND ((Catalog.Extension)='042') AND ((Catalog.Filename)='C:\\O''Neil.doc')); ",
         "edit 0", "update 0"}}};
-  for (const auto& [mark, calls] : cases) {
+  for (const auto& [mark, calls, result] : cases) {
     m_script->calls.clear();
-    EXPECT_TRUE(mark());
+    EXPECT_EQ(mark(), result);
     EXPECT_EQ(m_script->calls.front(), "connect |ODBC;x");
     EXPECT_EQ(Calls(m_script->calls.begin() + 1, m_script->calls.end()), calls);
   }
@@ -84,15 +87,15 @@ TEST_F(RestoreMarksOnServer, ErrorsAreReportedUnderTheOperationsTag) {
   m_script->failures = {{"execute", 3146}, {"update 1", 3260}};
   auto marks = Marks();
   const auto tryAll = [&] {
-    EXPECT_FALSE(marks.UpdateByID(-5));
-    EXPECT_FALSE(marks.CancelAll());
-    EXPECT_FALSE(marks.ClearSelections());
-    EXPECT_FALSE(marks.UpdateSelectionByFile("a", true, 1, "001"));
+    EXPECT_EQ(marks.UpdateByID(-5), MarkResult::kFailed);
+    EXPECT_EQ(marks.CancelAll(), MarkResult::kFailed);
+    EXPECT_EQ(marks.ClearSelections(), MarkResult::kFailed);
+    EXPECT_EQ(marks.UpdateSelectionByFile("a", true, 1, "001"), MarkResult::kFailed);
   };
   tryAll();
   EXPECT_EQ(m_script->rows[0][0], engine::Value(true)) << "the mark made before the error stays";
   m_script->failures = {{"connect", 3151}};
-  EXPECT_FALSE(marks.UpdateSelectionByFileName("a", true, 1, "001"));
+  EXPECT_EQ(marks.UpdateSelectionByFileName("a", true, 1, "001"), MarkResult::kFailed);
   m_settings.dbType = 7;  // another kind of database
   tryAll();
   EXPECT_EQ(m_reports, (Calls{"UpdateByID(-5) 3146", "CancelAll 3146", "ClearSelections 3146",

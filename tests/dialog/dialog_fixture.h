@@ -32,7 +32,7 @@ enum SearchButton { kApplyFound, kClearFound, kFind, kSelectFound };
 enum AutoButton { kApplyTypes, kSelectTypes, kUnselectTypes };
 enum RestoreButton { kRestoreNow, kCancel, kRefresh, kUpdate, kClearList };
 
-inline sample::FileRow Row(std::int64_t id, int setId, std::string extension, std::string path) {
+inline sample::FileRow Row(std::int64_t id, std::int64_t setId, std::string extension, std::string path) {
   sample::FileRow row = Live(id, std::move(path));
   row.setId = setId;
   row.extension = std::move(extension);

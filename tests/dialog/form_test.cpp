@@ -104,7 +104,8 @@ TEST_F(FormTest, CatalogsThatCannotBeUsedAreReportedAndLeftAlone) {
     ExpectReports(
         {"LoadBackupSetTree: (" + number + ") ", "ListCurrentSelections: (", "tbsOptions.Click: ("});
     FormControls& controls = ui();
-    Click(kCancel);
+    Click(kCancel);  // tries once more to list what is marked
+    ExpectReports({"ListCurrentSelections: ("});
     EXPECT_FALSE(controls.form.IsOpen());
     EXPECT_EQ(ReadFile(path), before);
   }
@@ -120,7 +121,8 @@ TEST_F(FormTest, ACatalogThatAnotherProgramHoldsCanBeUsedOnceItIsFree) {
   desktop.doEventsCount = 0;
   Apply();
   EXPECT_GT(desktop.doEventsCount, 20u) << "the window lives while it waits";
-  ExpectReports({"UpdateSelection: (3218) ", "ListCurrentSelections: ("});
+  ExpectReports({"UpdateSelection: (3218) ", "AddToSetSelections: 2 file(s) could not be marked.",
+                 "ListCurrentSelections: ("});
   desktop.onDoEvents = [&] {
     other.Execute("COMMIT");
     EXPECT_EQ(catalog->Marked(), Ids{});
@@ -146,7 +148,7 @@ class LosingBackend : public engine::Backend {
   [[noreturn]] static void Lose() { throw Error(3026, "Disk full."); }
 };
 
-TEST_F(FormTest, LostCommitIsReportedAndNothingIsSkippedForIt) {
+TEST_F(FormTest, LostCommitIsReportedKeepsTheHostWaitingAndIsListed) {
   engine::Workspace::Backends backends;
   backends.sqlite = std::make_unique<LosingBackend>();
   engine::Workspace losing(std::move(backends));
@@ -154,39 +156,65 @@ TEST_F(FormTest, LostCommitIsReportedAndNothingIsSkippedForIt) {
   FormControls controls;
   platform::Platform services = platform.Get();
   dialog::FormContext context(parameters, controls, services, losing);
-
-  bool raised = false;
-  context.Command("Click", [&] { context.RaiseToHost("Click", [&] { raised = true; }); });
-  EXPECT_TRUE(raised);
-  ExpectReports({"Click: (3026) Disk full.", "Click: (3026) Disk full."});
-  EXPECT_FALSE(losing.InAction());
+  int listed = 0, raised = 0;
+  context.ListMarksAnew = [&] {
+    ++listed;
+    context.ListingMarks();
+  };
+  for (const bool evenThen : {false, true}) {
+    context.Command("Click", [&] {
+      context.RaiseToHost(
+          "Click", [&] { ++raised; }, evenThen);
+    });
+    EXPECT_EQ(raised, evenThen);
+    EXPECT_EQ(listed, evenThen ? 2 : 1);
+    ExpectReports({"Click: (3026) Disk full.", "Click: (3026) Disk full.", "Click: (3026) Disk full."});
+    EXPECT_FALSE(losing.InAction());
+  }
   context.Command("A", [&] { context.Reporting("B", [] { throw Error(6, "Overflow"); }); });
-  ExpectReports({"B: (6) Overflow", "B: (3026) Disk full.", "A: (3026) Disk full."});
+  ExpectReports({"B: (6) Overflow", "B: (3026) Disk full.", "A: (3026) Disk full.", "A: (3026) Disk full."});
 }
 
-TEST_F(FormTest, WhileAWalkRunsNothingElseStarts) {
+TEST_F(FormTest, AButtonPressedDuringAWalkTakesEffectWhenThatHasEnded) {
   MakeCatalog({Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.doc"), Row(3, 1, "003", "C:\\c.doc")});
-  form.CommenceRestore = [] { ADD_FAILURE() << "committed during a walk"; };
-  ui().cboMask.SetText("doc");
+  int committed = 0;
+  form.CommenceRestore = [&] { ++committed; };
   ChooseRun();
   Tick("b.doc");
-  Apply();
-  Tick("c.doc");
-  DuringWalk(2, [this] {
-    for (int index : {kRestoreNow, kRefresh, kUpdate, kClearList}) ui().cmdRestore[index].UserClick();
-    for (auto& button : ui().cmdAction) button.UserClick();
-    ui().form.UserKey(controls::Key::kF5);
-    for (const int tab : {3, 2, 1}) ShowTab(tab);
-    for (auto& button : ui().cmdSearch) button.UserClick();
-    EXPECT_EQ(ui().asSearch.Count() + ui().asFiles.Count(), 0u);
-    // Ticks are the user's own and count when the walk comes to them.
-    Tick("a.doc");
+  const auto duringApply = [this](const std::function<void()>& press) {
+    DuringWalk(2, press);
+    Apply();
+    desktop.onDoEvents = nullptr;
+  };
+  duringApply([this] {
+    // One at most, the last one; nothing of it starts before the walk has ended.
+    Click(kClearList);
+    ui().cmdAction[kClearAll].UserClick();
+    ui().cmdAction[kExpandAll].UserClick();
+    EXPECT_FALSE(Detail("C:\\").Expanded());
+    Tick("a.doc");  // ticks are the user's own and count when the walk comes to them
   });
-  Apply();
-  EXPECT_EQ(Selected(), "3 file(s) selected");
-  EXPECT_EQ(catalog->Marked().size(), 3u);
-  ShowTab(3);
-  EXPECT_GT(ui().asFiles.Count(), 0u) << "the chooser waits for a visit without a walk";
+  EXPECT_TRUE(Detail("C:\\").Expanded());
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
+  EXPECT_TRUE(Detail("b.doc").Checked());
+
+  duringApply([this] {
+    Click(kClearList);
+    Escape();
+  });
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2})) << "Esc drops it";
+  duringApply([this] { ShowTab(3); });
+  EXPECT_GT(ui().asFiles.Count(), 0u) << "the chooser is filled, too";
+  ShowTab(1);
+  duringApply([this] { ChooseRun("1 002"); });
+  EXPECT_EQ(ui().tvwDetails.Count(), 0u) << "a run of no files";
+  ChooseRun();
+  TickAll();
+  FormControls& controls = ui();
+  duringApply([this] { Click(kRestoreNow); });
+  EXPECT_EQ(committed, 1);
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 3}));
+  EXPECT_FALSE(controls.form.IsOpen());
 }
 
 }  // namespace

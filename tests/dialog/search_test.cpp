@@ -142,21 +142,34 @@ TEST_F(SearchTab, StoppingAndFailingKeepWhatWasFoundAndMarked) {
   EXPECT_EQ(catalog->Marked().size(), 4u);
 
   catalog->HideTable();
-  ApplyFound();  // the first mark that fails, and the list
-  ExpectReports({"UpdateSelection: (", "ListCurrentSelections: ("});
+  ApplyFound();  // the same error of four marks is told once
+  ExpectReports({"UpdateSelection: (", "AddToSearchSelections: 4 file(s) could not be marked.",
+                 "ListCurrentSelections: ("});
   Find("*.xls");
   ExpectReports({"AdvancedSearch: ("});
   EXPECT_EQ(ui().asSearch.Count(), 4u);
   EXPECT_EQ(ui().form.MousePointer(), controls::MousePointer::kDefault);
 }
 
-TEST_F(SearchTab, SetNumbersBeyondSixteenBitCannotBeMarked) {
-  Load({Row(1, 40000, "001", "C:\\a.doc")});
-  Find("a");
-  ui().asSearch.UserTick(1, true);
-  ApplyFound();
-  ExpectReports({"AddToSearchSelections: (6) Overflow"});
-  EXPECT_EQ(catalog->Marked(), Ids{});
+// An entry's own set and extension are used as they are, and nothing is cut to fit.
+TEST_F(SearchTab, EntriesOfOddRunsMarkTheirOwnRowsOrNone) {
+  auto noExtension = Row(3, 1, "", "C:\\same.doc");
+  Load({Row(1, 1, "003", "C:\\same.doc"), Row(2, 0, "003", "C:\\same.doc"), noExtension,
+        Row(4, 40000, "003", "C:\\same.doc"), Row(5, (std::int64_t{1} << 32) + 1, "003", "C:\\same.doc")});
+  ChooseRun();
+  const std::pair<int, Ids> cases[] = {{2, {2}}, {3, {2, 3}}, {4, {2, 3}}, {5, {2, 3}}};
+  for (const auto& [id, marked] : cases) {
+    catalog->Execute("UPDATE Catalog SET OrigName = iif(ID = " + std::to_string(id) + ", 'hit', 'other')");
+    Find("hit");
+    ASSERT_EQ(ui().asSearch.Count(), 1u);
+    ui().asSearch.UserTick(1, true);
+    ApplyFound();
+    EXPECT_EQ(catalog->Marked(), marked) << id;
+    if (id >= 4) {
+      ExpectReports(
+          {"AddToSearchSelections: (6) Overflow", "AddToSearchSelections: 1 file(s) could not be marked."});
+    }
+  }
 }
 
 }  // namespace

@@ -131,14 +131,60 @@ TEST_F(SetDetailTest, ApplyMarksTickedFilesAndCanBeStopped) {
   EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 4, 5}));
 }
 
-TEST_F(SetDetailTest, ALoadThatIsStoppedShowsWhatThereIs) {
+TEST_F(SetDetailTest, APartOfARunDoesNotLookLikeTheWhole) {
   Load({Live(1, "C:\\a.doc"), Live(2, "C:\\b.doc"), Live(3, "C:\\c.doc")});
   EscapeAt(3);
   ChooseRun("1 001");
-  EXPECT_EQ(ui().lblTreeCount.Caption(), "2 file(s).");
+  EXPECT_EQ(ui().lblTreeCount.Caption(), "Stopped after 2 file(s)");
   EXPECT_TRUE(ui().form.IsOpen());
   ChooseRun("1 001");
   EXPECT_EQ(ui().lblTreeCount.Caption(), "3 file(s).");
+  catalog->HideTable();
+  ChooseRun("1 001");
+  ExpectReports({"LoadBackupSetDetail: ("});
+  EXPECT_EQ(ui().lblTreeCount.Caption(), "Failed after 0 file(s)");
+}
+
+TEST_F(SetDetailTest, ASetBeyondThirtyTwoBitsIsAnOverflowAndNothingOfItIsMarked) {
+  MakeCatalog({Row(1, 1, "003", "C:\\a.doc"), Row(2, 3'000'000'000, "003", "C:\\a.doc")});
+  catalog->Execute(
+      "INSERT INTO SetNames VALUES (3000000000, 'Large'); INSERT INTO BackupAudit (SetNameID, DateStamp, "
+      "Extension, "
+      "Permanent, Status) VALUES (3000000000, '2026-04-01 00:00:00', '003', 0, 6)");
+  ChooseRun();
+  ChooseNode("3000000000 003");
+  ExpectReports({"LoadBackupSetDetail: (6) Overflow"});
+  EXPECT_EQ(ui().tvwDetails.Count(), 0u) << "nor are another set's files shown under its name";
+  ShowTab(2);
+  ui().optLookIn[0].UserClick();
+  ui().cboMask.SetText("a");
+  ui().cmdSearch[kFind].UserClick();
+  ExpectReports({"AdvancedSearch: (6) Overflow"});
+  ChooseNode("Large");
+  ExpectReports({"tvwSets.NodeClick: (6) Overflow"});
+}
+
+// What is not what its column should hold costs only itself: it is listed, and counted where it cannot be
+// marked.
+TEST_F(SetDetailTest, OddRowsAreListedAndCountedWhereTheyCannotBeMarked) {
+  Load({Live(1, "C:\\1.txt"), Live(2, "C:\\2.txt"), Live(3, "C:\\3.txt"), Live(4, "C:\\4.txt"),
+        Live(5, "C:\\5.txt")});
+  catalog->Execute(
+      "INSERT INTO LongPaths VALUES (7, 'C:\\long.txt'), (8, ''); UPDATE Catalog SET LongPathID = 7 WHERE ID "
+      "IN (2, 3);"
+      "UPDATE Catalog SET LongPathID = 8, OrigSize = 'much' WHERE ID = 4; UPDATE Catalog SET Filename = NULL "
+      "WHERE ID "
+      "= 2; UPDATE Catalog SET Filename = x'00ff' WHERE ID = 3; UPDATE Catalog SET Filename = 5 WHERE ID = "
+      "5");
+  ChooseRun("1 001");
+  EXPECT_EQ(ui().lblTreeCount.Caption(), "5 file(s).");
+  TickAll();
+  Apply();
+  ExpectReports({"AddToSetSelections: 2 file(s) could not be marked."});
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 4, 5}));
+  EXPECT_EQ(Listed(), (Strings{"5", "C:\\1.txt", "C:\\4.txt"}));
+  EXPECT_FALSE(ui().asRestoreList.At(2).sizeKnown && ui().asRestoreList.At(2).name == "C:\\4.txt");
+  EXPECT_TRUE(ui().cmdRestore[kRestoreNow].Enabled());
 }
 
 }  // namespace

@@ -150,10 +150,10 @@ std::vector<ServerStatement> ServerStatements() {
   settings.connect = "ODBC;";
   const catalog::CurrentRun run{3, "001"};
   catalog::RestoreMarks marks(workspace, settings, run, [](const Error&, const std::string&) {});
-  marks.UpdateByID(-1234);
-  marks.UpdateSelectionByFile("a.doc", true, 0, "");
-  marks.UpdateSelectionByFileName("C:\\it's.txt", false, 2, "002");
-  marks.CancelAll();
+  (void)marks.UpdateByID(-1234);
+  (void)marks.UpdateSelectionByFile("a.doc", true, 0, "");
+  (void)marks.UpdateSelectionByFileName("C:\\it's.txt", false, 2, "002");
+  (void)marks.CancelAll();
 
   std::vector<ServerStatement> statements;
   for (const auto& [name, text] : script->queries) statements.push_back({name, text});

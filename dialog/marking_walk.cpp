@@ -1,0 +1,102 @@
+#include "dialog/marking_walk.h"
+
+#include "engine/error_numbers.h"
+#include "platform/desktop.h"
+
+namespace kxrestore::dialog {
+
+namespace {
+
+// Errors after which every further mark would fail the same way, each after a wait of its own.
+bool IsUnreachable(int number) {
+  namespace engine_error = engine::error_number;
+  switch (number) {
+    case engine_error::kFileNotFound:
+    case engine_error::kCannotOpen:
+    case engine_error::kFileInUse:
+    case engine_error::kUnrecognizedFormat:
+    case engine_error::kCannotCreateObject:
+    case engine_error::kOdbcConnectionFailed:
+    case error_number::kObjectVariableNotSet:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+MarkingWalk::MarkingWalk(FormContext& context, std::string routine)
+    : m_context(context), m_routine(std::move(routine)), m_commits(context.workspace.Commits()) {
+  m_reportBefore = std::exchange(
+      m_context.onMarkError, [this](const Error& error, const std::string& name) { Report(error, name); });
+}
+
+MarkingWalk::~MarkingWalk() {
+  m_context.onMarkError = std::move(m_reportBefore);
+}
+
+bool MarkingWalk::Next() {
+  try {
+    m_context.DoEvents();
+  } catch (...) {
+    Report(CurrentError(), m_routine);
+  }
+  TakeCommits();
+  return !Stopped();
+}
+
+void MarkingWalk::Marked(std::size_t item, catalog::MarkResult result) {
+  using catalog::MarkResult;
+  if (result == MarkResult::kDone) {
+    m_waiting.push_back(item);
+    m_context.unlistedMarks = true;
+  } else if (!std::exchange(m_interrupted, false)) {
+    CannotMark(item);
+  }
+  TakeCommits();
+}
+
+// What the engine has made of the marks that waited for a commit.
+void MarkingWalk::TakeCommits() {
+  const engine::CommitCounts now = m_context.workspace.Commits();
+  if (now.lost != m_commits.lost) {
+    m_notMarked.insert(m_notMarked.end(), m_waiting.begin(), m_waiting.end());
+    m_waiting.clear();
+    m_context.CommitLost();
+  } else if (now.committed != m_commits.committed) {
+    m_waiting.clear();
+  }
+  m_commits = now;
+}
+
+void MarkingWalk::Report(const Error& error, const std::string& routine) {
+  if (m_context.IsStop(error)) {
+    m_interrupted = true;
+    return;
+  }
+  if (IsUnreachable(error.Number())) m_hopeless = true;
+  if (!m_shown.emplace(error.Number(), error.Description()).second) return;
+  Commit();  // the user may take long to answer
+  m_context.ShowError(error, routine);
+}
+
+void MarkingWalk::Commit() {
+  try {
+    m_context.workspace.Flush();
+  } catch (...) {
+    Report(CurrentError(), m_routine);
+  }
+}
+
+MarkingWalk::End MarkingWalk::Finish() {
+  Commit();
+  TakeCommits();
+  if (!m_notMarked.empty()) {
+    m_context.MessageBox(std::to_string(m_notMarked.size()) + " file(s) could not be marked.",
+                         platform::kExclamation, m_routine);
+  }
+  return Stopped() ? End::kStopped : End::kDone;
+}
+
+}  // namespace kxrestore::dialog
