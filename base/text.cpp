@@ -180,15 +180,4 @@ bool ContainsIgnoringCase(std::string_view text, std::string_view piece) {
   return FoldCase(text).find(FoldCase(piece)) != std::string::npos;
 }
 
-int CompareForSorting(std::string_view left, std::string_view right) {
-  std::size_t i = 0, j = 0;
-  while (i < left.size() && j < right.size()) {
-    const char32_t a = NextFolded(left, i), b = NextFolded(right, j);
-    if (a != b) return a < b ? -1 : 1;
-  }
-  if (i < left.size()) return 1;
-  if (j < right.size()) return -1;
-  return left.compare(right);
-}
-
 }  // namespace kxrestore

@@ -29,8 +29,8 @@ void AppendFolded(std::string& folded, std::string_view text);  // for callers t
 bool EqualIgnoringCase(std::string_view left, std::string_view right);
 bool ContainsIgnoringCase(std::string_view text, std::string_view piece);
 
-// Order for lists that people read: without regard to case first, byte order among texts that differ in case
-// only. Negative, zero (only for identical texts) or positive.
+// Order for lists that people read: accented letters stand beside plain ones, and accents decide only between
+// texts that are the same without them. Negative, positive, or zero for texts that differ in case only.
 int CompareForSorting(std::string_view left, std::string_view right);
 
 }  // namespace kxrestore

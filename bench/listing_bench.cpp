@@ -116,10 +116,11 @@ class Latest : public Comparison {
     std::string conditions = "Status = 2";
     if (m_terms.setId != 0) conditions += " AND SetNameID = " + std::to_string(m_terms.setId);
     if (!m_terms.mask.empty()) conditions += " AND OrigName LIKE '%" + m_terms.mask + "%'";
-    const std::string sql = std::string("SELECT ") + kListColumns +
-                            ", Catalog.ID FROM (SELECT max(ID) AS Newest FROM Catalog WHERE " + conditions +
-                            " GROUP BY OrigName) JOIN Catalog ON Catalog.ID = Newest LEFT JOIN SetNames ON "
-                            "SetNames.ID = SetNameID ORDER BY DateStamp DESC, Catalog.ID DESC";
+    const std::string sql =
+        std::string("SELECT ") + kListColumns +
+        ", Catalog.ID FROM (SELECT max(ID) AS Newest FROM Catalog WHERE " + conditions +
+        " GROUP BY OrigName COLLATE NOCASE) JOIN Catalog ON Catalog.ID = Newest LEFT JOIN SetNames ON "
+        "SetNames.ID = SetNameID ORDER BY DateStamp DESC, Catalog.ID DESC";
     BareStatement rows(database.Get(), sql.c_str());
     Totals totals;
     for (; rows.Step(); ++totals.rows) {

@@ -1,6 +1,7 @@
 #include "catalog/restore_query.h"
 
 #include "base/error.h"
+#include "base/text.h"
 #include "engine/error_numbers.h"
 
 namespace kxrestore::catalog {
@@ -82,7 +83,7 @@ std::string BySetText(std::string_view fullCatalog, std::int32_t setId, std::str
   if (semicolon != std::string_view::npos) {
     fullCatalog = fullCatalog.substr(0, semicolon);
   } else if (!fullCatalog.empty()) {
-    fullCatalog.remove_suffix(1);
+    fullCatalog = LeftCharacters(fullCatalog, CharacterCount(fullCatalog) - 1);
   }
   std::string text(fullCatalog);
   if (ext.empty()) {

@@ -67,6 +67,10 @@ struct Expression {
   ~Expression();
 };
 
+// What GROUP BY names, without the collation by which saved queries of SQLite say what is understood here:
+// that case does not count.
+const Expression& GroupedExpression(const Expression& key);
+
 struct SelectItem {
   ExpressionPtr expression;   // empty for *
   std::string starQualifier;  // T of T.*

@@ -58,6 +58,8 @@ class Dialect {
 
   // A column to sort by, so that texts come in the order that people expect.
   virtual std::string SortKey(const std::string& column, ValueKind /*kind*/) const { return column; }
+  // A column to group by, so that texts which differ in case only are one group.
+  virtual std::string GroupKey(const std::string& column, ValueKind /*kind*/) const { return column; }
 
   // TOP n stands behind SELECT, or LIMIT n at the end.
   virtual bool LimitAtEnd() const = 0;
@@ -77,6 +79,7 @@ class SqliteDialect : public Dialect {
  public:
   static constexpr const char* kLikeFunction = "kx_like";           // kx_like(text, pattern)
   static constexpr const char* kLastPlaceFunction = "kx_instrrev";  // (text, piece), from 1, 0 for none
+  static constexpr const char* kFoldFunction = "kx_fold";           // (value), a text without its case
   static constexpr const char* kCollation = "kx_text_order";
 
   explicit SqliteDialect(bool savedQuery) : m_savedQuery(savedQuery) {}
@@ -90,6 +93,7 @@ class SqliteDialect : public Dialect {
   std::string First(const std::string& operand, ValueKind /*kind*/) const override { return operand; }
   bool FirstIsAggregate() const override { return false; }
   std::string SortKey(const std::string& column, ValueKind kind) const override;
+  std::string GroupKey(const std::string& column, ValueKind kind) const override;
   bool LimitAtEnd() const override { return true; }
 
  protected:

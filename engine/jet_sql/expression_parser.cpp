@@ -12,6 +12,10 @@ constexpr int kMaxTreeDepth = 400;  // what printing and destroying may recurse 
 Expression::Expression() = default;
 Expression::~Expression() = default;
 
+const Expression& GroupedExpression(const Expression& key) {
+  return key.kind == ExpressionKind::kCollate && IsKeyword(key.text, "NOCASE") ? *key.args.front() : key;
+}
+
 ExpressionPtr ExpressionParser::Make(ExpressionKind kind) {
   auto expression = std::make_unique<Expression>();
   expression->kind = kind;

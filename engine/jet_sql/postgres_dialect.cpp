@@ -6,6 +6,10 @@ namespace {
 
 constexpr const char* kIcuCollation = " COLLATE \"und-x-icu\"";
 
+// Letters that stand beside others where nothing of the server's says so.
+constexpr const char* kAccented = "àáâãäåçèéêëìíîïñòóôõöøùúûüýÿÀÁÂÃÄÅÇÈÉÊËÌÍÎÏÑÒÓÔÕÖØÙÚÛÜÝŸ";
+constexpr const char* kPlain = "aaaaaaceeeeiiiinoooooouuuuyyaaaaaaceeeeiiiinoooooouuuuyy";
+
 void AppendLiteral(std::string& regex, char c) {
   if (static_cast<unsigned char>(c) < 0x80 && !IsWordCharacter(c)) regex += '\\';
   regex += c;
@@ -95,8 +99,19 @@ std::string PostgresDialect::First(const std::string& operand, ValueKind kind) c
   return "min(" + operand + ")";
 }
 
+std::string PostgresDialect::Lower(const std::string& operand) const {
+  return "lower(" + operand + (m_collatesCase ? kIcuCollation : "") + ")";
+}
+
 std::string PostgresDialect::SortKey(const std::string& column, ValueKind kind) const {
-  return m_collatesOrder && kind == ValueKind::kText ? column + kIcuCollation : column;
+  if (kind != ValueKind::kText) return column;
+  if (m_order == Order::kOwn) return Lower(column);
+  if (m_order == Order::kCollation) return Lower(column) + kIcuCollation;
+  return "translate(" + Lower(column) + ", '" + kAccented + "', '" + kPlain + "')";
+}
+
+std::string PostgresDialect::GroupKey(const std::string& column, ValueKind kind) const {
+  return kind == ValueKind::kText ? Lower(column) : column;
 }
 
 std::span<const FunctionMapping> PostgresDialect::Functions() const {

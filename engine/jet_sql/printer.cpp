@@ -53,16 +53,23 @@ bool IsCondition(const Expression& expression) {
 }
 
 bool IsAggregate(const Expression& expression) {
-  for (const std::string_view name : {"MAX", "MIN", "COUNT", "SUM", "AVG"}) {
+  for (const std::string_view name : {"FIRST", "MAX", "MIN", "COUNT", "SUM", "AVG"}) {
     if (IsCall(expression, name, 1)) return true;
   }
   return false;
 }
 
+bool IsSameColumn(const Expression& a, const Expression& b) {
+  return a.kind == ExpressionKind::kColumn && b.kind == ExpressionKind::kColumn &&
+         EqualIgnoringCase(a.text, b.text) && EqualIgnoringCase(a.qualifier, b.qualifier);
+}
+
 class Printer {
  public:
-  explicit Printer(const Dialect& dialect, PrintedAs printedAs = PrintedAs::kStatement)
-      : m_dialect(dialect), m_printedAs(printedAs) {}
+  // `grouped`: the SELECT whose groups the expressions stand for, outside of its aggregates.
+  explicit Printer(const Dialect& dialect, PrintedAs printedAs = PrintedAs::kStatement,
+                   const SelectCore* grouped = nullptr)
+      : m_dialect(dialect), m_printedAs(printedAs), m_grouped(grouped) {}
 
   std::string operator()(const SelectStatement& statement) const {
     return Select(statement, m_printedAs == PrintedAs::kStatement);
@@ -112,13 +119,13 @@ class Printer {
     const bool needsTop = !outermost && !statement.orderBy.empty() && !m_dialect.OrdersWithin();
     for (std::size_t i = 0; i < statement.cores.size(); ++i) {
       if (i > 0) text += statement.unionAll[i - 1] ? " UNION ALL " : " UNION ";
-      text += Core(statement.cores[i], needsTop && statement.cores.size() == 1);
+      text += Of(nullptr).Core(statement.cores[i], needsTop && statement.cores.size() == 1);
     }
     if (needsTop && statement.cores.size() > 1) return text;  // no TOP can stand for all of a union
     for (std::size_t i = 0; i < statement.orderBy.size(); ++i) {
       const OrderItem& item = statement.orderBy[i];
       text += i == 0 ? " ORDER BY " : ", ";
-      text += SortKey(*item.expression);
+      text += (statement.cores.size() == 1 ? Of(&statement.cores.front()) : *this).SortKey(*item.expression);
       if (item.descending) text += " DESC";
     }
     if (m_dialect.LimitAtEnd()) {
@@ -144,8 +151,11 @@ class Printer {
     bool first = false;
     for (const SelectItem& item : core.items) {
       if (!item.expression) return false;
-      if (IsAggregate(*item.expression)) return false;
-      first = first || IsCall(*item.expression, "FIRST", 1);
+      if (IsCall(*item.expression, "FIRST", 1)) {
+        first = true;
+      } else if (IsAggregate(*item.expression)) {
+        return false;
+      }
     }
     return first;
   }
@@ -159,14 +169,16 @@ class Printer {
     }
     for (std::size_t i = 0; i < core.items.size(); ++i) {
       if (i > 0) text += ", ";
-      text += Item(core.items[i], i);
+      text += Of(&core).Item(core.items[i], i);
     }
     for (std::size_t i = 0; i < core.from.size(); ++i) {
       text += (i == 0 ? " FROM " : ", ") + Chain(core.from[i]);
     }
     text += Where(core.where);
-    if (!core.groupBy.empty()) text += " GROUP BY " + List(core.groupBy, 0);
-    if (core.having) text += " HAVING " + Condition(*core.having);
+    for (std::size_t i = 0; i < core.groupBy.size(); ++i) {
+      text += (i == 0 ? " GROUP BY " : ", ") + GroupKey(*core.groupBy[i]);
+    }
+    if (core.having) text += " HAVING " + Of(&core).Condition(*core.having);
     return text;
   }
 
@@ -259,8 +271,7 @@ class Printer {
       case ExpressionKind::kParameter:
         return m_dialect.Parameter(node.number);
       case ExpressionKind::kColumn:
-        return (node.qualifier.empty() ? "" : m_dialect.Identifier(node.qualifier) + ".") +
-               m_dialect.Identifier(node.text);
+        return HasManySpellings(node) ? m_dialect.First(Column(node), node.valueKind) : Column(node);
       case ExpressionKind::kStar:
         return "*";
       case ExpressionKind::kNot:
@@ -298,6 +309,27 @@ class Printer {
     return {};
   }
 
+  std::string Column(const Expression& node) const {
+    return (node.qualifier.empty() ? "" : m_dialect.Identifier(node.qualifier) + ".") +
+           m_dialect.Identifier(node.text);
+  }
+
+  std::string GroupKey(const Expression& expression) const {
+    const Expression& column = GroupedExpression(expression);
+    if (column.kind != ExpressionKind::kColumn) return Value(expression);
+    return m_dialect.GroupKey(Column(column), column.valueKind);
+  }
+
+  // Whether a column is one that the rows of a group may spell in several ways, so that one has to be chosen.
+  bool HasManySpellings(const Expression& column) const {
+    if (m_grouped == nullptr || !m_dialect.FirstIsAggregate()) return false;
+    return std::any_of(m_grouped->groupBy.begin(), m_grouped->groupBy.end(), [&](const ExpressionPtr& key) {
+      return IsSameColumn(*key, column) && GroupKey(*key) != Column(column);
+    });
+  }
+
+  Printer Of(const SelectCore* grouped) const { return Printer(m_dialect, m_printedAs, grouped); }
+
   std::string Operators(const Expression& node) const {
     const Level level = LevelOf(node);
     std::string text = Operand(*node.args[0], level);
@@ -332,12 +364,8 @@ class Printer {
     return Operand(left, kTestLevel) + " " + name + " " + Operand(right, kTestLevel);
   }
 
-  static bool IsSameColumn(const Expression& a, const Expression& b) {
-    return a.kind == ExpressionKind::kColumn && b.kind == ExpressionKind::kColumn &&
-           EqualIgnoringCase(a.text, b.text) && EqualIgnoringCase(a.qualifier, b.qualifier);
-  }
-
   std::string Call(const Expression& node) const {
+    if (m_grouped != nullptr && IsAggregate(node)) return Of(nullptr).Call(node);
     if (IsCall(node, "ISNULL", 1)) return "(" + Operand(*node.args[0], kTestLevel) + " IS NULL)";
     if (IsCall(node, "FIRST", 1)) {
       return m_dialect.First(Operand(*node.args[0], kArithmeticLevel), node.args[0]->valueKind);
@@ -375,6 +403,7 @@ class Printer {
 
   const Dialect& m_dialect;
   PrintedAs m_printedAs;
+  const SelectCore* m_grouped;
 };
 
 }  // namespace

@@ -25,10 +25,9 @@ class ServerDialect : public Dialect {
 
 class PostgresDialect final : public ServerDialect {
  public:
-  // Where the database's own locale sorts by codes, or knows the case of ASCII letters only, a collation
-  // does.
-  PostgresDialect(bool collatesOrder, bool collatesCase)
-      : m_collatesOrder(collatesOrder), m_collatesCase(collatesCase) {}
+  // How the database gets by where its own locale sorts by codes, or knows the case of ASCII letters only.
+  enum class Order { kOwn, kCollation, kPlainLetters };
+  PostgresDialect(Order order, bool collatesCase) : m_order(order), m_collatesCase(collatesCase) {}
 
   std::string Boolean(bool value) const override { return value ? "TRUE" : "FALSE"; }
   std::string BooleanTest(const std::string& operand, bool expected, ValueKind kind) const override;
@@ -40,13 +39,17 @@ class PostgresDialect final : public ServerDialect {
   std::string First(const std::string& operand, ValueKind kind) const override;
   bool FirstIsAggregate() const override { return true; }
   std::string SortKey(const std::string& column, ValueKind kind) const override;
+  std::string GroupKey(const std::string& column, ValueKind kind) const override;
   bool LimitAtEnd() const override { return true; }
 
  protected:
   std::span<const FunctionMapping> Functions() const override;
 
  private:
-  bool m_collatesOrder, m_collatesCase;
+  std::string Lower(const std::string& operand) const;
+
+  Order m_order;
+  bool m_collatesCase;
 };
 
 // For a server that nobody has told us about. Of masks it takes what LIKE can say: digits and lists of
@@ -66,6 +69,7 @@ class StandardDialect final : public ServerDialect {
   }
   bool FirstIsAggregate() const override { return true; }
   std::string SortKey(const std::string& column, ValueKind kind) const override;
+  std::string GroupKey(const std::string& column, ValueKind kind) const override;
   bool LimitAtEnd() const override { return true; }
 
  protected:

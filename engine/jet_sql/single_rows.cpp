@@ -9,10 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "base/error.h"
 #include "base/text.h"
 #include "engine/jet_sql/lexer.h"
-#include "engine/jet_sql/parser.h"
+#include "engine/jet_sql/saved_query.h"
 
 namespace kxrestore::engine::jet_sql {
 namespace {
@@ -131,6 +130,10 @@ bool IsPlainCondition(const Expression& condition, const TableRef& table) {
                      [&](const ExpressionPtr& argument) { return IsPlainCondition(*argument, table); });
 }
 
+bool IsGiven(const Expression& expression) {
+  return expression.kind == ExpressionKind::kText || expression.kind == ExpressionKind::kParameter;
+}
+
 void SplitTerms(ExpressionPtr condition, std::vector<ExpressionPtr>& terms) {
   if (!condition) return;
   if (condition->kind == ExpressionKind::kChain && condition->operators.front() == "AND") {
@@ -152,17 +155,9 @@ ExpressionPtr JoinTerms(std::vector<ExpressionPtr> terms) {
 
 // ---- what is known of the tables
 
-std::optional<SelectStatement> ReadSavedQuery(TableFacts& facts, const std::string& name) {
-  const auto text = facts.SavedQuery(name);
-  if (!text) return std::nullopt;
-  try {
-    Statement statement = Parse(*text);
-    auto* select = std::get_if<SelectStatement>(&statement);
-    if (select == nullptr || !IsPlainCore(*select)) return std::nullopt;
-    return std::move(*select);
-  } catch (const Error&) {
-    return std::nullopt;  // what another program wrote may be beyond the dialect
-  }
+std::optional<SelectStatement> ReadPlainQuery(TableFacts& facts, const std::string& name) {
+  auto query = ReadSavedQuery(facts, name);
+  return query && IsPlainCore(*query) ? std::move(query) : std::nullopt;
 }
 
 // The table that a chain of joins calls so; null when there is none, or more than one.
@@ -226,7 +221,7 @@ struct TableColumn {
 class SingleRowSource {
  public:
   SingleRowSource(TableFacts& facts, const std::string& name) : m_facts(facts), m_name(name) {
-    m_query = ReadSavedQuery(facts, name);
+    m_query = ReadPlainQuery(facts, name);
     if (!m_query) return;
     const SelectCore& core = m_query->cores.front();
     const auto plain = [](const SelectItem& item) {
@@ -267,7 +262,7 @@ class Listing {
       return std::nullopt;
     }
     m_listed = &core.from.front().first;
-    auto outer = ReadSavedQuery(m_facts, m_listed->name);
+    auto outer = ReadPlainQuery(m_facts, m_listed->name);
     if (!outer || !ReadOuter(outer->cores.front()) || !ReadInner()) return std::nullopt;
     const SingleRowSource source(m_facts, m_rows->name);
     const auto key = source.Find(m_key);
@@ -283,7 +278,7 @@ class Listing {
     const Join& join = chain.joins.front();
     if (join.type != JoinType::kInner || !IsNamed(join.table)) return false;
     if (EqualIgnoringCase(NameOf(chain.first), NameOf(join.table))) return false;
-    const Expression& grouped = *outer.groupBy.front();
+    const Expression& grouped = GroupedExpression(*outer.groupBy.front());
     const bool first = IsColumnOf(grouped, chain.first);
     if (!first && !IsColumnOf(grouped, join.table)) return false;
     m_rows = first ? &chain.first : &join.table;
@@ -301,13 +296,13 @@ class Listing {
   }
 
   bool ReadInner() {
-    m_inner = ReadSavedQuery(m_facts, m_newest->name);
+    m_inner = ReadPlainQuery(m_facts, m_newest->name);
     if (!m_inner || !m_inner->orderBy.empty()) return false;
     SelectCore& core = m_inner->cores.front();
     const TableRef& source = core.from.front().first;
     if (core.groupBy.size() != 1 || !core.from.front().joins.empty() || !IsNamed(source)) return false;
     if (!EqualIgnoringCase(source.name, m_rows->name)) return false;
-    const Expression& grouped = *core.groupBy.front();
+    const Expression& grouped = GroupedExpression(*core.groupBy.front());
     if (!IsColumnOf(grouped, source) || !EqualIgnoringCase(grouped.text, m_grouped)) return false;
     if (core.where && !IsPlainCondition(*core.where, source)) return false;
     const SelectItem* item = FindItem(core, m_newestKey);
@@ -372,18 +367,18 @@ class Listing {
     return true;
   }
 
-  // A condition on the grouped column alone keeps or drops whole groups, so it may stand before the grouping.
+  // A mask of the grouped column keeps or drops whole groups, as neither minds case, so it may stand before
+  // the grouping.
   bool AddTerm(const SelectCore& outer, const Expression& term, bool mayGoInside,
                std::vector<ExpressionPtr>& inside, std::vector<ExpressionPtr>& outside) const {
-    bool onlyGrouped = true;
     ExpressionPtr copy = Copy(term, [&](const Expression& column) {
       const Expression* behind = Behind(outer, column);
-      if (behind == nullptr) return ExpressionPtr();
-      onlyGrouped = onlyGrouped && EqualIgnoringCase(behind->text, m_grouped);
-      return MakeColumn(NameOf(*m_rows), behind->text);
+      return behind == nullptr ? nullptr : MakeColumn(NameOf(*m_rows), behind->text);
     });
     if (!copy) return false;
-    if (!mayGoInside || !onlyGrouped) {
+    const bool isMask = copy->kind == ExpressionKind::kLike && IsColumnOf(*copy->args[0], *m_rows) &&
+                        EqualIgnoringCase(copy->args[0]->text, m_grouped) && IsGiven(*copy->args[1]);
+    if (!mayGoInside || !isMask) {
       outside.push_back(std::move(copy));
       return true;
     }

@@ -12,7 +12,7 @@ namespace kxrestore::engine::jet_sql {
 //   G: SELECT Max(F.key) AS key FROM F WHERE ... GROUP BY F.name
 //
 // and group the result by that column again. Where a key names one row of F, no group of the result has more
-// than one row. Then a listing of that query is turned into one without the outer groups, whose conditions on
+// than one row. Then a listing of that query is turned into one without the outer groups, whose masks of
 // the grouped column stand before the inner grouping. Anything else, and whatever the tables cannot prove,
 // stays as it is.
 void RemoveGroupsOfSingleRows(TableFacts& facts, SelectStatement& listing);

@@ -109,4 +109,9 @@ std::string SqliteDialect::SortKey(const std::string& column, ValueKind /*kind*/
   return m_savedQuery ? column : column + " COLLATE " + kCollation;
 }
 
+// Every SQLite knows the case of ASCII letters.
+std::string SqliteDialect::GroupKey(const std::string& column, ValueKind /*kind*/) const {
+  return m_savedQuery ? column + " COLLATE NOCASE" : kFoldFunction + ("(" + column + ")");
+}
+
 }  // namespace kxrestore::engine::jet_sql

@@ -103,6 +103,10 @@ std::string StandardDialect::SortKey(const std::string& column, ValueKind kind) 
   return kind == ValueKind::kText ? "UPPER(" + column + ")" : column;
 }
 
+std::string StandardDialect::GroupKey(const std::string& column, ValueKind kind) const {
+  return SortKey(column, kind);
+}
+
 std::span<const FunctionMapping> StandardDialect::Functions() const {
   static constexpr FunctionMapping kMappings[] = {
       {"UCASE", 1, "UPPER($1)"},

@@ -19,7 +19,7 @@ class TableFacts {
   virtual bool IsRowKey(const std::string& table, const std::string& column) = 0;
   // Whether a value of the column cannot equal two whole numbers.
   virtual bool ComparesExactly(const std::string& table, const std::string& column) = 0;
-  // Whether equal values of the column are the same text, byte by byte.
+  // Whether the column holds texts that are compared as they are written.
   virtual bool IsExactText(const std::string& table, const std::string& column) = 0;
   // Whether saved queries sort texts as statements do.
   virtual bool SortsAlike() const = 0;

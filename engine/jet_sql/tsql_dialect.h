@@ -27,6 +27,9 @@ class TsqlDialect final : public ServerDialect {
   std::string First(const std::string& operand, ValueKind kind) const override;
   bool FirstIsAggregate() const override { return true; }
   std::string SortKey(const std::string& column, ValueKind kind) const override;
+  std::string GroupKey(const std::string& column, ValueKind kind) const override {
+    return SortKey(column, kind);
+  }
   bool LimitAtEnd() const override { return false; }
   bool OrdersWithin() const override { return false; }
   std::string Collation(std::string_view name) const override { return std::string(name); }

@@ -159,7 +159,12 @@ void Session::ReadFacts() {
     const bool hasCollation = row[3] != "0";
     const auto plain = [](const std::string& locale) { return locale == "C" || locale == "POSIX"; };
     m_facts.schema = row[0];
-    m_facts.ordersByCode = hasCollation && (plain(row[1]) || row[1].starts_with("C."));
+    if (plain(row[1]) || row[1].starts_with("C.")) {
+      using Order = jet_sql::PostgresDialect::Order;
+      m_facts.order = hasCollation       ? Order::kCollation
+                      : row[5] == "UTF8" ? Order::kPlainLetters
+                                         : Order::kOwn;
+    }
     m_facts.foldsAsciiOnly = hasCollation && plain(row[2]);
     m_facts.textsAsBytes = isPsqlodbc && row[4] == "UTF8" && row[5] != "SQL_ASCII" && HandsOutUtf8();
   } else if (m_facts.IsSqlServer()) {

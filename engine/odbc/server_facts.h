@@ -19,8 +19,8 @@ struct ServerFacts {
   bool preparesByName = false;      // by statements of the server's own, see OdbcStatement
   bool readsPartsInBlocks = false;  // long texts can be read out of a block of rows
   // Of PostgreSQL
-  bool ordersByCode = false;    // its texts are not sorted as people expect
-  bool foldsAsciiOnly = false;  // it knows no case of other letters
+  jet_sql::PostgresDialect::Order order = jet_sql::PostgresDialect::Order::kOwn;
+  bool foldsAsciiOnly = false;  // it knows no case of other letters, but has a collation that does
   std::string patternEscape;    // of the catalog functions
   // Of SQL Server
   bool mindsCase = false;  // its database's collation

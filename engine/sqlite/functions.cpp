@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <new>
+#include <string>
 #include <string_view>
 
 #include "base/text.h"
@@ -47,6 +48,18 @@ void LastPlace(sqlite3_context* context, int, sqlite3_value** values) noexcept {
                        found ? static_cast<sqlite3_int64>(CharacterCount(text.substr(0, place))) + 1 : 0);
 }
 
+// What is no text stays what it is.
+void Fold(sqlite3_context* context, int, sqlite3_value** values) noexcept try {
+  if (sqlite3_value_type(values[0]) != SQLITE_TEXT) {
+    sqlite3_result_value(context, values[0]);
+    return;
+  }
+  const std::string folded = FoldCase(TextOf(values[0]));
+  sqlite3_result_text64(context, folded.data(), folded.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+} catch (const std::bad_alloc&) {
+  sqlite3_result_error_nomem(context);
+}
+
 int Collate(void*, int leftSize, const void* left, int rightSize, const void* right) {
   return CompareForSorting({static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
                            {static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
@@ -55,15 +68,22 @@ int Collate(void*, int leftSize, const void* left, int rightSize, const void* ri
 }  // namespace
 
 int RegisterFunctions(sqlite3* connection) {
-  const int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
-  const int code = sqlite3_create_function_v2(connection, jet_sql::SqliteDialect::kLikeFunction, 2, flags,
-                                              nullptr, Like, nullptr, nullptr, nullptr);
-  if (code != SQLITE_OK) return code;
-  const int second = sqlite3_create_function_v2(connection, jet_sql::SqliteDialect::kLastPlaceFunction, 2,
-                                                flags, nullptr, LastPlace, nullptr, nullptr, nullptr);
-  if (second != SQLITE_OK) return second;
-  return sqlite3_create_collation_v2(connection, jet_sql::SqliteDialect::kCollation, SQLITE_UTF8, nullptr,
-                                     Collate, nullptr);
+  using jet_sql::SqliteDialect;
+  constexpr int kFlags = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
+  const struct {
+    const char* name;
+    int arguments;
+    void (*function)(sqlite3_context*, int, sqlite3_value**);
+  } functions[] = {{SqliteDialect::kLikeFunction, 2, Like},
+                   {SqliteDialect::kLastPlaceFunction, 2, LastPlace},
+                   {SqliteDialect::kFoldFunction, 1, Fold}};
+  for (const auto& [name, arguments, function] : functions) {
+    const int code = sqlite3_create_function_v2(connection, name, arguments, kFlags, nullptr, function,
+                                                nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK) return code;
+  }
+  return sqlite3_create_collation_v2(connection, SqliteDialect::kCollation, SQLITE_UTF8, nullptr, Collate,
+                                     nullptr);
 }
 
 }  // namespace kxrestore::engine::sqlite

@@ -9,6 +9,7 @@
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
 #include "engine/jet_sql/read_columns.h"
+#include "engine/jet_sql/saved_query.h"
 #include "engine/jet_sql/single_rows.h"
 #include "engine/jet_sql/source_text.h"
 #include "engine/sqlite/table_facts.h"
@@ -174,9 +175,10 @@ std::shared_ptr<Plan> MakePlan(const Session& session, std::string_view source, 
   auto plan = std::make_shared<Plan>();
   bool pure = true;
   SelectStatement* select = std::get_if<SelectStatement>(&statement);
-  if (use == Session::Use::kSnapshot && select != nullptr) {
+  if (select != nullptr) {
     SqliteTableFacts facts(session);
-    RemoveGroupsOfSingleRows(facts, *select);
+    if (use == Session::Use::kSnapshot) RemoveGroupsOfSingleRows(facts, *select);
+    ReadGroupingQueriesByText(facts, *select);
   }
   if (select != nullptr && !read.empty()) {
     auto columns = NamesOfColumns(session.Prepare(Print(statement, dialect)).get());

@@ -52,13 +52,26 @@ TEST(Text, FoldsAndComparesWithoutCase) {
   EXPECT_FALSE(ContainsIgnoringCase("ab", "abc"));
 }
 
+// The texts of a row are equal.
 TEST(Text, SortsAsPeopleRead) {
-  const char* const inOrder[] = {"", "Alpha", "alpha", "ALPHA 2", "beta", "Gamma", "Ärger", "ärger", "Ö"};
-  for (std::size_t i = 0; i < std::size(inOrder); ++i) {
-    for (std::size_t j = 0; j < std::size(inOrder); ++j) {
-      const int order = CompareForSorting(inOrder[i], inOrder[j]);
-      EXPECT_EQ(order < 0, i < j) << inOrder[i] << " / " << inOrder[j];
-      EXPECT_EQ(order == 0, i == j) << inOrder[i] << " / " << inOrder[j];
+  const std::vector<std::vector<const char*>> inOrder = {{""},           {"Alpha", "alpha", "ALPHA"},
+                                                         {"ALPHA 2"},    {"Arzt"},
+                                                         {"A\u0308rzt"}, {"Ärzt", "äRZT"},
+                                                         {"Ärzte"},      {"beta"},
+                                                         {"Lodz"},       {"Łódź"},
+                                                         {"Øl"},         {"Straße", "STRAẞE"},
+                                                         {"Strassf"},    {"Zoo"},
+                                                         {"ώ", "Ώ"},     {"Ωmega", "ωMEGA"},
+                                                         {"Ещё"},        {"漢"}};
+  for (std::size_t i = 0; i < inOrder.size(); ++i) {
+    for (std::size_t j = 0; j < inOrder.size(); ++j) {
+      for (const char* left : inOrder[i]) {
+        for (const char* right : inOrder[j]) {
+          const int order = CompareForSorting(left, right);
+          EXPECT_EQ(order < 0, i < j) << left << " / " << right;
+          EXPECT_EQ(order == 0, i == j) << left << " / " << right;
+        }
+      }
     }
   }
 }

@@ -111,6 +111,7 @@ TEST_F(RestoreQuery, BySetTextTakesThePlaceOfTheEndOfFullCatalog) {
       {"SELECT x;", "SELECT x WHERE " + set},
       {"SELECT x;\r\n-- made by y;", "SELECT x WHERE " + set},
       {"SELECT xy", "SELECT x WHERE " + set},
+      {"SELECT xä", "SELECT x WHERE " + set},
       {";", " WHERE " + set},
       {"", " WHERE " + set}};
   for (const auto& [full, bySet] : cases) {

@@ -65,8 +65,8 @@ TEST(JetSql, JoinsAreMirrored) {
 TEST(JetSql, Statements) {
   EXPECT_EQ(
       Direct("SELECT DISTINCT TOP 5 T.*, Count(*) FROM T GROUP BY a HAVING Max(b) > 1 ORDER BY a DESC, b;"),
-      "SELECT DISTINCT T.*, Count(*) AS Expr1001 FROM T GROUP BY a HAVING Max(b) > 1 ORDER BY a COLLATE "
-      "kx_text_order DESC, b COLLATE kx_text_order LIMIT 5");
+      "SELECT DISTINCT T.*, Count(*) AS Expr1001 FROM T GROUP BY kx_fold(a) HAVING Max(b) > 1 ORDER BY a "
+      "COLLATE kx_text_order DESC, b COLLATE kx_text_order LIMIT 5");
   for (const char* same : {"SELECT a AS a FROM t UNION ALL SELECT b AS b FROM u UNION SELECT c AS c FROM v",
                            "INSERT INTO t (a, b) VALUES (1, NULL)", "INSERT INTO t SELECT * FROM u"}) {
     EXPECT_EQ(Direct(same), same);
