@@ -46,14 +46,13 @@ void PathNodes::EnterFolder(std::string_view drive, std::string_view folders) {
   if (m_levels.empty() || drive != m_drive) {
     controls::Node node = m_tree.Find(drive);
     if (!node) node = m_tree.Add({}, drive, drive, m_images.drive);
-    m_levels.assign({{0, drive.size(), node}});
-    m_key = m_drive = drive;
+    m_levels.assign({{0, node}});
+    m_drive = drive;
   } else {
     const auto common = static_cast<std::size_t>(
         std::mismatch(folders.begin(), folders.end(), m_folders.begin(), m_folders.end()).first -
         folders.begin());
     while (m_levels.size() > 1 && m_levels.back().end > common) m_levels.pop_back();
-    m_key.resize(m_levels.back().keyEnd);
   }
 
   std::size_t start = m_levels.size() == 1 ? AfterFirstBackslash(folders) : m_levels.back().end;
@@ -63,10 +62,7 @@ void PathNodes::EnterFolder(std::string_view drive, std::string_view folders) {
     const std::string_view component = folders.substr(start, backslash - start);
     start = backslash + 1;
     if (component.empty()) continue;
-    m_key.append(component).push_back('\\');
-    controls::Node node = m_tree.Find(m_key);
-    if (!node) node = m_tree.Add(m_levels.back().node, m_key, component, m_images.folder);
-    m_levels.push_back({start, m_key.size(), node});
+    m_levels.push_back({start, m_tree.FindOrAddFolder(m_levels.back().node, component, m_images.folder)});
   }
   m_folders.assign(folders);
 }

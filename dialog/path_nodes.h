@@ -33,19 +33,17 @@ class PathNodes {
   controls::Node AddPathNodes(std::string_view path, std::string_view tag);
 
  private:
-  // A component of the previous path: where it ends in the path and in m_key, and its node.
+  // A component of the previous path: where it ends in the path, and its node.
   struct Level {
     std::size_t end = 0;
-    std::size_t keyEnd = 0;
     controls::Node node;
   };
   void EnterFolder(std::string_view drive, std::string_view folders);
 
   controls::TreeView& m_tree;
   Images m_images;
-  std::string m_drive;    // of the previous path
-  std::string m_folders;  // of the previous path, with the last backslash
-  std::string m_key;
+  std::string m_drive;          // of the previous path
+  std::string m_folders;        // of the previous path, with the last backslash
   std::vector<Level> m_levels;  // the drive first
 };
 

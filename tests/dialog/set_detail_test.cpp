@@ -99,6 +99,30 @@ TEST_F(SetDetailTest, OddPathsStayWithinReach) {
   EXPECT_EQ(catalog->Marked(), (Ids{3, 9}));
 }
 
+TEST_F(SetDetailTest, DeepPathsCostTheirNodesOnly) {
+  MakeCatalog({});
+  constexpr int kDepth = 1000, kChains = 100;
+  dialog::PathNodes paths(ui().tvwDetails, {1, 2, 3});
+  std::string deepest;
+  for (int chain = 0; chain < kChains; ++chain) {
+    std::string path = "C:\\";
+    for (int level = 0; level < kDepth; ++level) path.append(std::to_string(chain)).append("\\");
+    paths.AddPathNodes(path + "file", "tag");
+    deepest = path;
+  }
+  controls::TreeView& tree = ui().tvwDetails;
+  EXPECT_EQ(tree.Count(), 1u + kChains * (kDepth + 1u));
+  EXPECT_LT(tree.MemoryUsed(), tree.Count() * 70u);
+  controls::Node folder = tree.Item(deepest);
+  EXPECT_EQ(folder.Key(), deepest);
+  EXPECT_EQ(folder.Child().Text(), "file");
+  Tick("C:\\");
+  EXPECT_TRUE(folder.Child().Checked());
+  tree.UserCheck(folder, false);
+  EXPECT_FALSE(tree.Item("C:\\99\\").Checked());
+  EXPECT_TRUE(Detail("C:\\").Checked()) << "the other chains are";
+}
+
 TEST_F(SetDetailTest, PluginEntriesStandUnderTheirHeadings) {
   MakeCatalog({PluginRow(1, "System State", "C:\\Windows\\registry.dat", "registry"),
                PluginRow(2, "SQL Server", "master\\full.bak", "master"),
