@@ -29,7 +29,7 @@ class HashIndex {
   }
 
   void Insert(std::uint32_t hash, std::uint32_t number);  // a number above 0 that is not in yet
-  void Erase(std::uint32_t hash, std::uint32_t number);
+  void MakeRoom();                                        // the next Insert cannot fail
 
   std::size_t MemoryUsed() const { return m_slots.capacity() * sizeof(Slot); }
 
@@ -40,7 +40,6 @@ class HashIndex {
   };
 
   std::size_t Mask() const { return m_slots.size() - 1; }
-  void Grow();
   static void Place(std::vector<Slot>& slots, Slot slot);
 
   std::vector<Slot> m_slots;  // a power of two of them

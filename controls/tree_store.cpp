@@ -1,11 +1,52 @@
 #include "controls/tree_store.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
 #include "controls/errors.h"
 
 namespace kxrestore::controls {
+
+namespace {
+
+constexpr char kSeparator = '\\';
+
+// Lengths take seven bits a byte, the lowest first; all bytes but the last have the top bit set.
+constexpr std::size_t kMaxLengthBytes = 5;
+
+char* PutLength(char* place, std::size_t length) {
+  for (; length >= 0x80; length >>= 7) *place++ = static_cast<char>(length | 0x80);
+  *place++ = static_cast<char>(length);
+  return place;
+}
+
+std::size_t TakeLength(const char*& place) {
+  std::size_t length = 0;
+  for (unsigned shift = 0;; shift += 7) {
+    const auto byte = static_cast<unsigned char>(*place++);
+    length |= static_cast<std::size_t>(byte & 0x7F) << shift;
+    if (byte < 0x80) return length;
+  }
+}
+
+// Keys are hashed byte by byte (FNV-1a), so that the hash of a folder's key continues that of its parent's.
+constexpr std::uint64_t kEmptyHash = 0xCBF29CE484222325;
+
+std::uint64_t Hashed(std::uint64_t hash, std::string_view text) {
+  for (const char byte : text) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001B3;
+  return hash;
+}
+
+std::uint64_t HashedFolder(std::uint64_t hash, std::string_view text) {
+  return Hashed(Hashed(hash, text), {&kSeparator, 1});
+}
+
+std::uint32_t IndexHash(std::uint64_t hash) {
+  return static_cast<std::uint32_t>(hash ^ (hash >> 32));
+}
+
+}  // namespace
 
 void TreeView::Store::ThrowGone(std::uint32_t node) {
   if (node == 0) ThrowObjectVariableNotSet();
@@ -19,63 +60,114 @@ std::int16_t TreeView::Store::CheckedImage(int image) {
   return static_cast<std::int16_t>(image);
 }
 
-std::string_view TreeView::Store::Key(const Record& record) {
-  if ((record.flags & kHasKey) == 0) return {};
-  const char* place = record.texts + record.tagLength;
-  if ((record.flags & kTextEndsTag) == 0) place += record.textLength;
-  std::uint32_t length = 0;
-  std::memcpy(&length, place, sizeof length);
-  return {place + sizeof length, length};
+TreeView::Store::Texts TreeView::Store::TextsOf(const Record& record) {
+  const char* place = record.texts;
+  const std::size_t tag = TakeLength(place), text = TakeLength(place);
+  const std::size_t key = (record.flags & kHasKey) != 0 ? TakeLength(place) : 0;
+  const char* const tagEnd = place + tag;
+  const char* const textEnd = (record.flags & kTextEndsTag) != 0 ? tagEnd : tagEnd + text;
+  return {{place, tag}, {textEnd - text, text}, {textEnd, key}};
 }
 
-void TreeView::Store::SetTexts(Record& record, std::string_view tag, std::string_view text,
-                               std::string_view key) {
-  constexpr std::size_t kLongest = std::numeric_limits<std::int32_t>::max();
-  if (tag.size() > kLongest || text.size() > kLongest || key.size() > kLongest) ThrowInvalidPropertyValue();
+// The lengths of the tag, of the text and of the key if there is one; the tag; the text unless it ends the
+// tag; the key.
+void TreeView::Store::SetTexts(Record& record, const Texts& texts) {
+  const auto& [tag, text, key] = texts;
+  constexpr std::size_t kMaxLength = std::numeric_limits<std::int32_t>::max();
+  if (std::max({tag.size(), text.size(), key.size()}) > kMaxLength) ThrowInvalidPropertyValue();
 
   const bool textEndsTag = tag.ends_with(text);
-  const auto keyLength = static_cast<std::uint32_t>(key.size());
-  char* const texts = m_texts.Allocate(tag.size() + (textEndsTag ? 0 : text.size()) +
-                                       (key.empty() ? 0 : sizeof keyLength + key.size()));
-  char* place = texts;
-  const auto put = [&place](const void* bytes, std::size_t size) {
+  const std::size_t ownText = textEndsTag ? 0 : text.size();
+  char lengths[3 * kMaxLengthBytes];
+  char* lengthsEnd = PutLength(PutLength(lengths, tag.size()), text.size());
+  if (!key.empty()) lengthsEnd = PutLength(lengthsEnd, key.size());
+
+  const auto lengthsSize = static_cast<std::size_t>(lengthsEnd - lengths);
+  char* place = m_texts.Allocate(lengthsSize + tag.size() + ownText + key.size());
+  record.texts = place;
+  const auto put = [&place](const char* bytes, std::size_t size) {
     if (size != 0) std::memcpy(place, bytes, size);
     place += size;
   };
+  put(lengths, lengthsSize);
   put(tag.data(), tag.size());
-  if (!textEndsTag) put(text.data(), text.size());
-  if (!key.empty()) {
-    put(&keyLength, sizeof keyLength);
-    put(key.data(), key.size());
+  put(text.data(), ownText);
+  put(key.data(), key.size());
+
+  // A key of its own takes the place of one made from the parent's.
+  const unsigned keyed = key.empty() ? record.flags & kFolder : unsigned{kHasKey};
+  record.flags = static_cast<std::uint8_t>((record.flags & ~(kTextEndsTag | kHasKey | kFolder)) | keyed |
+                                           (textEndsTag ? kTextEndsTag : 0));
+}
+
+void TreeView::Store::SetTag(std::uint32_t node, std::string_view tag) {
+  Record& record = m_records[node];
+  const Texts texts = TextsOf(record);
+  SetTexts(record, {tag, texts.text, texts.key});
+}
+
+// A folder's key stays what it was: from here on it is one of its own.
+void TreeView::Store::SetText(std::uint32_t node, std::string_view text) {
+  Record& record = m_records[node];
+  SetTexts(record, {TextsOf(record).tag, text, Key(node)});
+}
+
+std::string TreeView::Store::Key(std::uint32_t node) const {
+  std::uint32_t top = node;
+  std::size_t length = 0;
+  for (; (m_records[top].flags & kFolder) != 0; top = m_records[top].parent) {
+    length += TextsOf(m_records[top]).text.size() + 1;
   }
-
-  record.texts = texts;
-  record.tagLength = static_cast<std::uint32_t>(tag.size());
-  record.textLength = static_cast<std::uint32_t>(text.size());
-  record.flags = static_cast<std::uint8_t>((record.flags & ~(kTextEndsTag | kHasKey)) |
-                                           (textEndsTag ? kTextEndsTag : 0) | (key.empty() ? 0 : kHasKey));
+  std::string key(OwnKey(top));
+  key.resize(key.size() + length);
+  for (auto end = key.end(); node != top; node = m_records[node].parent) {
+    const std::string_view text = TextsOf(m_records[node]).text;
+    *--end = kSeparator;
+    end = std::copy_backward(text.begin(), text.end(), end);
+  }
+  return key;
 }
 
-std::uint32_t TreeView::Store::Find(std::string_view key, std::uint32_t hash) const {
-  return m_keys.Find(hash, [&](std::uint32_t node) { return Key(m_records[node]) == key; });
+bool TreeView::Store::KeyIs(std::uint32_t node, std::string_view key) const {
+  for (; (m_records[node].flags & kFolder) != 0; node = m_records[node].parent) {
+    const std::string_view text = TextsOf(m_records[node]).text;
+    if (!key.ends_with(kSeparator)) return false;
+    key.remove_suffix(1);
+    if (!key.ends_with(text)) return false;
+    key.remove_suffix(text.size());
+  }
+  return OwnKey(node) == key;
 }
 
-std::uint32_t TreeView::Store::Add(std::uint32_t parent, std::string_view key, std::string_view text,
-                                   int image, std::string_view tag) {
+// Walks up to the nearest node whose hash is known, and down again.
+std::uint64_t TreeView::Store::KeyHash(std::uint32_t node) {
+  m_unhashed.clear();
+  for (; node != m_hashedFolder && (m_records[node].flags & kFolder) != 0; node = m_records[node].parent) {
+    m_unhashed.push_back(node);
+  }
+  std::uint64_t hash = node != 0 && node == m_hashedFolder ? m_folderHash : Hashed(kEmptyHash, OwnKey(node));
+  for (; !m_unhashed.empty(); m_unhashed.pop_back()) {
+    hash = HashedFolder(hash, TextsOf(m_records[m_unhashed.back()]).text);
+  }
+  return hash;
+}
+
+std::uint32_t TreeView::Store::Find(std::string_view key) const {
+  return m_keys.Find(IndexHash(Hashed(kEmptyHash, key)),
+                     [&](std::uint32_t node) { return KeyIs(node, key); });
+}
+
+std::uint32_t TreeView::Store::Append(std::uint32_t parent, const Texts& texts, int image, Flag kind) {
   if (m_records.Size() > std::numeric_limits<std::int32_t>::max())
     throw Error(error_number::kOutOfMemory, "Out of memory");
-  if (parent != 0) At(parent);
-  const std::uint32_t hash = key.empty() ? 0 : HashIndex::HashOf(key);
-  if (!key.empty() && Find(key, hash) != 0) ThrowKeyNotUnique();
-
   Record record{};
   record.parent = parent;
   record.previous = m_records[parent].lastChild;
   record.image = CheckedImage(image);
-  SetTexts(record, tag, text, key);
+  record.flags = kind;
+  SetTexts(record, texts);
   const auto node = static_cast<std::uint32_t>(m_records.Size());
   m_records.Append(record);
-  if (!key.empty()) m_keys.Insert(hash, node);
 
   Record& above = m_records[parent];
   if (above.lastChild != 0) {
@@ -88,10 +180,33 @@ std::uint32_t TreeView::Store::Add(std::uint32_t parent, std::string_view key, s
   return node;
 }
 
-void TreeView::Store::Forget(Record& record, std::uint32_t node) {
-  if ((record.flags & kHasKey) != 0) m_keys.Erase(HashIndex::HashOf(Key(record)), node);
-  record.flags = kRemoved;
-  --m_count;
+std::uint32_t TreeView::Store::Add(std::uint32_t parent, std::string_view key, std::string_view text,
+                                   int image, std::string_view tag) {
+  if (parent != 0) At(parent);
+  if (key.empty()) return Append(parent, {tag, text, key}, image, kNoFlag);
+  if (Find(key) != 0) ThrowKeyNotUnique();
+  m_keys.MakeRoom();
+  const std::uint32_t node = Append(parent, {tag, text, key}, image, kHasKey);
+  m_keys.Insert(IndexHash(Hashed(kEmptyHash, key)), node);
+  return node;
+}
+
+std::uint32_t TreeView::Store::FindOrAddFolder(std::uint32_t parent, std::string_view text, int image) {
+  if (parent != 0) At(parent);
+  const std::uint64_t hash = HashedFolder(KeyHash(parent), text);
+  std::uint32_t node = m_keys.Find(IndexHash(hash), [&](std::uint32_t candidate) {
+    const Record& record = m_records[candidate];
+    if ((record.flags & kFolder) != 0 && record.parent == parent && TextsOf(record).text == text) return true;
+    return KeyIs(candidate, Key(parent).append(text).append(1, kSeparator));
+  });
+  if (node == 0) {
+    m_keys.MakeRoom();
+    node = Append(parent, {{}, text, {}}, image, kFolder);
+    m_keys.Insert(IndexHash(hash), node);
+  }
+  m_hashedFolder = node;
+  m_folderHash = hash;
+  return node;
 }
 
 void TreeView::Store::Remove(std::uint32_t node) {
@@ -105,7 +220,8 @@ void TreeView::Store::Remove(std::uint32_t node) {
   for (;;) {
     while (m_records[current].firstChild != 0) current = m_records[current].firstChild;
     Record& record = m_records[current];
-    Forget(record, current);
+    record.flags = kRemoved;
+    --m_count;
     if (current == node) return;
     m_records[record.parent].firstChild = record.next;
     current = record.next != 0 ? record.next : record.parent;

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "controls/blocks.h"
 #include "controls/hash_index.h"
@@ -13,22 +15,25 @@ namespace kxrestore::controls {
 
 struct TreeView::Store {
   enum Flag : std::uint8_t {
+    kNoFlag = 0,
     kChecked = 1,
     kExpanded = 2,
     kBold = 4,
     kTextEndsTag = 8,
-    kHasKey = 16,
-    kRemoved = 32,
+    kHasKey = 16,  // a key of its own, kept with the texts
+    kFolder = 32,  // a key made from that of its parent
+    kRemoved = 64,
   };
 
   // Record 0 stands above the top nodes; its links make them siblings like any others.
   struct Record {
-    const char*
-        texts;  // the tag; the text, unless it ends the tag; the key behind its length, if there is one
-    std::uint32_t tagLength, textLength;
+    const char* texts;  // lengths, tag, text and key, as SetTexts lays them out
     std::uint32_t parent, firstChild, lastChild, previous, next;
     std::int16_t image;
     std::uint8_t flags;
+  };
+  struct Texts {
+    std::string_view tag, text, key;  // the key is empty unless the node has one of its own
   };
 
   Store() { m_records.Append(Record{}); }
@@ -48,30 +53,38 @@ struct TreeView::Store {
 
   std::uint32_t Add(std::uint32_t parent, std::string_view key, std::string_view text, int image,
                     std::string_view tag);
+  std::uint32_t FindOrAddFolder(std::uint32_t parent, std::string_view text, int image);
   void Remove(std::uint32_t node);
 
-  static std::string_view Tag(const Record& record) { return {record.texts, record.tagLength}; }
-  static std::string_view Text(const Record& record) {
-    return {record.texts + record.tagLength - ((record.flags & kTextEndsTag) != 0 ? record.textLength : 0),
-            record.textLength};
-  }
-  static std::string_view Key(const Record& record);
-  void SetTexts(Record& record, std::string_view tag, std::string_view text, std::string_view key);
+  static Texts TextsOf(const Record& record);
+  void SetText(std::uint32_t node, std::string_view text);
+  void SetTag(std::uint32_t node, std::string_view tag);
+  std::string Key(std::uint32_t node) const;  // of a node that lives
 
-  std::uint32_t Find(std::string_view key) const { return Find(key, HashIndex::HashOf(key)); }
+  std::uint32_t Find(std::string_view key) const;
   std::size_t MemoryUsed() const;
 
   static std::int16_t CheckedImage(int image);  // error 380 beyond 16 bit
 
  private:
   [[noreturn]] static void ThrowGone(std::uint32_t node);
-  std::uint32_t Find(std::string_view key, std::uint32_t hash) const;
-  void Forget(Record& record, std::uint32_t node);
+  void SetTexts(Record& record, const Texts& texts);
+  std::uint32_t Append(std::uint32_t parent, const Texts& texts, int image, Flag kind);
+  std::string_view OwnKey(std::uint32_t node) const {
+    return (m_records[node].flags & kHasKey) != 0 ? TextsOf(m_records[node]).key : std::string_view();
+  }
+  bool KeyIs(std::uint32_t node, std::string_view key) const;
+  std::uint64_t KeyHash(std::uint32_t node);
 
   Blocks<Record, 10> m_records;
   TextArena m_texts;
-  HashIndex m_keys;
+  HashIndex m_keys;  // nodes that are gone stay in it: no key equals theirs
   std::size_t m_count = 0;
+
+  // The hash of the key of the folder that was asked for last, so that a path costs one step a level.
+  std::uint32_t m_hashedFolder = 0;
+  std::uint64_t m_folderHash = 0;
+  std::vector<std::uint32_t> m_unhashed;  // kept for its room
 };
 
 }  // namespace kxrestore::controls

@@ -11,13 +11,14 @@ auto& Node::Nodes() const {
 }
 
 std::string_view Node::Text() const {
-  return TreeView::Store::Text(Nodes().At(m_index));
+  return TreeView::Store::TextsOf(Nodes().At(m_index)).text;
 }
-std::string_view Node::Key() const {
-  return TreeView::Store::Key(Nodes().At(m_index));
+std::string Node::Key() const {
+  Nodes().At(m_index);
+  return Nodes().Key(m_index);
 }
 std::string_view Node::Tag() const {
-  return TreeView::Store::Tag(Nodes().At(m_index));
+  return TreeView::Store::TextsOf(Nodes().At(m_index)).tag;
 }
 int Node::Image() const {
   return Nodes().At(m_index).image;
@@ -48,16 +49,13 @@ bool Node::Put(std::uint8_t flag, bool set, NodeProperty property) {
 }
 
 void Node::SetText(std::string_view text) {
-  auto& record = Nodes().At(m_index);
-  if (TreeView::Store::Text(record) == text) return;
-  Nodes().SetTexts(record, TreeView::Store::Tag(record), text, TreeView::Store::Key(record));
+  if (Text() == text) return;
+  Nodes().SetText(m_index, text);
   Changed(NodeProperty::kText);
 }
 
 void Node::SetTag(std::string_view tag) {
-  auto& record = Nodes().At(m_index);
-  if (TreeView::Store::Tag(record) == tag) return;
-  Nodes().SetTexts(record, tag, TreeView::Store::Text(record), TreeView::Store::Key(record));
+  if (Tag() != tag) Nodes().SetTag(m_index, tag);
 }
 
 void Node::SetImage(int image) {
@@ -116,6 +114,14 @@ Node TreeView::Add(Node parent, std::string_view key, std::string_view text, int
   if (parent && parent.m_tree != this) ThrowElementNotFound();
   const std::uint32_t node = m_store->Add(parent.m_index, key, text, image, tag);
   if (Tree() != nullptr) Tree()->NodeAdded(node);
+  return {this, node};
+}
+
+Node TreeView::FindOrAddFolder(Node parent, std::string_view text, int image) {
+  if (parent && parent.m_tree != this) ThrowElementNotFound();
+  const std::uint32_t highest = m_store->Highest();
+  const std::uint32_t node = m_store->FindOrAddFolder(parent.m_index, text, image);
+  if (node > highest && Tree() != nullptr) Tree()->NodeAdded(node);
   return {this, node};
 }
 

@@ -1,11 +1,12 @@
 // A tree of nodes with text, key, tag, image, check and expansion, made for trees of a million nodes: a node
-// costs some 60 bytes and the bytes of its texts, a text that ends its node's tag costs nothing, and finding
-// a key is one hash look-up.
+// costs some 35 bytes and the bytes of its texts, a text that ends its node's tag costs nothing, and finding
+// a key is one hash look-up. Nothing about it recurses, so that no depth is too deep.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "controls/control.h"
@@ -29,7 +30,7 @@ class Node {
 
   int Index() const { return static_cast<int>(m_index); }  // from 1, in the order of adding
   std::string_view Text() const;
-  std::string_view Key() const;
+  std::string Key() const;
   std::string_view Tag() const;
   int Image() const;
   bool Checked() const;
@@ -74,6 +75,10 @@ class TreeView : public Control {
   // no key. Error 35602 when another node has the key. A tag given here costs less than one set afterwards.
   Node Add(Node parent, std::string_view key, std::string_view text, int image = 0,
            std::string_view tag = {});
+  // The folder of this text below `parent`, which is added when there is none. The key of a folder is its
+  // parent's key, its text and a backslash. It is made whenever somebody asks for it: keys that hold the
+  // whole path would take memory by the square of the depth.
+  Node FindOrAddFolder(Node parent, std::string_view text, int image);
   // Removes a node with everything below it. The indexes of the nodes behind it do not move; they are never
   // reused before the tree is cleared, and looking one up that is gone is error 35601.
   void Remove(Node node);

@@ -8,8 +8,10 @@ namespace kxrestore::dialog {
 
 namespace {
 
+constexpr std::string_view kThisFolder = "(this folder)";
+
 // Where the components of a path begin.
-std::size_t BehindFirstBackslash(std::string_view path) {
+std::size_t AfterFirstBackslash(std::string_view path) {
   const std::size_t backslash = path.find('\\');
   return backslash == std::string_view::npos ? path.size() : backslash + 1;
 }
@@ -27,47 +29,42 @@ std::string_view LastComponent(std::string_view path) {
   return trimmed.substr(trimmed.rfind('\\') + 1);
 }
 
-controls::Node PathNodes::AddPathNodes(std::string_view path, std::string_view tag) {
-  if (path.empty()) return {};
-  // A path that ends in a backslash is a folder backed up as an entry of its own: it gets a node like a
-  // file's.
-  std::string_view name = LastComponent(path);
-  std::string_view folders = path.substr(0, static_cast<std::size_t>(name.data() - path.data()));
-  if (folders.empty()) folders = GetDrive(path);
-  if (m_levels.empty() || folders != m_folders) Folder(folders);
-  return m_tree.Add(m_levels.back().node, {}, name, m_images.file, tag);
+std::string_view EntryText(std::string_view path) {
+  return path.ends_with('\\') ? kThisFolder : path.substr(path.rfind('\\') + 1);
 }
 
-controls::Node PathNodes::Folder(std::string_view folders) {
-  const auto common = static_cast<std::size_t>(
-      std::mismatch(folders.begin(), folders.end(), m_folders.begin(), m_folders.end()).first -
-      folders.begin());
-  while (!m_levels.empty() && m_levels.back().end > common) m_levels.pop_back();
+controls::Node PathNodes::AddPathNodes(std::string_view path, std::string_view tag) {
+  if (path.empty()) return {};
+  const std::string_view drive = GetDrive(path);
+  const std::string_view folders = path.substr(0, path.rfind('\\') + 1);
+  if (m_levels.empty() || drive != m_drive || folders != m_folders) EnterFolder(drive, folders);
+  return m_tree.Add(m_levels.back().node, {}, EntryText(path),
+                    folders.size() == path.size() ? m_images.folder : m_images.file, tag);
+}
 
-  const std::string_view drive = GetDrive(folders);
-  if (m_levels.empty()) {
-    m_key.assign(drive);
-    controls::Node node = m_tree.Find(m_key);
-    if (!node) node = m_tree.Add({}, m_key, drive, m_images.drive);
-    m_levels.push_back({std::max(drive.size(), BehindFirstBackslash(folders)), m_key.size(), node});
+void PathNodes::EnterFolder(std::string_view drive, std::string_view folders) {
+  if (m_levels.empty() || drive != m_drive) {
+    controls::Node node = m_tree.Find(drive);
+    if (!node) node = m_tree.Add({}, drive, drive, m_images.drive);
+    m_levels.assign({{0, node}});
+    m_drive = drive;
   } else {
-    m_key.resize(m_levels.back().keyEnd);
+    const auto common = static_cast<std::size_t>(
+        std::mismatch(folders.begin(), folders.end(), m_folders.begin(), m_folders.end()).first -
+        folders.begin());
+    while (m_levels.size() > 1 && m_levels.back().end > common) m_levels.pop_back();
   }
 
-  std::size_t start = m_levels.size() == 1 ? BehindFirstBackslash(folders) : m_levels.back().end;
+  std::size_t start = m_levels.size() == 1 ? AfterFirstBackslash(folders) : m_levels.back().end;
   while (start < folders.size()) {
     const std::size_t backslash = folders.find('\\', start);
     if (backslash == std::string_view::npos) break;
     const std::string_view component = folders.substr(start, backslash - start);
     start = backslash + 1;
     if (component.empty()) continue;
-    m_key.append(component).push_back('\\');
-    controls::Node node = m_tree.Find(m_key);
-    if (!node) node = m_tree.Add(m_levels.back().node, m_key, component, m_images.folder);
-    m_levels.push_back({start, m_key.size(), node});
+    m_levels.push_back({start, m_tree.FindOrAddFolder(m_levels.back().node, component, m_images.folder)});
   }
   m_folders.assign(folders);
-  return m_levels.back().node;
 }
 
 }  // namespace kxrestore::dialog

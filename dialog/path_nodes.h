@@ -13,9 +13,12 @@ namespace kxrestore::dialog {
 // The first three characters of a path.
 std::string_view GetDrive(std::string_view path);
 
-// What stands behind the last backslash; of a path that ends in one, its last component. The whole path when
-// it has no component at all.
+// The part after the last backslash, trailing backslashes left out; the whole path when it has no component.
 std::string_view LastComponent(std::string_view path);
+
+// The text of a path's own node: the part after its last backslash. A path that ends in a backslash is a
+// folder backed up as an entry of its own; its node stands inside the folder and is called "(this folder)".
+std::string_view EntryText(std::string_view path);
 
 class PathNodes {
  public:
@@ -24,24 +27,23 @@ class PathNodes {
   };
   PathNodes(controls::TreeView& tree, Images images) : m_tree(tree), m_images(images) {}
 
-  // Adds the file node of a path, and before it the drive and folder nodes that are not there yet. A folder's
-  // key is the drive text and every component down to it, each followed by a backslash; components without a
-  // name are left out. An empty path adds nothing.
+  // Adds the node of a path, with the text that EntryText gives, and before it the drive and folder nodes
+  // that are not there yet. A folder's key is the drive text and every component down to it, each followed by
+  // a backslash; components without a name are left out. An empty path adds nothing.
   controls::Node AddPathNodes(std::string_view path, std::string_view tag);
 
  private:
-  // A component of the previous path: where it ends in the path and in m_key, and its node.
+  // A component of the previous path: where it ends in the path, and its node.
   struct Level {
     std::size_t end = 0;
-    std::size_t keyEnd = 0;
     controls::Node node;
   };
-  controls::Node Folder(std::string_view folders);
+  void EnterFolder(std::string_view drive, std::string_view folders);
 
   controls::TreeView& m_tree;
   Images m_images;
-  std::string m_folders;  // of the previous path, with the last backslash
-  std::string m_key;
+  std::string m_drive;          // of the previous path
+  std::string m_folders;        // of the previous path, with the last backslash
   std::vector<Level> m_levels;  // the drive first
 };
 

@@ -27,6 +27,12 @@ constexpr PluginKind kPlugins[] = {
     {"SQL Server", "sqlserver", "file"},
 };
 
+// What marking compares with the catalog, which is the tag of an entry's node: File for a node whose text is
+// the mail server's name, whatever it stands for, because such a node is marked by File; else Filename.
+std::string_view MarkedBy(std::string_view text, std::string_view file, std::string_view filename) {
+  return text == kMailServer ? file : filename;
+}
+
 // The branch of the mail server that a path names; empty when it names none.
 std::string_view MailServerBranch(std::string_view path) {
   for (const std::string_view branch : {kPublicFolders, kAddressLists, kMailBoxes}) {
@@ -115,10 +121,11 @@ bool SetDetail::Fill(engine::Recordset& rows, FormContext::Walk& walk) {
     std::string_view path = TextOf(restoreFile, buffers[1]);
     if (path.empty()) path = storedName;
     const std::string_view pluginName = TextOf(plugin, buffers[2]);
+    const std::string_view fileName = TextOf(file, buffers[3]);
     if (pluginName.empty()) {
-      paths.AddPathNodes(path, storedName);
+      paths.AddPathNodes(path, MarkedBy(EntryText(path), fileName, storedName));
     } else {
-      AddPluginEntry(pluginName, path, TextOf(file, buffers[3]), storedName);
+      AddPluginEntry(pluginName, path, fileName, storedName);
     }
     ShowProgress(++m_count);
   }
@@ -139,8 +146,7 @@ controls::Node SetDetail::Heading(controls::Node parent, std::string_view key, s
   return node ? node : tree.Add(parent, key, text, image);
 }
 
-// Entries have no key. Their tag is what marking compares: Filename, but File for a node whose text is the
-// mail server's name, because that one stands for the aggregate and is marked in all its versions.
+// Entries have no key.
 void SetDetail::AddPluginEntry(std::string_view plugin, std::string_view path, std::string_view file,
                                std::string_view filename) {
   if (IsMailServer(plugin)) {
@@ -149,15 +155,16 @@ void SetDetail::AddPluginEntry(std::string_view plugin, std::string_view path, s
   }
   const controls::ImageList& images = m_context.ui.imlRestore;
   const std::string_view name = path.empty() ? file : LastComponent(path);
+  const std::string_view tag = MarkedBy(name, file, filename);
   for (const PluginKind& kind : kPlugins) {
     if (plugin != kind.name) continue;
     const controls::Node heading = Heading({}, plugin, plugin, images.Index(kind.headingImage));
-    m_context.ui.tvwDetails.Add(heading, {}, name, images.Index(kind.entryImage), filename);
+    m_context.ui.tvwDetails.Add(heading, {}, name, images.Index(kind.entryImage), tag);
     return;
   }
   // A plug-in that this dialog does not know: its entries stay within reach under its own name.
   m_context.ui.tvwDetails.Add(Heading({}, plugin, plugin, images.Index("cfolder")), {}, name,
-                              images.Index("file"), filename);
+                              images.Index("file"), tag);
 }
 
 void SetDetail::AddMailServerEntry(std::string_view path, std::string_view file, std::string_view filename) {
@@ -167,8 +174,7 @@ void SetDetail::AddMailServerEntry(std::string_view path, std::string_view file,
                      PluginImage(branch, path));
   }
   const std::string_view text = file.empty() ? LastComponent(path) : file;
-  m_context.ui.tvwDetails.Add(parent, {}, text, PluginImage(text, path),
-                              text == kMailServer ? file : filename);
+  m_context.ui.tvwDetails.Add(parent, {}, text, PluginImage(text, path), MarkedBy(text, file, filename));
 }
 
 }  // namespace kxrestore::dialog

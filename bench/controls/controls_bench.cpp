@@ -4,6 +4,7 @@
 //   ClickFile     the same for one file among 1,000 siblings, up to the root
 //   FindKey       looking folders up by key
 //   ClearTree     giving the tree back
+//   FillDeep      chains of 1,000 folders, each with one file
 //   FillList      a list of files with a path, a name that ends it, a set, a run and a date
 //   TickList      one tick for all entries
 // The counter "bytes" is what a node or entry takes, its texts included.
@@ -18,6 +19,7 @@
 #include "controls/check_propagation.h"
 #include "controls/form.h"
 #include "controls/tree_view.h"
+#include "platform/regional.h"
 
 namespace kxrestore::controls {
 namespace {
@@ -50,11 +52,12 @@ std::string FolderKey(int folder) {
 
 struct Tree {
   explicit Tree(int files) {
-    Node root = view.Add({}, "C:\\", "C:\\", 4);
+    const Node root = view.Add({}, "C:\\", "C:\\", 4);
+    const Node data = view.FindOrAddFolder(root, "Data", 1);
     Node folder;
     Tags tags;
     for (int file = 0; file < files; ++file) {
-      if (file % 1000 == 0) folder = view.Add(root, FolderKey(file / 1000), std::to_string(file / 1000), 1);
+      if (file % 1000 == 0) folder = view.FindOrAddFolder(data, "Folder " + std::to_string(file / 1000), 1);
       const std::string_view tag = tags.Tag(file);
       view.Add(folder, {}, Tags::Name(tag), 2, tag);
     }
@@ -77,6 +80,22 @@ void FillTree(benchmark::State& state) {
     bytes = tree->view.MemoryUsed();
     tree.reset();
     state.ResumeTiming();
+  }
+  ReportBytes(state, bytes);
+}
+
+void FillDeep(benchmark::State& state) {
+  std::size_t bytes = 0;
+  for (auto _ : state) {
+    Form form("form");
+    TreeView view("tree", &form, true);
+    Node folder = view.Add({}, "C:\\", "C:\\", 4);
+    const Node drive = folder;
+    for (int number = 0; number < state.range(0); ++number) {
+      if (number % 1000 == 0) folder = drive;
+      folder = view.FindOrAddFolder(folder, "folder " + std::to_string(number / 1000), 1);
+    }
+    bytes = view.MemoryUsed();
   }
   ReportBytes(state, bytes);
 }
@@ -159,6 +178,7 @@ void TickList(benchmark::State& state) {
 }
 
 BENCHMARK(FillTree)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(FillDeep)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(TickRoot)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(ClickFile)->Arg(1'000'000);
 BENCHMARK(FindKey)->Arg(1'000'000);

@@ -50,22 +50,77 @@ TEST_F(SetDetailTest, FoldersAreOneNodeEachAndFilesOneARow) {
 TEST_F(SetDetailTest, OddPathsStayWithinReach) {
   sample::FileRow emptyLongPath = Live(9, "C:\\Folder\\named.txt");
   emptyLongPath.longPathId = 1;
-  Load({Live(1, "readme.txt"), Live(2, "\\\\server\\share\\x.txt"), Live(3, "C:\\Folder\\"), Live(4, "x"),
+  Load({Live(1, "r"), Live(2, "\\\\server\\share\\x.txt"), Live(3, "C:\\Folder\\"), Live(4, "readme.txt"),
         Live(5, "C:\\\\double\\\\y.txt"), Live(6, "C:\\"), Live(7, ""), Live(8, "\xff\xfe\\bad\xc3\\z"),
-        emptyLongPath},
+        emptyLongPath, Live(10, "C:"), Live(11, "C:\\P\\a.txt"), Live(12, "a\\b.txt"), Live(13, "\\"),
+        Live(14, "red\\deep\\c.txt"), Live(15, "\\\\server\\share\\")},
        {{1, ""}});
-  Ids files;
-  for (int index = 1; index <= static_cast<int>(ui().tvwDetails.Count()); ++index) {
-    const controls::Node node = ui().tvwDetails.Item(index);
-    if (node.Tag().empty()) continue;
-    files.insert(index);
-    EXPECT_FALSE(node.Text().empty()) << node.Tag();
+  // A path of less than three characters is a drive text of its own and holds nothing else; a folder that is
+  // an entry stands inside itself.
+  EXPECT_EQ(Shown(), (Strings{"C:",
+                              " C: {C:}",
+                              "C:\\",
+                              " (this folder) {C:\\}",
+                              " Folder",
+                              "  (this folder) {C:\\Folder\\}",
+                              "  named.txt {C:\\Folder\\named.txt}",
+                              " P",
+                              "  a.txt {C:\\P\\a.txt}",
+                              " double",
+                              "  y.txt {C:\\\\double\\\\y.txt}",
+                              "\\",
+                              " (this folder) {\\}",
+                              "\\\\s",
+                              " server",
+                              "  share",
+                              "   (this folder) {\\\\server\\share\\}",
+                              "   x.txt {\\\\server\\share\\x.txt}",
+                              "a\\b",
+                              " b.txt {a\\b.txt}",
+                              "r",
+                              " r {r}",
+                              "rea",
+                              " readme.txt {readme.txt}",
+                              "red",
+                              " deep",
+                              "  c.txt {red\\deep\\c.txt}",
+                              "\xff\xfe\\",
+                              " bad\xc3",
+                              "  z {\xff\xfe\\bad\xc3\\z}"}));
+  EXPECT_EQ(ui().lblTreeCount.Caption(), "15 file(s).");
+  EXPECT_EQ(Detail("C:\\Folder\\").Image(), ui().imlRestore.Index("cfolder"));
+
+  // It is marked for itself, or with its folder.
+  Tick("C:\\Folder\\");
+  Apply();
+  EXPECT_EQ(catalog->Marked(), (Ids{3}));
+  Tick("Folder");
+  Apply();
+  EXPECT_EQ(catalog->Marked(), (Ids{3, 9}));
+}
+
+TEST_F(SetDetailTest, DeepPathsCostTheirNodesOnly) {
+  MakeCatalog({});
+  constexpr int kDepth = 1000, kChains = 100;
+  dialog::PathNodes paths(ui().tvwDetails, {1, 2, 3});
+  std::string deepest;
+  for (int chain = 0; chain < kChains; ++chain) {
+    std::string path = "C:\\";
+    for (int level = 0; level < kDepth; ++level) path.append(std::to_string(chain)).append("\\");
+    paths.AddPathNodes(path + "file", "tag");
+    deepest = path;
   }
-  EXPECT_EQ(files.size(), 8u);
-  EXPECT_EQ(Detail("named.txt").Tag(), "C:\\Folder\\named.txt");
-  EXPECT_EQ(Detail("y.txt").Parent().Text(), "double");
-  EXPECT_EQ(Detail("x.txt").Parent().Text(), "share");
-  EXPECT_EQ(ui().lblTreeCount.Caption(), "9 file(s).");
+  controls::TreeView& tree = ui().tvwDetails;
+  EXPECT_EQ(tree.Count(), 1u + kChains * (kDepth + 1u));
+  EXPECT_LT(tree.MemoryUsed(), tree.Count() * 70u);
+  controls::Node folder = tree.Item(deepest);
+  EXPECT_EQ(folder.Key(), deepest);
+  EXPECT_EQ(folder.Child().Text(), "file");
+  Tick("C:\\");
+  EXPECT_TRUE(folder.Child().Checked());
+  tree.UserCheck(folder, false);
+  EXPECT_FALSE(tree.Item("C:\\99\\").Checked());
+  EXPECT_TRUE(Detail("C:\\").Checked()) << "the other chains are";
 }
 
 TEST_F(SetDetailTest, PluginEntriesStandUnderTheirHeadings) {
@@ -75,17 +130,37 @@ TEST_F(SetDetailTest, PluginEntriesStandUnderTheirHeadings) {
                PluginRow(4, "Exchange Server Storage", "Store\\Public Folders\\News", "News"),
                PluginRow(5, "Exchange Server", "Store\\Address Lists\\All", "All"),
                PluginRow(6, "Exchange Server", "Store\\whole", "Exchange Server"),
-               PluginRow(7, "Exchange Serve", "C:\\odd\\x", "x")});
+               PluginRow(7, "Exchange Serve", "C:\\odd\\x", "x"),
+               PluginRow(8, "System State", "C:\\Windows\\Exchange Server", "state"),
+               PluginRow(9, "Exchange Serve", "", "Exchange Server"),
+               PluginRow(10, "", "C:\\Exchange Server", "plain"),
+               PluginRow(11, "", "C:\\Exchange Server\\x", "inside")});
   ChooseRun();
-  EXPECT_EQ(Shown(),
-            (Strings{"System State", " registry.dat {C:\\Windows\\registry.dat}", "Exchange Serve",
-                     " x {C:\\odd\\x}", "Exchange Server", " Address Lists",
-                     "  All {Store\\Address Lists\\All}", " Public Folders",
-                     "  News {Store\\Public Folders\\News}", " MailBoxes", "  Ann {Store\\mailboxes\\Ann}",
-                     " Exchange Server {Exchange Server}", "SQL Server", " full.bak {master\\full.bak}"}));
-  const std::map<std::string, int> images = {{"MailBoxes", 11}, {"Ann", 12}, {"Public Folders", 8},
-                                             {"News", 9},       {"All", 10}, {"Exchange Server", 7}};
+  EXPECT_EQ(Shown(), (Strings{"Exchange Serve",
+                              " Exchange Server {Exchange Server}",
+                              " x {C:\\odd\\x}",
+                              "C:\\",
+                              " Exchange Server {plain}",
+                              " Exchange Server",
+                              "  x {C:\\Exchange Server\\x}",
+                              "System State",
+                              " Exchange Server {state}",
+                              " registry.dat {C:\\Windows\\registry.dat}",
+                              "Exchange Server",
+                              " Address Lists",
+                              "  All {Store\\Address Lists\\All}",
+                              " Public Folders",
+                              "  News {Store\\Public Folders\\News}",
+                              " MailBoxes",
+                              "  Ann {Store\\mailboxes\\Ann}",
+                              " Exchange Server {Exchange Server}",
+                              "SQL Server",
+                              " full.bak {master\\full.bak}"}))
+      << "a node with the mail server's name carries File";
+  const std::map<std::string, int> images = {
+      {"MailBoxes", 11}, {"Ann", 12}, {"Public Folders", 8}, {"News", 9}, {"All", 10}};
   for (const auto& [text, image] : images) EXPECT_EQ(Detail(text).Image(), image) << text;
+  EXPECT_EQ(Detail("MailBoxes").Root().Image(), 7);
   EXPECT_EQ(dialog::PluginImage("anything", "C:\\plain"), 2);
 }
 
