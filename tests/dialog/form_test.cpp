@@ -156,11 +156,8 @@ TEST_F(FormTest, LostCommitIsReportedAndNothingIsSkippedForIt) {
   engine::Workspace::Backends backends;
   backends.sqlite = std::make_unique<LosingBackend>();
   engine::Workspace losing(std::move(backends));
-  dialog::Parameters parameters;
-  FormControls controls;
-  platform::Platform services = platform.Get();
-  dialog::FormContext context(parameters, controls, services, losing);
-
+  BareContext bare(platform.Get(), losing);
+  dialog::FormContext& context = bare.context;
   bool raised = false;
   context.Command("Click", [&] { context.RaiseToHost("Click", [&] { raised = true; }); });
   EXPECT_TRUE(raised);
