@@ -12,6 +12,7 @@ constexpr int kButtonsMask = 15;
 
 int HeadlessDesktop::MessageBox(const std::string& text, int style, const std::string& title) {
   Message& message = messages.emplace_back(Message{text, style, title, kAnswerOk});
+  if (onMessage) onMessage(message);
   if ((style & kButtonsMask) == kOkOnly) return kAnswerOk;
   message.answer = 0;
   if (answers.empty()) throw std::logic_error("nobody answers the question \"" + text + "\"");

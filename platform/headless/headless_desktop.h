@@ -25,6 +25,7 @@ class HeadlessDesktop : public Desktop {
   int MessageBox(const std::string& text, int style, const std::string& title) override;
   std::deque<int> answers;
   std::vector<Message> messages;
+  std::function<void(const Message&)> onMessage;  // before it is answered
 
   void DoEvents() override;
   std::size_t doEventsCount = 0;

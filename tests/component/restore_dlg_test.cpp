@@ -1,7 +1,11 @@
 // The dialog as a C++ host drives it.
 #include "component/restore_dlg.h"
 
+#include <fstream>
+
+#include "tests/catalog/recording_database.h"
 #include "tests/dialog/dialog_fixture.h"
+#include "tests/engine/test_databases.h"
 
 namespace kxrestore::component_test {
 namespace {
@@ -54,10 +58,51 @@ TEST_F(RestoreDlgTest, ResultTellsACommitFromACancel) {
   EXPECT_EQ(second.DefineRestoreSet(), 0);
   ExpectReports({"Clear Selection?: "});
   EXPECT_EQ(catalog->Marked(), Ids{});
-  User([] {});  // closed at once
-  EXPECT_EQ(second.DefineRestoreSet(), 0);
   EXPECT_EQ(events.size(), 1u);
-  EXPECT_EQ(desktop.showCount, 3u);
+
+  // The last event wins, and nothing is left over from the dialog before.
+  const auto raised = [&](std::function<void()> actions) {
+    User(std::move(actions));
+    return second.DefineRestoreSet();
+  };
+  EXPECT_EQ(raised([this] { form.CommenceRestore(), form.CancelRestore(); }), 0);
+  EXPECT_EQ(raised([this] { form.CancelRestore(), form.CommenceRestore(); }), 1);
+  EXPECT_EQ(raised([] {}), 0) << "closed at once";
+  EXPECT_EQ(desktop.showCount, 5u);
+}
+
+TEST_F(RestoreDlgTest, EverySettingReachesTheForm) {
+  const auto script = std::make_shared<catalog_test::Script>();
+  script->failures = {{"connect", 3151}};
+  engine::Workspace server({.odbc = std::make_unique<catalog_test::RecordingBackend>(script)});
+  dialog::frmRestore shared(platform.Get(), server);
+  struct Provider : component::FormProvider {
+    explicit Provider(dialog::frmRestore& formOfAll) : form(formOfAll) {}
+    dialog::frmRestore& Form() override { return form; }
+    dialog::frmRestore& form;
+  } provider(shared);
+  const engine::testing::TemporaryFolder folder;
+  RestoreDlg dialog(provider);
+  dialog.DBType(1);
+  dialog.DB("not used");
+  dialog.DBDatabase("Cat");
+  dialog.DBServer("SRV");
+  dialog.DBUser("sa");
+  dialog.DBPass("pw");
+  dialog.RestorePath("D:\\Back");
+  dialog.SessionLogName(folder.File("log"));
+  dialog.setAction("verify");
+  dialog.DebugFlag(true);
+  std::string path;
+  User([&] { path = shared.Controls().lblRestorePath.Caption(); });
+  EXPECT_EQ(dialog.DefineRestoreSet(), 0);
+  EXPECT_EQ(script->calls,
+            Strings{"connect |ODBC;DRIVER={sql server};DATABASE=Cat;SERVER=SRV;UID=sa;PWD=pw"});
+  EXPECT_EQ(path, "Restore To: D:\\Back");
+  std::string line;
+  std::getline(std::ifstream(folder.File("log")), line);
+  EXPECT_EQ(line, "11/16/2026 2:25:30 AM R 10.1.6 Loading verify Dialog ... \r");
+  ExpectReports({"LoadBackupSetTree: (3151) "});
 }
 
 TEST_F(RestoreDlgTest, CaptionsAreAppliedWhenGivenAndOnlyToTheNextDialog) {
@@ -67,7 +112,8 @@ TEST_F(RestoreDlgTest, CaptionsAreAppliedWhenGivenAndOnlyToTheNextDialog) {
             ui().lblRestorePath.Visible() ? "shown" : "hidden"};
   });
   first.DefineRestoreSet();
-  const Strings designed = seen;
+  const Strings designed{"Select Files to Restore", "Restore &Now", "Files Selected to Restore: ", "shown"};
+  EXPECT_EQ(seen, designed);
   first.frmCaption("Pick");
   first.btnCaption("&Go");
   first.lblCaption("Chosen");

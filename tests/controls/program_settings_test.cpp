@@ -57,6 +57,10 @@ TEST_F(ProgramSettingsTest, ReadsTextsNumbersAndNothingElse) {
 }
 
 TEST_F(ProgramSettingsTest, ThePathIsJoinedAsItStands) {
+  const CProgramSettings fresh(registry, desktop);
+  EXPECT_EQ(0x80000002u, fresh.RootKey());
+  EXPECT_EQ("SOFTWARE|||Settings",
+            fresh.MainBranch() + "|" + fresh.RegBase() + "|" + fresh.Program() + "|" + fresh.Section());
   registry.Put(kHkeyLocalMachine, "SOFTWARE\\Brellick Labs, Inc.\\Tarvane", "ClientDB", "no section");
   registry.Put(kHkeyLocalMachine, "SOFTWARE\\\\Tarvane\\Settings", "ClientDB", "no company");
   registry.Put(kHkeyCurrentUser, "Branch\\\\\\", "ClientDB", "nothing but a branch and separators");

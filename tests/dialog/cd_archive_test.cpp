@@ -302,7 +302,7 @@ TEST_F(CdArchiveTest, ChoosingANodeOfTheBranchChoosesNoSet) {
     EXPECT_EQ(ui().lblSetName.Caption(), node.Text());
     const bool adds = node.Key() == "ArchAdd";
     EXPECT_EQ(ui().frLoadCD.Visible(), adds);
-    EXPECT_EQ(ui().cmdAction[kApply].Enabled(), !adds);
+    for (const auto& button : ui().cmdAction) EXPECT_EQ(button.Enabled(), !adds) << button.Name();
     ShowTab(2);
     Find("doc");
     EXPECT_EQ(ui().asSearch.Count(), 2u) << "all sets are searched from " << node.Text();

@@ -32,6 +32,13 @@ enum SearchButton { kApplyFound, kClearFound, kFind, kSelectFound };
 enum AutoButton { kApplyTypes, kSelectTypes, kUnselectTypes };
 enum RestoreButton { kRestoreNow, kCancel, kRefresh, kUpdate, kClearList };
 
+// Lines as a raw string literal writes them, each on a line of its own behind the first line break.
+inline std::string Text(const Strings& lines) {
+  std::string text = "\n";
+  for (const std::string& line : lines) text.append(line).append("\n");
+  return text;
+}
+
 inline sample::FileRow Row(std::int64_t id, std::int64_t setId, std::string extension, std::string path) {
   sample::FileRow row = Live(id, std::move(path));
   row.setId = setId;
@@ -76,7 +83,10 @@ class OtherProgram {
 
 class DialogTest : public testing::Test {
  protected:
-  DialogTest() { platform.regional.now = {2026, 11, 16, 2, 25, 30}; }
+  explicit DialogTest(std::unique_ptr<engine::Workspace> databases = engine::MakeDefaultWorkspace())
+      : workspace(std::move(databases)) {
+    platform.regional.now = {2026, 11, 16, 2, 25, 30};
+  }
   void TearDown() override { ExpectReports({}); }
 
   // Makes the catalog and points the form at it.
@@ -184,7 +194,7 @@ class DialogTest : public testing::Test {
 
   platform::HeadlessPlatform platform;
   platform::HeadlessDesktop& desktop = platform.desktop;
-  std::unique_ptr<engine::Workspace> workspace = engine::MakeDefaultWorkspace();
+  std::unique_ptr<engine::Workspace> workspace;
   std::unique_ptr<CatalogFile> catalog;
   dialog::frmRestore form{platform.Get(), *workspace};
 };

@@ -55,6 +55,12 @@ TEST_F(FormTest, EachLoadStartsAsDesignedKeepsTheParametersAndIsLogged) {
             "11/16/2026 2:25:30 AM R 10.1.6 Loading verify Dialog ... \r\n");
   form.LogFilename(Path("no such folder/session.log"));
   form.SessionLogEntry("lost");
+  EXPECT_EQ(form.curAction(), "verify");
+  form.curAction(" ");
+  EXPECT_EQ(form.curAction(), " ");
+  form.curAction("");
+  EXPECT_EQ(form.curAction(), "restore");
+  for (const std::string text : {"abc", ""}) EXPECT_EQ(form.StripNulls(text + '\0' + "def"), text);
 }
 
 TEST_F(FormTest, IconComesFromTheClientFolder) {

@@ -157,27 +157,62 @@ TEST_F(SetDetailTest, PluginEntriesStandUnderTheirHeadings) {
                               "SQL Server",
                               " full.bak {master\\full.bak}"}))
       << "a node with the mail server's name carries File";
-  const std::map<std::string, int> images = {
-      {"MailBoxes", 11}, {"Ann", 12}, {"Public Folders", 8}, {"News", 9}, {"All", 10}};
+  const std::map<std::string, int> images = {{"MailBoxes", 11},   {"Ann", 12},         {"Public Folders", 8},
+                                             {"News", 9},         {"All", 10},         {"System State", 5},
+                                             {"registry.dat", 5}, {"SQL Server", 13},  {"full.bak", 2}};
   for (const auto& [text, image] : images) EXPECT_EQ(Detail(text).Image(), image) << text;
   EXPECT_EQ(Detail("MailBoxes").Root().Image(), 7);
-  EXPECT_EQ(dialog::PluginImage("anything", "C:\\plain"), 2);
+
+  // The text in its own case first, then what the path holds in any, in the order of the table.
+  const struct {
+    const char *text, *path;
+    int image;
+  } cases[] = {{"Exchange Server", "Public Folders", 7},
+               {"Public Folders", "MailBoxes", 8},
+               {"Address Lists", "Public Folders", 10},
+               {"MailBoxes", "Public Folders", 11},
+               {"public folders", "x\\PUBLIC FOLDERS\\MailBoxes\\Address Lists", 9},
+               {"mailboxes", "x\\mailboxes\\address lists", 10},
+               {"address lists", "x\\mailBOXES", 12},
+               {"anything", "C:\\plain", 2}};
+  for (const auto& [text, path, image] : cases) EXPECT_EQ(dialog::PluginImage(text, path), image) << text;
 }
 
 TEST_F(SetDetailTest, TicksAndExpansionFollowTheUser) {
-  Load({Live(1, "C:\\a\\1.txt"), Live(2, "C:\\a\\2.txt"), Live(3, "C:\\b\\3.txt")});
+  auto state = PluginRow(5, "System State", "x\\5.dat", "5.dat");
+  state.extension = "001";
+  Load({Live(1, "C:\\a\\1.txt"), Live(2, "C:\\a\\2.txt"), Live(3, "C:\\b\\3.txt"), Live(4, "D:\\4.txt"),
+        state});
   Tick("1.txt");
   EXPECT_TRUE(Detail("C:\\").Checked());
   EXPECT_FALSE(Detail("b").Checked());
   Tick("b");
   EXPECT_TRUE(Detail("3.txt").Checked());
+  // Drives become folders by it, too.
+  const auto imageKey = [&](const char* text) {
+    return ui().imlRestore.Keys()[static_cast<std::size_t>(Detail(text).Image() - 1)];
+  };
+  EXPECT_EQ(imageKey("C:\\") + " " + imageKey("b") + " " + imageKey("3.txt"), "drive cfolder file");
   ClickAction(kExpandAll);
   EXPECT_TRUE(Detail("b").Expanded());
   EXPECT_FALSE(Detail("3.txt").Expanded());
+  EXPECT_EQ(imageKey("C:\\") + " " + imageKey("b") + " " + imageKey("3.txt"), "ofolder ofolder file");
   ClickAction(kCollapseAll);
   EXPECT_FALSE(Detail("C:\\").Expanded());
+  EXPECT_EQ(imageKey("C:\\") + " " + imageKey("b") + " " + imageKey("3.txt"), "cfolder cfolder file");
+  for (const char* text : {"4.txt", "5.dat"}) Tick(text);
   ClickAction(kClearAll);
-  for (const char* text : {"C:\\", "a", "1.txt", "3.txt"}) EXPECT_FALSE(Detail(text).Checked()) << text;
+  for (int index = 1; index <= static_cast<int>(ui().tvwDetails.Count()); ++index) {
+    EXPECT_FALSE(ui().tvwDetails.Item(index).Checked()) << ui().tvwDetails.Item(index).Text();
+  }
+
+  // The count of ticked siblings ends at 16 bits, and with it the climb; what is below follows all the same.
+  const controls::Node drive = Detail("D:\\"), folder = ui().tvwDetails.Add(drive, {}, "folder");
+  const controls::Node below = ui().tvwDetails.Add(folder, {}, "below");
+  for (int file = 0; file < 32767; ++file) ui().tvwDetails.Add(drive, {}, "file").SetChecked(true);
+  ui().tvwDetails.UserCheck(folder, true);
+  EXPECT_FALSE(drive.Checked());
+  EXPECT_TRUE(below.Checked());
 }
 
 TEST_F(SetDetailTest, ApplyMarksTickedFilesAndCanBeStopped) {

@@ -1,4 +1,6 @@
 // The tree of backup sets and runs, and what choosing a node does to the rest of the form.
+#include "dialog/set_tree.h"
+
 #include "tests/dialog/dialog_fixture.h"
 
 namespace kxrestore::dialog_test {
@@ -14,6 +16,10 @@ TEST_F(DialogTest, ListsCompletedRunsNewestFirst) {
             (Strings{"Online Backups", " Set 1", "  3/1/2026 8:00:00 AM (P) {1 003}",
                      "  2/1/2026 2:25:30 PM {1 002}", "  1/1/2026 {1 001}", " Set 2",
                      "  2/15/2026 10:30:00 AM {2 001}"}));
+  EXPECT_EQ(ui().tvwSets.Item("Sets").Text(), "Online Backups");
+  EXPECT_EQ(ui().tvwSets.Item("Sets\\Set 1").Text(), "Set 1");
+  EXPECT_TRUE(ui().tvwSets.Find("3/1/2026 8:00:00 AM")) << "a permanent run's key is the bare date";
+  for (int index = 1; index <= 7; ++index) EXPECT_EQ(ui().tvwSets.Item(index).Image(), 0);
   EXPECT_TRUE(ui().tvwSets.Item(1).Expanded());
   EXPECT_FALSE(ui().tvwSets.Item(2).Expanded());
   EXPECT_TRUE(ui().tvwSets.SelectedItem() == ui().tvwSets.Item(1));
@@ -40,13 +46,15 @@ TEST_F(DialogTest, ChoosingARunShowsItAndEnablesThisSet) {
   EXPECT_TRUE(ui().optLookIn[0].Enabled());
   EXPECT_TRUE(ui().optLookIn[2].Enabled());
   EXPECT_EQ(ui().lblTreeCount.Caption(), "1 file(s).");
-  EXPECT_TRUE(NodeOf(ui().tvwSets, kRun).Bold());
+  ChooseRun("1 002");
+  EXPECT_TRUE(NodeOf(ui().tvwSets, kRun).Bold()) << "also when it is chosen again";
 
   ChooseNode("Set 2");
   EXPECT_FALSE(NodeOf(ui().tvwSets, kRun).Bold());
   EXPECT_TRUE(NodeOf(ui().tvwSets, "Set 2").Bold());
   EXPECT_EQ(ui().lblSetName.Caption(), "Set 2");
   EXPECT_TRUE(ui().optLookIn[0].Value());
+  EXPECT_TRUE(ui().optLookIn[3].Value()) << "the option of the other panel is left alone";
   EXPECT_EQ(ui().tvwDetails.Count(), 3u) << "a set loads no details";
 
   ChooseNode("Online Backups");
@@ -54,6 +62,38 @@ TEST_F(DialogTest, ChoosingARunShowsItAndEnablesThisSet) {
   EXPECT_TRUE(ui().optLookIn[1].Value());
   EXPECT_FALSE(ui().optLookIn[0].Enabled());
   EXPECT_TRUE(ui().optLookIn[2].Enabled()) << "the option of the other panel is left alone";
+}
+
+// What the panels share, without the form around them.
+TEST_F(DialogTest, EachKindOfNodeLeavesAChoice) {
+  dialog::Parameters parameters;
+  FormControls controls;
+  platform::Platform services = platform.Get();
+  dialog::FormContext context(parameters, controls, services, *workspace);
+  dialog::SetTree tree(context);
+  const controls::Node root = controls.tvwSets.Add({}, "Sets", "Online Backups");
+  const controls::Node set = controls.tvwSets.Add(root, "Sets\\Set 1", "Set 1");
+  const controls::Node newest = controls.tvwSets.Add(set, "b", "b (P)", 0, "7 003");
+  const controls::Node older = controls.tvwSets.Add(set, "a", "a", 0, "7 002 and more");
+  const auto choose = [&](controls::Node node) {
+    controls.tvwSets.UserClickNode(node);
+    const dialog::Choice& choice = context.choice;
+    return std::to_string(choice.m_lngSetID) + "|" + choice.m_strSetID + "|" + choice.m_strExtension + "|" +
+           std::to_string(choice.m_intRunCount);
+  };
+  EXPECT_EQ(choose(newest), "7|7|003|2");
+  EXPECT_EQ(choose(older), "7|7|002|1");
+  EXPECT_EQ(choose(set), "7||002|0") << "the extension is still that of the run";
+  EXPECT_EQ(choose(root), "0|||0");
+  EXPECT_EQ(tree.ListRunExtensions(newest), "\"003\", \"002\"");
+  EXPECT_EQ(tree.ListRunExtensions(older), "\"002\"");
+
+  // Six runs more than a 16-bit count holds: the choice is made all the same, as far as it goes.
+  for (int run = 0; run < 32772; ++run) controls.tvwSets.Add(set, {}, "older", 0, "8 001");
+  EXPECT_EQ(choose(newest), "7|7|003|32767");
+  EXPECT_TRUE(controls.optLookIn[2].Enabled());
+  EXPECT_THROW(tree.ListRunExtensions(newest), Error);
+  EXPECT_EQ(choose(older.Next()), "8|8|001|32767");
 }
 
 TEST_F(DialogTest, RunChosenDuringALoadChangesLabelsOnly) {

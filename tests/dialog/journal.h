@@ -1,0 +1,226 @@
+// Writes down, in one order, what the form does: to its controls, to the catalog and to whoever else the test
+// adds. A statement is written down with its text, a control's change with its new state.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "dialog/form_controls.h"
+#include "engine/database.h"
+
+namespace kxrestore::dialog_test {
+
+class Journal {
+ public:
+  void Note(std::string line) { m_lines.push_back(std::move(line)); }
+  bool Empty() const { return m_lines.empty(); }
+  std::vector<std::string> Take() { return std::exchange(m_lines, {}); }
+  // Writes the changes of all controls down from here on; those of their places only for the areas.
+  void Watch(dialog::FormControls& ui);
+
+ private:
+  std::vector<std::string> m_lines;
+};
+
+// What a control shows now that one of its properties has changed; empty for what nobody asks for.
+inline std::string Shown(const controls::Control& control, controls::Property property) {
+  using controls::Property;
+  const auto* const form = dynamic_cast<const controls::Form*>(&control);
+  switch (property) {
+    case Property::kCaption:
+      if (form != nullptr) return " \"" + form->Caption() + "\"";
+      if (const auto* label = dynamic_cast<const controls::Captioned*>(&control)) {
+        return " \"" + label->Caption() + "\"";
+      }
+      return " text";
+    case Property::kVisible:
+      if (form != nullptr) return " closed";
+      return control.Visible() ? " shown" : " hidden";
+    case Property::kEnabled:
+      return control.Enabled() ? " enabled" : " disabled";
+    case Property::kToolTipText:
+      return " tip \"" + control.ToolTipText() + "\"";
+    case Property::kAppearance:
+      if (form == nullptr) return {};
+      return form->MousePointer() == controls::MousePointer::kHourglass ? " hourglass" : " arrow or icon";
+    case Property::kValue:
+      if (const auto* option = dynamic_cast<const controls::OptionButton*>(&control)) {
+        return option->Value() ? " chosen" : " not chosen";
+      }
+      return " value";
+    case Property::kItems:
+      return " items";
+    case Property::kGeometry:
+      switch (control.GetKind()) {
+        case controls::Kind::kPictureBox:
+        case controls::Kind::kSplitBar:
+          if (control.Name().starts_with("panel") || control.Name() == "picCounts") return {};
+          break;
+        case controls::Kind::kTreeView:
+          if (control.Name() != "tvwSets") return {};
+          break;
+        default:
+          return {};
+      }
+      return " at " + std::to_string(control.Left()) + " " + std::to_string(control.Top()) + " " +
+             std::to_string(control.Width()) + " " + std::to_string(control.Height());
+    case Property::kWindowState:
+      break;
+  }
+  return {};
+}
+
+template <typename Base>
+class JournalPeer : public Base {
+ public:
+  JournalPeer(Journal& journal, controls::Control& control) : m_journal(journal), m_control(control) {}
+  void Changed(controls::Property property) override {
+    if (const std::string shown = Shown(m_control, property); !shown.empty()) Note(shown);
+  }
+  void BringToFront() override { Note(" to front"); }
+  void SetFocus() override { Note(" focused"); }
+  void Refresh() override { Note(" refreshed"); }
+  void FreezeRedraw(bool frozen) override { Note(frozen ? " frozen" : " thawed"); }
+
+ protected:
+  void Note(const std::string& what) { m_journal.Note(m_control.Name() + what); }
+  Journal& m_journal;
+  controls::Control& m_control;
+};
+
+class JournalTreePeer : public JournalPeer<controls::TreePeer> {
+ public:
+  using JournalPeer::JournalPeer;
+  void NodeAdded(std::uint32_t node) override { Note(" + " + Text(node)); }
+  void NodeRemoved(std::uint32_t node) override { Note(" - " + Text(node)); }
+  void NodeChanged(std::uint32_t node, controls::NodeProperty property) override {
+    constexpr const char* kNames[] = {" text", " image", " checked", " expanded", " bold", " selected"};
+    Note(" " + Text(node) + kNames[static_cast<int>(property)]);
+  }
+  void Cleared() override { Note(" cleared"); }
+
+ private:
+  std::string Text(std::uint32_t node) const {
+    return std::string(static_cast<controls::TreeView&>(m_control).Item(static_cast<int>(node)).Text());
+  }
+};
+
+class JournalListPeer : public JournalPeer<controls::ListPeer> {
+ public:
+  using JournalPeer::JournalPeer;
+  void EntriesAdded(std::size_t newCount) override {
+    Note(" + " + std::string(static_cast<controls::AutoSelect&>(m_control).At(newCount).name));
+  }
+  void TicksChanged(std::size_t, std::size_t) override { Note(" ticks"); }
+  void Cleared() override { Note(" cleared"); }
+};
+
+inline void WatchAll(Journal& journal, controls::Control& control) {
+  switch (control.GetKind()) {
+    case controls::Kind::kTreeView:
+      control.AttachPeer(std::make_unique<JournalTreePeer>(journal, control));
+      break;
+    case controls::Kind::kAutoSelect:
+      control.AttachPeer(std::make_unique<JournalListPeer>(journal, control));
+      break;
+    default:
+      control.AttachPeer(std::make_unique<JournalPeer<controls::Peer>>(journal, control));
+  }
+  if (auto* const container = dynamic_cast<controls::Container*>(&control)) {
+    for (controls::Control* const child : container->Children()) WatchAll(journal, *child);
+  }
+}
+
+inline void Journal::Watch(dialog::FormControls& ui) {
+  WatchAll(*this, ui.form);
+}
+
+// A database that passes everything on to another one.
+class JournalRecordset : public engine::Recordset {
+ public:
+  JournalRecordset(Journal& journal, std::unique_ptr<engine::Recordset> rows)
+      : m_journal(journal), m_rows(std::move(rows)) {}
+  bool Eof() const override { return m_rows->Eof(); }
+  void MoveNext() override { m_rows->MoveNext(); }
+  std::size_t FieldCount() const override { return m_rows->FieldCount(); }
+  std::string_view FieldName(std::size_t index) const override { return m_rows->FieldName(index); }
+  engine::ValueView FieldValue(std::size_t index) const override { return m_rows->FieldValue(index); }
+  void Edit() override { m_rows->Edit(); }
+  void SetFieldValue(std::size_t index, engine::Value value) override {
+    m_rows->SetFieldValue(index, std::move(value));
+  }
+  void Update() override {
+    m_journal.Note("row written");
+    m_rows->Update();
+  }
+  void Close() override {
+    m_journal.Note("close rows");
+    m_rows->Close();
+  }
+
+ private:
+  Journal& m_journal;
+  std::unique_ptr<engine::Recordset> m_rows;
+};
+
+class JournalDatabase : public engine::Database {
+ public:
+  JournalDatabase(Journal& journal, std::unique_ptr<engine::Database> database)
+      : m_journal(journal), m_database(std::move(database)) {}
+  std::unique_ptr<engine::Recordset> OpenRecordset(std::string_view source, engine::RecordsetType type,
+                                                   const engine::ColumnNames& read) override {
+    m_journal.Note((type == engine::RecordsetType::kSnapshot ? "snapshot " : "dynaset ") +
+                   std::string(source));
+    return std::make_unique<JournalRecordset>(m_journal, m_database->OpenRecordset(source, type, read));
+  }
+  std::int64_t Execute(std::string_view sql, int options) override {
+    m_journal.Note("execute " + std::string(sql));
+    return m_database->Execute(sql, options);
+  }
+  std::string QueryText(std::string_view name) override { return m_database->QueryText(name); }
+  void CreateQueryDef(std::string_view name, std::string_view sql) override {
+    m_database->CreateQueryDef(name, sql);
+  }
+  void DeleteQueryDef(std::string_view name) override { m_database->DeleteQueryDef(name); }
+  void BeginTrans() override { m_database->BeginTrans(); }
+  void CommitTrans() override { m_database->CommitTrans(); }
+  void Rollback() override { m_database->Rollback(); }
+  void Close() override {
+    m_journal.Note("close catalog");
+    m_database->Close();
+  }
+
+ private:
+  Journal& m_journal;
+  std::unique_ptr<engine::Database> m_database;
+};
+
+// Nobody waits for a statement here: how often that would be depends on the machine.
+class JournalBackend : public engine::Backend {
+ public:
+  JournalBackend(Journal& journal, std::unique_ptr<engine::Backend> backend)
+      : m_journal(journal), m_backend(std::move(backend)) {}
+  std::unique_ptr<engine::Database> Open(const engine::OpenRequest& request) override {
+    m_journal.Note("open catalog");
+    return std::make_unique<JournalDatabase>(m_journal, m_backend->Open(request));
+  }
+  void BeginAction() override { m_backend->BeginAction(); }
+  void Idle() override {}
+  void Flush() override {
+    m_journal.Note("flush");
+    m_backend->Flush();
+  }
+  void EndAction() override {
+    m_journal.Note("commit");
+    m_backend->EndAction();
+  }
+
+ private:
+  Journal& m_journal;
+  std::unique_ptr<engine::Backend> m_backend;
+};
+
+}  // namespace kxrestore::dialog_test

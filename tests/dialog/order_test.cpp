@@ -1,0 +1,485 @@
+// What the form does and in which order: one journal for a load, for each way of choosing files and for each
+// way of leaving.
+#include <fstream>
+#include <iterator>
+
+#include "engine/sqlite/sqlite_backend.h"
+#include "tests/dialog/dialog_fixture.h"
+#include "tests/dialog/journal.h"
+#include "tests/engine/test_databases.h"
+
+namespace kxrestore::dialog_test {
+namespace {
+
+// Constructed before the form that writes into it.
+struct JournalHolder {
+  std::unique_ptr<engine::Workspace> JournaledWorkspace() {
+    engine::Workspace::Backends backends;
+    backends.sqlite = std::make_unique<JournalBackend>(journal, engine::sqlite::MakeSqliteBackend());
+    return std::make_unique<engine::Workspace>(std::move(backends));
+  }
+  Journal journal;
+};
+
+// How the statements begin, and what they are called here.
+constexpr std::pair<std::string_view, std::string_view> kStatements[] = {
+    {"SELECT SetNames.Name, BackupAudit.DateStamp, BackupAudit.SetNameID, BackupAudit.Extension, "
+     "BackupAudit.Permanent, BackupAudit.Status FROM SetNames INNER JOIN BackupAudit ON SetNames.ID = "
+     "BackupAudit.SetNameID Where (((BackupAudit.Status) = 6)) ORDER BY SetNames.Name, BackupAudit.DateStamp "
+     "DESC; ",
+     "of the sets"},
+    {"SELECT Catalog.ID, Catalog.DateStamp, Catalog.SetNameID, Catalog.Extension, Catalog.Filename, "
+     "Catalog.File, Catalog.LongPathID, LongPaths.LongPath, Catalog.StoreName, Catalog.StoreMethod, "
+     "Catalog.Plugin, IIf(IsNull([LongPath]),[filename],[longpath]) AS RestoreFile FROM LongPaths RIGHT JOIN "
+     "[Catalog] ON LongPaths.PathID = Catalog.LongPathID WHERE (((Catalog.SetNameID)=",
+     "of files where "},
+    {"SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, Catalog.Restore, LongPaths.LongPath "
+     "FROM "
+     "LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID WHERE (((Catalog.SetNameID)=",
+     "of a name where "},
+    {"SELECT Catalog.SetNameID, Catalog.OrigSize, Catalog.DateStamp, Catalog.Extension, Catalog.Filename, "
+     "Catalog.File, Catalog.Restore, Catalog.StoreMethod, Catalog.Plugin, Catalog.StoreName, "
+     "IIf(IsNull([LongPath]),[filename],[longpath]) AS RestoreFile, SetNames.Name FROM SetNames RIGHT JOIN "
+     "(LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID) ON SetNames.ID = "
+     "Catalog.SetNameID WHERE (((Catalog.Restore)=True));",
+     "of the marked"},
+    {"UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));", "clear all"},
+};
+
+class OrderTest : public JournalHolder, public DialogTest {
+ protected:
+  OrderTest() : DialogTest(JournaledWorkspace()) {
+    MakeCatalog(
+        {Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.docx"), Row(3, 2, "001", "C:\\c.txt")});
+    desktop.onMessage = [this](const auto& box) {
+      journal.Note("box " + std::to_string(box.style) + " \"" + box.title + "\" \"" + box.text + "\"");
+    };
+    form.CommenceRestore = [this] { journal.Note("CommenceRestore"); };
+    form.CancelRestore = [this] { journal.Note("CancelRestore"); };
+  }
+  void TearDown() override {}
+
+  // Starts to write down what the shown form does.
+  void Watch() {
+    journal.Watch(ui());
+    desktop.onDoEvents = [this] { journal.Note("events"); };
+    journal.Take();
+  }
+  std::string WrittenDown() {
+    std::string text = Text(journal.Take());
+    std::erase(text, '\r');
+    // A blank at the end of a line shows as " $".
+    for (auto place = text.find(" \n"); place != std::string::npos; place = text.find(" \n")) {
+      text.insert(place + 1, 1, '$');
+    }
+    for (const auto& [statement, name] : kStatements) {
+      for (auto place = text.find(statement); place != std::string::npos; place = text.find(statement)) {
+        text.replace(place, statement.size(), name);
+      }
+    }
+    return text;
+  }
+};
+
+TEST_F(OrderTest, Load) {
+  const engine::testing::TemporaryFolder folder;
+  form.LogFilename(folder.File("log"));
+  form.RestorePath("D:\\Back");
+  PutSetting(platform::kHkeyLocalMachine, "ClientDB", "C:\\Client\\");
+  platform.drives.files = {"C:\\Client\\kxicon.ico"};
+  platform.drives.drives = {{"E:\\", 5, "DISC"}};
+  platform.registry.fault = [&](std::string_view operation) {
+    if (operation == "OpenKey" && journal.Empty()) {
+      std::ifstream log(folder.File("log"));
+      journal.Note("log " + std::string(std::istreambuf_iterator<char>(log), {}));
+      journal.Watch(form.Controls());
+    }
+    journal.Note(std::string(operation));
+    return 0;
+  };
+  EXPECT_EQ(ui().form.IconPath(), "C:\\Client\\kxicon.ico");
+  EXPECT_EQ(WrittenDown(), R"--(
+log 11/16/2026 2:25:30 AM R 10.1.6 Loading restore Dialog ... $
+
+OpenKey
+picTopButtons at 0 450 2830 1400
+picTop at 0 0 8810 3396
+tvwSets at 0 470 1300 2926
+SplitV at 1300 470 60 2926
+picTabs at 1360 360 7360 2976
+lblMask to front
+cboMask to front
+chk(1) to front
+frLookin(1) to front
+picTopButtons at 8840 110 2830 1455
+picTopButtons to front
+splitH at 0 3396 8810 60
+picBottom at 0 3576 11640 4914
+lblRestorePath to front
+picCounts to front
+picBottom at 0 3456 11640 5034
+lblRestorePath to front
+picCounts to front
+picBottom refreshed
+tvwSets at 60 360 3200 2926
+tvwSets refreshed
+picTabs at 60 360 7360 2976
+SplitV at 3260 470 60 2976
+picTop at 0 0 8610 3396
+tvwSets at 60 470 3200 2926
+SplitV at 3260 470 60 2926
+picTabs at 3320 360 5200 2976
+lblMask to front
+cboMask to front
+chk(1) to front
+frLookin(1) to front
+picTopButtons at 8640 110 2830 1455
+picTopButtons to front
+picTopButtons to front
+picBottom at 0 3512 11640 4944
+lblRestorePath to front
+picCounts to front
+splitH at 0 3396 8610 60
+picBottom refreshed
+picTop refreshed
+picTopButtons to front
+OpenKey
+OpenKey
+QueryValue
+ReadValue
+frmRestore arrow or icon
+open catalog
+snapshot of the sets$
+tvwSets + Online Backups
+tvwSets + Set 1
+tvwSets + 3/1/2026 8:00:00 AM (P)
+tvwSets + 2/1/2026 2:25:30 PM
+tvwSets + 1/1/2026
+tvwSets + Set 2
+tvwSets + 2/15/2026 10:30:00 AM
+tvwSets Online Backups expanded
+tvwSets Online Backups selected
+close rows
+close catalog
+tvwSets + Archive Sets
+tvwSets + Append new Archive CD ...
+DriveCD items
+lblRestorePath "Restore To: D:\Back"
+lblRestorePath tip "Restore To: D:\Back"
+commit
+)--");
+}
+
+TEST_F(OrderTest, ChoosingARunAndApplying) {
+  Watch();
+  ChooseRun();
+  EXPECT_EQ(WrittenDown(), R"--(
+tvwSets 3/1/2026 8:00:00 AM (P) bold
+lblCurrSet "Current Set: "
+lblSetName "Set 1
+ up to $
+3/1/2026 8:00:00 AM (P)"
+optLookIn(0) enabled
+optLookIn(2) enabled
+lblTreeCount "Loading Please Wait ..."
+tvwDetails frozen
+tvwDetails cleared
+open catalog
+snapshot of files where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Status)=2));
+events
+tvwDetails + C:\
+tvwDetails + a.doc
+lblTreeCount "Loading Please Wait ... (1)"
+events
+tvwDetails + b.docx
+lblTreeCount "Loading Please Wait ... (2)"
+close rows
+close catalog
+tvwDetails thawed
+lblTreeCount "2 file(s)."
+commit
+)--");
+  TickAll();
+  journal.Take();
+  Apply();
+  EXPECT_EQ(WrittenDown(), R"--(
+events
+events
+lblTreeCount "Scanning 1"
+open catalog
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\a.doc')); $
+row written
+events
+lblTreeCount "Scanning 2"
+open catalog
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\b.docx')); $
+row written
+open catalog
+snapshot of the marked
+asRestoreList frozen
+asRestoreList cleared
+events
+asRestoreList + C:\a.doc
+events
+asRestoreList + C:\b.docx
+lblCounts(0) "2 file(s) selected"
+cmdRestore(0) enabled
+close rows
+close catalog
+asRestoreList thawed
+lblTreeCount hidden
+commit
+)--");
+}
+
+TEST_F(OrderTest, AutoSelect) {
+  ShowTab(3);
+  Tick(ui().asFiles, ".doc");
+  Watch();
+  ui().cmdAuto[kApplyTypes].UserClick();
+  EXPECT_EQ(WrittenDown(), R"--(
+open catalog
+frmRestore hourglass
+snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "**.doc*") AND (FullCatalog.Status = 2) );
+frmRestore arrow or icon
+events
+open catalog
+execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=1));
+events
+open catalog
+execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=2));
+close rows
+close catalog
+open catalog
+snapshot of the marked
+asRestoreList frozen
+asRestoreList cleared
+events
+asRestoreList + C:\a.doc
+events
+asRestoreList + C:\b.docx
+lblCounts(0) "2 file(s) selected"
+cmdRestore(0) enabled
+close rows
+close catalog
+asRestoreList thawed
+commit
+)--");
+}
+
+TEST_F(OrderTest, Search) {
+  ShowTab(2);
+  Watch();
+  Find("doc");
+  EXPECT_EQ(WrittenDown(), R"--(
+cboMask items
+open catalog
+frmRestore hourglass
+snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "*doc*") AND (FullCatalog.Status = 2) );
+frmRestore arrow or icon
+asSearch cleared
+events
+asSearch + C:\a.doc
+events
+asSearch + C:\b.docx
+close rows
+close catalog
+lblCounts(0) "0 file(s) selected"
+lblSearchCount "2 File(s)"
+commit
+)--");
+  Find("");
+  EXPECT_EQ(WrittenDown(), R"--(
+flush
+box 0 "" "No Search String Defined."
+cboMask focused
+commit
+)--");
+  ui().asSearch.TickAll(true);
+  journal.Take();
+  ui().cmdSearch[kApplyFound].UserClick();
+  EXPECT_EQ(WrittenDown(), R"--(
+events
+lblSearchCount "Scanning 1"
+open catalog
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\a.doc')); $
+row written
+lblSearchCount "2 File(s)"
+events
+lblSearchCount "Scanning 2"
+open catalog
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\b.docx')); $
+row written
+lblSearchCount "2 File(s)"
+open catalog
+snapshot of the marked
+asRestoreList frozen
+asRestoreList cleared
+events
+asRestoreList + C:\a.doc
+events
+asRestoreList + C:\b.docx
+lblCounts(0) "2 file(s) selected"
+cmdRestore(0) enabled
+close rows
+close catalog
+asRestoreList thawed
+commit
+)--");
+}
+
+TEST_F(OrderTest, TheRestoreList) {
+  Watch();
+  catalog->Execute("UPDATE Catalog SET Restore = 1, Status = 3 WHERE ID < 3");
+  Click(kRefresh);
+  EXPECT_EQ(WrittenDown(), R"--(
+open catalog
+snapshot of the marked
+asRestoreList frozen
+asRestoreList cleared
+events
+asRestoreList + C:\a.doc
+events
+asRestoreList + C:\b.docx
+lblCounts(0) "2 file(s) selected"
+cmdRestore(0) enabled
+close rows
+close catalog
+asRestoreList thawed
+commit
+)--");
+  ui().asRestoreList.UserTick(1, false);
+  journal.Take();
+  Click(kUpdate);
+  EXPECT_EQ(WrittenDown(), R"--(
+events
+open catalog
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\a.doc')); $
+row written
+events
+open catalog
+snapshot of the marked
+asRestoreList frozen
+asRestoreList cleared
+events
+asRestoreList + C:\b.docx
+lblCounts(0) "1 file(s) selected"
+close rows
+close catalog
+asRestoreList thawed
+commit
+)--");
+  desktop.answers = {platform::kAnswerNo, platform::kAnswerYes};
+  Click(kClearList);
+  EXPECT_EQ(WrittenDown(), R"--(
+flush
+box 36 "Clear Selection? " "Clear All Selected Files? "
+commit
+)--");
+  Click(kClearList);
+  EXPECT_EQ(WrittenDown(), R"--(
+flush
+box 36 "Clear Selection? " "Clear All Selected Files? "
+asRestoreList cleared
+open catalog
+execute clear all
+lblCounts(0) "0 file(s) selected"
+cmdRestore(0) disabled
+commit
+)--");
+}
+
+TEST_F(OrderTest, Leaving) {
+  const struct {
+    const char* name;
+    bool marked;
+    int answer;
+    std::function<void()> leave;
+  } cases[] = {{"Restore Now", true, 0, [&] { Click(kRestoreNow); }},
+               {"Cancel, no", true, platform::kAnswerNo, [&] { Click(kCancel); }},
+               {"Cancel, yes", true, platform::kAnswerYes, [&] { Click(kCancel); }},
+               {"Cancel without a selection", false, 0, [&] { Click(kCancel); }},
+               {"close box, no", true, platform::kAnswerNo, [&] { ui().form.UserClose(); }},
+               {"close box, yes", true, platform::kAnswerYes, [&] { ui().form.UserClose(); }},
+               {"close box without a selection", false, 0, [&] { ui().form.UserClose(); }}};
+  std::string all;
+  for (const auto& [name, marked, answer, leave] : cases) {
+    Watch();
+    catalog->Execute(marked ? "UPDATE Catalog SET Restore = 1 WHERE ID = 1"
+                            : "UPDATE Catalog SET Restore = 0");
+    Click(kRefresh);
+    journal.Take();
+    desktop.answers = {answer};
+    leave();
+    all.append("\n").append(name).append(":").append(WrittenDown());
+    EXPECT_EQ(catalog->Marked().size(), marked && answer != platform::kAnswerYes ? 1u : 0u) << name;
+  }
+  EXPECT_EQ(all, R"--(
+Restore Now:
+commit
+CommenceRestore
+frmRestore closed
+commit
+
+Cancel, no:
+flush
+box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+commit
+
+Cancel, yes:
+flush
+box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+open catalog
+execute clear all
+commit
+CancelRestore
+frmRestore closed
+commit
+
+Cancel without a selection:
+commit
+CancelRestore
+frmRestore closed
+commit
+
+close box, no:
+flush
+box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+frmRestore closed
+commit
+
+close box, yes:
+flush
+box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+open catalog
+execute clear all
+commit
+CancelRestore
+frmRestore closed
+commit
+
+close box without a selection:
+frmRestore closed
+commit
+)--");
+}
+
+TEST_F(OrderTest, AStepOfTheLoadThatFailsLeavesOutTheLaterOnesWithoutAWord) {
+  form.RestorePath("D:\\Back");
+  platform.drives.drives = {{"E:\\", 5, "DISC"}};
+  PutSetting(platform::kHkeyLocalMachine, "ClientDB", "C:\\Client");
+  platform.registry.fault = [](std::string_view operation) -> long {
+    return operation == "ReadValue" ? throw std::runtime_error("no registry") : 0;
+  };
+  desktop.user = [&](controls::Form&) {
+    EXPECT_EQ(ui().splitH.Top(), 3396) << "what came before it stands";
+    EXPECT_EQ(ui().tvwSets.Count(), 0u);
+    EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To:");
+  };
+  form.ShowModal();
+  EXPECT_EQ(desktop.showCount, 1u);
+  EXPECT_TRUE(desktop.messages.empty());
+}
+
+}  // namespace
+}  // namespace kxrestore::dialog_test
