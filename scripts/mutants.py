@@ -28,8 +28,8 @@ PROGRAMS = {
     "controls": ["controls_tests", "dialog_tests"],
     "platform": ["platform_tests", "controls_tests", "dialog_tests"],
 }
-# These take long, or want a server, and are about speed and other programs.
-SLOW = "WaitingTest.*:TwoDialogs*:LostServer*"
+# These take long, or want a server: they are about speed and about other programs.
+SLOW = "WaitingTest.*:TwoDialogs*:LostServer*:*AnotherProgramHolds*"
 PATIENCE = 180  # seconds for one program
 
 

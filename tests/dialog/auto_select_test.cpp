@@ -1,4 +1,7 @@
 // The auto-select tab, driven through its controls, and what its chooser lists.
+#include "dialog/auto_select.h"
+
+#include "dialog/restore_list.h"
 #include "dialog/type_census.h"
 #include "tests/dialog/dialog_fixture.h"
 
@@ -83,6 +86,26 @@ TEST_F(AutoSelectTab, ApplyMarksEveryVersionOrTheLatest) {
   EXPECT_EQ(Selected(), "4 file(s) selected");
   ui().cmdAuto[kUnselectTypes].UserClick();
   EXPECT_EQ(Types().TickedTypes(), "");
+}
+
+TEST_F(AutoSelectTab, TheBoxIsReadForEachTypeAndTheLastPatternStaysTheExtension) {
+  MakeCatalog({Live(1, "C:\\a.doc"), Live(2, "C:\\a.doc"), Live(3, "C:\\b.xls"), Live(4, "C:\\b.xls")});
+  BareContext bare(platform.Get(), *workspace);
+  auto& [parameters, controls, services, context] = bare;
+  context.connection.dbName = catalog->Path();
+  dialog::SetTree setTree(context);
+  dialog::RestoreList restoreList(context, {});
+  const dialog::AutoSelectPanel panel(context, setTree, restoreList);
+  controls.panel[2].SetVisible(true);
+  for (const char* type : {".doc", ".xls"}) {
+    AutoSelect::Entry entry;
+    entry.name = type;
+    controls.asFiles.Add(entry, true);
+  }
+  DuringWalk(2, [&] { controls.chk2.UserClick(); });
+  controls.cmdAuto[kApplyTypes].UserClick();
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 4}));
+  EXPECT_EQ(context.choice.m_strExtension, "*.xls");
 }
 
 TEST_F(AutoSelectTab, OddTypesMarkJustTheirFilesInTheChosenRuns) {

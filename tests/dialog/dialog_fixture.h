@@ -81,6 +81,16 @@ class OtherProgram {
   std::unique_ptr<sqlite3, int (*)(sqlite3*)> m_database{nullptr, sqlite3_close};
 };
 
+// What the panels share, without the form around them: for what no control shows.
+struct BareContext {
+  BareContext(const platform::Platform& platformOfTest, engine::Workspace& workspace)
+      : services(platformOfTest), context(parameters, controls, services, workspace) {}
+  dialog::Parameters parameters;
+  FormControls controls;
+  platform::Platform services;
+  dialog::FormContext context;
+};
+
 class DialogTest : public testing::Test {
  protected:
   explicit DialogTest(std::unique_ptr<engine::Workspace> databases = engine::MakeDefaultWorkspace())

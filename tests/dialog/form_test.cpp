@@ -158,10 +158,8 @@ TEST_F(FormTest, LostCommitIsReportedKeepsTheHostWaitingAndIsListed) {
   engine::Workspace::Backends backends;
   backends.sqlite = std::make_unique<LosingBackend>();
   engine::Workspace losing(std::move(backends));
-  dialog::Parameters parameters;
-  FormControls controls;
-  platform::Platform services = platform.Get();
-  dialog::FormContext context(parameters, controls, services, losing);
+  BareContext bare(platform.Get(), losing);
+  dialog::FormContext& context = bare.context;
   int listed = 0, raised = 0;
   context.ListMarksAnew = [&] {
     ++listed;

@@ -170,6 +170,80 @@ commit
 )--");
 }
 
+TEST_F(OrderTest, SwitchingTabsAndMinimizing) {
+  Watch();
+  for (const int tab : {2, 3, 2, 3, 1}) ShowTab(tab);
+  ui().form.UserResize(160, 30, controls::WindowState::kMinimized);
+  EXPECT_EQ(WrittenDown(), R"--(
+tbsOptions value
+tbsOptions frozen
+picTabs frozen
+panel(0) hidden
+panel(1) shown
+panel(1) to front
+lblMask to front
+cboMask to front
+chk(1) to front
+picTabs thawed
+tbsOptions thawed
+commit
+tbsOptions value
+tbsOptions frozen
+picTabs frozen
+panel(1) hidden
+panel(2) shown
+panel(2) to front
+asFiles cleared
+open catalog
+snapshot SELECT Mid([OrigName],InStrRev([OrigName],".")) AS FileType, Count(*) AS Files FROM [Catalog] WHERE (((Catalog.Status)=2) AND ((Catalog.OrigName) Like "*.*")) GROUP BY Mid([OrigName],InStrRev([OrigName],"."));
+events
+events
+events
+close rows
+close catalog
+asFiles + Documents
+asFiles + .doc
+asFiles + .docx
+asFiles + .txt
+picTabs thawed
+tbsOptions thawed
+commit
+tbsOptions value
+tbsOptions frozen
+picTabs frozen
+panel(1) shown
+panel(1) to front
+lblMask to front
+cboMask to front
+chk(1) to front
+panel(2) hidden
+picTabs thawed
+tbsOptions thawed
+commit
+tbsOptions value
+tbsOptions frozen
+picTabs frozen
+panel(1) hidden
+panel(2) shown
+panel(2) to front
+picTabs thawed
+tbsOptions thawed
+commit
+tbsOptions value
+tbsOptions frozen
+picTabs frozen
+panel(0) shown
+panel(0) to front
+tvwDetails refreshed
+panel(2) hidden
+picTabs thawed
+tbsOptions thawed
+commit
+picBottom refreshed
+picTop refreshed
+)--");
+}
+
 TEST_F(OrderTest, ChoosingARunAndApplying) {
   Watch();
   ChooseRun();

@@ -64,12 +64,9 @@ TEST_F(DialogTest, ChoosingARunShowsItAndEnablesThisSet) {
   EXPECT_TRUE(ui().optLookIn[2].Enabled()) << "the option of the other panel is left alone";
 }
 
-// What the panels share, without the form around them.
 TEST_F(DialogTest, EachKindOfNodeLeavesAChoice) {
-  dialog::Parameters parameters;
-  FormControls controls;
-  platform::Platform services = platform.Get();
-  dialog::FormContext context(parameters, controls, services, *workspace);
+  BareContext bare(platform.Get(), *workspace);
+  auto& [parameters, controls, services, context] = bare;
   dialog::SetTree tree(context);
   const controls::Node root = controls.tvwSets.Add({}, "Sets", "Online Backups");
   const controls::Node set = controls.tvwSets.Add(root, "Sets\\Set 1", "Set 1");
