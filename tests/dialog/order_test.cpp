@@ -304,6 +304,22 @@ asRestoreList thawed
 lblTreeCount hidden
 commit
 )--");
+  for (const char* node : {"Set 2", "Online Backups"}) ChooseNode(node);
+  EXPECT_EQ(WrittenDown(), R"--(
+tvwSets 3/1/2026 8:00:00 AM (P) bold
+tvwSets Set 2 bold
+optLookIn(1) not chosen
+optLookIn(0) chosen
+lblSetName "Set 2"
+commit
+tvwSets Set 2 bold
+tvwSets Online Backups bold
+lblSetName "(All)"
+optLookIn(0) not chosen
+optLookIn(1) chosen
+optLookIn(0) disabled
+commit
+)--");
 }
 
 TEST_F(OrderTest, AutoSelect) {
@@ -369,16 +385,12 @@ box 0 "" "No Search String Defined."
 cboMask focused
 commit
 )--");
-  ui().asSearch.TickAll(true);
+  ui().asSearch.UserTick(2, true);
   journal.Take();
   ui().cmdSearch[kApplyFound].UserClick();
   EXPECT_EQ(WrittenDown(), R"--(
 events
 lblSearchCount "Scanning 1"
-open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\a.doc')); $
-row written
-lblSearchCount "2 File(s)"
 events
 lblSearchCount "Scanning 2"
 open catalog
@@ -390,10 +402,8 @@ snapshot of the marked
 asRestoreList frozen
 asRestoreList cleared
 events
-asRestoreList + C:\a.doc
-events
 asRestoreList + C:\b.docx
-lblCounts(0) "2 file(s) selected"
+lblCounts(0) "1 file(s) selected"
 cmdRestore(0) enabled
 close rows
 close catalog
@@ -443,8 +453,10 @@ close catalog
 asRestoreList thawed
 commit
 )--");
+  catalog->Execute("UPDATE Catalog SET Restore = 1");  // of every set, and two that are not listed
   desktop.answers = {platform::kAnswerNo, platform::kAnswerYes};
   Click(kClearList);
+  EXPECT_EQ(catalog->Marked().size(), 3u);
   EXPECT_EQ(WrittenDown(), R"--(
 flush
 box 36 "Clear Selection? " "Clear All Selected Files? "
@@ -461,6 +473,7 @@ lblCounts(0) "0 file(s) selected"
 cmdRestore(0) disabled
 commit
 )--");
+  EXPECT_EQ(catalog->Marked(), Ids{});
 }
 
 TEST_F(OrderTest, Leaving) {
@@ -472,6 +485,7 @@ TEST_F(OrderTest, Leaving) {
   } cases[] = {{"Restore Now", true, 0, [&] { Click(kRestoreNow); }},
                {"Cancel, no", true, platform::kAnswerNo, [&] { Click(kCancel); }},
                {"Cancel, yes", true, platform::kAnswerYes, [&] { Click(kCancel); }},
+               {"Esc, yes", true, platform::kAnswerYes, [&] { Escape(); }},
                {"Cancel without a selection", false, 0, [&] { Click(kCancel); }},
                {"close box, no", true, platform::kAnswerNo, [&] { ui().form.UserClose(); }},
                {"close box, yes", true, platform::kAnswerYes, [&] { ui().form.UserClose(); }},
@@ -501,6 +515,16 @@ box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear
 commit
 
 Cancel, yes:
+flush
+box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+open catalog
+execute clear all
+commit
+CancelRestore
+frmRestore closed
+commit
+
+Esc, yes:
 flush
 box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
 open catalog

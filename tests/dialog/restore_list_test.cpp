@@ -118,53 +118,6 @@ TEST_F(RestoreListTest, RestoreNowRaisesOnceWithTheMarksCommittedAndTheCatalogFr
   EXPECT_EQ(catalog->Marked(), (Ids{2, 3, 5, 6, 7, 8, 9, 10}));
 }
 
-// Cancel keeps the dialog at "No", the close box closes it and keeps the marks; "Yes" clears them, and
-// without any nothing is asked.
-TEST_F(RestoreListTest, CancelAndTheCloseBoxAskOnlyForASelection) {
-  for (const bool byCloseBox : {false, true}) {
-    SCOPED_TRACE(byCloseBox);
-    const auto leave = [&] { byCloseBox ? ui().form.UserClose() : Click(kCancel); };
-    events.clear();
-    Show();
-    Mark("1, 4");
-    desktop.answers = {platform::kAnswerNo};
-    leave();
-    EXPECT_EQ(Open(), !byCloseBox);
-    EXPECT_EQ(events, Strings{});
-    EXPECT_EQ(catalog->Marked(), (Ids{1, 4}));
-    EXPECT_EQ(desktop.messages.back().style, 36);
-    ExpectReports({kCancelQuestion});
-
-    Show();
-    Click(kRefresh);
-    desktop.answers = {platform::kAnswerYes};
-    byCloseBox ? leave() : Escape();
-    EXPECT_FALSE(Open());
-    EXPECT_EQ(events, Strings{"CancelRestore"});
-    EXPECT_EQ(catalog->Marked(), Ids{});
-    ExpectReports({kCancelQuestion});
-
-    Show();
-    leave();
-    EXPECT_FALSE(Open());
-    EXPECT_EQ(events.size(), byCloseBox ? 1u : 2u);
-  }
-}
-
-TEST_F(RestoreListTest, ClearAsksAndClearsTheMarksOfEverySet) {
-  Mark("1, 4");
-  catalog->Execute("UPDATE Catalog SET Restore = 1 WHERE ID = 2");  // not listed
-  for (const int answer : {platform::kAnswerNo, platform::kAnswerYes}) {
-    desktop.answers = {answer};
-    Click(kClearList);
-    ExpectReports({"Clear Selection? : Clear All Selected Files? "});
-    EXPECT_EQ(catalog->Marked(), answer == platform::kAnswerNo ? (Ids{1, 2, 4}) : Ids{});
-  }
-  EXPECT_EQ(Listed(), Strings{});
-  EXPECT_EQ(Selected(), "0 file(s) selected");
-  EXPECT_TRUE(ui().form.IsOpen());
-}
-
 TEST_F(RestoreListTest, CancelAndCloseDuringAWalkTakeTheirStepsOnceItHasEnded) {
   Show();
   Mark("1, 2, 3");

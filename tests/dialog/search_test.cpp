@@ -90,18 +90,6 @@ TEST_F(SearchTab, ApplyMarksTheRowsThatTheTickedEntriesStandFor) {
   EXPECT_EQ(ui().lblSearchCount.Caption(), "0 File(s)");
 }
 
-TEST_F(SearchTab, ApplyWithoutATickMarksNothingAndCountsToTheEnd) {
-  Load({Live(1, "C:\\a.doc"), Live(2, "C:\\b.doc")});
-  Find(".doc");
-  Strings captions;
-  desktop.onDoEvents = [&] { captions.push_back(ui().lblSearchCount.Caption()); };
-  catalog->Execute("UPDATE Catalog SET Restore = 1 WHERE ID = 1");
-  ApplyFound();
-  EXPECT_EQ(captions, (Strings{"2 File(s)", "Scanning 1", "Scanning 2"}))
-      << "once before each entry and before each row of the restore list";
-  EXPECT_EQ(catalog->Marked(), Ids{1});
-}
-
 TEST_F(SearchTab, AggregatesAreMarkedInAllTheirVersions) {
   std::vector<sample::FileRow> rows;
   for (const std::int64_t id : {1, 2, 3}) {
