@@ -50,7 +50,7 @@ class OrderTest : public JournalHolder, public DialogTest {
  protected:
   OrderTest() : DialogTest(JournaledWorkspace()) {
     MakeCatalog(
-        {Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.docx"), Row(3, 2, "001", "C:\\c.txt")});
+        {Row(1, 1, "003", "C:\\d\\a.doc"), Row(2, 1, "003", "C:\\d\\b.docx"), Row(3, 2, "001", "C:\\c.txt")});
     desktop.onMessage = [this](const auto& box) {
       journal.Note("box " + std::to_string(box.style) + " \"" + box.title + "\" \"" + box.text + "\"");
     };
@@ -262,6 +262,7 @@ open catalog
 snapshot of files where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Status)=2));
 events
 tvwDetails + C:\
+tvwDetails + d
 tvwDetails + a.doc
 lblTreeCount "Loading Please Wait ... (1)"
 events
@@ -273,29 +274,36 @@ tvwDetails thawed
 lblTreeCount "2 file(s)."
 commit
 )--");
-  TickAll();
-  journal.Take();
+  Tick("d");
+  EXPECT_EQ(WrittenDown(), R"--(
+tvwDetails d checked
+tvwDetails C:\ checked
+tvwDetails a.doc checked
+tvwDetails b.docx checked
+commit
+)--");
   Apply();
   EXPECT_EQ(WrittenDown(), R"--(
 events
 events
+events
 lblTreeCount "Scanning 1"
 open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\a.doc')); $
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\a.doc')); $
 row written
 events
 lblTreeCount "Scanning 2"
 open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\b.docx')); $
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
 row written
 open catalog
 snapshot of the marked
 asRestoreList frozen
 asRestoreList cleared
 events
-asRestoreList + C:\a.doc
+asRestoreList + C:\d\a.doc
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "2 file(s) selected"
 cmdRestore(0) enabled
 close rows
@@ -304,6 +312,9 @@ asRestoreList thawed
 lblTreeCount hidden
 commit
 )--");
+  ChooseRun();
+  EXPECT_TRUE(ui().lblTreeCount.Visible());
+  journal.Take();
   for (const char* node : {"Set 2", "Online Backups"}) ChooseNode(node);
   EXPECT_EQ(WrittenDown(), R"--(
 tvwSets 3/1/2026 8:00:00 AM (P) bold
@@ -345,9 +356,9 @@ snapshot of the marked
 asRestoreList frozen
 asRestoreList cleared
 events
-asRestoreList + C:\a.doc
+asRestoreList + C:\d\a.doc
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "2 file(s) selected"
 cmdRestore(0) enabled
 close rows
@@ -369,9 +380,9 @@ snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "*doc*") AN
 frmRestore arrow or icon
 asSearch cleared
 events
-asSearch + C:\a.doc
+asSearch + C:\d\a.doc
 events
-asSearch + C:\b.docx
+asSearch + C:\d\b.docx
 close rows
 close catalog
 lblCounts(0) "0 file(s) selected"
@@ -394,7 +405,7 @@ lblSearchCount "Scanning 1"
 events
 lblSearchCount "Scanning 2"
 open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\b.docx')); $
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
 row written
 lblSearchCount "2 File(s)"
 open catalog
@@ -402,7 +413,7 @@ snapshot of the marked
 asRestoreList frozen
 asRestoreList cleared
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "1 file(s) selected"
 cmdRestore(0) enabled
 close rows
@@ -422,9 +433,9 @@ snapshot of the marked
 asRestoreList frozen
 asRestoreList cleared
 events
-asRestoreList + C:\a.doc
+asRestoreList + C:\d\a.doc
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "2 file(s) selected"
 cmdRestore(0) enabled
 close rows
@@ -438,7 +449,7 @@ commit
   EXPECT_EQ(WrittenDown(), R"--(
 events
 open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\a.doc')); $
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\a.doc')); $
 row written
 events
 open catalog
@@ -446,7 +457,7 @@ snapshot of the marked
 asRestoreList frozen
 asRestoreList cleared
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "1 file(s) selected"
 close rows
 close catalog
