@@ -52,7 +52,11 @@ class OrderTest : public JournalHolder, public DialogTest {
     MakeCatalog(
         {Row(1, 1, "003", "C:\\d\\a.doc"), Row(2, 1, "003", "C:\\d\\b.docx"), Row(3, 2, "001", "C:\\c.txt")});
     desktop.onMessage = [this](const auto& box) {
-      journal.Note("box " + std::to_string(box.style) + " \"" + box.title + "\" \"" + box.text + "\"");
+      std::string text = box.text;
+      if (const auto path = text.find(catalog->Path()); path != std::string::npos) {
+        text.replace(path, catalog->Path().size(), "the catalog");
+      }
+      journal.Note("box " + std::to_string(box.style) + " \"" + box.title + "\" \"" + text + "\"");
     };
     form.CommenceRestore = [this] { journal.Note("CommenceRestore"); };
     form.CancelRestore = [this] { journal.Note("CancelRestore"); };
@@ -296,6 +300,7 @@ lblTreeCount "Scanning 2"
 open catalog
 dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
 row written
+flush
 open catalog
 snapshot of the marked
 asRestoreList frozen
@@ -343,14 +348,15 @@ open catalog
 frmRestore hourglass
 snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "**.doc*") AND (FullCatalog.Status = 2) );
 frmRestore arrow or icon
-events
 open catalog
 execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=1));
 events
 open catalog
 execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=2));
+events
 close rows
 close catalog
+flush
 open catalog
 snapshot of the marked
 asRestoreList frozen
@@ -408,6 +414,7 @@ open catalog
 dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
 row written
 lblSearchCount "2 File(s)"
+flush
 open catalog
 snapshot of the marked
 asRestoreList frozen
@@ -428,6 +435,7 @@ TEST_F(OrderTest, TheRestoreList) {
   catalog->Execute("UPDATE Catalog SET Restore = 1, Status = 3 WHERE ID < 3");
   Click(kRefresh);
   EXPECT_EQ(WrittenDown(), R"--(
+flush
 open catalog
 snapshot of the marked
 asRestoreList frozen
@@ -452,6 +460,7 @@ open catalog
 dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\a.doc')); $
 row written
 events
+flush
 open catalog
 snapshot of the marked
 asRestoreList frozen
@@ -480,6 +489,7 @@ box 36 "Clear Selection? " "Clear All Selected Files? "
 asRestoreList cleared
 open catalog
 execute clear all
+flush
 lblCounts(0) "0 file(s) selected"
 cmdRestore(0) disabled
 commit
@@ -500,7 +510,13 @@ TEST_F(OrderTest, Leaving) {
                {"Cancel without a selection", false, 0, [&] { Click(kCancel); }},
                {"close box, no", true, platform::kAnswerNo, [&] { ui().form.UserClose(); }},
                {"close box, yes", true, platform::kAnswerYes, [&] { ui().form.UserClose(); }},
-               {"close box without a selection", false, 0, [&] { ui().form.UserClose(); }}};
+               {"close box without a selection", false, 0, [&] { ui().form.UserClose(); }},
+               {"Cancel, yes, and the marks cannot be cleared", true, platform::kAnswerYes, [&] {
+                  catalog->Execute(
+                      "CREATE TRIGGER Refuse BEFORE UPDATE ON Catalog BEGIN SELECT raise(ABORT, 'no'); END");
+                  Click(kCancel);
+                  catalog->Execute("DROP TRIGGER Refuse; UPDATE Catalog SET Restore = 0");
+                }}};
   std::string all;
   for (const auto& [name, marked, answer, leave] : cases) {
     Watch();
@@ -530,6 +546,7 @@ flush
 box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
 open catalog
 execute clear all
+flush
 commit
 CancelRestore
 frmRestore closed
@@ -540,6 +557,7 @@ flush
 box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
 open catalog
 execute clear all
+flush
 commit
 CancelRestore
 frmRestore closed
@@ -562,12 +580,25 @@ flush
 box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
 open catalog
 execute clear all
+flush
 commit
 CancelRestore
 frmRestore closed
 commit
 
 close box without a selection:
+frmRestore closed
+commit
+
+Cancel, yes, and the marks cannot be cleared:
+flush
+box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+open catalog
+execute clear all
+flush
+box 48 "CancelAll" "(3317) A rule of the table refuses the value (no) in 'the catalog'."
+commit
+CancelRestore
 frmRestore closed
 commit
 )--");
