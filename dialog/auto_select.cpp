@@ -78,11 +78,9 @@ void AutoSelectPanel::ApplyAutoSelect() {
 
 void AutoSelectPanel::MarkTypes(MarkingWalk& walk, std::string_view types) {
   const LookIn lookIn = ReadLookIn(m_context, m_setTree, m_context.ui.optLookIn[2]);
-  // Each type ends in ";"; text after the last one is no type.
-  for (auto end = types.find(';'); end != std::string_view::npos; end = types.find(';')) {
+  for (const std::string& pattern : PatternsOf(types)) {
     if (walk.Stopped() || walk.IsHopeless()) return;
-    MarkType(walk, lookIn, std::string("*").append(types.substr(0, end)));
-    types.remove_prefix(end + 1);
+    MarkType(walk, lookIn, pattern);
   }
 }
 

@@ -65,6 +65,15 @@ void TypeCensus::List(controls::AutoSelect& list) const {
   }
 }
 
+std::vector<std::string> PatternsOf(std::string_view types) {
+  std::vector<std::string> patterns;
+  for (auto end = types.find(';'); end != std::string_view::npos; end = types.find(';')) {
+    patterns.push_back(std::string("*").append(types.substr(0, end)));
+    types.remove_prefix(end + 1);
+  }
+  return patterns;
+}
+
 std::string TypePattern(std::string_view extension) {
   std::string pattern = ".";
   for (const char character : extension) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "controls/auto_select.h"
 
@@ -31,5 +32,8 @@ class TypeCensus {
 
 // The type as a piece of a pattern that stands in a list ended by ";".
 std::string TypePattern(std::string_view extension);
+
+// The search patterns of such a list, in its order; text after the last ";" is no type.
+std::vector<std::string> PatternsOf(std::string_view types);
 
 }  // namespace kxrestore::dialog

@@ -23,11 +23,16 @@ TEST(TypeCensus, ListsTheMostFrequentTypesFirstBelowTheirGroups) {
     const auto entry = list.At(number);
     rows.push_back((entry.isGroup ? "- " : "") + std::string(entry.name) + " " + std::to_string(entry.size));
   }
-  EXPECT_EQ(rows, (Strings{"- Documents 6", "- Archives 5", ".gz 5", ".doc 3", ".xls 2", ".\xC3\xA4y 2",
+  EXPECT_EQ(rows, (Strings{"- Documents 6", "- Archives 5", ".gz 5", ".doc 3", ".\xC3\xA4y 2", ".xls 2",
                            ".pdf 1", ".zzz 1"}));
   EXPECT_EQ(list.At(4).extension, "Text document");
   list.SetTicked(1, true);
   EXPECT_EQ(list.TickedTypes(), ".doc;.xls;.pdf;");
+}
+
+TEST(TypeCensus, EachTypeEndsInASemicolon) {
+  EXPECT_EQ(dialog::PatternsOf(".doc;x;;.xls"), (Strings{"*.doc", "*x", "*"}));
+  EXPECT_EQ(dialog::PatternsOf(""), Strings{});
 }
 
 class AutoSelectTab : public DialogTest {

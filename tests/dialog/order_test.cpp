@@ -50,9 +50,13 @@ class OrderTest : public JournalHolder, public DialogTest {
  protected:
   OrderTest() : DialogTest(JournaledWorkspace()) {
     MakeCatalog(
-        {Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.docx"), Row(3, 2, "001", "C:\\c.txt")});
+        {Row(1, 1, "003", "C:\\d\\a.doc"), Row(2, 1, "003", "C:\\d\\b.docx"), Row(3, 2, "001", "C:\\c.txt")});
     desktop.onMessage = [this](const auto& box) {
-      journal.Note("box " + std::to_string(box.style) + " \"" + box.title + "\" \"" + box.text + "\"");
+      std::string text = box.text;
+      if (const auto path = text.find(catalog->Path()); path != std::string::npos) {
+        text.replace(path, catalog->Path().size(), "the catalog");
+      }
+      journal.Note("box " + std::to_string(box.style) + " \"" + box.title + "\" \"" + text + "\"");
     };
     form.CommenceRestore = [this] { journal.Note("CommenceRestore"); };
     form.CancelRestore = [this] { journal.Note("CancelRestore"); };
@@ -262,6 +266,7 @@ open catalog
 snapshot of files where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Status)=2));
 events
 tvwDetails + C:\
+tvwDetails + d
 tvwDetails + a.doc
 lblTreeCount "Loading Please Wait ... (1)"
 events
@@ -273,29 +278,37 @@ tvwDetails thawed
 lblTreeCount "2 file(s)."
 commit
 )--");
-  TickAll();
-  journal.Take();
+  Tick("d");
+  EXPECT_EQ(WrittenDown(), R"--(
+tvwDetails d checked
+tvwDetails C:\ checked
+tvwDetails a.doc checked
+tvwDetails b.docx checked
+commit
+)--");
   Apply();
   EXPECT_EQ(WrittenDown(), R"--(
 events
 events
+events
 lblTreeCount "Scanning 1"
 open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\a.doc')); $
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\a.doc')); $
 row written
 events
 lblTreeCount "Scanning 2"
 open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\b.docx')); $
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
 row written
+flush
 open catalog
 snapshot of the marked
 asRestoreList frozen
 asRestoreList cleared
 events
-asRestoreList + C:\a.doc
+asRestoreList + C:\d\a.doc
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "2 file(s) selected"
 cmdRestore(0) enabled
 close rows
@@ -304,6 +317,9 @@ asRestoreList thawed
 lblTreeCount hidden
 commit
 )--");
+  ChooseRun();
+  EXPECT_TRUE(ui().lblTreeCount.Visible());
+  journal.Take();
   for (const char* node : {"Set 2", "Online Backups"}) ChooseNode(node);
   EXPECT_EQ(WrittenDown(), R"--(
 tvwSets 3/1/2026 8:00:00 AM (P) bold
@@ -332,22 +348,23 @@ open catalog
 frmRestore hourglass
 snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "**.doc*") AND (FullCatalog.Status = 2) );
 frmRestore arrow or icon
-events
 open catalog
 execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=1));
 events
 open catalog
 execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=2));
+events
 close rows
 close catalog
+flush
 open catalog
 snapshot of the marked
 asRestoreList frozen
 asRestoreList cleared
 events
-asRestoreList + C:\a.doc
+asRestoreList + C:\d\a.doc
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "2 file(s) selected"
 cmdRestore(0) enabled
 close rows
@@ -369,9 +386,9 @@ snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "*doc*") AN
 frmRestore arrow or icon
 asSearch cleared
 events
-asSearch + C:\a.doc
+asSearch + C:\d\a.doc
 events
-asSearch + C:\b.docx
+asSearch + C:\d\b.docx
 close rows
 close catalog
 lblCounts(0) "0 file(s) selected"
@@ -394,15 +411,16 @@ lblSearchCount "Scanning 1"
 events
 lblSearchCount "Scanning 2"
 open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\b.docx')); $
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
 row written
 lblSearchCount "2 File(s)"
+flush
 open catalog
 snapshot of the marked
 asRestoreList frozen
 asRestoreList cleared
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "1 file(s) selected"
 cmdRestore(0) enabled
 close rows
@@ -417,14 +435,15 @@ TEST_F(OrderTest, TheRestoreList) {
   catalog->Execute("UPDATE Catalog SET Restore = 1, Status = 3 WHERE ID < 3");
   Click(kRefresh);
   EXPECT_EQ(WrittenDown(), R"--(
+flush
 open catalog
 snapshot of the marked
 asRestoreList frozen
 asRestoreList cleared
 events
-asRestoreList + C:\a.doc
+asRestoreList + C:\d\a.doc
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "2 file(s) selected"
 cmdRestore(0) enabled
 close rows
@@ -438,15 +457,16 @@ commit
   EXPECT_EQ(WrittenDown(), R"--(
 events
 open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\a.doc')); $
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\a.doc')); $
 row written
 events
+flush
 open catalog
 snapshot of the marked
 asRestoreList frozen
 asRestoreList cleared
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "1 file(s) selected"
 close rows
 close catalog
@@ -469,6 +489,7 @@ box 36 "Clear Selection? " "Clear All Selected Files? "
 asRestoreList cleared
 open catalog
 execute clear all
+flush
 lblCounts(0) "0 file(s) selected"
 cmdRestore(0) disabled
 commit
@@ -489,7 +510,13 @@ TEST_F(OrderTest, Leaving) {
                {"Cancel without a selection", false, 0, [&] { Click(kCancel); }},
                {"close box, no", true, platform::kAnswerNo, [&] { ui().form.UserClose(); }},
                {"close box, yes", true, platform::kAnswerYes, [&] { ui().form.UserClose(); }},
-               {"close box without a selection", false, 0, [&] { ui().form.UserClose(); }}};
+               {"close box without a selection", false, 0, [&] { ui().form.UserClose(); }},
+               {"Cancel, yes, and the marks cannot be cleared", true, platform::kAnswerYes, [&] {
+                  catalog->Execute(
+                      "CREATE TRIGGER Refuse BEFORE UPDATE ON Catalog BEGIN SELECT raise(ABORT, 'no'); END");
+                  Click(kCancel);
+                  catalog->Execute("DROP TRIGGER Refuse; UPDATE Catalog SET Restore = 0");
+                }}};
   std::string all;
   for (const auto& [name, marked, answer, leave] : cases) {
     Watch();
@@ -519,6 +546,7 @@ flush
 box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
 open catalog
 execute clear all
+flush
 commit
 CancelRestore
 frmRestore closed
@@ -529,6 +557,7 @@ flush
 box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
 open catalog
 execute clear all
+flush
 commit
 CancelRestore
 frmRestore closed
@@ -551,12 +580,25 @@ flush
 box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
 open catalog
 execute clear all
+flush
 commit
 CancelRestore
 frmRestore closed
 commit
 
 close box without a selection:
+frmRestore closed
+commit
+
+Cancel, yes, and the marks cannot be cleared:
+flush
+box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+open catalog
+execute clear all
+flush
+box 48 "CancelAll" "(3317) A rule of the table refuses the value (no) in 'the catalog'."
+commit
+CancelRestore
 frmRestore closed
 commit
 )--");
