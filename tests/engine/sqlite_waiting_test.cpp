@@ -201,7 +201,7 @@ TEST_F(SqliteWaiting, SlowFilesLeaveTurns) {
       "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 9000) INSERT INTO Catalog "
       "(ID, "
       "Filename, SetNameID, Restore) SELECT i, 'C:\\some\\longer\\folder\\file' || i, 1, 0 FROM n");
-  files.SetDelays(5ms, 120ms);
+  files.SetDelays(2ms, 60ms);
   m_workspace->BeginAction();
   Watch(kNever);
   const auto database = Open();
