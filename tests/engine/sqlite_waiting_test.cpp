@@ -49,10 +49,10 @@ class SqliteWaiting : public ::testing::Test {
     m_last = now;
   }
 
-  // Ends the operation after 150 ms: it raises the error soon after and has turns meanwhile. A busy machine
+  // Ends the operation after 80 ms: it raises the error soon after and has turns meanwhile. A busy machine
   // may spoil one try.
   void ExpectStopped(const char* what, int number, const std::function<void()>& operation) {
-    constexpr auto kStop = 150ms, kLatest = kStop + 200ms, kGap = 50ms;
+    constexpr auto kStop = 80ms, kLatest = kStop + 200ms, kGap = 50ms;
     for (int tries = 1;; ++tries) {
       Watch(kStop);
       ExpectError(number, "", operation);
