@@ -1,5 +1,4 @@
 #include <array>
-#include <exception>
 #include <filesystem>
 #include <fstream>
 
@@ -8,6 +7,7 @@
 #include "engine/dao/not_installed.h"
 #include "engine/database.h"
 #include "engine/error_numbers.h"
+#include "engine/failures.h"
 #include "engine/odbc/odbc_backend.h"
 #include "engine/sqlite/sqlite_backend.h"
 
@@ -46,28 +46,16 @@ FileKind ReadFileKind(const std::string& name) {
 
 Workspace::Workspace(Backends backends) : m_backends(std::move(backends)) {}
 
-Workspace::~Workspace() {
-  if (m_depth == 0) return;
-  m_depth = 1;
-  try {
-    EndAction();
-  } catch (const Error&) {  // whoever wants to hear of it ends the action itself
-  }
-}
+Workspace::~Workspace() = default;
 
-// Every back end gets its turn; the first error is raised at the end.
+// Every back end gets its turn.
 template <typename Operation>
 void Workspace::ForEachBackend(Operation operation) {
-  std::exception_ptr failure;
+  Failures failures;
   for (Backend* backend : {m_backends.sqlite.get(), m_backends.odbc.get(), m_backends.dao.get()}) {
-    if (backend == nullptr) continue;
-    try {
-      operation(*backend);
-    } catch (...) {
-      if (!failure) failure = std::current_exception();
-    }
+    if (backend != nullptr) failures.Try([&] { operation(*backend); });
   }
-  if (failure) std::rethrow_exception(failure);
+  failures.Raise();
 }
 
 Backend& Workspace::BackendForFile(const OpenRequest& request) {

@@ -4,15 +4,17 @@
 #include <memory>
 #include <string_view>
 
-#include "engine/sqlite/session.h"
+#include "engine/plan_cache.h"
+#include "engine/sqlite/connection.h"
+#include "engine/sqlite/plan.h"
 
 namespace kxrestore::engine::sqlite {
 
 // `key` is the text with its literals taken out, or the text itself. `read`: see Database::OpenRecordset.
-std::shared_ptr<Plan> MakePlan(const Session& session, std::string_view source, std::string_view key,
-                               Session::Use use, const ColumnNames& read);
+std::shared_ptr<Plan> MakePlan(const Connection& connection, std::string_view source, std::string_view key,
+                               StatementUse use, const ColumnNames& read);
 
 // The update of these columns of one table, made at first use.
-RowUpdate& FindRowUpdate(const Session& session, Plan& plan, const std::vector<std::size_t>& columns);
+RowUpdate& FindRowUpdate(const Connection& connection, Plan& plan, const std::vector<std::size_t>& columns);
 
 }  // namespace kxrestore::engine::sqlite
