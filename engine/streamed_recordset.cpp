@@ -67,11 +67,17 @@ void StreamedRecordset::MoveNext() {
 void StreamedRecordset::Detach() {
   if (m_state != State::kOnRow || m_stored) return;
   auto stored = std::make_unique<RowStore>();
-  do {
-    stored->BeginRow();
-    for (std::size_t i = 0; i < m_allColumns; ++i) stored->Append(Streamed(i));
-  } while (Fetch(false));
-  stored->Next(m_row, m_allColumns);
+  try {
+    do {
+      stored->BeginRow();
+      for (std::size_t i = 0; i < m_allColumns; ++i) stored->Append(Streamed(i));
+    } while (Fetch(false));
+    stored->Next(m_row, m_allColumns);
+  } catch (...) {  // the rows are lost to this recordset; whoever asked is told
+    LetStatementGo();
+    m_state = State::kAtEnd;
+    throw;
+  }
   m_stored = std::move(stored);
   LetStatementGo();
 }

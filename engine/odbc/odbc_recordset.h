@@ -33,7 +33,8 @@ class OdbcRecordset final : public StreamedRecordset {
   void Write(const Changes& changes) override;
 
   void Open(std::string_view source, const ColumnNames& read);
-  bool TryOpen(std::string_view source, const ColumnNames& read);
+  // False when the plan is not of the tables as they are; `failed` says what the driver said.
+  bool TryOpen(std::string_view source, const ColumnNames& read, Outcome& failed);
   void UpdateTable(std::size_t table, const Changes& changes);
 
   std::shared_ptr<Session> m_session;
