@@ -51,6 +51,8 @@ class Connection {
   void Close(StatementData& statement, bool atOnce) noexcept;
   void Free(StatementData& statement, bool atOnce) noexcept;
 
+  // Whether a transaction may be open, as far as anybody can know.
+  bool InTransaction() const { return !IsLost() && m_handles->commitsByHand; }
   bool IsLost() const { return m_handles->lost; }
   void GiveUp() { m_handles->lost = true; }
   const std::string& Server() const { return m_server; }  // for messages

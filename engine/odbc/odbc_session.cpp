@@ -89,7 +89,7 @@ std::string Session::NameForPrepared() {
 }
 
 bool Session::RunRead(OdbcStatement& statement, const std::vector<Value>& values, Outcome& failed) {
-  if (m_facts.onlyOneActive) m_streaming.Detach();
+  if (m_facts.onlyOneActive) DetachStreaming();
   for (int tried = 1;; ++tried) {
     failed = statement.ExecuteReading(values);
     if (!failed.Failed()) return true;
@@ -102,7 +102,9 @@ bool Session::RunRead(OdbcStatement& statement, const std::vector<Value>& values
 
 std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value>& values) {
   FetchPiecewise(false);
-  m_streaming.Detach();
+  DetachStreaming();
+  GroupedWrite write{statement.Sql(), values};
+  m_group.reserve(m_group.size() + 1);
   for (int tried = 1;; ++tried) {
     LimitLockWaits();
     if (tried == 1) BeginGroup();
@@ -121,16 +123,18 @@ std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value
     PauseBeforeTry(tried);
   }
   const std::int64_t rows = statement.RowCount();
-  if (m_inGroup) {
-    m_group.push_back({statement.Sql(), values});
-    Idle();
+  if (!m_inGroup) return rows;
+  m_group.push_back(std::move(write));
+  try {
+    CommitIfDue();
+  } catch (const std::bad_alloc&) {  // it is tried again with the next statement
   }
   return rows;
 }
 
 void Session::RunSchemaChange(const std::vector<std::string>& statements) {
   Flush();
-  m_streaming.Detach();
+  DetachStreaming();
   FetchPiecewise(false);
   ForgetPlans();
   const bool own = m_transactionOwner == nullptr;
@@ -238,16 +242,15 @@ void Session::Replay(const std::vector<GroupedWrite>& writes) {
   m_inGroup = false;
   std::size_t written = 0;
   try {
-    m_streaming.Detach();
+    m_streaming.Detach();  // where that is stopped, moving on tells
     Undo();
     for (const GroupedWrite& write : writes) {
       WriteAgain(write);
       ++written;
     }
   } catch (...) {
-    m_lostChanges += writes.size() - written;
-    m_lossNumber = error_number::kOdbcFailed;
-    m_lossWords = "ODBC - call failed: changes that the server had undone could not be written again.";
+    NoteLoss(writes.size() - written, error_number::kOdbcFailed,
+             "ODBC - call failed: changes that the server had undone could not be written again.");
     throw;
   }
 }
@@ -266,13 +269,12 @@ void Session::WriteAgain(const GroupedWrite& write) {
 }
 
 void Session::Commit() {
-  if (IsLost()) {
-    Raise(error_number::kOdbcFailed, "ODBC - call failed: the connection to '" + Place() + "' was lost.");
-  }
+  if (IsLost()) RaiseLost();
   Outcome outcome;
   try {
     outcome = m_connection.EndTransaction(true);
   } catch (const Error& error) {
+    if (m_connection.InTransaction()) Undo();
     if (error.Number() != error_number::kCanceled) throw;
     Raise(error_number::kOdbcFailed,
           "ODBC - call failed: '" + Place() + "' did not confirm a commit before it was stopped.");
@@ -282,51 +284,67 @@ void Session::Commit() {
   RaiseFailure(outcome, "COMMIT");
 }
 
+void Session::NoteLoss(std::size_t changes, int number, std::string words) {
+  if (changes == 0) return;
+  m_lostChanges += changes;
+  m_lossNumber = number;
+  m_lossWords = std::move(words);
+}
+
+// Throws only what the callback throws and, before anything is done, for want of memory.
 void Session::CommitGroup() {
-  std::exception_ptr failure;
-  if (m_inGroup) {
-    // A commit ends the recordsets that still fetch; one that cannot be read to its end must not stand in the
-    // way of the changes.
-    try {
-      if (!IsLost()) m_streaming.Detach();
-    } catch (...) {
-      failure = std::current_exception();
+  if (!m_inGroup) return;
+  if (!IsLost()) m_streaming.Detach();  // a commit ends what still fetches; where that is stopped, moving on tells
+  m_inGroup = false;
+  const std::size_t changes = std::exchange(m_group, {}).size();
+  try {
+    Commit();
+  } catch (const Error& error) {
+    NoteLoss(changes, error.Number(), error.Description());
+  } catch (const std::bad_alloc&) {
+    if (m_connection.InTransaction()) Undo();
+    NoteLoss(changes, kxrestore::error_number::kOutOfMemory, "Out of memory.");
+  } catch (...) {
+    const bool isUndone = m_connection.InTransaction();
+    if (isUndone) Undo();
+    if (isUndone || IsLost()) {
+      NoteLoss(changes, error_number::kOdbcFailed, "ODBC - call failed: a commit was interrupted.");
     }
-    m_inGroup = false;
-    const std::size_t changes = std::exchange(m_group, {}).size();
-    try {
-      Commit();
-    } catch (const Error& error) {
-      m_lostChanges += changes;
-      m_lossNumber = error.Number();
-      m_lossWords = error.Description();
-    } catch (...) {  // of the callback
-      if (IsLost()) {
-        m_lostChanges += changes;
-        m_lossNumber = error_number::kOdbcFailed;
-        m_lossWords = "ODBC - call failed: the connection to '" + Place() + "' was lost.";
-      }
-      failure = std::current_exception();
-    }
+    throw;
   }
-  if (m_lostChanges > 0) {
-    const std::size_t changes = std::exchange(m_lostChanges, 0);
-    Raise(m_lossNumber, m_lossWords + " " + Changes(changes) + " may not have been saved.");
-  }
-  if (failure) std::rethrow_exception(failure);
+}
+
+void Session::CommitIfDue() {
+  if (m_inGroup && (IsLost() || Clock::now() >= m_due)) CommitGroup();
+}
+
+void Session::TellLoss() {
+  if (m_lostChanges == 0) return;
+  const std::size_t changes = std::exchange(m_lostChanges, 0);
+  Raise(m_lossNumber, m_lossWords + " " + Changes(changes) + " may not have been saved.");
 }
 
 void Session::Idle() {
-  if (m_lostChanges > 0 || (m_inGroup && (IsLost() || Clock::now() >= m_due))) CommitGroup();
+  CommitIfDue();
+  TellLoss();
 }
 
 void Session::Flush() {
   CommitGroup();
+  TellLoss();
 }
 
 void Session::EndGroups() {
   m_grouping = false;
-  CommitGroup();
+  Flush();
+}
+
+void Session::RaiseLost() const {
+  Raise(error_number::kOdbcFailed, "ODBC - call failed: the connection to '" + Place() + "' was lost.");
+}
+
+void Session::DetachStreaming() {
+  if (!m_streaming.Detach()) RaiseCanceled();
 }
 
 // ---- transactions
@@ -343,7 +361,7 @@ void Session::BeginTransaction(const Database& owner) {
 }
 
 void Session::CommitTransaction() {
-  m_streaming.Detach();
+  DetachStreaming();
   const Outcome outcome = m_connection.EndTransaction(true);
   if (outcome.Failed()) RaiseFailure(outcome, "COMMIT");
   m_transactionOwner = nullptr;

@@ -115,6 +115,11 @@ class Session {
   void BeginGroup();
   void Commit();
   void CommitGroup();
+  void CommitIfDue();
+  void NoteLoss(std::size_t changes, int number, std::string words);
+  void TellLoss();
+  [[noreturn]] void RaiseLost() const;
+  void DetachStreaming();  // error 3059 when the user stops it
   void Replay(const std::vector<GroupedWrite>& writes);
   void WriteAgain(const GroupedWrite& write);
   bool MayTryAgain(Failure failure, int tried) const;
