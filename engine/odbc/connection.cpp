@@ -98,8 +98,7 @@ Outcome Connection::Run(Call call, const std::shared_ptr<StatementData>& stoppab
 }
 
 Outcome Connection::RunWithin(Call call, const DriverThread::Limits& limits, bool isConnecting) {
-  const int number = isConnecting ? error_number::kOdbcConnectionFailed : error_number::kOdbcFailed;
-  if (IsLost()) Raise(number, "ODBC - call failed: the connection to '" + m_server + "' was lost.");
+  if (IsLost()) RaiseLost();
   const auto outcome = std::make_shared<Outcome>();
   DriverThread::Ending ending;
   try {
@@ -110,29 +109,34 @@ Outcome Connection::RunWithin(Call call, const DriverThread::Limits& limits, boo
         },
         limits);
   } catch (...) {
-    // The call has not ended, or not as it should.
     if (m_thread.IsLeft()) GiveUp();
     throw;
   }
-  switch (ending) {
-    case DriverThread::Ending::kDone:
-      break;
-    case DriverThread::Ending::kStopped:
-      if (outcome->Failed()) RaiseCanceled();
-      break;
-    case DriverThread::Ending::kGivenUp:
-      GiveUp();
-      RaiseCanceled();
-    case DriverThread::Ending::kTimedOut: {
-      GiveUp();
-      const std::string seconds = std::to_string((limits.wait.count() + 500) / 1000);
-      Raise(number, (isConnecting ? "ODBC - connection to '" + m_server + "' failed"
-                                  : "ODBC - call failed: '" + m_server + "'") +
-                        (isConnecting ? ": no answer within " : " has not answered within ") + seconds +
-                        " seconds.");
-    }
+  if (ending == DriverThread::Ending::kGivenUp) {
+    GiveUp();
+    m_lossWords = "ODBC - call failed: '" + m_server + "' did not answer when the user stopped it.";
+    RaiseCanceled();
   }
+  if (ending == DriverThread::Ending::kTimedOut) {
+    GiveUp();
+    const auto seconds = std::chrono::round<std::chrono::seconds>(limits.wait).count();
+    const std::string time = " within " + std::to_string(seconds) + " seconds.";
+    if (isConnecting) {
+      Raise(error_number::kOdbcConnectionFailed, "ODBC - connection to '" + m_server + "' failed: no answer" + time);
+    }
+    m_lossWords = "ODBC - call failed: '" + m_server + "' has not answered" + time;
+    RaiseLost();
+  }
+  if (IsLost() && m_lossWords.empty() && outcome->Failed()) {
+    m_lossWords = ErrorOf(outcome->Diagnostics(), false, {}, *m_password).Description();
+  }
+  if (ending == DriverThread::Ending::kStopped && outcome->Failed()) RaiseCanceled();
   return *outcome;
+}
+
+void Connection::RaiseLost() const {
+  Raise(error_number::kOdbcFailed,
+        m_lossWords.empty() ? "ODBC - call failed: the connection to '" + m_server + "' was lost." : m_lossWords);
 }
 
 Outcome Connection::SetAutocommit(bool on) {

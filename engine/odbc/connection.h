@@ -55,6 +55,8 @@ class Connection {
   bool InTransaction() const { return !IsLost() && m_handles->commitsByHand; }
   bool IsLost() const { return m_handles->lost; }
   void GiveUp() { m_handles->lost = true; }
+  // Error 3146 for a lost connection, with the words of the call that met the loss.
+  [[noreturn]] void RaiseLost() const;
   const std::string& Server() const { return m_server; }  // for messages
   const Password& PasswordToHide() const { return *m_password; }
 
@@ -66,6 +68,7 @@ class Connection {
   Outcome RunWithin(Call call, const DriverThread::Limits& limits, bool isConnecting);
 
   std::string m_server;
+  std::string m_lossWords;  // once it is lost and somebody has said why
   Waits m_waits;
   std::shared_ptr<const Password> m_password;
   std::shared_ptr<DriverHandles> m_handles;

@@ -16,9 +16,8 @@ class OdbcBackend final : public WarmSessions<Session> {
       return std::make_unique<OdbcDatabase>(
           std::make_shared<Session>(request.connect, nullptr, WaitingOfSessions(), m_waits), request.readOnly);
     }
-    // A session whose server went away is let go, once it has told what was lost with it; this operation
-    // connects anew.
-    Drop([](const Session& session) { return session.IsLost() && !session.HasNews(); });
+    // A lost session is dropped once it has reported its lost changes; this operation connects anew.
+    Drop([](const Session& session) { return session.IsLost() && !session.HasUntold(); });
     const auto fits = [&](const Session& session) {
       return session.Connect() == request.connect && !session.IsLost();
     };

@@ -95,13 +95,23 @@ Failure FailureOf(const std::vector<Diagnostic>& diagnostics) {
   return Failure::kStatement;
 }
 
+Error ErrorOf(const std::vector<Diagnostic>& diagnostics, bool connecting, std::string_view piece,
+              const Password& password) {
+  const std::string words = Join(diagnostics), hidden = password.Hide(piece);
+  const auto error = [](int errorNumber, std::string text) {
+    return Error(errorNumber, std::move(text), "Engine");
+  };
+  if (connecting) {
+    return error(number::kOdbcConnectionFailed, "ODBC - connection to '" + hidden + "' failed: " + words);
+  }
+  const int errorNumber = NumberOf(diagnostics);
+  if (errorNumber == number::kOdbcFailed) return error(errorNumber, "ODBC - call failed: " + words);
+  return error(errorNumber, words + " In '" + std::string(LeftCharacters(hidden, kMaxShownPiece)) + "'.");
+}
+
 void RaiseOdbc(const std::vector<Diagnostic>& diagnostics, bool connecting, std::string_view piece,
                const Password& password) {
-  const std::string words = Join(diagnostics), hidden = password.Hide(piece);
-  if (connecting) Raise(number::kOdbcConnectionFailed, "ODBC - connection to '" + hidden + "' failed: " + words);
-  const int errorNumber = NumberOf(diagnostics);
-  if (errorNumber == number::kOdbcFailed) Raise(errorNumber, "ODBC - call failed: " + words);
-  Raise(errorNumber, words + " In '" + std::string(LeftCharacters(hidden, kMaxShownPiece)) + "'.");
+  throw ErrorOf(diagnostics, connecting, piece, password);
 }
 
 }  // namespace kxrestore::engine::odbc

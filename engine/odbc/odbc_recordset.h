@@ -30,7 +30,7 @@ class OdbcRecordset final : public StreamedRecordset {
   void Write(const Changes& changes) override;
 
   void Open(std::string_view source, const ColumnNames& read);
-  // False when the plan is not of the tables as they are; `failed` says what the driver said.
+  // False when the tables have changed since the plan was made; `failed` holds the driver's error, if any.
   bool TryOpen(std::string_view source, const ColumnNames& read, Outcome& failed);
   void UpdateTable(std::size_t table, const Changes& changes);
 

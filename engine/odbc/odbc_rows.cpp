@@ -62,7 +62,7 @@ bool RowReader::Next() {
     return true;
   }
   if (block.IsLast()) return false;
-  m_session.GiveTurn();  // many rows may be read in one go, each block in no time
+  m_session.GiveTurn();  // a listing may have many blocks, each of which takes no time
   m_row = 0;
   m_isFirstBlock = false;
   const auto fetch = [statement = m_statement](DriverHandles&) { return statement->FetchBlock(); };

@@ -19,10 +19,10 @@ class RowReader {
       : m_session(session), m_statement(std::move(statement)) {}
 
   const std::vector<ColumnType>& Columns() const { return m_statement->Rows().Types(); }
-  // After each execution, which has fetched the first block: stands before the first row.
+  // To be called after each execution, which has fetched the first block. Stands before the first row.
   void Restart();
   bool Next();
-  // Whether the rows so far are one block that was not filled.
+  // Whether the first block holds all rows.
   bool InOneBlock() const { return m_isFirstBlock && m_statement->Rows().IsLast(); }
   // Of the current row; a text holds until the next call of Next.
   ValueView Value(std::size_t column) const;

@@ -9,7 +9,7 @@
 namespace kxrestore::engine::odbc {
 namespace {
 
-// For the pattern arguments of the driver's catalog functions.
+// A name as a pattern argument of the driver's catalog functions.
 std::string EscapedPattern(const std::string& name, const std::string& escape) {
   std::string pattern;
   for (const char c : name) {
@@ -19,7 +19,7 @@ std::string EscapedPattern(const std::string& name, const std::string& escape) {
   return pattern;
 }
 
-// A driver without a function has nothing to say there.
+// Whether the driver lacks the function; then the result is taken to be empty.
 bool IsUnknownFunction(const Outcome& outcome) {
   const std::vector<Diagnostic>& told = outcome.Diagnostics();
   return !told.empty() && (told.front().state == "IM001" || told.front().state == "HYC00");

@@ -20,10 +20,6 @@ constexpr milliseconds kNoLockWait(20);
 constexpr int kMaxTries = 6;
 constexpr int kMaxNames = 200;
 
-std::string Changes(std::size_t count) {
-  return std::to_string(count) + (count == 1 ? " change" : " changes");
-}
-
 }  // namespace
 
 Session::Session(std::string_view connect, std::shared_ptr<ActionState> action,
@@ -74,7 +70,7 @@ void Session::Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) noex
   statement->CloseCursor();
   try {
     PlanCache<Plan>::Keep(plan, std::move(statement));
-  } catch (const std::bad_alloc&) {  // then it is prepared again the next time
+  } catch (const std::bad_alloc&) {  // the statement is prepared again the next time
   }
 }
 
@@ -117,8 +113,8 @@ std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value
     const Failure failure = FailureOf(outcome.Diagnostics());
     if (failure == Failure::kConflict || failure == Failure::kLock) SpendLockWait(start, failure);
     if (!MayTryAgain(failure, tried)) RaiseFailure(outcome, statement.Sql());
-    // Two connections wait for each other's rows. What this group has written is written again, each statement
-    // for itself, so that it holds no row while it waits for another.
+    // Two connections waited for each other's rows. The statements of this group are repeated one by one, each
+    // committed by itself, so that no row stays locked while another is waited for.
     if (m_inGroup) Replay(std::exchange(m_group, {}));
     PauseBeforeTry(tried);
   }
@@ -127,7 +123,7 @@ std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value
   m_group.push_back(std::move(write));
   try {
     CommitIfDue();
-  } catch (const std::bad_alloc&) {  // it is tried again with the next statement
+  } catch (const std::bad_alloc&) {  // the commit is tried again with the next statement
   }
   return rows;
 }
@@ -196,7 +192,7 @@ bool Session::MayTryAgain(Failure failure, int tried) const {
          !m_action->locks.IsSpent();
 }
 
-// Longer each time: connections that lost against each other must not meet again at once.
+// The pause grows, so that connections in each other's way do not meet again at once.
 void Session::PauseBeforeTry(int tried) {
   const auto start = Clock::now();
   m_connection.Pause(milliseconds(5 << tried));
@@ -227,9 +223,9 @@ void Session::BeginGroup() {
   m_due = Clock::now() + kGroupTime;
 }
 
-// Undoes the transaction; where that fails, nobody knows what the connection would commit with the next one.
+// Undoes the transaction. If that fails, a later commit might include its changes, so the connection is given up.
 void Session::Undo() noexcept {
-  m_lockLimit = milliseconds(0);  // may have been set in the transaction
+  m_lockLimit = milliseconds(0);  // a limit that was set in the transaction is undone with it
   try {
     if (IsLost()) return;
     if (m_connection.EndTransaction(false).Failed()) m_connection.GiveUp();
@@ -240,17 +236,16 @@ void Session::Undo() noexcept {
 
 void Session::Replay(const std::vector<GroupedWrite>& writes) {
   m_inGroup = false;
-  std::size_t written = 0;
   try {
-    m_streaming.Detach();  // where that is stopped, moving on tells
+    m_streaming.Detach();  // after a stop the recordset raises it at the first missing row
     Undo();
-    for (const GroupedWrite& write : writes) {
-      WriteAgain(write);
-      ++written;
-    }
+    for (const GroupedWrite& write : writes) WriteAgain(write);
+    if (!writes.empty()) ++m_commits.committed;
   } catch (...) {
-    NoteLoss(writes.size() - written, error_number::kOdbcFailed,
-             "ODBC - call failed: changes that the server had undone could not be written again.");
+    if (!writes.empty()) {
+      NoteLoss(error_number::kOdbcFailed,
+               "ODBC - call failed: changes that the server had undone could not be written again.");
+    }
     throw;
   }
 }
@@ -269,7 +264,7 @@ void Session::WriteAgain(const GroupedWrite& write) {
 }
 
 void Session::Commit() {
-  if (IsLost()) RaiseLost();
+  if (IsLost()) m_connection.RaiseLost();
   Outcome outcome;
   try {
     outcome = m_connection.EndTransaction(true);
@@ -284,31 +279,38 @@ void Session::Commit() {
   RaiseFailure(outcome, "COMMIT");
 }
 
-void Session::NoteLoss(std::size_t changes, int number, std::string words) {
-  if (changes == 0) return;
-  m_lostChanges += changes;
+CommitCounts Session::Commits() const {
+  return {m_commits.committed, m_commits.lost + (IsLost() && !m_group.empty() ? 1 : 0)};
+}
+
+// Of two losses that are reported together the later one gives the words.
+void Session::NoteLoss(int number, std::string words) {
+  ++m_commits.lost;
   m_lossNumber = number;
   m_lossWords = std::move(words);
 }
 
-// Throws only what the callback throws and, before anything is done, for want of memory.
+// A failure is noted, not thrown. Throws what the callback throws, and std::bad_alloc before anything is done.
 void Session::CommitGroup() {
   if (!m_inGroup) return;
-  if (!IsLost()) m_streaming.Detach();  // a commit ends what still fetches; where that is stopped, moving on tells
+  if (!IsLost()) m_streaming.Detach();  // a commit closes the cursors of open recordsets
   m_inGroup = false;
-  const std::size_t changes = std::exchange(m_group, {}).size();
+  const bool isEmpty = std::exchange(m_group, {}).empty();
   try {
     Commit();
+    if (!isEmpty) ++m_commits.committed;
   } catch (const Error& error) {
-    NoteLoss(changes, error.Number(), error.Description());
+    if (!isEmpty) NoteLoss(error.Number(), error.Description());
   } catch (const std::bad_alloc&) {
     if (m_connection.InTransaction()) Undo();
-    NoteLoss(changes, kxrestore::error_number::kOutOfMemory, "Out of memory.");
+    if (!isEmpty) NoteLoss(kxrestore::error_number::kOutOfMemory, "Out of memory");
   } catch (...) {
     const bool isUndone = m_connection.InTransaction();
     if (isUndone) Undo();
-    if (isUndone || IsLost()) {
-      NoteLoss(changes, error_number::kOdbcFailed, "ODBC - call failed: a commit was interrupted.");
+    const bool isLost = isUndone || IsLost();
+    if (!isEmpty && !isLost) ++m_commits.committed;
+    if (!isEmpty && isLost) {
+      NoteLoss(error_number::kOdbcFailed, "ODBC - call failed: a commit was interrupted.");
     }
     throw;
   }
@@ -319,9 +321,7 @@ void Session::CommitIfDue() {
 }
 
 void Session::TellLoss() {
-  if (m_lostChanges == 0) return;
-  const std::size_t changes = std::exchange(m_lostChanges, 0);
-  Raise(m_lossNumber, m_lossWords + " " + Changes(changes) + " may not have been saved.");
+  if (m_lossNumber != 0) Raise(std::exchange(m_lossNumber, 0), std::exchange(m_lossWords, {}));
 }
 
 void Session::Idle() {
@@ -337,10 +337,6 @@ void Session::Flush() {
 void Session::EndGroups() {
   m_grouping = false;
   Flush();
-}
-
-void Session::RaiseLost() const {
-  Raise(error_number::kOdbcFailed, "ODBC - call failed: the connection to '" + Place() + "' was lost.");
 }
 
 void Session::DetachStreaming() {
@@ -371,7 +367,7 @@ void Session::UndoTransaction() {
   m_transactionOwner = nullptr;
   m_lockLimit = milliseconds(0);
   *m_texts = std::move(m_textsBefore);
-  ForgetPlans();  // saved queries may be others again
+  ForgetPlans();  // the rollback may have changed saved queries back
   Outcome outcome;
   try {
     outcome = m_connection.EndTransaction(false);

@@ -49,8 +49,8 @@ class Session {
   const jet_sql::ServerDialect& Dialect() const { return *m_dialect; }
   Schema& Tables() { return m_schema; }
   bool IsLost() const { return m_connection.IsLost(); }  // the server is gone; a new session is needed
-  // Whether changes wait for their commit, or were lost and nobody has been told.
-  bool HasNews() const { return !m_group.empty() || m_lostChanges > 0; }
+  // Whether changes wait for their commit, or were lost without a report so far.
+  bool HasUntold() const { return !m_group.empty() || m_lossNumber != 0; }
 
   using Use = StatementUse;
   // The plan for a text; its literals are in Literals() until the next call.
@@ -60,11 +60,11 @@ class Session {
   static void Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) noexcept;
   void ForgetPlans();  // after a change of the schema
 
-  // Whether the next result is fetched from the server piece by piece, which costs round trips but no memory,
-  // where a driver would otherwise take all of it at once.
+  // Whether the next result is fetched from the server in pieces, which costs round trips and saves memory, where
+  // the driver would otherwise fetch all rows at once.
   void FetchPiecewise(bool piecewise);
   bool FetchesPiecewise() const { return m_piecewise; }
-  // For a statement that is to be prepared by name; empty where that is not to be.
+  // A new name for a prepared statement; empty where the server does not prepare by name.
   std::string NameForPrepared();
 
   // Makes a call of the driver, see Connection::Run. A stop cancels `statement` unless that would undo more than
@@ -73,8 +73,8 @@ class Session {
   void GiveTurn() { m_connection.GiveTurn(); }
   [[noreturn]] void RaiseFailure(const Outcome& outcome, std::string_view piece) const;
 
-  // Executes a reading statement. False when the tables are others than it was prepared for; then `failed` says
-  // what the driver said.
+  // Executes a reading statement. False when the tables have changed since it was prepared; then `failed` holds
+  // the driver's error.
   bool RunRead(OdbcStatement& statement, const std::vector<Value>& values, Outcome& failed);
   // Executes a writing statement, in the group or at once; the number of rows changed.
   std::int64_t RunWrite(OdbcStatement& statement, const std::vector<Value>& values);
@@ -87,7 +87,7 @@ class Session {
 
   StreamingList& Streaming() { return m_streaming; }
 
-  // A transaction of a database's own, during which no group is committed; it goes on when the action ends.
+  // The transaction of one database. No group is committed while it lasts, and it may outlive the action.
   void BeginTransaction(const Database& owner);
   void CommitTransaction();
   void UndoTransaction();
@@ -97,6 +97,7 @@ class Session {
   void Idle();       // commits what has waited long enough
   void Flush();      // commits
   void EndGroups();  // commits for good
+  CommitCounts Commits() const;
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -116,9 +117,8 @@ class Session {
   void Commit();
   void CommitGroup();
   void CommitIfDue();
-  void NoteLoss(std::size_t changes, int number, std::string words);
+  void NoteLoss(int number, std::string words);
   void TellLoss();
-  [[noreturn]] void RaiseLost() const;
   void DetachStreaming();  // error 3059 when the user stops it
   void Replay(const std::vector<GroupedWrite>& writes);
   void WriteAgain(const GroupedWrite& write);
@@ -132,20 +132,20 @@ class Session {
   Connection m_connection;
   bool m_piecewise = false;
   int m_namesGiven = 0;
-  std::chrono::milliseconds m_lockLimit{0};  // that the server knows of; 0 for none
-  Clock::duration m_usualTime{};             // of a statement that waits for nobody: the shortest so far
+  std::chrono::milliseconds m_lockLimit{0};  // what the server was told; 0 for nothing
+  Clock::duration m_usualTime{};             // the shortest time of a statement so far
   ServerFacts m_facts;
   std::unique_ptr<jet_sql::ServerDialect> m_dialect;
   Schema m_schema;
   StreamingList m_streaming;
   PlanCache<Plan> m_plans;
   const Database* m_transactionOwner = nullptr;
-  SavedTexts m_textsBefore;  // the transaction
+  SavedTexts m_textsBefore;  // as they were when the transaction began
   bool m_inGroup = false;
   std::vector<GroupedWrite> m_group;
   Clock::time_point m_due;
-  std::size_t m_lostChanges = 0;  // that nobody has been told of
-  int m_lossNumber = 0;
+  CommitCounts m_commits;
+  int m_lossNumber = 0;  // of a lost group that nobody has been told of; 0 for none
   std::string m_lossWords;
 };
 

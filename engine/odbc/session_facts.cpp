@@ -1,4 +1,4 @@
-// What a session learns of its server when it connects, and what it tells it.
+// The part of Session that asks the driver and the server what they can do, and configures them.
 #include <array>
 
 #include "engine/odbc/odbc_session.h"
@@ -14,14 +14,14 @@ constexpr SQLINTEGER kPostgresServerSidePrepare = 65540;
 constexpr SQLINTEGER kPostgresFetchRows = 65541;
 
 constexpr std::size_t kPiecewiseRows = 8192;
-constexpr milliseconds kLockStep(100);  // below it the server is not told of another limit
+constexpr milliseconds kLockStep(100);  // a smaller change of the limit is not worth a round trip
 
 struct DriverReport {
   std::string dbms, driver, quote, escape;
   std::uint32_t identifierCase = 0, activities = 0, parts = 0;
 };
 
-// Drivers leave out what they have nothing to say of; only the server's name has to be known.
+// Drivers may lack any of these facts; only the server's name is indispensable.
 Outcome ReadReport(DriverHandles& handles, DriverReport& report) {
   const ConnectionHandle& connection = handles.connection;
   connection.GetInfo(SQL_DRIVER_NAME, report.driver).Ignore();
@@ -48,8 +48,8 @@ Outcome ReadBytes(StatementHandle& statement, std::string_view sql, std::string&
 
 }  // namespace
 
-// Whether bytes of a text come in UTF-8: where the process has another encoding, the driver turns them into
-// that. A driver that does not hand out bytes at all does not.
+// Whether a text that is fetched as bytes comes in UTF-8: a driver may convert it to the encoding of the process,
+// or not hand out bytes at all.
 bool Session::HandsOutUtf8() {
   constexpr std::string_view kEveryKind = "a\xC3\xA4\xD0\xB6\xE2\x82\xAC\xE6\xBC\xA2\xF0\x9F\x98\x80";
   const auto bytes = std::make_shared<std::string>();
@@ -97,7 +97,7 @@ void Session::ReadPostgresFacts(bool isPsqlodbc) {
   if (isPsqlodbc) {
     m_facts.fetchesAllAtOnce = m_facts.preparesByName = m_facts.serverKeepsTime = true;
     m_facts.undoesStatementsAlone = true;
-    // A prepared statement in a transaction is sent behind a savepoint of its own, a plain one together with it.
+    // The driver sends a prepared statement behind a savepoint of its own, plain text together with one.
     const auto choose = [](DriverHandles& handles) {
       Outcome outcome = handles.connection.SetAttribute(kPostgresServerSidePrepare, 0);
       if (outcome.Failed()) return outcome;
@@ -110,18 +110,18 @@ void Session::ReadPostgresFacts(bool isPsqlodbc) {
   const auto rows = Ask(
       "SELECT current_schema(), datcollate, datctype, (SELECT count(*) FROM pg_catalog.pg_collation WHERE "
       "collname = 'und-x-icu'), current_setting('client_encoding'), current_setting('server_encoding'), "
-      // Every listing is read to its end.
+      // Plan for whole listings, not for their first rows.
       "set_config('cursor_tuple_fraction', '1', false), "
       "set_config('lock_timeout', '" +
       std::to_string(m_lockLimit.count()) +
       "', false), "
-      // A program that the network has lost keeps no row locked for longer than about a minute.
+      // The server notices within about a minute that the network has lost this program, and unlocks its rows.
       "set_config('tcp_keepalives_idle', '30', false), set_config('tcp_keepalives_interval', '10', false), "
       "set_config('tcp_keepalives_count', '3', false), "
-      // While it compiles a statement, which newer ones do, the server does not hear that it is canceled.
+      // A server that is compiling a statement does not react to a cancel.
       "CASE WHEN current_setting('server_version_num')::int >= 110000 THEN set_config('jit', 'off', false) "
       "END" +
-      // A driver that keeps the time itself tells the server each time before and after its own questions.
+      // Set once: the driver's own timeout would be sent before and after each of its catalog queries.
       (m_facts.serverKeepsTime
            ? ", set_config('statement_timeout', '" + std::to_string(kQueryTimeout) + "s', false)"
            : "") +
@@ -130,7 +130,12 @@ void Session::ReadPostgresFacts(bool isPsqlodbc) {
   const bool hasCollation = row[3] != "0";
   const auto plain = [](const std::string& locale) { return locale == "C" || locale == "POSIX"; };
   m_facts.schema = row[0];
-  m_facts.ordersByCode = hasCollation && (plain(row[1]) || row[1].starts_with("C."));
+  if (plain(row[1]) || row[1].starts_with("C.")) {
+    using Order = jet_sql::PostgresDialect::Order;
+    m_facts.order = hasCollation       ? Order::kCollation
+                    : row[5] == "UTF8" ? Order::kPlainLetters
+                                       : Order::kOwn;
+  }
   m_facts.foldsAsciiOnly = hasCollation && plain(row[2]);
   m_facts.textsAsBytes = isPsqlodbc && row[4] == "UTF8" && row[5] != "SQL_ASCII" && HandsOutUtf8();
 }
@@ -145,8 +150,8 @@ void Session::FetchPiecewise(bool piecewise) {
   m_piecewise = piecewise;
 }
 
-// Tells the server how long the next statement may wait for locks. Where it cannot be told, the time of the
-// statement is the limit.
+// Tells the server how long the next statement may wait for a lock. Servers without such a setting are bound by
+// the time of the statement.
 void Session::LimitLockWaits() {
   const milliseconds left = std::max(m_action->locks.Left(), milliseconds(1));
   if (m_lockLimit.count() > 0 && std::chrono::abs(m_lockLimit - left) < kLockStep && left > kLockStep) return;
