@@ -112,8 +112,8 @@ run_native() {
   [[ ${#programs[@]} -gt 0 ]] || fail "the native build made no test program"
   say "running ${#programs[@]} native test programs"
   for program in "${programs[@]}"; do
-    # It stops the server that the others ask, too.
-    [[ $program != */engine_tests ]] || continue
+    # They stop the server that the others ask, too.
+    [[ $program != */engine_tests && $program != */server_tests ]] || continue
     if [[ $running -ge $kxJobs ]]; then
       wait -n || true
       running=$((running - 1))
@@ -122,8 +122,10 @@ run_native() {
     running=$((running + 1))
   done
   wait
-  program=$kxBuild/sanitize/tests/engine_tests
-  (cd "$results/native" && run_program "$results/native/engine_tests" "$kNativeLimit" no "$program")
+  for program in engine_tests server_tests; do
+    (cd "$results/native" &&
+      run_program "$results/native/$program" "$kNativeLimit" no "$kxBuild/sanitize/tests/$program")
+  done
   for program in "${programs[@]}"; do report_program "$results/native/$(basename "$program")"; done
 }
 

@@ -15,7 +15,7 @@ std::optional<std::string> OdbcTableFacts::SavedQuery(const std::string& name) {
   const KnownRelation* relation = m_session.Tables().Find(name);
   if (relation == nullptr || relation->isTable) return std::nullopt;
   if (relation->text) return relation->text;
-  // The view as it is now; other servers may show that of another schema.
+  // The view's current text. Other servers might return that of another schema.
   const ServerFacts& facts = m_session.Facts();
   if (!facts.IsPostgres() && !facts.IsSqlServer() && facts.dbms != "SQLite") return std::nullopt;
   const Schema::Entry* entry = m_session.Tables().FindEntry(name);
@@ -24,7 +24,7 @@ std::optional<std::string> OdbcTableFacts::SavedQuery(const std::string& name) {
     return ViewText(m_session, *entry);
   } catch (const Error& error) {
     if (m_session.IsLost() || error.Number() == error_number::kCanceled) throw;
-    return std::nullopt;  // not shown to this user, or beyond the dialect
+    return std::nullopt;  // hidden from this user, or outside the dialect
   }
 }
 
@@ -33,7 +33,7 @@ const KnownRelation* OdbcTableFacts::FindTable(const std::string& name) {
   return relation != nullptr && relation->isTable ? relation : nullptr;
 }
 
-// Null also when several differ in case only.
+// Null when there is none, and when several columns differ in case only.
 const KnownColumn* OdbcTableFacts::FindColumn(const std::string& table, const std::string& column) {
   const KnownRelation* relation = FindTable(table);
   const KnownColumn* found = nullptr;
@@ -69,7 +69,7 @@ bool OdbcTableFacts::IsRowKey(const std::string& table, const std::string& colum
   const KnownColumn* key = FindColumn(table, column);
   if (key == nullptr || !key->isWhole) return false;
   if (m_session.Tables().PrimaryKeyOf(*FindTable(table)) != std::vector<std::string>{key->name}) return false;
-  // Rows of tables that inherit from it are read with its own, but the key is not theirs.
+  // A query also reads the rows of inheriting tables, which the key does not cover.
   return !m_session.Facts().IsPostgres() ||
          !IsInCatalogs("pg_catalog.pg_inherits i ON i.inhparent = c.oid", "c.relkind = 'r'", table);
 }
@@ -79,7 +79,7 @@ bool OdbcTableFacts::ComparesExactly(const std::string& table, const std::string
   return known != nullptr && known->isWhole;
 }
 
-// Elsewhere texts that differ in case or in blanks at their end may be equal.
+// On other servers texts that differ in case or in trailing blanks may be equal.
 bool OdbcTableFacts::IsExactText(const std::string& table, const std::string& column) {
   const KnownColumn* known = FindColumn(table, column);
   return known != nullptr && m_session.Facts().IsPostgres() &&

@@ -20,7 +20,7 @@ class OdbcTableFacts final : public jet_sql::TableFacts {
  private:
   const jet_sql::KnownRelation* FindTable(const std::string& name);
   const jet_sql::KnownColumn* FindColumn(const std::string& table, const std::string& column);
-  // Whether PostgreSQL's catalogs have a row of this table.
+  // Whether PostgreSQL's system catalogs hold a matching row for this table.
   bool IsInCatalogs(const std::string& from, const std::string& condition, const std::string& table,
                     const std::string& column = {});
 
