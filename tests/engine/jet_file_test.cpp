@@ -111,8 +111,8 @@ class DesktopFileTest : public ::testing::Test {
 TEST_F(DesktopFileTest, Of1997) {
   const auto database = m_workspace->OpenDatabase({.name = DesktopSample("sample-1997.mdb")});
   EXPECT_EQ(Rows(*database, "Table1"),
-            (Strings{"a|b|0|0|0|0|1981-12-12 00:00:00|0|0",
-                     "abcdefg|hijklmnop|2|222|333333333|444.555|1974-09-21 00:00:00|3.5|1"}));
+            (Strings{"a|b|0|0|0|0|1981-12-12 00:00:00|0|False",
+                     "abcdefg|hijklmnop|2|222|333333333|444.555|1974-09-21 00:00:00|3.5|True"}));
 }
 
 }  // namespace
