@@ -18,6 +18,11 @@ void AppendLatin(std::string& out, std::uint8_t byte) {
   }
 }
 
+// The second half of a pair may begin with a zero, too.
+bool IsPair(std::uint16_t first, std::uint16_t second) {
+  return (first & 0xFC00) == 0xD800 && (second & 0xFC00) == 0xDC00;
+}
+
 class Windows1252 final : public CodePage {
  public:
   void Append(std::string& out, Bytes stored) override {
@@ -69,7 +74,7 @@ void AppendUnicode(std::string& out, Bytes stored) {
     }
     // Plain from here to the zero that stands where a character would begin.
     const std::size_t start = ++i;
-    while (i + 1 < size && data[i] != 0) i += 2;
+    while (i + 1 < size && (data[i] != 0 || (i > start && IsPair(stored.U16(i - 2), stored.U16(i))))) i += 2;
     AppendPlainUtf16(out, stored.Piece(start, i - start));
     ++i;
   }
