@@ -145,6 +145,7 @@ class Backend {
  public:
   virtual ~Backend() = default;
   virtual std::unique_ptr<Database> Open(const OpenRequest& request) = 0;
+  virtual bool IsInstalled() const { return true; }  // what it needs of the machine
   virtual void BeginAction() {}  // from here on sessions may stay warm and updates may wait
   // These raise a failed commit; see Workspace.
   virtual void Idle() = 0;                                // commits what has waited 100 ms
@@ -170,11 +171,15 @@ class Backend {
 class Workspace {
  public:
   struct Backends {
-    std::unique_ptr<Backend> sqlite;  // catalog files, the embedded default
-    std::unique_ptr<Backend> odbc;    // servers; may be absent
-    std::unique_ptr<Backend> dao;     // files of the desktop engine; may be absent
+    std::unique_ptr<Backend> sqlite;   // catalog files, the embedded default
+    std::unique_ptr<Backend> odbc;     // servers; may be absent
+    std::unique_ptr<Backend> dao;      // files of the desktop engine, through it; may be absent
+    std::unique_ptr<Backend> jetFile;  // the same files without it; may be absent
   };
-  explicit Workspace(Backends backends);
+  // Who opens files of the desktop engine: the engine where it is installed, else this program's own reader;
+  // or always the one or the other.
+  enum class DesktopFiles { kEngineIfInstalled, kEngine, kReader };
+  explicit Workspace(Backends backends, DesktopFiles desktopFiles = DesktopFiles::kEngineIfInstalled);
   ~Workspace();
 
   // A file is opened by the back end that its header asks for, whatever its extension; a server by its
@@ -203,15 +208,18 @@ class Workspace {
 
  private:
   Backend& BackendForFile(const OpenRequest& request);
+  Backend* DesktopBackend() const;
   template <typename Operation>
   void ForEachBackend(Operation operation);
 
   Backends m_backends;
+  DesktopFiles m_desktopFiles;
   int m_depth = 0;
   std::vector<std::pair<std::string, Backend*>> m_known;  // files whose header this action has read
 };
 
-// The workspace with every back end that this build has.
+// The workspace with every back end that this build has. The environment variable KXRESTORE_DESKTOP_FILES
+// says who opens files of the desktop engine: "engine", "reader", or anything else for whichever is there.
 std::unique_ptr<Workspace> MakeDefaultWorkspace();
 
 }  // namespace kxrestore::engine

@@ -1,4 +1,5 @@
 #include <array>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -8,6 +9,7 @@
 #include "engine/database.h"
 #include "engine/error_numbers.h"
 #include "engine/failures.h"
+#include "engine/jet_file/jet_file_backend.h"
 #include "engine/odbc/odbc_backend.h"
 #include "engine/sqlite/sqlite_backend.h"
 
@@ -44,7 +46,8 @@ FileKind ReadFileKind(const std::string& name) {
 
 }  // namespace
 
-Workspace::Workspace(Backends backends) : m_backends(std::move(backends)) {}
+Workspace::Workspace(Backends backends, DesktopFiles desktopFiles)
+    : m_backends(std::move(backends)), m_desktopFiles(desktopFiles) {}
 
 Workspace::~Workspace() = default;
 
@@ -52,10 +55,24 @@ Workspace::~Workspace() = default;
 template <typename Operation>
 void Workspace::ForEachBackend(Operation operation) {
   Failures failures;
-  for (Backend* backend : {m_backends.sqlite.get(), m_backends.odbc.get(), m_backends.dao.get()}) {
+  for (Backend* backend :
+       {m_backends.sqlite.get(), m_backends.odbc.get(), m_backends.dao.get(), m_backends.jetFile.get()}) {
     if (backend != nullptr) failures.Try([&] { operation(*backend); });
   }
   failures.Raise();
+}
+
+Backend* Workspace::DesktopBackend() const {
+  Backend* const engine = m_backends.dao.get();
+  Backend* const reader = m_backends.jetFile.get();
+  switch (m_desktopFiles) {
+    case DesktopFiles::kEngine:
+      return engine;
+    case DesktopFiles::kReader:
+      return reader;
+    default:
+      return engine != nullptr && (reader == nullptr || engine->IsInstalled()) ? engine : reader;
+  }
 }
 
 Backend& Workspace::BackendForFile(const OpenRequest& request) {
@@ -63,7 +80,7 @@ Backend& Workspace::BackendForFile(const OpenRequest& request) {
     if (name == request.name) return *backend;
   }
   const FileKind kind = ReadFileKind(request.name);
-  Backend* backend = kind == FileKind::kSqlite ? m_backends.sqlite.get() : m_backends.dao.get();
+  Backend* backend = kind == FileKind::kSqlite ? m_backends.sqlite.get() : DesktopBackend();
   if (backend == nullptr) dao::RaiseNotInstalled(request.name);
   if (InAction()) m_known.emplace_back(request.name, backend);
   return *backend;
@@ -93,7 +110,8 @@ void Workspace::Flush() {
 
 CommitCounts Workspace::Commits() const {
   CommitCounts counts;
-  for (const Backend* backend : {m_backends.sqlite.get(), m_backends.odbc.get(), m_backends.dao.get()}) {
+  for (const Backend* backend :
+       {m_backends.sqlite.get(), m_backends.odbc.get(), m_backends.dao.get(), m_backends.jetFile.get()}) {
     if (backend != nullptr) counts += backend->Commits();
   }
   return counts;
@@ -113,12 +131,25 @@ void Workspace::EndAction() {
   ForEachBackend([](Backend& backend) { backend.EndAction(); });
 }
 
+namespace {
+
+Workspace::DesktopFiles ChosenDesktopFiles() {
+  const char* chosen = std::getenv("KXRESTORE_DESKTOP_FILES");
+  const std::string_view text = chosen == nullptr ? "" : chosen;
+  if (text == "engine") return Workspace::DesktopFiles::kEngine;
+  if (text == "reader") return Workspace::DesktopFiles::kReader;
+  return Workspace::DesktopFiles::kEngineIfInstalled;
+}
+
+}  // namespace
+
 std::unique_ptr<Workspace> MakeDefaultWorkspace() {
   Workspace::Backends backends;
   backends.sqlite = sqlite::MakeSqliteBackend();
   backends.odbc = odbc::MakeOdbcBackend();
   backends.dao = dao::MakeDaoBackend();
-  return std::make_unique<Workspace>(std::move(backends));
+  backends.jetFile = jet_file::MakeJetFileBackend();
+  return std::make_unique<Workspace>(std::move(backends), ChosenDesktopFiles());
 }
 
 }  // namespace kxrestore::engine

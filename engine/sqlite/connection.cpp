@@ -21,16 +21,17 @@ void Connection::Closer::operator()(sqlite3* connection) const noexcept {
   waiter->LeaveQuietly();
 }
 
-Connection::Connection(std::string file, bool exclusive, std::shared_ptr<Waiter> waiter)
-    : m_file(std::move(file)), m_waiter(std::move(waiter)) {
+Connection::Connection(std::string file, bool exclusive, std::shared_ptr<Waiter> waiter,
+                       std::shared_ptr<ForeignTables> tables)
+    : m_file(std::move(file)), m_waiter(std::move(waiter)), m_tables(std::move(tables)) {
   int registered = SQLITE_OK;
   const char* const fileAccess = RegisterTurnVfs(registered);
   Check(Outcome(registered), Doing::kOpening);
 
   sqlite3* connection = nullptr;
   m_waiter->Enter(Stop::kWork);
-  const int code =
-      sqlite3_open_v2(m_file.c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, fileAccess);
+  const int code = sqlite3_open_v2(m_tables ? ":memory:" : m_file.c_str(), &connection,
+                                   SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, fileAccess);
   m_connection = std::unique_ptr<sqlite3, Closer>(connection, Closer{m_waiter.get()});
   Check(m_waiter->Leave(code), Doing::kOpening);
 
@@ -39,6 +40,10 @@ Connection::Connection(std::string file, bool exclusive, std::shared_ptr<Waiter>
   sqlite3_progress_handler(connection, kStepsBetweenLooks, Progress, m_waiter.get());
   Check(Outcome(RegisterFunctions(connection)), Doing::kOpening);
   Secure();
+  if (m_tables) {
+    m_tables->Attach(connection);
+    return;
+  }
   m_readOnly = sqlite3_db_readonly(connection, "main") == 1;
   // A group of marks changes pages all over a catalog; they wait for the commit instead of being written
   // again and again. Unchanged pages get no more room by that: to touch so much memory would cost reading
@@ -76,6 +81,7 @@ void Connection::Secure() {
 }
 
 void Connection::Raise(int code, Doing doing, std::string_view piece) const {
+  if (m_tables) m_tables->RaiseFailure(sqlite3_errmsg(Get()));
   RaiseSqlite(Get(), code, doing, {m_file, m_refusedTrigger}, piece);
 }
 
@@ -110,8 +116,11 @@ std::optional<Connection::Column> Connection::FindColumn(const std::string& tabl
 
 bool Connection::IsBounded(std::string_view sql) const {
   Statement explanation = Prepare("EXPLAIN " + std::string(sql), Doing::kWriting);
+  bool oneRow = false;  // of a foreign table
   while (explanation.Next(sql)) {
     const std::string operation = explanation.Text(1);
+    if (operation == "VFilter") oneRow = explanation.Text(5).starts_with(ForeignTables::kOneRow);
+    if (operation == "VNext" && oneRow) continue;
     for (const char* loop : {"Program", "Next", "Prev", "SorterNext", "VNext", "RowSetRead", "Yield"}) {
       if (operation == loop) return false;
     }

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "engine/sqlite/api.h"
+#include "engine/sqlite/foreign_tables.h"
 #include "engine/sqlite/sqlite_error.h"
 #include "engine/sqlite/statement.h"
 #include "engine/sqlite/waiter.h"
@@ -17,8 +18,10 @@ namespace kxrestore::engine::sqlite {
 
 class Connection {
  public:
-  // Opens a file that is there. `exclusive`: nobody else may use it.
-  Connection(std::string file, bool exclusive, std::shared_ptr<Waiter> waiter);
+  // Opens a file that is there. `exclusive`: nobody else may use it. `tables`: what is served instead of the
+  // file's own content, when the file is not SQLite's.
+  Connection(std::string file, bool exclusive, std::shared_ptr<Waiter> waiter,
+             std::shared_ptr<ForeignTables> tables = nullptr);
   ~Connection() = default;
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
@@ -68,6 +71,7 @@ class Connection {
   bool m_readOnly = false;
   mutable std::string m_refusedTrigger;  // by the last Prepare
   std::shared_ptr<Waiter> m_waiter;
+  std::shared_ptr<ForeignTables> m_tables;  // outlives the connection
   std::unique_ptr<sqlite3, Closer> m_connection;
 };
 

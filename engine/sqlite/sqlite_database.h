@@ -9,7 +9,7 @@
 
 namespace kxrestore::engine::sqlite {
 
-class SqliteDatabase final : public SessionDatabase<Session> {
+class SqliteDatabase : public SessionDatabase<Session> {
  public:
   SqliteDatabase(const std::shared_ptr<Session>& session, bool readOnly)
       : SessionDatabase(session, readOnly || session->IsReadOnly()) {}
