@@ -51,20 +51,21 @@ OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, std::string_view 
 
 // Others may have changed tables and queries since the plan was made: it is made anew once.
 void OdbcRecordset::Open(std::string_view source, const ColumnNames& read) {
-  if (TryOpen(source, read)) return;
+  Outcome failed;
+  if (TryOpen(source, read, failed)) return;
   m_session->ForgetPlans();
   m_statement.reset();
-  if (!TryOpen(source, read)) m_session->Raise(SQL_HANDLE_STMT, m_statement->Get(), source);
+  if (TryOpen(source, read, failed)) return;
+  if (failed.Failed()) m_session->RaiseFailure(failed, source);
+  Raise(number::kOdbcFailed, "ODBC - call failed: the columns of '" + std::string(source) + "' keep changing.");
 }
 
-bool OdbcRecordset::TryOpen(std::string_view source, const ColumnNames& read) {
+bool OdbcRecordset::TryOpen(std::string_view source, const ColumnNames& read, Outcome& failed) {
   m_plan = m_session->FindPlan(source, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
   m_statement = m_session->Acquire(*m_plan);
   m_session->FetchPiecewise(!m_plan->isShort);
-  if (!m_session->RunRead(*m_statement,
-                          ParameterValues(*m_plan, m_session->Literals(), m_session->Dialect()))) {
-    return false;
-  }
+  const auto values = ParameterValues(*m_plan, m_session->Literals(), m_session->Dialect());
+  if (!m_session->RunRead(*m_statement, values, failed)) return false;
   m_rows = &m_statement->Rows();
   return !m_plan->columnsKnown || m_rows->Columns().size() == m_plan->columns.size() + m_plan->hidden;
 }

@@ -25,7 +25,8 @@ struct SavedTexts {
 
 class Schema final : public jet_sql::Relations {
  public:
-  Schema(Session& session, SavedTexts& texts) : m_session(session), m_texts(texts) {}
+  explicit Schema(Session& session) : m_session(session) {}
+  void SetTexts(SavedTexts& texts) { m_texts = &texts; }
 
   const jet_sql::KnownRelation* Find(std::string_view name) override;
 
@@ -51,7 +52,7 @@ class Schema final : public jet_sql::Relations {
   // While a view is made, saved queries are read by their texts, so that no view stands on another of ours.
   void ReadQueriesByText(bool byText);
 
-  SavedTexts& Texts() { return m_texts; }
+  SavedTexts& Texts() { return *m_texts; }
   void Forget();
 
  private:
@@ -59,7 +60,7 @@ class Schema final : public jet_sql::Relations {
   std::unique_ptr<jet_sql::KnownRelation> ReadRelation(const Entry& entry) const;
 
   Session& m_session;
-  SavedTexts& m_texts;
+  SavedTexts* m_texts = nullptr;
   bool m_entriesRead = false, m_byText = false;
   std::multimap<std::string, Entry> m_entries;                                 // by folded name
   std::optional<std::map<std::string, StoredText>> m_stored;                   // by the view's own name

@@ -8,6 +8,8 @@
 
 namespace kxrestore::engine::odbc {
 
+constexpr std::size_t kQueryTimeout = 60;  // seconds
+
 struct ServerFacts {
   std::string dbms;                 // SQL_DBMS_NAME
   char quote = '"';                 // around names
@@ -16,8 +18,9 @@ struct ServerFacts {
   bool fetchesAllAtOnce = false;    // unless it is told not to
   bool textsAsBytes = false;        // in UTF-8, without going through UTF-16
   bool serverKeepsTime = false;     // and ends a statement that takes too long
-  bool preparesByName = false;      // by statements of the server's own, see OdbcStatement
+  bool preparesByName = false;      // by statements of the server's own, see StatementData
   bool readsPartsInBlocks = false;  // long texts can be read out of a block of rows
+  bool undoesStatementsAlone = false;  // one that fails in a transaction leaves the rest of it as it is
   // Of PostgreSQL
   jet_sql::PostgresDialect::Order order = jet_sql::PostgresDialect::Order::kOwn;
   bool foldsAsciiOnly = false;  // it knows no case of other letters, but has a collation that does

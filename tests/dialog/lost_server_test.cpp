@@ -32,8 +32,7 @@ class LostServer : public DialogTest {
     m_server.emplace([&](sample::CatalogSink& sink) { catalog_test::AddRows(sink, rows, Runs()); });
     m_administrator.emplace(
         engine::testing::ServerConnect("postgres", engine::testing::ServerSetting("KX_TEST_ADMIN"),
-                                       ServerCatalog::Password()),
-        false, nullptr);
+                                       ServerCatalog::Password()));
     m_role = m_server->Database() + "_user";
     Administrate("CREATE ROLE " + m_role + " LOGIN IN ROLE " + ServerCatalog::User() + " PASSWORD '" +
                  kPassword + "'");

@@ -62,7 +62,7 @@ class OdbcTestDatabase final : public TestDatabase {
   OdbcTestDatabase(std::string connect, Spelling spelling, std::unique_ptr<TemporaryFolder> folder = {})
       : m_folder(std::move(folder)),
         m_connect(std::move(connect)),
-        m_session(m_connect, false, nullptr),
+        m_session(m_connect),
         m_spelling(spelling) {}
 
   OpenRequest Request() const override { return {.connect = m_connect}; }
@@ -92,7 +92,8 @@ class OdbcTestDatabase final : public TestDatabase {
   std::string Ask(std::string_view sql) override {
     try {
       odbc::OdbcStatement statement(m_session, Spelled(sql, m_spelling));
-      m_session.RunRead(statement, {});
+      const odbc::Outcome outcome = statement.ExecuteReading({});
+      if (outcome.Failed()) m_session.RaiseFailure(outcome, sql);
       odbc::RowReader& rows = statement.Rows();
       if (!rows.Next()) return "no row";
       const ValueView value = rows.Value(0);
@@ -119,11 +120,11 @@ std::unique_ptr<TestDatabase> MakePostgres(Spelling spelling) {
   static const std::string database = [&] {
     const std::string made =
         "kx_" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
-    odbc::Session(ServerConnect("postgres", administrator, password), false, nullptr)
+    odbc::Session(ServerConnect("postgres", administrator, password))
         .Ask("CREATE DATABASE " + made);
     return made;
   }();
-  odbc::Session session(ServerConnect(database, administrator, password), false, nullptr);
+  odbc::Session session(ServerConnect(database, administrator, password));
   session.RunSchemaChange({"DROP SCHEMA public CASCADE", "CREATE SCHEMA public AUTHORIZATION " + user});
   // Numbers where the tables have Booleans, as other databases take them.
   session.RunSchemaChange(
