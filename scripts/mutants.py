@@ -28,7 +28,7 @@ PROGRAMS = {
     "platform": ["platform_tests", "controls_tests", "dialog_tests"],
 }
 # These take long, or want a server: they are about speed and about other programs.
-SLOW = "WaitingTest.*:TwoDialogs*:LostServer*:*AnotherProgramHolds*:*ADiscIsAdded*"
+SLOW = "WaitingTest.*:TwoDialogs*:LostServer*:*AnotherProgramHolds*:*ADiscIsAdded*:FaultSweep*"
 PATIENCE = 180  # seconds for one program
 
 
