@@ -24,7 +24,7 @@ class HeadlessDesktop : public Desktop {
   // without one it throws std::logic_error, because nobody expected it.
   int MessageBox(const std::string& text, int style, const std::string& title) override;
   std::deque<int> answers;
-  std::vector<Message> messages;
+  std::vector<Message> messages;  // as people would see them
   std::function<void(const Message&)> onMessage;  // before it is answered
 
   void DoEvents() override;

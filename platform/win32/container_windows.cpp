@@ -37,7 +37,7 @@ class FrameWindow final : public WindowPeer<controls::Peer> {
  public:
   FrameWindow(WindowContext& context, controls::Frame& frame, HWND parent)
       : WindowPeer(context, frame), m_frame(frame) {
-    Create(parent, kContainerClass, Wide(frame.Caption()), kContainerStyle, WS_EX_CONTROLPARENT);
+    Create(parent, kContainerClass, WideShown(frame.Caption()), kContainerStyle, WS_EX_CONTROLPARENT);
   }
   bool TakesFocus() const override { return false; }
 
@@ -63,7 +63,7 @@ class FrameWindow final : public WindowPeer<controls::Peer> {
  protected:
   void OnFlush(unsigned flags) override {
     WindowPeer::OnFlush(flags);
-    if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), Wide(m_frame.Caption()).c_str());
+    if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), WideShown(m_frame.Caption()).c_str());
     if ((flags & (kCaptionFlag | kEnabledFlag)) != 0) InvalidateRect(Handle(), nullptr, TRUE);
   }
 
@@ -75,7 +75,7 @@ class FrameWindow final : public WindowPeer<controls::Peer> {
     SelectObject(dc, OwnFont());
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, GetSysColor(m_frame.Enabled() ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
-    const std::wstring caption = Wide(m_frame.Caption());
+    const std::wstring caption = WideShown(m_frame.Caption());
     const bool hideCues = (SendMessageW(Handle(), WM_QUERYUISTATE, 0, 0) & UISF_HIDEACCEL) != 0;
     const UINT format = DT_SINGLELINE | (hideCues ? DT_HIDEPREFIX : 0);
     RECT border{};

@@ -47,8 +47,8 @@ FormWindow::FormWindow(WindowContext& context, controls::Form& form, HWND host)
     : WindowPeer(context, form), m_form(form), m_keys(context, form) {
   {
     const ActivationScope scope(context.ActivationContext());
-    const HWND handle = CreateWindowExW(kExStyle, kFormClass, Wide(form.Caption()).c_str(), kStyle, 0, 0, 0,
-                                        0, nullptr, nullptr, context.Module(), nullptr);
+    const HWND handle = CreateWindowExW(kExStyle, kFormClass, WideShown(form.Caption()).c_str(), kStyle, 0, 0,
+                                        0, 0, nullptr, nullptr, context.Module(), nullptr);
     if (handle == nullptr) {
       throw Error(static_cast<int>(GetLastError()), "The window of " + form.Name() + " cannot be made",
                   "KXRestore");
@@ -153,7 +153,7 @@ void FormWindow::Changed(controls::Property property) {
 
 void FormWindow::OnFlush(unsigned flags) {
   if ((flags & kEnabledFlag) != 0) EnableWindow(Handle(), m_form.Enabled());
-  if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), Wide(m_form.Caption()).c_str());
+  if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), WideShown(m_form.Caption()).c_str());
   if ((flags & kAppearanceFlag) != 0) {
     ShowIcon();
     const auto state = m_form.WindowState();

@@ -94,6 +94,15 @@ class TreeWindowTest : public ControlHost {
     SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&query));
     return static_cast<int>(query.lParam);
   }
+  std::wstring TextOf(HTREEITEM item) const {
+    wchar_t text[MAX_PATH] = L"";
+    TVITEMW query{TVIF_TEXT | TVIF_HANDLE};
+    query.hItem = item;
+    query.pszText = text;
+    query.cchTextMax = MAX_PATH;
+    SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&query));
+    return query.pszText;
+  }
   UINT State(HTREEITEM item, UINT mask) const {
     return static_cast<UINT>(SendMessageW(window, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), mask));
   }
@@ -176,6 +185,16 @@ TEST_F(TreeWindowTest, ItemsAreMadeWhenTheyCanBeSeen) {
   Pump();
   EXPECT_EQ(Held(), 1u);
   EXPECT_TRUE(clicked.empty());
+}
+
+TEST_F(TreeWindowTest, WhatCannotBeSeenIsDrawnAsAStandIn) {
+  Node node = tree.Add({}, {}, "invoice\u202Efdp.exe");
+  Pump();
+  EXPECT_EQ(TextOf(Root()), L"invoice[U+202E]fdp.exe");
+  node.SetText(std::string(300, '\x01'));
+  Pump();
+  EXPECT_EQ(TextOf(Root()), std::wstring(MAX_PATH - 1, L'\u2401')) << "a tree control shows no more";
+  EXPECT_EQ(node.Text(), std::string(300, '\x01'));
 }
 
 TEST_F(TreeWindowTest, TheUserTicks) {
@@ -322,6 +341,25 @@ TEST_F(TreeWindowTest, AHundredThousandNodes) {
             4'000);
   EXPECT_LT(TakeLongest(), 400);
   EXPECT_EQ(Box(Root()), 1);
+}
+
+TEST_F(TreeWindowTest, FoldersFiveThousandDeep) {
+  Node folder = tree.Add({}, "C:\\", "C:\\", 4);
+  for (int depth = 0; depth < 5000; ++depth) folder = tree.FindOrAddFolder(folder, "d", 1);
+  const Node file = tree.Add(folder, {}, "file", 3, "tag");
+  ExpandAll(true);
+  Settle();
+  EXPECT_EQ(Held(), 5002u);
+  tree.SetSelectedItem(file);
+  Settle();
+  EXPECT_EQ(NodeOf(Next(TVGN_CARET)), file.Index());
+  ExpandAll(false);
+  Settle();
+  ExpandAll(true);
+  Settle();
+  tree.Clear();
+  Settle();
+  EXPECT_EQ(Held(), 0u);
 }
 
 TEST_F(TreeWindowTest, AMillionNodes) {
