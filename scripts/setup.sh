@@ -4,6 +4,7 @@
 #   native   build of the native programs and tests
 #   windows  cross-build of the DLL and its tests, SQLite's source for it
 #   wine     running Windows programs, with and without a display
+#   wine32   making the root in which 32-bit ones run
 #   bench    the benchmarks
 #   server   the database server and the ODBC drivers that the tests need, no server is left running; a grammar of T-SQL
 #
@@ -21,12 +22,13 @@ declare -A kPackages=(
   # Wine looks for the X libraries at run time, so that its package does not depend on them.
   [wine]="wine wine64 fonts-wine fonts-liberation fontconfig xvfb x11-utils xdotool imagemagick libxrender1 libxcomposite1
           libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxxf86vm1"
+  [wine32]="mmdebstrap arch-test bubblewrap"
   [bench]="build-essential cmake ninja-build libsqlite3-dev libbenchmark-dev unixodbc-dev libpq-dev"
   [server]="postgresql unixodbc odbc-postgresql libsqliteodbc"
 )
 
 wanted=("$@")
-[[ $# -gt 0 ]] || wanted=(native windows wine bench server)
+[[ $# -gt 0 ]] || wanted=(native windows wine wine32 bench server)
 
 packages=()
 needsSqlite=no
