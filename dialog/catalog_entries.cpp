@@ -1,7 +1,5 @@
 #include "dialog/catalog_entries.h"
 
-#include "catalog/text_routines.h"
-
 namespace kxrestore::dialog {
 
 namespace {
@@ -20,20 +18,6 @@ std::optional<platform::CivilTime> CivilTimeOf(const engine::ValueView& value) {
   const auto date = engine::ToDateTime(value);
   if (!date) return std::nullopt;
   return platform::CivilTime{date->year, date->month, date->day, date->hour, date->minute, date->second};
-}
-
-bool IsMailServer(std::string_view plugin) {
-  return plugin.starts_with(kMailServer);
-}
-
-std::optional<std::string> AggregateName(std::string_view plugin, std::string_view file) {
-  if (!IsMailServer(plugin)) return std::nullopt;
-  std::string name(plugin.size() == kMailServer.size() ? file : plugin);
-  return name.append(".").append(kAggregateExtension);
-}
-
-bool IsAggregateName(std::string_view name) {
-  return catalog::GetExtension(name) == kAggregateExtension;
 }
 
 engine::ColumnNames CatalogEntries::Columns(std::string_view nameColumn, std::string_view setNameColumn) {
@@ -56,7 +40,7 @@ CatalogEntries::CatalogEntries(engine::Recordset& rows, std::string_view nameCol
 void CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticked) {
   std::string buffers[7];
   const std::string_view file = TextOf(m_file, buffers[0]);
-  const auto aggregate = AggregateName(TextOf(m_plugin, buffers[1]), file);
+  const auto aggregate = catalog::AggregateName(TextOf(m_plugin, buffers[1]), file);
 
   controls::AutoSelect::Entry entry;
   entry.name = aggregate ? std::string_view(*aggregate) : TextOf(m_name, buffers[2]);
@@ -70,8 +54,7 @@ void CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticked) {
   } else {
     entry.date = TextOf(m_date, buffers[6]);
   }
-  // Whatever is named like an aggregate is marked like one.
-  entry.storedName = IsAggregateName(entry.name) ? file : TextOf(m_filename, buffers[5]);
+  entry.storedName = catalog::StoredName(entry.name, file, TextOf(m_filename, buffers[5]));
   list.Add(entry, ticked);
 }
 

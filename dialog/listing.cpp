@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "catalog/listings.h"
 #include "catalog/restore_query.h"
 
 namespace kxrestore::dialog {
@@ -28,7 +29,7 @@ LookIn ReadLookIn(FormContext& context, SetTree& setTree, const controls::Option
   if (!thisSet.Value()) return lookIn;
   lookIn.setId = context.choice.m_lngSetID;
   const controls::Node node = context.choice.m_nodCurrent;
-  if (node && !node.Tag().empty()) lookIn.runs = "In (" + setTree.ListRunExtensions(node) + ")";
+  if (node && !node.Tag().empty()) lookIn.runs = catalog::RunFilter(setTree.ListRunExtensions(node));
   return lookIn;
 }
 

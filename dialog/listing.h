@@ -19,7 +19,8 @@ struct LookIn {
 };
 LookIn ReadLookIn(FormContext& context, SetTree& setTree, const controls::OptionButton& thisSet);
 
-// Opens the listing, with the hourglass for a pointer until it is open. `read`: the columns that will be read.
+// Opens the listing, with the hourglass for a pointer until it is open. `read`: the columns that will be
+// read.
 std::unique_ptr<engine::Recordset> OpenListing(FormContext& context, engine::Database& database,
                                                const LookIn& lookIn, bool latest, std::string_view mask,
                                                const engine::ColumnNames& read);

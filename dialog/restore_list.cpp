@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "catalog/listings.h"
 #include "dialog/catalog_entries.h"
 #include "platform/desktop.h"
 
@@ -45,14 +46,7 @@ void RestoreList::ListCurrentSelections() {
     controls::AutoSelect& list = m_context.ui.asRestoreList;
     FormContext::Walk walk(m_context);
     const auto database = m_context.OpenCatalog();
-    const auto rows = database->OpenRecordset(
-        "SELECT Catalog.SetNameID, Catalog.OrigSize, Catalog.DateStamp, Catalog.Extension, Catalog.Filename, "
-        "Catalog.File, Catalog.Restore, Catalog.StoreMethod, Catalog.Plugin, Catalog.StoreName, "
-        "IIf(IsNull([LongPath]),[filename],[longpath]) AS RestoreFile, SetNames.Name "
-        "FROM SetNames RIGHT JOIN (LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID) "
-        "ON SetNames.ID = Catalog.SetNameID "
-        "WHERE (((Catalog.Restore)=True));",
-        engine::RecordsetType::kSnapshot, CatalogEntries::Columns("RestoreFile", "Name"));
+    const auto rows = catalog::OpenSelections(*database, CatalogEntries::Columns("RestoreFile", "Name"));
     const controls::RedrawFreeze freeze(list);
     list.Clear();
     CatalogEntries entries(*rows, "RestoreFile", "Name");
@@ -84,11 +78,8 @@ bool RestoreList::ApplyListChanges() {
     if (!walk.Next()) return false;
     if (list.TickedAt(number)) continue;
     const controls::AutoSelect::Entry entry = list.At(number);
-    const bool written =
-        IsAggregateName(entry.name)
-            ? m_context.marks.UpdateSelectionByFile(entry.storedName, false, entry.setId, entry.extension)
-            : m_context.marks.UpdateSelectionByFileName(entry.storedName, false, entry.setId,
-                                                        entry.extension);
+    const bool written = catalog::MarkEntry(m_context.marks, entry.name, entry.storedName, false, entry.setId,
+                                            entry.extension);
     if (!written) break;  // reported; the rest would fail alike
   }
   return true;

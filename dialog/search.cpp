@@ -116,12 +116,8 @@ bool Search::MarkCurrent() {
   Choice& choice = m_context.choice;
   choice.m_lngSetID = asSearch.SetId();
   choice.m_strExtension = asSearch.Extension();
-  if (IsAggregateName(asSearch.FileName())) {
-    return m_context.marks.UpdateSelectionByFile(asSearch.StoredName(), true, choice.m_lngSetID,
-                                                 choice.m_strExtension);
-  }
-  return m_context.marks.UpdateSelectionByFileName(asSearch.StoredName(), true, choice.m_lngSetID,
-                                                   choice.m_strExtension);
+  return catalog::MarkEntry(m_context.marks, asSearch.FileName(), asSearch.StoredName(), true,
+                            choice.m_lngSetID, choice.m_strExtension);
 }
 
 }  // namespace kxrestore::dialog

@@ -1,12 +1,12 @@
 // The auto-select tab, driven through its controls, and what its chooser lists.
-#include "dialog/type_census.h"
+#include "dialog/type_list.h"
 #include "tests/dialog/dialog_fixture.h"
 
 namespace kxrestore::dialog_test {
 namespace {
 
 TEST(TypeCensus, ListsTheMostFrequentTypesFirstBelowTheirGroups) {
-  dialog::TypeCensus census;
+  catalog::TypeCensus census;
   for (const char* name : {"C:\\a.DOC", "C:\\b.doc", "C:\\c.Doc", "C:\\d.pdf", "C:\\e.xls", "C:\\f.xls",
                            "C:\\x.zzz", "C:\\noext", "C:\\dir.ext\\noext", "C:\\ends.", "C:\\p.\xC3\x84y",
                            "C:\\q.\xC3\xA4y", "", "mail.tar.gz"}) {
@@ -14,7 +14,7 @@ TEST(TypeCensus, ListsTheMostFrequentTypesFirstBelowTheirGroups) {
   }
   census.Count(".GZ", 4);
   AutoSelect list("asFiles", nullptr, AutoSelect::Style::kTypes);
-  census.List(list);
+  dialog::ListTypes(census, list);
   Strings rows;
   for (std::size_t number = 1; number <= list.Count(); ++number) {
     const auto entry = list.At(number);
