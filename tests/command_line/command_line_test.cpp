@@ -190,6 +190,31 @@ TEST_F(CommandLineTest, WhatMakesNoSenseDoesNothing) {
   EXPECT_NE(m_commandLine.Run({"--help"}).out.find("versions NAME"), std::string::npos);
 }
 
+#ifdef KX_PACKAGING
+std::string Contents(const std::string& name) {
+  std::ifstream file(std::string(KX_PACKAGING "/") + name);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST_F(CommandLineTest, HelpManualAndCompletionNameTheSameOptions) {
+  std::string manual = Contents("kxrestore.1");
+  for (auto at = manual.find("\\-"); at != std::string::npos; at = manual.find("\\-")) manual.erase(at, 1);
+  const std::string completion = Contents("kxrestore.bash");
+  const std::string help = m_commandLine.Run({"--help"}).out;
+  std::istringstream lines(help);
+  int named = 0;
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with("  ") || line[2] == ' ') continue;
+    const std::string word = line.substr(2, line.find_first_of(" ,", 2) - 2);
+    if (word == "MASK") continue;
+    ++named;
+    EXPECT_NE(manual.find(word), std::string::npos) << word;
+    EXPECT_NE(completion.find(word), std::string::npos) << word;
+  }
+  EXPECT_GT(named, 20);
+}
+#endif
+
 TEST_F(CommandLineTest, APasswordComesFromAFileOrTheEnvironment) {
   const Words server{"sets", "--server=127.0.0.1;PORT=1", "--database=none", "--user=me"};
   const Outcome none = m_commandLine.Run(server);
