@@ -161,8 +161,18 @@ run_windows() {
   esac
 }
 
+# The packages' tests are a script of its own; its last line is like this one's.
+run_packages() {
+  say "testing the packages"
+  local base=$results/packages passed=0 failed=1
+  "$kxRoot/scripts/test_package.sh" >"$base.log" 2>&1 || true
+  read -r passed failed < <(tail -n 1 "$base.log" | sed -n 's/^\([0-9]*\) passed, \([0-9]*\) failed$/\1 \2/p') || true
+  echo "${passed:-0} ${failed:-1} 0" >"$base.count"
+  report_program "$base"
+}
+
 groups=(native server)
-[[ $windows == no ]] || groups+=(windows wine wine32)
+[[ $windows == no ]] || groups+=(windows wine wine32 package)
 "$kxRoot/scripts/setup.sh" "${groups[@]}"
 
 # This shell keeps the database server, another one runs the tests: each has its own to put away at the end.
@@ -179,7 +189,10 @@ if [[ -z ${KX_TEST_SERVER:-} ]]; then
 fi
 
 [[ $native == no ]] || run_native
-[[ $windows == no ]] || run_windows
+if [[ $windows == yes ]]; then
+  run_windows
+  run_packages
+fi
 
 read -r passed failed skipped < <(find "$results" -name '*.count' -exec cat {} + |
   awk '{ passed += $1; failed += $2; skipped += $3 } END { print passed + 0, failed + 0, skipped + 0 }')
