@@ -85,6 +85,7 @@ void frmRestore::Load() {
   if (m_loaded && m_loaded->ui.form.IsOpen()) return;
   Skipping([this] {
     m_loaded = std::make_unique<Loaded>(*this);
+    m_parameters.StopRequested = false;  // left over from an earlier dialog
     // One trap for the whole sequence: what comes after a failing step is left out, and the form is shown as
     // far as it got.
     m_loaded->context.Event("Form.Load", [this] { LoadSequence(); });

@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "catalog/listings.h"
 #include "dialog/catalog_entries.h"
 #include "dialog/marking_walk.h"
 #include "platform/desktop.h"
@@ -15,7 +16,7 @@ constexpr const char* kClick = "cmdRestore.Click";
 
 // What marking knows an entry by, as one text.
 std::string IdentityOf(const controls::AutoSelect::Entry& entry) {
-  std::string identity = IsAggregateName(entry.name) ? "a" : "f";
+  std::string identity = catalog::IsAggregateName(entry.name) ? "a" : "f";
   identity.append(std::to_string(entry.setId)).append(" ");
   return identity.append(entry.extension).append(1, '\0').append(entry.storedName);
 }
@@ -61,14 +62,7 @@ RestoreList::Listing RestoreList::List() {
     controls::AutoSelect& list = m_context.ui.asRestoreList;
     FormContext::Walk walk(m_context);
     const auto database = m_context.OpenCatalog();
-    const auto rows = database->OpenRecordset(
-        "SELECT Catalog.SetNameID, Catalog.OrigSize, Catalog.DateStamp, Catalog.Extension, Catalog.Filename, "
-        "Catalog.File, Catalog.Restore, Catalog.StoreMethod, Catalog.Plugin, Catalog.StoreName, "
-        "IIf(IsNull([LongPath]),[filename],[longpath]) AS RestoreFile, SetNames.Name "
-        "FROM SetNames RIGHT JOIN (LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID) "
-        "ON SetNames.ID = Catalog.SetNameID "
-        "WHERE (((Catalog.Restore)=True));",
-        engine::RecordsetType::kSnapshot, CatalogEntries::Columns("RestoreFile", "Name"));
+    const auto rows = catalog::OpenSelections(*database, CatalogEntries::Columns("RestoreFile", "Name"));
     const controls::RedrawFreeze freeze(list);
     list.Clear();
     CatalogEntries entries(*rows, "RestoreFile", "Name");
@@ -110,7 +104,6 @@ void RestoreList::Update() {
 // Whether the user let it run to its end.
 bool RestoreList::ApplyListChanges() {
   const controls::AutoSelect& list = m_context.ui.asRestoreList;
-  catalog::RestoreMarks& marks = m_context.marks;
   MarkingWalk walk(m_context, "ApplyListChanges");
   const RunOfEntries run(m_context);
   std::size_t reached = 0;
@@ -121,9 +114,9 @@ bool RestoreList::ApplyListChanges() {
       if (list.TickedAt(number)) continue;
       walk.Mark(number, [&] {
         const controls::AutoSelect::Entry entry = list.At(number);
-        run.Use(SetIdOf(entry), entry.extension);
-        return IsAggregateName(entry.name) ? marks.UpdateSelectionByFile(entry.storedName, false, 0, "")
-                                           : marks.UpdateSelectionByFileName(entry.storedName, false, 0, "");
+        const std::int32_t setId = SetIdOf(entry);
+        run.Use(setId, entry.extension);
+        return catalog::MarkEntry(m_context.marks, entry.name, entry.storedName, false, setId, entry.extension);
       });
     }
   });

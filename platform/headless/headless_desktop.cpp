@@ -22,8 +22,17 @@ int HeadlessDesktop::MessageBox(const std::string& text, int style, const std::s
   return message.answer;
 }
 
+void HeadlessDesktop::DoEventsWhileWaiting() {
+  if (m_inDoEvents) return;
+  --walkItems;
+  engineWorks = true;
+  DoEvents();
+  engineWorks = false;
+}
+
 void HeadlessDesktop::DoEvents() {
   ++doEventsCount;
+  ++walkItems;
   if (!onDoEvents || m_inDoEvents) return;
   struct Guard {
     bool& flag;

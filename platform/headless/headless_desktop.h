@@ -28,7 +28,10 @@ class HeadlessDesktop : public Desktop {
   std::function<void(const Message&)> onMessage;  // before it is answered
 
   void DoEvents() override;
-  std::size_t doEventsCount = 0;
+  void DoEventsWhileWaiting() override;
+  std::size_t doEventsCount = 0;  // both ways
+  std::size_t walkItems = 0;      // without those while the engine works, which come as time passes
+  bool engineWorks = false;       // while they run
   std::function<void()> onDoEvents;  // what pending messages do; it is not entered again from inside itself
 
   // Runs `user` and then closes a form that is still open the way its close box does. A form that even then

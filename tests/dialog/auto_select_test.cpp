@@ -1,15 +1,16 @@
 // The auto-select tab, driven through its controls, and what its chooser lists.
 #include "dialog/auto_select.h"
 
+#include "catalog/type_census.h"
 #include "dialog/restore_list.h"
-#include "dialog/type_census.h"
+#include "dialog/type_list.h"
 #include "tests/dialog/dialog_fixture.h"
 
 namespace kxrestore::dialog_test {
 namespace {
 
 TEST(TypeCensus, ListsTheMostFrequentTypesFirstBelowTheirGroups) {
-  dialog::TypeCensus census;
+  catalog::TypeCensus census;
   for (const char* name : {"C:\\a.DOC", "C:\\b.doc", "C:\\c.Doc", "C:\\d.pdf", "C:\\e.xls", "C:\\f.xls",
                            "C:\\x.zzz", "C:\\noext", "C:\\dir.ext\\noext", "C:\\ends.", "C:\\p.\xC3\x84y",
                            "C:\\q.\xC3\xA4y", "", "mail.tar.gz"}) {
@@ -17,7 +18,7 @@ TEST(TypeCensus, ListsTheMostFrequentTypesFirstBelowTheirGroups) {
   }
   census.Count(".GZ", 4);
   AutoSelect list("asFiles", nullptr, AutoSelect::Style::kTypes);
-  census.List(list);
+  dialog::ListTypes(census, list);
   Strings rows;
   for (std::size_t number = 1; number <= list.Count(); ++number) {
     const auto entry = list.At(number);
@@ -31,8 +32,8 @@ TEST(TypeCensus, ListsTheMostFrequentTypesFirstBelowTheirGroups) {
 }
 
 TEST(TypeCensus, EachTypeEndsInASemicolon) {
-  EXPECT_EQ(dialog::PatternsOf(".doc;x;;.xls"), (Strings{"*.doc", "*x", "*"}));
-  EXPECT_EQ(dialog::PatternsOf(""), Strings{});
+  EXPECT_EQ(catalog::PatternsOf(".doc;x;;.xls"), (Strings{"*.doc", "*x", "*"}));
+  EXPECT_EQ(catalog::PatternsOf(""), Strings{});
 }
 
 class AutoSelectTab : public DialogTest {
@@ -51,6 +52,7 @@ class AutoSelectTab : public DialogTest {
 
 TEST_F(AutoSelectTab, TheChooserIsFilledOnceUnlessThatWasStoppedOrFailed) {
   MakeCatalog({Live(1, "C:\\a.doc"), Live(2, "C:\\b.xls"), Dead(Live(3, "C:\\c.zip"))});
+  ui();
   desktop.onDoEvents = [&] {
     Escape();
     desktop.onDoEvents = nullptr;

@@ -1,10 +1,10 @@
-#include "dialog/file_types.h"
+#include "catalog/file_types.h"
 
 #include <algorithm>
 #include <array>
 #include <iterator>
 
-namespace kxrestore::dialog {
+namespace kxrestore::catalog {
 
 namespace {
 
@@ -120,4 +120,4 @@ FileType FindFileType(std::string_view extension) {
   return found != std::end(kTypes) && found->extension == extension ? *found : wanted;
 }
 
-}  // namespace kxrestore::dialog
+}  // namespace kxrestore::catalog

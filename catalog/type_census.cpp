@@ -1,17 +1,30 @@
-#include "dialog/type_census.h"
+#include "catalog/type_census.h"
 
 #include <algorithm>
-#include <array>
-#include <vector>
 
 #include "base/text.h"
 #include "catalog/text_routines.h"
-#include "dialog/file_types.h"
+#include "engine/error_numbers.h"
 
-namespace kxrestore::dialog {
+namespace kxrestore::catalog {
+
+std::unique_ptr<engine::Recordset> OpenTypes(engine::Database& database) {
+  constexpr const char* kFrom =
+      " FROM [Catalog] WHERE (((Catalog.Status)=2) AND ((Catalog.OrigName) Like \"*.*\"))";
+  try {
+    const std::string tail = "Mid([OrigName],InStrRev([OrigName],\".\"))";
+    return database.OpenRecordset(
+        "SELECT " + tail + " AS FileType, Count(*) AS Files" + kFrom + " GROUP BY " + tail + ";",
+        engine::RecordsetType::kSnapshot);
+  } catch (const Error& error) {
+    if (error.Number() != engine::error_number::kUndefinedFunction) throw;
+  }
+  return database.OpenRecordset(std::string("SELECT Catalog.OrigName AS FileType, 1 AS Files") + kFrom + ";",
+                                engine::RecordsetType::kSnapshot);
+}
 
 void TypeCensus::Count(std::string_view name, std::int64_t files) {
-  const std::string_view extension = catalog::GetExtension(catalog::LastPathComponent(name));
+  const std::string_view extension = GetExtension(LastPathComponent(name));
   if (extension.empty()) return;
   m_folded.clear();
   AppendFolded(m_folded, extension);
@@ -23,46 +36,17 @@ void TypeCensus::Count(std::string_view name, std::int64_t files) {
   }
 }
 
-void TypeCensus::List(controls::AutoSelect& list) const {
-  struct Counted {
-    FileType type;
-    std::int64_t files;
-  };
+std::vector<TypeCensus::Counted> TypeCensus::Types() const {
   std::vector<Counted> types;
-  std::array<std::int64_t, kFileKinds> kinds{};
   for (const auto& [extension, files] : m_counts) {
     const FileType type = FindFileType(extension);
     types.push_back({{extension, type.description, type.kind}, files});
-    kinds[static_cast<std::size_t>(type.kind)] += files;
   }
   std::sort(types.begin(), types.end(), [](const Counted& left, const Counted& right) {
     if (left.files != right.files) return left.files > right.files;
     return CompareForSorting(left.type.extension, right.type.extension) < 0;
   });
-
-  const auto groupOf = [](FileKind kind) { return static_cast<std::int32_t>(kind) + 1; };
-  for (std::size_t kind = 0; kind < kFileKinds; ++kind) {
-    const auto fileKind = static_cast<FileKind>(kind);
-    if (kinds[kind] == 0 || fileKind == FileKind::kOther) continue;
-    controls::AutoSelect::Entry group;
-    group.name = KindName(fileKind);
-    group.isGroup = true;
-    group.setId = groupOf(fileKind);
-    group.size = kinds[kind];
-    list.Add(group);
-  }
-  std::string name;
-  for (const Counted& counted : types) {
-    name.assign(1, '.').append(counted.type.extension);
-    const std::string pattern = TypePattern(counted.type.extension);
-    controls::AutoSelect::Entry entry;
-    entry.name = name;
-    entry.storedName = pattern;
-    entry.extension = counted.type.description;
-    entry.size = counted.files;
-    if (counted.type.kind != FileKind::kOther) entry.setId = groupOf(counted.type.kind);
-    list.Add(entry);
-  }
+  return types;
 }
 
 std::vector<std::string> PatternsOf(std::string_view types) {
@@ -94,4 +78,4 @@ std::string TypePattern(std::string_view extension) {
   return pattern;
 }
 
-}  // namespace kxrestore::dialog
+}  // namespace kxrestore::catalog

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace kxrestore::dialog {
+namespace kxrestore::catalog {
 
 enum class FileKind { kDocuments, kPictures, kMusic, kVideo, kMail, kArchives, kPrograms, kOther };
 inline constexpr std::size_t kFileKinds = 8;
@@ -21,4 +21,4 @@ struct FileType {
 // The type of that extension, in lower case; one of kind kOther without a description when it is not known.
 FileType FindFileType(std::string_view extension);
 
-}  // namespace kxrestore::dialog
+}  // namespace kxrestore::catalog

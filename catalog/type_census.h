@@ -1,25 +1,35 @@
-// Counts the file types that names have, and lists them by kind for the user to choose from.
+// The file types that a catalog's names have, and how many files are of each.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
-#include "controls/auto_select.h"
+#include "catalog/file_types.h"
+#include "engine/database.h"
 
-namespace kxrestore::dialog {
+namespace kxrestore::catalog {
+
+// What the names of live entries end in, from their last point on, and how many of them do: the columns
+// FileType and Files. A database without InStrRev hands out the names.
+std::unique_ptr<engine::Recordset> OpenTypes(engine::Database& database);
 
 class TypeCensus {
  public:
+  struct Counted {
+    FileType type;
+    std::int64_t files = 0;
+  };
+
   // The type is what follows the last point of the name's last component, in either case. A name without one
   // is not counted: no pattern finds just those.
   void Count(std::string_view name, std::int64_t files = 1);
 
-  // Adds a group for each kind of file that there is, and behind the groups all types, the most frequent
-  // first. A type's text stands for itself in a pattern.
-  void List(controls::AutoSelect& list) const;
+  // The most frequent type first. The texts belong to the census.
+  std::vector<Counted> Types() const;
 
  private:
   struct Hash {
@@ -36,4 +46,4 @@ std::string TypePattern(std::string_view extension);
 // The search patterns of such a list, in its order; text after the last ";" is no type.
 std::vector<std::string> PatternsOf(std::string_view types);
 
-}  // namespace kxrestore::dialog
+}  // namespace kxrestore::catalog
