@@ -1,6 +1,6 @@
 // A copied desktop catalog has the rows of the sample's twin, in a file and on a server; what fails leaves
 // nothing.
-#include "host/catalog_copy/catalog_copy.h"
+#include "host/catalog_copier/catalog_copy.h"
 
 #include <filesystem>
 

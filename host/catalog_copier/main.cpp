@@ -7,7 +7,7 @@
 
 #include "base/error.h"
 #include "engine/database.h"
-#include "host/catalog_copy/catalog_copy.h"
+#include "host/catalog_copier/catalog_copy.h"
 #ifdef _WIN32
 #include <objbase.h>
 

@@ -1,4 +1,4 @@
-#include "host/catalog_copy/catalog_copy.h"
+#include "host/catalog_copier/catalog_copy.h"
 
 #include <algorithm>
 #include <cstdio>
