@@ -8,10 +8,9 @@ namespace {
 
 class JetSession final : public sqlite::Session {
  public:
-  JetSession(const OpenRequest& request, bool grouping, std::chrono::milliseconds patience,
-             std::shared_ptr<const Waiting> waiting, std::shared_ptr<JetTables> tables)
-      : Session(request.name, request.exclusive, grouping, patience, std::move(waiting), tables),
-        m_tables(std::move(tables)) {}
+  JetSession(const OpenRequest& request, bool grouping, const std::shared_ptr<sqlite::Waiter>& waiter,
+             std::shared_ptr<JetTables> tables)
+      : Session(request.name, request.exclusive, grouping, waiter, tables), m_tables(std::move(tables)) {}
 
   const std::shared_ptr<JetTables>& Tables() const { return m_tables; }
 
@@ -21,22 +20,37 @@ class JetSession final : public sqlite::Session {
 
 class JetFileBackend final : public WarmSessions<JetSession> {
  public:
-  explicit JetFileBackend(std::chrono::milliseconds patience) : m_patience(patience) {}
+  explicit JetFileBackend(std::chrono::milliseconds patience)
+      : m_waiter(std::make_shared<sqlite::Waiter>(patience, WaitingOfSessions())) {}
 
   std::unique_ptr<Database> Open(const OpenRequest& request) override {
     const bool shared = InAction() && !request.exclusive;
     const auto make = [&] {
       return std::make_shared<JetSession>(
-          request, shared, m_patience, WaitingOfSessions(),
-          std::make_shared<JetTables>(request.name, request.exclusive, m_patience));
+          request, shared, m_waiter, std::make_shared<JetTables>(request.name, request.exclusive, m_waiter));
     };
     const auto fits = [&](const JetSession& session) { return session.Place() == request.name; };
     const std::shared_ptr<JetSession> session = shared ? Find(fits, make) : make();
     return std::make_unique<JetDatabase>(session, session->Tables(), request.readOnly);
   }
 
+  void BeginAction() override {
+    WarmSessions::BeginAction();
+    m_waiter->BeginAction();
+  }
+
+  void EndAction() override {
+    const ActionEnd end{*m_waiter};  // the last commits still belong to the action
+    WarmSessions::EndAction();
+  }
+
  private:
-  std::chrono::milliseconds m_patience;
+  struct ActionEnd {
+    sqlite::Waiter& waiter;
+    ~ActionEnd() { waiter.EndAction(); }
+  };
+
+  std::shared_ptr<sqlite::Waiter> m_waiter;
 };
 
 }  // namespace

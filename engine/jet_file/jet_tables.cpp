@@ -18,10 +18,10 @@ std::string CreateViewText(std::string_view name, std::string_view sql) {
   return "CREATE VIEW " + dialect.Identifier(name) + " AS " + jet_sql::Print(statement, dialect);
 }
 
-JetTables::JetTables(std::string path, bool exclusive, std::chrono::milliseconds patience)
+JetTables::JetTables(std::string path, bool exclusive, const std::shared_ptr<sqlite::Waiter>& waiter)
     : m_file(std::move(path)),
-      m_marks(m_file, patience),
-      m_server{m_file, m_marks},
+      m_marks(m_file, [waiter](bool first) { return waiter->WaitForLock(first); }),
+      m_server{m_file, m_marks, [waiter] { return waiter->GoOn(); }},
       m_queries(SavedQueries::Of(m_file.Pages().Path())) {
   if (exclusive) {
     m_marks.Begin();
@@ -38,9 +38,8 @@ JetTables::JetTables(std::string path, bool exclusive, std::chrono::milliseconds
   }
 }
 
-void JetTables::Attach(sqlite3* connection, std::function<bool()> turn) {
+void JetTables::Attach(sqlite3* connection) {
   m_connection = connection;
-  m_server.turn = std::move(turn);
   AttachTables(connection, m_server);
   // Views that were undone with the rest are made again.
   sqlite3_rollback_hook(

@@ -1,14 +1,15 @@
 // A file of the desktop engine behind a session: its tables as virtual tables, its saved queries as views.
 #pragma once
 
-#include <chrono>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "engine/jet_file/saved_queries.h"
 #include "engine/jet_file/virtual_table.h"
 #include "engine/sqlite/foreign_tables.h"
+#include "engine/sqlite/waiter.h"
 
 namespace kxrestore::engine::jet_file {
 
@@ -16,9 +17,9 @@ class JetTables final : public sqlite::ForeignTables {
  public:
   // `exclusive`: nobody else may have the file open, from here to the end. Errors: those of JetFile and of
   // WriteAccess.
-  JetTables(std::string path, bool exclusive, std::chrono::milliseconds patience);
+  JetTables(std::string path, bool exclusive, const std::shared_ptr<sqlite::Waiter>& waiter);
 
-  void Attach(sqlite3* connection, std::function<bool()> turn) override;
+  void Attach(sqlite3* connection) override;
   void RaiseFailure(const char* message) override;
 
   const JetFile& File() const { return m_file; }

@@ -1,6 +1,7 @@
 #include "engine/jet_file/marks.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "engine/error_numbers.h"
 
@@ -8,7 +9,7 @@ namespace kxrestore::engine::jet_file {
 
 bool Marks::Begin() {
   if (m_access) return false;
-  m_access = std::make_unique<WriteAccess>(m_file.Pages().Path(), m_file.Pages().IsAce(), m_patience);
+  m_access = std::make_unique<WriteAccess>(m_file.Pages().Path(), m_file.Pages().IsAce(), m_wait);
   try {
     return m_file.Refresh();
   } catch (...) {
@@ -44,6 +45,7 @@ void Marks::Set(const Table& table, const FoundRow& found, const Column& column,
   }
   const std::uint64_t place = PlaceOf(found, column);
   const auto [at, isNew] = m_byPlace.try_emplace(place, m_changes.size());
+  m_steps.push_back({at->second, isNew, !value});
   if (isNew) {
     m_changes.push_back({place / 8, static_cast<std::uint8_t>(1u << (column.number & 7)), value});
   } else {
@@ -90,8 +92,30 @@ void Marks::Write() {
   m_file.Pages().RememberStamp();
 }
 
+void Marks::Save(std::size_t number) {
+  m_savepoints.resize(number + 1, m_steps.size());
+  m_savepoints[number] = m_steps.size();
+}
+
+void Marks::TakeBackTo(std::size_t number) {
+  const std::size_t left = number < m_savepoints.size() ? m_savepoints[number] : 0;
+  while (m_steps.size() > left) {
+    const Step step = m_steps.back();
+    m_steps.pop_back();
+    if (!step.isNew) {
+      m_changes[step.change].value = step.before;
+      continue;
+    }
+    const Change& change = m_changes.back();
+    m_byPlace.erase(change.offset * 8 + static_cast<std::uint64_t>(std::countr_zero(change.bit)));
+    m_changes.pop_back();
+  }
+}
+
 void Marks::End() {
   m_changes.clear();
+  m_steps.clear();
+  m_savepoints.clear();
   m_byPlace.clear();
   if (m_kept || !m_access) return;
   // Some systems tell of a write only when the file is closed; that is not another program's then.

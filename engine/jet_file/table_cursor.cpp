@@ -6,6 +6,7 @@
 
 #include "base/text.h"
 #include "engine/jet_file/decode.h"
+#include "engine/sqlite/foreign_tables.h"
 
 namespace kxrestore::engine::jet_file {
 namespace {
@@ -82,6 +83,7 @@ int PlanAccess(const TableDefinition& table, sqlite3_index_info& info) {
       rows /= 2;
     }
   }
+  if (unique) plan.insert(0, sqlite::ForeignTables::kOneRow);
   info.idxStr = sqlite3_mprintf("%s", plan.c_str());
   if (info.idxStr == nullptr) return SQLITE_NOMEM;
   info.needToFreeIdxStr = 1;
@@ -142,6 +144,7 @@ int TableCursor::Start(const char* planned, int count, sqlite3_value** values) {
   m_atEnd = false;
   m_seen = 0;
   std::string_view plan = planned == nullptr ? "" : planned;
+  if (plan.starts_with(sqlite::ForeignTables::kOneRow)) plan.remove_prefix(1);
   std::vector<Condition> conditions;
   Condition condition;
   bool isLookUp = false;

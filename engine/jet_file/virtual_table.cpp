@@ -222,13 +222,34 @@ int EndTransaction(sqlite3_vtab* table) noexcept {
   return SQLITE_OK;
 }
 
+// A statement that fails takes back what it has set.
+int Save(sqlite3_vtab* table, int number) noexcept {
+  VirtualTable& self = TableOf(table);
+  return Guarded(*self.server, [&] {
+    self.server->marks.Save(static_cast<std::size_t>(number));
+    return SQLITE_OK;
+  });
+}
+
+int Release(sqlite3_vtab*, int) noexcept {
+  return SQLITE_OK;
+}
+
+int TakeBack(sqlite3_vtab* table, int number) noexcept {
+  VirtualTable& self = TableOf(table);
+  return Guarded(*self.server, [&] {
+    self.server->marks.TakeBackTo(static_cast<std::size_t>(number));
+    return SQLITE_OK;
+  });
+}
+
 int Rename(sqlite3_vtab*, const char*) noexcept {
   return SQLITE_READONLY;
 }
 
 constexpr sqlite3_module MakeModule() {
   sqlite3_module module{};
-  module.iVersion = 1;
+  module.iVersion = 2;
   module.xCreate = Connect;
   module.xConnect = Connect;
   module.xBestIndex = BestIndex;
@@ -247,6 +268,9 @@ constexpr sqlite3_module MakeModule() {
   module.xCommit = EndTransaction;
   module.xRollback = EndTransaction;
   module.xRename = Rename;
+  module.xSavepoint = Save;
+  module.xRelease = Release;
+  module.xRollbackTo = TakeBack;
   return module;
 }
 

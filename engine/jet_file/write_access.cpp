@@ -2,7 +2,6 @@
 
 #include <array>
 #include <string_view>
-#include <thread>
 
 #include "engine/error_numbers.h"
 
@@ -12,7 +11,6 @@ namespace {
 constexpr std::uint64_t kFirstUserByte = 0x10000000, kUserBytes = 256;
 constexpr std::size_t kEntrySize = 64, kMachineSize = 32, kMostEntries = 255;
 constexpr std::string_view kOurUser = "KXRestore";
-constexpr auto kPause = std::chrono::milliseconds(10);
 
 struct Entry {
   std::string machine, user;
@@ -51,17 +49,15 @@ std::string LockFilePath(const std::string& path, bool ace) {
   return (extended ? path.substr(0, dot) : path) + (ace ? ".laccdb" : ".ldb");
 }
 
-WriteAccess::WriteAccess(const std::string& path, bool ace, std::chrono::milliseconds patience)
+WriteAccess::WriteAccess(const std::string& path, bool ace, const WaitForOther& wait)
     : m_path(path), m_lockPath(LockFilePath(path, ace)) {
   // What cannot be written needs no lock file; where the system keeps other writers out, it says so here.
   m_data = File::Open(path, File::Use::kWriting);
-  TakeLockFile(patience);
+  TakeLockFile(wait);
   if (KnowsWhoHasFilesOpen()) return;
   try {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    while (!m_data->TryLock(0, kFirstUserByte)) {
-      if (std::chrono::steady_clock::now() >= deadline) RaiseInUse("another program");
-      std::this_thread::sleep_for(kPause);
+    for (bool first = true; !m_data->TryLock(0, kFirstUserByte); first = false) {
+      if (!wait(first)) RaiseInUse("another program");
     }
   } catch (...) {
     RemoveFile(m_lockPath);
@@ -104,13 +100,11 @@ bool WriteAccess::TryLockFile() {
   return true;
 }
 
-void WriteAccess::TakeLockFile(std::chrono::milliseconds patience) {
-  const auto deadline = std::chrono::steady_clock::now() + patience;
+void WriteAccess::TakeLockFile(const WaitForOther& wait) {
   try {
-    while (!TryLockFile()) {
+    for (bool first = true; !TryLockFile(); first = false) {
       m_lock.reset();
-      if (std::chrono::steady_clock::now() >= deadline) RaiseInUse("another program");
-      std::this_thread::sleep_for(kPause);
+      if (!wait(first)) RaiseInUse("another program");
     }
   } catch (const Error& error) {
     if (error.Number() != error_number::kReadOnly) throw;

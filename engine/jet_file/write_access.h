@@ -6,7 +6,7 @@
 // of those bytes and the database itself, so that the engine and other programs of this kind see it.
 #pragma once
 
-#include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -14,11 +14,15 @@
 
 namespace kxrestore::engine::jet_file {
 
+// Waits a moment for another program; false when that has been long enough. `first`: of the moments for one
+// lock.
+using WaitForOther = std::function<bool(bool first)>;
+
 class WriteAccess {
  public:
-  // Waits `patience` for another program of this kind, not for the engine. Errors 3045 with the machine and
+  // Waits for another program of this kind, not for the engine. Errors 3045 with the machine and
   // the user that have the file, 3027 for a file that cannot be written.
-  WriteAccess(const std::string& path, bool ace, std::chrono::milliseconds patience);
+  WriteAccess(const std::string& path, bool ace, const WaitForOther& wait);
   ~WriteAccess();
   WriteAccess(const WriteAccess&) = delete;
   WriteAccess& operator=(const WriteAccess&) = delete;
@@ -28,7 +32,7 @@ class WriteAccess {
   void CloseData() { m_data.reset(); }
 
  private:
-  void TakeLockFile(std::chrono::milliseconds patience);
+  void TakeLockFile(const WaitForOther& wait);
   bool TryLockFile();
   [[noreturn]] void RaiseInUse(const std::string& by) const;
 

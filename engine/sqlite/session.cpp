@@ -21,8 +21,7 @@ bool IsFinished(const Outcome& outcome) {
 
 Session::Session(std::string file, bool exclusive, bool grouping, std::shared_ptr<Waiter> waiter,
                  std::shared_ptr<ForeignTables> tables)
-    : m_grouping(grouping),
-      m_connection(std::move(file), exclusive, std::move(waiter), std::move(tables)) {
+    : m_grouping(grouping), m_connection(std::move(file), exclusive, std::move(waiter), std::move(tables)) {
   // Made now: to end a transaction must not want memory.
   m_begin = m_connection.Prepare("BEGIN IMMEDIATE", Doing::kOpening);
   m_commit = m_connection.Prepare("COMMIT", Doing::kOpening);

@@ -23,8 +23,8 @@ struct SchemaEntry {
 
 class Session {
  public:
-  // `grouping`: updates may wait for a common commit. `exclusive`: nobody else may use the file. `tables`: see
-  // Connection.
+  // `grouping`: updates may wait for a common commit. `exclusive`: nobody else may use the file. `tables`:
+  // see Connection.
   Session(std::string file, bool exclusive, bool grouping, std::shared_ptr<Waiter> waiter,
           std::shared_ptr<ForeignTables> tables = nullptr);
   ~Session() = default;  // what nobody has committed is undone
