@@ -86,6 +86,9 @@ Failure FailureOf(const std::vector<Diagnostic>& diagnostics) {
                             "server closed the connection", "no connection to the server"}) {
     if (Says(diagnostics, words)) return Failure::kConnection;
   }
+  for (const char* state : {"57014", "HY008", "HYT00"}) {
+    if (Holds(diagnostics, state)) return Failure::kCanceled;
+  }
   if (Holds(diagnostics, "40")) return Failure::kConflict;
   if (NumberOf(diagnostics) == number::kRowLocked) return Failure::kLock;
   if (Holds(diagnostics, "42P01") || Holds(diagnostics, "42S02") || Holds(diagnostics, "42703") ||

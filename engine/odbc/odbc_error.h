@@ -16,6 +16,7 @@ enum class Failure {
   kConflict,    // the server chose this statement to end a deadlock: worth trying again
   kLock,        // another connection kept a lock for too long
   kStale,       // the tables have changed since it was prepared: worth preparing again
+  kCanceled,    // ended by the user or by a time limit: not to be repeated
   kConnection,  // the server is gone
 };
 Failure FailureOf(const std::vector<Diagnostic>& diagnostics);
