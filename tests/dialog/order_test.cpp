@@ -44,6 +44,17 @@ constexpr std::pair<std::string_view, std::string_view> kStatements[] = {
      "Catalog.SetNameID WHERE (((Catalog.Restore)=True));",
      "of the marked"},
     {"UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));", "clear all"},
+    // Steps that belong together wherever they are taken.
+    {"open catalog\nsnapshot of the marked\nasRestoreList frozen\nasRestoreList cleared\n", "LIST\n"},
+    {"close rows\nclose catalog\nasRestoreList thawed\n", "LISTED\n"},
+    {"tbsOptions value\ntbsOptions frozen\npicTabs frozen\n", "TAB\n"},
+    {"picTabs thawed\ntbsOptions thawed\ncommit\n", ""},
+    {"lblMask to front\ncboMask to front\nchk(1) to front\n", "SEARCH to front\n"},
+    {"lblRestorePath to front\npicCounts to front\n", "LOWER to front\n"},
+    {"flush\nbox 36 \"Clear Selection?\" \"You have selected files to restore, Cancel will clear your "
+     "selections, "
+     "Cancel?\"\n",
+     "QUESTION\n"},
 };
 
 class OrderTest : public JournalHolder, public DialogTest {
@@ -113,19 +124,15 @@ picTop at 0 0 8810 3396
 tvwSets at 0 470 1300 2926
 SplitV at 1300 470 60 2926
 picTabs at 1360 360 7360 2976
-lblMask to front
-cboMask to front
-chk(1) to front
+SEARCH to front
 frLookin(1) to front
 picTopButtons at 8840 110 2830 1455
 picTopButtons to front
 splitH at 0 3396 8810 60
 picBottom at 0 3576 11640 4914
-lblRestorePath to front
-picCounts to front
+LOWER to front
 picBottom at 0 3456 11640 5034
-lblRestorePath to front
-picCounts to front
+LOWER to front
 picBottom refreshed
 tvwSets at 60 360 3200 2926
 tvwSets refreshed
@@ -135,16 +142,13 @@ picTop at 0 0 8610 3396
 tvwSets at 60 470 3200 2926
 SplitV at 3260 470 60 2926
 picTabs at 3320 360 5200 2976
-lblMask to front
-cboMask to front
-chk(1) to front
+SEARCH to front
 frLookin(1) to front
 picTopButtons at 8640 110 2830 1455
 picTopButtons to front
 picTopButtons to front
 picBottom at 0 3512 11640 4944
-lblRestorePath to front
-picCounts to front
+LOWER to front
 splitH at 0 3396 8610 60
 picBottom refreshed
 picTop refreshed
@@ -181,21 +185,12 @@ TEST_F(OrderTest, SwitchingTabsAndMinimizing) {
   for (const int tab : {2, 3, 2, 3, 1}) ShowTab(tab);
   ui().form.UserResize(160, 30, controls::WindowState::kMinimized);
   EXPECT_EQ(WrittenDown(), R"--(
-tbsOptions value
-tbsOptions frozen
-picTabs frozen
+TAB
 panel(0) hidden
 panel(1) shown
 panel(1) to front
-lblMask to front
-cboMask to front
-chk(1) to front
-picTabs thawed
-tbsOptions thawed
-commit
-tbsOptions value
-tbsOptions frozen
-picTabs frozen
+SEARCH to front
+TAB
 panel(1) hidden
 panel(2) shown
 panel(2) to front
@@ -211,40 +206,20 @@ asFiles + Documents
 asFiles + .doc
 asFiles + .docx
 asFiles + .txt
-picTabs thawed
-tbsOptions thawed
-commit
-tbsOptions value
-tbsOptions frozen
-picTabs frozen
+TAB
 panel(1) shown
 panel(1) to front
-lblMask to front
-cboMask to front
-chk(1) to front
+SEARCH to front
 panel(2) hidden
-picTabs thawed
-tbsOptions thawed
-commit
-tbsOptions value
-tbsOptions frozen
-picTabs frozen
+TAB
 panel(1) hidden
 panel(2) shown
 panel(2) to front
-picTabs thawed
-tbsOptions thawed
-commit
-tbsOptions value
-tbsOptions frozen
-picTabs frozen
+TAB
 panel(0) shown
 panel(0) to front
 tvwDetails refreshed
 panel(2) hidden
-picTabs thawed
-tbsOptions thawed
-commit
 picBottom refreshed
 picTop refreshed
 )--");
@@ -303,19 +278,14 @@ open catalog
 dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
 row written
 flush
-open catalog
-snapshot of the marked
-asRestoreList frozen
-asRestoreList cleared
+LIST
 events
 asRestoreList + C:\d\a.doc
 events
 asRestoreList + C:\d\b.docx
 lblCounts(0) "2 file(s) selected"
 cmdRestore(0) enabled
-close rows
-close catalog
-asRestoreList thawed
+LISTED
 lblTreeCount hidden
 commit
 )--");
@@ -359,19 +329,14 @@ events
 close rows
 close catalog
 flush
-open catalog
-snapshot of the marked
-asRestoreList frozen
-asRestoreList cleared
+LIST
 events
 asRestoreList + C:\d\a.doc
 events
 asRestoreList + C:\d\b.docx
 lblCounts(0) "2 file(s) selected"
 cmdRestore(0) enabled
-close rows
-close catalog
-asRestoreList thawed
+LISTED
 commit
 )--");
 }
@@ -417,17 +382,12 @@ dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filenam
 row written
 lblSearchCount "2 File(s)"
 flush
-open catalog
-snapshot of the marked
-asRestoreList frozen
-asRestoreList cleared
+LIST
 events
 asRestoreList + C:\d\b.docx
 lblCounts(0) "1 file(s) selected"
 cmdRestore(0) enabled
-close rows
-close catalog
-asRestoreList thawed
+LISTED
 commit
 )--");
 }
@@ -438,19 +398,14 @@ TEST_F(OrderTest, TheRestoreList) {
   Click(kRefresh);
   EXPECT_EQ(WrittenDown(), R"--(
 flush
-open catalog
-snapshot of the marked
-asRestoreList frozen
-asRestoreList cleared
+LIST
 events
 asRestoreList + C:\d\a.doc
 events
 asRestoreList + C:\d\b.docx
 lblCounts(0) "2 file(s) selected"
 cmdRestore(0) enabled
-close rows
-close catalog
-asRestoreList thawed
+LISTED
 commit
 )--");
   ui().asRestoreList.UserTick(1, false);
@@ -463,16 +418,11 @@ dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filenam
 row written
 events
 flush
-open catalog
-snapshot of the marked
-asRestoreList frozen
-asRestoreList cleared
+LIST
 events
 asRestoreList + C:\d\b.docx
 lblCounts(0) "1 file(s) selected"
-close rows
-close catalog
-asRestoreList thawed
+LISTED
 commit
 )--");
   catalog->Execute("UPDATE Catalog SET Restore = 1");  // of every set, and two that are not listed
@@ -539,13 +489,11 @@ frmRestore closed
 commit
 
 Cancel, no:
-flush
-box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+QUESTION
 commit
 
 Cancel, yes:
-flush
-box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+QUESTION
 open catalog
 execute clear all
 flush
@@ -555,8 +503,7 @@ frmRestore closed
 commit
 
 Esc, yes:
-flush
-box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+QUESTION
 open catalog
 execute clear all
 flush
@@ -572,14 +519,12 @@ frmRestore closed
 commit
 
 close box, no:
-flush
-box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+QUESTION
 frmRestore closed
 commit
 
 close box, yes:
-flush
-box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+QUESTION
 open catalog
 execute clear all
 flush
@@ -593,8 +538,7 @@ frmRestore closed
 commit
 
 Cancel, yes, and the marks cannot be cleared:
-flush
-box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+QUESTION
 open catalog
 execute clear all
 flush
