@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "catalog/text_routines.h"
-#include "controls/program_settings.h"
 #include "dialog/auto_select.h"
 #include "dialog/cd_archive.h"
 #include "dialog/context_help.h"
@@ -18,6 +17,7 @@
 #include "dialog/window_placement.h"
 #include "platform/desktop.h"
 #include "platform/drives.h"
+#include "platform/program_settings.h"
 #include "platform/regional.h"
 #include "platform/registry.h"
 
@@ -120,7 +120,7 @@ void frmRestore::LoadSequence() {
 }
 
 void frmRestore::ReadClientPath() {
-  controls::CProgramSettings settings(m_platform.registry, m_platform.desktop);
+  platform::CProgramSettings settings(m_platform.registry, m_platform.desktop);
   settings.SetRootKey(platform::kHkeyLocalMachine);
   settings.SetMainBranch("Software");
   settings.SetRegBase("Brellick Labs, Inc.");

@@ -19,7 +19,7 @@ declare -A kPackages=(
   [native]="build-essential cmake ninja-build libsqlite3-dev unixodbc-dev googletest libgtest-dev unicode-data"
   [windows]="build-essential cmake ninja-build googletest unicode-data libsqlite3-0
              g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64-tools libwine-dev
-             dpkg-dev xz-utils tcl faketime"
+             librsvg2-bin icoutils dpkg-dev xz-utils tcl faketime"
   # Wine looks for the X libraries at run time, so that its package does not depend on them.
   [wine]="wine wine64 fonts-wine fonts-liberation fontconfig xvfb x11-utils xdotool imagemagick libxrender1 libxcomposite1
           libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxxf86vm1"

@@ -2,11 +2,9 @@
 
 #include <algorithm>
 
+#include "platform/win32/theme.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/window_classes.h"
-
-#include <uxtheme.h>
-#include <vssym32.h>
 
 namespace kxrestore::win32 {
 
@@ -26,11 +24,6 @@ class PictureBoxWindow final : public WindowPeer<controls::Peer> {
  protected:
   RECT PixelBounds() const override { return SizedBounds(); }
 };
-
-struct ThemeCloser {
-  void operator()(HTHEME theme) const { CloseThemeData(theme); }
-};
-using ThemeHandle = std::unique_ptr<std::remove_pointer_t<HTHEME>, ThemeCloser>;
 
 // Draws its border itself: a group box as a child would cover what lies inside it.
 class FrameWindow final : public WindowPeer<controls::Peer> {

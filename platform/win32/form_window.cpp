@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "base/error.h"
-#include "platform/win32/icons.h"
 #include "platform/win32/make_windows.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/window_classes.h"
@@ -234,7 +233,7 @@ void FormWindow::ShowIcon() {
       icon.reset(static_cast<HICON>(
           LoadImageW(nullptr, Wide(m_form.IconPath()).c_str(), IMAGE_ICON, pixels, pixels, LR_LOADFROMFILE)));
     }
-    return icon ? std::move(icon) : IconHandle(MakeFormIcon(pixels));
+    return icon ? std::move(icon) : LoadFormIcon(Context().Module(), pixels);
   };
   IconHandle small = load(SM_CXSMICON);
   IconHandle large = load(SM_CXICON);

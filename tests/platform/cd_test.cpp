@@ -1,14 +1,14 @@
-#include "controls/cd.h"
+#include "platform/cd.h"
 
 #include <gtest/gtest.h>
 
 #include "platform/headless/headless_desktop.h"
 #include "platform/headless/headless_drives.h"
 
-namespace kxrestore::controls {
+namespace kxrestore::platform {
 namespace {
 
-constexpr unsigned kCd = platform::kDriveCdRom;
+constexpr unsigned kCd = kDriveCdRom;
 
 class CdTest : public ::testing::Test {
  protected:
@@ -19,8 +19,8 @@ class CdTest : public ::testing::Test {
     EXPECT_EQ(0, cd.CDCount());
   }
 
-  platform::HeadlessDrives drives;
-  platform::HeadlessDesktop desktop;
+  HeadlessDrives drives;
+  HeadlessDesktop desktop;
 };
 
 TEST_F(CdTest, ThePropertiesLookAgainAndTheCountDoesNot) {
@@ -74,4 +74,4 @@ TEST_F(CdTest, MovesTheTray) {
 }
 
 }  // namespace
-}  // namespace kxrestore::controls
+}  // namespace kxrestore::platform

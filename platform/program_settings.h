@@ -10,12 +10,11 @@
 #include "platform/desktop.h"
 #include "platform/registry.h"
 
-namespace kxrestore::controls {
+namespace kxrestore::platform {
 
 class CProgramSettings {
  public:
-  CProgramSettings(platform::Registry& registry, platform::Desktop& desktop)
-      : m_registry(registry), m_desktop(desktop) {}
+  CProgramSettings(Registry& registry, Desktop& desktop) : m_registry(registry), m_desktop(desktop) {}
 
   std::uint32_t RootKey() const { return m_rootKey; }
   void SetRootKey(std::uint32_t rootKey) { m_rootKey = rootKey; }
@@ -43,13 +42,13 @@ class CProgramSettings {
   template <typename Work>
   void Guarded(const char* routine, Work work) const;
 
-  platform::Registry& m_registry;
-  platform::Desktop& m_desktop;
-  std::uint32_t m_rootKey = platform::kHkeyLocalMachine;
+  Registry& m_registry;
+  Desktop& m_desktop;
+  std::uint32_t m_rootKey = kHkeyLocalMachine;
   std::string m_mainBranch = "SOFTWARE";
   std::string m_regBase;
   std::string m_program;
   std::string m_section = "Settings";
 };
 
-}  // namespace kxrestore::controls
+}  // namespace kxrestore::platform

@@ -1,24 +1,24 @@
-#include "controls/program_settings.h"
+#include "platform/program_settings.h"
 
 #include <new>
 #include <vector>
 
 #include "base/error.h"
 
-namespace kxrestore::controls {
+namespace kxrestore::platform {
 
 namespace {
 
 class OpenedKey {
  public:
-  OpenedKey(platform::Registry& registry, platform::Registry::Key key) : m_registry(registry), m_key(key) {}
+  OpenedKey(Registry& registry, Registry::Key key) : m_registry(registry), m_key(key) {}
   ~OpenedKey() { m_registry.CloseKey(m_key); }
   OpenedKey(const OpenedKey&) = delete;
   OpenedKey& operator=(const OpenedKey&) = delete;
 
  private:
-  platform::Registry& m_registry;
-  platform::Registry::Key m_key;
+  Registry& m_registry;
+  Registry::Key m_key;
 };
 
 }  // namespace
@@ -38,7 +38,7 @@ void CProgramSettings::Guarded(const char* routine, Work work) const {
     number = error_number::kOutOfMemory;
     description = "Out of memory";
   }
-  m_desktop.MessageBox("Error: " + std::to_string(number) + ". " + description, platform::kOkOnly, routine);
+  m_desktop.MessageBox("Error: " + std::to_string(number) + ". " + description, kOkOnly, routine);
 }
 
 std::string CProgramSettings::KeyPath() const {
@@ -68,16 +68,16 @@ CProgramSettings::Value CProgramSettings::GetKeyValue(std::uint32_t root, const 
                                                       const std::string& name) const {
   Value result;
   Guarded("GetKeyValue", [&] {
-    platform::Registry::Key key = 0;
-    if (m_registry.OpenKey(root, path, platform::kKeyAllAccess, key) != 0) return;
+    Registry::Key key = 0;
+    if (m_registry.OpenKey(root, path, kKeyAllAccess, key) != 0) return;
     const OpenedKey opened(m_registry, key);
     std::uint32_t type = 0;
     std::uint32_t size = 0;
     if (m_registry.QueryValue(key, name, type, size) != 0) return;
-    if (type != platform::kRegSz && type != platform::kRegDword) return;
+    if (type != kRegSz && type != kRegDword) return;
     std::vector<std::uint8_t> data;
     if (m_registry.ReadValue(key, name, data) != 0) return;
-    if (type == platform::kRegSz) {
+    if (type == kRegSz) {
       if (!data.empty() && data.back() == 0) data.pop_back();
       result = std::string(data.begin(), data.end());
     } else if (data.size() >= 4) {
@@ -91,13 +91,13 @@ CProgramSettings::Value CProgramSettings::GetKeyValue(std::uint32_t root, const 
 void CProgramSettings::SetKeyValue(std::uint32_t root, const std::string& path, const std::string& name,
                                    const Value& value) const {
   Guarded("SetKeyValue", [&] {
-    platform::Registry::Key key = 0;
-    if (m_registry.CreateKey(root, path, platform::kKeyAllAccess, key) != 0) return;
+    Registry::Key key = 0;
+    if (m_registry.CreateKey(root, path, kKeyAllAccess, key) != 0) return;
     const OpenedKey opened(m_registry, key);
     std::vector<std::uint8_t> data;
-    std::uint32_t type = platform::kRegSz;
+    std::uint32_t type = kRegSz;
     if (const auto* number = std::get_if<std::int32_t>(&value)) {
-      type = platform::kRegDword;
+      type = kRegDword;
       for (unsigned shift = 0; shift < 32; shift += 8) {
         data.push_back(static_cast<std::uint8_t>(static_cast<std::uint32_t>(*number) >> shift));
       }
@@ -110,4 +110,4 @@ void CProgramSettings::SetKeyValue(std::uint32_t root, const std::string& path, 
   });
 }
 
-}  // namespace kxrestore::controls
+}  // namespace kxrestore::platform

@@ -10,11 +10,11 @@
 #include "platform/desktop.h"
 #include "platform/drives.h"
 
-namespace kxrestore::controls {
+namespace kxrestore::platform {
 
 class cCD {
  public:
-  cCD(platform::Drives& drives, platform::Desktop& desktop);
+  cCD(Drives& drives, Desktop& desktop);
 
   void EjectCD();
   void CloseCD();
@@ -30,12 +30,12 @@ class cCD {
   void ScanCDDrives();
   void Door(const std::string& command);
 
-  platform::Drives& m_drives;
-  platform::Desktop& m_desktop;
+  Drives& m_drives;
+  Desktop& m_desktop;
   std::vector<std::string> m_cdDrives;  // roots from index 1; index 0 stays empty
   std::string m_driveLetter;
   std::string m_volumeLabel;
   bool m_exists = false;
 };
 
-}  // namespace kxrestore::controls
+}  // namespace kxrestore::platform

@@ -1,9 +1,9 @@
-#include "controls/cd.h"
+#include "platform/cd.h"
 
 #include <algorithm>
 #include <string_view>
 
-namespace kxrestore::controls {
+namespace kxrestore::platform {
 
 namespace {
 
@@ -20,8 +20,7 @@ std::string UpperCased(std::string_view root) {
 
 }  // namespace
 
-cCD::cCD(platform::Drives& drives, platform::Desktop& desktop)
-    : m_drives(drives), m_desktop(desktop), m_cdDrives(1) {
+cCD::cCD(Drives& drives, Desktop& desktop) : m_drives(drives), m_desktop(desktop), m_cdDrives(1) {
   ScanCDDrives();
 }
 
@@ -71,7 +70,7 @@ void cCD::ScanCDDrives() {
     const std::size_t end = std::min(drives.find('\0', start), drives.size());
     entry = drives.substr(start, end - start);
     start = end + 1;
-    if (m_drives.DriveType(entry) != platform::kDriveCdRom) continue;
+    if (m_drives.DriveType(entry) != kDriveCdRom) continue;
     m_desktop.DoEvents();
     label = GetVolumeLabel(entry);
     found.push_back(entry);
@@ -82,4 +81,4 @@ void cCD::ScanCDDrives() {
   m_cdDrives = std::move(found);
 }
 
-}  // namespace kxrestore::controls
+}  // namespace kxrestore::platform

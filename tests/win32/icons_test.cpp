@@ -11,8 +11,8 @@ TEST(Icons, EveryKeyOfTheFormHasItsOwnPictureAtEverySize) {
   const controls::ImageList keys{{"cfolder", "file", "ofolder", "drive", "SystemState", "activedirectory",
                                   "Exchange", "PublicFolders", "publicfolder", "AddressLists", "MailBoxes",
                                   "MailBox", "SQLServer", "boxCheck", "box", "boxX", "no such key"}};
-  for (const int pixels : {16, 24, 32}) {
-    const ImageListHandle list = MakeImageList(keys, pixels);
+  for (const int pixels : {16, 20, 24, 32, 40, 48}) {
+    const ImageListHandle list = MakeImageList(GetModuleHandleW(nullptr), keys, pixels);
     ASSERT_EQ(ImageList_GetImageCount(list.get()), static_cast<int>(keys.Keys().size()));
     std::vector<std::vector<COLORREF>> drawn;
     const HDC screen = GetDC(nullptr);

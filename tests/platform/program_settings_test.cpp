@@ -1,4 +1,4 @@
-#include "controls/program_settings.h"
+#include "platform/program_settings.h"
 
 #include <gtest/gtest.h>
 
@@ -8,11 +8,8 @@
 #include "platform/headless/headless_desktop.h"
 #include "platform/headless/headless_registry.h"
 
-namespace kxrestore::controls {
+namespace kxrestore::platform {
 namespace {
-
-using platform::kHkeyCurrentUser;
-using platform::kHkeyLocalMachine;
 
 class ProgramSettingsTest : public ::testing::Test {
  protected:
@@ -24,8 +21,8 @@ class ProgramSettingsTest : public ::testing::Test {
   std::string Read() const { return settings.ReadEntry("ClientDB", "default"); }
 
   static constexpr const char* kPath = "Software\\Brellick Labs, Inc.\\Tarvane\\Settings";
-  platform::HeadlessRegistry registry;
-  platform::HeadlessDesktop desktop;
+  HeadlessRegistry registry;
+  HeadlessDesktop desktop;
   CProgramSettings settings{registry, desktop};
 };
 
@@ -123,4 +120,4 @@ TEST_F(ProgramSettingsTest, ARaisedErrorShowsOneBox) {
 }
 
 }  // namespace
-}  // namespace kxrestore::controls
+}  // namespace kxrestore::platform
