@@ -135,6 +135,8 @@ TEST_F(DesktopMarks, AreRefusedWhereTheyCannotBeSetInPlace) {
                 error_number::kReadOnly, "no room"},
                {"telling-2003.mdb", "UPDATE Catalog SET Status = 3 WHERE ID = 1007",
                 error_number::kCannotCreateObject, "Status"},
+               {"telling-2003.mdb", "UPDATE Catalog SET Restore = True, Status = 3 WHERE ID = 1007",
+                error_number::kCannotCreateObject, "Status"},
                {"telling-2003.mdb", "UPDATE BackupAudit SET Permanent = True",
                 error_number::kCannotCreateObject, "Permanent"},
                {"telling-2003.mdb", "INSERT INTO SetNames (ID, Name) VALUES (77, 'x')",
