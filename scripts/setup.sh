@@ -16,7 +16,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 declare -A kPackages=(
-  [native]="build-essential cmake ninja-build libsqlite3-dev unixodbc-dev googletest libgtest-dev unicode-data"
+  [native]="build-essential cmake ninja-build libsqlite3-dev unixodbc-dev googletest libgtest-dev unicode-data mdbtools"
   [windows]="build-essential cmake ninja-build googletest unicode-data libsqlite3-0
              g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64-tools libwine-dev
              librsvg2-bin icoutils dpkg-dev xz-utils tcl faketime"

@@ -180,6 +180,8 @@ int Update(sqlite3_vtab* table, int count, sqlite3_value** values, sqlite3_int64
     if (!FindByNumber(*self.server, *self.table, sqlite3_value_int64(values[0]), found)) {
       Raise(error_number::kRecordDeleted, "Record is deleted: '" + definition.name + "'.");
     }
+    const Column* mark = nullptr;
+    bool marked = false;
     for (std::size_t i = 0; i < definition.columns.size(); ++i) {
       sqlite3_value* value = values[i + 2];
       if (sqlite3_value_nochange(value) != 0) continue;
@@ -191,8 +193,10 @@ int Update(sqlite3_vtab* table, int count, sqlite3_value** values, sqlite3_int64
         RaiseReadOnly(self, "An index holds the column '" + column.name +
                                 "', too, and only the desktop database engine keeps it right.");
       }
-      self.server->marks.Set(*self.table, found, column, sqlite3_value_double(value) != 0);
+      mark = &column;
+      marked = sqlite3_value_double(value) != 0;
     }
+    if (mark != nullptr) self.server->marks.Set(*self.table, found, *mark, marked);
     return SQLITE_OK;
   });
 }

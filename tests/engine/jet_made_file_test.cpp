@@ -115,9 +115,9 @@ TEST_P(MadeFiles, AreReadAndMarkedWhole) {
   m_workspace->BeginAction();
   for (std::size_t k = 0; k + 1 < kNames.size(); ++k) {
     if (k % 2 == 0) {
-      marks.UpdateSelectionByFileName(kNames[k], true, 0, "");
+      EXPECT_EQ(marks.UpdateSelectionByFileName(kNames[k], true, 0, ""), catalog::MarkResult::kDone);
     } else {
-      marks.UpdateSelectionByFile(kNames[k], true, 0, "");
+      EXPECT_EQ(marks.UpdateSelectionByFile(kNames[k], true, 0, ""), catalog::MarkResult::kDone);
     }
   }
   m_workspace->EndAction();
@@ -129,7 +129,7 @@ TEST_P(MadeFiles, AreReadAndMarkedWhole) {
   std::size_t changed = 0;
   for (std::size_t k = 0; k < after.size(); ++k) changed += after[k] != before[k] ? 1 : 0;
   EXPECT_EQ(changed, kNames.size() - 1);
-  marks.CancelAll();
+  EXPECT_EQ(marks.CancelAll(), catalog::MarkResult::kDone);
   EXPECT_EQ(testing::ReadBytes(m_path), before);
 }
 

@@ -2,7 +2,9 @@
 // written, and saved queries that live beside the file.
 #include <algorithm>
 #include <bit>
+#include <cstdlib>
 #include <set>
+#include <sstream>
 
 #include "engine/jet_file/file.h"
 #include "tests/engine/desktop_samples.h"
@@ -135,6 +137,8 @@ TEST_F(DesktopMarks, AreRefusedWhereTheyCannotBeSetInPlace) {
                 error_number::kReadOnly, "no room"},
                {"telling-2003.mdb", "UPDATE Catalog SET Status = 3 WHERE ID = 1007",
                 error_number::kCannotCreateObject, "Status"},
+               {"telling-2003.mdb", "UPDATE Catalog SET Restore = True, Status = 3 WHERE ID = 1007",
+                error_number::kCannotCreateObject, "Status"},
                {"telling-2003.mdb", "UPDATE BackupAudit SET Permanent = True",
                 error_number::kCannotCreateObject, "Permanent"},
                {"telling-2003.mdb", "INSERT INTO SetNames (ID, Name) VALUES (77, 'x')",
@@ -264,6 +268,32 @@ TEST_F(DesktopMarks, TakeUpWhatOthersHaveWrittenMeanwhile) {
   MarkById(*database, "1008");
   m_workspace->EndAction();
   EXPECT_EQ(copy.Changed().size(), 2u);
+}
+
+// mdbtools, a reader of its own, has the same rows marked.
+TEST_F(DesktopMarks, AreSeenByAnotherReader) {
+  if (std::system("command -v mdb-export >/dev/null") != 0) GTEST_SKIP() << "mdbtools is not installed";
+  for (const char* name : {"telling-2000.mdb", "overflow-2003.mdb", "telling-2019.accdb"}) {
+    const SampleCopy copy(name);
+    MarkEveryWay(copy.Request());
+    const std::string table = copy.Beside("table.csv");
+    const std::string command = "mdb-export '" + copy.Path() + "' Catalog > '" + table + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const testing::FileBytes bytes = testing::ReadBytes(table);
+    std::istringstream lines(std::string(bytes.begin(), bytes.end()));
+    Strings marked;
+    std::string line;
+    for (std::getline(lines, line); std::getline(lines, line);) {
+      // The texts of the samples hold no commas before the mark, which is the eleventh column.
+      std::istringstream fields(line);
+      std::string field, id;
+      std::getline(fields, id, ',');
+      for (int i = 1; i <= 10; ++i) std::getline(fields, field, ',');
+      if (field == "1") marked.push_back(id);
+    }
+    std::sort(marked.begin(), marked.end());
+    EXPECT_EQ(marked, Marked(*m_workspace->OpenDatabase(copy.Request()))) << name;
+  }
 }
 
 TEST_F(DesktopMarks, OfAKilledProgramAreTheFirstOnes) {
