@@ -1,6 +1,6 @@
-// Everything that the dialog does with a server catalog while single calls of the driver fail, lose the connection
-// or take long. However an action ends, the list shows what the catalog marks or a report says that it cannot, and
-// every file that was ticked is marked or counted in a report.
+// Everything that the dialog does with a server catalog while single calls of the driver fail, lose the
+// connection or take long. However an action ends, the list shows what the catalog marks or a report says
+// that it cannot, and every file that was ticked is marked or counted in a report.
 //
 // A sample of the calls is tried; with KX_FAULTS=all in the environment each one is.
 #include <chrono>
@@ -39,8 +39,9 @@ enum class Action {
   kCancel,
   kRestoreNow
 };
-constexpr const char* kNames[] = {"load",   "choose run", "search", "latest-only search", "apply", "search apply",
-                                  "auto-select", "update", "clear", "cancel", "commit"};
+constexpr const char* kNames[] = {"load",  "choose run",   "search",      "latest-only search",
+                                  "apply", "search apply", "auto-select", "update",
+                                  "clear", "cancel",       "commit"};
 
 std::unique_ptr<engine::Workspace> ServerWorkspace() {
   engine::Workspace::Backends backends;
@@ -164,7 +165,9 @@ class DriverSweep : public DialogTest {
     }
   }
 
-  static std::int64_t IdOf(const AutoSelect& list, std::size_t number) { return list.At(number).name[8] - '0'; }
+  static std::int64_t IdOf(const AutoSelect& list, std::size_t number) {
+    return list.At(number).name[8] - '0';
+  }
 
   bool Reported(std::string_view start = {}) const {
     return std::any_of(desktop.messages.begin(), desktop.messages.end(), [start](const auto& message) {
@@ -255,7 +258,8 @@ TEST_F(DriverSweep, ScreenAndCatalogAgreeWhateverTheDriverDoes) {
       const auto action = static_cast<Action>(number);
       if (round == 0) calls[number] = Try(action, DriverFault::kNone, 0);
       const std::size_t step = all ? 1 : std::max<std::size_t>(calls[number] / kSample, 1);
-      for (std::size_t kind = all ? 0 : (round + number) % 3; kind < (all ? 3 : (round + number) % 3 + 1); ++kind) {
+      for (std::size_t kind = all ? 0 : (round + number) % 3; kind < (all ? 3 : (round + number) % 3 + 1);
+           ++kind) {
         // The kinds of fault take different places, the last calls, which commit, first.
         const std::size_t back = round * step + (all ? 0 : kind * step / 3);
         if (back >= calls[number]) continue;
@@ -268,7 +272,8 @@ TEST_F(DriverSweep, ScreenAndCatalogAgreeWhateverTheDriverDoes) {
     if (!tried) break;
   }
   for (std::size_t number = 0; number < kActions; ++number) {
-    std::printf("%-20s %5zu calls, %5zu faults tried, all held\n", kNames[number], calls[number], held[number]);
+    std::printf("%-20s %5zu calls, %5zu faults tried, all held\n", kNames[number], calls[number],
+                held[number]);
     EXPECT_TRUE(held[number] > 0 || calls[number] == 0);
   }
 }
@@ -280,7 +285,8 @@ TEST_F(DriverSweep, ASlowDriverFreezesNobody) {
   for (const std::size_t at : {calls / 3, calls / 2, calls - calls / 5}) {
     m_server->Execute("UPDATE Catalog SET Restore = FALSE");
     m_workspace = ServerWorkspace();
-    UseServer(m_server->Database(), ServerCatalog::Server(), ServerCatalog::User(), ServerCatalog::Password());
+    UseServer(m_server->Database(), ServerCatalog::Server(), ServerCatalog::User(),
+              ServerCatalog::Password());
     dialog::frmRestore dialog(platform.Get(), *m_workspace);
     dialog.DBType(1);
     dialog.DBDatabase(m_server->Database());
