@@ -21,7 +21,7 @@ TEST(Password, IsHiddenInEverySpelling) {
            std::pair("it's \"me\"", "'it''s \"me\"' \"it's \"\"me\"\"\" 'it\\'s \\\"me\\\"'"),
            std::pair("back\\slash", "back\\slash back\\\\slash"),
            std::pair("größe 1%", "GRÖSSE? GRÖßE 1% gr%C3%B6%C3%9fe%201%25"),
-           std::pair("a=b;c=d", "unknown keyword c=d"),
+           std::pair("a=b;c=d", "unknown attribute c=d"),
            std::pair("cut-off-here", "the connect string is ...;PWD=cut-off"),
        }) {
     const std::string shown = Password(Connect(password)).Hide(text);
