@@ -42,7 +42,8 @@ void DriverHandles::Tidy() noexcept {
 
 void DriverHandles::Close() noexcept {
   try {
-    if (isConnected && commitsByHand) connection.EndTransaction(false).Ignore();  // disconnecting does it, too
+    if (isConnected && commitsByHand)
+      connection.EndTransaction(false).Ignore();  // disconnecting does it, too
     for (const std::shared_ptr<StatementData>& statement : statements) {
       statement->AskToFree();
       Outcome outcome;
@@ -66,7 +67,8 @@ Connection::Connection(std::string_view connect, const Waits& waits, std::shared
       m_password(std::make_shared<const Password>(connect)),
       m_handles(std::make_shared<DriverHandles>()),
       m_thread(
-          std::move(waiting), [handles = m_handles] { handles->Tidy(); }, [handles = m_handles] { handles->Close(); }) {
+          std::move(waiting), [handles = m_handles] { handles->Tidy(); },
+          [handles = m_handles] { handles->Close(); }) {
   if (m_server.empty()) m_server = ValueOfKeyword(connect, "DATABASE");
   constexpr std::string_view kPrefix = "ODBC;";
   if (connect.size() >= kPrefix.size() && EqualIgnoringCase(connect.substr(0, kPrefix.size()), kPrefix)) {
@@ -74,7 +76,8 @@ Connection::Connection(std::string_view connect, const Waits& waits, std::shared
   }
   const auto loginTime = std::chrono::duration_cast<std::chrono::seconds>(waits.login - kLoginMargin);
   const std::size_t seconds = static_cast<std::size_t>(std::max<std::int64_t>(loginTime.count(), 1));
-  const auto log = [text = WideText(connect), password = m_password, seconds](DriverHandles& handles) mutable {
+  const auto log = [text = WideText(connect), password = m_password,
+                    seconds](DriverHandles& handles) mutable {
     Outcome outcome = handles.environment.Allocate(password);
     if (!outcome.Failed()) outcome = handles.connection.Allocate(handles.environment);
     if (outcome.Failed()) return outcome;
@@ -122,7 +125,8 @@ Outcome Connection::RunWithin(Call call, const DriverThread::Limits& limits, boo
     const auto seconds = std::chrono::round<std::chrono::seconds>(limits.wait).count();
     const std::string time = " within " + std::to_string(seconds) + " seconds.";
     if (isConnecting) {
-      Raise(error_number::kOdbcConnectionFailed, "ODBC - connection to '" + m_server + "' failed: no answer" + time);
+      Raise(error_number::kOdbcConnectionFailed,
+            "ODBC - connection to '" + m_server + "' failed: no answer" + time);
     }
     m_lossWords = "ODBC - call failed: '" + m_server + "' has not answered" + time;
     RaiseLost();
@@ -135,8 +139,9 @@ Outcome Connection::RunWithin(Call call, const DriverThread::Limits& limits, boo
 }
 
 void Connection::RaiseLost() const {
-  Raise(error_number::kOdbcFailed,
-        m_lossWords.empty() ? "ODBC - call failed: the connection to '" + m_server + "' was lost." : m_lossWords);
+  Raise(error_number::kOdbcFailed, m_lossWords.empty()
+                                       ? "ODBC - call failed: the connection to '" + m_server + "' was lost."
+                                       : m_lossWords);
 }
 
 Outcome Connection::SetAutocommit(bool on) {

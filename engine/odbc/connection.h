@@ -1,5 +1,6 @@
-// A connection to a server. All calls of the driver for it are made on one thread of its own, see DriverThread;
-// when one has to be given up, the connection is lost and that thread frees what the call used once it returns.
+// A connection to a server. All calls of the driver for it are made on one thread of its own, see
+// DriverThread; when one has to be given up, the connection is lost and that thread frees what the call used
+// once it returns.
 #pragma once
 
 #include <atomic>
@@ -32,14 +33,14 @@ struct DriverHandles {
 
 class Connection {
  public:
-  // Connects. `connect` is a connect string of hosts, with or without "ODBC;". `waiting`: the callback; may be
-  // null. Errors: 3151 with the driver's words, 3059 when the callback asks for a stop.
+  // Connects. `connect` is a connect string of hosts, with or without "ODBC;". `waiting`: the callback; may
+  // be null. Errors: 3151 with the driver's words, 3059 when the callback asks for a stop.
   Connection(std::string_view connect, const Waits& waits, std::shared_ptr<const Waiting> waiting);
 
   using Call = std::function<Outcome(DriverHandles& handles)>;
-  // Makes a call, which owns what it uses. When the callback asks for a stop, `stoppable`, if there is one, is
-  // canceled; a call that ends with success in spite of it counts. Errors: 3059 after a stop, and 3146 when the
-  // call takes too long or the connection is lost. A driver's error is in the outcome.
+  // Makes a call, which owns what it uses. When the callback asks for a stop, `stoppable`, if there is one,
+  // is canceled; a call that ends with success in spite of it counts. Errors: 3059 after a stop, and 3146
+  // when the call takes too long or the connection is lost. A driver's error is in the outcome.
   Outcome Run(Call call, const std::shared_ptr<StatementData>& stoppable = nullptr);
 
   // Switches autocommit. A connection that refuses is lost, since nobody knows what it commits.

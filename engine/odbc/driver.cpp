@@ -50,7 +50,8 @@ std::vector<Diagnostic> ReadDiagnostics(SQLSMALLINT type, SQLHANDLE handle, cons
     if (!SQL_SUCCEEDED(result)) break;
     text.back() = u'\0';
     const std::string message = FromWide(text.c_str());
-    diagnostics.push_back({FromWide({state.data(), 5}), native, password ? password->Hide(message) : message});
+    diagnostics.push_back(
+        {FromWide({state.data(), 5}), native, password ? password->Hide(message) : message});
   }
   return diagnostics;
 }
@@ -118,8 +119,8 @@ Outcome ConnectionHandle::Disconnect() {
 Outcome ConnectionHandle::GetInfo(SQLUSMALLINT kind, std::string& text) const {
   std::array<char16_t, 256> wide{};
   SQLSMALLINT size = 0;
-  Outcome outcome = Checked(SQLGetInfoW(Raw(), kind, wide.data(),
-                                        static_cast<SQLSMALLINT>(wide.size() * sizeof(char16_t)), &size));
+  Outcome outcome = Checked(
+      SQLGetInfoW(Raw(), kind, wide.data(), static_cast<SQLSMALLINT>(wide.size() * sizeof(char16_t)), &size));
   text = FromWide(wide.data());
   return outcome;
 }
@@ -186,9 +187,9 @@ Outcome StatementHandle::DescribeColumn(std::size_t index, ColumnDescription& co
                                             static_cast<SQLSMALLINT>(name.size()), &size, &column.type,
                                             &column.size, &column.digits, &nullable));
   if (outcome.Failed()) return outcome;
-  outcome = Checked(SQLColAttributeW(Raw(), Number(index), SQL_DESC_TYPE_NAME, typeName.data(),
-                                     static_cast<SQLSMALLINT>(typeName.size() * sizeof(char16_t)), &size,
-                                     nullptr));
+  outcome =
+      Checked(SQLColAttributeW(Raw(), Number(index), SQL_DESC_TYPE_NAME, typeName.data(),
+                               static_cast<SQLSMALLINT>(typeName.size() * sizeof(char16_t)), &size, nullptr));
   column.name = FromWide(name.data());
   column.typeName = FromWide(typeName.data());
   return outcome;
@@ -234,8 +235,8 @@ Outcome StatementHandle::Tables(WideText& types) {
 
 Outcome StatementHandle::Columns(const std::string& schemaPattern, const std::string& tablePattern) {
   Argument schema(schemaPattern), table(tablePattern);
-  return Checked(SQLColumnsW(Raw(), nullptr, 0, schema.Data(), schema.Size(), table.Data(), table.Size(),
-                             nullptr, 0));
+  return Checked(
+      SQLColumnsW(Raw(), nullptr, 0, schema.Data(), schema.Size(), table.Data(), table.Size(), nullptr, 0));
 }
 
 Outcome StatementHandle::PrimaryKeys(const std::string& schema, const std::string& table) {

@@ -1,5 +1,5 @@
-// The one gate to the driver manager: its handles, each call a method of one of them. A call returns an Outcome,
-// which holds the driver's diagnostics when the call has failed and must be looked at.
+// The one gate to the driver manager: its handles, each call a method of one of them. A call returns an
+// Outcome, which holds the driver's diagnostics when the call has failed and must be looked at.
 //
 // A handle is not freed by its destructor but by Free: the thread that makes a connection's calls frees its
 // handles, too, see Connection.

@@ -1,6 +1,6 @@
-// Runs blocking driver calls on a worker thread while the calling thread keeps invoking the waiting callback. A
-// call that does not end in time is given up: its thread is left to itself and cleans up when the call returns,
-// and nothing that the call uses may be freed before.
+// Runs blocking driver calls on a worker thread while the calling thread keeps invoking the waiting callback.
+// A call that does not end in time is given up: its thread is left to itself and cleans up when the call
+// returns, and nothing that the call uses may be freed before.
 #pragma once
 
 #include <chrono>
@@ -38,8 +38,8 @@ class DriverThread {
   DriverThread(const DriverThread&) = delete;
   DriverThread& operator=(const DriverThread&) = delete;
 
-  // Throws what the call throws once it is done, and what the callback throws, which also stops the call. After
-  // kGivenUp and kTimedOut no call may follow. Error 3219 from inside the callback.
+  // Throws what the call throws once it is done, and what the callback throws, which also stops the call.
+  // After kGivenUp and kTimedOut no call may follow. Error 3219 from inside the callback.
   Ending Run(Work call, const Limits& limits);
   void Wake() noexcept;
   // Whether a call was given up.

@@ -1,5 +1,6 @@
-// The types of the driver manager's interface, wide characters only, and its texts converted. Its functions are
-// called in driver.cpp and nowhere else: their names are poisoned here, so that no call escapes the checks.
+// The types of the driver manager's interface, wide characters only, and its texts converted. Its functions
+// are called in driver.cpp and nowhere else: their names are poisoned here, so that no call escapes the
+// checks.
 #pragma once
 
 #ifdef _WIN32
@@ -15,13 +16,16 @@
 #include "base/utf16.h"
 
 #ifndef KX_CALLS_THE_DRIVER_MANAGER
-#pragma GCC poison SQLAllocHandle SQLFreeHandle SQLSetEnvAttr SQLSetConnectAttr SQLSetConnectAttrW SQLDriverConnect
+#pragma GCC poison SQLAllocHandle SQLFreeHandle SQLSetEnvAttr SQLSetConnectAttr SQLSetConnectAttrW \
+    SQLDriverConnect
 #pragma GCC poison SQLDriverConnectW SQLConnect SQLConnectW SQLDisconnect SQLGetInfo SQLGetInfoW SQLEndTran
-#pragma GCC poison SQLSetStmtAttr SQLSetStmtAttrW SQLPrepare SQLPrepareW SQLExecute SQLExecDirect SQLExecDirectW
+#pragma GCC poison SQLSetStmtAttr SQLSetStmtAttrW SQLPrepare SQLPrepareW SQLExecute SQLExecDirect \
+    SQLExecDirectW
 #pragma GCC poison SQLBindParameter SQLBindCol SQLNumResultCols SQLDescribeCol SQLDescribeColW SQLColAttribute
 #pragma GCC poison SQLColAttributeW SQLRowCount SQLFetch SQLFetchScroll SQLGetData SQLSetPos SQLFreeStmt
 #pragma GCC poison SQLCloseCursor SQLMoreResults SQLCancel SQLTables SQLTablesW SQLColumns SQLColumnsW
-#pragma GCC poison SQLPrimaryKeys SQLPrimaryKeysW SQLGetDiagRec SQLGetDiagRecW SQLGetDiagField SQLGetDiagFieldW
+#pragma GCC poison SQLPrimaryKeys SQLPrimaryKeysW SQLGetDiagRec SQLGetDiagRecW SQLGetDiagField \
+    SQLGetDiagFieldW
 #endif
 
 namespace kxrestore::engine::odbc {

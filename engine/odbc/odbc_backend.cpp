@@ -14,7 +14,8 @@ class OdbcBackend final : public WarmSessions<Session> {
   std::unique_ptr<Database> Open(const OpenRequest& request) override {
     if (!InAction()) {
       return std::make_unique<OdbcDatabase>(
-          std::make_shared<Session>(request.connect, nullptr, WaitingOfSessions(), m_waits), request.readOnly);
+          std::make_shared<Session>(request.connect, nullptr, WaitingOfSessions(), m_waits),
+          request.readOnly);
     }
     // A lost session is dropped once it has reported its lost changes; this operation connects anew.
     Drop([](const Session& session) { return session.IsLost() && !session.HasUntold(); });

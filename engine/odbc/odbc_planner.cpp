@@ -25,8 +25,8 @@ ExpressionPtr ColumnOf(const ResultTable& table, const std::string& name) {
   return column;
 }
 
-// Adds the key columns of the tables to the statement of a dynaset. Rows without an order are put in that of the
-// first table's key: a server may return a row in another place once it has been written.
+// Adds the key columns of the tables to the statement of a dynaset. Rows without an order are put in that of
+// the first table's key: a server may return a row in another place once it has been written.
 void AddKeys(Session& session, SelectStatement& statement, const std::vector<ResultTable>& tables,
              Plan& plan) {
   SelectCore& core = statement.cores.front();

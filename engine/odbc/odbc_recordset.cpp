@@ -49,8 +49,8 @@ OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, std::string_view 
   Begin(hasRow, m_names.size(), columns.size() - m_names.size());
 }
 
-// Other programs may have changed tables and queries since the plan was made, so a plan that fails is made anew
-// once.
+// Other programs may have changed tables and queries since the plan was made, so a plan that fails is made
+// anew once.
 void OdbcRecordset::Open(std::string_view source, const ColumnNames& read) {
   Outcome failed;
   if (TryOpen(source, read, failed)) return;
@@ -58,7 +58,8 @@ void OdbcRecordset::Open(std::string_view source, const ColumnNames& read) {
   m_statement.reset();
   if (TryOpen(source, read, failed)) return;
   if (failed.Failed()) m_session->RaiseFailure(failed, source);
-  Raise(number::kOdbcFailed, "ODBC - call failed: the columns of '" + std::string(source) + "' keep changing.");
+  Raise(number::kOdbcFailed,
+        "ODBC - call failed: the columns of '" + std::string(source) + "' keep changing.");
 }
 
 bool OdbcRecordset::TryOpen(std::string_view source, const ColumnNames& read, Outcome& failed) {

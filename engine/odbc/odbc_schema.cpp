@@ -124,10 +124,8 @@ bool Schema::IsFolded() {
 std::vector<std::string> Schema::PrimaryKeyOf(const jet_sql::KnownRelation& table) {
   std::vector<std::string> keys;
   const Entry* entry = FindEntry(table.name);
-  const auto list = [schema = entry == nullptr ? std::string() : entry->schema,
-                     name = table.name](StatementHandle& statement) {
-    return statement.PrimaryKeys(schema, name);
-  };
+  const auto list = [schema = entry == nullptr ? std::string() : entry->schema, name = table.name](
+                        StatementHandle& statement) { return statement.PrimaryKeys(schema, name); };
   m_session.FetchPiecewise(false);
   OdbcStatement statement(m_session, table.name);
   const Outcome outcome = statement.ExecuteCatalog(list);

@@ -113,8 +113,8 @@ std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value
     const Failure failure = FailureOf(outcome.Diagnostics());
     if (failure == Failure::kConflict || failure == Failure::kLock) SpendLockWait(start, failure);
     if (!MayTryAgain(failure, tried)) RaiseFailure(outcome, statement.Sql());
-    // Two connections waited for each other's rows. The statements of this group are repeated one by one, each
-    // committed by itself, so that no row stays locked while another is waited for.
+    // Two connections waited for each other's rows. The statements of this group are repeated one by one,
+    // each committed by itself, so that no row stays locked while another is waited for.
     if (m_inGroup) Replay(std::exchange(m_group, {}));
     PauseBeforeTry(tried);
   }
@@ -223,7 +223,8 @@ void Session::BeginGroup() {
   m_due = Clock::now() + kGroupTime;
 }
 
-// Undoes the transaction. If that fails, a later commit might include its changes, so the connection is given up.
+// Undoes the transaction. If that fails, a later commit might include its changes, so the connection is given
+// up.
 void Session::Undo() noexcept {
   m_lockLimit = milliseconds(0);  // a limit that was set in the transaction is undone with it
   try {
@@ -290,7 +291,8 @@ void Session::NoteLoss(int number, std::string words) {
   m_lossWords = std::move(words);
 }
 
-// A failure is noted, not thrown. Throws what the callback throws, and std::bad_alloc before anything is done.
+// A failure is noted, not thrown. Throws what the callback throws, and std::bad_alloc before anything is
+// done.
 void Session::CommitGroup() {
   if (!m_inGroup) return;
   if (!IsLost()) m_streaming.Detach();  // a commit closes the cursors of open recordsets

@@ -30,12 +30,13 @@ struct ActionState {
   std::map<std::string, std::shared_ptr<SavedTexts>> texts;  // by connect string
 };
 
-// Errors of every function that talks to the server: those of Connection::Run, and the driver's, see RaiseOdbc.
+// Errors of every function that talks to the server: those of Connection::Run, and the driver's, see
+// RaiseOdbc.
 class Session {
  public:
-  // `connect` begins with "ODBC;". `action`: of the user action that the session is kept for, in which updates
-  // may wait for a common commit; null for a session that stands alone. `waiting`: what to call while the server
-  // takes long; null for nothing.
+  // `connect` begins with "ODBC;". `action`: of the user action that the session is kept for, in which
+  // updates may wait for a common commit; null for a session that stands alone. `waiting`: what to call while
+  // the server takes long; null for nothing.
   explicit Session(std::string_view connect, std::shared_ptr<ActionState> action = nullptr,
                    std::shared_ptr<const Waiting> waiting = nullptr, const Waits& waits = {});
   ~Session();  // undoes what is not committed
@@ -60,21 +61,21 @@ class Session {
   static void Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) noexcept;
   void ForgetPlans();  // after a change of the schema
 
-  // Whether the next result is fetched from the server in pieces, which costs round trips and saves memory, where
-  // the driver would otherwise fetch all rows at once.
+  // Whether the next result is fetched from the server in pieces, which costs round trips and saves memory,
+  // where the driver would otherwise fetch all rows at once.
   void FetchPiecewise(bool piecewise);
   bool FetchesPiecewise() const { return m_piecewise; }
   // A new name for a prepared statement; empty where the server does not prepare by name.
   std::string NameForPrepared();
 
-  // Makes a call of the driver, see Connection::Run. A stop cancels `statement` unless that would undo more than
-  // the statement.
+  // Makes a call of the driver, see Connection::Run. A stop cancels `statement` unless that would undo more
+  // than the statement.
   Outcome Run(Connection::Call call, const std::shared_ptr<StatementData>& statement);
   void GiveTurn() { m_connection.GiveTurn(); }
   [[noreturn]] void RaiseFailure(const Outcome& outcome, std::string_view piece) const;
 
-  // Executes a reading statement. False when the tables have changed since it was prepared; then `failed` holds
-  // the driver's error.
+  // Executes a reading statement. False when the tables have changed since it was prepared; then `failed`
+  // holds the driver's error.
   bool RunRead(OdbcStatement& statement, const std::vector<Value>& values, Outcome& failed);
   // Executes a writing statement, in the group or at once; the number of rows changed.
   std::int64_t RunWrite(OdbcStatement& statement, const std::vector<Value>& values);

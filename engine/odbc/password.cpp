@@ -47,10 +47,29 @@ bool IsPasswordKeyword(std::string_view keyword) {
 bool NamesKeyword(std::string_view piece) {
   if (piece.find('=') == std::string_view::npos) return false;
   const std::string_view keyword = Trimmed(SplitAt(piece, '=').first);
-  constexpr std::array kKeywords = {"DRIVER",     "DSN",       "FILEDSN", "SAVEFILE",           "SERVER", "SERVERNAME",
-                                    "DATABASE",   "UID",       "USER",    "USERNAME",           "PORT",   "PWD",
-                                    "PASSWORD",   "APP",       "WSID",    "TRUSTED_CONNECTION", "ENCRYPT", "SSLMODE",
-                                    "ADDRESS",    "NETWORK",   "LANGUAGE", "TIMEOUT",           "TRUSTSERVERCERTIFICATE"};
+  constexpr std::array kKeywords = {"DRIVER",
+                                    "DSN",
+                                    "FILEDSN",
+                                    "SAVEFILE",
+                                    "SERVER",
+                                    "SERVERNAME",
+                                    "DATABASE",
+                                    "UID",
+                                    "USER",
+                                    "USERNAME",
+                                    "PORT",
+                                    "PWD",
+                                    "PASSWORD",
+                                    "APP",
+                                    "WSID",
+                                    "TRUSTED_CONNECTION",
+                                    "ENCRYPT",
+                                    "SSLMODE",
+                                    "ADDRESS",
+                                    "NETWORK",
+                                    "LANGUAGE",
+                                    "TIMEOUT",
+                                    "TRUSTSERVERCERTIFICATE"};
   return std::any_of(kKeywords.begin(), kKeywords.end(),
                      [&](const char* known) { return EqualIgnoringCase(known, keyword); });
 }
@@ -81,7 +100,8 @@ int HexDigit(char32_t character) {
   return -1;
 }
 
-// The folded character that is percent-encoded at `at`, and how many characters of the text it takes; 0 for none.
+// The folded character that is percent-encoded at `at`, and how many characters of the text it takes; 0 for
+// none.
 std::pair<char32_t, std::size_t> PercentDecoded(const std::vector<Character>& text, std::size_t at) {
   std::string bytes;
   for (std::size_t i = at; bytes.size() < 4 && i + 2 < text.size() && text[i].folded == U'%'; i += 3) {
@@ -95,8 +115,8 @@ std::pair<char32_t, std::size_t> PercentDecoded(const std::vector<Character>& te
   return {FoldCase(character), used * 3};
 }
 
-// Where the value ends that begins at `at`; `at` itself when it does not stand there. A text that ends within the
-// value counts as soon as `kMinPiece` characters of it are there.
+// Where the value ends that begins at `at`; `at` itself when it does not stand there. A text that ends within
+// the value counts as soon as `kMinPiece` characters of it are there.
 std::size_t MatchEnd(const std::vector<Character>& text, std::size_t at, std::u32string_view value) {
   constexpr std::u32string_view kQuoted = U"}'\"]\\`";
   std::size_t i = at;

@@ -9,12 +9,12 @@ namespace kxrestore::engine::odbc {
 
 class Password {
  public:
-  // Finds the values of PWD and PASSWORD. A value that holds ";" without braces is cut by the driver manager, so
-  // the pieces behind the ";" belong to the password, too, unless they name another well-known keyword.
+  // Finds the values of PWD and PASSWORD. A value that holds ";" without braces is cut by the driver manager,
+  // so the pieces behind the ";" belong to the password, too, unless they name another well-known keyword.
   explicit Password(std::string_view connect);
 
-  // The text with "***" in the place of the password: in either case, in braces or quotes with the closing one
-  // doubled, behind backslashes, percent-encoded, and cut off at the end of the text.
+  // The text with "***" in the place of the password: in either case, in braces or quotes with the closing
+  // one doubled, behind backslashes, percent-encoded, and cut off at the end of the text.
   std::string Hide(std::string_view text) const;
 
  private:

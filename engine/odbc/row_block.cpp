@@ -131,9 +131,8 @@ Outcome RowBlock::Bind(StatementHandle& statement) {
     rowBytes += column.width + sizeof(SQLLEN);
   }
   // A power of two, so that no block spans two of the pieces that the driver fetches from the server.
-  m_maxRows = m_isPiecewise
-                  ? 1
-                  : std::bit_floor(std::clamp(kBlockBytes / rowBytes, kMinBlockRows, kMaxBlockRows));
+  m_maxRows =
+      m_isPiecewise ? 1 : std::bit_floor(std::clamp(kBlockBytes / rowBytes, kMinBlockRows, kMaxBlockRows));
   Outcome outcome = statement.SetFetchedCount(&m_fetched);
   for (std::size_t i = 0; i < m_columns.size() && !outcome.Failed(); ++i) {
     ColumnBuffer& column = m_columns[i];
@@ -161,15 +160,16 @@ Outcome RowBlock::ReadPiecewise(StatementHandle& statement) {
   for (std::size_t i = 0; i < m_columns.size(); ++i) {
     ColumnBuffer& column = m_columns[i];
     const bool isText = column.cType == SQL_C_WCHAR || column.cType == SQL_C_BINARY;
-    Outcome outcome = isText ? ReadLongText(statement, i, 0)
-                             : statement.GetData(i, column.cType, column.data.get(), column.width,
-                                                 &column.sizes.front());
+    Outcome outcome =
+        isText ? ReadLongText(statement, i, 0)
+               : statement.GetData(i, column.cType, column.data.get(), column.width, &column.sizes.front());
     if (outcome.Failed()) return outcome;
   }
   return {};
 }
 
-// In UTF-16 even where bytes are bound: the driver's later pieces of bytes end in a zero that is not the text's.
+// In UTF-16 even where bytes are bound: the driver's later pieces of bytes end in a zero that is not the
+// text's.
 Outcome RowBlock::ReadLongText(StatementHandle& statement, std::size_t column, std::size_t row) {
   std::array<char16_t, 2048> piece;
   std::u16string& whole = m_columns[column].longText;

@@ -1,5 +1,6 @@
-// The columns of an executed statement and a block of its rows, in the buffers that the driver fills. Kept from
-// execution to execution. The thread of the connection calls the functions; between its calls anybody may read.
+// The columns of an executed statement and a block of its rows, in the buffers that the driver fills. Kept
+// from execution to execution. The thread of the connection calls the functions; between its calls anybody
+// may read.
 #pragma once
 
 #include <cstdint>
@@ -41,7 +42,8 @@ class RowBlock {
   RowBlock(bool textsAsBytes, bool readsPartsInBlocks)
       : m_textsAsBytes(textsAsBytes), m_readsPartsInBlocks(readsPartsInBlocks) {}
 
-  // After each execution: describes and binds the columns if their number is another, and fetches the first block.
+  // After each execution: describes and binds the columns if their number is another, and fetches the first
+  // block.
   Outcome Begin(StatementHandle& statement);
   Outcome Fetch(StatementHandle& statement);
   // Reads a text that did not fit its buffer into `longText`, null or not into `sizes`.

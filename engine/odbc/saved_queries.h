@@ -4,9 +4,9 @@
 // view depends on is not deleted, and the server's words are the error.
 //
 // On PostgreSQL the view's comment keeps the query's own text, and a query that names something missing is a
-// view without rows. Changes of the schema are short transactions that wait for each other, and within one user
-// action a query is read by its text. So two dialogs that make queries of the same name do not disturb each
-// other; the view that remains is that of the later one.
+// view without rows. Changes of the schema are short transactions that wait for each other, and within one
+// user action a query is read by its text. So two dialogs that make queries of the same name do not disturb
+// each other; the view that remains is that of the later one.
 #pragma once
 
 #include <map>

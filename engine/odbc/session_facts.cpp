@@ -48,13 +48,13 @@ Outcome ReadBytes(StatementHandle& statement, std::string_view sql, std::string&
 
 }  // namespace
 
-// Whether a text that is fetched as bytes comes in UTF-8: a driver may convert it to the encoding of the process,
-// or not hand out bytes at all.
+// Whether a text that is fetched as bytes comes in UTF-8: a driver may convert it to the encoding of the
+// process, or not hand out bytes at all.
 bool Session::HandsOutUtf8() {
   constexpr std::string_view kEveryKind = "a\xC3\xA4\xD0\xB6\xE2\x82\xAC\xE6\xBC\xA2\xF0\x9F\x98\x80";
   const auto bytes = std::make_shared<std::string>();
-  const auto read = [bytes, sql = "SELECT CAST('" + std::string(kEveryKind) + "' AS text)"](
-                        DriverHandles& handles) {
+  const auto read = [bytes,
+                     sql = "SELECT CAST('" + std::string(kEveryKind) + "' AS text)"](DriverHandles& handles) {
     StatementHandle statement;
     Outcome outcome = statement.Allocate(handles.connection);
     if (outcome.Failed()) return outcome;
@@ -115,7 +115,8 @@ void Session::ReadPostgresFacts(bool isPsqlodbc) {
       "set_config('lock_timeout', '" +
       std::to_string(m_lockLimit.count()) +
       "', false), "
-      // The server notices within about a minute that the network has lost this program, and unlocks its rows.
+      // The server notices within about a minute that the network has lost this program, and unlocks its
+      // rows.
       "set_config('tcp_keepalives_idle', '30', false), set_config('tcp_keepalives_interval', '10', false), "
       "set_config('tcp_keepalives_count', '3', false), "
       // A server that is compiling a statement does not react to a cancel.
@@ -132,9 +133,7 @@ void Session::ReadPostgresFacts(bool isPsqlodbc) {
   m_facts.schema = row[0];
   if (plain(row[1]) || row[1].starts_with("C.")) {
     using Order = jet_sql::PostgresDialect::Order;
-    m_facts.order = hasCollation       ? Order::kCollation
-                    : row[5] == "UTF8" ? Order::kPlainLetters
-                                       : Order::kOwn;
+    m_facts.order = hasCollation ? Order::kCollation : row[5] == "UTF8" ? Order::kPlainLetters : Order::kOwn;
   }
   m_facts.foldsAsciiOnly = hasCollation && plain(row[2]);
   m_facts.textsAsBytes = isPsqlodbc && row[4] == "UTF8" && row[5] != "SQL_ASCII" && HandsOutUtf8();
@@ -150,8 +149,8 @@ void Session::FetchPiecewise(bool piecewise) {
   m_piecewise = piecewise;
 }
 
-// Tells the server how long the next statement may wait for a lock. Servers without such a setting are bound by
-// the time of the statement.
+// Tells the server how long the next statement may wait for a lock. Servers without such a setting are bound
+// by the time of the statement.
 void Session::LimitLockWaits() {
   const milliseconds left = std::max(m_action->locks.Left(), milliseconds(1));
   if (m_lockLimit.count() > 0 && std::chrono::abs(m_lockLimit - left) < kLockStep && left > kLockStep) return;

@@ -110,7 +110,8 @@ Outcome StatementData::Give(Text text) {
   return outcome;
 }
 
-// A statement that the server does not prepare is executed as it stands, and that tells what is wrong with it.
+// A statement that the server does not prepare is executed as it stands, and that tells what is wrong with
+// it.
 void StatementData::PrepareByName(DriverHandles& handles) {
   const std::string name = std::exchange(m_name, {});
   std::string call = "EXECUTE " + name;
@@ -123,8 +124,8 @@ void StatementData::PrepareByName(DriverHandles& handles) {
   if (m_namable) m_call = std::move(call);
 }
 
-Outcome StatementData::Execute(DriverHandles& handles, const std::shared_ptr<StatementData>& self, bool byName,
-                               bool wantsRows) {
+Outcome StatementData::Execute(DriverHandles& handles, const std::shared_ptr<StatementData>& self,
+                               bool byName, bool wantsRows) {
   StatementData& data = *self;
   Outcome outcome = Prepare(handles, self);
   if (outcome.Failed()) return outcome;

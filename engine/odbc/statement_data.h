@@ -1,5 +1,6 @@
-// A statement as the thread of its connection works on it: the handle, the values bound to its parameters and the
-// rows that come back. It lives until that thread has freed the handle, whoever else lets go of it before.
+// A statement as the thread of its connection works on it: the handle, the values bound to its parameters and
+// the rows that come back. It lives until that thread has freed the handle, whoever else lets go of it
+// before.
 #pragma once
 
 #include <atomic>
@@ -43,10 +44,10 @@ class BoundValues {
   std::size_t m_count = 0;
 };
 
-// The driver for PostgreSQL sends a statement that it has prepared on the server behind a savepoint, which costs
-// a round trip of its own; plain text goes together with its savepoint, but the server plans it anew each time. So
-// a statement that is executed again is prepared by name with the server's PREPARE, and the plain text is its
-// EXECUTE.
+// The driver for PostgreSQL sends a statement that it has prepared on the server behind a savepoint, which
+// costs a round trip of its own; plain text goes together with its savepoint, but the server plans it anew
+// each time. So a statement that is executed again is prepared by name with the server's PREPARE, and the
+// plain text is its EXECUTE.
 class StatementData {
  public:
   using CatalogFunction = std::function<Outcome(StatementHandle&)>;

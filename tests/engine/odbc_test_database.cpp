@@ -120,8 +120,7 @@ std::unique_ptr<TestDatabase> MakePostgres(Spelling spelling) {
   static const std::string database = [&] {
     const std::string made =
         "kx_" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
-    odbc::Session(ServerConnect("postgres", administrator, password))
-        .Ask("CREATE DATABASE " + made);
+    odbc::Session(ServerConnect("postgres", administrator, password)).Ask("CREATE DATABASE " + made);
     return made;
   }();
   odbc::Session session(ServerConnect(database, administrator, password));

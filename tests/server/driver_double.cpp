@@ -37,13 +37,14 @@ SQLHANDLE ConnectionOf(State& state, SQLHANDLE handle) {
 }
 
 constexpr std::u16string_view kFailedText = u"the call was made to fail", kFailedState = u"HY000";
-constexpr std::u16string_view kDroppedText = u"server closed the connection unexpectedly", kDroppedState = u"08S01";
+constexpr std::u16string_view kDroppedText = u"server closed the connection unexpectedly",
+                              kDroppedState = u"08S01";
 
 }  // namespace
 
 extern "C" SQLRETURN __real_SQLEndTran(SQLSMALLINT, SQLHANDLE, SQLSMALLINT);
-extern "C" SQLRETURN __real_SQLGetDiagRecW(SQLSMALLINT, SQLHANDLE, SQLSMALLINT, SQLWCHAR*, SQLINTEGER*, SQLWCHAR*,
-                                           SQLSMALLINT, SQLSMALLINT*);
+extern "C" SQLRETURN __real_SQLGetDiagRecW(SQLSMALLINT, SQLHANDLE, SQLSMALLINT, SQLWCHAR*, SQLINTEGER*,
+                                           SQLWCHAR*, SQLSMALLINT, SQLSMALLINT*);
 
 namespace {
 
@@ -78,8 +79,8 @@ SQLRETURN Around(const char* name, SQLHANDLE handle, Call call) {
   return SQL_ERROR;
 }
 
-SQLRETURN DiagnosticOf(SQLHANDLE handle, SQLWCHAR* stateText, SQLINTEGER* native, SQLWCHAR* text, SQLSMALLINT room,
-                       SQLSMALLINT* size) {
+SQLRETURN DiagnosticOf(SQLHANDLE handle, SQLWCHAR* stateText, SQLINTEGER* native, SQLWCHAR* text,
+                       SQLSMALLINT room, SQLSMALLINT* size) {
   State& state = Double();
   const bool dropped = state.dropped.contains(ConnectionOf(state, handle));
   const std::u16string_view code = dropped ? kDroppedState : kFailedState;
@@ -129,9 +130,9 @@ const char* DriverDouble::Hit() {
 
 // ---- the functions; parameters are numbered, as nobody looks at them
 
-#define KX_DOUBLE(name, parameters, handle, arguments)                 \
-  extern "C" SQLRETURN __real_##name parameters;                       \
-  extern "C" SQLRETURN __wrap_##name parameters {                      \
+#define KX_DOUBLE(name, parameters, handle, arguments)                     \
+  extern "C" SQLRETURN __real_##name parameters;                           \
+  extern "C" SQLRETURN __wrap_##name parameters {                          \
     return Around(#name, handle, [&] { return __real_##name arguments; }); \
   }
 
@@ -159,8 +160,9 @@ KX_DOUBLE(SQLDescribeColW,
            SQLSMALLINT* g, SQLSMALLINT* i),
           h, (h, a, b, c, d, e, f, g, i))
 KX_DOUBLE(SQLColAttributeW,
-          (SQLHSTMT h, SQLUSMALLINT a, SQLUSMALLINT b, SQLPOINTER c, SQLSMALLINT d, SQLSMALLINT* e, SQLLEN* f), h,
-          (h, a, b, c, d, e, f))
+          (SQLHSTMT h, SQLUSMALLINT a, SQLUSMALLINT b, SQLPOINTER c, SQLSMALLINT d, SQLSMALLINT* e,
+           SQLLEN* f),
+          h, (h, a, b, c, d, e, f))
 KX_DOUBLE(SQLRowCount, (SQLHSTMT h, SQLLEN* a), h, (h, a))
 KX_DOUBLE(SQLFetch, (SQLHSTMT h), h, (h))
 KX_DOUBLE(SQLGetData, (SQLHSTMT h, SQLUSMALLINT a, SQLSMALLINT b, SQLPOINTER c, SQLLEN d, SQLLEN* e), h,
@@ -198,8 +200,9 @@ extern "C" SQLRETURN __wrap_SQLFreeHandle(SQLSMALLINT type, SQLHANDLE handle) {
   return __real_SQLFreeHandle(type, handle);
 }
 
-extern "C" SQLRETURN __wrap_SQLGetDiagRecW(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT record, SQLWCHAR* state,
-                                           SQLINTEGER* native, SQLWCHAR* text, SQLSMALLINT room, SQLSMALLINT* size) {
+extern "C" SQLRETURN __wrap_SQLGetDiagRecW(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT record,
+                                           SQLWCHAR* state, SQLINTEGER* native, SQLWCHAR* text,
+                                           SQLSMALLINT room, SQLSMALLINT* size) {
   {
     const std::lock_guard lock(Double().mutex);
     if (Double().failed.contains(handle)) {

@@ -1,6 +1,6 @@
-// A double of the driver manager: every function that the back end calls goes through it (the linker's --wrap, see
-// CMakeLists.txt) to the real one, unless the call is the one that is to fail. Calls are counted while it is
-// switched on, on whatever thread they come.
+// A double of the driver manager: every function that the back end calls goes through it (the linker's
+// --wrap, see CMakeLists.txt) to the real one, unless the call is the one that is to fail. Calls are counted
+// while it is switched on, on whatever thread they come.
 #pragma once
 
 #include <chrono>

@@ -1,5 +1,5 @@
-// A proxy on the loopback address between the driver and the server, which can stop forwarding, as a network does
-// that swallows packets.
+// A proxy on the loopback address between the driver and the server, which can stop forwarding, as a network
+// does that swallows packets.
 #pragma once
 
 #include <atomic>

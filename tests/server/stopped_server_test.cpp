@@ -1,6 +1,6 @@
-// A server that is paused, killed or cut off by its network in the middle of each operation, and one whose rows
-// others keep locked. The waiting callback goes on, its stop ends the operation, what was lost is told exactly once,
-// and the next operation works when the server is back.
+// A server that is paused, killed or cut off by its network in the middle of each operation, and one whose
+// rows others keep locked. The waiting callback goes on, its stop ends the operation, what was lost is told
+// exactly once, and the next operation works when the server is back.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -24,7 +24,7 @@ using std::chrono::milliseconds;
 using namespace engine;  // NOLINT: the tests speak of little else
 namespace number = engine::error_number;
 
-constexpr milliseconds kUserWaits(60);   // of the user who then stops
+constexpr milliseconds kUserWaits(60);  // of the user who then stops
 constexpr milliseconds kStopTime(600);  // 200 on a quiet machine
 constexpr int kFiles = 3000;
 
@@ -80,9 +80,12 @@ class StoppedServer : public ::testing::Test {
     });
     return workspace;
   }
-  std::unique_ptr<Database> Open(Workspace& workspace) { return workspace.OpenDatabase({.connect = m_connect}); }
+  std::unique_ptr<Database> Open(Workspace& workspace) {
+    return workspace.OpenDatabase({.connect = m_connect});
+  }
   void Mark(Workspace& workspace, int id) {
-    Open(workspace)->Execute("UPDATE Catalog SET Restore = True WHERE ID = " + std::to_string(id), kFailOnError);
+    Open(workspace)->Execute("UPDATE Catalog SET Restore = True WHERE ID = " + std::to_string(id),
+                             kFailOnError);
   }
   bool IsMarked(int id) { return m_server->Marked().contains(id); }
 
@@ -119,7 +122,9 @@ class StoppedServer : public ::testing::Test {
   }
 
   std::vector<Operation> Operations() {
-    const auto warm = [this](Workspace& workspace) { Open(workspace)->OpenRecordset("SetNames", RecordsetType::kSnapshot); };
+    const auto warm = [this](Workspace& workspace) {
+      Open(workspace)->OpenRecordset("SetNames", RecordsetType::kSnapshot);
+    };
     const auto mark = [this](Workspace& workspace) { Mark(workspace, 1); };
     return {
         {"connect", [](Workspace&) {}, [this](Workspace& workspace) { Open(workspace); }},
@@ -131,11 +136,13 @@ class StoppedServer : public ::testing::Test {
         {"second mark", mark, [this](Workspace& workspace) { Mark(workspace, 2); }},
         {"commit", mark, [](Workspace& workspace) { workspace.Flush(); }},
         {"saved query", warm,
-         [this](Workspace& workspace) { Open(workspace)->CreateQueryDef("mine", "SELECT ID FROM Catalog;"); }},
+         [this](Workspace& workspace) {
+           Open(workspace)->CreateQueryDef("mine", "SELECT ID FROM Catalog;");
+         }},
         {"fetch",
          [this](Workspace& workspace) {
-           m_rows = Open(workspace)->OpenRecordset(
-               "SELECT a.ID, b.Filename FROM Catalog AS a, Catalog AS b", RecordsetType::kSnapshot);
+           m_rows = Open(workspace)->OpenRecordset("SELECT a.ID, b.Filename FROM Catalog AS a, Catalog AS b",
+                                                   RecordsetType::kSnapshot);
          },
          [this](Workspace&) {
            for (; !m_rows->Eof(); m_rows->MoveNext()) {
@@ -151,7 +158,8 @@ class StoppedServer : public ::testing::Test {
     auto workspace = MakeWorkspace();
     workspace->BeginAction();
     operation.prepare(*workspace);
-    const bool waits = std::string_view(operation.name) == "second mark" || std::string_view(operation.name) == "commit";
+    const bool waits =
+        std::string_view(operation.name) == "second mark" || std::string_view(operation.name) == "commit";
     Start(trouble);
     EXPECT_NE(Stopped([&] { operation.run(*workspace); }, operation.name), 0);
     EXPECT_TRUE(trouble == Trouble::kKill || m_turns >= 2);
