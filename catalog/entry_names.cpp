@@ -18,11 +18,10 @@ bool IsAggregateName(std::string_view name) {
   return GetExtension(name) == kAggregateExtension;
 }
 
-MarkResult MarkEntry(RestoreMarks& marks, std::string_view name, std::string_view storedName, bool restoreValue,
-               std::int32_t setNameId, std::string_view extension) {
-  return IsAggregateName(name)
-             ? marks.UpdateSelectionByFile(storedName, restoreValue, setNameId, extension)
-             : marks.UpdateSelectionByFileName(storedName, restoreValue, setNameId, extension);
+MarkResult MarkEntry(RestoreMarks& marks, std::string_view name, std::string_view storedName,
+                     bool restoreValue) {
+  return IsAggregateName(name) ? marks.UpdateSelectionByFile(storedName, restoreValue, 0, "")
+                               : marks.UpdateSelectionByFileName(storedName, restoreValue, 0, "");
 }
 
 }  // namespace kxrestore::catalog

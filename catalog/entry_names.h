@@ -3,7 +3,6 @@
 // Filename.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,8 +30,8 @@ inline std::string_view StoredName(std::string_view name, std::string_view file,
   return IsAggregateName(name) ? file : filename;
 }
 
-// Marks or unmarks what is shown under `name`. Set and extension as in RestoreMarks.
-MarkResult MarkEntry(RestoreMarks& marks, std::string_view name, std::string_view storedName, bool restoreValue,
-               std::int32_t setNameId, std::string_view extension);
+// Marks or unmarks what is shown under `name` in the current run of the marks.
+MarkResult MarkEntry(RestoreMarks& marks, std::string_view name, std::string_view storedName,
+                     bool restoreValue);
 
 }  // namespace kxrestore::catalog

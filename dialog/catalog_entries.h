@@ -12,6 +12,7 @@
 
 namespace kxrestore::dialog {
 
+using catalog::IsAggregateName;
 using catalog::IsMailServer;
 using catalog::kMailServer;
 

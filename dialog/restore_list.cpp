@@ -16,7 +16,7 @@ constexpr const char* kClick = "cmdRestore.Click";
 
 // What marking knows an entry by, as one text.
 std::string IdentityOf(const controls::AutoSelect::Entry& entry) {
-  std::string identity = catalog::IsAggregateName(entry.name) ? "a" : "f";
+  std::string identity = IsAggregateName(entry.name) ? "a" : "f";
   identity.append(std::to_string(entry.setId)).append(" ");
   return identity.append(entry.extension).append(1, '\0').append(entry.storedName);
 }
@@ -104,6 +104,7 @@ void RestoreList::Update() {
 // Whether the user let it run to its end.
 bool RestoreList::ApplyListChanges() {
   const controls::AutoSelect& list = m_context.ui.asRestoreList;
+  catalog::RestoreMarks& marks = m_context.marks;
   MarkingWalk walk(m_context, "ApplyListChanges");
   const RunOfEntries run(m_context);
   std::size_t reached = 0;
@@ -114,9 +115,8 @@ bool RestoreList::ApplyListChanges() {
       if (list.TickedAt(number)) continue;
       walk.Mark(number, [&] {
         const controls::AutoSelect::Entry entry = list.At(number);
-        const std::int32_t setId = SetIdOf(entry);
-        run.Use(setId, entry.extension);
-        return catalog::MarkEntry(m_context.marks, entry.name, entry.storedName, false, setId, entry.extension);
+        run.Use(SetIdOf(entry), entry.extension);
+        return catalog::MarkEntry(marks, entry.name, entry.storedName, false);
       });
     }
   });

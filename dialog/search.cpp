@@ -115,8 +115,7 @@ catalog::MarkResult Search::MarkCurrent(const RunOfEntries& run) {
   choice.m_lngSetID = asSearch.SetId();
   choice.m_strExtension = asSearch.Extension();
   run.Use(choice.m_lngSetID, choice.m_strExtension);
-  return catalog::MarkEntry(m_context.marks, asSearch.FileName(), asSearch.StoredName(), true,
-                            choice.m_lngSetID, choice.m_strExtension);
+  return catalog::MarkEntry(m_context.marks, asSearch.FileName(), asSearch.StoredName(), true);
 }
 
 }  // namespace kxrestore::dialog

@@ -3,7 +3,7 @@
 
 _kxrestore() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} i command=
-  local commands='sets runs types find versions list count mark unmark clear'
+  local commands='sets runs types find versions list count mark unmark clear copy'
   local criteria='--set --run --up-to --type --under --names --newest --as-of'
   local options='--catalog --server --database --user --password-file --json --help --version'
   COMPREPLY=()

@@ -4,6 +4,7 @@
 
 #include "base/error.h"
 #include "engine/error_numbers.h"
+#include "host/command_line/copy_command.h"
 #include "host/command_line/listing_commands.h"
 #include "host/command_line/marking_commands.h"
 #include "host/command_line/options.h"
@@ -34,6 +35,8 @@ Handler HandlerOf(Command command) {
     case Command::kMark:
     case Command::kUnmark:
       return Mark;
+    case Command::kCopy:
+      return Copy;
     case Command::kClear:
       break;
   }

@@ -37,6 +37,11 @@ struct Sum {
     ++files;
     bytes += size.value_or(0);
   }
+  Sum& operator+=(const Sum& other) {
+    files += other.files;
+    bytes += other.bytes;
+    return *this;
+  }
 };
 
 // Calls `visit` for each marked row, with the size, until Ctrl+C is pressed; no visit wanted, only the sum.

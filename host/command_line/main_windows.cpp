@@ -1,6 +1,8 @@
 // kxrestore on Windows: UTF-16 in, UTF-8 out.
 #include <windows.h>
 
+#include <objbase.h>
+
 #include <atomic>
 #include <iostream>
 
@@ -44,6 +46,7 @@ std::optional<std::string> Variable(const std::string& name) {
 
 int wmain(int count, wchar_t** words) {
   std::ios::sync_with_stdio(false);
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);  // the desktop engine is driven by automation
   SetConsoleOutputCP(CP_UTF8);
   SetConsoleCtrlHandler(Stop, TRUE);
   std::vector<std::string> arguments;
@@ -52,5 +55,7 @@ int wmain(int count, wchar_t** words) {
   host.environment = Variable;
   if (_isatty(_fileno(stdin))) host.askPassword = AskPassword;
   host.stopped = [] { return g_stopped.load(); };
-  return kxrestore::cli::Run(arguments, host);
+  const int code = kxrestore::cli::Run(arguments, host);
+  CoUninitialize();
+  return code;
 }

@@ -13,31 +13,76 @@ namespace kxrestore::cli {
 
 namespace {
 
-// The marks of one command, and what went wrong with them: each error is said once.
+// The marks of one command: what became of them, and what went wrong, which is said once. A mark counts when
+// its group is committed; a commit that fails is the failure of every mark in the group.
 class Marker {
  public:
   explicit Marker(Session& session)
       : m_session(session),
-        m_marks(*session.workspace, session.connection, m_noRun,
-                [this](const Error& error, const std::string& routine) { Report(error, routine); }) {}
+        m_marks(*session.workspace, session.connection, m_run,
+                [this](const Error& error, const std::string& routine) { Report(error, routine); }),
+        m_commits(session.workspace->Commits()) {
+    session.onCommitError = [this](const Error& error) { Report(error, "commit"); };
+  }
+  ~Marker() { m_session.onCommitError = nullptr; }
+  Marker(const Marker&) = delete;
+  Marker& operator=(const Marker&) = delete;
 
   catalog::RestoreMarks& Marks() { return m_marks; }
-  // Without its catalog every further mark would fail.
-  bool LostCatalog() const { return m_lost; }
+  // The run that the marks go to.
+  void Use(std::int32_t setId, std::string extension) { m_run = {setId, std::move(extension)}; }
+  // The catalog cannot be reached; every further mark would fail.
+  bool IsHopeless() const { return m_hopeless; }
+
+  void Count(catalog::MarkResult result, const std::optional<std::int64_t>& size) {
+    if (result == catalog::MarkResult::kDone) {
+      m_waiting.Add(size);
+    } else {
+      ++m_failed;
+    }
+    TakeCommits();
+  }
+  void Finish() {
+    try {
+      m_session.workspace->Flush();
+    } catch (const Error& error) {
+      Report(error, "commit");
+    }
+    TakeCommits();
+    m_done += std::exchange(m_waiting, {});
+  }
+  const Sum& Done() const { return m_done; }
+  std::int64_t Failed() const { return m_failed; }
 
  private:
+  void TakeCommits() {
+    const engine::CommitCounts now = m_session.workspace->Commits();
+    if (now.lost != m_commits.lost) {
+      m_failed += std::exchange(m_waiting, {}).files;
+    } else if (now.committed != m_commits.committed) {
+      m_done += std::exchange(m_waiting, {});
+    }
+    m_commits = now;
+  }
   void Report(const Error& error, const std::string& routine) {
-    m_lost = m_lost || error.Number() == engine::error_number::kOdbcConnectionFailed;
+    namespace engine_error = engine::error_number;
+    constexpr int kUnreachable[] = {engine_error::kFileNotFound,       engine_error::kCannotOpen,
+                                    engine_error::kFileInUse,          engine_error::kUnrecognizedFormat,
+                                    engine_error::kCannotCreateObject, engine_error::kOdbcConnectionFailed};
+    for (const int number : kUnreachable) m_hopeless = m_hopeless || error.Number() == number;
     if (!m_said.emplace(error.Number(), error.Description()).second) return;
     m_session.Say("kxrestore: " + routine + ": (" + std::to_string(error.Number()) + ") " +
                   error.Description());
   }
 
   Session& m_session;
-  const catalog::CurrentRun m_noRun;  // every entry names its own
+  catalog::CurrentRun m_run;
   catalog::RestoreMarks m_marks;
+  engine::CommitCounts m_commits;
+  Sum m_waiting, m_done;
+  std::int64_t m_failed = 0;
   std::set<std::pair<int, std::string>> m_said;
-  bool m_lost = false;
+  bool m_hopeless = false;
 };
 
 void SayResult(Session& session, const Options& options, const Sum& sum, std::int64_t failed) {
@@ -62,8 +107,6 @@ int Mark(Session& session, const Options& options) {
   std::optional<FileWriter> writer;
   if (options.dryRun) writer.emplace(session, options);
 
-  Sum sum;
-  std::int64_t failed = 0;
   bool found = false;
   selection.Walk([&](const Row& row) {
     if (!value && !row.Marked()) return true;
@@ -73,21 +116,20 @@ int Mark(Session& session, const Options& options) {
       return true;
     }
     const auto size = row.Size();
-    const std::string name = row.ShownName();
-    const catalog::MarkResult result = byId ? marker.Marks().UpdateByID(row.Id())
-                              : catalog::MarkEntry(marker.Marks(), name, row.StoredName(name), value,
-                                                   row.SetId(), row.Extension());
-    if (result == catalog::MarkResult::kDone) {
-      sum.Add(size);
+    if (byId) {
+      marker.Count(marker.Marks().UpdateByID(row.Id()), size);
     } else {
-      ++failed;
+      const std::string name = row.ShownName();
+      const std::string stored = row.StoredName(name);
+      marker.Use(row.SetId(), row.Extension());
+      marker.Count(catalog::MarkEntry(marker.Marks(), name, stored, value), size);
     }
-    return !marker.LostCatalog();
+    return !marker.IsHopeless();
   });
-  session.Finish();
-  if (!writer) SayResult(session, options, sum, failed);
+  marker.Finish();
+  if (!writer) SayResult(session, options, marker.Done(), marker.Failed());
   const int end = EndOf(session, &selection, found);
-  return failed > 0 ? ExitCode::kFailed : end;
+  return marker.Failed() > 0 ? ExitCode::kFailed : end;
 }
 
 int Clear(Session& session, const Options& options) {
@@ -95,9 +137,7 @@ int Clear(Session& session, const Options& options) {
   const Sum sum = WalkMarked(session, {});
   if (session.Stopped()) return EndOf(session, nullptr, true);
   Marker marker(session);
-  const catalog::MarkResult cleared = marker.Marks().ClearSelections();
-  session.Finish();
-  if (cleared == catalog::MarkResult::kFailed) return ExitCode::kFailed;
+  if (marker.Marks().ClearSelections() == catalog::MarkResult::kFailed) return ExitCode::kFailed;
   SayResult(session, options, sum, 0);
   return ExitCode::kDone;
 }

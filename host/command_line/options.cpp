@@ -24,6 +24,8 @@ commands that write:
   mark [MASK]       marks files to be restored; marks that are there stay
   unmark [MASK]     takes marks away
   clear             takes every mark of the catalog away
+  copy TO           copies a catalog file, its marks included: into a new file, or into a server's empty
+                    catalog by its connect string ("ODBC;...")
 
 criteria; all that are given must be met:
   MASK              * any text, ? one character, # one digit, [a-c] [!a-c] one of a list
@@ -57,11 +59,11 @@ struct CommandName {
   const char* name;
   Command command;
 };
-constexpr CommandName kCommands[] = {{"sets", Command::kSets},         {"runs", Command::kRuns},
-                                     {"types", Command::kTypes},       {"find", Command::kFind},
-                                     {"versions", Command::kVersions}, {"list", Command::kList},
-                                     {"count", Command::kCount},       {"mark", Command::kMark},
-                                     {"unmark", Command::kUnmark},     {"clear", Command::kClear}};
+constexpr CommandName kCommands[] = {
+    {"sets", Command::kSets},   {"runs", Command::kRuns},         {"types", Command::kTypes},
+    {"find", Command::kFind},   {"versions", Command::kVersions}, {"list", Command::kList},
+    {"count", Command::kCount}, {"mark", Command::kMark},         {"unmark", Command::kUnmark},
+    {"clear", Command::kClear}, {"copy", Command::kCopy}};
 
 Command CommandOf(const std::string& word) {
   for (const CommandName& known : kCommands)
@@ -93,9 +95,12 @@ engine::DateTime DateOf(const std::string& text) {
 
 void Check(const Options& options) {
   const Criteria& criteria = options.criteria;
-  const bool needsArgument = options.command == Command::kRuns || options.command == Command::kVersions;
-  if (needsArgument && options.argument.empty())
-    throw UsageError(options.command == Command::kRuns ? "runs wants a set" : "versions wants a name");
+  if (options.argument.empty()) {
+    if (options.command == Command::kRuns) throw UsageError("runs wants a set");
+    if (options.command == Command::kVersions) throw UsageError("versions wants a name");
+    if (options.command == Command::kCopy) throw UsageError("copy wants the target");
+  }
+  if (options.command == Command::kCopy && options.catalog.empty()) throw UsageError("copy wants --catalog");
   if (!criteria.Empty() && !TakesCriteria(options.command))
     throw UsageError("this command takes no criteria");
   if (options.command == Command::kVersions && (criteria.newest || criteria.asOf || !criteria.types.empty() ||
@@ -182,7 +187,8 @@ Options ParseCommandLine(const std::vector<std::string>& words) {
   options.command = CommandOf(plain[0]);
   if (plain.size() > 2) throw UsageError("unexpected " + plain[2] + "; an argument with blanks wants quotes");
   if (plain.size() == 2) {
-    if (options.command == Command::kRuns || options.command == Command::kVersions) {
+    if (options.command == Command::kRuns || options.command == Command::kVersions ||
+        options.command == Command::kCopy) {
       options.argument = plain[1];
     } else if (TakesCriteria(options.command)) {
       criteria.mask = plain[1];

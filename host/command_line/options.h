@@ -11,7 +11,7 @@
 
 namespace kxrestore::cli {
 
-enum class Command { kSets, kRuns, kTypes, kFind, kVersions, kList, kCount, kMark, kUnmark, kClear };
+enum class Command { kSets, kRuns, kTypes, kFind, kVersions, kList, kCount, kMark, kUnmark, kClear, kCopy };
 
 struct ExitCode {
   static constexpr int kDone = 0;
@@ -48,7 +48,7 @@ struct Options {
   bool askPassword = false;
 
   Command command = Command::kSets;
-  std::string argument;  // SET of runs, NAME of versions
+  std::string argument;  // SET of runs, NAME of versions, TO of copy
   Criteria criteria;
   bool json = false;
   bool dryRun = false;

@@ -104,9 +104,11 @@ std::optional<std::int64_t> Row::Size() const {
 }
 
 std::string Row::ShownName() const {
-  if (m_plugin.IsNull()) return m_name.Text();
-  const auto aggregate = catalog::AggregateName(m_plugin.Text(), m_file.Text());
-  return aggregate ? *aggregate : m_name.Text();
+  if (!m_plugin.IsNull()) {
+    if (auto aggregate = catalog::AggregateName(m_plugin.Text(), m_file.Text())) return *std::move(aggregate);
+  }
+  std::string name = m_name.Text();
+  return name.empty() ? m_filename.Text() : name;
 }
 
 std::string Row::StoredName(std::string_view shownName) const {

@@ -66,7 +66,12 @@ Session::~Session() {
 
 bool Session::Next() {
   if (m_rows++ % kLookEvery == 0) {
-    workspace->Idle();
+    try {
+      workspace->Idle();
+    } catch (const Error& error) {
+      if (!onCommitError) throw;
+      onCommitError(error);
+    }
     if (LookForStop()) return false;
     if (Clock::now() >= m_nextProgress) ShowProgress();
   }
@@ -85,11 +90,16 @@ void Session::Say(std::string_view line) {
 }
 
 void Session::ShowProgress() {
+  ShowStep("Scanning " + Grouped(static_cast<std::int64_t>(m_rows)) + " ...");
+}
+
+void Session::ShowStep(const std::string& text) {
+  if (Clock::now() < m_nextProgress) return;
   m_nextProgress = Clock::now() + kProgressEvery;
   if (!host.terminal) return;
-  const std::string text = "Scanning " + Grouped(static_cast<std::int64_t>(m_rows)) + " ...";
+  const std::size_t blanks = m_shownWidth > text.size() ? m_shownWidth - text.size() : 0;
   m_shownWidth = text.size();
-  host.err << '\r' << text << std::flush;
+  host.err << '\r' << text << std::string(blanks, ' ') << std::flush;
 }
 
 void Session::ClearProgress() {

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "base/error.h"
 #include "catalog/connection.h"
 #include "engine/database.h"
 #include "host/command_line/host.h"
@@ -32,11 +34,15 @@ class Session {
   // Before each row of a walk: lets waiting marks be committed and shows how far it is. False when Ctrl+C was
   // pressed.
   bool Next();
+  // Takes an error of a commit on the way; without it the walk ends with the error.
+  std::function<void(const Error& error)> onCommitError;
   bool Stopped() const { return m_stopped; }
 
   // Commits what waits; raises what the commit has to say.
   void Finish();
 
+  // How far a step of its own kind is; shown like the progress of a walk.
+  void ShowStep(const std::string& text);
   // A line for the user, on the error stream.
   void Say(std::string_view line);
 

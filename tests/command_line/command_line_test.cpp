@@ -128,6 +128,17 @@ TEST_F(CommandLineTest, ADryRunWritesNothing) {
   EXPECT_EQ(m_catalog.Marked(), Ids{});
 }
 
+TEST_F(CommandLineTest, ACopyIsTheSameCatalog) {
+  Run({"mark", "--under=D:"});
+  const std::string target = m_catalog.Path() + ".copy";
+  const Outcome outcome = Run({"copy", target, "--json"});
+  EXPECT_EQ(outcome.code, ExitCode::kDone) << outcome.err;
+  EXPECT_NE(outcome.out.find("{\"rows\":7,\"table\":\"Catalog\"}"), std::string::npos) << outcome.out;
+  EXPECT_EQ(m_commandLine.Run({"list", "--json", "--catalog", target}).out, Run({"list", "--json"}).out);
+  EXPECT_EQ(Run({"copy", target}).code, ExitCode::kFailed) << "the target is there";
+  std::filesystem::remove(target);
+}
+
 TEST_F(CommandLineTest, AMarkThatFailsIsSaidOnceAndTheOthersStand) {
   m_catalog.Execute(
       "CREATE TRIGGER Refuse BEFORE UPDATE ON Catalog WHEN OLD.ID IN (2, 4) BEGIN SELECT RAISE(ABORT, "

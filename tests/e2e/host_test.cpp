@@ -136,7 +136,7 @@ TEST_F(HostTest, ExamplesReadTheMarksAndSomeTakeThemAway) {
   for (const auto& [command, says, saysToo, clears] : cases) {
     m_catalog.Mark(kBox);
     Program host(command + L" \"" + m_catalog.Path() + L"\" D:\\out");
-    const driver::DialogDriver dialog(std::chrono::seconds(15), host.Id());
+    const driver::DialogDriver dialog(std::chrono::seconds(60), host.Id());
     ASSERT_NO_THROW({
       dialog.ExpectText("lblRestorePath", "Restore To: D:\\out");
       dialog.Click("cmdRestore(2)");
