@@ -72,9 +72,11 @@ std::string ShownText(std::string_view text, bool keepsBreaks) {
     } else {
       AppendCharacter(shown, character);
     }
-    before = stays                                         ? (IsJoiner(character) ? kNothing : kSelector)
-             : character >= 0x0600 && !IsUnseen(character) ? kLetter
-                                                           : kNothing;
+    if (stays) {
+      before = IsJoiner(character) ? kNothing : kSelector;
+    } else {
+      before = character >= 0x0600 && !IsUnseen(character) ? kLetter : kNothing;
+    }
   }
   return shown;
 }

@@ -18,7 +18,7 @@ namespace kxrestore::bench {
 namespace {
 
 constexpr double kMostFillRatio = 2.5;
-constexpr double kMostBytesANode = 200;
+constexpr double kMostBytesANode = 100;
 constexpr double kMostTickSeconds = 0.1;
 constexpr double kMostApplyRatio = 3;
 constexpr double kMostSyncsAFile = 0.01;

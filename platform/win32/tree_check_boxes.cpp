@@ -45,7 +45,9 @@ void CheckBoxes::Draw(const NMCUSTOMDRAW& draw, bool checked) {
   box.top = row.top + (row.bottom - row.top - side) / 2;
   box.right = box.left + side;
   box.bottom = box.top + side;
-  if (!m_theme) m_theme.emplace(OpenThemeData(m_native.Handle(), L"BUTTON"));
+  // Not opened for the window: the tree control would take it for its own theme, and draw radio buttons where
+  // nodes expand.
+  if (!m_theme) m_theme.emplace(OpenThemeData(nullptr, L"BUTTON"));
   if (*m_theme) {
     DrawThemeBackground(m_theme->get(), draw.hdc, BP_CHECKBOX,
                         checked ? CBS_CHECKEDNORMAL : CBS_UNCHECKEDNORMAL, &box, nullptr);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "controls/check_propagation.h"
+#include "platform/win32/theme.h"
 #include "platform/win32/tree_items.h"
 #include "tests/win32/control_host.h"
 
@@ -239,6 +240,7 @@ TEST_F(TreeWindowTest, TheUserTicks) {
 }
 
 TEST_F(TreeWindowTest, TheBoxIsDrawnAsTheModelSays) {
+  const HTHEME theme = GetWindowTheme(window);
   tree.Add({}, {}, "root");
   Pump();
   int drawn[2];
@@ -250,6 +252,7 @@ TEST_F(TreeWindowTest, TheBoxIsDrawnAsTheModelSays) {
   }
   EXPECT_GT(drawn[0], 10);
   EXPECT_GT(drawn[1], drawn[0] + 5);
+  EXPECT_EQ(GetWindowTheme(window), theme) << "drawing boxes must not change how the control draws the rest";
 }
 
 TEST_F(TreeWindowTest, TheUserChoosesANode) {
