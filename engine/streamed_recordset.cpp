@@ -156,6 +156,7 @@ void StreamedRecordset::SetFieldValue(std::size_t index, Value value) {
 void StreamedRecordset::Update() {
   NeedRow();
   if (!m_editing) Raise(number::kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
+  m_written.reserve(m_written.size() + m_pending.size());  // what is written must not fail any more
   Write(m_pending);
   for (auto& change : m_pending) {
     std::erase_if(m_written, [&change](const auto& written) { return written.first == change.first; });

@@ -161,7 +161,9 @@ void Session::BeginTransaction(const Database& owner) {
     engine::Raise(error_number::kInvalidOperation,
                   "Invalid operation: a transaction has begun already in '" + Place() + "'.");
   }
-  Flush();
+  SettleForCommit();
+  CommitGroup();
+  if (m_groupLost) std::rethrow_exception(m_groupLost);  // it stays to be told of the group
   NeedUndone();
   Outcome outcome = Begin();
   if (outcome.IsBusy() && !m_streaming.IsEmpty()) {

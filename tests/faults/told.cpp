@@ -44,9 +44,13 @@ unsigned Seed() {
   return seed;
 }
 
-unsigned Sparsely(unsigned sample) {
+unsigned Times() {
   static const unsigned times = Number("KX_FAULTS_TIMES");
-  return std::max(sample / times, 1u);
+  return times;
+}
+
+unsigned Sparsely(unsigned sample) {
+  return std::max(sample / Times(), 1u);
 }
 
 void Tell(const std::string& name, bool held) {

@@ -11,6 +11,7 @@
 namespace kxrestore::faults {
 
 unsigned Seed();
+unsigned Times();
 // The distance of neighbouring tries: `sample` in a sample, less in a whole run, at least 1.
 unsigned Sparsely(unsigned sample);
 // One try of a case, and whether what is promised held.
