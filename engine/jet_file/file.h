@@ -39,8 +39,8 @@ bool FileExists(const std::string& path);
 void RemoveFile(const std::string& path) noexcept;
 // As lock files have it: upper case, ASCII, at most 31 characters.
 std::string MachineName();
-// The text of an entry that another machine's program left cannot be judged by a POSIX system: locks of a
-// file server need not reach it. Windows knows who has a file open.
+// Whether the system can tell that nobody has a file open. Where it cannot, the lock file's entry of another
+// machine counts even when its byte is not locked: locks of a file server need not reach this machine.
 bool KnowsWhoHasFilesOpen();
 // Whether no other program has the file open; only where KnowsWhoHasFilesOpen.
 bool IsOpenNowhereElse(const std::string& path);

@@ -13,16 +13,17 @@
 #include "engine/jet_file/marks.h"
 #include "tests/engine/desktop_samples.h"
 
-using namespace kxrestore::engine;
+namespace desktop = kxrestore::engine::testing;
+namespace jet_file = kxrestore::engine::jet_file;
 
 namespace {
 
-const std::vector<testing::FileBytes>& Samples() {
-  static const std::vector<testing::FileBytes> samples = [] {
-    std::vector<testing::FileBytes> read;
+const std::vector<desktop::FileBytes>& Samples() {
+  static const std::vector<desktop::FileBytes> samples = [] {
+    std::vector<desktop::FileBytes> read;
     for (const char* name :
          {"sample-1997.mdb", "telling-2000.mdb", "overflow-2003.mdb", "telling-2019.accdb"}) {
-      read.push_back(testing::ReadBytes(testing::DesktopSample(name)));
+      read.push_back(desktop::ReadBytes(desktop::DesktopSample(name)));
     }
     return read;
   }();
@@ -65,7 +66,7 @@ void Use(const std::string& path) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 7) return 0;
-  testing::FileBytes bytes = Samples()[data[0] % Samples().size()];
+  desktop::FileBytes bytes = Samples()[data[0] % Samples().size()];
   const std::size_t pageSize = data[0] % Samples().size() == 0 ? 2048 : 4096;
   for (std::size_t i = 1; i + 6 <= size; i += 6) {
     const std::size_t page = (data[i] | data[i + 1] << 8) % (bytes.size() / pageSize);
@@ -74,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       bytes[std::min(page * pageSize + place + k, bytes.size() - 1)] = static_cast<char>(data[i + 5]);
     }
   }
-  testing::WriteBytes(WorkFile(), bytes);
+  desktop::WriteBytes(WorkFile(), bytes);
   Use(WorkFile());
   return 0;
 }
