@@ -20,7 +20,7 @@ class Desk : public DialogTest {
   Strings Work() {
     Note("sets", Outline(ui().tvwSets.FirstRoot()));
     ChooseRun("1 002");
-    Note("files", Outline(ui().tvwDetails.FirstRoot()));
+    Note("files", Paths(ui().tvwDetails));
     TickAll();
     Apply();
     NoteMarks("apply");
@@ -48,6 +48,19 @@ class Desk : public DialogTest {
     return std::move(m_seen);
   }
 
+  // The nodes with all that is above them, sorted: the rows of a run come in no order of their own.
+  static Strings Paths(const controls::TreeView& tree) {
+    Strings paths;
+    for (std::uint32_t index = 1; index <= tree.Count(); ++index) {
+      std::string& path = paths.emplace_back();
+      for (controls::Node node = tree.Item(index); node; node = node.Parent()) {
+        path.insert(0, std::string(node.Text()) + "/");
+      }
+      path.append(tree.Item(index).Tag());
+    }
+    std::sort(paths.begin(), paths.end());
+    return paths;
+  }
   void NoteMarks(const std::string& after) {
     Note("listed after " + after, Listed());
     NoteMarked(after);
