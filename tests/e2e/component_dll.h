@@ -114,7 +114,7 @@ HRESULT CallByName(IDispatch* object, const wchar_t* name, WORD flags, VARIANT* 
                    VARIANT* result = nullptr);
 
 // An object of its own, without a dialog.
-class ObjectTest : public testing::Test {
+class ObjectTest : public ::testing::Test {
  protected:
   Apartment m_apartment;
   ComponentDll m_dll;

@@ -25,7 +25,7 @@ short RunDialog(_RestoreDlg* object, const Steps& steps);
 
 std::string SelectedText(int files);  // "2 file(s) selected"
 
-class DialogTest : public testing::Test {
+class DialogTest : public ::testing::Test {
  protected:
   // The window opens as designed, and nothing of it is remembered beyond the test.
   DialogTest();
