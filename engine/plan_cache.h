@@ -18,7 +18,6 @@ enum class StatementUse { kSnapshot, kDynaset, kAction };
 // What the plans of all back ends have. They also have `idle`, prepared statements that nobody uses, and
 // `updates`, one for each choice of columns.
 struct CachedPlan {
-  bool needsText = false;     // the literals have to stay in the statement: there is one plan for each text
   bool keepsPrepared = true;  // false where the server does not tell that a view is another now
   bool current = true;        // false once the schema was changed under it
 };
@@ -32,20 +31,15 @@ class PlanCache {
   std::shared_ptr<Plan> Find(std::string_view source, StatementUse use, const ColumnNames& read, Make make) {
     if (!jet_sql::ExtractLiterals(source, m_extracted)) KeepText(source);
     std::string& key = m_extracted.key;
-    for (;;) {
-      const std::size_t textSize = key.size();
-      key.push_back(static_cast<char>('0' + static_cast<int>(use)));
-      for (const std::string_view name : read) key.append(name).push_back('\0');
-      auto found = m_plans.find(key);
-      if (found == m_plans.end()) {
-        const bool parameters = m_extracted.count > 0;
-        auto plan = make(parameters ? std::string_view(key).substr(0, textSize) : source);
-        if (m_plans.size() >= kMostPlans) m_plans.clear();
-        found = m_plans.emplace(key, std::move(plan)).first;
-      }
-      if (!found->second->needsText) return found->second;
-      KeepText(source);
-    }
+    const std::size_t textSize = key.size();
+    key.push_back(static_cast<char>('0' + static_cast<int>(use)));
+    for (const std::string_view name : read) key.append(name).push_back('\0');
+    const auto found = m_plans.find(key);
+    if (found != m_plans.end()) return found->second;
+    const bool parameters = m_extracted.count > 0;
+    auto plan = make(parameters ? std::string_view(key).substr(0, textSize) : source);
+    if (m_plans.size() >= kMostPlans) m_plans.clear();
+    return m_plans.emplace(key, std::move(plan)).first->second;
   }
 
   // Of the text that a plan was looked for last.

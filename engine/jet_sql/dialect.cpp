@@ -1,7 +1,5 @@
 #include "engine/jet_sql/dialect.h"
 
-#include "engine/jet_sql/lexer.h"
-
 namespace kxrestore::engine::jet_sql {
 
 std::string Dialect::Text(std::string_view text) const {
@@ -29,9 +27,9 @@ std::string Dialect::BooleanExtreme(const std::string& operand, bool maximum) co
   return (maximum ? "max(" : "min(") + operand + ")";
 }
 
-std::string Dialect::Function(std::string_view name, const std::vector<std::string>& arguments) const {
+std::string Dialect::Call(const Expression& call, const std::vector<std::string>& arguments) const {
   for (const FunctionMapping& mapping : Functions()) {
-    if (mapping.arguments != arguments.size() || !IsKeyword(name, mapping.name)) continue;
+    if (mapping.arguments != arguments.size() || mapping.function != call.function) continue;
     std::string text;
     for (std::size_t i = 0; i < mapping.text.size(); ++i) {
       if (mapping.text[i] == '$') {
@@ -42,8 +40,7 @@ std::string Dialect::Function(std::string_view name, const std::vector<std::stri
     }
     return text;
   }
-  std::string text(name);
-  text += "(";
+  std::string text = call.text + "(";
   for (std::size_t i = 0; i < arguments.size(); ++i) text += (i == 0 ? "" : ", ") + arguments[i];
   return text + ")";
 }

@@ -13,7 +13,7 @@ namespace kxrestore::engine::jet_sql {
 
 // A function of the catalog's dialect with this number of arguments, which stand in `text` as $1, $2, ...
 struct FunctionMapping {
-  std::string_view name;
+  Function function;
   std::size_t arguments;
   std::string_view text;
 };
@@ -40,8 +40,7 @@ class Dialect {
   // `pattern` is the pattern as parsed, `printed` as printed.
   virtual std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
                            bool negated) const = 0;
-  // What a mask becomes where it is given as a parameter; whether it can be.
-  virtual bool TakesMasksAsParameters() const { return true; }
+  // What a mask becomes where it is given as a parameter.
   virtual std::string Mask(std::string_view mask) const { return std::string(mask); }
 
   // left & right: Null counts as an empty text.
@@ -54,7 +53,7 @@ class Dialect {
   virtual bool FirstIsAggregate() const = 0;
 
   // A function that Functions() does not name keeps its name.
-  std::string Function(std::string_view name, const std::vector<std::string>& arguments) const;
+  std::string Call(const Expression& call, const std::vector<std::string>& arguments) const;
 
   // A column to sort by, so that texts come in the order that people expect.
   virtual std::string SortKey(const std::string& column, ValueKind /*kind*/) const { return column; }

@@ -12,6 +12,24 @@ constexpr int kMaxTreeDepth = 400;  // what printing and destroying may recurse 
 Expression::Expression() = default;
 Expression::~Expression() = default;
 
+ExpressionPtr MakeColumn(std::string qualifier, std::string name) {
+  auto column = std::make_unique<Expression>();
+  column->kind = ExpressionKind::kColumn;
+  column->qualifier = std::move(qualifier);
+  column->text = std::move(name);
+  return column;
+}
+
+bool IsAggregate(const Expression& expression) {
+  return expression.args.size() == 1 && FactsOf(expression.function).isAggregate;
+}
+
+bool HoldsAggregate(const Expression& expression) {
+  return IsAggregate(expression) ||
+         std::any_of(expression.args.begin(), expression.args.end(),
+                     [](const ExpressionPtr& part) { return HoldsAggregate(*part); });
+}
+
 const Expression& GroupedExpression(const Expression& key) {
   return key.kind == ExpressionKind::kCollate && IsKeyword(key.text, "NOCASE") ? *key.args.front() : key;
 }
@@ -35,12 +53,13 @@ void ExpressionParser::Adopt(Expression& parent, ExpressionPtr child) {
 
 ExpressionPtr ExpressionParser::ParseExpression() {
   DepthGuard guard(*this);
-  return ParseChain(&ExpressionParser::ParseAnd, [this] { return std::string(TakeWord("OR") ? "OR" : ""); });
+  return ParseChain(&ExpressionParser::ParseAnd,
+                    [this] { return TakeWord("OR") ? Taken(Operator::kOr) : std::nullopt; });
 }
 
 ExpressionPtr ExpressionParser::ParseAnd() {
   return ParseChain(&ExpressionParser::ParseNot,
-                    [this] { return std::string(TakeWord("AND") ? "AND" : ""); });
+                    [this] { return TakeWord("AND") ? Taken(Operator::kAnd) : std::nullopt; });
 }
 
 ExpressionPtr ExpressionParser::ParseNot() {
@@ -52,22 +71,27 @@ ExpressionPtr ExpressionParser::ParseNot() {
   return expression;
 }
 
-std::string ExpressionParser::TakeComparison() {
-  constexpr std::string_view kOperators[] = {"=", "<>", "<", ">", "<=", ">=", "==", "!="};
-  for (const std::string_view symbol : kOperators) {
-    if (!TakeSymbol(symbol)) continue;
-    return symbol == "==" ? "=" : symbol == "!=" ? "<>" : std::string(symbol);
+ExpressionParser::Taken ExpressionParser::TakeOperator(std::initializer_list<Sign> signs) {
+  for (const auto& [text, sign] : signs) {
+    if (TakeSymbol(text)) return sign;
   }
-  return {};
+  return std::nullopt;
 }
 
 ExpressionPtr ExpressionParser::ParseComparison() {
   ExpressionPtr left = ParseConcatenation();
   for (;;) {
     ExpressionPtr node;
-    if (std::string name = TakeComparison(); !name.empty()) {
+    if (const Taken sign = TakeOperator({{"=", Operator::kEqual},
+                                         {"<>", Operator::kNotEqual},
+                                         {"<", Operator::kLess},
+                                         {">", Operator::kGreater},
+                                         {"<=", Operator::kLessOrEqual},
+                                         {">=", Operator::kGreaterOrEqual},
+                                         {"==", Operator::kEqual},
+                                         {"!=", Operator::kNotEqual}})) {
       node = Make(ExpressionKind::kCompare);
-      node->operators.push_back(std::move(name));
+      node->operators.push_back(*sign);
       Adopt(*node, std::move(left));
       Adopt(*node, ParseConcatenation());
     } else if (IsWord(Current(), "IS")) {
@@ -120,23 +144,23 @@ ExpressionPtr ExpressionParser::ParseTest(ExpressionPtr left) {
 
 ExpressionPtr ExpressionParser::ParseConcatenation() {
   return ParseChain(&ExpressionParser::ParseSum, [this] {
-    return std::string(TakeSymbol("&") ? "&" : TakeSymbol("||") ? "||" : "");
+    return TakeOperator({{"&", Operator::kConcatenate}, {"||", Operator::kStandardJoin}});
   });
 }
 
 ExpressionPtr ExpressionParser::ParseSum() {
   return ParseChain(&ExpressionParser::ParseProduct, [this] {
-    return std::string(TakeSymbol("+") ? "+" : TakeSymbol("-") ? "-" : "");
+    return TakeOperator({{"+", Operator::kAdd}, {"-", Operator::kSubtract}});
   });
 }
 
 ExpressionPtr ExpressionParser::ParseProduct() {
-  return ParseChain(&ExpressionParser::ParseUnary, [this]() -> std::string {
-    if (TakeSymbol("*")) return "*";
-    if (TakeSymbol("/")) return "/";
-    if (TakeSymbol("\\")) return "\\";
-    if (TakeSymbol("%") || TakeWord("MOD")) return "%";
-    return {};
+  return ParseChain(&ExpressionParser::ParseUnary, [this] {
+    if (TakeWord("MOD")) return Taken(Operator::kModulo);
+    return TakeOperator({{"*", Operator::kMultiply},
+                         {"/", Operator::kDivide},
+                         {"\\", Operator::kDivideWhole},
+                         {"%", Operator::kModulo}});
   });
 }
 
@@ -272,6 +296,7 @@ void ExpressionParser::ParseArguments(Expression& node) {
 ExpressionPtr ExpressionParser::ParseFunction() {
   ExpressionPtr node = Make(ExpressionKind::kFunction);
   node->text = Advance().value;
+  node->function = FunctionNamed(node->text);
   NeedSymbol("(");
   if (TakeSymbol("*")) {
     Adopt(*node, Make(ExpressionKind::kStar));
@@ -288,7 +313,7 @@ ExpressionPtr ExpressionParser::ParseCase() {
   Advance();
   ExpressionPtr node = Make(ExpressionKind::kCase);
   if (!IsWord(Current(), "WHEN")) {
-    node->operators.push_back("base");
+    node->hasBase = true;
     Adopt(*node, ParseExpression());
   }
   while (TakeWord("WHEN")) {

@@ -1,6 +1,8 @@
 // The expressions of a statement, from OR down to names and literals.
 #pragma once
 
+#include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,18 +24,24 @@ class ExpressionParser : public TokenReader {
   virtual SelectStatement ParseSelect() = 0;
 
  private:
-  // One level of left-associative operators; `match` takes the operator at hand and returns its name.
-  template <typename Operand, typename Match>
-  ExpressionPtr ParseChain(Operand operand, Match match) {
+  using Taken = std::optional<Operator>;
+  struct Sign {
+    std::string_view text;
+    Operator sign;
+  };
+  Taken TakeOperator(std::initializer_list<Sign> signs);
+
+  // One level of left-associative operators; `take` takes the operator at hand.
+  template <typename Operand, typename Take>
+  ExpressionPtr ParseChain(Operand operand, Take take) {
     ExpressionPtr first = (this->*operand)();
-    std::string name = match();
-    if (name.empty()) return first;
+    Taken sign = take();
+    if (!sign) return first;
     ExpressionPtr chain = Make(ExpressionKind::kChain);
     Adopt(*chain, std::move(first));
-    while (!name.empty()) {
-      chain->operators.push_back(std::move(name));
+    for (; sign; sign = take()) {
+      chain->operators.push_back(*sign);
       Adopt(*chain, (this->*operand)());
-      name = match();
     }
     return chain;
   }
@@ -43,7 +51,6 @@ class ExpressionParser : public TokenReader {
   void Adopt(Expression& parent, ExpressionPtr child);
   ExpressionPtr ParseAnd();
   ExpressionPtr ParseNot();
-  std::string TakeComparison();
   ExpressionPtr ParseComparison();
   static bool IsTestWord(const Token& token);
   ExpressionPtr ParseTest(ExpressionPtr left);

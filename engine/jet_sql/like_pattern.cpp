@@ -7,39 +7,22 @@
 
 namespace kxrestore::engine::jet_sql {
 
-LikePattern::LikePattern(std::string_view mask) {
-  const std::string folded = FoldCase(mask);
-  if (folded.find_first_of("?#[") == std::string::npos) {
-    m_simple = true;
-    for (std::size_t start = 0; start <= folded.size();) {
-      const std::size_t star = std::min(folded.find('*', start), folded.size());
-      m_pieces.push_back(folded.substr(start, star - start));
-      start = star + 1;
-    }
-    ChooseNeeded();
-    return;
-  }
-  for (std::size_t position = 0; position < folded.size();) {
-    const char32_t character = NextCharacter(folded, position);
-    switch (character) {
-      case '*':
-        if (m_elements.empty() || m_elements.back().kind != Kind::kAnyRun) {
-          m_elements.push_back({Kind::kAnyRun, 0, false, {}});
-        }
-        break;
-      case '?':
-        m_elements.push_back({Kind::kAnyOne, 0, false, {}});
-        break;
-      case '#':
-        m_elements.push_back({Kind::kDigit, 0, false, {}});
-        break;
-      case '[':
-        position = ReadList(folded, position);
-        break;
-      default:
-        m_elements.push_back({Kind::kLiteral, character, false, {}});
+using Kind = MaskElement::Kind;
+
+LikePattern::LikePattern(std::string_view mask) : m_elements(ParseMask(FoldCase(mask))) {
+  m_simple = std::all_of(m_elements.begin(), m_elements.end(), [](const MaskElement& element) {
+    return element.kind == Kind::kLiteral || element.IsRun();
+  });
+  if (!m_simple) return;
+  m_pieces.emplace_back();
+  for (const MaskElement& element : m_elements) {
+    if (element.IsRun()) {
+      m_pieces.emplace_back();
+    } else {
+      AppendCharacter(m_pieces.back(), element.character);
     }
   }
+  ChooseNeeded();
 }
 
 // Most texts that do not match lack the rarest letter of the mask, and looking for one byte is the quickest
@@ -57,34 +40,6 @@ bool LikePattern::HoldsNeeded(std::string_view text) const {
   if (text.empty()) return false;
   if (std::memchr(text.data(), m_needed, text.size()) != nullptr) return true;
   return m_needed >= 'a' && std::memchr(text.data(), m_needed - 'a' + 'A', text.size()) != nullptr;
-}
-
-// `position` is behind the bracket; returns the position behind the list.
-std::size_t LikePattern::ReadList(std::string_view folded, std::size_t position) {
-  Element element{Kind::kList, 0, false, {}};
-  std::size_t end = folded.find(']', position);
-  if (end == std::string_view::npos) {
-    m_elements.push_back({Kind::kLiteral, '[', false, {}});
-    return position;
-  }
-  if (end == position) return end + 1;  // an empty list matches no character at all
-  if (folded[position] == '!' && end > position + 1) {
-    element.negated = true;
-    ++position;
-  }
-  const std::string_view list = folded.substr(0, end);
-  while (position < end) {
-    Range range{};
-    range.first = range.last = NextCharacter(list, position);
-    if (position + 1 < end && list[position] == '-') {
-      ++position;
-      range.last = NextCharacter(list, position);
-      if (range.last < range.first) std::swap(range.first, range.last);
-    }
-    element.ranges.push_back(range);
-  }
-  m_elements.push_back(std::move(element));
-  return end + 1;
 }
 
 bool LikePattern::Matches(std::string_view text) const {
@@ -110,7 +65,7 @@ bool LikePattern::MatchesPieces(std::string_view folded) const {
   return true;
 }
 
-bool LikePattern::MatchesOne(const Element& element, char32_t character) {
+bool LikePattern::MatchesOne(const MaskElement& element, char32_t character) {
   switch (element.kind) {
     case Kind::kLiteral:
       return character == element.character;
@@ -119,10 +74,10 @@ bool LikePattern::MatchesOne(const Element& element, char32_t character) {
     case Kind::kDigit:
       return character >= '0' && character <= '9';
     case Kind::kList:
-      return element.negated !=
-             std::any_of(element.ranges.begin(), element.ranges.end(), [character](const Range& range) {
-               return character >= range.first && character <= range.last;
-             });
+      return element.negated != std::any_of(element.ranges.begin(), element.ranges.end(),
+                                            [character](const MaskElement::Range& range) {
+                                              return character >= range.first && character <= range.last;
+                                            });
     case Kind::kAnyRun:
       break;
   }
@@ -135,7 +90,7 @@ bool LikePattern::MatchesGeneral(std::string_view folded) const {
   std::size_t position = 0, element = 0;
   std::size_t runElement = kNone, runPosition = 0;
   while (position < folded.size()) {
-    if (element < m_elements.size() && m_elements[element].kind == Kind::kAnyRun) {
+    if (element < m_elements.size() && m_elements[element].IsRun()) {
       runElement = ++element;
       runPosition = position;
       continue;
@@ -151,7 +106,7 @@ bool LikePattern::MatchesGeneral(std::string_view folded) const {
     position = runPosition;
     element = runElement;
   }
-  while (element < m_elements.size() && m_elements[element].kind == Kind::kAnyRun) ++element;
+  while (element < m_elements.size() && m_elements[element].IsRun()) ++element;
   return element == m_elements.size();
 }
 

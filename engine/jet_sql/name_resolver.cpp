@@ -4,8 +4,8 @@
 
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/lexer.h"
 #include "engine/jet_sql/parser.h"
+#include "engine/jet_sql/value_kinds.h"
 
 namespace kxrestore::engine::jet_sql {
 namespace {
@@ -32,47 +32,6 @@ struct Found {
 
 [[noreturn]] void RaiseNoColumn(const std::string& name) {
   Raise(error_number::kParameterMissing, "Too few parameters. Expected 1. No such column: '" + name + "'.");
-}
-
-bool HoldsAggregate(const Expression& expression) {
-  if (expression.kind == ExpressionKind::kFunction) {
-    for (const char* name : {"MAX", "MIN", "COUNT", "SUM", "AVG", "FIRST", "LAST"}) {
-      if (IsKeyword(expression.text, name)) return true;
-    }
-  }
-  return std::any_of(expression.args.begin(), expression.args.end(),
-                     [](const ExpressionPtr& argument) { return HoldsAggregate(*argument); });
-}
-
-bool IsLiteral(const Expression& expression) {
-  switch (expression.kind) {
-    case ExpressionKind::kNull:
-    case ExpressionKind::kBoolean:
-    case ExpressionKind::kNumber:
-    case ExpressionKind::kText:
-    case ExpressionKind::kDate:
-    case ExpressionKind::kParameter:
-      return true;
-    default:
-      return false;
-  }
-}
-
-ValueKind KindOfFunction(const Expression& node) {
-  for (const char* name : {"FIRST", "LAST", "MAX", "MIN", "NZ", "COALESCE"}) {
-    if (IsKeyword(node.text, name) && !node.args.empty()) return node.args.front()->valueKind;
-  }
-  if (IsKeyword(node.text, "IIF") && node.args.size() == 3) {
-    const ValueKind kind = node.args[1]->valueKind;
-    return kind != ValueKind::kUnknown ? kind : node.args[2]->valueKind;
-  }
-  for (const char* name : {"COUNT", "SUM", "AVG", "LEN", "INT", "CLNG"}) {
-    if (IsKeyword(node.text, name)) return ValueKind::kNumber;
-  }
-  for (const char* name : {"UCASE", "LCASE", "LEFT", "RIGHT", "MID", "CSTR"}) {
-    if (IsKeyword(node.text, name)) return ValueKind::kText;
-  }
-  return IsKeyword(node.text, "ISNULL") ? ValueKind::kBoolean : ValueKind::kUnknown;
 }
 
 class Resolver {
@@ -228,13 +187,13 @@ class Resolver {
     if (select != nullptr) table.query = std::make_unique<SelectStatement>(std::move(*select));
   }
 
-  static bool AddStar(const SelectItem& item, const Scope& scope, std::vector<ResultColumn>& columns) {
+  static bool AddStar(SelectItem& item, const Scope& scope, std::vector<ResultColumn>& columns) {
     bool known = true;
     for (const Source& source : scope.sources) {
       if (!item.starQualifier.empty() && !EqualIgnoringCase(source.visible, item.starQualifier)) continue;
       known = known && source.known;
       for (const KnownColumn& column : source.columns) columns.push_back({column.name, column.kind});
-      if (!item.starQualifier.empty()) const_cast<SelectItem&>(item).starQualifier = source.spelled;
+      if (!item.starQualifier.empty()) item.starQualifier = source.spelled;
     }
     return known;
   }
@@ -349,51 +308,22 @@ class Resolver {
         if (m_resolution.parameters.size() < static_cast<std::size_t>(node.number)) {
           m_resolution.parameters.resize(static_cast<std::size_t>(node.number));
         }
-        break;
-      case ExpressionKind::kText:
-        node.valueKind = ValueKind::kText;
-        break;
-      case ExpressionKind::kNumber:
-      case ExpressionKind::kMinus:
-        node.valueKind = ValueKind::kNumber;
-        break;
-      case ExpressionKind::kDate:
-        node.valueKind = ValueKind::kDate;
-        break;
-      case ExpressionKind::kChain:
-        node.valueKind = KindOfChain(node);
-        break;
-      case ExpressionKind::kBoolean:
-      case ExpressionKind::kNot:
-      case ExpressionKind::kIsNull:
-      case ExpressionKind::kExists:
-        node.valueKind = ValueKind::kBoolean;
-        break;
+        return;
       case ExpressionKind::kCompare:
       case ExpressionKind::kBetween:
       case ExpressionKind::kIn:
         AdaptOperands(node);
-        node.valueKind = ValueKind::kBoolean;
         break;
       case ExpressionKind::kLike:
         if (node.args[1]->kind == ExpressionKind::kParameter) Use(*node.args[1]).isMask = true;
-        node.valueKind = ValueKind::kBoolean;
-        break;
-      case ExpressionKind::kFunction:
-        node.valueKind = KindOfFunction(node);
         break;
       case ExpressionKind::kSubquery:
         if (columns.size() == 1) node.valueKind = columns.front().kind;
-        break;
+        return;
       default:
         break;
     }
-  }
-
-  static ValueKind KindOfChain(const Expression& node) {
-    const std::string& first = node.operators.front();
-    if (first == "AND" || first == "OR") return ValueKind::kBoolean;
-    return first == "&" || first == "||" ? ValueKind::kText : ValueKind::kNumber;
+    node.valueKind = KindOf(node);
   }
 
   ParameterUse& Use(const Expression& parameter) {

@@ -1,4 +1,5 @@
-#include "engine/jet_sql/lexer.h"
+#include "base/text.h"
+#include "engine/jet_sql/mask.h"
 #include "engine/jet_sql/server_dialects.h"
 
 namespace kxrestore::engine::jet_sql {
@@ -10,28 +11,35 @@ constexpr const char* kIcuCollation = " COLLATE \"und-x-icu\"";
 constexpr const char* kAccented = "àáâãäåçèéêëìíîïñòóôõöøùúûüýÿÀÁÂÃÄÅÇÈÉÊËÌÍÎÏÑÒÓÔÕÖØÙÚÛÜÝŸ";
 constexpr const char* kPlain = "aaaaaaceeeeiiiinoooooouuuuyyaaaaaaceeeeiiiinoooooouuuuyy";
 
-void AppendLiteral(std::string& regex, char c) {
-  if (static_cast<unsigned char>(c) < 0x80 && !IsWordCharacter(c)) regex += '\\';
-  regex += c;
+void AppendCharacterOf(std::string& regex, char32_t character) {
+  constexpr std::string_view kSigns = "\\^$.|?*+()[]{}-";
+  if (character < 0x80 && kSigns.find(static_cast<char>(character)) != std::string_view::npos) regex += '\\';
+  AppendCharacter(regex, character);
 }
 
-// A mask's list, [a-z] or [!a-z]; `end` is its closing bracket. Nothing can be matched by an empty one.
-void AppendList(std::string& regex, std::string_view list) {
-  const bool negated = !list.empty() && list.front() == '!';
-  if (negated) list.remove_prefix(1);
-  if (list.empty()) {
-    regex += negated ? "." : "(?!)";
-    return;
+void AppendElement(std::string& regex, const MaskElement& element) {
+  switch (element.kind) {
+    case MaskElement::Kind::kAnyRun:
+      regex += ".*";
+      return;
+    case MaskElement::Kind::kAnyOne:
+      regex += '.';
+      return;
+    case MaskElement::Kind::kDigit:
+      regex += "[0-9]";
+      return;
+    case MaskElement::Kind::kLiteral:
+      AppendCharacterOf(regex, element.character);
+      return;
+    case MaskElement::Kind::kList:
+      break;
   }
-  regex += negated ? "[^" : "[";
-  for (std::size_t i = 0; i < list.size(); ++i) {
-    const bool range = list[i] == '-' && i > 0 && i + 1 < list.size();
-    if (range) {
-      regex += '-';
-    } else {
-      if (static_cast<unsigned char>(list[i]) < 0x80 && !IsWordCharacter(list[i])) regex += '\\';
-      regex += list[i];
-    }
+  regex += element.negated ? "[^" : "[";
+  for (const auto& [first, last] : element.ranges) {
+    AppendCharacterOf(regex, first);
+    if (last == first) continue;
+    regex += '-';
+    AppendCharacterOf(regex, last);
   }
   regex += ']';
 }
@@ -49,27 +57,16 @@ std::string PostgresDialect::BooleanExtreme(const std::string& operand, bool max
 
 // Masks are regular expressions there: they can say all that a mask can.
 std::string PostgresDialect::Mask(std::string_view mask) const {
-  std::string regex;
-  const bool openStart = mask.starts_with('*'), openEnd = mask.size() > 1 && mask.ends_with('*');
-  if (openStart) mask.remove_prefix(1);
-  if (openEnd) mask.remove_suffix(1);
-  if (!openStart) regex += '^';
-  for (std::size_t i = 0; i < mask.size(); ++i) {
-    const std::size_t close = mask[i] == '[' ? mask.find(']', i + 1) : std::string_view::npos;
-    if (close != std::string_view::npos) {
-      AppendList(regex, mask.substr(i + 1, close - i - 1));
-      i = close;
-    } else if (mask[i] == '*') {
-      regex += ".*";
-    } else if (mask[i] == '?') {
-      regex += '.';
-    } else if (mask[i] == '#') {
-      regex += "[0-9]";
-    } else {
-      AppendLiteral(regex, mask[i]);
-    }
+  const std::vector<MaskElement> elements = ParseMask(mask);
+  // A run at an end asks for nothing there.
+  const bool openStart = !elements.empty() && elements.front().IsRun();
+  const bool openEnd = !elements.empty() && elements.back().IsRun();
+  std::string regex = openStart ? "" : "^";
+  for (const MaskElement& element : elements) {
+    const bool atEnd = &element == &elements.front() || &element == &elements.back();
+    if (!atEnd || !element.IsRun()) AppendElement(regex, element);
   }
-  if (!openEnd && !(openStart && mask.empty())) regex += '$';
+  if (!openEnd) regex += '$';
   return regex;
 }
 
@@ -116,22 +113,22 @@ std::string PostgresDialect::GroupKey(const std::string& column, ValueKind kind)
 
 std::span<const FunctionMapping> PostgresDialect::Functions() const {
   static constexpr FunctionMapping kMappings[] = {
-      {"UCASE", 1, "upper($1)"},
-      {"LCASE", 1, "lower($1)"},
-      {"LEN", 1, "length($1)"},
-      {"LEFT", 2, "left($1, $2)"},
-      {"RIGHT", 2, "right($1, $2)"},
-      {"MID", 2, "substr($1, $2)"},
-      {"MID", 3, "substr($1, $2, $3)"},
-      {"INSTRREV", 2,
+      {Function::kUCase, 1, "upper($1)"},
+      {Function::kLCase, 1, "lower($1)"},
+      {Function::kLen, 1, "length($1)"},
+      {Function::kLeft, 2, "left($1, $2)"},
+      {Function::kRight, 2, "right($1, $2)"},
+      {Function::kMid, 2, "substr($1, $2)"},
+      {Function::kMid, 3, "substr($1, $2, $3)"},
+      {Function::kInStrRev, 2,
        "CASE WHEN strpos($1, $2) = 0 THEN 0 ELSE length($1) - length($2) - strpos(reverse($1), reverse($2)) "
        "+ 2 END"},
-      {"NZ", 1, "coalesce($1, '')"},
-      {"NZ", 2, "coalesce($1, $2)"},
-      {"INT", 1, "floor($1)"},
-      {"CLNG", 1, "CAST($1 AS bigint)"},
-      {"CSTR", 1, "CAST($1 AS text)"},
-      {"NOW", 0, "localtimestamp(0)"},
+      {Function::kNz, 1, "coalesce($1, '')"},
+      {Function::kNz, 2, "coalesce($1, $2)"},
+      {Function::kInt, 1, "floor($1)"},
+      {Function::kCLng, 1, "CAST($1 AS bigint)"},
+      {Function::kCStr, 1, "CAST($1 AS text)"},
+      {Function::kNow, 0, "localtimestamp(0)"},
   };
   return kMappings;
 }

@@ -4,7 +4,6 @@
 
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/lexer.h"
 
 namespace kxrestore::engine::jet_sql {
 namespace {
@@ -18,8 +17,8 @@ enum Level { kOrLevel = 1, kAndLevel, kNotLevel, kTestLevel, kArithmeticLevel, k
 Level LevelOf(const Expression& expression) {
   switch (expression.kind) {
     case ExpressionKind::kChain:
-      if (expression.operators.front() == "OR") return kOrLevel;
-      if (expression.operators.front() == "AND") return kAndLevel;
+      if (expression.operators.front() == Operator::kOr) return kOrLevel;
+      if (expression.operators.front() == Operator::kAnd) return kAndLevel;
       return kArithmeticLevel;
     case ExpressionKind::kNot:
       return kNotLevel;
@@ -37,26 +36,56 @@ Level LevelOf(const Expression& expression) {
   }
 }
 
-bool IsCall(const Expression& expression, std::string_view name, std::size_t arguments) {
-  return expression.kind == ExpressionKind::kFunction && expression.args.size() == arguments &&
-         IsKeyword(expression.text, name);
+std::string_view SignOf(Operator sign) {
+  switch (sign) {
+    case Operator::kOr:
+      return "OR";
+    case Operator::kAnd:
+      return "AND";
+    case Operator::kEqual:
+      return "=";
+    case Operator::kNotEqual:
+      return "<>";
+    case Operator::kLess:
+      return "<";
+    case Operator::kGreater:
+      return ">";
+    case Operator::kLessOrEqual:
+      return "<=";
+    case Operator::kGreaterOrEqual:
+      return ">=";
+    case Operator::kConcatenate:
+      return "&";
+    case Operator::kStandardJoin:
+      return "||";
+    case Operator::kAdd:
+      return "+";
+    case Operator::kSubtract:
+      return "-";
+    case Operator::kMultiply:
+      return "*";
+    case Operator::kDivide:
+      return "/";
+    case Operator::kDivideWhole:
+      return "\\";
+    case Operator::kModulo:
+      return "%";
+  }
+  return {};
+}
+
+bool IsCall(const Expression& expression, Function function, std::size_t arguments) {
+  return expression.function == function && expression.args.size() == arguments;
 }
 
 bool IsNeverNull(const Expression& condition) {
   return condition.kind == ExpressionKind::kIsNull || condition.kind == ExpressionKind::kExists ||
-         IsCall(condition, "ISNULL", 1);
+         IsCall(condition, Function::kIsNull, 1);
 }
 
 // Whether it is true or false by what it is, as against a value of any kind.
 bool IsCondition(const Expression& expression) {
   return LevelOf(expression) <= kTestLevel || IsNeverNull(expression);
-}
-
-bool IsAggregate(const Expression& expression) {
-  for (const std::string_view name : {"FIRST", "MAX", "MIN", "COUNT", "SUM", "AVG"}) {
-    if (IsCall(expression, name, 1)) return true;
-  }
-  return false;
 }
 
 bool IsSameColumn(const Expression& a, const Expression& b) {
@@ -139,7 +168,7 @@ class Printer {
   }
 
   std::string SortKey(const Expression& expression) const {
-    const bool first = IsCall(expression, "FIRST", 1);
+    const bool first = IsCall(expression, Function::kFirst, 1);
     const Expression& inner = first ? *expression.args.front() : expression;
     if (inner.kind != ExpressionKind::kColumn) return Value(expression);
     return m_dialect.SortKey(Text(expression), inner.valueKind);
@@ -151,7 +180,7 @@ class Printer {
     bool first = false;
     for (const SelectItem& item : core.items) {
       if (!item.expression) return false;
-      if (IsCall(*item.expression, "FIRST", 1)) {
+      if (IsCall(*item.expression, Function::kFirst, 1)) {
         first = true;
       } else if (IsAggregate(*item.expression)) {
         return false;
@@ -334,49 +363,49 @@ class Printer {
     const Level level = LevelOf(node);
     std::string text = Operand(*node.args[0], level);
     for (std::size_t i = 0; i < node.operators.size(); ++i) {
-      const std::string& name = node.operators[i];
+      const Operator sign = node.operators[i];
       const std::string right = Operand(*node.args[i + 1], level);
-      if (name == "&") {
+      if (sign == Operator::kConcatenate) {
         if (i == 0) text = m_dialect.EmptyIfNull(text);
         text += " " + std::string(m_dialect.ConcatenationSign()) + " " + m_dialect.EmptyIfNull(right);
-      } else if (name == "/" || name == "\\") {
-        text = m_dialect.Divide(i == 0 ? text : "(" + text + ")", right, name == "\\");
-      } else if (name == "||") {
-        text += " " + std::string(m_dialect.ConcatenationSign()) + " " + right;
+      } else if (sign == Operator::kDivide || sign == Operator::kDivideWhole) {
+        text = m_dialect.Divide(i == 0 ? text : "(" + text + ")", right, sign == Operator::kDivideWhole);
       } else {
-        text += " " + name + " " + right;
+        const auto printed = sign == Operator::kStandardJoin ? m_dialect.ConcatenationSign() : SignOf(sign);
+        text.append(" ").append(printed).append(" ").append(right);
       }
     }
     return text;
   }
 
   std::string Compare(const Expression& node) const {
-    const std::string& name = node.operators.front();
+    const Operator sign = node.operators.front();
     const Expression& left = *node.args[0];
     const Expression& right = *node.args[1];
     const bool leftBoolean = left.kind == ExpressionKind::kBoolean;
     const bool rightBoolean = right.kind == ExpressionKind::kBoolean;
-    if (leftBoolean != rightBoolean && (name == "=" || name == "<>")) {
-      const bool expected = ((leftBoolean ? left : right).number != 0) == (name == "=");
+    if (leftBoolean != rightBoolean && (sign == Operator::kEqual || sign == Operator::kNotEqual)) {
+      const bool expected = ((leftBoolean ? left : right).number != 0) == (sign == Operator::kEqual);
       const Expression& tested = leftBoolean ? right : left;
       return m_dialect.BooleanTest(Operand(tested, kTestLevel), expected, tested.valueKind);
     }
-    return Operand(left, kTestLevel) + " " + name + " " + Operand(right, kTestLevel);
+    return Operand(left, kTestLevel).append(" ").append(SignOf(sign)).append(" ") +
+           Operand(right, kTestLevel);
   }
 
   std::string Call(const Expression& node) const {
     if (m_grouped != nullptr && IsAggregate(node)) return Of(nullptr).Call(node);
-    if (IsCall(node, "ISNULL", 1)) return "(" + Operand(*node.args[0], kTestLevel) + " IS NULL)";
-    if (IsCall(node, "FIRST", 1)) {
+    if (IsCall(node, Function::kIsNull, 1)) return "(" + Operand(*node.args[0], kTestLevel) + " IS NULL)";
+    if (IsCall(node, Function::kFirst, 1)) {
       return m_dialect.First(Operand(*node.args[0], kArithmeticLevel), node.args[0]->valueKind);
     }
-    const bool maximum = IsCall(node, "MAX", 1);
-    if ((maximum || IsCall(node, "MIN", 1)) && node.args[0]->valueKind == ValueKind::kBoolean) {
+    const bool maximum = IsCall(node, Function::kMax, 1);
+    if ((maximum || IsCall(node, Function::kMin, 1)) && node.args[0]->valueKind == ValueKind::kBoolean) {
       return m_dialect.BooleanExtreme(Value(*node.args[0]), maximum);
     }
-    if (IsCall(node, "IIF", 3)) {
+    if (IsCall(node, Function::kIIf, 3)) {
       const Expression& condition = *node.args[0];
-      if (IsCall(condition, "ISNULL", 1) && IsSameColumn(*condition.args[0], *node.args[2])) {
+      if (IsCall(condition, Function::kIsNull, 1) && IsSameColumn(*condition.args[0], *node.args[2])) {
         return "coalesce(" + Text(*node.args[2]) + ", " + Text(*node.args[1]) + ")";
       }
       return "CASE WHEN " + Condition(condition) + " THEN " + Value(*node.args[1]) + " ELSE " +
@@ -385,16 +414,15 @@ class Printer {
     std::vector<std::string> arguments;
     for (const ExpressionPtr& argument : node.args) arguments.push_back(Value(*argument));
     if (node.distinct && !arguments.empty()) arguments.front().insert(0, "DISTINCT ");
-    return m_dialect.Function(node.text, arguments);
+    return m_dialect.Call(node, arguments);
   }
 
   std::string Case(const Expression& node) const {
     std::string text = "CASE";
     std::size_t i = 0;
-    const bool hasBase = !node.operators.empty();
-    if (hasBase) text += " " + Value(*node.args[i++]);
+    if (node.hasBase) text += " " + Value(*node.args[i++]);
     for (; i + 1 < node.args.size(); i += 2) {
-      text += " WHEN " + (hasBase ? Value(*node.args[i]) : Condition(*node.args[i])) + " THEN " +
+      text += " WHEN " + (node.hasBase ? Value(*node.args[i]) : Condition(*node.args[i])) + " THEN " +
               Value(*node.args[i + 1]);
     }
     if (node.hasElse) text += " ELSE " + Value(*node.args.back());

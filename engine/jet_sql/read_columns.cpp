@@ -56,10 +56,7 @@ void WantNamedColumns(const Expression& expression, const std::vector<ResultColu
 
 SelectItem ColumnOfStar(const SelectItem& star, const ResultColumn& column) {
   SelectItem item;
-  item.expression = std::make_unique<Expression>();
-  item.expression->kind = ExpressionKind::kColumn;
-  item.expression->qualifier = star.starQualifier;
-  item.expression->text = column.name;
+  item.expression = MakeColumn(star.starQualifier, column.name);
   item.alias = column.name;
   return item;
 }

@@ -10,7 +10,7 @@ namespace kxrestore::engine::jet_sql {
 // the order of the finished text; NumberParameters puts "?" there.
 class ServerDialect : public Dialect {
  public:
-  explicit ServerDialect(char openQuote = '"', char closeQuote = '"')
+  explicit ServerDialect(char openQuote, char closeQuote)
       : m_openQuote(openQuote), m_closeQuote(closeQuote) {}
 
   std::string Identifier(std::string_view name) const override;
@@ -27,7 +27,8 @@ class PostgresDialect final : public ServerDialect {
  public:
   // How the database gets by where its own locale sorts by codes, or knows the case of ASCII letters only.
   enum class Order { kOwn, kCollation, kPlainLetters };
-  PostgresDialect(Order order, bool collatesCase) : m_order(order), m_collatesCase(collatesCase) {}
+  PostgresDialect(Order order, bool collatesCase)
+      : ServerDialect('"', '"'), m_order(order), m_collatesCase(collatesCase) {}
 
   std::string Boolean(bool value) const override { return value ? "TRUE" : "FALSE"; }
   std::string BooleanTest(const std::string& operand, bool expected, ValueKind kind) const override;
@@ -50,30 +51,6 @@ class PostgresDialect final : public ServerDialect {
 
   Order m_order;
   bool m_collatesCase;
-};
-
-// For a server that nobody has told us about. Of masks it takes what LIKE can say: digits and lists of
-// characters become one LIKE a character, as long as that stays reasonable; error 3146 where it does not.
-class StandardDialect final : public ServerDialect {
- public:
-  explicit StandardDialect(char quote = '"') : ServerDialect(quote, quote) {}
-
-  std::string Boolean(bool value) const override { return value ? "1" : "0"; }
-  bool HasBooleans() const override { return false; }
-  std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
-                   bool negated) const override;
-  bool TakesMasksAsParameters() const override { return false; }
-  std::string Divide(const std::string& left, const std::string& right, bool whole) const override;
-  std::string First(const std::string& operand, ValueKind /*kind*/) const override {
-    return "min(" + operand + ")";
-  }
-  bool FirstIsAggregate() const override { return true; }
-  std::string SortKey(const std::string& column, ValueKind kind) const override;
-  std::string GroupKey(const std::string& column, ValueKind kind) const override;
-  bool LimitAtEnd() const override { return true; }
-
- protected:
-  std::span<const FunctionMapping> Functions() const override;
 };
 
 }  // namespace kxrestore::engine::jet_sql

@@ -1,4 +1,4 @@
-// Listings over a saved query that groups rows which are single anyway.
+// Listings of the latest versions, whose saved query groups rows that are single anyway.
 #pragma once
 
 #include "engine/jet_sql/ast.h"
@@ -6,14 +6,16 @@
 
 namespace kxrestore::engine::jet_sql {
 
-// A saved query may join rows F with a second saved query that keeps one key for each value of a column of F,
+// The saved queries FullCatalogLatest and FullCatalogLatestBySet join rows F with the newest key G of each
+// name,
 //
-//   SELECT First(F.x) ... FROM F INNER JOIN G ON F.key = G.key WHERE ... GROUP BY F.name ORDER BY ...
-//   G: SELECT Max(F.key) AS key FROM F WHERE ... GROUP BY F.name
+//   SELECT First(F.x) AS x ... FROM F INNER JOIN G ON F.ID = G.ID WHERE F.Status = 2 GROUP BY F.OrigName
+//   ORDER BY ... G: SELECT F.OrigName AS OrigName, ..., Max(F.ID) AS ID FROM F WHERE F.Status = 2 GROUP BY
+//   F.OrigName
 //
-// and group the result by that column again. Where a key names one row of F, no group of the result has more
-// than one row. Then a listing of that query is turned into one without the outer groups, whose masks of
-// the grouped column stand before the inner grouping. Anything else, and whatever the tables cannot prove,
+// and group the result by the name again. Where ID names one row of F, no group of the result has more than
+// one. Then a listing of all columns of such a query reads it without those groups, and the listing's masks
+// of the name stand before the grouping of G. Any other statement, and one whose tables do not prove the key,
 // stays as it is.
 void RemoveGroupsOfSingleRows(TableFacts& facts, SelectStatement& listing);
 

@@ -4,6 +4,7 @@
 #include "base/text.h"
 #include "engine/jet_sql/dialect.h"
 #include "engine/jet_sql/lexer.h"
+#include "engine/jet_sql/mask.h"
 
 namespace kxrestore::engine::jet_sql {
 namespace {
@@ -28,29 +29,22 @@ bool IsPlainName(std::string_view name) {
   return kKeywords.find(" " + FoldCase(name) + " ") == std::string_view::npos;
 }
 
-// The same mask for SQLite's own LIKE; nothing when it holds a list or a digit sign.
-std::optional<std::string> PlainLikePattern(std::string_view pattern, bool& escaped) {
+// The same mask for SQLite's own LIKE; nothing when it holds what that does not know.
+std::optional<std::string> PlainLikePattern(std::string_view mask, bool& escaped) {
   std::string plain;
-  for (const char c : pattern) {
-    switch (c) {
-      case '*':
-        plain += '%';
-        break;
-      case '?':
-        plain += '_';
-        break;
-      case '#':
-      case '[':
-      case '\0':
-        return std::nullopt;
-      case '%':
-      case '_':
-      case '\\':
+  for (const MaskElement& element : ParseMask(mask)) {
+    if (element.IsRun()) {
+      plain += '%';
+    } else if (element.kind == MaskElement::Kind::kAnyOne) {
+      plain += '_';
+    } else if (element.kind != MaskElement::Kind::kLiteral || element.character == 0) {
+      return std::nullopt;
+    } else {
+      if (element.character == '%' || element.character == '_' || element.character == '\\') {
         escaped = true;
         plain += '\\';
-        [[fallthrough]];
-      default:
-        plain += c;
+      }
+      AppendCharacter(plain, element.character);
     }
   }
   return plain;
@@ -87,20 +81,20 @@ std::string SqliteDialect::Divide(const std::string& left, const std::string& ri
 
 std::span<const FunctionMapping> SqliteDialect::Functions() const {
   static constexpr FunctionMapping kMappings[] = {
-      {"UCASE", 1, "upper($1)"},
-      {"LCASE", 1, "lower($1)"},
-      {"LEN", 1, "length($1)"},
-      {"LEFT", 2, "substr($1, 1, $2)"},
-      {"RIGHT", 2, "substr($1, -($2), $2)"},
-      {"MID", 2, "substr($1, $2)"},
-      {"MID", 3, "substr($1, $2, $3)"},
-      {"INSTRREV", 2, "kx_instrrev($1, $2)"},
-      {"NZ", 1, "coalesce($1, '')"},
-      {"NZ", 2, "coalesce($1, $2)"},
-      {"INT", 1, "(CAST($1 AS INTEGER) - ($1 < CAST($1 AS INTEGER)))"},
-      {"CLNG", 1, "CAST(round($1) AS INTEGER)"},
-      {"CSTR", 1, "CAST($1 AS TEXT)"},
-      {"NOW", 0, "datetime('now', 'localtime')"},
+      {Function::kUCase, 1, "upper($1)"},
+      {Function::kLCase, 1, "lower($1)"},
+      {Function::kLen, 1, "length($1)"},
+      {Function::kLeft, 2, "substr($1, 1, $2)"},
+      {Function::kRight, 2, "substr($1, -($2), $2)"},
+      {Function::kMid, 2, "substr($1, $2)"},
+      {Function::kMid, 3, "substr($1, $2, $3)"},
+      {Function::kInStrRev, 2, "kx_instrrev($1, $2)"},
+      {Function::kNz, 1, "coalesce($1, '')"},
+      {Function::kNz, 2, "coalesce($1, $2)"},
+      {Function::kInt, 1, "(CAST($1 AS INTEGER) - ($1 < CAST($1 AS INTEGER)))"},
+      {Function::kCLng, 1, "CAST(round($1) AS INTEGER)"},
+      {Function::kCStr, 1, "CAST($1 AS TEXT)"},
+      {Function::kNow, 0, "datetime('now', 'localtime')"},
   };
   return kMappings;
 }

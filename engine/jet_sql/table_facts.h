@@ -13,16 +13,13 @@ class TableFacts {
 
   // The text of a saved query in the catalog's dialect; nothing for a table.
   virtual std::optional<std::string> SavedQuery(const std::string& name) = 0;
-  // Of a table, not of a saved query; names are compared without regard to case, as in statements.
-  virtual bool HasColumn(const std::string& table, const std::string& column) = 0;
-  // Whether the column holds whole numbers of which no two rows have the same.
+  // Whether the column of a table holds whole numbers of which no two rows have the same. Names are compared
+  // without regard to case, as in statements.
   virtual bool IsRowKey(const std::string& table, const std::string& column) = 0;
   // Whether a value of the column cannot equal two whole numbers.
   virtual bool ComparesExactly(const std::string& table, const std::string& column) = 0;
-  // Whether the column holds texts that are compared as they are written.
-  virtual bool IsExactText(const std::string& table, const std::string& column) = 0;
-  // Whether saved queries sort texts as statements do.
-  virtual bool SortsAlike() const = 0;
+  // Whether texts that are grouped together match the same masks.
+  virtual bool MasksKeepGroups() const = 0;
 };
 
 }  // namespace kxrestore::engine::jet_sql

@@ -1,9 +1,9 @@
 #include "engine/jet_sql/tsql_dialect.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "base/text.h"
+#include "engine/jet_sql/mask.h"
 
 namespace kxrestore::engine::jet_sql {
 namespace {
@@ -15,23 +15,31 @@ void AppendMember(std::string& list, char32_t character) {
   AppendCharacter(list, character);
 }
 
-// What stands between the brackets of [a-z] or [!a-z].
-void AppendList(std::string& mask, std::string_view list) {
-  if (list.empty()) return;  // it stands for nothing, so nothing is asked for
-  mask += '[';
-  if (list.front() == '!' && list.size() > 1) {
-    mask += '^';
-    list.remove_prefix(1);
+void AppendElement(std::string& mask, const MaskElement& element) {
+  switch (element.kind) {
+    case MaskElement::Kind::kAnyRun:
+      mask += '%';
+      return;
+    case MaskElement::Kind::kAnyOne:
+      mask += '_';
+      return;
+    case MaskElement::Kind::kDigit:
+      mask += "[0-9]";
+      return;
+    case MaskElement::Kind::kLiteral:
+      if (element.character == '%' || element.character == '_' || element.character == '[' ||
+          element.character == '\\') {
+        mask += '\\';
+      }
+      AppendCharacter(mask, element.character);
+      return;
+    case MaskElement::Kind::kList:
+      break;
   }
-  for (std::size_t position = 0; position < list.size();) {
-    char32_t first = NextCharacter(list, position);
-    if (position + 1 >= list.size() || list[position] != '-') {
-      AppendMember(mask, first);
-      continue;
-    }
-    char32_t last = NextCharacter(list, ++position);
-    if (FoldCase(last) < FoldCase(first)) std::swap(first, last);
+  mask += element.negated ? "[^" : "[";
+  for (const auto& [first, last] : element.ranges) {
     AppendMember(mask, first);
+    if (last == first) continue;
     mask += '-';
     AppendMember(mask, last);
   }
@@ -76,33 +84,7 @@ std::string TsqlDialect::First(const std::string& operand, ValueKind kind) const
 
 std::string TsqlDialect::Mask(std::string_view mask) const {
   std::string result;
-  for (std::size_t i = 0; i < mask.size(); ++i) {
-    const std::size_t close = mask[i] == '[' ? mask.find(']', i + 1) : std::string_view::npos;
-    if (close != std::string_view::npos) {
-      AppendList(result, mask.substr(i + 1, close - i - 1));
-      i = close;
-      continue;
-    }
-    switch (mask[i]) {
-      case '*':
-        result += '%';
-        break;
-      case '?':
-        result += '_';
-        break;
-      case '#':
-        result += "[0-9]";
-        break;
-      case '%':
-      case '_':
-      case '[':
-      case '\\':
-        result += '\\';
-        [[fallthrough]];
-      default:
-        result += mask[i];
-    }
-  }
+  for (const MaskElement& element : ParseMask(mask)) AppendElement(result, element);
   return result;
 }
 
@@ -141,20 +123,20 @@ std::string TsqlDialect::SortKey(const std::string& column, ValueKind kind) cons
 // len does not count blanks at the end.
 std::span<const FunctionMapping> TsqlDialect::Functions() const {
   static constexpr FunctionMapping kMappings[] = {
-      {"UCASE", 1, "upper($1)"},
-      {"LCASE", 1, "lower($1)"},
-      {"LEN", 1, "(len($1 + 'x') - 1)"},
-      {"LEFT", 2, "left($1, $2)"},
-      {"RIGHT", 2, "right($1, $2)"},
-      {"MID", 2, "substring($1, $2, len($1 + 'x'))"},
-      {"MID", 3, "substring($1, $2, $3)"},
-      {"NZ", 1, "coalesce($1, '')"},
-      {"NZ", 2, "coalesce($1, $2)"},
-      {"INT", 1, "floor($1)"},
-      {"CLNG", 1, "CAST(round($1, 0) AS bigint)"},
-      {"CSTR", 1, "CAST($1 AS nvarchar(max))"},
-      {"NOW", 0, "getdate()"},
-      {"INSTRREV", 2,
+      {Function::kUCase, 1, "upper($1)"},
+      {Function::kLCase, 1, "lower($1)"},
+      {Function::kLen, 1, "(len($1 + 'x') - 1)"},
+      {Function::kLeft, 2, "left($1, $2)"},
+      {Function::kRight, 2, "right($1, $2)"},
+      {Function::kMid, 2, "substring($1, $2, len($1 + 'x'))"},
+      {Function::kMid, 3, "substring($1, $2, $3)"},
+      {Function::kNz, 1, "coalesce($1, '')"},
+      {Function::kNz, 2, "coalesce($1, $2)"},
+      {Function::kInt, 1, "floor($1)"},
+      {Function::kCLng, 1, "CAST(round($1, 0) AS bigint)"},
+      {Function::kCStr, 1, "CAST($1 AS nvarchar(max))"},
+      {Function::kNow, 0, "getdate()"},
+      {Function::kInStrRev, 2,
        "CASE WHEN charindex($2, $1) = 0 THEN 0 ELSE len($1 + 'x') - charindex(reverse($2), reverse($1)) - "
        "len($2 + 'x') + 2 END"},
   };

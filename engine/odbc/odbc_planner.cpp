@@ -17,14 +17,6 @@ namespace {
 
 using namespace jet_sql;  // NOLINT: the planner speaks of little else
 
-ExpressionPtr ColumnOf(const ResultTable& table, const std::string& name) {
-  auto column = std::make_unique<Expression>();
-  column->kind = ExpressionKind::kColumn;
-  column->qualifier = table.alias;
-  column->text = name;
-  return column;
-}
-
 // Adds the keys of the tables to the statement of a dynaset, and puts its rows in the order of the first
 // one's where they have no other: a server may show a row in another place once it has been written.
 void AddKeys(Session& session, SelectStatement& statement, const std::vector<ResultTable>& tables,
@@ -37,17 +29,14 @@ void AddKeys(Session& session, SelectStatement& statement, const std::vector<Res
     planned.keys = session.Tables().KeyOf(*table.relation);
     for (const std::string& key : planned.keys) {
       SelectItem item;
-      item.expression = ColumnOf(table, key);
+      item.expression = MakeColumn(table.alias, key);
       item.alias = "kx_key_" + std::to_string(plan.hidden);
       core.items.push_back(std::move(item));
       planned.keyColumns.push_back(plan.hidden++);
-      if (isUnordered && &table == &tables.front()) statement.orderBy.push_back({ColumnOf(table, key)});
+      if (isUnordered && &table == &tables.front())
+        statement.orderBy.push_back({MakeColumn(table.alias, key)});
     }
   }
-}
-
-bool HoldsMask(const Plan& plan) {
-  return std::any_of(plan.uses.begin(), plan.uses.end(), [](const ParameterUse& use) { return use.isMask; });
 }
 
 Value AsKind(const Literal& literal, ValueKind kind) {
@@ -101,10 +90,6 @@ std::shared_ptr<Plan> MakePlan(Session& session, std::string_view source, std::s
   }
   Resolution resolution = ResolveNames(statement, schema);
   plan->uses = std::move(resolution.parameters);
-  if (HoldsMask(*plan) && !session.Dialect().TakesMasksAsParameters()) {
-    plan->needsText = true;
-    return plan;
-  }
   plan->keepsPrepared = session.Facts().IsPostgres() || !resolution.readsQueries;
   plan->columns = std::move(resolution.columns);
   plan->columnsKnown = resolution.columnsKnown;

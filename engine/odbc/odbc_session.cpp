@@ -128,8 +128,6 @@ bool Session::HandsOutUtf8() {
 
 void Session::ReadFacts() {
   m_facts.dbms = InfoText(SQL_DBMS_NAME);
-  const std::string quote = InfoText(SQL_IDENTIFIER_QUOTE_CHAR);
-  m_facts.quote = quote.empty() ? ' ' : quote.front();
   m_facts.patternEscape = InfoText(SQL_SEARCH_PATTERN_ESCAPE);
   m_facts.foldsToLower = InfoNumber(SQL_IDENTIFIER_CASE) == SQL_IC_LOWER;
   m_facts.onlyOneActive = InfoNumber(SQL_MAX_CONCURRENT_ACTIVITIES) == 1;

@@ -37,8 +37,6 @@ std::string Definition(Session& session, const Schema::Entry& entry) {
   } else if (facts.IsSqlServer()) {
     question = "SELECT OBJECT_DEFINITION(OBJECT_ID(?))";
     values.front() = session.Dialect().Identifier(entry.name);
-  } else if (facts.dbms == "SQLite") {
-    question = "SELECT sql FROM sqlite_master WHERE type = 'view' AND name = ?";
   }
   const auto rows = session.Ask(question, values);
   if (rows.empty() || rows.front().front().empty()) {

@@ -35,16 +35,6 @@ bool HasRowNumber(sqlite3* connection, const std::string& table) {
                                        nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
-bool HoldsAggregate(const Expression& expression) {
-  if (expression.kind == ExpressionKind::kFunction) {
-    for (const char* name : {"MAX", "MIN", "COUNT", "SUM", "AVG", "FIRST", "LAST", "TOTAL"}) {
-      if (IsKeyword(expression.text, name)) return true;
-    }
-  }
-  return std::any_of(expression.args.begin(), expression.args.end(),
-                     [](const ExpressionPtr& argument) { return HoldsAggregate(*argument); });
-}
-
 // The tables of a FROM clause; `pure` becomes false when something else stands among them.
 void CollectTables(sqlite3* connection, const JoinChain& chain, std::vector<PlanTable>& tables, bool& pure) {
   const auto collect = [&](const TableRef& table) {
@@ -71,10 +61,7 @@ std::vector<PlanTable> AddRowNumbers(sqlite3* connection, SelectStatement& state
   for (const JoinChain& chain : core.from) CollectTables(connection, chain, tables, pure);
   for (std::size_t i = 0; i < tables.size(); ++i) {
     SelectItem item;
-    item.expression = std::make_unique<Expression>();
-    item.expression->kind = ExpressionKind::kColumn;
-    item.expression->qualifier = tables[i].alias;
-    item.expression->text = "_rowid_";
+    item.expression = MakeColumn(tables[i].alias, "_rowid_");
     item.alias = "kx_row_" + std::to_string(i);
     core.items.push_back(std::move(item));
   }

@@ -9,20 +9,19 @@ namespace {
 
 struct ColumnFacts {
   std::string type;
-  std::string collation;
   bool inKey = false;
 };
 
 // Of a table, not of a saved query.
 std::optional<ColumnFacts> FindColumn(const Session& session, const std::string& table,
                                       const std::string& column) {
-  const char *type = nullptr, *collation = nullptr;
+  const char* type = nullptr;
   int inKey = 0;
   if (sqlite3_table_column_metadata(session.Connection(), "main", table.c_str(), column.c_str(), &type,
-                                    &collation, nullptr, &inKey, nullptr) != SQLITE_OK) {
+                                    nullptr, nullptr, &inKey, nullptr) != SQLITE_OK) {
     return std::nullopt;
   }
-  return ColumnFacts{type == nullptr ? "" : type, collation == nullptr ? "" : collation, inKey != 0};
+  return ColumnFacts{type == nullptr ? "" : type, inKey != 0};
 }
 
 }  // namespace
@@ -41,24 +40,12 @@ std::optional<std::string> SqliteTableFacts::SavedQuery(const std::string& name)
   }
 }
 
-bool SqliteTableFacts::HasColumn(const std::string& table, const std::string& column) {
-  return FindColumn(m_session, table, column).has_value();
-}
-
 bool SqliteTableFacts::IsRowKey(const std::string& table, const std::string& column) {
   const auto facts = FindColumn(m_session, table, column);
   if (!facts || !facts->inKey || !EqualIgnoringCase(facts->type, "INTEGER")) return false;
   const Statement count = m_session.Prepare("SELECT count(*) FROM pragma_table_info(?1) WHERE pk > 0");
   sqlite3_bind_text(count.get(), 1, table.c_str(), -1, SQLITE_STATIC);
   return sqlite3_step(count.get()) == SQLITE_ROW && sqlite3_column_int(count.get(), 0) == 1;
-}
-
-bool SqliteTableFacts::IsExactText(const std::string& table, const std::string& column) {
-  const auto facts = FindColumn(m_session, table, column);
-  if (!facts || !EqualIgnoringCase(facts->collation, "BINARY")) return false;
-  const std::string type = FoldCase(facts->type);
-  return type.find("int") == std::string::npos &&
-         (type.find("text") != std::string::npos || type.find("char") != std::string::npos);
 }
 
 }  // namespace kxrestore::engine::sqlite

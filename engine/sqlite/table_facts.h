@@ -11,11 +11,9 @@ class SqliteTableFacts final : public jet_sql::TableFacts {
   explicit SqliteTableFacts(const Session& session) : m_session(session) {}
 
   std::optional<std::string> SavedQuery(const std::string& name) override;
-  bool HasColumn(const std::string& table, const std::string& column) override;
   bool IsRowKey(const std::string& table, const std::string& column) override;
   bool ComparesExactly(const std::string& /*table*/, const std::string& /*column*/) override { return true; }
-  bool IsExactText(const std::string& table, const std::string& column) override;
-  bool SortsAlike() const override { return false; }
+  bool MasksKeepGroups() const override { return true; }
 
  private:
   const Session& m_session;

@@ -1,10 +1,7 @@
 // The translator alone: what statements become for SQLite, and what it refuses.
 #include <algorithm>
-#include <chrono>
 
-#include "base/text.h"
 #include "engine/jet_sql/lexer.h"
-#include "engine/jet_sql/like_pattern.h"
 #include "engine/jet_sql/literals.h"
 #include "engine/jet_sql/parser.h"
 #include "engine/jet_sql/printer.h"
@@ -177,61 +174,6 @@ TEST(Literals, OnlyOperandsOfComparisonsAreTaken) {
   for (const char* unclosed : {"x='abc", "x=\"abc", "'abc", "[abc", "#1/2", "a \x01 b"}) {
     EXPECT_EQ(Extracted(unclosed), "refused") << unclosed;
   }
-}
-
-// Masks look for a letter in both of its ASCII forms before they fold a text.
-TEST(LikePattern, OnlyTwoLettersBeyondAsciiFoldIntoIt) {
-  for (char32_t character = 0x80; character <= 0x10FFFF; ++character) {
-    const char32_t folded = FoldCase(character);
-    EXPECT_TRUE(folded >= 0x80 || folded == 'k' || folded == 's') << static_cast<std::uint32_t>(character);
-  }
-}
-
-TEST(LikePattern, Table) {
-  const struct {
-    const char* mask;
-    std::vector<std::string> matching, others;
-  } cases[] = {{"*", {"", "x"}, {}},
-               {"", {""}, {"a"}},
-               {"abc", {"ABC"}, {"abcd", "ab"}},
-               {"a*", {"Abc", std::string("a\0b", 3)}, {"ba"}},
-               {"a", {}, {std::string("a\0b", 3)}},
-               {"ab*ba", {"abba"}, {"aba"}},
-               {"*a*b*", {"xaxb"}, {"xbxa"}},
-               {"a?!", {"a\xFF!", "ab!"}, {"a!"}},  // bytes that are no text
-               {"*\xC3*", {"x\xC3"}, {}},
-               {"?", {"ä"}, {"", "äö"}},
-               {"[a-c]x", {"Bx"}, {"dx"}},
-               {"[!a-c]x", {"dx"}, {"Ax", "x"}},
-               {"a[?]b", {"a?b"}, {"axb"}},
-               {"[-a]", {"-", "a"}, {"b"}},
-               {"[a-]", {"-", "a"}, {"b"}},
-               {"[z-a]", {"m"}, {}},
-               {"[ä-ö]", {"Ö"}, {"ü"}},
-               {"*ärger*", {"GROßER ÄRGER!"}, {}},
-               {"*KX*", {"a\u212Ax"}, {}},
-               {"[", {"["}, {}},
-               {"a[b", {"A[B"}, {"ab"}},
-               {"*[*", {"a[b"}, {"ab"}},
-               {"[]a", {"a"}, {"[]a"}},
-               {"[!]", {"!"}, {"x"}},
-               {"*?", {"x"}, {""}},
-               {"?*", {"x"}, {""}},
-               {"*[0-9]", {"v1.0"}, {"v1."}}};
-  for (const auto& [mask, matching, others] : cases) {
-    for (const std::string& text : matching) EXPECT_TRUE(LikePattern(mask).Matches(text)) << mask << text;
-    for (const std::string& text : others) EXPECT_FALSE(LikePattern(mask).Matches(text)) << mask << text;
-  }
-}
-
-// Nested backtracking would take years here.
-TEST(LikePattern, HostileMaskStaysLinearInItsStars) {
-  std::string mask, text(20000, 'a');
-  for (int i = 0; i < 200; ++i) mask += "*a?";
-  const LikePattern pattern(mask + "*[b]");
-  const auto start = std::chrono::steady_clock::now();
-  EXPECT_FALSE(pattern.Matches(text));
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
 }  // namespace

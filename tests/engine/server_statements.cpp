@@ -76,17 +76,13 @@ class CatalogOnServer final : public jet_sql::Relations, public jet_sql::TableFa
     if (relation != nullptr && !relation->isTable && !relation->text) return FullCatalogText();
     return relation != nullptr ? relation->text : std::nullopt;
   }
-  bool HasColumn(const std::string& table, const std::string& column) override {
-    return IsRowKey(table, column);
-  }
   bool IsRowKey(const std::string& table, const std::string& column) override {
     return !SavedQuery(table) && (column == "ID" || column == "PathID");
   }
   bool ComparesExactly(const std::string& /*table*/, const std::string& column) override {
     return column.ends_with("ID");
   }
-  bool IsExactText(const std::string& /*table*/, const std::string& /*column*/) override { return false; }
-  bool SortsAlike() const override { return true; }
+  bool MasksKeepGroups() const override { return false; }
 
  private:
   void Add(const std::string& name, bool isTable, std::vector<KnownColumn> columns,
