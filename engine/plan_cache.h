@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "engine/database.h"
-#include "engine/jet_sql/literals.h"
+#include "engine/jet_sql/reading/literals.h"
 
 namespace kxrestore::engine {
 

@@ -1,5 +1,5 @@
-// What the parser makes of a statement. Chains of operators, joins and unions are kept flat, so that the
-// depth of the tree is the depth of the brackets in the text, which the parser bounds.
+// The syntax tree. Chains of operators, joins and unions are kept flat, so that the depth of the tree is the
+// bracket depth of the text, which the parser limits.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 #include <variant>
 #include <vector>
 
-#include "engine/jet_sql/functions.h"
+#include "engine/jet_sql/meaning/functions.h"
 #include "engine/value.h"
 
 namespace kxrestore::engine::jet_sql {
@@ -88,12 +88,12 @@ struct Expression {
 
 ExpressionPtr MakeColumn(std::string qualifier, std::string name);
 
-// Whether it is, or holds outside of nested queries, a function of a whole group.
+// Whether the expression is an aggregate, or contains one outside of nested queries.
 bool IsAggregate(const Expression& expression);
 bool HoldsAggregate(const Expression& expression);
 
-// What GROUP BY names, without the collation by which saved queries of SQLite say what is understood here:
-// that case does not count.
+// Unwraps the NOCASE collation of a GROUP BY key. Saved queries of SQLite need it; in this dialect grouping
+// ignores case anyway.
 const Expression& GroupedExpression(const Expression& key);
 
 struct SelectItem {
@@ -102,7 +102,7 @@ struct SelectItem {
   std::string alias;
 };
 
-// What a column of the result is called, other than those of a star. `place`: the item's, from 0.
+// The name of a result column. `place`: its index among the items, which must not be a star.
 inline std::string ColumnName(const SelectItem& item, std::size_t place) {
   if (!item.alias.empty()) return item.alias;
   if (item.expression->kind == ExpressionKind::kColumn) return item.expression->text;

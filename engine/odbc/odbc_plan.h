@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "engine/jet_sql/literals.h"
-#include "engine/jet_sql/name_resolver.h"
-#include "engine/jet_sql/server_dialects.h"
+#include "engine/jet_sql/reading/literals.h"
+#include "engine/jet_sql/meaning/name_resolver.h"
+#include "engine/jet_sql/printing/server_dialects.h"
 #include "engine/odbc/odbc_statement.h"
 #include "engine/plan_cache.h"
 

@@ -3,8 +3,8 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/lexer.h"
-#include "engine/jet_sql/view_text.h"
+#include "engine/jet_sql/reading/lexer.h"
+#include "engine/jet_sql/reading/view_text.h"
 #include "engine/odbc/odbc_planner.h"
 #include "engine/odbc/odbc_session.h"
 

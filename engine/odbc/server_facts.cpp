@@ -2,7 +2,7 @@
 
 #include "base/error.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/tsql_dialect.h"
+#include "engine/jet_sql/printing/tsql_dialect.h"
 
 namespace kxrestore::engine::odbc {
 

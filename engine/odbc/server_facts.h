@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "engine/jet_sql/server_dialects.h"
+#include "engine/jet_sql/printing/server_dialects.h"
 
 namespace kxrestore::engine::odbc {
 

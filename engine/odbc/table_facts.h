@@ -1,7 +1,7 @@
 // What a server says of its tables and views.
 #pragma once
 
-#include "engine/jet_sql/table_facts.h"
+#include "engine/jet_sql/meaning/table_facts.h"
 #include "engine/odbc/odbc_schema.h"
 
 namespace kxrestore::engine::odbc {

@@ -4,14 +4,14 @@
 
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/dialect.h"
-#include "engine/jet_sql/lexer.h"
-#include "engine/jet_sql/parser.h"
-#include "engine/jet_sql/printer.h"
-#include "engine/jet_sql/read_columns.h"
-#include "engine/jet_sql/saved_query.h"
-#include "engine/jet_sql/single_rows.h"
-#include "engine/jet_sql/source_text.h"
+#include "engine/jet_sql/printing/dialect.h"
+#include "engine/jet_sql/reading/lexer.h"
+#include "engine/jet_sql/reading/parser.h"
+#include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/meaning/read_columns.h"
+#include "engine/jet_sql/meaning/saved_query.h"
+#include "engine/jet_sql/meaning/single_rows.h"
+#include "engine/jet_sql/reading/source_text.h"
 #include "engine/sqlite/table_facts.h"
 
 namespace kxrestore::engine::sqlite {

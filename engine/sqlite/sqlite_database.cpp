@@ -5,10 +5,10 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/dialect.h"
-#include "engine/jet_sql/printer.h"
-#include "engine/jet_sql/source_text.h"
-#include "engine/jet_sql/view_text.h"
+#include "engine/jet_sql/printing/dialect.h"
+#include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/reading/source_text.h"
+#include "engine/jet_sql/reading/view_text.h"
 #include "engine/sqlite/sqlite_recordset.h"
 
 namespace kxrestore::engine::sqlite {

@@ -2,7 +2,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
-#include "engine/jet_sql/view_text.h"
+#include "engine/jet_sql/reading/view_text.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {

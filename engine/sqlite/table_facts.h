@@ -1,7 +1,7 @@
 // What the catalog file says of its tables and views.
 #pragma once
 
-#include "engine/jet_sql/table_facts.h"
+#include "engine/jet_sql/meaning/table_facts.h"
 #include "engine/sqlite/session.h"
 
 namespace kxrestore::engine::sqlite {

@@ -7,11 +7,11 @@
 #include <string_view>
 
 #include "base/error.h"
-#include "engine/jet_sql/like_pattern.h"
-#include "engine/jet_sql/literals.h"
-#include "engine/jet_sql/parser.h"
-#include "engine/jet_sql/printer.h"
-#include "engine/jet_sql/view_text.h"
+#include "engine/jet_sql/meaning/like_pattern.h"
+#include "engine/jet_sql/reading/literals.h"
+#include "engine/jet_sql/reading/parser.h"
+#include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/reading/view_text.h"
 
 using namespace kxrestore::engine::jet_sql;
 

@@ -1,10 +1,10 @@
 // The translator alone: what statements become for SQLite, and what it refuses.
 #include <algorithm>
 
-#include "engine/jet_sql/lexer.h"
-#include "engine/jet_sql/literals.h"
-#include "engine/jet_sql/parser.h"
-#include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/reading/lexer.h"
+#include "engine/jet_sql/reading/literals.h"
+#include "engine/jet_sql/reading/parser.h"
+#include "engine/jet_sql/printing/printer.h"
 #include "tests/engine/test_databases.h"
 
 namespace kxrestore::engine::jet_sql {

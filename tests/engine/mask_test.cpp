@@ -3,7 +3,7 @@
 #include <chrono>
 
 #include "base/text.h"
-#include "engine/jet_sql/like_pattern.h"
+#include "engine/jet_sql/meaning/like_pattern.h"
 #include "tests/engine/test_databases.h"
 
 namespace kxrestore::engine {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <thread>
 
-#include "engine/jet_sql/server_dialects.h"
+#include "engine/jet_sql/printing/server_dialects.h"
 #include "engine/odbc/odbc_session.h"
 #include "tests/engine/odbc_test_database.h"
 

@@ -3,12 +3,12 @@
 #include "base/text.h"
 #include "catalog/restore_marks.h"
 #include "catalog/restore_query.h"
-#include "engine/jet_sql/name_resolver.h"
-#include "engine/jet_sql/parser.h"
-#include "engine/jet_sql/printer.h"
-#include "engine/jet_sql/read_columns.h"
-#include "engine/jet_sql/single_rows.h"
-#include "engine/jet_sql/tsql_dialect.h"
+#include "engine/jet_sql/meaning/name_resolver.h"
+#include "engine/jet_sql/reading/parser.h"
+#include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/meaning/read_columns.h"
+#include "engine/jet_sql/meaning/single_rows.h"
+#include "engine/jet_sql/printing/tsql_dialect.h"
 #include "tests/catalog/recording_database.h"
 
 namespace kxrestore::engine::testing {

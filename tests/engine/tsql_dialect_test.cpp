@@ -1,7 +1,7 @@
 // What statements become for SQL Server, which no test here can run.
 #include <gtest/gtest.h>
 
-#include "engine/jet_sql/tsql_dialect.h"
+#include "engine/jet_sql/printing/tsql_dialect.h"
 #include "tests/engine/server_statements.h"
 #include "tests/engine/test_databases.h"
 

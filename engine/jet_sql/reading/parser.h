@@ -1,0 +1,14 @@
+// Parses one statement of the catalog's SQL dialect, and the standard SQL that views use: CASE, CAST,
+// COLLATE, ||, LEFT OUTER JOIN. Errors: 3075 with the offending piece, 3142 for text after the end.
+#pragma once
+
+#include <string_view>
+
+#include "engine/jet_sql/ast.h"
+
+namespace kxrestore::engine::jet_sql {
+
+// `extracted`: the text comes from ExtractLiterals and holds parameters.
+Statement Parse(std::string_view source, bool extracted = false);
+
+}  // namespace kxrestore::engine::jet_sql
