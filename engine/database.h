@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/sql.h"
 #include "engine/value.h"
 
 namespace kxrestore::engine {
@@ -85,6 +86,14 @@ class Database {
 
   // One action statement (UPDATE, INSERT, DELETE). Returns the number of rows changed.
   virtual std::int64_t Execute(std::string_view sql, int options = 0) = 0;
+
+  // The same for a statement that carries its values. A back end that does not bind them gets the complete
+  // text.
+  virtual std::unique_ptr<Recordset> OpenRecordset(const Sql& sql, RecordsetType type,
+                                                   const ColumnNames& read = {}) {
+    return OpenRecordset(sql.Printed(), type, read);
+  }
+  virtual std::int64_t Execute(const Sql& sql, int options = 0) { return Execute(sql.Printed(), options); }
 
   // Saved queries. Their text ends in ";". Error 3265 when there is none of that name, 3012 when it is there
   // already.

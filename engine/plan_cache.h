@@ -1,5 +1,5 @@
-// The plans that a session keeps: a statement is translated once, and statements that differ in their
-// literals only share one plan.
+// The plans that a session keeps: a statement is translated once, and statements that differ in their values
+// only share one plan.
 #pragma once
 
 #include <memory>
@@ -7,9 +7,9 @@
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "engine/database.h"
-#include "engine/jet_sql/reading/literals.h"
 
 namespace kxrestore::engine {
 
@@ -25,25 +25,22 @@ struct CachedPlan {
 template <class Plan>
 class PlanCache {
  public:
-  // The plan for a text and the columns that are read of its result, or what `make` returns for the text with
-  // its literals taken out.
+  // The plan for the text of a statement and the columns that are read of its result, or what `make` returns.
   template <class Make>
-  std::shared_ptr<Plan> Find(std::string_view source, StatementUse use, const ColumnNames& read, Make make) {
-    if (!jet_sql::ExtractLiterals(source, m_extracted)) KeepText(source);
-    std::string& key = m_extracted.key;
-    const std::size_t textSize = key.size();
-    key.push_back(static_cast<char>('0' + static_cast<int>(use)));
-    for (const std::string_view name : read) key.append(name).push_back('\0');
-    const auto found = m_plans.find(key);
+  std::shared_ptr<Plan> Find(const Sql& sql, StatementUse use, const ColumnNames& read, Make make) {
+    m_values = sql.Values();
+    m_key = sql.Text();
+    m_key.push_back(static_cast<char>('0' + static_cast<int>(use)));
+    for (const std::string_view name : read) m_key.append(name).push_back('\0');
+    const auto found = m_plans.find(m_key);
     if (found != m_plans.end()) return found->second;
-    const bool parameters = m_extracted.count > 0;
-    auto plan = make(parameters ? std::string_view(key).substr(0, textSize) : source);
+    auto plan = make();
     if (m_plans.size() >= kMostPlans) m_plans.clear();
-    return m_plans.emplace(key, std::move(plan)).first->second;
+    return m_plans.emplace(m_key, std::move(plan)).first->second;
   }
 
-  // Of the text that a plan was looked for last.
-  const jet_sql::ExtractedLiterals& Literals() const { return m_extracted; }
+  // Of the statement that a plan was looked for last.
+  const std::vector<Value>& Values() const { return m_values; }
 
   // Takes back a prepared statement of the plan.
   template <class Statement>
@@ -63,13 +60,9 @@ class PlanCache {
  private:
   static constexpr std::size_t kMostPlans = 64, kMostUpdates = 16;
 
-  void KeepText(std::string_view source) {
-    m_extracted.key = source;
-    m_extracted.count = 0;
-  }
-
   std::unordered_map<std::string, std::shared_ptr<Plan>> m_plans;
-  jet_sql::ExtractedLiterals m_extracted;
+  std::string m_key;
+  std::vector<Value> m_values;
 };
 
 }  // namespace kxrestore::engine

@@ -4,11 +4,11 @@
 
 #include "base/error.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/reading/lexer.h"
-#include "engine/jet_sql/reading/parser.h"
-#include "engine/jet_sql/printing/printer.h"
 #include "engine/jet_sql/meaning/read_columns.h"
 #include "engine/jet_sql/meaning/single_rows.h"
+#include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/reading/lexer.h"
+#include "engine/jet_sql/reading/parser.h"
 #include "engine/jet_sql/reading/source_text.h"
 #include "engine/odbc/table_facts.h"
 
@@ -39,49 +39,38 @@ void AddKeys(Session& session, SelectStatement& statement, const std::vector<Res
   }
 }
 
-Value AsKind(const Literal& literal, ValueKind kind) {
-  switch (literal.kind) {
-    case Literal::Kind::kInteger:
-      if (kind == ValueKind::kBoolean) return literal.integer != 0;
-      if (kind == ValueKind::kText) return std::to_string(literal.integer);
-      return literal.integer;
-    case Literal::Kind::kReal:
-      if (kind == ValueKind::kText) return ToText(ValueView(literal.real));
-      return literal.real;
-    case Literal::Kind::kText:
-      break;
-  }
+Value AsKind(const Value& value, ValueKind kind) {
+  const ValueView view = ViewOf(value);
+  if (kind == ValueKind::kText) return ToText(view);
+  if (kind == ValueKind::kBoolean && std::holds_alternative<std::int64_t>(value)) return ToBoolean(view);
   if (kind == ValueKind::kDate) {
-    if (const auto date = ToDateTime(ValueView(std::string_view(literal.text)))) return *date;
+    if (const auto date = ToDateTime(view)) return *date;
   }
-  return literal.text;
+  return value;
 }
 
 }  // namespace
 
-std::vector<Value> ParameterValues(const Plan& plan, const ExtractedLiterals& literals,
+std::vector<Value> ParameterValues(const Plan& plan, const std::vector<Value>& values,
                                    const ServerDialect& dialect) {
-  std::vector<Value> values;
+  std::vector<Value> parameters;
   for (const std::int64_t number : plan.order) {
     const auto index = static_cast<std::size_t>(number - 1);
-    const Literal& literal = literals.literals[index];
     const ParameterUse use = index < plan.uses.size() ? plan.uses[index] : ParameterUse();
     if (use.isMask) {
-      const Value text = AsKind(literal, ValueKind::kText);
-      values.emplace_back(dialect.Mask(std::get<std::string>(text)));
+      parameters.emplace_back(dialect.Mask(ToText(ViewOf(values[index]))));
     } else {
-      values.push_back(AsKind(literal, use.kind));
+      parameters.push_back(AsKind(values[index], use.kind));
     }
   }
-  return values;
+  return parameters;
 }
 
-std::shared_ptr<Plan> MakePlan(Session& session, std::string_view source, std::string_view key,
-                               Session::Use use, const ColumnNames& read) {
+std::shared_ptr<Plan> MakePlan(Session& session, const Sql& sql, Session::Use use, const ColumnNames& read) {
   Schema& schema = session.Tables();
   const bool reads = use != Session::Use::kAction;
   const auto exists = [&schema](std::string_view name) { return schema.FindEntry(name) != nullptr; };
-  jet_sql::Statement statement = ReadSource(source, key, reads, exists);
+  jet_sql::Statement statement = ReadSource(sql, reads, exists);
   auto plan = std::make_shared<Plan>();
   auto* select = std::get_if<SelectStatement>(&statement);
   if (use == Session::Use::kSnapshot && select != nullptr) {

@@ -34,10 +34,10 @@ Value ForColumn(const Value& value, ValueKind kind) {
 
 }  // namespace
 
-OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, std::string_view source, RecordsetType type,
+OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, const Sql& sql, RecordsetType type,
                              const ColumnNames& read, bool readOnly)
     : StreamedRecordset(type, readOnly), m_session(std::move(session)) {
-  Open(source, read);
+  Open(sql, read);
   const std::vector<ColumnType>& columns = m_rows->Columns();
   for (std::size_t i = 0; i + m_plan->hidden < columns.size(); ++i) m_names.push_back(columns[i].name);
   const bool hasRow = m_rows->Next();
@@ -50,19 +50,19 @@ OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, std::string_view 
 }
 
 // Others may have changed tables and queries since the plan was made: it is made anew once.
-void OdbcRecordset::Open(std::string_view source, const ColumnNames& read) {
-  if (TryOpen(source, read)) return;
+void OdbcRecordset::Open(const Sql& sql, const ColumnNames& read) {
+  if (TryOpen(sql, read)) return;
   m_session->ForgetPlans();
   m_statement.reset();
-  if (!TryOpen(source, read)) m_session->Raise(SQL_HANDLE_STMT, m_statement->Get(), source);
+  if (!TryOpen(sql, read)) m_session->Raise(SQL_HANDLE_STMT, m_statement->Get(), sql.Printed());
 }
 
-bool OdbcRecordset::TryOpen(std::string_view source, const ColumnNames& read) {
-  m_plan = m_session->FindPlan(source, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
+bool OdbcRecordset::TryOpen(const Sql& sql, const ColumnNames& read) {
+  m_plan = m_session->FindPlan(sql, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
   m_statement = m_session->Acquire(*m_plan);
   m_session->FetchPiecewise(!m_plan->isShort);
   if (!m_session->RunRead(*m_statement,
-                          ParameterValues(*m_plan, m_session->Literals(), m_session->Dialect()))) {
+                          ParameterValues(*m_plan, m_session->Values(), m_session->Dialect()))) {
     return false;
   }
   m_rows = &m_statement->Rows();

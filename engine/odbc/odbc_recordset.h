@@ -13,8 +13,8 @@ namespace kxrestore::engine::odbc {
 
 class OdbcRecordset final : public StreamedRecordset {
  public:
-  OdbcRecordset(std::shared_ptr<Session> session, std::string_view source, RecordsetType type,
-                const ColumnNames& read, bool readOnly);
+  OdbcRecordset(std::shared_ptr<Session> session, const Sql& sql, RecordsetType type, const ColumnNames& read,
+                bool readOnly);
   ~OdbcRecordset() override;
   OdbcRecordset(const OdbcRecordset&) = delete;
   OdbcRecordset& operator=(const OdbcRecordset&) = delete;
@@ -32,8 +32,8 @@ class OdbcRecordset final : public StreamedRecordset {
   bool CanChange(std::size_t index) const override;
   void Write(const Changes& changes) override;
 
-  void Open(std::string_view source, const ColumnNames& read);
-  bool TryOpen(std::string_view source, const ColumnNames& read);
+  void Open(const Sql& sql, const ColumnNames& read);
+  bool TryOpen(const Sql& sql, const ColumnNames& read);
   void UpdateTable(std::size_t table, const Changes& changes);
 
   std::shared_ptr<Session> m_session;

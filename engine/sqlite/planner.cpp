@@ -4,13 +4,13 @@
 
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/printing/dialect.h"
-#include "engine/jet_sql/reading/lexer.h"
-#include "engine/jet_sql/reading/parser.h"
-#include "engine/jet_sql/printing/printer.h"
 #include "engine/jet_sql/meaning/read_columns.h"
 #include "engine/jet_sql/meaning/saved_query.h"
 #include "engine/jet_sql/meaning/single_rows.h"
+#include "engine/jet_sql/printing/dialect.h"
+#include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/reading/lexer.h"
+#include "engine/jet_sql/reading/parser.h"
 #include "engine/jet_sql/reading/source_text.h"
 #include "engine/sqlite/table_facts.h"
 
@@ -154,11 +154,11 @@ bool Disturbs(const Session& session, const PlanTable& table, const Plan& plan,
 
 }  // namespace
 
-std::shared_ptr<Plan> MakePlan(const Session& session, std::string_view source, std::string_view key,
-                               Session::Use use, const ColumnNames& read) {
+std::shared_ptr<Plan> MakePlan(const Session& session, const Sql& sql, Session::Use use,
+                               const ColumnNames& read) {
   const SqliteDialect dialect(false);
   const auto exists = [&session](std::string_view name) { return ExistsInSchema(session, name); };
-  jet_sql::Statement statement = ReadSource(source, key, use != Session::Use::kAction, exists);
+  jet_sql::Statement statement = ReadSource(sql, use != Session::Use::kAction, exists);
   auto plan = std::make_shared<Plan>();
   bool pure = true;
   SelectStatement* select = std::get_if<SelectStatement>(&statement);

@@ -8,9 +8,9 @@
 
 namespace kxrestore::engine::sqlite {
 
-// `key` is the text with its literals taken out, or the text itself. `read`: see Database::OpenRecordset.
-std::shared_ptr<Plan> MakePlan(const Session& session, std::string_view source, std::string_view key,
-                               Session::Use use, const ColumnNames& read);
+// `read`: see Database::OpenRecordset.
+std::shared_ptr<Plan> MakePlan(const Session& session, const Sql& sql, Session::Use use,
+                               const ColumnNames& read);
 
 // The update of these columns of one table, made at first use.
 RowUpdate& FindRowUpdate(const Session& session, Plan& plan, const std::vector<std::size_t>& columns);

@@ -19,6 +19,22 @@ constexpr int kStepsBetweenLooks = 4000;  // of SQLite's machine: some 0.2 ms
 
 }  // namespace
 
+void Bind(sqlite3_stmt* statement, int index, const Value& value) {
+  struct Visitor {
+    sqlite3_stmt* statement;
+    int index;
+    void operator()(std::monostate) const { sqlite3_bind_null(statement, index); }
+    void operator()(bool b) const { sqlite3_bind_int64(statement, index, b ? 1 : 0); }
+    void operator()(std::int64_t integer) const { sqlite3_bind_int64(statement, index, integer); }
+    void operator()(double real) const { sqlite3_bind_double(statement, index, real); }
+    void operator()(const std::string& text) const {
+      sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    }
+    void operator()(const DateTime& date) const { (*this)(ToText(date)); }
+  };
+  std::visit(Visitor{statement, index}, value);
+}
+
 Session::Session(std::string file, bool exclusive, bool grouping, std::chrono::milliseconds patience,
                  std::shared_ptr<const Waiting> waiting)
     : m_file(std::move(file)), m_grouping(grouping), m_patience(patience), m_waiting(std::move(waiting)) {
@@ -67,9 +83,8 @@ Statement Session::Prepare(std::string_view sql, Doing doing) const {
   return Statement(statement);
 }
 
-std::shared_ptr<Plan> Session::FindPlan(std::string_view source, Use use, const ColumnNames& read) {
-  return m_plans.Find(source, use, read,
-                      [&](std::string_view text) { return MakePlan(*this, source, text, use, read); });
+std::shared_ptr<Plan> Session::FindPlan(const Sql& sql, Use use, const ColumnNames& read) {
+  return m_plans.Find(sql, use, read, [&] { return MakePlan(*this, sql, use, read); });
 }
 
 Statement Session::Acquire(Plan& plan) {
@@ -80,22 +95,8 @@ Statement Session::Acquire(Plan& plan) {
     statement = std::move(plan.idle.back());
     plan.idle.pop_back();
   }
-  for (std::size_t i = 0; i < Literals().count; ++i) {
-    const jet_sql::Literal& literal = Literals().literals[i];
-    const int index = static_cast<int>(i) + 1;
-    switch (literal.kind) {
-      case jet_sql::Literal::Kind::kText:
-        sqlite3_bind_text64(statement.get(), index, literal.text.data(), literal.text.size(),
-                            SQLITE_TRANSIENT, SQLITE_UTF8);
-        break;
-      case jet_sql::Literal::Kind::kInteger:
-        sqlite3_bind_int64(statement.get(), index, literal.integer);
-        break;
-      case jet_sql::Literal::Kind::kReal:
-        sqlite3_bind_double(statement.get(), index, literal.real);
-        break;
-    }
-  }
+  int parameter = 0;
+  for (const Value& value : m_plans.Values()) Bind(statement.get(), ++parameter, value);
   return statement;
 }
 

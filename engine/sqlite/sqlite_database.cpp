@@ -41,17 +41,26 @@ void SqliteDatabase::Close() {
 
 std::unique_ptr<Recordset> SqliteDatabase::OpenRecordset(std::string_view source, RecordsetType type,
                                                          const ColumnNames& read) {
-  Settle();
-  return std::make_unique<SqliteRecordset>(Open(), source, type, read, IsReadOnly());
+  return OpenRecordset(Sql(source), type, read);
 }
 
-std::int64_t SqliteDatabase::Execute(std::string_view sql, int /*options*/) {
+std::unique_ptr<Recordset> SqliteDatabase::OpenRecordset(const Sql& sql, RecordsetType type,
+                                                         const ColumnNames& read) {
+  Settle();
+  return std::make_unique<SqliteRecordset>(Open(), sql, type, read, IsReadOnly());
+}
+
+std::int64_t SqliteDatabase::Execute(std::string_view sql, int options) {
+  return Execute(Sql(sql), options);
+}
+
+std::int64_t SqliteDatabase::Execute(const Sql& sql, int /*options*/) {
   Session& session = *Open();
   Settle();
   const std::shared_ptr<Plan> plan = session.FindPlan(sql, Session::Use::kAction);
   OpenForWriting();
   Statement statement = session.Acquire(*plan);
-  session.RunWrite(statement.get(), true, sql);
+  session.RunWrite(statement.get(), true, plan->sql);
   const std::int64_t changes = sqlite3_changes64(session.Connection());
   Session::Release(*plan, std::move(statement));
   return changes;

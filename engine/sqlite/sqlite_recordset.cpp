@@ -10,22 +10,6 @@ namespace {
 
 namespace number = error_number;
 
-void Bind(sqlite3_stmt* statement, int index, const Value& value) {
-  struct Visitor {
-    sqlite3_stmt* statement;
-    int index;
-    void operator()(std::monostate) const { sqlite3_bind_null(statement, index); }
-    void operator()(bool b) const { sqlite3_bind_int64(statement, index, b ? 1 : 0); }
-    void operator()(std::int64_t integer) const { sqlite3_bind_int64(statement, index, integer); }
-    void operator()(double real) const { sqlite3_bind_double(statement, index, real); }
-    void operator()(const std::string& text) const {
-      sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-    }
-    void operator()(const DateTime& date) const { (*this)(ToText(date)); }
-  };
-  std::visit(Visitor{statement, index}, value);
-}
-
 ValueView OfKind(ColumnKind kind, const ValueView& value) {
   if (kind == ColumnKind::kBoolean) {
     if (const auto* integer = std::get_if<std::int64_t>(&value)) return *integer != 0;
@@ -59,25 +43,25 @@ ValueView RawValue(sqlite3_stmt* statement, int column) {
 
 }  // namespace
 
-SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, std::string_view source,
-                                 RecordsetType type, const ColumnNames& read, bool readOnly)
+SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, const Sql& sql, RecordsetType type,
+                                 const ColumnNames& read, bool readOnly)
     : StreamedRecordset(type, readOnly), m_session(std::move(session)) {
-  int code = Open(source, read);
+  int code = Open(sql, read);
   if (code == SQLITE_ROW && sqlite3_column_count(m_statement.get()) != static_cast<int>(m_plan->allColumns)) {
     m_session->ForgetPlans();  // somebody else has changed the schema meanwhile
-    code = Open(source, read);
+    code = Open(sql, read);
   }
   if (code == SQLITE_ROW) {
     m_session->Streaming().Add(*this);
   } else if (code != SQLITE_DONE) {
     const ResetGuard guard(m_statement.get());
-    m_session->Raise(code, Doing::kReading, source);
+    m_session->Raise(code, Doing::kReading, sql.Printed());
   }
   Begin(code == SQLITE_ROW, m_plan->columns.size(), m_plan->allColumns - m_plan->columns.size());
 }
 
-int SqliteRecordset::Open(std::string_view source, const ColumnNames& read) {
-  m_plan = m_session->FindPlan(source, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
+int SqliteRecordset::Open(const Sql& sql, const ColumnNames& read) {
+  m_plan = m_session->FindPlan(sql, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
   m_statement = m_session->Acquire(*m_plan);
   return m_session->StepReading(m_statement.get());
 }

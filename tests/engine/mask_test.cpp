@@ -99,7 +99,10 @@ TEST_P(MaskConformance, EveryKindOfDatabaseFindsTheSame) {
     const LikePattern pattern(one.mask);
     std::copy_if(texts.begin(), texts.end(), std::back_inserter(expected),
                  [&](const std::string& text) { return pattern.Matches(text); });
-    Strings found = testing::Rows(*m_database, "SELECT File FROM Catalog WHERE " + condition);
+    Strings found;
+    Sql sql("SELECT File FROM Catalog WHERE File Like ");
+    const auto rows = m_database->OpenRecordset(sql.AddText(one.mask), RecordsetType::kSnapshot);
+    for (; !rows->Eof(); rows->MoveNext()) found.push_back(rows->Fields("File").Text());
     std::sort(found.begin(), found.end());
     EXPECT_EQ(found, expected) << one.mask;
     found = testing::Rows(*m_database,

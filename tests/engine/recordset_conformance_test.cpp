@@ -210,22 +210,42 @@ TEST_P(RecordsetConformance, WhatThePanelsAskFor) {
   }
 }
 
-// The statements that differ in their values only must not answer with each other's.
-TEST_P(RecordsetConformance, LiteralsAreNotMixedUp) {
-  const auto names = [&](const std::string& where) {
-    return Rows(*m_database, "SELECT ID FROM Catalog WHERE " + where + " ORDER BY ID");
+// Statements that differ in their values only must not answer with each other's.
+TEST_P(RecordsetConformance, ValuesAreNotMixedUp) {
+  const auto open = [&](std::string_view column, const Value& value, int setId) {
+    Sql sql("SELECT ID FROM Catalog WHERE ");
+    sql.Add(column).Add(" ");
+    if (const auto* text = std::get_if<std::string>(&value)) {
+      sql.AddText(*text);
+    } else {
+      sql.AddNumber(std::get<std::int64_t>(value));
+    }
+    sql.Add(" AND SetNameID = ").AddNumber(setId).Add(" ORDER BY ID");
+    return m_database->OpenRecordset(sql, RecordsetType::kSnapshot);
   };
-  EXPECT_EQ(names("Filename = 'C:\\a.doc' AND SetNameID = 1"), (Strings{"1", "2"}));
-  EXPECT_EQ(names("Filename = 'D:\\Ärger.txt' AND SetNameID = 2"), (Strings{"5"}));
-  EXPECT_EQ(names("Filename = 'C:\\it''s.txt' AND SetNameID = 1"), (Strings{"4"}));
-  EXPECT_EQ(names("Extension = 1 AND SetNameID = 1"), (Strings{})) << "'001' is no number";
-  EXPECT_EQ(names("Filename Like \"*ÄRGER*\""), (Strings{"5"}));
-  EXPECT_EQ(names("Filename Like \"[cd]:\\?.doc\""), (Strings{"1", "2"}));
-  EXPECT_EQ(names("DateStamp >= #3/1/2026#"), (Strings{"5", "6"}));
+  const struct {
+    const char* column;
+    Value value;
+    int setId;
+    Strings ids;
+  } cases[] = {{"Filename =", "C:\\a.doc", 1, {"1", "2"}},
+               {"Filename =", "D:\\Ärger.txt", 2, {"5"}},
+               {"Filename =", "D:\\Ärger.txt", 1, {}},
+               {"Filename =", "C:\\it's.txt", 1, {"4"}},
+               {"Extension =", std::int64_t{1}, 1, {}},  // "001" is no number
+               {"Filename Like", "*ÄRGER*", 2, {"5"}},
+               {"Filename Like", "[cd]:\\?.doc", 1, {"1", "2"}},
+               {"DateStamp >=", "2026-02-01 08:00:00", 1, {"2", "3", "4", "7"}},
+               {"Restore =", std::int64_t{1}, 1, {"4"}}};
+  for (const auto& [column, value, setId, ids] : cases) {
+    Strings found;
+    for (const auto rows = open(column, value, setId); !rows->Eof(); rows->MoveNext()) {
+      found.push_back(rows->Fields("ID").Text());
+    }
+    EXPECT_EQ(found, ids) << column << ToText(ViewOf(value));
+  }
   // Two open at once from one text.
-  const std::string text = "SELECT ID FROM Catalog WHERE SetNameID = ";
-  const auto first = m_database->OpenRecordset(text + "1 ORDER BY ID", RecordsetType::kSnapshot);
-  const auto second = m_database->OpenRecordset(text + "2 ORDER BY ID", RecordsetType::kSnapshot);
+  const auto first = open("Status =", std::int64_t{2}, 1), second = open("Status =", std::int64_t{2}, 2);
   EXPECT_EQ(first->Fields("ID").Integer(), 1);
   EXPECT_EQ(second->Fields("ID").Integer(), 5);
   first->MoveNext();

@@ -1,9 +1,13 @@
 #include <charconv>
 
 #include "engine/jet_sql/printing/server_dialects.h"
-#include "engine/jet_sql/reading/lexer.h"
 
 namespace kxrestore::engine::jet_sql {
+namespace {
+
+constexpr char kParameterMark = '\x01';
+
+}  // namespace
 
 std::string ServerDialect::Identifier(std::string_view name) const {
   std::string quoted(1, m_openQuote);

@@ -207,10 +207,10 @@ ExpressionPtr ExpressionParser::ParsePrimary() {
       return node;
     }
     case TokenKind::kParameter: {
-      if (!m_extracted) break;
+      if (m_parameters == m_mostParameters) break;
       Advance();
       ExpressionPtr node = Make(ExpressionKind::kParameter);
-      node->number = ++m_parameters;
+      node->number = static_cast<std::int64_t>(++m_parameters);
       return node;
     }
     case TokenKind::kBracketed:

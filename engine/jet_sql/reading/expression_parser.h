@@ -14,8 +14,9 @@ namespace kxrestore::engine::jet_sql {
 
 class ExpressionParser : public TokenReader {
  protected:
-  // `extracted`: the text holds parameters that ExtractLiterals put there.
-  ExpressionParser(std::string_view source, bool extracted) : TokenReader(source), m_extracted(extracted) {}
+  // `parameters`: how many the text may hold.
+  ExpressionParser(std::string_view source, std::size_t parameters)
+      : TokenReader(source), m_mostParameters(parameters) {}
   ~ExpressionParser() = default;
 
   ExpressionPtr ParseExpression();
@@ -67,8 +68,7 @@ class ExpressionParser : public TokenReader {
   ExpressionPtr ParseCast();
   void AdoptQuery(Expression& node);
 
-  bool m_extracted;
-  int m_parameters = 0;
+  std::size_t m_mostParameters, m_parameters = 0;
   int m_deepest = 0;  // of all trees so far, so that queries within expressions count in full
 };
 

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/reading/date_literal.h"
+#include "engine/sql.h"
 
 namespace kxrestore::engine::jet_sql {
 
@@ -76,7 +77,7 @@ class Lexer {
       ReadBracketed(token);
     } else if (c == '#') {
       ReadDate(token);
-    } else if (c == kParameterMark) {
+    } else if (c == Sql::kPlace) {
       token.kind = TokenKind::kParameter;
       ++m_position;
     } else {
@@ -118,9 +119,13 @@ class Lexer {
       if (end == std::string_view::npos) RaiseSyntax("Syntax error in string", m_source.substr(start));
       token.value.append(m_source.substr(m_position, end - m_position));
       m_position = end + 1;
-      if (Peek() != quote) return;
+      if (Peek() != quote) break;
       token.value.push_back(quote);
       ++m_position;
+    }
+    // A place in a printed statement would look the same.
+    if (token.value.find(Sql::kPlace) != std::string::npos) {
+      RaiseSyntax("Syntax error in string", m_source.substr(start));
     }
   }
 

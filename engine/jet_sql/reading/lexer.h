@@ -17,7 +17,7 @@ enum class TokenKind {
   kText,       // 'text' or "text", quotes doubled inside
   kNumber,
   kDate,       // #11/16/2026 2:25 PM# or #2026-11-16#
-  kParameter,  // a literal that ExtractLiterals took out
+  kParameter,  // where the text leaves out a value
   kSymbol,     // an operator or a punctuation mark, as it stands in `piece`
 };
 
@@ -27,9 +27,6 @@ struct Token {
   std::string value;       // name, text or number without its quotes
   DateTime date;
 };
-
-// A character that stands for a literal in a text that ExtractLiterals made.
-inline constexpr char kParameterMark = '\x01';
 
 std::vector<Token> Tokenize(std::string_view source);
 

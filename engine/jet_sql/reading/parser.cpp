@@ -14,7 +14,7 @@ constexpr std::size_t kMaxUnions = 400;
 
 class Parser final : private ExpressionParser {
  public:
-  Parser(std::string_view source, bool extracted) : ExpressionParser(source, extracted) {}
+  Parser(std::string_view source, std::size_t parameters) : ExpressionParser(source, parameters) {}
 
   Statement Run() {
     Statement statement = ParseStatement();
@@ -263,8 +263,8 @@ class Parser final : private ExpressionParser {
 
 }  // namespace
 
-Statement Parse(std::string_view source, bool extracted) {
-  return Parser(source, extracted).Run();
+Statement Parse(std::string_view source, std::size_t parameters) {
+  return Parser(source, parameters).Run();
 }
 
 }  // namespace kxrestore::engine::jet_sql

@@ -45,25 +45,14 @@ std::string NameIn(std::string_view source, const Exists& exists) {
   return {};
 }
 
-// The text whose literals are taken out parses as the text does; if it does not, the text itself tells what
-// is wrong.
-Statement ParseSource(std::string_view source, std::string_view key) {
-  if (key.data() == source.data()) return Parse(source);
-  try {
-    return Parse(key, true);
-  } catch (const Error&) {
-    Parse(source);
-    throw;
-  }
-}
-
 }  // namespace
 
-Statement ReadSource(std::string_view source, std::string_view key, bool reads, const Exists& exists) {
+Statement ReadSource(const Sql& sql, bool reads, const Exists& exists) {
+  const std::string_view source = sql.Text();
   if (reads) {
     if (std::string name = NameIn(source, exists); !name.empty()) return WholeTable(std::move(name));
   }
-  Statement statement = ParseSource(source, key);
+  Statement statement = Parse(source, sql.Values().size());
   if (reads && !IsReading(statement)) RaiseNotReading(source);
   if (!reads && IsReading(statement)) {
     Raise(error_number::kSelectNotExecutable,

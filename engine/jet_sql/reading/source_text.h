@@ -5,14 +5,13 @@
 #include <string_view>
 
 #include "engine/jet_sql/ast.h"
+#include "engine/sql.h"
 
 namespace kxrestore::engine::jet_sql {
 
-// `key` is the text whose literals ExtractLiterals has taken out, or `source` itself. `reads`: a recordset is
-// wanted, which may name a table that `exists` knows. Errors: 3065 and 3219 for statements of the other sort,
-// and those of Parse.
-Statement ReadSource(std::string_view source, std::string_view key, bool reads,
-                     const std::function<bool(std::string_view)>& exists);
+// `reads`: a recordset is wanted, which may name a table that `exists` knows. Errors: 3065 and 3219 for
+// statements of the other sort, and those of Parse.
+Statement ReadSource(const Sql& sql, bool reads, const std::function<bool(std::string_view)>& exists);
 
 // Parses a saved query; error 3219 for a writing statement.
 Statement ParseReading(std::string_view text);
