@@ -31,6 +31,12 @@ char32_t HalfAt(std::string_view text, std::size_t start, std::size_t& position)
 
 }  // namespace
 
+char32_t NextCharacterOrHalf(std::string_view text, std::size_t& position) {
+  const std::size_t start = position;
+  const char32_t character = NextCharacter(text, position);
+  return IsLowHalf(character) ? HalfAt(text, start, position) : character;  // a stray byte
+}
+
 template <class Unit>
 void AppendUtf8(std::string& out, std::basic_string_view<Unit> text) {
   out.reserve(out.size() + text.size());
@@ -58,9 +64,7 @@ std::basic_string<Unit> ToUtf16(std::string_view text) {
       ++position;
       continue;
     }
-    const std::size_t start = position;
-    char32_t character = NextCharacter(text, position);
-    if (IsLowHalf(character)) character = HalfAt(text, start, position);  // a stray byte
+    const char32_t character = NextCharacterOrHalf(text, position);
     if (character < 0x10000) {
       out.push_back(static_cast<Unit>(character));
     } else {

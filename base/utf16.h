@@ -8,6 +8,10 @@
 
 namespace kxrestore {
 
+// Decodes the character at `position`, or half of a surrogate pair, and moves `position` after it; U+FFFD for
+// a byte that makes no sense.
+char32_t NextCharacterOrHalf(std::string_view text, std::size_t& position);
+
 template <class Unit>
 void AppendUtf8(std::string& out, std::basic_string_view<Unit> text);
 

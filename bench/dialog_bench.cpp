@@ -18,7 +18,7 @@ namespace kxrestore::bench {
 namespace {
 
 constexpr double kMostFillRatio = 2.5;
-constexpr double kMostBytesANode = 200;
+constexpr double kMostBytesANode = 100;
 constexpr double kMostTickSeconds = 0.1;
 constexpr double kMostApplyRatio = 3;
 constexpr double kMostSyncsAFile = 0.01;
@@ -65,13 +65,13 @@ class Tick : public Timed {
   void Prepare() override {
     controls::TreeView& tree = m_dialog.Ui().tvwDetails;
     for (controls::Node root = tree.FirstRoot(); root; root = root.Next()) tree.UserCheck(root, false);
-    Expect(!tree.Item(static_cast<int>(tree.Count())).Checked(), "a tick was left");
+    Expect(!tree.Item(static_cast<std::uint32_t>(tree.Count())).Checked(), "a tick was left");
   }
 
   void Ours() override {
     m_dialog.TickEverything();
     controls::TreeView& tree = m_dialog.Ui().tvwDetails;
-    Expect(tree.Item(static_cast<int>(tree.Count())).Checked(), "the last file is not ticked");
+    Expect(tree.Item(static_cast<std::uint32_t>(tree.Count())).Checked(), "the last file is not ticked");
   }
 
  private:

@@ -13,7 +13,7 @@ endif()
 if(WIN32)
   target_compile_definitions(kx_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601
                                                   WINVER=0x0601 _WIN32_IE=0x0700)
-  target_link_options(kx_options INTERFACE -static -static-libgcc -static-libstdc++)
+  target_link_options(kx_options INTERFACE -static -static-libgcc -static-libstdc++ -Wl,--no-insert-timestamp)
 endif()
 
 # kx_library(NAME SOURCES ... LINK ...): a static library of this project.

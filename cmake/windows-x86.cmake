@@ -1,2 +1,3 @@
 set(CMAKE_SYSTEM_PROCESSOR i686)
 include(${CMAKE_CURRENT_LIST_DIR}/windows.cmake)
+set(CMAKE_CROSSCOMPILING_EMULATOR /usr/bin/env KX_WINE_BITS=32 ${CMAKE_SOURCE_DIR}/scripts/wine_run.sh)

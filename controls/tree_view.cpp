@@ -157,10 +157,10 @@ Node TreeView::Item(std::string_view key) const {
   return node;
 }
 
-Node TreeView::Item(int index) const {
-  if (index < 1 || static_cast<std::uint32_t>(index) > m_store->Highest()) ThrowIndexOutOfBounds();
-  m_store->At(static_cast<std::uint32_t>(index));
-  return Handle(static_cast<std::uint32_t>(index));
+Node TreeView::Item(std::uint32_t index) const {
+  if (index < 1 || index > m_store->Highest()) ThrowIndexOutOfBounds();
+  m_store->At(index);
+  return Handle(index);
 }
 
 Node TreeView::FirstRoot() const {

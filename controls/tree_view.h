@@ -28,7 +28,7 @@ class Node {
   // Two handles to the same node.
   friend bool operator==(const Node& left, const Node& right) { return left.m_index == right.m_index; }
 
-  int Index() const { return static_cast<int>(m_index); }  // from 1, in the order of adding
+  std::uint32_t Index() const { return m_index; }  // from 1, in the order of adding
   std::string_view Text() const;
   std::string Key() const;
   std::string_view Tag() const;
@@ -87,7 +87,7 @@ class TreeView : public Control {
   std::size_t Count() const;
   Node Find(std::string_view key) const;  // nothing when there is none
   Node Item(std::string_view key) const;  // error 35601 when there is none
-  Node Item(int index) const;             // error 35600 outside 1..highest index given
+  Node Item(std::uint32_t index) const;   // error 35600 outside 1..highest index given
   Node FirstRoot() const;
   Node SelectedItem() const { return m_selected; }
   void SetSelectedItem(Node node);  // raises nothing

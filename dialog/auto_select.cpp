@@ -1,31 +1,9 @@
 #include "dialog/auto_select.h"
 
 #include "dialog/listing.h"
-#include "dialog/type_census.h"
-#include "engine/error_numbers.h"
+#include "dialog/type_list.h"
 
 namespace kxrestore::dialog {
-
-namespace {
-
-// What the names of live entries end in, from their last point on, and how many of them do. A database
-// without InStrRev hands out the names.
-std::unique_ptr<engine::Recordset> OpenTypes(engine::Database& database) {
-  constexpr const char* kFrom =
-      " FROM [Catalog] WHERE (((Catalog.Status)=2) AND ((Catalog.OrigName) Like \"*.*\"))";
-  try {
-    const std::string tail = "Mid([OrigName],InStrRev([OrigName],\".\"))";
-    return database.OpenRecordset(
-        "SELECT " + tail + " AS FileType, Count(*) AS Files" + kFrom + " GROUP BY " + tail + ";",
-        engine::RecordsetType::kSnapshot);
-  } catch (const Error& error) {
-    if (error.Number() != engine::error_number::kUndefinedFunction) throw;
-  }
-  return database.OpenRecordset(std::string("SELECT Catalog.OrigName AS FileType, 1 AS Files") + kFrom + ";",
-                                engine::RecordsetType::kSnapshot);
-}
-
-}  // namespace
 
 AutoSelectPanel::AutoSelectPanel(FormContext& context, SetTree& setTree, RestoreList& restoreList)
     : m_context(context), m_setTree(setTree), m_restoreList(restoreList) {
@@ -39,10 +17,10 @@ AutoSelectPanel::AutoSelectPanel(FormContext& context, SetTree& setTree, Restore
 
 bool AutoSelectPanel::LoadTypes() {
   m_context.ui.asFiles.Clear();
-  TypeCensus census;
+  catalog::TypeCensus census;
   FormContext::Walk walk(m_context);
   const auto database = m_context.OpenCatalog();
-  const auto rows = OpenTypes(*database);
+  const auto rows = catalog::OpenTypes(*database);
   const engine::Field fileType = rows->Fields("FileType"), files = rows->Fields("Files");
   for (; !rows->Eof(); rows->MoveNext()) {
     if (!walk.Next()) return false;
@@ -50,7 +28,7 @@ bool AutoSelectPanel::LoadTypes() {
   }
   rows->Close();
   database->Close();
-  census.List(m_context.ui.asFiles);
+  ListTypes(census, m_context.ui.asFiles);
   return true;
 }
 
@@ -78,11 +56,9 @@ void AutoSelectPanel::ApplyAutoSelect() {
 
 void AutoSelectPanel::MarkTypes(MarkingWalk& walk, std::string_view types) {
   const LookIn lookIn = ReadLookIn(m_context, m_setTree, m_context.ui.optLookIn[2]);
-  // Each type ends in ";"; text after the last one is no type.
-  for (auto end = types.find(';'); end != std::string_view::npos; end = types.find(';')) {
+  for (const std::string& pattern : catalog::PatternsOf(types)) {
     if (walk.Stopped() || walk.IsHopeless()) return;
-    MarkType(walk, lookIn, std::string("*").append(types.substr(0, end)));
-    types.remove_prefix(end + 1);
+    MarkType(walk, lookIn, pattern);
   }
 }
 

@@ -1,6 +1,5 @@
 #include "dialog/catalog_entries.h"
 
-#include "catalog/text_routines.h"
 #include "dialog/listing.h"
 
 namespace kxrestore::dialog {
@@ -38,20 +37,6 @@ std::optional<platform::CivilTime> CivilTimeOf(const engine::ValueView& value) {
   return platform::CivilTime{date->year, date->month, date->day, date->hour, date->minute, date->second};
 }
 
-bool IsMailServer(std::string_view plugin) {
-  return plugin.starts_with(kMailServer);
-}
-
-std::optional<std::string> AggregateName(std::string_view plugin, std::string_view file) {
-  if (!IsMailServer(plugin)) return std::nullopt;
-  std::string name(plugin.size() == kMailServer.size() ? file : plugin);
-  return name.append(".").append(kAggregateExtension);
-}
-
-bool IsAggregateName(std::string_view name) {
-  return catalog::GetExtension(name) == kAggregateExtension;
-}
-
 engine::ColumnNames CatalogEntries::Columns(std::string_view nameColumn, std::string_view setNameColumn) {
   return {nameColumn,  setNameColumn, "OrigSize", "Extension", "SetNameID",
           "DateStamp", "Filename",    "File",     "Plugin"};
@@ -73,7 +58,7 @@ std::size_t CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticke
   std::string buffers[7];
   const std::string_view file = TextOf(m_file, buffers[0]);
   const std::string_view filename = TextOf(m_filename, buffers[5]);
-  const auto aggregate = AggregateName(TextOf(m_plugin, buffers[1]), file);
+  const auto aggregate = catalog::AggregateName(TextOf(m_plugin, buffers[1]), file);
 
   controls::AutoSelect::Entry entry;
   entry.name = aggregate ? std::string_view(*aggregate) : TextOf(m_name, buffers[2]);
@@ -90,8 +75,7 @@ std::size_t CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticke
   } else {
     entry.date = TextOf(m_date, buffers[6]);
   }
-  // Whatever is named like an aggregate is marked like one.
-  entry.storedName = IsAggregateName(entry.name) ? file : filename;
+  entry.storedName = catalog::StoredName(entry.name, file, filename);
   return list.Add(entry, ticked);
 }
 

@@ -5,26 +5,16 @@
 #include <string>
 #include <string_view>
 
+#include "catalog/entry_names.h"
 #include "controls/auto_select.h"
 #include "engine/database.h"
 #include "platform/regional.h"
 
 namespace kxrestore::dialog {
 
-// Items that the mail-server plug-in backed up as one aggregate carry this extension in the lists.
-inline constexpr std::string_view kMailServer = "Exchange Server";
-inline constexpr std::string_view kAggregateExtension = "kxexag";
-
-// Whether a Plugin value is the mail server's: its name, alone or with more behind it.
-bool IsMailServer(std::string_view plugin);
-
-// Name shown for a row of the mail server: `file`, or the plug-in's text when that says more than the
-// plug-in's name, with ".kxexag" behind it. Nothing for any other plug-in.
-std::optional<std::string> AggregateName(std::string_view plugin, std::string_view file);
-
-// Whether a shown name is one of those. They are marked by File in all their versions, everything else by
-// Filename.
-bool IsAggregateName(std::string_view name);
+using catalog::IsAggregateName;
+using catalog::IsMailServer;
+using catalog::kMailServer;
 
 // The set of an entry as marking takes it: error 6 beyond 32 bits, 13 when the catalog holds no number there.
 std::int32_t SetIdOf(const controls::AutoSelect::Entry& entry);

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "catalog/text_routines.h"
-#include "controls/cd.h"
 #include "dialog/archive_headers.h"
 #include "engine/error_numbers.h"
+#include "platform/cd.h"
 #include "platform/desktop.h"
 #include "platform/drives.h"
 
@@ -106,7 +106,7 @@ controls::Node CdArchive::NodeUnder(controls::Node parent, const std::string& ke
 
 void CdArchive::DriveCD_Change() {
   FormControls& ui = m_context.ui;
-  controls::cCD discs(m_context.platform.drives, m_context.platform.desktop);
+  platform::cCD discs(m_context.platform.drives, m_context.platform.desktop);
   ui.txtVL.SetText(discs.GetVolumeLabel(catalog::AddBackslash(ui.DriveCD.Drive())));
   // The system's last drive, not the one chosen.
   if (IsArchiveDisc(discs.CDDriveLetter())) {

@@ -59,7 +59,7 @@ void FormContext::EnterEvent(const std::string& routine) {
   m_routine = routine;
   Skipping([this] { workspace.BeginAction(); });
   workspace.SetWaiting([this] {
-    platform.desktop.DoEvents();
+    platform.desktop.DoEventsWhileWaiting();
     return !Stopped();
   });
 }

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "catalog/text_routines.h"
-#include "controls/program_settings.h"
 #include "dialog/auto_select.h"
 #include "dialog/cd_archive.h"
 #include "dialog/context_help.h"
@@ -18,6 +17,7 @@
 #include "dialog/window_placement.h"
 #include "platform/desktop.h"
 #include "platform/drives.h"
+#include "platform/program_settings.h"
 #include "platform/regional.h"
 #include "platform/registry.h"
 
@@ -85,6 +85,7 @@ void frmRestore::Load() {
   if (m_loaded && m_loaded->ui.form.IsOpen()) return;
   Skipping([this] {
     m_loaded = std::make_unique<Loaded>(*this);
+    m_parameters.StopRequested = false;  // left over from an earlier dialog
     // One trap for the whole sequence: what comes after a failing step is left out, and the form is shown as
     // far as it got.
     m_loaded->context.Event("Form.Load", [this] { LoadSequence(); });
@@ -119,7 +120,7 @@ void frmRestore::LoadSequence() {
 }
 
 void frmRestore::ReadClientPath() {
-  controls::CProgramSettings settings(m_platform.registry, m_platform.desktop);
+  platform::CProgramSettings settings(m_platform.registry, m_platform.desktop);
   settings.SetRootKey(platform::kHkeyLocalMachine);
   settings.SetMainBranch("Software");
   settings.SetRegBase("Brellick Labs, Inc.");

@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "catalog/listings.h"
 #include "catalog/restore_query.h"
 
 namespace kxrestore::dialog {
@@ -29,7 +30,7 @@ LookIn ReadLookIn(FormContext& context, SetTree& setTree, const controls::Option
   const controls::Node node = context.choice.m_nodCurrent;
   if (node) static_cast<void>(SetTree::SetOf(node));  // one that does not fit 32 bits is no set to look in
   lookIn.setId = context.choice.m_lngSetID;
-  if (node && !node.Tag().empty()) lookIn.runs = "In (" + setTree.ListRunExtensions(node) + ")";
+  if (node && !node.Tag().empty()) lookIn.runs = catalog::RunFilter(setTree.ListRunExtensions(node));
   return lookIn;
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "catalog/listings.h"
 #include "dialog/catalog_entries.h"
 #include "dialog/marking_walk.h"
 #include "platform/desktop.h"
@@ -61,14 +62,7 @@ RestoreList::Listing RestoreList::List() {
     controls::AutoSelect& list = m_context.ui.asRestoreList;
     FormContext::Walk walk(m_context);
     const auto database = m_context.OpenCatalog();
-    const auto rows = database->OpenRecordset(
-        "SELECT Catalog.SetNameID, Catalog.OrigSize, Catalog.DateStamp, Catalog.Extension, Catalog.Filename, "
-        "Catalog.File, Catalog.Restore, Catalog.StoreMethod, Catalog.Plugin, Catalog.StoreName, "
-        "IIf(IsNull([LongPath]),[filename],[longpath]) AS RestoreFile, SetNames.Name "
-        "FROM SetNames RIGHT JOIN (LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID) "
-        "ON SetNames.ID = Catalog.SetNameID "
-        "WHERE (((Catalog.Restore)=True));",
-        engine::RecordsetType::kSnapshot, CatalogEntries::Columns("RestoreFile", "Name"));
+    const auto rows = catalog::OpenSelections(*database, CatalogEntries::Columns("RestoreFile", "Name"));
     const controls::RedrawFreeze freeze(list);
     list.Clear();
     CatalogEntries entries(*rows, "RestoreFile", "Name");
@@ -122,8 +116,7 @@ bool RestoreList::ApplyListChanges() {
       walk.Mark(number, [&] {
         const controls::AutoSelect::Entry entry = list.At(number);
         run.Use(SetIdOf(entry), entry.extension);
-        return IsAggregateName(entry.name) ? marks.UpdateSelectionByFile(entry.storedName, false, 0, "")
-                                           : marks.UpdateSelectionByFileName(entry.storedName, false, 0, "");
+        return catalog::MarkEntry(marks, entry.name, entry.storedName, false);
       });
     }
   });

@@ -115,9 +115,7 @@ catalog::MarkResult Search::MarkCurrent(const RunOfEntries& run) {
   choice.m_lngSetID = asSearch.SetId();
   choice.m_strExtension = asSearch.Extension();
   run.Use(choice.m_lngSetID, choice.m_strExtension);
-  return IsAggregateName(asSearch.FileName())
-             ? m_context.marks.UpdateSelectionByFile(asSearch.StoredName(), true, 0, "")
-             : m_context.marks.UpdateSelectionByFileName(asSearch.StoredName(), true, 0, "");
+  return catalog::MarkEntry(m_context.marks, asSearch.FileName(), asSearch.StoredName(), true);
 }
 
 }  // namespace kxrestore::dialog

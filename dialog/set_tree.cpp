@@ -2,6 +2,7 @@
 
 #include <charconv>
 
+#include "catalog/listings.h"
 #include "dialog/catalog_entries.h"
 #include "dialog/listing.h"
 
@@ -14,7 +15,6 @@ constexpr std::string_view kRootKey = "Sets";
 constexpr std::string_view kSetKeyPrefix = "Sets\\";
 constexpr std::string_view kArchiveText = "Archive Sets";
 constexpr std::string_view kArchiveAddKey = "ArchAdd";
-constexpr std::string_view kHiddenExtension = "x01";
 constexpr std::int16_t kMostRuns = 32767;
 
 }  // namespace
@@ -68,13 +68,7 @@ void SetTree::LoadBackupSetTree() {
   m_context.Reporting("LoadBackupSetTree", [this] {
     controls::TreeView& tree = m_context.ui.tvwSets;
     const auto database = m_context.OpenCatalog();
-    const auto rows = database->OpenRecordset(
-        "SELECT SetNames.Name, BackupAudit.DateStamp, BackupAudit.SetNameID, BackupAudit.Extension, "
-        "BackupAudit.Permanent, BackupAudit.Status "
-        "FROM SetNames INNER JOIN BackupAudit ON SetNames.ID = BackupAudit.SetNameID "
-        "Where (((BackupAudit.Status) = 6)) "
-        "ORDER BY SetNames.Name, BackupAudit.DateStamp DESC; ",
-        engine::RecordsetType::kSnapshot);
+    const auto rows = catalog::OpenRuns(*database);
 
     Choice& choice = m_context.choice;
     choice.m_nodCurrent = {};
@@ -88,7 +82,7 @@ void SetTree::LoadBackupSetTree() {
     std::string setName;
     for (; !rows->Eof(); rows->MoveNext()) {
       const std::string runExtension = extension.Text();
-      if (runExtension == kHiddenExtension) continue;
+      if (runExtension == catalog::kHiddenExtension) continue;
       if (!set || name.Text() != setName) {
         setName = name.Text();
         set = SetNode(setName);
@@ -119,8 +113,7 @@ std::string SetTree::ListRunExtensions(controls::Node node) {
   std::int16_t& count = m_context.choice.m_intRunCount;
   count = 0;
   for (; node; node = node.Next()) {
-    if (!list.empty()) list += ", ";
-    list.append("\"").append(TagExtension(node.Tag())).append("\"");
+    catalog::AppendRun(list, TagExtension(node.Tag()));
     if (count == kMostRuns) throw Error(error_number::kOverflow, "Overflow");
     ++count;
   }

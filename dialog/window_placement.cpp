@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "controls/program_settings.h"
 #include "platform/desktop.h"
+#include "platform/program_settings.h"
 #include "platform/registry.h"
 
 namespace kxrestore::dialog {
@@ -18,8 +18,8 @@ constexpr const char* kWindowEntry = "RestoreWindow";        // left, top, width
 constexpr const char* kSplittersEntry = "RestoreSplitters";  // top of splitH, left of SplitV
 constexpr int kMost = 200000;                                // twips; no screen is larger
 
-controls::CProgramSettings UserSettings(platform::Platform& platform) {
-  controls::CProgramSettings settings(platform.registry, platform.desktop);
+platform::CProgramSettings UserSettings(platform::Platform& platform) {
+  platform::CProgramSettings settings(platform.registry, platform.desktop);
   settings.SetRootKey(platform::kHkeyCurrentUser);
   settings.SetMainBranch("Software");
   settings.SetRegBase("Brellick Labs, Inc.");

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -42,11 +43,15 @@ class PlanCache {
   // Of the statement that a plan was looked for last.
   const std::vector<Value>& Values() const { return m_values; }
 
-  // Takes back a prepared statement of the plan.
+  // Takes back a prepared statement of the plan. Destructors call it: without memory the statement just goes.
   template <class Statement>
-  static void Keep(Plan& plan, Statement statement) {
+  static void Keep(Plan& plan, Statement statement) noexcept {
     if (plan.updates.size() > kMostUpdates) plan.updates.clear();
-    if (plan.current && plan.keepsPrepared && plan.idle.size() < 2) plan.idle.push_back(std::move(statement));
+    if (!plan.current || !plan.keepsPrepared || plan.idle.size() >= 2) return;
+    try {
+      plan.idle.push_back(std::move(statement));
+    } catch (const std::bad_alloc&) {
+    }
   }
 
   void Forget() {

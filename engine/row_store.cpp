@@ -1,6 +1,7 @@
 #include "engine/row_store.h"
 
 #include <cstring>
+#include <utility>
 
 namespace kxrestore::engine {
 namespace {
@@ -47,8 +48,17 @@ struct Packer {
 }  // namespace
 
 void RowStore::BeginRow() {
-  if (!m_blocks.empty() && m_blocks.back().size() < kBlockSize) return;
-  m_blocks.emplace_back().reserve(kBlockSize + kBlockSize / 16);
+  if (m_blocks.empty() || m_blocks.back().size() >= kBlockSize) {
+    std::string block;
+    block.reserve(kBlockSize + kBlockSize / 16);
+    m_blocks.push_back(std::move(block));
+  }
+  m_rowStart = m_blocks.back().size();
+}
+
+void RowStore::DropRow() {
+  m_blocks.back().resize(m_rowStart);
+  if (m_rowStart == 0) m_blocks.pop_back();
 }
 
 void RowStore::Append(const ValueView& value) {

@@ -20,7 +20,7 @@ class SessionDatabase : public Database {
   ~SessionDatabase() override {
     try {
       SessionDatabase::Close();
-    } catch (const Error&) {  // the back end undoes what nobody commits
+    } catch (...) {  // the back end undoes what nobody commits
     }
   }
   SessionDatabase(const SessionDatabase&) = delete;

@@ -1,5 +1,8 @@
 #include "engine/streamed_recordset.h"
 
+#include <utility>
+
+#include "base/error.h"
 #include "engine/error_numbers.h"
 
 namespace kxrestore::engine {
@@ -47,6 +50,7 @@ void StreamedRecordset::MoveNext() {
     if (m_stored->Next(m_row, m_allColumns)) return;
     m_stored.reset();
     m_state = State::kAtEnd;
+    if (m_cutOff) std::rethrow_exception(std::exchange(m_cutOff, nullptr));
     return;
   }
   m_state = State::kAtEnd;  // also when fetching fails
@@ -64,16 +68,33 @@ void StreamedRecordset::MoveNext() {
   }
 }
 
-void StreamedRecordset::Detach() {
-  if (m_state != State::kOnRow || m_stored) return;
+bool StreamedRecordset::Detach() {
+  if (m_state != State::kOnRow || m_stored) return true;
+  m_row.resize(m_allColumns);
   auto stored = std::make_unique<RowStore>();
-  do {
+  const auto store = [&] {
     stored->BeginRow();
-    for (std::size_t i = 0; i < m_allColumns; ++i) stored->Append(Streamed(i));
-  } while (Fetch(false));
+    try {
+      for (std::size_t i = 0; i < m_allColumns; ++i) stored->Append(Streamed(i));
+    } catch (...) {
+      stored->DropRow();
+      throw;
+    }
+  };
+  store();  // until it has been, everything is as it was
+  bool stopped = false;
+  try {
+    while (Fetch(true)) store();
+  } catch (const Error& error) {
+    stopped = error.Number() == number::kCanceled;
+    m_cutOff = std::current_exception();
+  } catch (...) {
+    m_cutOff = std::current_exception();
+  }
   stored->Next(m_row, m_allColumns);
   m_stored = std::move(stored);
   LetStatementGo();
+  return !stopped;
 }
 
 std::size_t StreamedRecordset::FieldCount() const {
@@ -135,6 +156,7 @@ void StreamedRecordset::SetFieldValue(std::size_t index, Value value) {
 void StreamedRecordset::Update() {
   NeedRow();
   if (!m_editing) Raise(number::kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
+  m_written.reserve(m_written.size() + m_pending.size());  // what is written must not fail any more
   Write(m_pending);
   for (auto& change : m_pending) {
     std::erase_if(m_written, [&change](const auto& written) { return written.first == change.first; });
@@ -144,12 +166,13 @@ void StreamedRecordset::Update() {
   m_editing = false;
 }
 
-void StreamingList::Detach(bool dynasetsToo) {
-  if (m_rows.empty()) return;
+bool StreamingList::Detach(bool dynasetsToo) {
+  if (m_rows.empty()) return true;
   const std::vector<StreamedRecordset*> streaming = m_rows;  // who detaches takes itself off the list
   for (StreamedRecordset* rows : streaming) {
-    if (dynasetsToo || rows->IsSnapshot()) rows->Detach();
+    if ((dynasetsToo || rows->IsSnapshot()) && !rows->Detach()) return false;
   }
+  return true;
 }
 
 }  // namespace kxrestore::engine

@@ -2,6 +2,7 @@
 // taken into memory, and the changes of the current row until they are written.
 #pragma once
 
+#include <exception>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,8 +26,10 @@ class StreamedRecordset : public Recordset {
   void Update() final;
   void Close() final;
 
-  // Takes the remaining rows into memory, where nothing that is written beside them changes them.
-  void Detach();
+  // Takes the remaining rows into memory, where nothing that is written beside them changes them. When that
+  // fails on the way, or the user stops it, the rows up to there remain, and moving behind them raises why.
+  // False when the user has stopped it.
+  bool Detach();
   bool IsSnapshot() const { return m_type == RecordsetType::kSnapshot; }
 
  protected:
@@ -63,6 +66,7 @@ class StreamedRecordset : public Recordset {
   State m_state = State::kAtEnd;
   std::size_t m_columns = 0, m_allColumns = 0;
   std::unique_ptr<RowStore> m_stored;  // once detached
+  std::exception_ptr m_cutOff;         // what has kept the rest of the rows out of it
   std::vector<ValueView> m_row;        // of a stored row
   Changes m_pending;                   // set since Edit
   Changes m_written;                   // in the current row
@@ -75,7 +79,8 @@ class StreamingList {
   bool IsEmpty() const { return m_rows.empty(); }
   void Add(StreamedRecordset& rows) { m_rows.push_back(&rows); }
   void Remove(StreamedRecordset& rows) { std::erase(m_rows, &rows); }
-  void Detach(bool dynasetsToo = true);
+  // False when the user has stopped it; see StreamedRecordset::Detach.
+  bool Detach(bool dynasetsToo = true);
 
  private:
   std::vector<StreamedRecordset*> m_rows;

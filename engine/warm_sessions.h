@@ -4,12 +4,12 @@
 #pragma once
 
 #include <algorithm>
-#include <exception>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #include "engine/database.h"
+#include "engine/failures.h"
 
 namespace kxrestore::engine {
 
@@ -75,18 +75,11 @@ class WarmSessions : public Backend {
     CommitCounts& counts;
   };
 
-  // Every session gets its turn; the first error is raised at the end.
   template <class Operation>
   static void ForEach(const std::vector<std::shared_ptr<Session>>& sessions, Operation operation) {
-    std::exception_ptr failure;
-    for (const auto& session : sessions) {
-      try {
-        operation(*session);
-      } catch (...) {
-        if (!failure) failure = std::current_exception();
-      }
-    }
-    if (failure) std::rethrow_exception(failure);
+    Failures failures;
+    for (const auto& session : sessions) failures.Try([&] { operation(*session); });
+    failures.Raise();
   }
 
   std::vector<std::shared_ptr<Session>> m_warm;

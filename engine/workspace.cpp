@@ -1,5 +1,5 @@
 #include <array>
-#include <exception>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -8,6 +8,8 @@
 #include "engine/dao/not_installed.h"
 #include "engine/database.h"
 #include "engine/error_numbers.h"
+#include "engine/failures.h"
+#include "engine/jet_file/jet_file_backend.h"
 #include "engine/odbc/odbc_backend.h"
 #include "engine/sqlite/sqlite_backend.h"
 
@@ -44,30 +46,33 @@ FileKind ReadFileKind(const std::string& name) {
 
 }  // namespace
 
-Workspace::Workspace(Backends backends) : m_backends(std::move(backends)) {}
+Workspace::Workspace(Backends backends, DesktopFiles desktopFiles)
+    : m_backends(std::move(backends)), m_desktopFiles(desktopFiles) {}
 
-Workspace::~Workspace() {
-  if (m_depth == 0) return;
-  m_depth = 1;
-  try {
-    EndAction();
-  } catch (const Error&) {  // whoever wants to hear of it ends the action itself
-  }
-}
+Workspace::~Workspace() = default;
 
-// Every back end gets its turn; the first error is raised at the end.
+// Every back end gets its turn.
 template <typename Operation>
 void Workspace::ForEachBackend(Operation operation) {
-  std::exception_ptr failure;
-  for (Backend* backend : {m_backends.sqlite.get(), m_backends.odbc.get(), m_backends.dao.get()}) {
-    if (backend == nullptr) continue;
-    try {
-      operation(*backend);
-    } catch (...) {
-      if (!failure) failure = std::current_exception();
-    }
+  Failures failures;
+  for (Backend* backend :
+       {m_backends.sqlite.get(), m_backends.odbc.get(), m_backends.dao.get(), m_backends.jetFile.get()}) {
+    if (backend != nullptr) failures.Try([&] { operation(*backend); });
   }
-  if (failure) std::rethrow_exception(failure);
+  failures.Raise();
+}
+
+Backend* Workspace::DesktopBackend() const {
+  Backend* const engine = m_backends.dao.get();
+  Backend* const reader = m_backends.jetFile.get();
+  switch (m_desktopFiles) {
+    case DesktopFiles::kEngine:
+      return engine;
+    case DesktopFiles::kReader:
+      return reader;
+    default:
+      return engine != nullptr && (reader == nullptr || engine->IsInstalled()) ? engine : reader;
+  }
 }
 
 Backend& Workspace::BackendForFile(const OpenRequest& request) {
@@ -75,7 +80,7 @@ Backend& Workspace::BackendForFile(const OpenRequest& request) {
     if (name == request.name) return *backend;
   }
   const FileKind kind = ReadFileKind(request.name);
-  Backend* backend = kind == FileKind::kSqlite ? m_backends.sqlite.get() : m_backends.dao.get();
+  Backend* backend = kind == FileKind::kSqlite ? m_backends.sqlite.get() : DesktopBackend();
   if (backend == nullptr) dao::RaiseNotInstalled(request.name);
   if (InAction()) m_known.emplace_back(request.name, backend);
   return *backend;
@@ -105,7 +110,8 @@ void Workspace::Flush() {
 
 CommitCounts Workspace::Commits() const {
   CommitCounts counts;
-  for (const Backend* backend : {m_backends.sqlite.get(), m_backends.odbc.get(), m_backends.dao.get()}) {
+  for (const Backend* backend :
+       {m_backends.sqlite.get(), m_backends.odbc.get(), m_backends.dao.get(), m_backends.jetFile.get()}) {
     if (backend != nullptr) counts += backend->Commits();
   }
   return counts;
@@ -125,12 +131,25 @@ void Workspace::EndAction() {
   ForEachBackend([](Backend& backend) { backend.EndAction(); });
 }
 
+namespace {
+
+Workspace::DesktopFiles ChosenDesktopFiles() {
+  const char* chosen = std::getenv("KXRESTORE_DESKTOP_FILES");
+  const std::string_view text = chosen == nullptr ? "" : chosen;
+  if (text == "engine") return Workspace::DesktopFiles::kEngine;
+  if (text == "reader") return Workspace::DesktopFiles::kReader;
+  return Workspace::DesktopFiles::kEngineIfInstalled;
+}
+
+}  // namespace
+
 std::unique_ptr<Workspace> MakeDefaultWorkspace() {
   Workspace::Backends backends;
   backends.sqlite = sqlite::MakeSqliteBackend();
   backends.odbc = odbc::MakeOdbcBackend();
   backends.dao = dao::MakeDaoBackend();
-  return std::make_unique<Workspace>(std::move(backends));
+  backends.jetFile = jet_file::MakeJetFileBackend();
+  return std::make_unique<Workspace>(std::move(backends), ChosenDesktopFiles());
 }
 
 }  // namespace kxrestore::engine

@@ -29,6 +29,8 @@ class Desktop {
   // Lets pending window messages run. Called once an item by long walks, so it must be next to free when
   // there is nothing to do.
   virtual void DoEvents() = 0;
+  // The same while the engine works or waits, between the items of a walk.
+  virtual void DoEventsWhileWaiting() { DoEvents(); }
 
   // Makes the form's windows, disables the thread's other windows, and returns when the form is no longer
   // open. The form's windows are gone on return.

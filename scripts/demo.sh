@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Shows the system at work: demo.sh [--scripted] [--rows N]
 #
-# Builds the component, its sample host and a sample catalog, registers the component and lets the host run the restore
-# dialog. With a display the dialog is yours. Without one, or with --scripted, a script chooses a run, ticks a folder,
+# Builds the command line and a sample catalog first, and asks it what the catalog holds. Then builds the component and its
+# sample host, registers the component and lets the host run the restore dialog. With a display the dialog is yours. Without one, or with --scripted, a script chooses a run, ticks a folder,
 # applies, finds files by a mask, marks a kind of files, adds an archive disc and presses "Restore Now" on an X server
 # of its own. Screenshots of the steps and the host's output are left in build/demo/.
 set -euo pipefail
@@ -75,11 +75,26 @@ check_scripted() {
   done < <(sed -n 's/^shot //p' "$kxRoot/scripts/demo_steps.txt" | tr -d '\r')
 }
 
-"$kxRoot/scripts/setup.sh" native windows wine
-build_preset native make_catalog || fail "the native build failed"
+# Shows a command line and what it answers, the first lines of it.
+ask_catalog() {
+  printf '\n$ kxrestore %s\n' "$*"
+  "$kxBuild/native/host/kxrestore" "$@" --catalog "$demo/catalog.db" | awk 'NR <= 8'
+}
+
+"$kxRoot/scripts/setup.sh" native
+build_preset native make_catalog kxrestore || fail "the native build failed"
+mkdir -p "$demo"
+"$kxBuild/native/host/make_catalog" "$demo/catalog.db" --rows "$rows"
+ask_catalog sets
+ask_catalog types
+ask_catalog find report --newest
+ask_catalog mark --type jpg --set 'Daily Documents'
+ask_catalog count
+echo
+
+"$kxRoot/scripts/setup.sh" windows wine
 build_preset windows-x64 KXRestore restore_host || fail "the Windows build failed"
 
-mkdir -p "$demo"
 rm -f "$demo"/*.png "$demo/output.txt" "$demo/session.log"
 
 if [[ $scripted == no ]] && ! display_works; then

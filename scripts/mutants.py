@@ -15,9 +15,8 @@ import sys
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-SCRATCH = ROOT / "build" / "mutants"
-SOURCE = SCRATCH / "source"
-BUILD = SCRATCH / "build"
+SOURCE = ROOT / "build" / "mutants"
+BUILD = SOURCE / "build" / "mutants"
 JOBS = str(os.cpu_count() or 2)
 
 # The programs that test a folder, the likeliest to notice first.
@@ -29,7 +28,7 @@ PROGRAMS = {
     "platform": ["platform_tests", "controls_tests", "dialog_tests"],
 }
 # These take long, or want a server: they are about speed and about other programs.
-SLOW = "WaitingTest.*:TwoDialogs*:LostServer*:*AnotherProgramHolds*"
+SLOW = "WaitingTest.*:TwoDialogs*:LostServer*:*AnotherProgramHolds*:*ADiscIsAdded*:FaultSweep*"
 PATIENCE = 180  # seconds for one program
 
 
@@ -66,9 +65,12 @@ def copy_sources():
     names = subprocess.run(["git", "ls-files", "-co", "--exclude-standard"], cwd=ROOT, check=True,
                            capture_output=True, text=True).stdout.splitlines()
     wanted = {name for name in names if (ROOT / name).is_file()}
-    for old in [path for path in SOURCE.rglob("*") if path.is_file()]:
-        if str(old.relative_to(SOURCE)) not in wanted:
-            old.unlink()
+    for folder, folders, files in os.walk(SOURCE):
+        if pathlib.Path(folder) == SOURCE and "build" in folders:
+            folders.remove("build")
+        for old in (pathlib.Path(folder) / file for file in files):
+            if str(old.relative_to(SOURCE)) not in wanted:
+                old.unlink()
     for name in wanted:
         source, target = ROOT / name, SOURCE / name
         if target.exists() and target.read_bytes() == source.read_bytes():

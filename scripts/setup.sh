@@ -4,6 +4,8 @@
 #   native   build of the native programs and tests
 #   windows  cross-build of the DLL and its tests, SQLite's source for it
 #   wine     running Windows programs, with and without a display
+#   wine32   making the root in which 32-bit ones run
+#   package  making the installers and signing them
 #   bench    the benchmarks
 #   server   the database server and the ODBC drivers that the tests need, no server is left running; a grammar of T-SQL
 #
@@ -14,19 +16,21 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 declare -A kPackages=(
-  [native]="build-essential cmake ninja-build libsqlite3-dev unixodbc-dev googletest libgtest-dev unicode-data"
+  [native]="build-essential cmake ninja-build libsqlite3-dev unixodbc-dev googletest libgtest-dev unicode-data mdbtools"
   [windows]="build-essential cmake ninja-build googletest unicode-data libsqlite3-0
              g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64-tools libwine-dev
-             dpkg-dev xz-utils tcl"
+             librsvg2-bin icoutils dpkg-dev xz-utils tcl faketime"
   # Wine looks for the X libraries at run time, so that its package does not depend on them.
   [wine]="wine wine64 fonts-wine fonts-liberation fontconfig xvfb x11-utils xdotool imagemagick libxrender1 libxcomposite1
           libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxxf86vm1"
+  [package]="wixl msitools osslsigncode openssl zip python3-minimal"
+  [wine32]="mmdebstrap arch-test bubblewrap"
   [bench]="build-essential cmake ninja-build libsqlite3-dev libbenchmark-dev unixodbc-dev libpq-dev"
   [server]="postgresql unixodbc odbc-postgresql libsqliteodbc"
 )
 
 wanted=("$@")
-[[ $# -gt 0 ]] || wanted=(native windows wine bench server)
+[[ $# -gt 0 ]] || wanted=(native windows wine wine32 package bench server)
 
 packages=()
 needsSqlite=no

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Builds and tests everything: test.sh [--native] [--windows]
 #
-# Natively under the address and undefined-behaviour sanitizers, and the 64-bit Windows build under Wine; the 32-bit DLL
-# is built. The options choose a part. The last line is `N passed, N failed`; tests that a crash or the time limit kept
+# Natively under the address and undefined-behaviour sanitizers, the 64-bit Windows build under Wine, and of the 32-bit one
+# what the platform makes a difference for: the component, its windows, and the hosts. A machine that cannot have a 32-bit
+# Wine says so and leaves that out. The options choose a part. The last line is `N passed, N failed`; tests that a crash or the time limit kept
 # from running count as failed.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
@@ -10,6 +11,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 kNativeLimit=300  # seconds for one program
 kWindowsLimit=600
+kPrograms32=(component_tests win32_tests e2e_tests)
 
 native=no
 windows=no
@@ -28,9 +30,6 @@ fi
 results=$kxBuild/test-results
 rm -rf "$results"
 mkdir -p "$results"
-totalPassed=0
-totalFailed=0
-totalSkipped=0
 
 # Of a result file in GoogleTest's XML: how many tests ended, failed and were skipped.
 read_xml() {
@@ -80,9 +79,6 @@ run_program() {
 report_program() {
   local base=$1 passed failed skipped
   read -r passed failed skipped <"$base.count"
-  totalPassed=$((totalPassed + passed))
-  totalFailed=$((totalFailed + failed))
-  totalSkipped=$((totalSkipped + skipped))
   local note=
   [[ $skipped -eq 0 ]] || note=", $skipped skipped"
   printf '%-40s %5d ok, %d not%s\n' "${base#"$results"/}" "$passed" "$failed" "$note"
@@ -112,8 +108,8 @@ run_native() {
   [[ ${#programs[@]} -gt 0 ]] || fail "the native build made no test program"
   say "running ${#programs[@]} native test programs"
   for program in "${programs[@]}"; do
-    # It stops the server that the others ask, too.
-    [[ $program != */engine_tests ]] || continue
+    # They stop the server that the others ask, too.
+    [[ $program != */engine_tests && $program != */server_tests ]] || continue
     if [[ $running -ge $kxJobs ]]; then
       wait -n || true
       running=$((running - 1))
@@ -122,35 +118,63 @@ run_native() {
     running=$((running + 1))
   done
   wait
-  program=$kxBuild/sanitize/tests/engine_tests
-  (cd "$results/native" && run_program "$results/native/engine_tests" "$kNativeLimit" no "$program")
+  for program in engine_tests server_tests; do
+    (cd "$results/native" &&
+      run_program "$results/native/$program" "$kNativeLimit" no "$kxBuild/sanitize/tests/$program")
+  done
   for program in "${programs[@]}"; do report_program "$results/native/$(basename "$program")"; done
 }
 
-run_windows() {
+# Runs test programs under Wine, in a shell of its own: run_under_wine BITS RESULTS PROGRAM...
+run_under_wine() (
+  export KX_WINE_BITS=$1
+  folder=$2
+  shift 2
   # shellcheck source=scripts/wine_env.sh
   source "$kxRoot/scripts/wine_env.sh"
-  build_preset windows-x64 || fail "the 64-bit Windows build failed"
-  build_preset windows-x86 KXRestore || fail "the 32-bit Windows build failed"
-  mkdir -p "$results/windows"
-  local program programs
-  mapfile -t programs < <(test_programs "$kxBuild/windows-x64/tests" '*_tests.exe')
-  [[ ${#programs[@]} -gt 0 ]] || fail "the Windows build made no test program"
+  mkdir -p "$folder"
   wine_session_start own
-  say "running ${#programs[@]} Windows test programs under Wine"
+  say "running $# Windows test programs under Wine ($KX_WINE_BITS bit)"
   # One after the other: they share a desktop, and with it the focus.
-  for program in "${programs[@]}"; do
-    (cd "$results/windows" && run_program "$results/windows/$(basename "$program")" "$kWindowsLimit" yes \
-      wine "$program") {kxWineLock}>&-
-    report_program "$results/windows/$(basename "$program")"
+  for program in "$@"; do
+    (cd "$folder" && run_program "$folder/$(basename "$program")" "$kWindowsLimit" yes wine "$program") {kxWineLock}>&-
+    report_program "$folder/$(basename "$program")"
     # What a program left running must not disturb the next.
     wine_stop_server
   done
   wine_session_stop
+)
+
+run_windows() {
+  build_preset windows-x64 || fail "the 64-bit Windows build failed"
+  build_preset windows-x86 KXRestore restore_host "${kPrograms32[@]}" || fail "the 32-bit Windows build failed"
+  local programs status=0
+  mapfile -t programs < <(test_programs "$kxBuild/windows-x64/tests" '*_tests.exe')
+  [[ ${#programs[@]} -gt 0 ]] || fail "the Windows build made no test program"
+  run_under_wine 64 "$results/windows" "${programs[@]}"
+  "$kxRoot/scripts/wine32_root.sh" || status=$?
+  case $status in
+    0)
+      programs=("${kPrograms32[@]/#/$kxBuild/windows-x86/tests/}")
+      run_under_wine 32 "$results/windows-x86" "${programs[@]/%/.exe}"
+      ;;
+    3) warn "the 32-bit tests are left out" ;;
+    *) fail "the 32-bit Wine cannot be made" ;;
+  esac
+}
+
+# The packages' tests are a script of its own; its last line is like this one's.
+run_packages() {
+  say "testing the packages"
+  local base=$results/packages passed=0 failed=1
+  "$kxRoot/scripts/test_package.sh" >"$base.log" 2>&1 || true
+  read -r passed failed < <(tail -n 1 "$base.log" | sed -n 's/^\([0-9]*\) passed, \([0-9]*\) failed$/\1 \2/p') || true
+  echo "${passed:-0} ${failed:-1} 0" >"$base.count"
+  report_program "$base"
 }
 
 groups=(native server)
-[[ $windows == no ]] || groups+=(windows wine)
+[[ $windows == no ]] || groups+=(windows wine wine32 package)
 "$kxRoot/scripts/setup.sh" "${groups[@]}"
 
 # This shell keeps the database server, another one runs the tests: each has its own to put away at the end.
@@ -167,8 +191,13 @@ if [[ -z ${KX_TEST_SERVER:-} ]]; then
 fi
 
 [[ $native == no ]] || run_native
-[[ $windows == no ]] || run_windows
+if [[ $windows == yes ]]; then
+  run_windows
+  run_packages
+fi
 
-[[ $totalSkipped -eq 0 ]] || echo "$totalSkipped skipped"
-echo "$totalPassed passed, $totalFailed failed"
-[[ $totalFailed -eq 0 ]]
+read -r passed failed skipped < <(find "$results" -name '*.count' -exec cat {} + |
+  awk '{ passed += $1; failed += $2; skipped += $3 } END { print passed + 0, failed + 0, skipped + 0 }')
+[[ $skipped -eq 0 ]] || echo "$skipped skipped"
+echo "$passed passed, $failed failed"
+[[ $passed -gt 0 && $failed -eq 0 ]]

@@ -6,7 +6,7 @@
 #   KX_TEST_USER       an ordinary user who may make databases
 #   KX_TEST_ADMIN      the server's first user
 #   KX_TEST_PASSWORD   of both
-#   KX_TEST_CONTROL    a program that stops and starts the server: CONTROL stop|start
+#   KX_TEST_CONTROL    a program that stops and starts, or pauses and resumes the server: CONTROL stop|start|pause|resume
 #   ODBCSYSINI         a folder whose odbcinst.ini names the drivers: `sql server`, the one for PostgreSQL, and `SQLite3`
 # shellcheck shell=bash
 
@@ -63,7 +63,7 @@ test_server_start() {
     fail "the test server's data cannot be made"
   cat >"$kxServer/control" <<END
 #!/usr/bin/env bash
-# Stops or starts the test server: control stop|start
+# Stops or starts, or pauses or resumes the test server: control stop|start|pause|resume
 cd /
 run=()
 [[ \$(id -u) -ne 0 ]] || run=(setpriv --reuid=postgres --regid=postgres --clear-groups --)
@@ -71,6 +71,13 @@ case \$1 in
   start)
     exec "\${run[@]}" "$programs/pg_ctl" -D "$data/db" -w -t 60 -s -l "$data/log" start \\
       -o "-p $port -c listen_addresses=127.0.0.1 -c unix_socket_directories='' -c fsync=off -c full_page_writes=off"
+    ;;
+  pause | resume)
+    signal=STOP
+    [[ \$1 == pause ]] || signal=CONT
+    read -r postmaster <"$data/db/postmaster.pid"
+    # shellcheck disable=SC2046
+    kill -\$signal "\$postmaster" \$(ps -o pid= --ppid "\$postmaster")
     ;;
   stop) exec "\${run[@]}" "$programs/pg_ctl" -D "$data/db" -w -t 60 -s -m immediate stop ;;
 esac

@@ -1,13 +1,20 @@
 # Running Windows programs under Wine (source it after lib.sh): an environment and a prefix of its own under build/wine,
 # so that neither the user's Wine nor what is installed there matters. Set KX_WINEPREFIX for another prefix, KX_SCREEN
-# for another size of the screen than 2560x1440.
+# for another size of the screen than 2560x1440, KX_WINE_BITS=32 for the 32-bit Wine of build/wine32 (made by
+# wine32_root.sh).
 #
 # A session is what holds the prefix to itself: wine_session_start, any number of `wine_do`, wine_session_stop (a trap
 # does it at the end of the script, too). Within one, KX_WINE_SESSION is set for scripts that are called.
 # shellcheck shell=bash
 
-export WINEPREFIX=${KX_WINEPREFIX:-$kxBuild/wine}
-export WINEARCH=win64
+if [[ ${KX_WINE_BITS:-64} == 32 ]]; then
+  export WINEPREFIX=${KX_WINEPREFIX:-$kxBuild/wine32/prefix}
+  export WINEARCH=win32
+  export PATH=$kxRoot/scripts/wine32:$PATH
+else
+  export WINEPREFIX=${KX_WINEPREFIX:-$kxBuild/wine}
+  export WINEARCH=win64
+fi
 export WINEDEBUG=${KX_WINEDEBUG:--all}
 # No prompts for Mono and Gecko, no menu entries in the user's desktop, and a crash ends the program at once.
 export WINEDLLOVERRIDES='mscoree,mshtml=;winedbg.exe=d;winemenubuilder.exe=d'

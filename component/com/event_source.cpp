@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "component/com/host_call.h"
+
 namespace kxrestore::component::com {
 namespace {
 
@@ -73,7 +75,7 @@ void EventSource::Fire(DISPID event) {
   const std::vector<Sink> sinks = m_sinks;
   for (const Sink& sink : sinks) {
     if (!IsAdvised(sink.cookie)) continue;
-    SkipErrors([&] {
+    CallHost([&] {
       DISPPARAMS none{};
       sink.dispatch->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &none, nullptr, nullptr,
                             nullptr);

@@ -112,12 +112,15 @@ HRESULT RemoveAll(Scope scope) {
     const LSTATUS status = RegDeleteTreeW(RootOf(scope), (kClasses + key).c_str());
     if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND && first == ERROR_SUCCESS) first = status;
   };
+  // Each platform has class and interface keys of its own. The type library's and the ProgID are shared and
+  // go with the last platform and the last version.
   remove(names.classKey);
-  remove(names.programId);
-  // What describes the type library goes with the last platform and the last version that it is there for.
   remove(names.versionKey + L"\\0\\" + kPlatform);
   if (KeysBelow(scope, names.versionKey + L"\\0") == 0) remove(names.versionKey);
-  if (KeysBelow(scope, names.libraryKey) == 0) remove(names.libraryKey);
+  if (KeysBelow(scope, names.libraryKey) == 0) {
+    remove(names.libraryKey);
+    remove(names.programId);
+  }
   remove(names.interfaceKey);
   remove(names.eventsKey);
   return HRESULT_FROM_WIN32(first);

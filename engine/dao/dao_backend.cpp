@@ -65,6 +65,8 @@ class DaoBackend final : public Backend {
     return std::make_unique<DaoDatabase>(std::move(session));
   }
 
+  bool IsInstalled() const override { return DesktopEngine::IsInstalled(); }
+
   void BeginAction() override { m_inAction = true; }
   void Idle() override { WriteOutAfter(std::chrono::milliseconds(100)); }
   void Flush() override { WriteOutAfter(std::chrono::milliseconds(0)); }

@@ -1,6 +1,8 @@
 #include "engine/dao/desktop_engine.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 #include "base/error.h"
 #include "engine/dao/not_installed.h"
@@ -47,6 +49,16 @@ Object ListOfErrors(const ComPtr<IDispatch>& engine) {
 }
 
 }  // namespace
+
+bool DesktopEngine::IsInstalled() {
+  return std::any_of(std::begin(kEngines), std::end(kEngines), [](const wchar_t* name) {
+    CLSID identifier;
+    ComPtr<IClassFactory> factory;
+    return SUCCEEDED(CLSIDFromProgID(name, &identifier)) &&
+           SUCCEEDED(CoGetClassObject(identifier, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
+                                      reinterpret_cast<void**>(factory.GetAddressOf())));
+  });
+}
 
 DesktopEngine::DesktopEngine(const std::string& file) {
   const ComPtr<IDispatch> engine = MakeNewest(file);

@@ -16,6 +16,9 @@ class DesktopEngine {
   // The newest engine that is installed and can be made; error 429 when there is none. `file` is who asks.
   explicit DesktopEngine(const std::string& file);
 
+  // Whether any of them can be had for programs of this bitness.
+  static bool IsInstalled();
+
   const Object& DefaultWorkspace() const { return m_workspace; }
 
   // The engine writes behind by itself, within half a second. While it gathers it is left to do so, else

@@ -1,5 +1,6 @@
-// The driver manager's interface, wide characters only, with its handles owned and its texts converted. Every
-// other header of the engine is free of it.
+// The types of the driver manager's interface, wide characters only, and its texts converted. Its functions
+// are called in driver.cpp and nowhere else: their names are poisoned here, so that no call escapes the
+// checks.
 #pragma once
 
 #ifdef _WIN32
@@ -11,9 +12,21 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "base/utf16.h"
+
+#ifndef KX_CALLS_THE_DRIVER_MANAGER
+#pragma GCC poison SQLAllocHandle SQLFreeHandle SQLSetEnvAttr SQLSetConnectAttr SQLSetConnectAttrW \
+    SQLDriverConnect
+#pragma GCC poison SQLDriverConnectW SQLConnect SQLConnectW SQLDisconnect SQLGetInfo SQLGetInfoW SQLEndTran
+#pragma GCC poison SQLSetStmtAttr SQLSetStmtAttrW SQLPrepare SQLPrepareW SQLExecute SQLExecDirect \
+    SQLExecDirectW
+#pragma GCC poison SQLBindParameter SQLBindCol SQLNumResultCols SQLDescribeCol SQLDescribeColW SQLColAttribute
+#pragma GCC poison SQLColAttributeW SQLRowCount SQLFetch SQLFetchScroll SQLGetData SQLSetPos SQLFreeStmt
+#pragma GCC poison SQLCloseCursor SQLMoreResults SQLCancel SQLTables SQLTablesW SQLColumns SQLColumnsW
+#pragma GCC poison SQLPrimaryKeys SQLPrimaryKeysW SQLGetDiagRec SQLGetDiagRecW SQLGetDiagField \
+    SQLGetDiagFieldW
+#endif
 
 namespace kxrestore::engine::odbc {
 
@@ -33,28 +46,5 @@ class WideText {
  private:
   std::u16string m_text;
 };
-
-template <SQLSMALLINT kType>
-class Handle {
- public:
-  Handle() = default;
-  Handle(Handle&& other) noexcept : m_handle(std::exchange(other.m_handle, nullptr)) {}
-  Handle& operator=(Handle&& other) noexcept {
-    std::swap(m_handle, other.m_handle);
-    return *this;
-  }
-  ~Handle() {
-    if (m_handle != nullptr) SQLFreeHandle(kType, m_handle);
-  }
-
-  SQLHANDLE Get() const { return m_handle; }
-  bool Allocate(SQLHANDLE parent) { return SQL_SUCCEEDED(SQLAllocHandle(kType, parent, &m_handle)); }
-
- private:
-  SQLHANDLE m_handle = nullptr;
-};
-using Environment = Handle<SQL_HANDLE_ENV>;
-using Connection = Handle<SQL_HANDLE_DBC>;
-using StatementHandle = Handle<SQL_HANDLE_STMT>;
 
 }  // namespace kxrestore::engine::odbc

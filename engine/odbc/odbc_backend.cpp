@@ -1,8 +1,5 @@
 #include "engine/odbc/odbc_backend.h"
 
-#include <map>
-#include <string>
-
 #include "engine/odbc/odbc_database.h"
 #include "engine/odbc/odbc_session.h"
 #include "engine/warm_sessions.h"
@@ -12,36 +9,40 @@ namespace {
 
 class OdbcBackend final : public WarmSessions<Session> {
  public:
+  explicit OdbcBackend(const Waits& waits) : m_waits(waits) {}
+
   std::unique_ptr<Database> Open(const OpenRequest& request) override {
     if (!InAction()) {
       return std::make_unique<OdbcDatabase>(
-          std::make_shared<Session>(request.connect, false, nullptr, WaitingOfSessions()), request.readOnly);
+          std::make_shared<Session>(request.connect, nullptr, WaitingOfSessions(), m_waits),
+          request.readOnly);
     }
-    // A session whose server went away is let go; the next operation tries again.
-    Drop([](const Session& session) { return session.IsLost(); });
-    const auto fits = [&](const Session& session) { return session.Connect() == request.connect; };
+    // A lost session is dropped once it has reported its lost changes; this operation connects anew.
+    Drop([](const Session& session) { return session.IsLost() && !session.HasUntold(); });
+    const auto fits = [&](const Session& session) {
+      return session.Connect() == request.connect && !session.IsLost();
+    };
     const auto make = [&] {
-      auto& texts = m_texts[request.connect];
-      if (!texts) texts = std::make_shared<SavedTexts>();
-      return std::make_shared<Session>(request.connect, true, texts, WaitingOfSessions());
+      if (!m_action) m_action = std::make_shared<ActionState>(m_waits.locks);
+      return std::make_shared<Session>(request.connect, m_action, WaitingOfSessions(), m_waits);
     };
     return std::make_unique<OdbcDatabase>(Find(fits, make), request.readOnly);
   }
 
   void EndAction() override {
-    m_texts.clear();
+    m_action.reset();
     WarmSessions::EndAction();
   }
 
  private:
-  // Of this action's saved queries, by connection.
-  std::map<std::string, std::shared_ptr<SavedTexts>> m_texts;
+  Waits m_waits;
+  std::shared_ptr<ActionState> m_action;  // from the first session of the action on
 };
 
 }  // namespace
 
-std::unique_ptr<Backend> MakeOdbcBackend() {
-  return std::make_unique<OdbcBackend>();
+std::unique_ptr<Backend> MakeOdbcBackend(const Waits& waits) {
+  return std::make_unique<OdbcBackend>(waits);
 }
 
 }  // namespace kxrestore::engine::odbc

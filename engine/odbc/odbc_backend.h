@@ -4,9 +4,10 @@
 #include <memory>
 
 #include "engine/database.h"
+#include "engine/odbc/waits.h"
 
 namespace kxrestore::engine::odbc {
 
-std::unique_ptr<Backend> MakeOdbcBackend();
+std::unique_ptr<Backend> MakeOdbcBackend(const Waits& waits = {});
 
 }  // namespace kxrestore::engine::odbc

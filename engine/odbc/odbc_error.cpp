@@ -1,7 +1,6 @@
 #include "engine/odbc/odbc_error.h"
 
 #include <algorithm>
-#include <array>
 
 #include "base/text.h"
 #include "engine/error_numbers.h"
@@ -10,6 +9,8 @@ namespace kxrestore::engine::odbc {
 namespace {
 
 namespace number = kxrestore::engine::error_number;
+
+constexpr std::size_t kMaxShownPiece = 200;  // characters
 
 struct Meaning {
   std::string_view state;  // or the start of several
@@ -38,6 +39,7 @@ constexpr Meaning kMeanings[] = {
     {"40", "", number::kRowLocked},
     {"55P03", "", number::kRowLocked},
     {"", "database is locked", number::kRowLocked},
+    {"", "Lock request time out", number::kRowLocked},
     {"25006", "", number::kReadOnly},
     {"53100", "", number::kDiskFull},
     {"", "disk is full", number::kDiskFull},
@@ -76,24 +78,6 @@ std::string Join(const std::vector<Diagnostic>& diagnostics) {
 
 }  // namespace
 
-std::vector<Diagnostic> ReadDiagnostics(SQLSMALLINT type, SQLHANDLE handle) {
-  constexpr SQLSMALLINT kMaxRecords = 8;
-  std::vector<Diagnostic> diagnostics;
-  std::array<char16_t, 6> state{};
-  std::array<char16_t, 1024> text{};
-  for (SQLSMALLINT record = 1; record <= kMaxRecords; ++record) {
-    SQLINTEGER native = 0;
-    SQLSMALLINT size = 0;
-    const SQLRETURN result =
-        SQLGetDiagRecW(type, handle, record, WideBuffer(state.data()), &native, WideBuffer(text.data()),
-                       static_cast<SQLSMALLINT>(text.size()), &size);
-    if (!SQL_SUCCEEDED(result)) break;
-    text.back() = u'\0';
-    diagnostics.push_back({FromWide({state.data(), 5}), native, FromWide(text.data())});
-  }
-  return diagnostics;
-}
-
 Failure FailureOf(const std::vector<Diagnostic>& diagnostics) {
   for (const char* state : {"08", "57P0", "HYT01"}) {
     if (Holds(diagnostics, state)) return Failure::kConnection;
@@ -102,7 +86,11 @@ Failure FailureOf(const std::vector<Diagnostic>& diagnostics) {
                             "server closed the connection", "no connection to the server"}) {
     if (Says(diagnostics, words)) return Failure::kConnection;
   }
+  for (const char* state : {"57014", "HY008", "HYT00"}) {
+    if (Holds(diagnostics, state)) return Failure::kCanceled;
+  }
   if (Holds(diagnostics, "40")) return Failure::kConflict;
+  if (NumberOf(diagnostics) == number::kRowLocked) return Failure::kLock;
   if (Holds(diagnostics, "42P01") || Holds(diagnostics, "42S02") || Holds(diagnostics, "42703") ||
       Holds(diagnostics, "42S22") || Says(diagnostics, "cached plan must not change")) {
     return Failure::kStale;
@@ -110,29 +98,23 @@ Failure FailureOf(const std::vector<Diagnostic>& diagnostics) {
   return Failure::kStatement;
 }
 
-std::string WithoutPassword(std::string message, std::string_view password) {
-  constexpr std::string_view kHidden = "***";
-  if (password.empty()) return message;
-  for (std::size_t at = 0; (at = message.find(password, at)) != std::string::npos; at += kHidden.size()) {
-    message.replace(at, password.size(), kHidden);
+Error ErrorOf(const std::vector<Diagnostic>& diagnostics, bool connecting, std::string_view piece,
+              const Password& password) {
+  const std::string words = Join(diagnostics), hidden = password.Hide(piece);
+  const auto error = [](int errorNumber, std::string text) {
+    return Error(errorNumber, std::move(text), "Engine");
+  };
+  if (connecting) {
+    return error(number::kOdbcConnectionFailed, "ODBC - connection to '" + hidden + "' failed: " + words);
   }
-  return message;
+  const int errorNumber = NumberOf(diagnostics);
+  if (errorNumber == number::kOdbcFailed) return error(errorNumber, "ODBC - call failed: " + words);
+  return error(errorNumber, words + " In '" + std::string(LeftCharacters(hidden, kMaxShownPiece)) + "'.");
 }
 
 void RaiseOdbc(const std::vector<Diagnostic>& diagnostics, bool connecting, std::string_view piece,
-               std::string_view password) {
-  const std::string words = Join(diagnostics);
-  std::string text;
-  int errorNumber = number::kOdbcConnectionFailed;
-  if (connecting) {
-    text = "ODBC - connection to '" + std::string(piece) + "' failed: " + words;
-  } else {
-    errorNumber = NumberOf(diagnostics);
-    const std::string shown(LeftCharacters(piece, 200));
-    text =
-        errorNumber == number::kOdbcFailed ? "ODBC - call failed: " + words : words + " In '" + shown + "'.";
-  }
-  Raise(errorNumber, WithoutPassword(std::move(text), password));
+               const Password& password) {
+  throw ErrorOf(diagnostics, connecting, piece, password);
 }
 
 }  // namespace kxrestore::engine::odbc

@@ -1,37 +1,33 @@
-// The one gate where a driver's diagnostics become errors of the engine.
+// Where a driver's diagnostics become errors of the engine.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "engine/odbc/odbc_api.h"
+#include "base/error.h"
+#include "engine/odbc/driver.h"
 
 namespace kxrestore::engine::odbc {
 
-struct Diagnostic {
-  std::string state;  // SQLSTATE
-  int native = 0;
-  std::string message;
-};
-
-std::vector<Diagnostic> ReadDiagnostics(SQLSMALLINT type, SQLHANDLE handle);
-
-// What an error asks of the session.
+// What the session can do about an error.
 enum class Failure {
   kStatement,   // only the statement has failed
-  kConflict,    // lost against another connection: worth trying again
-  kStale,       // prepared for tables that are others now: worth preparing again
+  kConflict,    // the server chose this statement to end a deadlock: worth trying again
+  kLock,        // another connection kept a lock for too long
+  kStale,       // the tables have changed since it was prepared: worth preparing again
+  kCanceled,    // ended by the user or by a time limit: not to be repeated
   kConnection,  // the server is gone
 };
 Failure FailureOf(const std::vector<Diagnostic>& diagnostics);
 
-// Takes every occurrence of a password out of a message.
-std::string WithoutPassword(std::string message, std::string_view password);
+// The error that diagnostics stand for; see RaiseOdbc.
+Error ErrorOf(const std::vector<Diagnostic>& diagnostics, bool connecting, std::string_view piece,
+              const Password& password);
 
 // `piece` is the statement or name at work. Errors: 3151 while `connecting`; 3078, 3061, 3022, 3317, 3260,
 // 3027, 3026 where the state tells, else 3146; the driver's words and the state stand in the description.
 [[noreturn]] void RaiseOdbc(const std::vector<Diagnostic>& diagnostics, bool connecting,
-                            std::string_view piece, std::string_view password);
+                            std::string_view piece, const Password& password);
 
 }  // namespace kxrestore::engine::odbc

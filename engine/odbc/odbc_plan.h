@@ -15,7 +15,7 @@ namespace kxrestore::engine::odbc {
 
 struct PlanTable {
   std::string name;
-  std::vector<std::string> keys;        // its key's columns; empty when its rows cannot be told apart
+  std::vector<std::string> keys;        // columns of its key; empty when its rows cannot be told apart
   std::vector<std::size_t> keyColumns;  // the hidden columns that hold them
 };
 
@@ -34,10 +34,11 @@ struct Plan : CachedPlan {
   std::size_t hidden = 0;
   std::vector<std::unique_ptr<RowUpdate>> updates;
   std::vector<std::unique_ptr<OdbcStatement>> idle;
-  bool isShort = false;  // its last result was a block at most
+  bool isShort = false;  // its last result fitted one block
 };
 
-// The statement's values in the order of the plan's parameters, each as the kind of what it is compared with.
+// The statement's values in the order of the plan's parameters, each converted to the kind of the column that
+// it is compared with.
 std::vector<Value> ParameterValues(const Plan& plan, const std::vector<Value>& values,
                                    const jet_sql::ServerDialect& dialect);
 

@@ -17,8 +17,8 @@ namespace {
 
 using namespace jet_sql;  // NOLINT: the planner speaks of little else
 
-// Adds the keys of the tables to the statement of a dynaset, and puts its rows in the order of the first
-// one's where they have no other: a server may show a row in another place once it has been written.
+// Adds the key columns of the tables to the statement of a dynaset. Rows without an order are put in that of
+// the first table's key: a server may return a row in another place once it has been written.
 void AddKeys(Session& session, SelectStatement& statement, const std::vector<ResultTable>& tables,
              Plan& plan) {
   SelectCore& core = statement.cores.front();
@@ -130,7 +130,7 @@ ViewBody TranslateSavedQuery(Session& session, std::string_view text) {
     ResolveNames(statement, session.Tables());
     body.sql = Print(statement, session.Dialect(), jet_sql::PrintedAs::kView);
   } catch (const Error& error) {
-    // What it names may come later; until then it shows nothing.
+    // The tables or columns that it names may be made later; until then the query returns no rows.
     if (error.Number() != error_number::kParameterMissing) throw;
   }
   return body;

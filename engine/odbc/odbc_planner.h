@@ -1,4 +1,4 @@
-// Makes plans: parses, resolves names, translates, and adds to dynasets what their rows are changed by.
+// Makes plans: parses, resolves names, translates, and adds the keys by which a dynaset's rows are updated.
 #pragma once
 
 #include <memory>

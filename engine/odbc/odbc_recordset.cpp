@@ -11,7 +11,7 @@ namespace {
 namespace number = error_number;
 using jet_sql::ValueKind;
 
-// A value as the column's kind, where the server would not take it otherwise.
+// A value converted to the column's kind, where the server would refuse it otherwise.
 Value ForColumn(const Value& value, ValueKind kind) {
   const ValueView view = ViewOf(value);
   if (IsNull(view)) return value;
@@ -42,29 +42,31 @@ OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, const Sql& sql, R
   for (std::size_t i = 0; i + m_plan->hidden < columns.size(); ++i) m_names.push_back(columns[i].name);
   const bool hasRow = m_rows->Next();
   m_plan->isShort = m_rows->InOneBlock();
-  // Nothing changes rows that the driver has all fetched.
+  // Rows that the driver has fetched completely do not change any more.
   const bool stays =
       m_session->Facts().fetchesAllAtOnce && !m_session->FetchesPiecewise() && m_rows->InOneBlock();
   if (hasRow && !stays) m_session->Streaming().Add(*this);
   Begin(hasRow, m_names.size(), columns.size() - m_names.size());
 }
 
-// Others may have changed tables and queries since the plan was made: it is made anew once.
+// Other programs may have changed tables and queries since the plan was made, so a plan that fails is made
+// anew once.
 void OdbcRecordset::Open(const Sql& sql, const ColumnNames& read) {
-  if (TryOpen(sql, read)) return;
+  Outcome failed;
+  if (TryOpen(sql, read, failed)) return;
   m_session->ForgetPlans();
   m_statement.reset();
-  if (!TryOpen(sql, read)) m_session->Raise(SQL_HANDLE_STMT, m_statement->Get(), sql.Printed());
+  if (TryOpen(sql, read, failed)) return;
+  if (failed.Failed()) m_session->RaiseFailure(failed, sql.Printed());
+  Raise(number::kOdbcFailed, "ODBC - call failed: the columns of '" + sql.Printed() + "' keep changing.");
 }
 
-bool OdbcRecordset::TryOpen(const Sql& sql, const ColumnNames& read) {
+bool OdbcRecordset::TryOpen(const Sql& sql, const ColumnNames& read, Outcome& failed) {
   m_plan = m_session->FindPlan(sql, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
   m_statement = m_session->Acquire(*m_plan);
   m_session->FetchPiecewise(!m_plan->isShort);
-  if (!m_session->RunRead(*m_statement,
-                          ParameterValues(*m_plan, m_session->Values(), m_session->Dialect()))) {
-    return false;
-  }
+  const auto values = ParameterValues(*m_plan, m_session->Values(), m_session->Dialect());
+  if (!m_session->RunRead(*m_statement, values, failed)) return false;
   m_rows = &m_statement->Rows();
   return !m_plan->columnsKnown || m_rows->Columns().size() == m_plan->columns.size() + m_plan->hidden;
 }

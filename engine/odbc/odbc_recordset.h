@@ -20,10 +20,7 @@ class OdbcRecordset final : public StreamedRecordset {
   OdbcRecordset& operator=(const OdbcRecordset&) = delete;
 
  private:
-  bool Fetch(bool mayStop) override {
-    if (!mayStop) m_session->GiveTurn();  // all the rest is being read, in one go
-    return m_rows->Next();
-  }
+  bool Fetch(bool /*mayStop*/) override { return m_rows->Next(); }
   void LetStatementGo() override;
   ValueView Streamed(std::size_t index) const override { return m_rows->Value(index); }
   std::string_view ColumnName(std::size_t index) const override { return m_names[index]; }
@@ -33,7 +30,8 @@ class OdbcRecordset final : public StreamedRecordset {
   void Write(const Changes& changes) override;
 
   void Open(const Sql& sql, const ColumnNames& read);
-  bool TryOpen(const Sql& sql, const ColumnNames& read);
+  // False when the tables have changed since the plan was made; `failed` holds the driver's error, if any.
+  bool TryOpen(const Sql& sql, const ColumnNames& read, Outcome& failed);
   void UpdateTable(std::size_t table, const Changes& changes);
 
   std::shared_ptr<Session> m_session;

@@ -9,7 +9,7 @@
 namespace kxrestore::engine::odbc {
 namespace {
 
-// For the pattern arguments of the driver's catalog functions.
+// A name as a pattern argument of the driver's catalog functions.
 std::string EscapedPattern(const std::string& name, const std::string& escape) {
   std::string pattern;
   for (const char c : name) {
@@ -19,17 +19,11 @@ std::string EscapedPattern(const std::string& name, const std::string& escape) {
   return pattern;
 }
 
-// The driver's catalog functions take a null pointer for "any".
-class Argument {
- public:
-  explicit Argument(const std::string& text) : m_given(!text.empty()), m_text(text) {}
-  SQLWCHAR* Data() { return m_given ? m_text.Data() : nullptr; }
-  SQLSMALLINT Size() const { return static_cast<SQLSMALLINT>(m_given ? m_text.Size() : 0); }
-
- private:
-  bool m_given;
-  WideText m_text;
-};
+// Whether the driver lacks the function; then the result is taken to be empty.
+bool IsUnknownFunction(const Outcome& outcome) {
+  const std::vector<Diagnostic>& told = outcome.Diagnostics();
+  return !told.empty() && (told.front().state == "IM001" || told.front().state == "HYC00");
+}
 
 bool IsOfTheServer(std::string_view schema) {
   for (const char* name : {"pg_catalog", "information_schema", "pg_toast", "sys"}) {
@@ -45,8 +39,8 @@ const jet_sql::KnownRelation* Schema::Find(std::string_view name) {
   const auto known = m_relations.find(key);
   if (known != m_relations.end()) return known->second.get();
   std::unique_ptr<jet_sql::KnownRelation> relation;
-  const auto own = m_texts.byName.find(FoldCase(name));
-  if (own != m_texts.byName.end()) {
+  const auto own = m_texts->byName.find(FoldCase(name));
+  if (own != m_texts->byName.end()) {
     relation = std::make_unique<jet_sql::KnownRelation>();
     relation->name = name;
     relation->text = own->second;
@@ -78,15 +72,13 @@ const Schema::Entry* Schema::FindEntry(std::string_view name, bool fresh) {
 void Schema::ReadEntries() {
   m_entries.clear();
   m_stored.reset();
-  StatementHandle list = m_session.AllocateStatement();
-  WideText types("TABLE,VIEW");
-  if (!SQL_SUCCEEDED(SQLTablesW(list.Get(), nullptr, 0, nullptr, 0, nullptr, 0, types.Data(),
-                                static_cast<SQLSMALLINT>(types.Size())))) {
-    m_session.Raise(SQL_HANDLE_STMT, list.Get(), "tables");
-  }
   const std::string& own = m_session.Facts().schema;
-  RowReader rows(m_session, list.Get(), "tables");
-  for (rows.Restart(); rows.Next();) {
+  const auto list = [types = WideText("TABLE,VIEW")](StatementHandle& statement) mutable {
+    return statement.Tables(types);
+  };
+  OdbcStatement statement(m_session, "tables");
+  RowReader& rows = m_session.ReadCatalog(statement, list);
+  while (rows.Next()) {
     Entry entry{ToText(rows.Value(2)), ToText(rows.Value(1)), ToText(rows.Value(3)) == "TABLE"};
     if (IsOfTheServer(entry.schema) || (!own.empty() && !entry.schema.empty() && entry.schema != own))
       continue;
@@ -105,15 +97,14 @@ std::unique_ptr<jet_sql::KnownRelation> Schema::ReadRelation(const Entry& entry)
   auto relation = std::make_unique<jet_sql::KnownRelation>();
   relation->name = entry.name;
   relation->isTable = entry.isTable;
-  StatementHandle list = m_session.AllocateStatement();
   const std::string& escape = m_session.Facts().patternEscape;
-  Argument schema(EscapedPattern(entry.schema, escape)), table(EscapedPattern(entry.name, escape));
-  if (!SQL_SUCCEEDED(SQLColumnsW(list.Get(), nullptr, 0, schema.Data(), schema.Size(), table.Data(),
-                                 table.Size(), nullptr, 0))) {
-    m_session.Raise(SQL_HANDLE_STMT, list.Get(), entry.name);
-  }
-  RowReader rows(m_session, list.Get(), entry.name);
-  for (rows.Restart(); rows.Next();) {
+  const auto list = [schema = EscapedPattern(entry.schema, escape),
+                     table = EscapedPattern(entry.name, escape)](StatementHandle& statement) {
+    return statement.Columns(schema, table);
+  };
+  OdbcStatement statement(m_session, entry.name);
+  RowReader& rows = m_session.ReadCatalog(statement, list);
+  while (rows.Next()) {
     if (ToText(rows.Value(2)) != entry.name) continue;
     const auto type = static_cast<SQLSMALLINT>(ToInteger(rows.Value(4)));
     const bool isWhole =
@@ -133,13 +124,17 @@ bool Schema::IsFolded() {
 std::vector<std::string> Schema::PrimaryKeyOf(const jet_sql::KnownRelation& table) {
   std::vector<std::string> keys;
   const Entry* entry = FindEntry(table.name);
-  StatementHandle list = m_session.AllocateStatement();
-  Argument schema(entry == nullptr ? std::string() : entry->schema), name(table.name);
-  if (SQL_SUCCEEDED(
-          SQLPrimaryKeysW(list.Get(), nullptr, 0, schema.Data(), schema.Size(), name.Data(), name.Size()))) {
-    RowReader rows(m_session, list.Get(), table.name);
-    for (rows.Restart(); rows.Next();) keys.push_back(ToText(rows.Value(3)));
+  const auto list = [schema = entry == nullptr ? std::string() : entry->schema, name = table.name](
+                        StatementHandle& statement) { return statement.PrimaryKeys(schema, name); };
+  m_session.FetchPiecewise(false);
+  OdbcStatement statement(m_session, table.name);
+  const Outcome outcome = statement.ExecuteCatalog(list);
+  if (outcome.Failed()) {
+    if (IsUnknownFunction(outcome)) return keys;
+    m_session.RaiseFailure(outcome, table.name);
   }
+  RowReader& rows = statement.Rows();
+  while (rows.Next()) keys.push_back(ToText(rows.Value(3)));
   return keys;
 }
 

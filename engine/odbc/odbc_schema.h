@@ -1,4 +1,4 @@
-// The server's tables and views, as statements name them. What was read is kept until Forget.
+// The server's tables and views, found by the names that statements use. What was read is kept until Forget.
 #pragma once
 
 #include <map>
@@ -15,17 +15,18 @@ namespace kxrestore::engine::odbc {
 
 class Session;
 
-// Of saved queries within one user action, by their folded names.
+// The saved queries that one user action has made and deleted, by their folded names.
 struct SavedTexts {
-  // Made: they are read by the text that was given, whatever others make of the views of that name meanwhile.
+  // Made in this action. They are read by these texts, even if another program replaces the views meanwhile.
   std::map<std::string, std::string> byName;
-  std::set<std::string> freed;                  // deleted, so that their names may be used
+  std::set<std::string> freed;                  // deleted in this action; a new query may take the name
   std::map<std::string, std::string> refusals;  // why one could not be deleted
 };
 
 class Schema final : public jet_sql::Relations {
  public:
-  Schema(Session& session, SavedTexts& texts) : m_session(session), m_texts(texts) {}
+  explicit Schema(Session& session) : m_session(session) {}
+  void SetTexts(SavedTexts& texts) { m_texts = &texts; }
 
   const jet_sql::KnownRelation* Find(std::string_view name) override;
 
@@ -35,23 +36,24 @@ class Schema final : public jet_sql::Relations {
   };
   // The table or view of that name; null when there is none. `fresh`: others may have made or deleted it.
   const Entry* FindEntry(std::string_view name, bool fresh = false);
-  // Whether the catalog was made without quotes on a server that then folds names: new ones follow it.
+  // Whether all names are in small letters, as on a server that folds names without quotes. New names follow.
   bool IsFolded();
   std::vector<std::string> PrimaryKeyOf(const jet_sql::KnownRelation& table);
-  // The columns by which the rows of a table are told apart: its primary key, or ID.
+  // The columns that identify a row of the table: its primary key, else ID.
   std::vector<std::string> KeyOf(const jet_sql::KnownRelation& table);
 
   // Texts of saved queries that the server keeps beside its views; see SavedQueries.
   struct StoredText {
     std::string text;
-    bool bound = true;  // false: the view shows nothing, because it names what is not there
+    bool bound = true;  // false: the query names something missing, and its view returns no rows
   };
   const StoredText* FindStoredText(std::string_view viewName);
 
-  // While a view is made, saved queries are read by their texts, so that no view stands on another of ours.
+  // Whether saved queries are replaced by their texts, as they are while a view is made, so that none of our
+  // views depends on another.
   void ReadQueriesByText(bool byText);
 
-  SavedTexts& Texts() { return m_texts; }
+  SavedTexts& Texts() { return *m_texts; }
   void Forget();
 
  private:
@@ -59,7 +61,7 @@ class Schema final : public jet_sql::Relations {
   std::unique_ptr<jet_sql::KnownRelation> ReadRelation(const Entry& entry) const;
 
   Session& m_session;
-  SavedTexts& m_texts;
+  SavedTexts* m_texts = nullptr;
   bool m_entriesRead = false, m_byText = false;
   std::multimap<std::string, Entry> m_entries;                                 // by folded name
   std::optional<std::map<std::string, StoredText>> m_stored;                   // by the view's own name

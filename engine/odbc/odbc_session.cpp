@@ -1,197 +1,55 @@
 #include "engine/odbc/odbc_session.h"
 
 #include <algorithm>
-#include <array>
-#include <thread>
+#include <exception>
+#include <new>
+#include <utility>
 
 #include "base/error.h"
-#include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/odbc/odbc_planner.h"
 
 namespace kxrestore::engine::odbc {
 namespace {
 
-constexpr auto kGroupTime = std::chrono::milliseconds(100);
-constexpr std::size_t kLoginTimeout = 20;  // seconds
-constexpr auto kQuick = std::chrono::milliseconds(5);
+using std::chrono::milliseconds;
+
+constexpr milliseconds kGroupTime(100);
+// A statement for one row that takes much longer than usual has waited for a lock.
+constexpr milliseconds kNoLockWait(20);
 constexpr int kMaxTries = 6;
 constexpr int kMaxNames = 200;
 
-// Options of the driver for PostgreSQL.
-constexpr SQLINTEGER kPostgresDeclareFetch = 65539;
-constexpr SQLINTEGER kPostgresServerSidePrepare = 65540;
-constexpr SQLINTEGER kPostgresFetchRows = 65541;
-
-constexpr std::size_t kPiecewiseRows = 8192;
-
-SQLPOINTER AsPointer(std::size_t number) {
-  return reinterpret_cast<SQLPOINTER>(number);
-}
-
-// The value of a keyword of a connect string, up to the next ";".
-std::string ValueOf(std::string_view connect, std::string_view keyword) {
-  for (std::size_t start = 0; start < connect.size();) {
-    const std::size_t end = std::min(connect.find(';', start), connect.size());
-    const std::string_view part = connect.substr(start, end - start);
-    if (part.size() > keyword.size() && part[keyword.size()] == '=' &&
-        EqualIgnoringCase(part.substr(0, keyword.size()), keyword)) {
-      return std::string(part.substr(keyword.size() + 1));
-    }
-    start = end + 1;
-  }
-  return {};
-}
-
-// Others that lost against each other must not meet again at once.
-void WaitBeforeTry(int number) {
-  std::this_thread::sleep_for(std::chrono::milliseconds(5 << number));
-}
-
 }  // namespace
 
-Session::Session(std::string_view connect, bool grouping, std::shared_ptr<SavedTexts> texts,
-                 std::shared_ptr<const Waiting> waiting)
+Session::Session(std::string_view connect, std::shared_ptr<ActionState> action,
+                 std::shared_ptr<const Waiting> waiting, const Waits& waits)
     : m_connect(connect),
-      m_server(ValueOf(connect, "SERVER")),
-      m_password(ValueOf(connect, "PWD")),
-      m_grouping(grouping),
-      m_texts(texts ? std::move(texts) : std::make_shared<SavedTexts>()),
-      m_patience(std::move(waiting)),
-      m_schema(*this, *m_texts) {
-  if (m_server.empty()) m_server = ValueOf(connect, "DATABASE");
-  if (!m_environment.Allocate(SQL_NULL_HANDLE) ||
-      !SQL_SUCCEEDED(SQLSetEnvAttr(m_environment.Get(), SQL_ATTR_ODBC_VERSION, AsPointer(SQL_OV_ODBC3),
-                                   SQL_IS_INTEGER)) ||
-      !m_connection.Allocate(m_environment.Get())) {
-    RaiseOdbc(ReadDiagnostics(SQL_HANDLE_ENV, m_environment.Get()), true, m_server, m_password);
-  }
-  SQLSetConnectAttrW(Get(), SQL_ATTR_LOGIN_TIMEOUT, AsPointer(kLoginTimeout), SQL_IS_UINTEGER);
-  constexpr std::string_view kPrefix = "ODBC;";
-  if (connect.size() >= kPrefix.size() && EqualIgnoringCase(connect.substr(0, kPrefix.size()), kPrefix)) {
-    connect.remove_prefix(kPrefix.size());
-  }
-  WideText text(connect);
-  const SQLRETURN result = Call(nullptr, [&] {
-    return SQLDriverConnectW(Get(), nullptr, text.Data(), static_cast<SQLSMALLINT>(text.Size()), nullptr, 0,
-                             nullptr, SQL_DRIVER_NOPROMPT);
-  });
-  if (!SQL_SUCCEEDED(result)) {
-    RaiseOdbc(ReadDiagnostics(SQL_HANDLE_DBC, Get()), true, m_server, m_password);
-  }
-  m_connected = true;
-  try {
-    ReadFacts();
-  } catch (...) {
-    SQLDisconnect(Get());
-    throw;
-  }
+      m_grouping(action != nullptr),
+      m_action(action ? std::move(action) : std::make_shared<ActionState>(waits.locks)),
+      m_connection(connect, waits, std::move(waiting)),
+      m_schema(*this) {
+  std::shared_ptr<SavedTexts>& texts = m_action->texts[m_connect];
+  if (!texts) texts = std::make_shared<SavedTexts>();
+  m_texts = texts;
+  m_schema.SetTexts(*m_texts);
+  ReadFacts();
 }
 
 Session::~Session() {
   m_plans.Forget();
-  if (!m_connected) return;
-  if (m_inGroup) SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_COMMIT);
-  if (m_transactionOwner != nullptr) SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_ROLLBACK);
-  SQLDisconnect(Get());
 }
 
-// ---- what the driver reports
+// ---- calls
 
-std::string Session::InfoText(SQLUSMALLINT kind) const {
-  std::array<char16_t, 256> text{};
-  SQLSMALLINT size = 0;
-  SQLGetInfoW(Get(), kind, text.data(), static_cast<SQLSMALLINT>(text.size() * sizeof(char16_t)), &size);
-  return FromWide(text.data());
+Outcome Session::Run(Connection::Call call, const std::shared_ptr<StatementData>& statement) {
+  const bool inTransaction = m_inGroup || m_transactionOwner != nullptr;
+  const bool stoppable = !inTransaction || m_facts.undoesStatementsAlone;
+  return m_connection.Run(std::move(call), stoppable ? statement : nullptr);
 }
 
-std::uint32_t Session::InfoNumber(SQLUSMALLINT kind) const {
-  std::uint32_t number = 0;  // some kinds are 16 bits wide
-  SQLGetInfoW(Get(), kind, &number, sizeof number, nullptr);
-  return number;
-}
-
-// Whether bytes of a text come in UTF-8: where the process has another encoding, the driver turns them into
-// that.
-bool Session::HandsOutUtf8() {
-  constexpr std::string_view kEveryKind = "a\xC3\xA4\xD0\xB6\xE2\x82\xAC\xE6\xBC\xA2\xF0\x9F\x98\x80";
-  WideText sql("SELECT CAST('" + std::string(kEveryKind) + "' AS text)");
-  std::array<char, 64> bytes{};
-  SQLLEN size = 0;
-  const StatementHandle statement = AllocateStatement();
-  return SQL_SUCCEEDED(SQLExecDirectW(statement.Get(), sql.Data(), static_cast<SQLINTEGER>(sql.Size()))) &&
-         SQL_SUCCEEDED(SQLFetch(statement.Get())) &&
-         SQL_SUCCEEDED(SQLGetData(statement.Get(), 1, SQL_C_BINARY, bytes.data(), bytes.size(), &size)) &&
-         size == static_cast<SQLLEN>(kEveryKind.size()) &&
-         std::string_view(bytes.data(), kEveryKind.size()) == kEveryKind;
-}
-
-void Session::ReadFacts() {
-  m_facts.dbms = InfoText(SQL_DBMS_NAME);
-  m_facts.patternEscape = InfoText(SQL_SEARCH_PATTERN_ESCAPE);
-  m_facts.foldsToLower = InfoNumber(SQL_IDENTIFIER_CASE) == SQL_IC_LOWER;
-  m_facts.onlyOneActive = InfoNumber(SQL_MAX_CONCURRENT_ACTIVITIES) == 1;
-  const std::uint32_t parts = InfoNumber(SQL_GETDATA_EXTENSIONS);
-  constexpr std::uint32_t kNeeded = SQL_GD_BLOCK | SQL_GD_BOUND | SQL_GD_ANY_COLUMN | SQL_GD_ANY_ORDER;
-  m_facts.readsPartsInBlocks = (parts & kNeeded) == kNeeded;
-  if (m_facts.IsPostgres()) {
-    const bool isPsqlodbc = InfoText(SQL_DRIVER_NAME).find("psqlodbc") != std::string::npos;
-    if (isPsqlodbc) {
-      m_facts.fetchesAllAtOnce = m_facts.preparesByName = m_facts.serverKeepsTime = true;
-      // A prepared statement in a transaction is sent behind a savepoint of its own, a plain one together
-      // with it.
-      SQLSetConnectAttrW(Get(), kPostgresServerSidePrepare, AsPointer(0), SQL_IS_INTEGER);
-      SQLSetConnectAttrW(Get(), kPostgresFetchRows, AsPointer(kPiecewiseRows), SQL_IS_INTEGER);
-    }
-    const auto rows = Ask(
-        "SELECT current_schema(), datcollate, datctype, (SELECT count(*) FROM pg_catalog.pg_collation WHERE "
-        "collname = 'und-x-icu'), current_setting('client_encoding'), current_setting('server_encoding'), "
-        // Every listing is read to its end.
-        "set_config('cursor_tuple_fraction', '1', false)" +
-        // A driver that keeps the time itself tells the server each time before and after its own questions.
-        (m_facts.serverKeepsTime
-             ? ", set_config('statement_timeout', '" + std::to_string(kQueryTimeout) + "s', false)"
-             : "") +
-        " FROM pg_catalog.pg_database WHERE datname = current_database()");
-    const std::vector<std::string>& row = rows.at(0);
-    const bool hasCollation = row[3] != "0";
-    const auto plain = [](const std::string& locale) { return locale == "C" || locale == "POSIX"; };
-    m_facts.schema = row[0];
-    if (plain(row[1]) || row[1].starts_with("C.")) {
-      using Order = jet_sql::PostgresDialect::Order;
-      m_facts.order = hasCollation       ? Order::kCollation
-                      : row[5] == "UTF8" ? Order::kPlainLetters
-                                         : Order::kOwn;
-    }
-    m_facts.foldsAsciiOnly = hasCollation && plain(row[2]);
-    m_facts.textsAsBytes = isPsqlodbc && row[4] == "UTF8" && row[5] != "SQL_ASCII" && HandsOutUtf8();
-  } else if (m_facts.IsSqlServer()) {
-    const auto rows =
-        Ask("SELECT SCHEMA_NAME(), CAST(DATABASEPROPERTYEX(DB_NAME(), 'Collation') AS nvarchar(128))");
-    const std::string& collation = rows.at(0).at(1);
-    m_facts.schema = rows.at(0).at(0);
-    m_facts.mindsCase =
-        collation.find("_CS_") != std::string::npos || collation.find("_BIN") != std::string::npos;
-  }
-  m_dialect = MakeDialect(m_facts);
-}
-
-// ---- errors
-
-void Session::RaiseDiagnostics(const std::vector<Diagnostic>& diagnostics, std::string_view piece) const {
-  if (FailureOf(diagnostics) == Failure::kConnection) m_lost = true;
-  RaiseOdbc(diagnostics, false, piece, m_password);
-}
-
-void Session::Raise(SQLSMALLINT type, SQLHANDLE handle, std::string_view piece) const {
-  RaiseDiagnostics(ReadDiagnostics(type, handle), piece);
-}
-
-StatementHandle Session::AllocateStatement() {
-  FetchPiecewise(false);
-  StatementHandle statement;
-  if (!statement.Allocate(Get())) Raise(SQL_HANDLE_DBC, Get(), m_server);
-  return statement;
+void Session::RaiseFailure(const Outcome& outcome, std::string_view piece) const {
+  RaiseOdbc(outcome.Diagnostics(), false, piece, m_connection.PasswordToHide());
 }
 
 // ---- statements
@@ -207,9 +65,12 @@ std::unique_ptr<OdbcStatement> Session::Acquire(Plan& plan) {
   return statement;
 }
 
-void Session::Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) {
+void Session::Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) noexcept {
   statement->CloseCursor();
-  PlanCache<Plan>::Keep(plan, std::move(statement));
+  try {
+    PlanCache<Plan>::Keep(plan, std::move(statement));
+  } catch (const std::bad_alloc&) {  // the statement is prepared again the next time
+  }
 }
 
 void Session::ForgetPlans() {
@@ -218,139 +79,96 @@ void Session::ForgetPlans() {
 }
 
 std::string Session::NameForPrepared() {
-  if (!m_facts.preparesByName || m_piecewise || m_namesGiven == kMaxNames) return {};
+  if (!m_facts.preparesByName || m_namesGiven == kMaxNames) return {};
   return "kx_statement_" + std::to_string(++m_namesGiven);
 }
 
-void Session::FetchPiecewise(bool piecewise) {
-  if (!m_facts.fetchesAllAtOnce || m_piecewise == piecewise) return;
-  m_piecewise = piecewise;
-  SQLSetConnectAttrW(Get(), kPostgresDeclareFetch, AsPointer(piecewise ? 1 : 0), SQL_IS_INTEGER);
-}
-
-SQLRETURN Session::Call(SQLHSTMT reading, const std::function<SQLRETURN()>& call) {
-  if (!m_patience.IsWanted()) return call();
-  SQLRETURN result = SQL_ERROR;
-  std::function<void()> cancel;
-  // A transaction would be undone with its statement.
-  if (reading != nullptr && !m_inGroup && m_transactionOwner == nullptr) {
-    cancel = [reading] { SQLCancel(reading); };
-  }
-  const bool canceled = m_patience.Run([&] { result = call(); }, cancel);
-  if (canceled && !SQL_SUCCEEDED(result)) {
-    throw Error(error_number::kCanceled, "Operation canceled by user.", "Engine");
-  }
-  return result;
-}
-
-SQLRETURN Session::CallAgain(SQLHSTMT reading, const std::function<SQLRETURN()>& call, bool& isQuick) {
-  if (!m_patience.IsWanted()) return call();
-  const auto start = Clock::now();
-  const SQLRETURN result = isQuick ? call() : Call(reading, call);
-  isQuick = Clock::now() - start < kQuick;
-  return result;
-}
-
-bool Session::RunRead(OdbcStatement& statement, const std::vector<Value>& values) {
-  if (m_facts.onlyOneActive) m_streaming.Detach();
+bool Session::RunRead(OdbcStatement& statement, const std::vector<Value>& values, Outcome& failed) {
+  if (m_facts.onlyOneActive) DetachStreaming();
   for (int tried = 1;; ++tried) {
-    if (statement.Execute(values, true)) return true;
-    const auto diagnostics = ReadDiagnostics(SQL_HANDLE_STMT, statement.Get());
-    const Failure failure = FailureOf(diagnostics);
+    failed = statement.ExecuteReading(values);
+    if (!failed.Failed()) return true;
+    const Failure failure = FailureOf(failed.Diagnostics());
     if (failure == Failure::kStale) return false;
-    if (failure != Failure::kConflict || m_inGroup || m_transactionOwner || tried == kMaxTries) {
-      RaiseDiagnostics(diagnostics, statement.Sql());
-    }
-    WaitBeforeTry(tried);
+    if (m_inGroup || !MayTryAgain(failure, tried)) RaiseFailure(failed, statement.Sql());
+    PauseBeforeTry(tried);
   }
 }
 
 std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value>& values) {
   FetchPiecewise(false);
-  m_streaming.Detach();
-  const bool grouped = m_grouping && m_transactionOwner == nullptr;
+  DetachStreaming();
+  GroupedWrite write{statement.Sql(), values};
+  m_group.reserve(m_group.size() + 1);
   for (int tried = 1;; ++tried) {
-    if (grouped && !m_inGroup && tried == 1) {
-      SetAutocommit(false);
-      m_inGroup = true;
-      m_due = Clock::now() + kGroupTime;
+    LimitLockWaits();
+    if (tried == 1) BeginGroup();
+    const auto start = Clock::now();
+    const Outcome outcome = statement.Execute(values);
+    if (!outcome.Failed()) {
+      if (statement.RowCount() <= 1) SpendLockWait(start, Failure::kStatement);
+      break;
     }
-    if (statement.Execute(values)) break;
-    const auto diagnostics = ReadDiagnostics(SQL_HANDLE_STMT, statement.Get());
-    if (FailureOf(diagnostics) != Failure::kConflict || m_transactionOwner != nullptr || tried == kMaxTries) {
-      RaiseDiagnostics(diagnostics, statement.Sql());
-    }
-    // Two connections wait for each other's rows. What this group has written is written again, each
-    // statement for itself, so that it holds no row while it waits for another.
+    const Failure failure = FailureOf(outcome.Diagnostics());
+    if (failure == Failure::kConflict || failure == Failure::kLock) SpendLockWait(start, failure);
+    if (!MayTryAgain(failure, tried)) RaiseFailure(outcome, statement.Sql());
+    // Two connections waited for each other's rows. The statements of this group are repeated one by one,
+    // each committed by itself, so that no row stays locked while another is waited for.
     if (m_inGroup) Replay(std::exchange(m_group, {}));
-    WaitBeforeTry(tried);
+    PauseBeforeTry(tried);
   }
   const std::int64_t rows = statement.RowCount();
-  if (m_inGroup) {
-    m_group.push_back({statement.Sql(), values});
-    Idle();
+  if (!m_inGroup) return rows;
+  m_group.push_back(std::move(write));
+  try {
+    CommitIfDue();
+  } catch (const std::bad_alloc&) {  // the commit is tried again with the next statement
   }
   return rows;
 }
 
-void Session::Replay(std::vector<GroupedWrite> writes) {
-  EndTransaction(false);
-  m_inGroup = false;
-  SetAutocommit(true);
-  for (const GroupedWrite& write : writes) {
-    OdbcStatement statement(*this, write.sql);
-    for (int tried = 1; !statement.Execute(write.values); ++tried) {
-      const auto diagnostics = ReadDiagnostics(SQL_HANDLE_STMT, statement.Get());
-      if (FailureOf(diagnostics) != Failure::kConflict || tried == kMaxTries) {
-        ++m_commits.lost;
-        RaiseDiagnostics(diagnostics, write.sql);
-      }
-      WaitBeforeTry(tried);
-    }
-  }
-  ++m_commits.committed;
-}
-
 void Session::RunSchemaChange(const std::vector<std::string>& statements) {
   Flush();
-  m_streaming.Detach();
-  const bool own = m_transactionOwner == nullptr;
+  DetachStreaming();
+  FetchPiecewise(false);
   ForgetPlans();
+  const bool own = m_transactionOwner == nullptr;
   for (int tried = 1;; ++tried) {
-    if (own) SetAutocommit(false);
-    std::vector<Diagnostic> diagnostics;
+    LimitLockWaits();
+    if (own) BeginByHand();
+    Outcome outcome;
     std::string_view failed;
-    for (const std::string& sql : statements) {
-      const StatementHandle statement = AllocateStatement();
-      WideText text(sql);
-      const SQLRETURN result = Call(nullptr, [&] {
-        return SQLExecDirectW(statement.Get(), text.Data(), static_cast<SQLINTEGER>(text.Size()));
-      });
-      if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA) continue;
-      diagnostics = ReadDiagnostics(SQL_HANDLE_STMT, statement.Get());
-      failed = sql;
-      break;
-    }
-    if (own) {
-      if (failed.empty() && !SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_COMMIT))) {
-        diagnostics = ReadDiagnostics(SQL_HANDLE_DBC, Get());
-        failed = statements.back();
+    try {
+      for (const std::string& sql : statements) {
+        OdbcStatement statement(*this, sql);
+        const auto start = Clock::now();
+        outcome = statement.ExecuteDirect();
+        SpendLockWait(start, FailureOf(outcome.Diagnostics()));
+        if (outcome.Failed()) {
+          failed = sql;
+          break;
+        }
       }
-      if (!failed.empty()) SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_ROLLBACK);
-      SetAutocommit(true);
+      if (own && failed.empty()) {
+        outcome = m_connection.EndTransaction(true);
+        if (outcome.Failed()) failed = statements.back();
+      }
+    } catch (...) {
+      if (own) Undo();
+      throw;
     }
     if (failed.empty()) return;
-    if (FailureOf(diagnostics) != Failure::kConflict || !own || tried == kMaxTries) {
-      RaiseDiagnostics(diagnostics, failed);
-    }
-    WaitBeforeTry(tried);
+    if (own) Undo();
+    if (!MayTryAgain(FailureOf(outcome.Diagnostics()), tried)) RaiseFailure(outcome, failed);
+    PauseBeforeTry(tried);
   }
 }
 
 std::vector<std::vector<std::string>> Session::Ask(const std::string& sql, const std::vector<Value>& values) {
   FetchPiecewise(false);
   OdbcStatement statement(*this, sql);
-  if (!statement.Execute(values)) Raise(SQL_HANDLE_STMT, statement.Get(), sql);
+  const Outcome outcome = statement.ExecuteReading(values);
+  if (outcome.Failed()) RaiseFailure(outcome, sql);
   std::vector<std::vector<std::string>> rows;
   for (RowReader& reader = statement.Rows(); reader.Next();) {
     std::vector<std::string>& row = rows.emplace_back();
@@ -359,75 +177,208 @@ std::vector<std::vector<std::string>> Session::Ask(const std::string& sql, const
   return rows;
 }
 
-// ---- commits in groups
-
-void Session::SetAutocommit(bool on) {
-  SQLSetConnectAttrW(Get(), SQL_ATTR_AUTOCOMMIT, AsPointer(on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF),
-                     SQL_IS_UINTEGER);
+RowReader& Session::ReadCatalog(OdbcStatement& statement, StatementData::CatalogFunction function) {
+  FetchPiecewise(false);
+  const Outcome outcome = statement.ExecuteCatalog(std::move(function));
+  if (outcome.Failed()) RaiseFailure(outcome, statement.Sql());
+  return statement.Rows();
 }
 
-void Session::EndTransaction(bool commit) {
-  m_streaming.Detach();
-  if (SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, Get(), commit ? SQL_COMMIT : SQL_ROLLBACK))) return;
-  Raise(SQL_HANDLE_DBC, Get(), commit ? "COMMIT" : "ROLLBACK");
+// ---- trying again
+
+bool Session::MayTryAgain(Failure failure, int tried) const {
+  return failure == Failure::kConflict && m_transactionOwner == nullptr && tried < kMaxTries &&
+         !m_action->locks.IsSpent();
 }
 
-void Session::CommitGroup() {
-  if (!m_inGroup) return;
-  m_inGroup = false;
-  const std::vector<GroupedWrite> written = std::exchange(m_group, {});
+// The pause grows, so that connections in each other's way do not meet again at once.
+void Session::PauseBeforeTry(int tried) {
+  const auto start = Clock::now();
+  m_connection.Pause(milliseconds(5 << tried));
+  SpendLockWait(start, Failure::kConflict);
+}
+
+void Session::SpendLockWait(Clock::time_point start, Failure failure) {
+  const auto time = Clock::now() - start;
+  const bool hasWaited = failure == Failure::kConflict || failure == Failure::kLock;
+  if (hasWaited || time > kNoLockWait + 3 * m_usualTime) {
+    m_action->locks.Spend(std::chrono::duration_cast<milliseconds>(time));
+  }
+  m_usualTime = std::min(m_usualTime, time);
+}
+
+// ---- groups
+
+// A new transaction, which ends with Connection::EndTransaction.
+void Session::BeginByHand() {
+  const Outcome outcome = m_connection.SetAutocommit(false);
+  if (outcome.Failed()) RaiseFailure(outcome, "BEGIN");
+}
+
+void Session::BeginGroup() {
+  if (!m_grouping || m_inGroup || m_transactionOwner != nullptr) return;
+  BeginByHand();
+  m_inGroup = true;
+  m_due = Clock::now() + kGroupTime;
+}
+
+// Undoes the transaction. If that fails, a later commit might include its changes, so the connection is given
+// up.
+void Session::Undo() noexcept {
+  m_lockLimit = milliseconds(0);  // a limit that was set in the transaction is undone with it
   try {
-    EndTransaction(true);
+    if (IsLost()) return;
+    if (m_connection.EndTransaction(false).Failed()) m_connection.GiveUp();
   } catch (...) {
-    ++m_commits.lost;
-    SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_ROLLBACK);
-    SetAutocommit(true);
+    m_connection.GiveUp();
+  }
+}
+
+void Session::Replay(const std::vector<GroupedWrite>& writes) {
+  m_inGroup = false;
+  try {
+    m_streaming.Detach();  // after a stop the recordset raises it at the first missing row
+    Undo();
+    for (const GroupedWrite& write : writes) WriteAgain(write);
+    if (!writes.empty()) ++m_commits.committed;
+  } catch (...) {
+    if (!writes.empty()) {
+      NoteLoss(error_number::kOdbcFailed,
+               "ODBC - call failed: changes that the server had undone could not be written again.");
+    }
     throw;
   }
-  ++m_commits.committed;
-  SetAutocommit(true);
+}
+
+void Session::WriteAgain(const GroupedWrite& write) {
+  OdbcStatement statement(*this, write.sql);
+  for (int tried = 1;; ++tried) {
+    const auto start = Clock::now();
+    const Outcome outcome = statement.Execute(write.values);
+    if (!outcome.Failed()) return;
+    const Failure failure = FailureOf(outcome.Diagnostics());
+    SpendLockWait(start, failure);
+    if (!MayTryAgain(failure, tried)) RaiseFailure(outcome, write.sql);
+    PauseBeforeTry(tried);
+  }
+}
+
+void Session::Commit() {
+  if (IsLost()) m_connection.RaiseLost();
+  Outcome outcome;
+  try {
+    outcome = m_connection.EndTransaction(true);
+  } catch (const Error& error) {
+    if (m_connection.InTransaction()) Undo();
+    if (error.Number() != error_number::kCanceled) throw;
+    Raise(error_number::kOdbcFailed,
+          "ODBC - call failed: '" + Place() + "' did not confirm a commit before it was stopped.");
+  }
+  if (!outcome.Failed()) return;
+  Undo();
+  RaiseFailure(outcome, "COMMIT");
+}
+
+CommitCounts Session::Commits() const {
+  return {m_commits.committed, m_commits.lost + (IsLost() && !m_group.empty() ? 1 : 0)};
+}
+
+// Of two losses that are reported together the later one gives the words.
+void Session::NoteLoss(int number, std::string words) {
+  ++m_commits.lost;
+  m_lossNumber = number;
+  m_lossWords = std::move(words);
+}
+
+// A failure is noted, not thrown. Throws what the callback throws, and std::bad_alloc before anything is
+// done.
+void Session::CommitGroup() {
+  if (!m_inGroup) return;
+  if (!IsLost()) m_streaming.Detach();  // a commit closes the cursors of open recordsets
+  m_inGroup = false;
+  const bool isEmpty = std::exchange(m_group, {}).empty();
+  try {
+    Commit();
+    if (!isEmpty) ++m_commits.committed;
+  } catch (const Error& error) {
+    if (!isEmpty) NoteLoss(error.Number(), error.Description());
+  } catch (const std::bad_alloc&) {
+    if (m_connection.InTransaction()) Undo();
+    if (!isEmpty) NoteLoss(kxrestore::error_number::kOutOfMemory, "Out of memory");
+  } catch (...) {
+    const bool isUndone = m_connection.InTransaction();
+    if (isUndone) Undo();
+    const bool isLost = isUndone || IsLost();
+    if (!isEmpty && !isLost) ++m_commits.committed;
+    if (!isEmpty && isLost) {
+      NoteLoss(error_number::kOdbcFailed, "ODBC - call failed: a commit was interrupted.");
+    }
+    throw;
+  }
+}
+
+void Session::CommitIfDue() {
+  if (m_inGroup && (IsLost() || Clock::now() >= m_due)) CommitGroup();
+}
+
+void Session::TellLoss() {
+  if (m_lossNumber != 0) Raise(std::exchange(m_lossNumber, 0), std::exchange(m_lossWords, {}));
 }
 
 void Session::Idle() {
-  if (m_inGroup && Clock::now() >= m_due) CommitGroup();
+  CommitIfDue();
+  TellLoss();
 }
 
 void Session::Flush() {
   CommitGroup();
+  TellLoss();
 }
 
 void Session::EndGroups() {
   m_grouping = false;
-  CommitGroup();
+  Flush();
+}
+
+void Session::DetachStreaming() {
+  if (!m_streaming.Detach()) RaiseCanceled();
 }
 
 // ---- transactions
 
 void Session::BeginTransaction(const Database& owner) {
   if (m_transactionOwner != nullptr) {
-    throw Error(error_number::kInvalidOperation,
-                "Invalid operation: a transaction has begun already on '" + m_server + "'.", "Engine");
+    Raise(error_number::kInvalidOperation,
+          "Invalid operation: a transaction has begun already on '" + Place() + "'.");
   }
   Flush();
-  SetAutocommit(false);
+  BeginByHand();
   m_transactionOwner = &owner;
   m_textsBefore = *m_texts;
 }
 
 void Session::CommitTransaction() {
-  EndTransaction(true);
+  DetachStreaming();
+  const Outcome outcome = m_connection.EndTransaction(true);
+  if (outcome.Failed()) RaiseFailure(outcome, "COMMIT");
   m_transactionOwner = nullptr;
-  SetAutocommit(true);
 }
 
 void Session::UndoTransaction() {
   m_transactionOwner = nullptr;
+  m_lockLimit = milliseconds(0);
   *m_texts = std::move(m_textsBefore);
-  const bool undone = SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, Get(), SQL_ROLLBACK));
-  const auto diagnostics = undone ? std::vector<Diagnostic>() : ReadDiagnostics(SQL_HANDLE_DBC, Get());
-  SetAutocommit(true);
-  ForgetPlans();  // saved queries may be others again
-  if (!undone) RaiseDiagnostics(diagnostics, "ROLLBACK");
+  ForgetPlans();  // the rollback may have changed saved queries back
+  Outcome outcome;
+  try {
+    outcome = m_connection.EndTransaction(false);
+  } catch (...) {
+    m_connection.GiveUp();
+    throw;
+  }
+  if (!outcome.Failed()) return;
+  m_connection.GiveUp();
+  RaiseFailure(outcome, "ROLLBACK");
 }
 
 }  // namespace kxrestore::engine::odbc

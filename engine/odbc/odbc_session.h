@@ -3,7 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
-#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -11,84 +11,94 @@
 #include <vector>
 
 #include "engine/database.h"
+#include "engine/odbc/connection.h"
+#include "engine/odbc/lock_budget.h"
 #include "engine/odbc/odbc_error.h"
 #include "engine/odbc/odbc_plan.h"
 #include "engine/odbc/odbc_schema.h"
-#include "engine/odbc/patience.h"
 #include "engine/odbc/server_facts.h"
+#include "engine/odbc/waits.h"
 #include "engine/plan_cache.h"
 #include "engine/streamed_recordset.h"
 
 namespace kxrestore::engine::odbc {
 
+// What the sessions of one user action share.
+struct ActionState {
+  explicit ActionState(std::chrono::milliseconds lockWaits) : locks(lockWaits) {}
+  LockBudget locks;
+  std::map<std::string, std::shared_ptr<SavedTexts>> texts;  // by connect string
+};
+
+// Errors of every function that talks to the server: those of Connection::Run, and the driver's, see
+// RaiseOdbc.
 class Session {
  public:
-  // `connect` begins with "ODBC;". `grouping`: updates may wait for a common commit. `texts`: of saved
-  // queries that the same action has made over other connections; null for a connection that stands alone.
-  // `waiting`: what to do while the server takes long; null for nothing.
-  Session(std::string_view connect, bool grouping, std::shared_ptr<SavedTexts> texts,
-          std::shared_ptr<const Waiting> waiting = nullptr);
-  ~Session();
+  // `connect` begins with "ODBC;". `action`: of the user action that the session is kept for, in which
+  // updates may wait for a common commit; null for a session that stands alone. `waiting`: what to call while
+  // the server takes long; null for nothing.
+  explicit Session(std::string_view connect, std::shared_ptr<ActionState> action = nullptr,
+                   std::shared_ptr<const Waiting> waiting = nullptr, const Waits& waits = {});
+  ~Session();  // undoes what is not committed
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  SQLHDBC Get() const { return m_connection.Get(); }
   const std::string& Connect() const { return m_connect; }
-  const std::string& Place() const { return m_server; }  // for messages
+  const std::string& Place() const { return m_connection.Server(); }  // for messages
+  Connection& Driver() { return m_connection; }
   const ServerFacts& Facts() const { return m_facts; }
   const jet_sql::ServerDialect& Dialect() const { return *m_dialect; }
   Schema& Tables() { return m_schema; }
-  bool IsLost() const { return m_lost; }  // the server is gone; a new session is needed
+  bool IsLost() const { return m_connection.IsLost(); }  // the server is gone; a new session is needed
+  // Whether changes wait for their commit, or were lost without a report so far.
+  bool HasUntold() const { return !m_group.empty() || m_lossNumber != 0; }
 
   using Use = StatementUse;
   // The plan for a statement, whose values are in Values() until the next call.
   std::shared_ptr<Plan> FindPlan(const Sql& sql, Use use, const ColumnNames& read = {});
   const std::vector<Value>& Values() const { return m_plans.Values(); }
   std::unique_ptr<OdbcStatement> Acquire(Plan& plan);
-  static void Release(Plan& plan, std::unique_ptr<OdbcStatement> statement);
+  static void Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) noexcept;
   void ForgetPlans();  // after a change of the schema
 
-  // Whether the next result is fetched from the server piece by piece, which costs round trips but no memory,
-  // where a driver would otherwise take all of it at once.
+  // Whether the next result is fetched from the server in pieces, which costs round trips and saves memory,
+  // where the driver would otherwise fetch all rows at once.
   void FetchPiecewise(bool piecewise);
   bool FetchesPiecewise() const { return m_piecewise; }
-  // For a statement that is to be prepared by name; empty where that is not to be.
+  // A new name for a prepared statement; empty where the server does not prepare by name.
   std::string NameForPrepared();
-  // Makes a call of the driver that may take long. The user may end one that works for `reading`, a statement
-  // that reads outside of any transaction: error 3059.
-  SQLRETURN Call(SQLHSTMT reading, const std::function<SQLRETURN()>& call);
-  // The same for a call that is made over and over. Marks come by the thousand: to wait for each with
-  // patience would cost more than the mark. `isQuick`: the call's, false at first; how it was last time.
-  SQLRETURN CallAgain(SQLHSTMT reading, const std::function<SQLRETURN()>& call, bool& isQuick);
-  void GiveTurn() { m_patience.GiveTurn(); }
 
-  // Executes a reading statement. False when the tables are others than it was prepared for.
-  bool RunRead(OdbcStatement& statement, const std::vector<Value>& values);
+  // Makes a call of the driver, see Connection::Run. A stop cancels `statement` unless that would undo more
+  // than the statement.
+  Outcome Run(Connection::Call call, const std::shared_ptr<StatementData>& statement);
+  void GiveTurn() { m_connection.GiveTurn(); }
+  [[noreturn]] void RaiseFailure(const Outcome& outcome, std::string_view piece) const;
+
+  // Executes a reading statement. False when the tables have changed since it was prepared; then `failed`
+  // holds the driver's error.
+  bool RunRead(OdbcStatement& statement, const std::vector<Value>& values, Outcome& failed);
   // Executes a writing statement, in the group or at once; the number of rows changed.
   std::int64_t RunWrite(OdbcStatement& statement, const std::vector<Value>& values);
   // Runs statements that belong together and change the schema; all of them or none.
   void RunSchemaChange(const std::vector<std::string>& statements);
   // Rows of a short question to the server itself, as texts.
   std::vector<std::vector<std::string>> Ask(const std::string& sql, const std::vector<Value>& values = {});
-
-  StatementHandle AllocateStatement();
-  [[noreturn]] void Raise(SQLSMALLINT type, SQLHANDLE handle, std::string_view piece) const;
+  // Rows of one of the driver's catalog functions.
+  RowReader& ReadCatalog(OdbcStatement& statement, StatementData::CatalogFunction function);
 
   StreamingList& Streaming() { return m_streaming; }
 
-  // A transaction of a database's own, during which no group is committed; it goes on when the action ends.
+  // The transaction of one database. No group is committed while it lasts, and it may outlive the action.
   void BeginTransaction(const Database& owner);
   void CommitTransaction();
   void UndoTransaction();
   const Database* TransactionOwner() const { return m_transactionOwner; }
 
+  // A commit that fails, and changes that were lost with the connection, are raised by one of these, once.
   void Idle();       // commits what has waited long enough
   void Flush();      // commits
   void EndGroups();  // commits for good
-  // A group goes down with its connection.
-  CommitCounts Commits() const {
-    return {m_commits.committed, m_commits.lost + (m_lost && m_inGroup ? 1 : 0)};
-  }
+  CommitCounts Commits() const;
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -98,36 +108,46 @@ class Session {
   };
 
   void ReadFacts();
+  void ReadPostgresFacts(bool isPsqlodbc);
   bool HandsOutUtf8();
-  std::string InfoText(SQLUSMALLINT kind) const;
-  std::uint32_t InfoNumber(SQLUSMALLINT kind) const;
-  [[noreturn]] void RaiseDiagnostics(const std::vector<Diagnostic>& diagnostics,
-                                     std::string_view piece) const;
-  void SetAutocommit(bool on);
-  void EndTransaction(bool commit);
+  void LimitLockWaits();
+  void SpendLockWait(Clock::time_point start, Failure failure);
+  void BeginByHand();
+  void Undo() noexcept;
+  void BeginGroup();
+  void Commit();
   void CommitGroup();
-  void Replay(std::vector<GroupedWrite> writes);
+  void CommitIfDue();
+  void NoteLoss(int number, std::string words);
+  void TellLoss();
+  void DetachStreaming();  // error 3059 when the user stops it
+  void Replay(const std::vector<GroupedWrite>& writes);
+  void WriteAgain(const GroupedWrite& write);
+  bool MayTryAgain(Failure failure, int tried) const;
+  void PauseBeforeTry(int tried);
 
-  std::string m_connect, m_server, m_password;
+  std::string m_connect;
   bool m_grouping;
+  std::shared_ptr<ActionState> m_action;
   std::shared_ptr<SavedTexts> m_texts;
-  Patience m_patience;
-  Environment m_environment;
   Connection m_connection;
-  bool m_connected = false, m_piecewise = false;
+  bool m_piecewise = false;
   int m_namesGiven = 0;
-  mutable bool m_lost = false;
+  std::chrono::milliseconds m_lockLimit{0};  // what the server was told; 0 for nothing
+  Clock::duration m_usualTime{};             // the shortest time of a statement so far
   ServerFacts m_facts;
   std::unique_ptr<jet_sql::ServerDialect> m_dialect;
   Schema m_schema;
   StreamingList m_streaming;
   PlanCache<Plan> m_plans;
   const Database* m_transactionOwner = nullptr;
-  SavedTexts m_textsBefore;  // the transaction
+  SavedTexts m_textsBefore;  // as they were when the transaction began
   bool m_inGroup = false;
   std::vector<GroupedWrite> m_group;
   Clock::time_point m_due;
   CommitCounts m_commits;
+  int m_lossNumber = 0;  // of a lost group that nobody has been told of; 0 for none
+  std::string m_lossWords;
 };
 
 }  // namespace kxrestore::engine::odbc

@@ -1,4 +1,4 @@
-// A statement of a connection: prepared once, executed with values, its rows fetched in blocks.
+// A statement of a session: prepared once, executed with values, its rows fetched in blocks.
 #pragma once
 
 #include <cstdint>
@@ -7,67 +7,47 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/jet_sql/ast.h"
-#include "engine/odbc/odbc_api.h"
 #include "engine/odbc/odbc_rows.h"
+#include "engine/odbc/statement_data.h"
 #include "engine/value.h"
 
 namespace kxrestore::engine::odbc {
 
-constexpr SQLULEN kQueryTimeout = 60;  // seconds
-
 class Session;
 
-// Values of a statement's parameters, where the driver finds them while it is executed.
-class BoundValues {
- public:
-  void Bind(const Session& session, SQLHSTMT statement, const std::vector<Value>& values);
-
- private:
-  struct Slot {
-    std::u16string text;
-    std::int64_t integer = 0;
-    double real = 0;
-    unsigned char bit = 0;
-    SQL_TIMESTAMP_STRUCT date{};
-    SQLLEN size = 0;
-  };
-  std::vector<std::unique_ptr<Slot>> m_slots;  // the driver keeps their addresses
-};
-
-// The driver for PostgreSQL sends what it has prepared at the server behind a savepoint, which costs a round
-// trip of its own, and plain text together with it, which the server plans anew each time. So a statement
-// that is executed again is prepared by name with the server's PREPARE, and the plain text is its EXECUTE.
+// Must not outlive its session. Errors of the functions that execute: those of Session::Run; an error of the
+// driver is in the outcome.
 class OdbcStatement {
  public:
   OdbcStatement(Session& session, std::string_view sql);
+  ~OdbcStatement();
+  OdbcStatement(const OdbcStatement&) = delete;
+  OdbcStatement& operator=(const OdbcStatement&) = delete;
 
-  SQLHSTMT Get() const { return m_handle.Get(); }
-  const std::string& Sql() const { return m_sql; }
+  const std::string& Sql() const { return m_data->Sql(); }
 
-  // Executes, preparing first if that has not been done. False when it failed; the diagnostics tell why.
-  // `reading`: the user may end it.
-  bool Execute(const std::vector<Value>& values, bool reading = false);
-  std::int64_t RowCount() const;
+  // Executes, preparing first if that has not been done.
+  Outcome Execute(const std::vector<Value>& values);
+  // The same for a statement that returns rows: its first block is fetched as well.
+  Outcome ExecuteReading(const std::vector<Value>& values);
+  // Executes without preparing, for statements that servers do not prepare.
+  Outcome ExecuteDirect();
+  // Calls one of the driver's catalog functions instead.
+  Outcome ExecuteCatalog(StatementData::CatalogFunction function);
+
+  std::int64_t RowCount() const { return m_data->ChangedRows(); }
   // The rows of the execution; they stand before the first.
   RowReader& Rows();
-  void CloseCursor();
+  void CloseCursor() noexcept;
 
  private:
-  enum class Text { kNone, kOwn, kCall };  // what the driver was given
-
-  bool Give(Text text);
-  bool PrepareByName(std::size_t values);
+  Outcome ExecuteWith(const std::vector<Value>& values, bool wantsRows);
+  bool HoldsServer() const { return m_isOpen && !m_data->Rows().IsLast(); }
 
   Session& m_session;
-  std::string m_sql;
-  std::string m_call;  // EXECUTE, once it is prepared by name
-  StatementHandle m_handle;
-  BoundValues m_values;
-  std::unique_ptr<RowReader> m_rows;
-  Text m_given = Text::kNone;
-  bool m_executed = false, m_namable = true;
-  bool m_isQuick = false;  // when it was last executed
+  std::shared_ptr<StatementData> m_data;
+  RowReader m_rows;
+  bool m_isOpen = false;
 };
 
 }  // namespace kxrestore::engine::odbc

@@ -1,12 +1,12 @@
-// Saved queries of a server catalog. Each is a view, so that other programs see it, whose body stands on
-// tables and on others' views only: what it names of saved queries made here is written out in it. So one can
-// be deleted while others name it, and no view of others ever goes with it; one that others' views stand on
-// is refused with the server's words.
+// Saved queries of a server catalog. Each is a view, so that other programs see it. Its body reads tables and
+// views of other programs only: a saved query of ours that it names is written out in it. So a query can be
+// deleted while others of ours name it. Deleting never takes another program's view along: a view that such a
+// view depends on is not deleted, and the server's words are the error.
 //
-// PostgreSQL keeps the text that was given as the view's comment, and a query that names what is not there
-// yet as a view without rows. Changes of the schema are short transactions that wait for each other, and
-// within one user action a query is read by its text: two dialogs that make queries of the same names do not
-// disturb each other, though the view that is left is that of the later one.
+// On PostgreSQL the view's comment keeps the query's own text, and a query that names something missing is a
+// view without rows. Changes of the schema are short transactions that wait for each other, and within one
+// user action a query is read by its text. So two dialogs that make queries of the same name do not disturb
+// each other; the view that remains is that of the later one.
 #pragma once
 
 #include <map>

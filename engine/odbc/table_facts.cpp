@@ -21,7 +21,7 @@ std::optional<std::string> OdbcTableFacts::SavedQuery(const std::string& name) {
     return ViewText(m_session, *entry);
   } catch (const Error& error) {
     if (m_session.IsLost() || error.Number() == error_number::kCanceled) throw;
-    return std::nullopt;  // not shown to this user, or beyond the dialect
+    return std::nullopt;  // hidden from this user, or outside the dialect
   }
 }
 
@@ -30,7 +30,7 @@ const KnownRelation* OdbcTableFacts::FindTable(const std::string& name) {
   return relation != nullptr && relation->isTable ? relation : nullptr;
 }
 
-// Null also when several differ in case only.
+// Null when there is none, and when several columns differ in case only.
 const KnownColumn* OdbcTableFacts::FindColumn(const std::string& table, const std::string& column) {
   const KnownRelation* relation = FindTable(table);
   const KnownColumn* found = nullptr;
@@ -61,7 +61,7 @@ bool OdbcTableFacts::IsRowKey(const std::string& table, const std::string& colum
   const KnownColumn* key = FindColumn(table, column);
   if (key == nullptr || !key->isWhole) return false;
   if (m_session.Tables().PrimaryKeyOf(*FindTable(table)) != std::vector<std::string>{key->name}) return false;
-  // Rows of tables that inherit from it are read with its own, but the key is not theirs.
+  // A query also reads the rows of inheriting tables, which the key does not cover.
   return !m_session.Facts().IsPostgres() || !HasHeirs(table);
 }
 
@@ -70,7 +70,7 @@ bool OdbcTableFacts::ComparesExactly(const std::string& table, const std::string
   return known != nullptr && known->isWhole;
 }
 
-// Elsewhere texts that differ in blanks at their end may be equal, too.
+// On other servers texts that differ in trailing blanks may be equal.
 bool OdbcTableFacts::MasksKeepGroups() const {
   return m_session.Facts().IsPostgres();
 }

@@ -1,37 +1,46 @@
 #include "engine/sqlite/functions.h"
 
-#include <sqlite3.h>
-
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "base/text.h"
-#include "engine/jet_sql/printing/dialect.h"
 #include "engine/jet_sql/meaning/like_pattern.h"
+#include "engine/jet_sql/printing/dialect.h"
+#include "engine/sqlite/api.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
 
 using jet_sql::LikePattern;
 
-std::string_view TextOf(sqlite3_value* value) {
+// Of a value that is not null; nothing when there is no memory for it.
+std::optional<std::string_view> TextOf(sqlite3_value* value) {
   const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-  if (text == nullptr) return {};
-  return {text, static_cast<std::size_t>(sqlite3_value_bytes(value))};
+  if (text == nullptr && sqlite3_value_type(value) == SQLITE_BLOB) return std::string_view();
+  if (text == nullptr) return std::nullopt;
+  return std::string_view(text, static_cast<std::size_t>(sqlite3_value_bytes(value)));
+}
+
+bool IsNull(sqlite3_value* value) {
+  return sqlite3_value_type(value) == SQLITE_NULL;
 }
 
 // No exception may pass through SQLite, so running out of memory is told in its own way.
 void Like(sqlite3_context* context, int, sqlite3_value** values) noexcept try {
-  if (sqlite3_value_type(values[0]) == SQLITE_NULL || sqlite3_value_type(values[1]) == SQLITE_NULL) return;
-  auto* pattern = static_cast<LikePattern*>(sqlite3_get_auxdata(context, 1));
-  if (pattern != nullptr) {
-    sqlite3_result_int(context, pattern->Matches(TextOf(values[0])) ? 1 : 0);
+  if (IsNull(values[0]) || IsNull(values[1])) return;
+  const auto text = TextOf(values[0]);
+  if (!text) return sqlite3_result_error_nomem(context);
+  if (auto* pattern = static_cast<LikePattern*>(sqlite3_get_auxdata(context, 1))) {
+    sqlite3_result_int(context, pattern->Matches(*text) ? 1 : 0);
     return;
   }
-  auto compiled = std::make_unique<LikePattern>(TextOf(values[1]));
-  sqlite3_result_int(context, compiled->Matches(TextOf(values[0])) ? 1 : 0);
+  const auto mask = TextOf(values[1]);
+  if (!mask) return sqlite3_result_error_nomem(context);
+  auto compiled = std::make_unique<LikePattern>(*mask);
+  sqlite3_result_int(context, compiled->Matches(*text) ? 1 : 0);
   sqlite3_set_auxdata(context, 1, compiled.release(),
                       [](void* kept) { delete static_cast<LikePattern*>(kept); });
 } catch (const std::bad_alloc&) {
@@ -40,21 +49,21 @@ void Like(sqlite3_context* context, int, sqlite3_value** values) noexcept try {
 
 // Places are counted in characters.
 void LastPlace(sqlite3_context* context, int, sqlite3_value** values) noexcept {
-  if (sqlite3_value_type(values[0]) == SQLITE_NULL || sqlite3_value_type(values[1]) == SQLITE_NULL) return;
-  const std::string_view text = TextOf(values[0]);
-  const std::size_t place = text.rfind(TextOf(values[1]));
+  if (IsNull(values[0]) || IsNull(values[1])) return;
+  const auto text = TextOf(values[0]), piece = TextOf(values[1]);
+  if (!text || !piece) return sqlite3_result_error_nomem(context);
+  const std::size_t place = text->rfind(*piece);
   const bool found = place != std::string_view::npos;
   sqlite3_result_int64(context,
-                       found ? static_cast<sqlite3_int64>(CharacterCount(text.substr(0, place))) + 1 : 0);
+                       found ? static_cast<sqlite3_int64>(CharacterCount(text->substr(0, place))) + 1 : 0);
 }
 
 // What is no text stays what it is.
 void Fold(sqlite3_context* context, int, sqlite3_value** values) noexcept try {
-  if (sqlite3_value_type(values[0]) != SQLITE_TEXT) {
-    sqlite3_result_value(context, values[0]);
-    return;
-  }
-  const std::string folded = FoldCase(TextOf(values[0]));
+  if (sqlite3_value_type(values[0]) != SQLITE_TEXT) return sqlite3_result_value(context, values[0]);
+  const auto text = TextOf(values[0]);
+  if (!text) return sqlite3_result_error_nomem(context);
+  const std::string folded = FoldCase(*text);
   sqlite3_result_text64(context, folded.data(), folded.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 } catch (const std::bad_alloc&) {
   sqlite3_result_error_nomem(context);

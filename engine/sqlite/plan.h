@@ -31,6 +31,7 @@ struct PlanTable {
 struct RowUpdate {
   std::vector<std::size_t> columns;
   bool disturbs = false;  // may move the row in the order that an open statement walks
+  bool bounded = false;   // see Connection::IsBounded
   Statement statement;
 };
 
@@ -41,6 +42,7 @@ struct Plan : CachedPlan {
   std::vector<std::unique_ptr<RowUpdate>> updates;
   std::vector<Statement> idle;
   std::size_t allColumns = 0;  // with the hidden ones
+  bool bounded = false;        // of an action
 };
 
 }  // namespace kxrestore::engine::sqlite

@@ -19,7 +19,7 @@ namespace {
 
 using namespace jet_sql;  // NOLINT: the planner speaks of little else
 
-ColumnKind KindOf(const char* declared) {
+ColumnKind KindOf(const char* declared) {  // null for what no column holds
   if (declared == nullptr) return ColumnKind::kPlain;
   for (const char* type : {"BOOLEAN", "BOOL", "BIT", "YESNO"}) {
     if (EqualIgnoringCase(declared, type)) return ColumnKind::kBoolean;
@@ -30,13 +30,13 @@ ColumnKind KindOf(const char* declared) {
   return ColumnKind::kPlain;
 }
 
-bool HasRowNumber(sqlite3* connection, const std::string& table) {
-  return sqlite3_table_column_metadata(connection, nullptr, table.c_str(), "_rowid_", nullptr, nullptr,
-                                       nullptr, nullptr, nullptr) == SQLITE_OK;
+bool HasRowNumber(const Connection& connection, const std::string& table) {
+  return connection.FindColumn(table, "_rowid_").has_value();
 }
 
 // The tables of a FROM clause; `pure` becomes false when something else stands among them.
-void CollectTables(sqlite3* connection, const JoinChain& chain, std::vector<PlanTable>& tables, bool& pure) {
+void CollectTables(const Connection& connection, const JoinChain& chain, std::vector<PlanTable>& tables,
+                   bool& pure) {
   const auto collect = [&](const TableRef& table) {
     if (table.nested) {
       CollectTables(connection, *table.nested, tables, pure);
@@ -51,7 +51,7 @@ void CollectTables(sqlite3* connection, const JoinChain& chain, std::vector<Plan
 }
 
 // Adds the row number of each table to the statement of a dynaset that can be changed.
-std::vector<PlanTable> AddRowNumbers(sqlite3* connection, SelectStatement& statement, bool& pure) {
+std::vector<PlanTable> AddRowNumbers(const Connection& connection, SelectStatement& statement, bool& pure) {
   std::vector<PlanTable> tables;
   SelectCore& core = statement.cores.front();
   if (statement.cores.size() != 1 || core.distinct || !core.groupBy.empty() || core.having) return tables;
@@ -92,24 +92,22 @@ std::size_t TableOf(const Plan& plan, const char* tableName, const Expression* w
   return found;
 }
 
-std::vector<ResultColumn> NamesOfColumns(sqlite3_stmt* statement) {
+std::vector<ResultColumn> NamesOfColumns(const Statement& statement) {
   std::vector<ResultColumn> columns;
-  for (int i = 0; i < sqlite3_column_count(statement); ++i) {
-    const char* name = sqlite3_column_name(statement, i);
-    columns.emplace_back().name = name != nullptr ? name : "";
-  }
+  for (int i = 0; i < statement.ColumnCount(); ++i) columns.emplace_back().name = statement.ColumnName(i);
   return columns;
 }
 
-void DescribeColumns(Plan& plan, sqlite3_stmt* statement, const SelectStatement& select, bool pure) {
-  plan.allColumns = static_cast<std::size_t>(sqlite3_column_count(statement));
+void DescribeColumns(Plan& plan, const Statement& prepared, const SelectStatement& select, bool pure) {
+  sqlite3_stmt* const statement = prepared.Get();
+  plan.allColumns = static_cast<std::size_t>(prepared.ColumnCount());
   const std::size_t visible = plan.allColumns - plan.tables.size();
   const SelectCore& core = select.cores.front();
   const bool star = HasStar(core);
   for (std::size_t i = 0; i < visible; ++i) {
     const int index = static_cast<int>(i);
     PlanColumn column;
-    if (const char* name = sqlite3_column_name(statement, index)) column.name = name;
+    column.name = prepared.ColumnName(index);
     column.kind = KindOf(sqlite3_column_decltype(statement, index));
     const Expression* written = star || i >= core.items.size() ? nullptr : core.items[i].expression.get();
     column.table = TableOf(plan, sqlite3_column_table_name(statement, index), written, pure);
@@ -122,17 +120,17 @@ void DescribeColumns(Plan& plan, sqlite3_stmt* statement, const SelectStatement&
   for (std::size_t i = 0; i < plan.tables.size(); ++i) plan.tables[i].rowColumn = visible + i;
 }
 
-bool ExistsInSchema(const Session& session, std::string_view name) {
-  const Statement find = session.Prepare(
+bool ExistsInSchema(const Connection& connection, std::string_view name) {
+  Statement find = connection.Prepare(
       "SELECT 1 FROM sqlite_schema WHERE type IN ('table', 'view') AND name = ?1 COLLATE NOCASE");
-  sqlite3_bind_text(find.get(), 1, name.data(), static_cast<int>(name.size()), SQLITE_STATIC);
-  return sqlite3_step(find.get()) == SQLITE_ROW;
+  find.Bind(1, name);
+  return find.Next(name);
 }
 
 // Whether changing these columns can move a row within an index, or start a trigger.
-bool Disturbs(const Session& session, const PlanTable& table, const Plan& plan,
+bool Disturbs(const Connection& connection, const PlanTable& table, const Plan& plan,
               const std::vector<std::size_t>& columns) {
-  const Statement find = session.Prepare(
+  Statement find = connection.Prepare(
       "SELECT 1 FROM sqlite_schema WHERE type = 'trigger' AND tbl_name = ?1 COLLATE NOCASE "
       "UNION ALL SELECT 1 FROM pragma_index_list(?1) AS l JOIN pragma_index_xinfo(l.name) AS x "
       "WHERE x.name = ?2 COLLATE NOCASE "
@@ -140,49 +138,48 @@ bool Disturbs(const Session& session, const PlanTable& table, const Plan& plan,
       "AND instr(lower(sql), lower(?2)) > 0");
   for (const std::size_t index : columns) {
     const std::string& column = plan.columns[index].baseName;
-    int key = 0;
-    sqlite3_table_column_metadata(session.Connection(), nullptr, table.name.c_str(), column.c_str(), nullptr,
-                                  nullptr, nullptr, &key, nullptr);
-    if (key != 0) return true;
-    ResetGuard guard(find.get());
-    sqlite3_bind_text(find.get(), 1, table.name.c_str(), -1, SQLITE_STATIC);
-    sqlite3_bind_text(find.get(), 2, column.c_str(), -1, SQLITE_STATIC);
-    if (sqlite3_step(find.get()) == SQLITE_ROW) return true;
+    const auto facts = connection.FindColumn(table.name, column);
+    if (facts && facts->inKey) return true;
+    const ResetGuard guard(find);
+    find.Bind(1, std::string_view(table.name));
+    find.Bind(2, std::string_view(column));
+    if (find.Next(table.name)) return true;
   }
   return false;
 }
 
 }  // namespace
 
-std::shared_ptr<Plan> MakePlan(const Session& session, const Sql& sql, Session::Use use,
+std::shared_ptr<Plan> MakePlan(const Connection& connection, const Sql& sql, StatementUse use,
                                const ColumnNames& read) {
   const SqliteDialect dialect(false);
-  const auto exists = [&session](std::string_view name) { return ExistsInSchema(session, name); };
-  jet_sql::Statement statement = ReadSource(sql, use != Session::Use::kAction, exists);
+  const auto exists = [&connection](std::string_view name) { return ExistsInSchema(connection, name); };
+  jet_sql::Statement statement = ReadSource(sql, use != StatementUse::kAction, exists);
   auto plan = std::make_shared<Plan>();
   bool pure = true;
   SelectStatement* select = std::get_if<SelectStatement>(&statement);
   if (select != nullptr) {
-    SqliteTableFacts facts(session);
-    if (use == Session::Use::kSnapshot) RemoveGroupsOfSingleRows(facts, *select);
+    SqliteTableFacts facts(connection);
+    if (use == StatementUse::kSnapshot) RemoveGroupsOfSingleRows(facts, *select);
     ReadGroupingQueriesByText(facts, *select);
   }
   if (select != nullptr && !read.empty()) {
-    auto columns = NamesOfColumns(session.Prepare(Print(statement, dialect)).get());
+    auto columns = NamesOfColumns(connection.Prepare(Print(statement, dialect)));
     LeaveOutUnreadColumns(*select, columns, read);
   }
-  if (use == Session::Use::kDynaset && select != nullptr) {
-    plan->tables = AddRowNumbers(session.Connection(), *select, pure);
+  if (use == StatementUse::kDynaset && select != nullptr) {
+    plan->tables = AddRowNumbers(connection, *select, pure);
   }
   plan->sql = Print(statement, dialect);
   Statement prepared =
-      session.Prepare(plan->sql, use == Session::Use::kAction ? Doing::kWriting : Doing::kReading);
-  if (select != nullptr) DescribeColumns(*plan, prepared.get(), *select, pure);
+      connection.Prepare(plan->sql, use == StatementUse::kAction ? Doing::kWriting : Doing::kReading);
+  if (select != nullptr) DescribeColumns(*plan, prepared, *select, pure);
+  if (use == StatementUse::kAction) plan->bounded = connection.IsBounded(plan->sql);
   plan->idle.push_back(std::move(prepared));
   return plan;
 }
 
-RowUpdate& FindRowUpdate(const Session& session, Plan& plan, const std::vector<std::size_t>& columns) {
+RowUpdate& FindRowUpdate(const Connection& connection, Plan& plan, const std::vector<std::size_t>& columns) {
   for (const auto& update : plan.updates) {
     if (update->columns == columns) return *update;
   }
@@ -195,8 +192,10 @@ RowUpdate& FindRowUpdate(const Session& session, Plan& plan, const std::vector<s
   }
   auto update = std::make_unique<RowUpdate>();
   update->columns = columns;
-  update->disturbs = Disturbs(session, table, plan, columns);
-  update->statement = session.Prepare(sql + " WHERE _rowid_ = ?1", Doing::kWriting);
+  update->disturbs = Disturbs(connection, table, plan, columns);
+  sql += " WHERE _rowid_ = ?1";
+  update->bounded = connection.IsBounded(sql);
+  update->statement = connection.Prepare(sql, Doing::kWriting);
   plan.updates.push_back(std::move(update));
   return *plan.updates.back();
 }

@@ -2,17 +2,18 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
 
-#include "engine/sqlite/session.h"
+#include "engine/plan_cache.h"
+#include "engine/sqlite/connection.h"
+#include "engine/sqlite/plan.h"
 
 namespace kxrestore::engine::sqlite {
 
 // `read`: see Database::OpenRecordset.
-std::shared_ptr<Plan> MakePlan(const Session& session, const Sql& sql, Session::Use use,
+std::shared_ptr<Plan> MakePlan(const Connection& connection, const Sql& sql, StatementUse use,
                                const ColumnNames& read);
 
 // The update of these columns of one table, made at first use.
-RowUpdate& FindRowUpdate(const Session& session, Plan& plan, const std::vector<std::size_t>& columns);
+RowUpdate& FindRowUpdate(const Connection& connection, Plan& plan, const std::vector<std::size_t>& columns);
 
 }  // namespace kxrestore::engine::sqlite

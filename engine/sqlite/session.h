@@ -4,54 +4,62 @@
 #include <chrono>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "engine/database.h"
 #include "engine/plan_cache.h"
+#include "engine/sqlite/connection.h"
 #include "engine/sqlite/plan.h"
-#include "engine/sqlite/sqlite_error.h"
 #include "engine/streamed_recordset.h"
 
 namespace kxrestore::engine::sqlite {
 
+// A saved query or a table as the schema holds it; all empty when there is none.
+struct SchemaEntry {
+  std::string type, name, sql;
+};
+
 class Session {
  public:
-  // `grouping`: updates may wait for a common commit. `exclusive`: nobody else may use the file. `patience`:
-  // how long to wait for another process before that is an error. `waiting`: what to do while a statement
-  // takes long.
-  Session(std::string file, bool exclusive, bool grouping, std::chrono::milliseconds patience,
-          std::shared_ptr<const Waiting> waiting);
-  ~Session();
+  // `grouping`: updates may wait for a common commit. `exclusive`: nobody else may use the file. `tables`:
+  // see Connection.
+  Session(std::string file, bool exclusive, bool grouping, std::shared_ptr<Waiter> waiter,
+          std::shared_ptr<ForeignTables> tables = nullptr);
+  ~Session() = default;  // what nobody has committed is undone
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  const std::string& Place() const { return m_file; }
-  sqlite3* Connection() const { return m_connection.get(); }
-  bool IsReadOnly() const { return m_readOnly; }
+  const std::string& Place() const { return m_connection.File(); }
+  const Connection& Link() const { return m_connection; }
+  bool IsReadOnly() const { return m_connection.IsReadOnly(); }
 
   using Use = StatementUse;
   std::shared_ptr<Plan> FindPlan(const Sql& sql, Use use, const ColumnNames& read = {});
 
   // A statement of the plan with the values of the last FindPlan bound; give it back when done.
   Statement Acquire(Plan& plan);
-  static void Release(Plan& plan, Statement statement);
-
-  // Lets a reading statement work for its next row; the user may end it. Returns SQLite's code.
-  int StepReading(sqlite3_stmt* statement);
+  static void Release(Plan& plan, Statement statement) noexcept;
 
   // Runs a writing statement to its end: waits for others, keeps streaming recordsets what they are, groups
-  // the commit. `disturbs`: dynasets must be protected as well.
-  void RunWrite(sqlite3_stmt* statement, bool disturbs, std::string_view piece);
-  // From here to the next commit of a group nobody else writes.
-  void BeginGroup();
-  void ForgetPlans() { m_plans.Forget(); }  // after a change of the schema
+  // the commit. A statement that fails or is stopped has changed nothing.
+  struct Write {
+    bool disturbs = true;  // dynasets must be protected as well
+    bool bounded = false;  // see Connection::IsBounded
+  };
+  void RunWrite(Statement& statement, Write kind, std::string_view piece);
 
-  Statement Prepare(std::string_view sql, Doing doing = Doing::kReading) const;
-  [[noreturn]] void Raise(int code, Doing doing, std::string_view piece = {}) const;
+  // Saved queries. In a group a query that is to go stays until somebody could see the difference; when the
+  // same one is made before, nothing is written at all.
+  SchemaEntry FindEntry(std::string_view name);
+  void CreateView(std::string_view name, const std::string& createText);  // error 3012
+  void DropView(std::string_view name);                                   // error 3265
+  void Settle();  // before anything else that could see the difference
+  bool IsDropped(std::string_view name) const;
 
   StreamingList& Streaming() { return m_streaming; }
+  void ForgetPlans() { m_plans.Forget(); }  // somebody has changed the schema
 
   // A transaction of a database's own, during which no group is committed; it goes on when the action ends.
   void BeginTransaction(const Database& owner);
@@ -59,43 +67,40 @@ class Session {
   void UndoTransaction();
   const Database* TransactionOwner() const { return m_transactionOwner; }
 
+  // Each raises, once, what has become of a group that could not be committed; its updates are undone then.
   void Idle();       // commits what has waited long enough, without waiting for anybody
-  void Flush();      // commits; waits, then raises
-  void EndGroups();  // commits for good: what cannot be committed is rolled back and raised
+  void Flush();      // commits; waits for others
+  void EndGroups();  // commits for good
   const CommitCounts& Commits() const { return m_commits; }
 
  private:
   using Clock = std::chrono::steady_clock;
-  struct Closer {
-    void operator()(sqlite3* connection) const { sqlite3_close_v2(connection); }
-  };
 
-  static int Progress(void* session) noexcept;
-  static int Busy(void* session, int tried) noexcept;
-  bool LookUp() noexcept;
   void NeedTransaction() const;
-  bool InTransaction() const { return sqlite3_get_autocommit(m_connection.get()) == 0; }
-  int Begin();
-  int TryCommit(bool waiting);
+  bool InTransaction() const { return m_connection.InTransaction(); }
+  bool InGroup() const { return m_grouping && m_transactionOwner == nullptr; }
+  void BeginGroup();
+  Outcome Begin();
+  Outcome TryCommit(bool waiting);
   void CommitIfDue();
-  void Commit();
-  [[noreturn]] void RaiseLostGroup(int code);
-  void RollBack();
+  bool CommitGroup();
+  void LoseGroup(std::exception_ptr why);
+  void TellLostGroup();
+  void RollBack() noexcept;
+  void NeedUndone();
+  void SettleForCommit();
+  void ChangeSchema(const std::string& sql);
 
-  std::string m_file;
   bool m_grouping;
-  std::chrono::milliseconds m_patience;
-  bool m_readOnly = false;
-  std::unique_ptr<sqlite3, Closer> m_connection;
-  Statement m_begin, m_commit;
+  Connection m_connection;
+  Statement m_begin, m_commit, m_rollback;
   StreamingList m_streaming;
   PlanCache<Plan> m_plans;
+  std::optional<SchemaEntry> m_dropped;
   const Database* m_transactionOwner = nullptr;
-  std::shared_ptr<const Waiting> m_waiting;
-  bool m_mayStop = false, m_inWaiting = false;
-  std::exception_ptr m_waitingFailed;  // no exception may pass through SQLite
-  Clock::time_point m_nextWaiting, m_busySince;
-  bool m_waitsForOthers = true;
+  bool m_groupHolds = false;  // updates of statements that have ended well
+  bool m_mustUndo = false;    // the rollback has failed
+  std::exception_ptr m_groupLost;
   CommitCounts m_commits;
   Clock::time_point m_due, m_deadline, m_nextTry;
 };

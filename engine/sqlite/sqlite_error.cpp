@@ -1,9 +1,11 @@
 #include "engine/sqlite/sqlite_error.h"
 
-#include <sqlite3.h>
+#include <filesystem>
+#include <fstream>
 
 #include "base/text.h"
 #include "engine/error_numbers.h"
+#include "engine/sqlite/api.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
@@ -46,10 +48,56 @@ bool TakePrefix(std::string_view& text, std::string_view prefix) {
   Raise(number::kSyntax, "Syntax error (" + std::string(message) + ") in query expression '" + shown + "'.");
 }
 
+[[noreturn]] void RaiseDamaged(const std::string& quoted, const std::string& message) {
+  Raise(number::kDamaged, "Cannot read the database " + quoted + ": it is damaged (" + message + ").");
+}
+
+// Whether the file that SQLite keeps beside a database is there and holds something.
+bool HasBeside(const std::string& file, std::string_view suffix) {
+  const std::string name = file + std::string(suffix);
+  std::error_code failure;
+  const auto size = std::filesystem::file_size(std::u8string(name.begin(), name.end()), failure);
+  return !failure && size > 0;
+}
+
+bool IsInWalMode(const std::string& file) {
+  constexpr std::streamoff kWriteVersion = 18;
+  std::ifstream stream(std::filesystem::path(std::u8string(file.begin(), file.end())), std::ios::binary);
+  return stream.seekg(kWriteVersion) && stream.get() == 2;
+}
+
+// A database that was left in the middle of something, or whose mode needs files of its own, cannot even be
+// read where nothing may be written. Says what is there and what to do; returns when that is not the case.
+void RaiseWhatNeedsWriting(const std::string& file) {
+  const std::string quoted = "'" + file + "'";
+  const std::string cannotOpen = "The database engine cannot open the file " + quoted + ". ";
+  if (HasBeside(file, "-journal")) {
+    Raise(number::kCannotOpen, cannotOpen + "A change to it was interrupted, and its journal '" + file +
+                                   "-journal' holds what must be put back first, but the file may not be "
+                                   "written to. Allow that, or copy both files together to a folder that may "
+                                   "be written to.");
+  }
+  if (HasBeside(file, "-wal")) {
+    Raise(number::kCannotOpen,
+          cannotOpen + "Its latest changes are in the log '" + file +
+              "-wal', and the index that reading the log takes, '" + file +
+              "-shm', can be neither used nor made. Allow writing to the folder, or copy "
+              "the file and its log together to a folder that may be written to.");
+  }
+  if (IsInWalMode(file)) {
+    Raise(number::kCannotOpen,
+          cannotOpen +
+              "It is in write-ahead mode (WAL), in which reading, too, makes files beside "
+              "it, and its folder may not be written to. Copy it to a folder that may be "
+              "written to.");
+  }
+}
+
 }  // namespace
 
-void RaiseSqlite(sqlite3* connection, int code, Doing doing, const std::string& file,
+void RaiseSqlite(sqlite3* connection, int code, Doing doing, const ErrorPlace& place,
                  std::string_view piece) {
+  const std::string& file = place.file;
   const bool latest = connection != nullptr && (sqlite3_errcode(connection) & 0xFF) == (code & 0xFF);
   const std::string message = latest ? sqlite3_errmsg(connection) : sqlite3_errstr(code);
   const std::string quoted = "'" + file + "'";
@@ -62,22 +110,33 @@ void RaiseSqlite(sqlite3* connection, int code, Doing doing, const std::string& 
       }
       Raise(number::kRecordLocked, "Could not read " + quoted + "; currently locked by another process.");
     case SQLITE_READONLY:
+      if (code != SQLITE_READONLY) RaiseWhatNeedsWriting(file);
       Raise(number::kReadOnly, "Cannot update. Database or object is read-only: " + quoted + ".");
     case SQLITE_FULL:
       Raise(number::kDiskFull, "Not enough space on disk to change " + quoted + ".");
-    case SQLITE_CANTOPEN:
-    case SQLITE_PERM:
     case SQLITE_AUTH:
+      Raise(number::kReadOnly,
+            "Cannot update " + quoted + ": " +
+                (place.refusedTrigger.empty()
+                     ? "it asks for more than to be read and marked."
+                     : "its trigger '" + place.refusedTrigger + "' would change more than was asked for."));
+    case SQLITE_CANTOPEN:
+      RaiseWhatNeedsWriting(file);
+      [[fallthrough]];
+    case SQLITE_PERM:
       Raise(number::kCannotOpen,
             "The database engine cannot open the file " + quoted +
                 ". It is opened exclusively by another user, or you need permission to use it.");
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-      Raise(number::kDamaged, "Cannot read the database " + quoted + ": it is damaged (" + message + ").");
+    case SQLITE_FORMAT:
+      RaiseDamaged(quoted, message);
     case SQLITE_IOERR:
       if (code == SQLITE_IOERR_SHORT_READ || code == SQLITE_IOERR_CORRUPTFS) {
-        Raise(number::kDamaged, "Cannot read the database " + quoted + ": it is damaged (" + message + ").");
+        RaiseDamaged(quoted, message);
       }
+      if (code == SQLITE_IOERR_NOMEM)
+        Raise(kxrestore::error_number::kOutOfMemory, "Out of memory while working on " + quoted + ".");
       Raise(number::kDiskError, "Disk or network error on " + quoted + " (" + message + ").");
     case SQLITE_CONSTRAINT:
       if (code == SQLITE_CONSTRAINT_UNIQUE || code == SQLITE_CONSTRAINT_PRIMARYKEY ||
@@ -91,8 +150,10 @@ void RaiseSqlite(sqlite3* connection, int code, Doing doing, const std::string& 
     case SQLITE_INTERRUPT:
       Raise(number::kCanceled, "Operation canceled by user.");
     case SQLITE_NOMEM:
-      Raise(7, "Out of memory while working on " + quoted + ".");
+      Raise(kxrestore::error_number::kOutOfMemory, "Out of memory while working on " + quoted + ".");
     case SQLITE_ERROR:
+      if (message == "unsupported file format") RaiseDamaged(quoted, message);
+      [[fallthrough]];
     case SQLITE_TOOBIG:
       RaiseStatement(message, file, piece);
     default:

@@ -10,9 +10,15 @@ namespace kxrestore::engine::sqlite {
 
 enum class Doing { kOpening, kReading, kWriting };
 
+// What an error is about.
+struct ErrorPlace {
+  const std::string& file;
+  const std::string& refusedTrigger;  // empty: none
+};
+
 // Raises the error for `code`, the result of the last call on `connection` (may be null). `piece` is the
 // statement or the name at work; the description tells it together with the file.
-[[noreturn]] void RaiseSqlite(sqlite3* connection, int code, Doing doing, const std::string& file,
+[[noreturn]] void RaiseSqlite(sqlite3* connection, int code, Doing doing, const ErrorPlace& place,
                               std::string_view piece = {});
 
 }  // namespace kxrestore::engine::sqlite

@@ -20,50 +20,28 @@ ValueView OfKind(ColumnKind kind, const ValueView& value) {
   return value;
 }
 
-ValueView RawValue(sqlite3_stmt* statement, int column) {
-  switch (sqlite3_column_type(statement, column)) {
-    case SQLITE_INTEGER:
-      return static_cast<std::int64_t>(sqlite3_column_int64(statement, column));
-    case SQLITE_FLOAT:
-      return sqlite3_column_double(statement, column);
-    case SQLITE_TEXT: {
-      const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
-      if (text == nullptr) return std::string_view();
-      return std::string_view(text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column)));
-    }
-    case SQLITE_BLOB: {
-      const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
-      if (bytes == nullptr) return std::string_view();
-      return std::string_view(bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement, column)));
-    }
-    default:
-      return std::monostate();
-  }
-}
-
 }  // namespace
 
 SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, const Sql& sql, RecordsetType type,
                                  const ColumnNames& read, bool readOnly)
     : StreamedRecordset(type, readOnly), m_session(std::move(session)) {
-  int code = Open(sql, read);
-  if (code == SQLITE_ROW && sqlite3_column_count(m_statement.get()) != static_cast<int>(m_plan->allColumns)) {
+  Outcome outcome = Open(sql, read);
+  if (outcome.IsRow() && m_statement.ColumnCount() != static_cast<int>(m_plan->allColumns)) {
     m_session->ForgetPlans();  // somebody else has changed the schema meanwhile
-    code = Open(sql, read);
+    outcome = Open(sql, read);
   }
-  if (code == SQLITE_ROW) {
+  if (outcome.IsRow()) {
     m_session->Streaming().Add(*this);
-  } else if (code != SQLITE_DONE) {
-    const ResetGuard guard(m_statement.get());
-    m_session->Raise(code, Doing::kReading, sql.Printed());
+  } else if (!outcome.IsDone()) {
+    m_session->Link().Raise(outcome.Code(), Doing::kReading, sql.Printed());
   }
-  Begin(code == SQLITE_ROW, m_plan->columns.size(), m_plan->allColumns - m_plan->columns.size());
+  Begin(outcome.IsRow(), m_plan->columns.size(), m_plan->allColumns - m_plan->columns.size());
 }
 
-int SqliteRecordset::Open(const Sql& sql, const ColumnNames& read) {
+Outcome SqliteRecordset::Open(const Sql& sql, const ColumnNames& read) {
   m_plan = m_session->FindPlan(sql, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
   m_statement = m_session->Acquire(*m_plan);
-  return m_session->StepReading(m_statement.get());
+  return m_statement.Step(Stop::kWork);
 }
 
 SqliteRecordset::~SqliteRecordset() {
@@ -77,18 +55,16 @@ void SqliteRecordset::LetStatementGo() {
 }
 
 bool SqliteRecordset::Fetch(bool mayStop) {
-  sqlite3_stmt* const statement = m_statement.get();
-  const int code = mayStop ? m_session->StepReading(statement) : sqlite3_step(statement);
-  if (code == SQLITE_ROW) return true;
-  if (code != SQLITE_DONE) m_session->Raise(code, Doing::kReading, m_plan->sql);
+  const Outcome outcome = m_statement.Step(mayStop ? Stop::kWork : Stop::kNothing);
+  if (outcome.IsRow()) return true;
+  if (!outcome.IsDone()) m_session->Link().Raise(outcome.Code(), Doing::kReading, m_plan->sql);
   return false;
 }
 
 ValueView SqliteRecordset::Streamed(std::size_t index) const {
-  sqlite3_stmt* statement = m_statement.get();
   const ColumnKind kind = index < m_plan->columns.size() ? m_plan->columns[index].kind : ColumnKind::kPlain;
-  return kind == ColumnKind::kPlain ? RawValue(statement, static_cast<int>(index))
-                                    : OfKind(kind, RawValue(statement, static_cast<int>(index)));
+  const ValueView value = m_statement.Read(static_cast<int>(index));
+  return kind == ColumnKind::kPlain ? value : OfKind(kind, value);
 }
 
 void SqliteRecordset::UpdateTable(std::size_t table, const Changes& changes) {
@@ -102,15 +78,14 @@ void SqliteRecordset::UpdateTable(std::size_t table, const Changes& changes) {
   if (rowNumber == nullptr) {
     Raise(number::kReadOnly, "Cannot update: the row has no record in '" + m_plan->tables[table].name + "'.");
   }
-  RowUpdate& update = FindRowUpdate(*m_session, *m_plan, columns);
-  sqlite3_stmt* statement = update.statement.get();
-  sqlite3_bind_int64(statement, 1, *rowNumber);
+  RowUpdate& update = FindRowUpdate(m_session->Link(), *m_plan, columns);
+  update.statement.Bind(1, *rowNumber);
   int parameter = 2;
   for (const auto& [column, value] : changes) {
-    if (m_plan->columns[column].table == table) Bind(statement, parameter++, value);
+    if (m_plan->columns[column].table == table) update.statement.Bind(parameter++, value);
   }
-  m_session->RunWrite(statement, update.disturbs, m_plan->tables[table].name);
-  if (sqlite3_changes(m_session->Connection()) == 0) {
+  m_session->RunWrite(update.statement, {update.disturbs, update.bounded}, m_plan->tables[table].name);
+  if (m_session->Link().Changes() == 0) {
     Raise(number::kRecordDeleted, "Record is deleted: '" + m_plan->tables[table].name + "'.");
   }
 }

@@ -28,7 +28,7 @@ class SqliteRecordset final : public StreamedRecordset {
   bool CanChange(std::size_t index) const override { return !m_plan->columns[index].baseName.empty(); }
   void Write(const Changes& changes) override;
 
-  int Open(const Sql& sql, const ColumnNames& read);
+  Outcome Open(const Sql& sql, const ColumnNames& read);
   void UpdateTable(std::size_t table, const Changes& changes);
 
   std::shared_ptr<Session> m_session;

@@ -1,32 +1,69 @@
-// A prepared statement, owned.
+// A prepared statement, owned. Every failure of binding, stepping and reading values is raised or returned;
+// none is passed over.
 #pragma once
 
-#include <sqlite3.h>
-
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
 
+#include "engine/sqlite/api.h"
+#include "engine/sqlite/waiter.h"
 #include "engine/value.h"
 
 namespace kxrestore::engine::sqlite {
 
-struct Finalizer {
-  void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-using Statement = std::unique_ptr<sqlite3_stmt, Finalizer>;
+class Connection;
 
-// A text is copied.
-void Bind(sqlite3_stmt* statement, int index, const Value& value);
+class Statement {
+ public:
+  Statement() = default;
+  // `connection` outlives it.
+  Statement(const Connection& connection, sqlite3_stmt* statement)
+      : m_connection(&connection), m_statement(statement) {}
+
+  explicit operator bool() const { return m_statement != nullptr; }
+  sqlite3_stmt* Get() const { return m_statement.get(); }
+
+  // Parameters, from 1. A text is copied.
+  void Bind(int parameter, std::int64_t value);
+  void Bind(int parameter, double value);
+  void Bind(int parameter, std::string_view value);
+  void Bind(int parameter, const Value& value);
+
+  // To the next row or the end.
+  Outcome Step(Stop stop);
+  // The same for short questions: whether there is a row; all else is raised.
+  bool Next(std::string_view piece = {});
+  void Reset() noexcept;
+
+  // Values of the current row. Views hold until the next step or reset.
+  ValueView Read(int column) const;
+  std::string Text(int column) const;  // "" for null
+  std::int64_t Integer(int column) const { return sqlite3_column_int64(Get(), column); }
+  int ColumnCount() const { return sqlite3_column_count(Get()); }
+  std::string ColumnName(int column) const;
+
+ private:
+  struct Finalizer {
+    void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
+  };
+
+  const Connection* m_connection = nullptr;
+  std::unique_ptr<sqlite3_stmt, Finalizer> m_statement;
+};
 
 // Resets at the end of a block, whatever happens in it.
 class ResetGuard {
  public:
-  explicit ResetGuard(sqlite3_stmt* statement) : m_statement(statement) {}
-  ~ResetGuard() { sqlite3_reset(m_statement); }
+  explicit ResetGuard(Statement& statement) : m_statement(statement) {}
+  ~ResetGuard() { m_statement.Reset(); }
   ResetGuard(const ResetGuard&) = delete;
   ResetGuard& operator=(const ResetGuard&) = delete;
 
  private:
-  sqlite3_stmt* m_statement;
+  Statement& m_statement;
 };
 
 }  // namespace kxrestore::engine::sqlite

@@ -2,13 +2,13 @@
 #pragma once
 
 #include "engine/jet_sql/meaning/table_facts.h"
-#include "engine/sqlite/session.h"
+#include "engine/sqlite/connection.h"
 
 namespace kxrestore::engine::sqlite {
 
 class SqliteTableFacts final : public jet_sql::TableFacts {
  public:
-  explicit SqliteTableFacts(const Session& session) : m_session(session) {}
+  explicit SqliteTableFacts(const Connection& connection) : m_connection(connection) {}
 
   std::optional<std::string> SavedQuery(const std::string& name) override;
   bool IsRowKey(const std::string& table, const std::string& column) override;
@@ -16,7 +16,7 @@ class SqliteTableFacts final : public jet_sql::TableFacts {
   bool MasksKeepGroups() const override { return true; }
 
  private:
-  const Session& m_session;
+  const Connection& m_connection;
 };
 
 }  // namespace kxrestore::engine::sqlite

@@ -46,7 +46,7 @@ class ServerWriter final : public TableWriter {
 }  // namespace
 
 void FillServerCatalog(const std::string& connect, const std::function<void(CatalogSink&)>& fill) {
-  const auto session = std::make_shared<odbc::Session>(connect, false, nullptr);
+  const auto session = std::make_shared<odbc::Session>(connect);
   odbc::OdbcDatabase database(session, false);
   database.BeginTrans();
   ServerWriter writer(*session);

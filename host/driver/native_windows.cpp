@@ -10,6 +10,11 @@ namespace {
 constexpr wchar_t kNameProperty[] = L"KXRestore.Control";
 constexpr UINT kAnswerTime = 30000;  // ms; a dialog at work lets messages run far more often
 
+BOOL CALLBACK Collect(HWND window, LPARAM list) {
+  reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+  return TRUE;
+}
+
 }  // namespace
 
 void WaitFor(Patience patience, const std::string& what, const std::function<bool()>& isSo) {
@@ -46,13 +51,7 @@ HWND VisibleWindow(const wchar_t* windowClass, DWORD process) {
 
 std::vector<HWND> Inner(HWND parent) {
   std::vector<HWND> windows;
-  EnumChildWindows(
-      parent,
-      [](HWND window, LPARAM list) -> BOOL {
-        reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&windows));
+  EnumChildWindows(parent, Collect, reinterpret_cast<LPARAM>(&windows));
   return windows;
 }
 

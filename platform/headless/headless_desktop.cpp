@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "base/shown_text.h"
 #include "controls/form.h"
 
 namespace kxrestore::platform {
@@ -11,7 +12,7 @@ constexpr int kButtonsMask = 15;
 }
 
 int HeadlessDesktop::MessageBox(const std::string& text, int style, const std::string& title) {
-  Message& message = messages.emplace_back(Message{text, style, title, kAnswerOk});
+  Message& message = messages.emplace_back(Message{ShownLines(text), style, Shown(title), kAnswerOk});
   if (onMessage) onMessage(message);
   if ((style & kButtonsMask) == kOkOnly) return kAnswerOk;
   message.answer = 0;
@@ -21,8 +22,17 @@ int HeadlessDesktop::MessageBox(const std::string& text, int style, const std::s
   return message.answer;
 }
 
+void HeadlessDesktop::DoEventsWhileWaiting() {
+  if (m_inDoEvents) return;
+  --walkItems;
+  engineWorks = true;
+  DoEvents();
+  engineWorks = false;
+}
+
 void HeadlessDesktop::DoEvents() {
   ++doEventsCount;
+  ++walkItems;
   if (!onDoEvents || m_inDoEvents) return;
   struct Guard {
     bool& flag;

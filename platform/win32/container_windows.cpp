@@ -2,11 +2,9 @@
 
 #include <algorithm>
 
+#include "platform/win32/theme.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/window_classes.h"
-
-#include <uxtheme.h>
-#include <vssym32.h>
 
 namespace kxrestore::win32 {
 
@@ -27,17 +25,12 @@ class PictureBoxWindow final : public WindowPeer<controls::Peer> {
   RECT PixelBounds() const override { return SizedBounds(); }
 };
 
-struct ThemeCloser {
-  void operator()(HTHEME theme) const { CloseThemeData(theme); }
-};
-using ThemeHandle = std::unique_ptr<std::remove_pointer_t<HTHEME>, ThemeCloser>;
-
 // Draws its border itself: a group box as a child would cover what lies inside it.
 class FrameWindow final : public WindowPeer<controls::Peer> {
  public:
   FrameWindow(WindowContext& context, controls::Frame& frame, HWND parent)
       : WindowPeer(context, frame), m_frame(frame) {
-    Create(parent, kContainerClass, Wide(frame.Caption()), kContainerStyle, WS_EX_CONTROLPARENT);
+    Create(parent, kContainerClass, WideShown(frame.Caption()), kContainerStyle, WS_EX_CONTROLPARENT);
   }
   bool TakesFocus() const override { return false; }
 
@@ -63,7 +56,7 @@ class FrameWindow final : public WindowPeer<controls::Peer> {
  protected:
   void OnFlush(unsigned flags) override {
     WindowPeer::OnFlush(flags);
-    if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), Wide(m_frame.Caption()).c_str());
+    if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), WideShown(m_frame.Caption()).c_str());
     if ((flags & (kCaptionFlag | kEnabledFlag)) != 0) InvalidateRect(Handle(), nullptr, TRUE);
   }
 
@@ -75,7 +68,7 @@ class FrameWindow final : public WindowPeer<controls::Peer> {
     SelectObject(dc, OwnFont());
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, GetSysColor(m_frame.Enabled() ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
-    const std::wstring caption = Wide(m_frame.Caption());
+    const std::wstring caption = WideShown(m_frame.Caption());
     const bool hideCues = (SendMessageW(Handle(), WM_QUERYUISTATE, 0, 0) & UISF_HIDEACCEL) != 0;
     const UINT format = DT_SINGLELINE | (hideCues ? DT_HIDEPREFIX : 0);
     RECT border{};

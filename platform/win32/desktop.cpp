@@ -118,8 +118,8 @@ int Win32Desktop::MessageBox(const std::string& text, int style, const std::stri
     owner = m_modal->window->Handle();
   }
   const UINT flags = static_cast<UINT>(style) | (owner == nullptr ? MB_TASKMODAL | MB_SETFOREGROUND : 0U);
-  const int answer =
-      MessageBoxW(owner, Wide(text).c_str(), Wide(title.empty() ? kTitle : title).c_str(), flags);
+  const int answer = MessageBoxW(owner, WideShownLines(text).c_str(),
+                                 WideShown(title.empty() ? kTitle : title).c_str(), flags);
   m_lastPending = GetTickCount();
   return answer;
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "base/error.h"
-#include "platform/win32/icons.h"
 #include "platform/win32/make_windows.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/window_classes.h"
@@ -47,8 +46,8 @@ FormWindow::FormWindow(WindowContext& context, controls::Form& form, HWND host)
     : WindowPeer(context, form), m_form(form), m_keys(context, form) {
   {
     const ActivationScope scope(context.ActivationContext());
-    const HWND handle = CreateWindowExW(kExStyle, kFormClass, Wide(form.Caption()).c_str(), kStyle, 0, 0, 0,
-                                        0, nullptr, nullptr, context.Module(), nullptr);
+    const HWND handle = CreateWindowExW(kExStyle, kFormClass, WideShown(form.Caption()).c_str(), kStyle, 0, 0,
+                                        0, 0, nullptr, nullptr, context.Module(), nullptr);
     if (handle == nullptr) {
       throw Error(static_cast<int>(GetLastError()), "The window of " + form.Name() + " cannot be made",
                   "KXRestore");
@@ -153,7 +152,7 @@ void FormWindow::Changed(controls::Property property) {
 
 void FormWindow::OnFlush(unsigned flags) {
   if ((flags & kEnabledFlag) != 0) EnableWindow(Handle(), m_form.Enabled());
-  if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), Wide(m_form.Caption()).c_str());
+  if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), WideShown(m_form.Caption()).c_str());
   if ((flags & kAppearanceFlag) != 0) {
     ShowIcon();
     const auto state = m_form.WindowState();
@@ -234,7 +233,7 @@ void FormWindow::ShowIcon() {
       icon.reset(static_cast<HICON>(
           LoadImageW(nullptr, Wide(m_form.IconPath()).c_str(), IMAGE_ICON, pixels, pixels, LR_LOADFROMFILE)));
     }
-    return icon ? std::move(icon) : IconHandle(MakeFormIcon(pixels));
+    return icon ? std::move(icon) : LoadFormIcon(Context().Module(), pixels);
   };
   IconHandle small = load(SM_CXSMICON);
   IconHandle large = load(SM_CXICON);

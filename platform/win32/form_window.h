@@ -4,13 +4,9 @@
 #include "controls/form.h"
 #include "platform/win32/control_window.h"
 #include "platform/win32/form_keys.h"
+#include "platform/win32/icons.h"
 
 namespace kxrestore::win32 {
-
-struct IconDeleter {
-  void operator()(HICON icon) const { DestroyIcon(icon); }
-};
-using IconHandle = std::unique_ptr<std::remove_pointer_t<HICON>, IconDeleter>;
 
 class FormWindow final : public WindowPeer<controls::Peer> {
  public:

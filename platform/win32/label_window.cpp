@@ -16,7 +16,7 @@ class LabelWindow final : public WindowPeer<controls::Peer> {
   LabelWindow(WindowContext& context, controls::Label& label, HWND parent)
       : WindowPeer(context, label), m_label(label) {
     // SS_NOTIFY lets the label see the pointer.
-    Create(parent, WC_STATICW, Wide(label.Caption()), SS_NOTIFY | Style());
+    Create(parent, WC_STATICW, WideShownLines(label.Caption()), SS_NOTIFY | Style());
     Measure();
   }
   bool TakesFocus() const override { return false; }
@@ -49,7 +49,7 @@ class LabelWindow final : public WindowPeer<controls::Peer> {
       SendMessageW(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(OwnFont()), FALSE);
     }
     if ((flags & (kCaptionFlag | kGeometryFlag | kAppearanceFlag)) != 0) Measure();
-    if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), Wide(m_label.Caption()).c_str());
+    if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), WideShownLines(m_label.Caption()).c_str());
     // Text that is aligned or broken by the width must not be copied along.
     if ((flags & (kGeometryFlag | kAppearanceFlag)) != 0 || m_cut) InvalidateRect(Handle(), nullptr, TRUE);
   }
@@ -75,7 +75,7 @@ class LabelWindow final : public WindowPeer<controls::Peer> {
     const HGDIOBJ before = SelectObject(dc, OwnFont());
     format |= DT_WORDBREAK | DT_EXPANDTABS | (m_label.RightAligned() ? DT_RIGHT : DT_LEFT) |
               (m_label.UseMnemonic() ? 0U : UINT{DT_NOPREFIX});
-    const std::wstring text = Wide(m_label.Caption());
+    const std::wstring text = WideShownLines(m_label.Caption());
     DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &area, format);
     SelectObject(dc, before);
   }

@@ -128,7 +128,7 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     }
     if ((item.mask & LVIF_IMAGE) != 0) item.iImage = I_IMAGENONE;
     if ((item.mask & LVIF_TEXT) != 0 && item.pszText != nullptr && item.cchTextMax > 0) {
-      std::wstring text = exists ? Wide(TextOf(m_list.At(number), item.iSubItem)) : std::wstring();
+      std::wstring text = exists ? WideShown(TextOf(m_list.At(number), item.iSubItem)) : std::wstring();
       // Right-aligned text may lose the last column of its last digit to the column's edge.
       if (m_columns.IsRightAligned(item.iSubItem)) text += L' ';
       lstrcpynW(item.pszText, text.c_str(), item.cchTextMax);

@@ -2,7 +2,9 @@
 
 #include <cstring>
 #include <iterator>
+#include <string>
 
+#include "base/shown_text.h"
 #include "base/text.h"
 
 namespace kxrestore::win32 {
@@ -22,7 +24,8 @@ void NativeTree::Attach(HWND window) {
 
 wchar_t* NativeTree::WideText(std::string_view text) {
   constexpr std::size_t kLongest = MAX_PATH - 1;  // a tree control shows no more
-  if (text.size() > kLongest) text = LeftCharacters(text, kLongest);
+  const std::string shown = Shown(text.size() > kLongest ? LeftCharacters(text, kLongest) : text);
+  text = shown.size() > kLongest ? LeftCharacters(shown, kLongest) : shown;
   const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), m_text,
                                          static_cast<int>(std::size(m_text)) - 1);
   m_text[length] = L'\0';

@@ -49,7 +49,7 @@ class TabWindow final : public WindowPeer<controls::Peer> {
     SendMessageW(Handle(), TCM_DELETEALLITEMS, 0, 0);
     int index = 0;
     for (const auto& tab : m_tabs.Tabs()) {
-      std::wstring caption = Wide(tab.caption);
+      std::wstring caption = WideShown(tab.caption);
       TCITEMW item{TCIF_TEXT};
       item.pszText = caption.data();
       SendMessageW(Handle(), TCM_INSERTITEMW, index++, reinterpret_cast<LPARAM>(&item));

@@ -10,15 +10,12 @@ void CheckBoxes::MakeImages(int pixels) {
     // The style tells others that there are boxes; the images that come with it are not used.
     SetWindowLongPtrW(window, GWL_STYLE, style | TVS_CHECKBOXES);
   }
-  ImageListHandle images = MakeCheckBoxList(pixels);
-  if (const HICON blank = ImageList_GetIcon(images.get(), 0, ILD_NORMAL)) {
-    ImageList_ReplaceIcon(images.get(), -1, blank);
-    DestroyIcon(blank);
-  }
+  ImageListHandle images = MakeBlankList(kBlank + 1, pixels);
   const auto before = reinterpret_cast<HIMAGELIST>(
       m_native.Send(TVM_SETIMAGELIST, TVSIL_STATE, reinterpret_cast<LPARAM>(images.get())));
   if (before != nullptr && before != m_images.get()) ImageList_Destroy(before);
   m_images = std::move(images);
+  ThemeChanged();
   m_pixels = pixels;
   m_beforeText = 0;
 }
@@ -41,9 +38,23 @@ void CheckBoxes::Draw(const NMCUSTOMDRAW& draw, bool checked) {
   if (!m_shown || !m_native.TextBounds(reinterpret_cast<HTREEITEM>(draw.dwItemSpec), text)) return;
   const RECT row{draw.rc.left, text.top, draw.rc.right, text.bottom};
   if (m_beforeText == 0 && !FindPlace(row, text)) return;
-  const int top = row.top + (row.bottom - row.top - m_pixels) / 2;
-  ImageList_Draw(m_images.get(), checked ? kTicked : kClear, draw.hdc, text.left - m_beforeText, top,
-                 ILD_NORMAL);
+  // A check box takes 13 of 16 parts of an image, in its middle.
+  const int side = m_pixels * 13 / 16;
+  RECT box{};
+  box.left = text.left - m_beforeText + (m_pixels - side) / 2;
+  box.top = row.top + (row.bottom - row.top - side) / 2;
+  box.right = box.left + side;
+  box.bottom = box.top + side;
+  // Not opened for the window: the tree control would take it for its own theme, and draw radio buttons where
+  // nodes expand.
+  if (!m_theme) m_theme.emplace(OpenThemeData(nullptr, L"BUTTON"));
+  if (*m_theme) {
+    DrawThemeBackground(m_theme->get(), draw.hdc, BP_CHECKBOX,
+                        checked ? CBS_CHECKEDNORMAL : CBS_UNCHECKEDNORMAL, &box, nullptr);
+  } else {
+    DrawFrameControl(draw.hdc, &box, DFC_BUTTON,
+                     DFCS_BUTTONCHECK | DFCS_FLAT | (checked ? DFCS_CHECKED : 0U));
+  }
 }
 
 }  // namespace kxrestore::win32

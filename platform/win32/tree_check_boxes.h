@@ -1,9 +1,12 @@
 // The check boxes of a tree. Every item has the same blank state image, which keeps the place; the box is
-// drawn over it when the item has been painted.
+// drawn over it when the item has been painted, by the system's theme where there is one.
 #pragma once
+
+#include <optional>
 
 #include "platform/win32/icons.h"
 #include "platform/win32/native_tree.h"
+#include "platform/win32/theme.h"
 
 namespace kxrestore::win32 {
 
@@ -19,6 +22,7 @@ class CheckBoxes {
   UINT ItemState() const { return m_shown ? INDEXTOSTATEIMAGEMASK(kBlank) : 0; }
 
   void MakeImages(int pixels);
+  void ThemeChanged() { m_theme.reset(); }
   void Draw(const NMCUSTOMDRAW& draw, bool checked);
 
  private:
@@ -31,6 +35,7 @@ class CheckBoxes {
   int m_pixels = 0;
   int m_beforeText = 0;  // from the left edge of the box to that of the text; 0: not known
   ImageListHandle m_images;
+  std::optional<ThemeHandle> m_theme;  // looked for once, since that takes long where there is none
 };
 
 }  // namespace kxrestore::win32

@@ -37,7 +37,7 @@ void TreeItems::Mark(std::uint32_t node, unsigned flags) {
 
 void TreeItems::MarkOpened(std::uint32_t node) {
   Mark(node, kOpened);
-  Mark(static_cast<std::uint32_t>(At(node).Parent().Index()), kHoldsOpened);
+  Mark(At(node).Parent().Index(), kHoldsOpened);
   m_opened.push_back(node);
 }
 
@@ -49,18 +49,18 @@ std::uint32_t TreeItems::NodeOf(HTREEITEM item) const {
 // --- what the model tells
 
 void TreeItems::NodeAdded(std::uint32_t node) {
-  const auto parent = static_cast<std::uint32_t>(At(node).Parent().Index());
+  const auto parent = At(node).Parent().Index();
   if (!Has(parent, kOpened)) return;
   if (m_rests.try_emplace(parent, Rest{node, 0}).second) m_grown.push_back(parent);
 }
 
 void TreeItems::NodeRemoved(std::uint32_t node) {
   m_anchor = 0;
-  const auto parent = static_cast<std::uint32_t>(At(node).Parent().Index());
+  const auto parent = At(node).Parent().Index();
   if (const auto rest = m_rests.find(parent); rest != m_rests.end()) {
     if (rest->second.last == node) m_grown.push_back(parent);
     if (rest->second.next == node) {
-      rest->second.next = static_cast<std::uint32_t>(At(node).Next().Index());
+      rest->second.next = At(node).Next().Index();
       if (rest->second.next == 0) m_rests.erase(rest);
     }
   }
@@ -119,7 +119,7 @@ void TreeItems::Forget(std::uint32_t anchor) {
 
   Mark(0, kOpened);
   if (const Node root = m_tree.FirstRoot()) {
-    m_rests[0] = {static_cast<std::uint32_t>(root.Index()), 0};
+    m_rests[0] = {root.Index(), 0};
     m_grown.push_back(0);
   }
 }
@@ -147,7 +147,7 @@ void TreeItems::Painted(std::uint32_t node) {
   for (;;) {
     if (Has(node, kFilesMissing)) QueueNear(node);
     if (node == 0) return;
-    const auto parent = static_cast<std::uint32_t>(At(node).Parent().Index());
+    const auto parent = At(node).Parent().Index();
     if (!m_rests.empty()) {
       const auto rest = m_rests.find(parent);
       if (rest != m_rests.end() && rest->second.last == node) QueueNear(parent);
@@ -159,8 +159,7 @@ void TreeItems::Painted(std::uint32_t node) {
 HTREEITEM TreeItems::Reach(std::uint32_t node) {
   if (const HTREEITEM item = ItemOf(node)) return item;
   std::vector<std::uint32_t> path;
-  for (Node step = At(node); step; step = step.Parent())
-    path.push_back(static_cast<std::uint32_t>(step.Index()));
+  for (Node step = At(node); step; step = step.Parent()) path.push_back(step.Index());
   const NativeTree::Pause pause(m_native);
   std::uint32_t parent = 0;
   for (; !path.empty(); path.pop_back()) {
@@ -183,7 +182,7 @@ HTREEITEM TreeItems::Reach(std::uint32_t node) {
 
 HTREEITEM TreeItems::NearestShown(std::uint32_t node) const {
   for (Node above = At(node).Parent(); above; above = above.Parent()) {
-    if (!above.Expanded()) node = static_cast<std::uint32_t>(above.Index());
+    if (!above.Expanded()) node = above.Index();
   }
   return ItemOf(node);
 }

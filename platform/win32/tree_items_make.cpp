@@ -35,7 +35,7 @@ void TreeItems::OpenFolders(std::uint32_t node) {
   std::uint32_t seen = 0, last = 0;
   Node child = FirstChild(node);
   for (; child && seen < kFirstPiece; child = child.Next(), ++seen) {
-    last = static_cast<std::uint32_t>(child.Index());
+    last = child.Index();
     if (!child.HasChildren()) {
       Mark(node, kFilesMissing);
       continue;
@@ -43,7 +43,7 @@ void TreeItems::OpenFolders(std::uint32_t node) {
     MakeItem(last, ParentItem(node), TVI_LAST);
     if (WantsOpening(last)) m_ahead.push_back(last);
   }
-  if (child) m_rests[node] = {static_cast<std::uint32_t>(child.Index()), last};
+  if (child) m_rests[node] = {child.Index(), last};
 }
 
 // Each run of files goes behind the folder before it, the last one first: so nothing but folders is looked
@@ -58,7 +58,7 @@ void TreeItems::MakeFiles(std::uint32_t node) {
   };
   m_run.clear();
   for (Node child = FirstChild(node); child; child = child.Next()) {
-    const auto index = static_cast<std::uint32_t>(child.Index());
+    const auto index = child.Index();
     if (index == end) break;
     if (const HTREEITEM item = ItemOf(index)) {
       makeRun();
@@ -76,14 +76,14 @@ void TreeItems::MakeRest(std::uint32_t node, std::uint32_t most, Clock::time_poi
   if (rest == m_rests.end()) return;
   Node child = At(rest->second.next);
   for (std::uint32_t made = 0; child && made < most; child = child.Next()) {
-    const auto index = static_cast<std::uint32_t>(child.Index());
+    const auto index = child.Index();
     MakeItem(index, ParentItem(node), TVI_LAST);
     rest->second.last = index;
     if (WantsOpening(index)) m_ahead.push_back(index);
     if (++made % 64 == 0 && made >= kLeastPiece && Clock::now() >= until) most = made;
   }
   if (child) {
-    rest->second.next = static_cast<std::uint32_t>(child.Index());
+    rest->second.next = child.Index();
   } else {
     m_rests.erase(rest);
   }
@@ -93,7 +93,7 @@ void TreeItems::OpenPiece(std::uint32_t node, Clock::time_point until) {
   const Node child = FirstChild(node);
   if (!child) return;
   MarkOpened(node);
-  m_rests[node] = {static_cast<std::uint32_t>(child.Index()), 0};
+  m_rests[node] = {child.Index(), 0};
   MakeRest(node, kFirstPiece, until);
 }
 

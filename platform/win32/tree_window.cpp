@@ -53,7 +53,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     Context().Guarded([&] {
       m_items.NodeAdded(node);
       if (m_items.HasWork(!Frozen())) Later(kWorkFlag);
-      const auto parent = static_cast<std::uint32_t>(At(node).Parent().Index());
+      const auto parent = At(node).Parent().Index();
       if (m_items.ItemOf(parent) != nullptr) Later(kRepaintFlag);  // its button
     });
   }
@@ -143,6 +143,9 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
         m_selecting = was;
         return result;
       }
+      case WM_THEMECHANGED:
+        m_checkBoxes.ThemeChanged();
+        return std::nullopt;
       case WM_PAINT:
         if (!m_native.Paused()) return std::nullopt;
         if (m_items.Emptying()) {
@@ -211,7 +214,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     const int pixels = MulDiv(kImagePixels, Context().Dpi(), USER_DEFAULT_SCREEN_DPI);
     m_checkBoxes.MakeImages(pixels);
     if (m_tree.Images() == nullptr) return;
-    ImageListHandle images = MakeImageList(*m_tree.Images(), pixels);
+    ImageListHandle images = MakeImageList(Context().Module(), *m_tree.Images(), pixels);
     m_native.Send(TVM_SETIMAGELIST, TVSIL_NORMAL, reinterpret_cast<LPARAM>(images.get()));
     m_images = std::move(images);
   }
@@ -374,16 +377,16 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     if (Frozen() || m_items.HasWork(true)) return;
     const Node selected = m_tree.SelectedItem();
     if (const auto anchor = m_items.TakeRebuilt()) {
-      if (selected && !m_selectionChanged) Select(m_items.NearestShown(Number(selected)));
+      if (selected && !m_selectionChanged) Select(m_items.NearestShown(selected.Index()));
       if (*anchor != 0) ScrollTo(*anchor);
     }
     if (!std::exchange(m_selectionChanged, false)) return;
-    const HTREEITEM item = selected ? m_items.Reach(Number(selected)) : nullptr;
+    const HTREEITEM item = selected ? m_items.Reach(selected.Index()) : nullptr;
     Select(item);
     if (item == nullptr) return;
     // The control has opened what hid it.
     for (Node above = selected.Parent(); above; above = above.Parent()) {
-      if (!above.Expanded()) Report(kExpansion, Number(above), true);
+      if (!above.Expanded()) Report(kExpansion, above.Index(), true);
     }
   }
 
@@ -397,8 +400,6 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   void ScrollTo(std::uint32_t node) {
     if (const HTREEITEM item = m_items.NearestShown(node)) m_native.ScrollTo(item);
   }
-
-  static std::uint32_t Number(const Node& node) { return static_cast<std::uint32_t>(node.Index()); }
 
   // Tells screen readers.
   void Announce(std::uint32_t node) {

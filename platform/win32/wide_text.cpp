@@ -1,5 +1,6 @@
 #include "platform/win32/wide_text.h"
 
+#include "base/shown_text.h"
 #include "base/utf16.h"
 #include "platform/win32/win32.h"
 
@@ -11,6 +12,14 @@ std::wstring Wide(std::string_view utf8) {
 
 std::string Narrow(std::wstring_view utf16) {
   return FromWide(utf16);
+}
+
+std::wstring WideShown(std::string_view utf8) {
+  return Wide(Shown(utf8));
+}
+
+std::wstring WideShownLines(std::string_view utf8) {
+  return Wide(ShownLines(utf8));
 }
 
 std::string ToAnsi(std::string_view utf8) {

@@ -10,6 +10,10 @@ namespace kxrestore::win32 {
 std::wstring Wide(std::string_view utf8);
 std::string Narrow(std::wstring_view utf16);
 
+// What is drawn of a text: see Shown and ShownLines in base/text.h.
+std::wstring WideShown(std::string_view utf8);
+std::wstring WideShownLines(std::string_view utf8);
+
 std::string ToAnsi(std::string_view utf8);
 std::string FromAnsi(std::string_view ansi);
 

@@ -162,7 +162,7 @@ void WindowContext::SetToolTip(HWND window, const std::string& text) {
     SendMessageW(m_toolTips, TTM_SETDELAYTIME, TTDT_AUTOPOP, kToolTipMilliseconds);
   }
   SendMessageW(m_toolTips, TTM_SETMAXTIPWIDTH, 0, ToPixels(kToolTipWidth));
-  std::wstring wide = Wide(text);
+  std::wstring wide = WideShownLines(text);
   TTTOOLINFOW tool{TTTOOLINFOW_V1_SIZE};
   tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
   tool.hwnd = m_form;

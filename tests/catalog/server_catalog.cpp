@@ -23,14 +23,14 @@ std::string ConnectTo(const std::string& database) {
 
 ServerCatalog::ServerCatalog(const std::function<void(sample::CatalogSink&)>& fill)
     : m_name("kx_catalog_" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count())) {
-  Session(ConnectTo("postgres"), false, nullptr).Ask("CREATE DATABASE " + m_name);
-  Session(Connect(), false, nullptr).RunSchemaChange({kServerTables});
+  Session(ConnectTo("postgres")).Ask("CREATE DATABASE " + m_name);
+  Session(Connect()).RunSchemaChange({kServerTables});
   sample::FillServerCatalog(Connect(), fill);
 }
 
 ServerCatalog::~ServerCatalog() {
   try {
-    Session(ConnectTo("postgres"), false, nullptr).Ask("DROP DATABASE " + m_name + " WITH (FORCE)");
+    Session(ConnectTo("postgres")).Ask("DROP DATABASE " + m_name + " WITH (FORCE)");
   } catch (const Error&) {  // it goes with its server
   }
 }
@@ -56,12 +56,12 @@ std::string ServerCatalog::Connect() const {
 }
 
 void ServerCatalog::Execute(const std::string& sql) {
-  Session(Connect(), false, nullptr).Ask(sql);
+  Session(Connect()).Ask(sql);
 }
 
 std::set<std::int64_t> ServerCatalog::Marked() {
   std::set<std::int64_t> ids;
-  for (const auto& row : Session(Connect(), false, nullptr).Ask("SELECT ID FROM Catalog WHERE Restore")) {
+  for (const auto& row : Session(Connect()).Ask("SELECT ID FROM Catalog WHERE Restore")) {
     ids.insert(std::stoll(row.front()));
   }
   return ids;

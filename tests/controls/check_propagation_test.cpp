@@ -20,7 +20,7 @@ class CheckPropagationTest : public ::testing::Test {
   }
   std::string Checked() const {
     std::string texts;
-    for (int index = 1; index <= static_cast<int>(tree.Count()); ++index) {
+    for (std::uint32_t index = 1; index <= tree.Count(); ++index) {
       if (tree.Item(index).Checked()) texts += std::string(tree.Item(index).Text()) + " ";
     }
     return texts;
@@ -74,7 +74,7 @@ TEST_F(CheckPropagationTest, ParentsAreSetBeforeTheirChildrenInTreeOrder) {
   root.SetChecked(true);
   CheckChildren(root);
   std::string order;
-  for (const auto& [node, property] : log.nodesChanged) order += tree.Item(static_cast<int>(node)).Text()[0];
+  for (const auto& [node, property] : log.nodesChanged) order += tree.Item(node).Text()[0];
   EXPECT_EQ("CDRabc", order);
 }
 

@@ -78,6 +78,13 @@ TEST_P(SplitBarTest, OnlyTheBarMovesUntilItIsDropped) {
   EXPECT_EQ(22, GetParam().vertical ? after.Height() : after.Width());
 }
 
+TEST_P(SplitBarTest, ADropLaysOutEvenWithoutADrag) {
+  Put(Bar(), 1200, 60);
+  Bar().UserMouseUp();
+  EXPECT_EQ(1200, Extent(before));
+  EXPECT_EQ(1260, At(after));
+}
+
 TEST_P(SplitBarTest, NothingHappensWithoutTheLeftButtonAlone) {
   for (const int buttons : {0, 2, 3, 4, 5}) Drag(100, buttons);
   Bar().SetEnabled(false);

@@ -60,7 +60,7 @@ TEST_F(TreeViewTest, KeepsItsOrderAndItsIndexesWhileBranchesGo) {
   EXPECT_FALSE(tree.Find("leaf"));
   EXPECT_FALSE(tree.SelectedItem());
   const Node a4 = tree.Add(a, "", "a4");
-  EXPECT_EQ(8, a4.Index());
+  EXPECT_EQ(8u, a4.Index());
   tree.Remove(a1);
   EXPECT_EQ(a3, a.Child());
   tree.Remove(a4);
@@ -191,7 +191,7 @@ TEST_F(TreeViewTest, TellsThePeerOfChangesAndTheFormOfTheUser) {
 
 TEST_F(TreeViewTest, FindsEveryKeyWhileBranchesComeAndGo) {
   std::mt19937 random(7);
-  std::map<std::string, int> expected;
+  std::map<std::string, std::uint32_t> expected;
   for (int round = 0; round < 20000; ++round) {
     const std::string key = "key" + std::to_string(random() % 3000);
     const auto known = expected.find(key);
@@ -206,7 +206,7 @@ TEST_F(TreeViewTest, FindsEveryKeyWhileBranchesComeAndGo) {
     }
   }
   EXPECT_EQ(expected.size(), tree.Count());
-  std::set<int> living, linked;
+  std::set<std::uint32_t> living, linked;
   for (const auto& [key, index] : expected) {
     living.insert(index);
     EXPECT_EQ(index, tree.Find(key).Index());

@@ -1,15 +1,16 @@
 // The auto-select tab, driven through its controls, and what its chooser lists.
 #include "dialog/auto_select.h"
 
+#include "catalog/type_census.h"
 #include "dialog/restore_list.h"
-#include "dialog/type_census.h"
+#include "dialog/type_list.h"
 #include "tests/dialog/dialog_fixture.h"
 
 namespace kxrestore::dialog_test {
 namespace {
 
 TEST(TypeCensus, ListsTheMostFrequentTypesFirstBelowTheirGroups) {
-  dialog::TypeCensus census;
+  catalog::TypeCensus census;
   for (const char* name : {"C:\\a.DOC", "C:\\b.doc", "C:\\c.Doc", "C:\\d.pdf", "C:\\e.xls", "C:\\f.xls",
                            "C:\\x.zzz", "C:\\noext", "C:\\dir.ext\\noext", "C:\\ends.", "C:\\p.\xC3\x84y",
                            "C:\\q.\xC3\xA4y", "", "mail.tar.gz"}) {
@@ -17,17 +18,22 @@ TEST(TypeCensus, ListsTheMostFrequentTypesFirstBelowTheirGroups) {
   }
   census.Count(".GZ", 4);
   AutoSelect list("asFiles", nullptr, AutoSelect::Style::kTypes);
-  census.List(list);
+  dialog::ListTypes(census, list);
   Strings rows;
   for (std::size_t number = 1; number <= list.Count(); ++number) {
     const auto entry = list.At(number);
     rows.push_back((entry.isGroup ? "- " : "") + std::string(entry.name) + " " + std::to_string(entry.size));
   }
-  EXPECT_EQ(rows, (Strings{"- Documents 6", "- Archives 5", ".gz 5", ".doc 3", ".xls 2", ".\xC3\xA4y 2",
+  EXPECT_EQ(rows, (Strings{"- Documents 6", "- Archives 5", ".gz 5", ".doc 3", ".\xC3\xA4y 2", ".xls 2",
                            ".pdf 1", ".zzz 1"}));
   EXPECT_EQ(list.At(4).extension, "Text document");
   list.SetTicked(1, true);
   EXPECT_EQ(list.TickedTypes(), ".doc;.xls;.pdf;");
+}
+
+TEST(TypeCensus, EachTypeEndsInASemicolon) {
+  EXPECT_EQ(catalog::PatternsOf(".doc;x;;.xls"), (Strings{"*.doc", "*x", "*"}));
+  EXPECT_EQ(catalog::PatternsOf(""), Strings{});
 }
 
 class AutoSelectTab : public DialogTest {
@@ -46,6 +52,7 @@ class AutoSelectTab : public DialogTest {
 
 TEST_F(AutoSelectTab, TheChooserIsFilledOnceUnlessThatWasStoppedOrFailed) {
   MakeCatalog({Live(1, "C:\\a.doc"), Live(2, "C:\\b.xls"), Dead(Live(3, "C:\\c.zip"))});
+  ui();
   desktop.onDoEvents = [&] {
     Escape();
     desktop.onDoEvents = nullptr;
@@ -125,10 +132,11 @@ TEST_F(AutoSelectTab, OddTypesMarkJustTheirFilesInTheChosenRuns) {
 TEST_F(AutoSelectTab, StoppingAndFailingKeepTheMarksThatAreMade) {
   LoadTypes({Live(1, "C:\\a.doc"), Live(2, "C:\\b.doc"), Live(3, "C:\\c.doc"), Live(4, "C:\\d.xls")});
   Tick(Types(), "Documents");
+  ui().asRestoreList.Add({});
   EscapeAt(3);
   ApplyTypes();
   EXPECT_EQ(catalog->Marked().size(), 3u) << "pending messages run after each row";
-  EXPECT_EQ(ui().asRestoreList.Count(), 0u) << "nothing is listed after a stop";
+  EXPECT_EQ(ui().asRestoreList.Count(), 1u) << "a stop leaves the list as it was";
 
   catalog->Execute(
       "UPDATE Catalog SET Restore = 0; CREATE TRIGGER Refuse BEFORE UPDATE ON Catalog WHEN old.ID = 2 BEGIN "

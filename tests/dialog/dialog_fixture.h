@@ -193,9 +193,10 @@ class DialogTest : public testing::Test {
 
   // Runs `body` in the pending messages of the `item`th item of the next walk, once.
   void DuringWalk(std::size_t item, std::function<void()> body) {
-    desktop.doEventsCount = 0;
-    desktop.onDoEvents = [this, item, body = std::move(body)] {
-      if (desktop.doEventsCount == item) body();
+    desktop.walkItems = 0;
+    desktop.onDoEvents = [this, item, body = std::move(body), done = false]() mutable {
+      if (desktop.engineWorks || desktop.walkItems != item || std::exchange(done, true)) return;
+      body();
     };
   }
   void EscapeAt(std::size_t item) {

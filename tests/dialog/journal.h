@@ -15,7 +15,10 @@ namespace kxrestore::dialog_test {
 
 class Journal {
  public:
-  void Note(std::string line) { m_lines.push_back(std::move(line)); }
+  void Note(std::string line) {
+    if (line == "flush" && !m_lines.empty() && m_lines.back() == line) return;  // nothing was left to commit
+    m_lines.push_back(std::move(line));
+  }
   bool Empty() const { return m_lines.empty(); }
   std::vector<std::string> Take() { return std::exchange(m_lines, {}); }
   // Writes the changes of all controls down from here on; those of their places only for the areas.
@@ -217,6 +220,7 @@ class JournalBackend : public engine::Backend {
     m_journal.Note("commit");
     m_backend->EndAction();
   }
+  engine::CommitCounts Commits() const override { return m_backend->Commits(); }
 
  private:
   Journal& m_journal;

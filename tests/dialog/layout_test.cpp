@@ -151,6 +151,16 @@ lblHelp: 4950 2225 1640 1287 | 8700 1565 2770 1947 | 16820 1565 2770 5891
 )--");
 }
 
+TEST_F(LayoutTest, WhatHasNoRoomStaysAsItWas) {
+  const int width = ui().picTabs.Width();
+  ui().picTop.SetWidth(1000);
+  EXPECT_EQ(ui().picTabs.Width(), width);
+  ui().lblTreeCount.SetVisible(false);
+  Resize(12000, 9000);
+  EXPECT_EQ(ui().picTop.Width(), 8730);
+  EXPECT_TRUE(ui().lblTreeCount.Visible()) << "shown by every resize of its panel";
+}
+
 TEST_F(LayoutTest, NothingOverlapsOrLeavesItsContainerAtAnySize) {
   std::mt19937 random(4);
   const auto upTo = [&](int most) { return static_cast<int>(random() % static_cast<unsigned>(most)); };

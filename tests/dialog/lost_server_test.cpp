@@ -30,10 +30,8 @@ class LostServer : public DialogTest {
     }
     rows.push_back(Row(kFiles + 1, 2, "001", "D:\\other.txt"));
     m_server.emplace([&](sample::CatalogSink& sink) { catalog_test::AddRows(sink, rows, Runs()); });
-    m_administrator.emplace(
-        engine::testing::ServerConnect("postgres", engine::testing::ServerSetting("KX_TEST_ADMIN"),
-                                       ServerCatalog::Password()),
-        false, nullptr);
+    m_administrator.emplace(engine::testing::ServerConnect(
+        "postgres", engine::testing::ServerSetting("KX_TEST_ADMIN"), ServerCatalog::Password()));
     m_role = m_server->Database() + "_user";
     Administrate("CREATE ROLE " + m_role + " LOGIN IN ROLE " + ServerCatalog::User() + " PASSWORD '" +
                  kPassword + "'");

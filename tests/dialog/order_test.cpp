@@ -44,15 +44,30 @@ constexpr std::pair<std::string_view, std::string_view> kStatements[] = {
      "Catalog.SetNameID WHERE (((Catalog.Restore)=True));",
      "of the marked"},
     {"UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));", "clear all"},
+    // Steps that belong together wherever they are taken.
+    {"open catalog\nsnapshot of the marked\nasRestoreList frozen\nasRestoreList cleared\n", "LIST\n"},
+    {"close rows\nclose catalog\nasRestoreList thawed\n", "LISTED\n"},
+    {"tbsOptions value\ntbsOptions frozen\npicTabs frozen\n", "TAB\n"},
+    {"picTabs thawed\ntbsOptions thawed\ncommit\n", ""},
+    {"lblMask to front\ncboMask to front\nchk(1) to front\n", "SEARCH to front\n"},
+    {"lblRestorePath to front\npicCounts to front\n", "LOWER to front\n"},
+    {"flush\nbox 36 \"Clear Selection?\" \"You have selected files to restore, Cancel will clear your "
+     "selections, "
+     "Cancel?\"\n",
+     "QUESTION\n"},
 };
 
 class OrderTest : public JournalHolder, public DialogTest {
  protected:
   OrderTest() : DialogTest(JournaledWorkspace()) {
     MakeCatalog(
-        {Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.docx"), Row(3, 2, "001", "C:\\c.txt")});
+        {Row(1, 1, "003", "C:\\d\\a.doc"), Row(2, 1, "003", "C:\\d\\b.docx"), Row(3, 2, "001", "C:\\c.txt")});
     desktop.onMessage = [this](const auto& box) {
-      journal.Note("box " + std::to_string(box.style) + " \"" + box.title + "\" \"" + box.text + "\"");
+      std::string text = box.text;
+      if (const auto path = text.find(catalog->Path()); path != std::string::npos) {
+        text.replace(path, catalog->Path().size(), "the catalog");
+      }
+      journal.Note("box " + std::to_string(box.style) + " \"" + box.title + "\" \"" + text + "\"");
     };
     form.CommenceRestore = [this] { journal.Note("CommenceRestore"); };
     form.CancelRestore = [this] { journal.Note("CancelRestore"); };
@@ -62,7 +77,9 @@ class OrderTest : public JournalHolder, public DialogTest {
   // Starts to write down what the shown form does.
   void Watch() {
     journal.Watch(ui());
-    desktop.onDoEvents = [this] { journal.Note("events"); };
+    desktop.onDoEvents = [this] {
+      if (!desktop.engineWorks) journal.Note("events");
+    };
     journal.Take();
   }
   std::string WrittenDown() {
@@ -107,19 +124,15 @@ picTop at 0 0 8810 3396
 tvwSets at 0 470 1300 2926
 SplitV at 1300 470 60 2926
 picTabs at 1360 360 7360 2976
-lblMask to front
-cboMask to front
-chk(1) to front
+SEARCH to front
 frLookin(1) to front
 picTopButtons at 8840 110 2830 1455
 picTopButtons to front
 splitH at 0 3396 8810 60
 picBottom at 0 3576 11640 4914
-lblRestorePath to front
-picCounts to front
+LOWER to front
 picBottom at 0 3456 11640 5034
-lblRestorePath to front
-picCounts to front
+LOWER to front
 picBottom refreshed
 tvwSets at 60 360 3200 2926
 tvwSets refreshed
@@ -129,16 +142,13 @@ picTop at 0 0 8610 3396
 tvwSets at 60 470 3200 2926
 SplitV at 3260 470 60 2926
 picTabs at 3320 360 5200 2976
-lblMask to front
-cboMask to front
-chk(1) to front
+SEARCH to front
 frLookin(1) to front
 picTopButtons at 8640 110 2830 1455
 picTopButtons to front
 picTopButtons to front
 picBottom at 0 3512 11640 4944
-lblRestorePath to front
-picCounts to front
+LOWER to front
 splitH at 0 3396 8610 60
 picBottom refreshed
 picTop refreshed
@@ -175,21 +185,12 @@ TEST_F(OrderTest, SwitchingTabsAndMinimizing) {
   for (const int tab : {2, 3, 2, 3, 1}) ShowTab(tab);
   ui().form.UserResize(160, 30, controls::WindowState::kMinimized);
   EXPECT_EQ(WrittenDown(), R"--(
-tbsOptions value
-tbsOptions frozen
-picTabs frozen
+TAB
 panel(0) hidden
 panel(1) shown
 panel(1) to front
-lblMask to front
-cboMask to front
-chk(1) to front
-picTabs thawed
-tbsOptions thawed
-commit
-tbsOptions value
-tbsOptions frozen
-picTabs frozen
+SEARCH to front
+TAB
 panel(1) hidden
 panel(2) shown
 panel(2) to front
@@ -205,40 +206,20 @@ asFiles + Documents
 asFiles + .doc
 asFiles + .docx
 asFiles + .txt
-picTabs thawed
-tbsOptions thawed
-commit
-tbsOptions value
-tbsOptions frozen
-picTabs frozen
+TAB
 panel(1) shown
 panel(1) to front
-lblMask to front
-cboMask to front
-chk(1) to front
+SEARCH to front
 panel(2) hidden
-picTabs thawed
-tbsOptions thawed
-commit
-tbsOptions value
-tbsOptions frozen
-picTabs frozen
+TAB
 panel(1) hidden
 panel(2) shown
 panel(2) to front
-picTabs thawed
-tbsOptions thawed
-commit
-tbsOptions value
-tbsOptions frozen
-picTabs frozen
+TAB
 panel(0) shown
 panel(0) to front
 tvwDetails refreshed
 panel(2) hidden
-picTabs thawed
-tbsOptions thawed
-commit
 picBottom refreshed
 picTop refreshed
 )--");
@@ -262,6 +243,7 @@ open catalog
 snapshot of files where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Status)=2));
 events
 tvwDetails + C:\
+tvwDetails + d
 tvwDetails + a.doc
 lblTreeCount "Loading Please Wait ... (1)"
 events
@@ -273,37 +255,43 @@ tvwDetails thawed
 lblTreeCount "2 file(s)."
 commit
 )--");
-  TickAll();
-  journal.Take();
+  Tick("d");
+  EXPECT_EQ(WrittenDown(), R"--(
+tvwDetails d checked
+tvwDetails C:\ checked
+tvwDetails a.doc checked
+tvwDetails b.docx checked
+commit
+)--");
   Apply();
   EXPECT_EQ(WrittenDown(), R"--(
 events
 events
+events
 lblTreeCount "Scanning 1"
 open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\a.doc')); $
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\a.doc')); $
 row written
 events
 lblTreeCount "Scanning 2"
 open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\b.docx')); $
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
 row written
-open catalog
-snapshot of the marked
-asRestoreList frozen
-asRestoreList cleared
+flush
+LIST
 events
-asRestoreList + C:\a.doc
+asRestoreList + C:\d\a.doc
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "2 file(s) selected"
 cmdRestore(0) enabled
-close rows
-close catalog
-asRestoreList thawed
+LISTED
 lblTreeCount hidden
 commit
 )--");
+  ChooseRun();
+  EXPECT_TRUE(ui().lblTreeCount.Visible());
+  journal.Take();
   for (const char* node : {"Set 2", "Online Backups"}) ChooseNode(node);
   EXPECT_EQ(WrittenDown(), R"--(
 tvwSets 3/1/2026 8:00:00 AM (P) bold
@@ -332,27 +320,23 @@ open catalog
 frmRestore hourglass
 snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "**.doc*") AND (FullCatalog.Status = 2) );
 frmRestore arrow or icon
-events
 open catalog
 execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=1));
 events
 open catalog
 execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=2));
+events
 close rows
 close catalog
-open catalog
-snapshot of the marked
-asRestoreList frozen
-asRestoreList cleared
+flush
+LIST
 events
-asRestoreList + C:\a.doc
+asRestoreList + C:\d\a.doc
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "2 file(s) selected"
 cmdRestore(0) enabled
-close rows
-close catalog
-asRestoreList thawed
+LISTED
 commit
 )--");
 }
@@ -369,9 +353,9 @@ snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "*doc*") AN
 frmRestore arrow or icon
 asSearch cleared
 events
-asSearch + C:\a.doc
+asSearch + C:\d\a.doc
 events
-asSearch + C:\b.docx
+asSearch + C:\d\b.docx
 close rows
 close catalog
 lblCounts(0) "0 file(s) selected"
@@ -394,20 +378,16 @@ lblSearchCount "Scanning 1"
 events
 lblSearchCount "Scanning 2"
 open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\b.docx')); $
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
 row written
 lblSearchCount "2 File(s)"
-open catalog
-snapshot of the marked
-asRestoreList frozen
-asRestoreList cleared
+flush
+LIST
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "1 file(s) selected"
 cmdRestore(0) enabled
-close rows
-close catalog
-asRestoreList thawed
+LISTED
 commit
 )--");
 }
@@ -417,19 +397,15 @@ TEST_F(OrderTest, TheRestoreList) {
   catalog->Execute("UPDATE Catalog SET Restore = 1, Status = 3 WHERE ID < 3");
   Click(kRefresh);
   EXPECT_EQ(WrittenDown(), R"--(
-open catalog
-snapshot of the marked
-asRestoreList frozen
-asRestoreList cleared
+flush
+LIST
 events
-asRestoreList + C:\a.doc
+asRestoreList + C:\d\a.doc
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "2 file(s) selected"
 cmdRestore(0) enabled
-close rows
-close catalog
-asRestoreList thawed
+LISTED
 commit
 )--");
   ui().asRestoreList.UserTick(1, false);
@@ -438,19 +414,15 @@ commit
   EXPECT_EQ(WrittenDown(), R"--(
 events
 open catalog
-dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\a.doc')); $
+dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\a.doc')); $
 row written
 events
-open catalog
-snapshot of the marked
-asRestoreList frozen
-asRestoreList cleared
+flush
+LIST
 events
-asRestoreList + C:\b.docx
+asRestoreList + C:\d\b.docx
 lblCounts(0) "1 file(s) selected"
-close rows
-close catalog
-asRestoreList thawed
+LISTED
 commit
 )--");
   catalog->Execute("UPDATE Catalog SET Restore = 1");  // of every set, and two that are not listed
@@ -469,6 +441,7 @@ box 36 "Clear Selection? " "Clear All Selected Files? "
 asRestoreList cleared
 open catalog
 execute clear all
+flush
 lblCounts(0) "0 file(s) selected"
 cmdRestore(0) disabled
 commit
@@ -489,7 +462,13 @@ TEST_F(OrderTest, Leaving) {
                {"Cancel without a selection", false, 0, [&] { Click(kCancel); }},
                {"close box, no", true, platform::kAnswerNo, [&] { ui().form.UserClose(); }},
                {"close box, yes", true, platform::kAnswerYes, [&] { ui().form.UserClose(); }},
-               {"close box without a selection", false, 0, [&] { ui().form.UserClose(); }}};
+               {"close box without a selection", false, 0, [&] { ui().form.UserClose(); }},
+               {"Cancel, yes, and the marks cannot be cleared", true, platform::kAnswerYes, [&] {
+                  catalog->Execute(
+                      "CREATE TRIGGER Refuse BEFORE UPDATE ON Catalog BEGIN SELECT raise(ABORT, 'no'); END");
+                  Click(kCancel);
+                  catalog->Execute("DROP TRIGGER Refuse; UPDATE Catalog SET Restore = 0");
+                }}};
   std::string all;
   for (const auto& [name, marked, answer, leave] : cases) {
     Watch();
@@ -510,25 +489,24 @@ frmRestore closed
 commit
 
 Cancel, no:
-flush
-box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+QUESTION
 commit
 
 Cancel, yes:
-flush
-box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+QUESTION
 open catalog
 execute clear all
+flush
 commit
 CancelRestore
 frmRestore closed
 commit
 
 Esc, yes:
-flush
-box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+QUESTION
 open catalog
 execute clear all
+flush
 commit
 CancelRestore
 frmRestore closed
@@ -541,22 +519,32 @@ frmRestore closed
 commit
 
 close box, no:
-flush
-box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+QUESTION
 frmRestore closed
 commit
 
 close box, yes:
-flush
-box 36 "Clear Selection?" "You have selected files to restore, Cancel will clear your selections, Cancel?"
+QUESTION
 open catalog
 execute clear all
+flush
 commit
 CancelRestore
 frmRestore closed
 commit
 
 close box without a selection:
+frmRestore closed
+commit
+
+Cancel, yes, and the marks cannot be cleared:
+QUESTION
+open catalog
+execute clear all
+flush
+box 48 "CancelAll" "(3317) A rule of the table refuses the value (no) in 'the catalog'."
+commit
+CancelRestore
 frmRestore closed
 commit
 )--");

@@ -118,6 +118,39 @@ TEST_F(HostTest, VBScriptRunsTheDialogToo) {
   EXPECT_EQ(Ids{kBox}, m_catalog.Marked());
 }
 
+// The examples of the package, each up to Restore Now; they look for kxrestore.exe on the path.
+TEST_F(HostTest, ExamplesReadTheMarksAndSomeTakeThemAway) {
+  wchar_t path[8192] = L"";
+  GetEnvironmentVariableW(L"PATH", path, 8192);
+  SetEnvironmentVariableW(L"PATH", (HostFolder() + L";" + path).c_str());
+  const struct {
+    std::wstring command;
+    const char *says, *saysToo;
+    bool clears;
+  } cases[] = {
+      {L'"' + HostFolder() + L"restore_example.exe\"",
+       "CommenceRestore\n{\"size\":", "DefineRestoreSet = 1\n", false},
+      {L"cscript //nologo \"" + HostFolder() + L"restore.vbs\"", "SET NAME", "C:\\Mail\\box.pst", true},
+      {L"cscript //nologo \"" + HostFolder() + L"restore.js\"", "DefineRestoreSet = 1\n", "", false},
+  };
+  for (const auto& [command, says, saysToo, clears] : cases) {
+    m_catalog.Mark(kBox);
+    Program host(command + L" \"" + m_catalog.Path() + L"\" D:\\out");
+    const driver::DialogDriver dialog(std::chrono::seconds(60), host.Id());
+    ASSERT_NO_THROW({
+      dialog.ExpectText("lblRestorePath", "Restore To: D:\\out");
+      dialog.Click("cmdRestore(2)");
+      dialog.ExpectText("lblCounts(0)", SelectedText(1));
+      dialog.Click("cmdRestore(0)");
+    }) << testing::PrintToString(command);
+    EXPECT_EQ(0, host.Wait());
+    EXPECT_NE(std::string::npos, host.Output().find(says)) << host.Output();
+    EXPECT_NE(std::string::npos, host.Output().find(saysToo)) << host.Output();
+    EXPECT_EQ(clears ? Ids{} : Ids{kBox}, m_catalog.Marked()) << testing::PrintToString(command);
+  }
+  SetEnvironmentVariableW(L"PATH", path);
+}
+
 TEST_F(HostTest, WhatItIsToldIsChecked) {
   EXPECT_EQ(1, Run(L"--nonsense"));
   EXPECT_NE(std::string::npos, m_output.find("unknown argument --nonsense")) << m_output;

@@ -117,7 +117,7 @@ TEST_F(RegistrationTest, WhatFailsHalfwayIsTakenBack) {
   ExpectNothing(HKEY_CURRENT_USER);
 }
 
-TEST_F(RegistrationTest, TheOtherPlatformKeepsItsTypeLibrary) {
+TEST_F(RegistrationTest, TheOtherPlatformKeepsWhatBothShare) {
   const std::wstring other = sizeof(void*) == 8 ? L"win32" : L"win64";
   const std::wstring key = L"Software\\Classes\\" + kLibraryKey + L"\\1.1\\0\\" + other;
   ASSERT_EQ(S_OK, CallInstall(true, L"user"));
@@ -126,6 +126,7 @@ TEST_F(RegistrationTest, TheOtherPlatformKeepsItsTypeLibrary) {
   EXPECT_EQ(L"x", ClassValue(HKEY_CURRENT_USER, kLibraryKey + L"\\1.1\\0\\" + other));
   EXPECT_EQ(L"Tarvane Restore Dlg", ClassValue(HKEY_CURRENT_USER, kLibraryKey + L"\\1.1"));
   EXPECT_FALSE(ClassKeyExists(HKEY_CURRENT_USER, kLibraryKey + L"\\1.1\\0\\" + kPlatform));
+  EXPECT_EQ(GuidText(CLSID_RestoreDlg), ClassValue(HKEY_CURRENT_USER, kProgId + L"\\CLSID"));
   RegDeleteTreeW(HKEY_CURRENT_USER, (L"Software\\Classes\\" + kLibraryKey).c_str());
 }
 

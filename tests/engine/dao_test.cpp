@@ -1,8 +1,10 @@
 // The automation back end itself: which engine it takes, what it says, and what it makes of the answers.
 #include <limits>
 
+#include "engine/dao/dao_backend.h"
 #include "engine/dao/values.h"
 #include "tests/engine/dao_test_database.h"
+#include "tests/engine/desktop_samples.h"
 
 namespace kxrestore::engine {
 namespace {
@@ -42,9 +44,16 @@ TEST_F(Dao, NoneInstalled) {
     DaoTestDatabase test(installed);
     for (const char* piece :
          {"mdb", "Install the", "x86", installed.empty() ? "" : "DAO.DBEngine.36 is registered"}) {
-      ExpectError(error_number::kCannotCreateObject, piece,
-                  [&] { MakeDefaultWorkspace()->OpenDatabase(test.Request()); });
+      ExpectError(error_number::kCannotCreateObject, piece, [&] {
+        Workspace::Backends backends;
+        backends.dao = dao::MakeDaoBackend();
+        backends.jetFile = jet_file::MakeJetFileBackend();
+        Workspace(std::move(backends), Workspace::DesktopFiles::kEngine).OpenDatabase(test.Request());
+      });
     }
+    const auto read =
+        MakeDefaultWorkspace()->OpenDatabase({.name = testing::DesktopSample("telling-2003.mdb")});
+    EXPECT_EQ(Rows(*read, "Catalog").size(), 600u) << "the file is read without the engine";
   }
 }
 

@@ -84,8 +84,8 @@ TEST_F(OdbcServer, PlainLettersToSortBy) {
 }
 
 TEST_F(OdbcServer, RightsThatLack) {
-  odbc::Session owner(m_connect, false, nullptr);
-  odbc::Session administrator(AsUser(ServerSetting("KX_TEST_ADMIN")), false, nullptr);
+  odbc::Session owner(m_connect);
+  odbc::Session administrator(AsUser(ServerSetting("KX_TEST_ADMIN")));
   administrator.RunSchemaChange({"DROP ROLE IF EXISTS kx_guest",
                                  "CREATE ROLE kx_guest LOGIN PASSWORD 'restore'",
                                  "GRANT USAGE ON SCHEMA public TO kx_guest"});
@@ -187,7 +187,7 @@ TEST_F(OdbcServer, SavedQueriesOfTwoThatMeet) {
 }
 
 TEST_F(OdbcServer, AStatementHasAMinute) {
-  odbc::Session session(m_connect, false, nullptr);
+  odbc::Session session(m_connect);
   for (const char* table : {"Catalog", "SetNames"}) {
     ASSERT_NE(session.Tables().Find(table), nullptr);  // asks the driver, which has its own idea of the time
     EXPECT_EQ(session.Ask("SELECT current_setting('statement_timeout')").at(0).at(0), "1min");

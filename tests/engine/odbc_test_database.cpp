@@ -59,7 +59,7 @@ std::string Spelled(std::string_view sql, Spelling spelling) {
 class OdbcTestDatabase final : public TestDatabase {
  public:
   OdbcTestDatabase(std::string connect, Spelling spelling)
-      : m_connect(std::move(connect)), m_session(m_connect, false, nullptr), m_spelling(spelling) {}
+      : m_connect(std::move(connect)), m_session(m_connect), m_spelling(spelling) {}
 
   OpenRequest Request() const override { return {.connect = m_connect}; }
 
@@ -88,7 +88,8 @@ class OdbcTestDatabase final : public TestDatabase {
   std::string Ask(std::string_view sql) override {
     try {
       odbc::OdbcStatement statement(m_session, Spelled(sql, m_spelling));
-      m_session.RunRead(statement, {});
+      const odbc::Outcome outcome = statement.ExecuteReading({});
+      if (outcome.Failed()) m_session.RaiseFailure(outcome, sql);
       odbc::RowReader& rows = statement.Rows();
       if (!rows.Next()) return "no row";
       const ValueView value = rows.Value(0);
@@ -114,11 +115,10 @@ std::unique_ptr<TestDatabase> MakePostgres(Spelling spelling) {
   static const std::string database = [&] {
     const std::string made =
         "kx_" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
-    odbc::Session(ServerConnect("postgres", administrator, password), false, nullptr)
-        .Ask("CREATE DATABASE " + made);
+    odbc::Session(ServerConnect("postgres", administrator, password)).Ask("CREATE DATABASE " + made);
     return made;
   }();
-  odbc::Session session(ServerConnect(database, administrator, password), false, nullptr);
+  odbc::Session session(ServerConnect(database, administrator, password));
   session.RunSchemaChange({"DROP SCHEMA public CASCADE", "CREATE SCHEMA public AUTHORIZATION " + user});
   // Numbers where the tables have Booleans, as other databases take them.
   session.RunSchemaChange(

@@ -379,6 +379,7 @@ TEST_P(RecordsetConformance, GivesTurnsWhileAStatementWorksAndCanBeStopped) {
   ExpectError(error_number::kCanceled, "canceled", [&] { Rows(*m_database, kLong); });
   EXPECT_GE(turns, 3);
   turns = -1'000'000;
+  m_database = m_workspace->OpenDatabase(m_test->Request());  // a server that is slow to stop is left behind
   EXPECT_EQ(Rows(*m_database, kLong), Strings{"5764801"});
   EXPECT_GT(turns, -1'000'000);
   // What is left of a listing is read before a row is written.
@@ -397,6 +398,7 @@ TEST_P(RecordsetConformance, GivesTurnsWhileAStatementWorksAndCanBeStopped) {
   m_workspace->SetWaiting([]() -> bool { throw std::runtime_error("a turn failed"); });
   EXPECT_THROW(Rows(*m_database, kLong), std::runtime_error);
   m_workspace->SetWaiting({});
+  m_database = m_workspace->OpenDatabase(m_test->Request());
   EXPECT_EQ(Rows(*m_database, "SELECT ID FROM Catalog WHERE ID = 1"), Strings{"1"});
 }
 

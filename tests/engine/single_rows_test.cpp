@@ -74,7 +74,7 @@ class SingleRows : public ::testing::TestWithParam<testing::TestDatabaseKind> {
   }
 
   void ExpectAsked(int groups) {
-    odbc::Session session(m_test->Request().connect, false, nullptr);
+    odbc::Session session(m_test->Request().connect);
     for (const auto& [name, text] : {std::pair("Newest", kNewest), std::pair("Latest", kLatest)}) {
       odbc::DeleteSavedQuery(session, name);
       odbc::CreateSavedQuery(session, name, text);

@@ -156,6 +156,86 @@ TEST_F(SqliteFile, WhatMayNotBeWrittenOrRead) {
   for (const auto& file : {Path(m_catalog), hidden}) std::filesystem::permissions(file, perms::owner_all);
 }
 
+#ifndef _WIN32
+// Files copied from a machine in the middle of its work to a medium that cannot be written to.
+TEST_F(SqliteFile, WhatWasLeftBehindIsNamed) {
+  using std::filesystem::perms;
+  const auto copy = [&](const char* folder, std::initializer_list<const char*> suffixes) {
+    const std::filesystem::path target = m_folder.File(folder);
+    std::filesystem::create_directory(target);
+    for (const char* suffix : suffixes) {
+      const auto file = target / (std::string("c.db") + suffix);
+      std::filesystem::copy_file(Path(m_catalog + suffix), file);
+      std::filesystem::permissions(file, perms::owner_read | perms::group_read | perms::others_read);
+    }
+    std::filesystem::permissions(target, perms::owner_write | perms::group_write | perms::others_write,
+                                 std::filesystem::perm_options::remove);
+    std::filesystem::permissions(
+        target, perms::group_read | perms::group_exec | perms::others_read | perms::others_exec,
+        std::filesystem::perm_options::add);
+    return (target / "c.db").string();
+  };
+  m_test->Run(
+      "PRAGMA cache_size = 1; PRAGMA cache_spill = 1; CREATE TABLE Big (T); WITH RECURSIVE n(i) AS (SELECT 1 "
+      "UNION ALL SELECT i + 1 FROM n WHERE i < 100) INSERT INTO Big SELECT hex(randomblob(1000)) FROM n; "
+      "BEGIN; "
+      "UPDATE Big SET T = ''");
+  const std::string interrupted = copy("interrupted", {"", "-journal"});
+  m_test->Run("ROLLBACK; PRAGMA journal_mode = WAL; UPDATE Big SET T = ''");
+  const std::string logged = copy("logged", {"", "-wal"});
+  m_test->Run("PRAGMA wal_checkpoint(TRUNCATE)");
+  const std::string clean = copy("clean", {""});
+
+  const AsNobody nobody{};
+  if (std::ofstream(interrupted, std::ios::app)) GTEST_SKIP() << "nothing is read-only for this user";
+  ExpectError(error_number::kCannotOpen, "c.db-journal' holds what must be put back first",
+              [&] { Open(interrupted); });
+  ExpectError(error_number::kCannotOpen, "in the log '" + logged + "-wal'", [&] { Open(logged); });
+  ExpectError(error_number::kCannotOpen, "write-ahead mode (WAL)", [&] { Open(clean); });
+}
+#endif
+
+// Catalogs may come from anybody. Their views, triggers and columns read and compute, and that is all.
+TEST_F(SqliteFile, ACatalogDoesNothingOfItsOwn) {
+  m_test->Run(
+      "CREATE VIEW Loader AS SELECT load_extension('x') AS ID;"
+      "CREATE VIEW Words AS SELECT fts3_tokenizer('simple') AS ID;"
+      "CREATE VIEW Pages AS SELECT name AS ID FROM pragma_database_list;"
+      "CREATE VIEW Huge AS SELECT length(zeroblob(900000000)) AS ID;"
+      "CREATE VIEW Masks AS SELECT ID FROM Catalog WHERE kx_like(Filename, '*a.DOC');"
+      "CREATE TABLE Log (ID INTEGER, Twice INTEGER AS (ID * 2));"
+      "CREATE TRIGGER Spreads AFTER UPDATE ON Catalog WHEN new.ID = 1 BEGIN UPDATE Catalog SET Restore = 1; "
+      "END;"
+      "CREATE TRIGGER Refuses BEFORE UPDATE ON SetNames BEGIN SELECT RAISE(ABORT, 'no') WHERE new.ID = 1; "
+      "END");
+  const auto database = Open(m_catalog);
+  for (const char* view : {"Loader", "Words", "Pages", "Huge"}) {
+    EXPECT_THROW(Rows(*database, view), Error) << view;
+  }
+  EXPECT_EQ(Rows(*database, "Masks").size(), 2u) << "what saved queries need still works";
+  EXPECT_EQ(database->Execute("INSERT INTO Log (ID) VALUES (4)", kFailOnError), 1);
+  EXPECT_EQ(Rows(*database, "Log"), std::vector<std::string>{"4|8"});
+  ExpectError(error_number::kReadOnly, "trigger 'Spreads'",
+              [&] { database->Execute("UPDATE Catalog SET Restore = True WHERE ID = 2", kFailOnError); });
+  EXPECT_EQ(m_test->Ask("SELECT group_concat(ID) FROM Catalog WHERE Restore = 1"), "4");
+  EXPECT_EQ(database->Execute("UPDATE SetNames SET Name = 'x' WHERE ID = 2", kFailOnError), 1);
+  ExpectError(error_number::kConstraint, "no",
+              [&] { database->Execute("UPDATE SetNames SET Name = 'x' WHERE ID = 1", kFailOnError); });
+}
+
+// A page that lies about its cells is found before it is used.
+TEST_F(SqliteFile, CellsAreChecked) {
+  m_test->Run("PRAGMA journal_mode = DELETE; VACUUM");
+  const int page = std::stoi(m_test->Ask("SELECT rootpage FROM sqlite_schema WHERE name = 'SetNames'"));
+  const int size = std::stoi(m_test->Ask("PRAGMA page_size"));
+  std::string content = ReadCatalog();
+  char* const cells = content.data() + static_cast<std::ptrdiff_t>(page - 1) * size + 8;
+  cells[0] = '\x0F';  // the first one begins in the last bytes of the page and would reach out of it
+  cells[1] = '\xFE';
+  const std::string file = Write("cells.db", content);
+  ExpectError(error_number::kDamaged, "cells.db", [&] { Rows(*Open(file), "SetNames"); });
+}
+
 TEST_F(SqliteFile, OddContentsDoNotDisturb) {
   m_test->Run(
       "UPDATE Catalog SET Filename = CAST(X'610062FFC3' AS TEXT), File = X'00FF', OrigSize = 1.5 WHERE ID = "

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <map>
+#include <thread>
 
 namespace kxrestore::engine::testing {
 namespace {
@@ -13,13 +14,21 @@ sqlite3_io_methods g_last;                                          // of the sy
 std::map<const sqlite3_io_methods*, sqlite3_io_methods> g_methods;  // with ours in them, by the system's
 int g_syncs = 0;
 bool g_full = false;
+std::chrono::milliseconds g_pageDelay{}, g_syncDelay{};
+
+int Read(sqlite3_file* file, void* to, int size, sqlite3_int64 at) {
+  std::this_thread::sleep_for(g_pageDelay);
+  return g_last.xRead(file, to, size, at);
+}
 
 int Write(sqlite3_file* file, const void* from, int size, sqlite3_int64 at) {
+  std::this_thread::sleep_for(g_pageDelay);
   return g_full ? SQLITE_FULL : g_last.xWrite(file, from, size, at);
 }
 
 int Sync(sqlite3_file* file, int flags) {
   ++g_syncs;
+  std::this_thread::sleep_for(g_syncDelay);
   return g_last.xSync(file, flags);
 }
 
@@ -29,6 +38,7 @@ int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* out
   if (file->pMethods == nullptr) return code;
   g_last = *file->pMethods;
   sqlite3_io_methods& ours = g_methods[file->pMethods] = g_last;
+  ours.xRead = Read;
   ours.xWrite = Write;
   ours.xSync = Sync;
   file->pMethods = &ours;
@@ -40,6 +50,7 @@ int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* out
 WatchedFiles::WatchedFiles() {
   g_syncs = 0;
   g_full = false;
+  g_pageDelay = g_syncDelay = {};
   g_real = sqlite3_vfs_find(nullptr);
   g_watched = *g_real;
   g_watched.zName = "watched";
@@ -61,6 +72,11 @@ void WatchedFiles::ResetSyncs() {
 }
 void WatchedFiles::SetDiskFull(bool full) {
   g_full = full;
+}
+
+void WatchedFiles::SetDelays(std::chrono::milliseconds page, std::chrono::milliseconds sync) {
+  g_pageDelay = page;
+  g_syncDelay = sync;
 }
 
 }  // namespace kxrestore::engine::testing

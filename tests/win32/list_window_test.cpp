@@ -172,6 +172,21 @@ TEST_F(ListWindowTest, SelectedEntriesAreCopiedTickedAndFollowedThroughASort) {
   list.AttachPeer(nullptr);
 }
 
+TEST_F(ListWindowTest, WhatCannotBeSeenIsDrawnAsAStandInAndCopiedAsItIs) {
+  AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
+  Show(list);
+  AutoSelect::Entry entry = Entry("invoice\u202Efdp.exe\xED\xA0\x80", 1);
+  entry.setName = "Set\n1";
+  list.Add(entry);
+  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 1; });
+  EXPECT_EQ(Text(0, 0), L"invoice[U+202E]fdp.exe[U+D800]");
+  EXPECT_EQ(Text(0, 3), L"Set\u240A1");
+  Select(0);
+  WithControl('C');
+  EXPECT_EQ(Clipboard(), L"invoice\u202Efdp.exe\xD800\r\n");
+  list.AttachPeer(nullptr);
+}
+
 TEST_F(ListWindowTest, ColumnsKeepTheWidthsTheyWereGiven) {
   AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
   Show(list);

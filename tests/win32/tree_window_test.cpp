@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "controls/check_propagation.h"
+#include "platform/win32/theme.h"
 #include "platform/win32/tree_items.h"
 #include "tests/win32/control_host.h"
 
@@ -43,21 +44,21 @@ class TreeWindowTest : public ControlHost {
     }
   }
   void ExpandAll(bool expanded) {
-    const int count = static_cast<int>(tree.Count());
-    for (int index = 1; index <= count; ++index) {
+    const auto count = static_cast<std::uint32_t>(tree.Count());
+    for (std::uint32_t index = 1; index <= count; ++index) {
       Node node = tree.Item(index);
       if (node.HasChildren() && node.Expanded() != expanded) node.SetExpanded(expanded);
     }
   }
 
-  int DarkPixels(const RECT& area) const {
+  int DrawnPixels(const RECT& area) const {
     const HDC dc = GetDC(window);
-    int dark = 0;
+    int drawn = 0;
     for (int x = area.left; x < area.right; ++x) {
-      for (int y = area.top; y < area.bottom; ++y) dark += GetRValue(GetPixel(dc, x, y)) < 0x60 ? 1 : 0;
+      for (int y = area.top; y < area.bottom; ++y) drawn += GetRValue(GetPixel(dc, x, y)) < 0xE0 ? 1 : 0;
     }
     ReleaseDC(window, dc);
-    return dark;
+    return drawn;
   }
 
   // What the control holds. Asking the window would make it finish what it has put off.
@@ -88,11 +89,20 @@ class TreeWindowTest : public ControlHost {
     for (; position > 0; --position) item = Next(TVGN_NEXT, item);
     return item;
   }
-  int NodeOf(HTREEITEM item) const {
+  std::uint32_t NodeOf(HTREEITEM item) const {
     TVITEMW query{TVIF_PARAM | TVIF_HANDLE};
     query.hItem = item;
     SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&query));
-    return static_cast<int>(query.lParam);
+    return static_cast<std::uint32_t>(query.lParam);
+  }
+  std::wstring TextOf(HTREEITEM item) const {
+    wchar_t text[MAX_PATH] = L"";
+    TVITEMW query{TVIF_TEXT | TVIF_HANDLE};
+    query.hItem = item;
+    query.pszText = text;
+    query.cchTextMax = MAX_PATH;
+    SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&query));
+    return query.pszText;
   }
   UINT State(HTREEITEM item, UINT mask) const {
     return static_cast<UINT>(SendMessageW(window, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), mask));
@@ -127,7 +137,7 @@ class TreeWindowTest : public ControlHost {
   controls::ImageList images{{"cfolder", "ofolder", "file", "drive"}};
   TreeView tree{"tvwDetails", &form, true};
   HWND window = nullptr;
-  std::vector<int> clicked, checked;
+  std::vector<std::uint32_t> clicked, checked;
 };
 
 TEST_F(TreeWindowTest, ItemsAreMadeWhenTheyCanBeSeen) {
@@ -142,10 +152,10 @@ TEST_F(TreeWindowTest, ItemsAreMadeWhenTheyCanBeSeen) {
   Pump();
   EXPECT_EQ(Held(), 1u);
 
-  std::vector<int> expanded;
+  std::vector<std::uint32_t> expanded;
   tree.Expand = [&](Node node) { expanded.push_back(node.Index()); };
   Press(window, PointOn(Root(), TVHT_ONITEMBUTTON));
-  EXPECT_EQ(expanded, std::vector<int>{1});
+  EXPECT_EQ(expanded, std::vector<std::uint32_t>{1});
   EXPECT_TRUE(tree.Item(1).Expanded());
   EXPECT_EQ(Held(), 2u);
   tree.Add(tree.Item(1), {}, "one more");
@@ -178,6 +188,16 @@ TEST_F(TreeWindowTest, ItemsAreMadeWhenTheyCanBeSeen) {
   EXPECT_TRUE(clicked.empty());
 }
 
+TEST_F(TreeWindowTest, WhatCannotBeSeenIsDrawnAsAStandIn) {
+  Node node = tree.Add({}, {}, "invoice\u202Efdp.exe");
+  Pump();
+  EXPECT_EQ(TextOf(Root()), L"invoice[U+202E]fdp.exe");
+  node.SetText(std::string(300, '\x01'));
+  Pump();
+  EXPECT_EQ(TextOf(Root()), std::wstring(MAX_PATH - 1, L'\u2401')) << "a tree control shows no more";
+  EXPECT_EQ(node.Text(), std::string(300, '\x01'));
+}
+
 TEST_F(TreeWindowTest, TheUserTicks) {
   Fill(2, 40);
   ExpandAll(true);
@@ -185,7 +205,7 @@ TEST_F(TreeWindowTest, TheUserTicks) {
   const HTREEITEM before = Below(Root(), 0);
   const POINT box = PointOn(before, TVHT_ONITEMSTATEICON);
   Press(window, box);
-  EXPECT_EQ(checked, std::vector<int>{2});
+  EXPECT_EQ(checked, std::vector<std::uint32_t>{2});
   EXPECT_TRUE(tree.Item(2).Checked());
   EXPECT_EQ(Box(before), 2);
   Press(window, box);
@@ -220,17 +240,19 @@ TEST_F(TreeWindowTest, TheUserTicks) {
 }
 
 TEST_F(TreeWindowTest, TheBoxIsDrawnAsTheModelSays) {
+  const HTHEME theme = GetWindowTheme(window);
   tree.Add({}, {}, "root");
   Pump();
-  int dark[2];
+  int drawn[2];
   for (const int ticked : {0, 1}) {
     tree.Item(1).SetChecked(ticked == 1);
     RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
     const POINT at = PointOn(Root(), TVHT_ONITEMSTATEICON);
-    dark[ticked] = DarkPixels({at.x, at.y - 6, at.x + 12, at.y + 6});
+    drawn[ticked] = DrawnPixels({at.x, at.y - 6, at.x + 12, at.y + 6});
   }
-  EXPECT_GT(dark[0], 10);
-  EXPECT_GT(dark[1], dark[0] + 5);
+  EXPECT_GT(drawn[0], 10);
+  EXPECT_GT(drawn[1], drawn[0] + 5);
+  EXPECT_EQ(GetWindowTheme(window), theme) << "drawing boxes must not change how the control draws the rest";
 }
 
 TEST_F(TreeWindowTest, TheUserChoosesANode) {
@@ -240,9 +262,9 @@ TEST_F(TreeWindowTest, TheUserChoosesANode) {
   const HTREEITEM folder = Below(Root(), 1);
   const POINT label = PointOn(folder, TVHT_ONITEMLABEL);
   Press(window, label);
-  EXPECT_EQ(clicked, std::vector<int>{3});
+  EXPECT_EQ(clicked, std::vector<std::uint32_t>{3});
   Press(window, label);
-  EXPECT_EQ(clicked, (std::vector<int>{3, 3}));
+  EXPECT_EQ(clicked, (std::vector<std::uint32_t>{3, 3}));
   Press(window, PointOn(folder, TVHT_ONITEMBUTTON));
   EXPECT_FALSE(tree.Item(3).Expanded());
   EXPECT_EQ(clicked.size(), 2u);
@@ -250,12 +272,12 @@ TEST_F(TreeWindowTest, TheUserChoosesANode) {
   EXPECT_EQ(clicked.back(), 7);
   Select(Root());
   Pump();
-  EXPECT_EQ(clicked, (std::vector<int>{3, 3, 7, 1}));
+  EXPECT_EQ(clicked, (std::vector<std::uint32_t>{3, 3, 7, 1}));
 
   // The model chooses: nothing is reported, but what hides the node opens.
   tree.SetSelectedItem(tree.Item(5));
   Pump();
-  EXPECT_EQ(NodeOf(Next(TVGN_CARET)), 5);
+  EXPECT_EQ(NodeOf(Next(TVGN_CARET)), 5u);
   EXPECT_TRUE(tree.Item(3).Expanded());
   EXPECT_EQ(clicked.size(), 4u);
 
@@ -276,7 +298,7 @@ TEST_F(TreeWindowTest, TheStarKeyExpandsTheBranch) {
   Select(Root());
   Key(window, VK_MULTIPLY);
   Settle();
-  for (int index : {1, 3, nested.Index()}) EXPECT_TRUE(tree.Item(index).Expanded());
+  for (const std::uint32_t index : {1U, 3U, nested.Index()}) EXPECT_TRUE(tree.Item(index).Expanded());
   ExpectSameBelow(nullptr, tree.FirstRoot());
 }
 
@@ -310,18 +332,37 @@ TEST_F(TreeWindowTest, AHundredThousandNodes) {
   EXPECT_EQ(Box(Below(Below(Root(), 1), 50)), 2);
   TakeLongest();
   const RECT corner{0, 0, 60, 60};
-  EXPECT_GT(DarkPixels(corner), 0);
+  EXPECT_GT(DrawnPixels(corner), 0);
   EXPECT_LT(Measure([&] {
               Fill(3, 3);
               context.FlushAll();
               UpdateWindow(window);
               EXPECT_GT(Held(), 10'000u);
-              EXPECT_EQ(DarkPixels(corner), 0) << "what is being removed no longer shows";
+              EXPECT_EQ(DrawnPixels(corner), 0) << "what is being removed no longer shows";
               Settle(1);
             }),
             4'000);
   EXPECT_LT(TakeLongest(), 400);
   EXPECT_EQ(Box(Root()), 1);
+}
+
+TEST_F(TreeWindowTest, FoldersFiveThousandDeep) {
+  Node folder = tree.Add({}, "C:\\", "C:\\", 4);
+  for (int depth = 0; depth < 5000; ++depth) folder = tree.FindOrAddFolder(folder, "d", 1);
+  const Node file = tree.Add(folder, {}, "file", 3, "tag");
+  ExpandAll(true);
+  Settle();
+  EXPECT_EQ(Held(), 5002u);
+  tree.SetSelectedItem(file);
+  Settle();
+  EXPECT_EQ(NodeOf(Next(TVGN_CARET)), file.Index());
+  ExpandAll(false);
+  Settle();
+  ExpandAll(true);
+  Settle();
+  tree.Clear();
+  Settle();
+  EXPECT_EQ(Held(), 0u);
 }
 
 TEST_F(TreeWindowTest, AMillionNodes) {

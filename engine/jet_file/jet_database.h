@@ -1,0 +1,44 @@
+// A database on a file of the desktop engine. Statements run as on a catalog file of SQLite's; saved queries
+// are kept in memory.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "engine/jet_file/jet_tables.h"
+#include "engine/sqlite/sqlite_database.h"
+
+namespace kxrestore::engine::jet_file {
+
+class JetDatabase final : public sqlite::SqliteDatabase {
+ public:
+  // `tables` is what the session serves.
+  JetDatabase(const std::shared_ptr<sqlite::Session>& session, std::shared_ptr<JetTables> tables,
+              bool readOnly)
+      : SqliteDatabase(session, readOnly), m_tables(std::move(tables)) {}
+  ~JetDatabase() override;
+
+  using SqliteDatabase::Execute;
+  using SqliteDatabase::OpenRecordset;
+  std::unique_ptr<Recordset> OpenRecordset(const Sql& sql, RecordsetType type,
+                                           const ColumnNames& read) override;
+  std::int64_t Execute(const Sql& sql, int options) override;
+  std::string QueryText(std::string_view name) override;
+  void CreateQueryDef(std::string_view name, std::string_view sql) override;
+  void DeleteQueryDef(std::string_view name) override;
+  void BeginTrans() override;
+  void CommitTrans() override;
+  void Rollback() override;
+  void Close() override;
+
+ private:
+  bool HasQuery(std::string_view name) const;
+  void CatchUp();
+
+  std::shared_ptr<JetTables> m_tables;
+  std::optional<MadeQueries> m_before;  // what a transaction's end may bring back
+};
+
+}  // namespace kxrestore::engine::jet_file

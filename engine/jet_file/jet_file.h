@@ -1,0 +1,52 @@
+// An open file of the desktop engine: its tables, its saved queries, and what of it cannot be used, with the
+// reason. Reads only; marks.h writes.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/error.h"
+#include "engine/jet_file/system_tables.h"
+
+namespace kxrestore::engine::jet_file {
+
+struct FileQuery {
+  std::string name;
+  std::string text;              // ends in ";"
+  std::optional<Error> problem;  // why it has no text
+};
+
+class JetFile {
+ public:
+  // Errors: those of PageFile, and 3049 for damaged system tables.
+  explicit JetFile(std::string path);
+
+  PageFile& Pages() { return m_pages; }
+  const PageFile& Pages() const { return m_pages; }
+  const std::vector<std::unique_ptr<Table>>& Tables() const { return m_tables; }
+  const std::vector<FileQuery>& Queries() const { return m_queries; }
+  // The table or query of that name, without regard to case.
+  Table* FindTable(std::string_view name) const;
+  const FileQuery* FindQuery(std::string_view name) const;
+  // Why there is no table of that name although the file speaks of one.
+  const Error* Problem(std::string_view name) const;
+
+  // Looks whether another program has changed the file since. Rows found before are then gone. Error 3197
+  // when its tables are others now.
+  bool Refresh();
+
+ private:
+  void AddTable(const FileObject& object);
+
+  PageFile m_pages;
+  std::unique_ptr<CodePage> m_codePage;
+  std::vector<std::unique_ptr<Table>> m_tables;
+  std::vector<FileQuery> m_queries;
+  std::map<std::string, Error> m_problems;  // by folded name
+};
+
+}  // namespace kxrestore::engine::jet_file

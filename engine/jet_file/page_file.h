@@ -1,0 +1,106 @@
+// The pages of a database file of the desktop engine, read through a small cache. Works on all formats from
+// 1997 to 2019; what differs between them stands in Layout.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+#include "engine/jet_file/bytes.h"
+#include "engine/jet_file/file.h"
+
+namespace kxrestore::engine::jet_file {
+
+// Where the two families of formats keep things. Offsets count from the start of a page or of a structure.
+struct Layout {
+  bool jet3 = false;  // of 1997: one byte where the later ones have two
+  std::uint32_t pageSize = 4096;
+  std::uint16_t codePage = 1252;  // of Jet 3 texts
+
+  // Data pages.
+  std::size_t rowCount() const { return jet3 ? 0x08 : 0x0C; }
+  std::size_t slotTable() const { return jet3 ? 0x0A : 0x0E; }
+};
+
+enum class PageType : std::uint8_t { kData = 1, kTable = 2, kNode = 3, kLeaf = 4, kUsageMap = 5 };
+
+// The bytes of one page; they stay while it lives, whatever the cache does.
+class Page {
+ public:
+  Page() = default;
+  Page(std::shared_ptr<const std::uint8_t[]> block, Bytes bytes, std::uint32_t number)
+      : m_block(std::move(block)), m_bytes(bytes), m_number(number) {}
+
+  explicit operator bool() const { return m_block != nullptr; }
+  const Bytes& Content() const { return m_bytes; }
+  std::uint32_t Number() const { return m_number; }
+  PageType Type() const { return static_cast<PageType>(m_bytes.Data()[0]); }
+
+ private:
+  std::shared_ptr<const std::uint8_t[]> m_block;
+  Bytes m_bytes;
+  std::uint32_t m_number = 0;
+};
+
+// A place in the file as the file itself writes it: a page and a row of it.
+struct RowPointer {
+  std::uint32_t page = 0;
+  std::uint8_t slot = 0;
+  static RowPointer From(std::uint32_t stored) { return {stored >> 8, static_cast<std::uint8_t>(stored)}; }
+  friend bool operator==(const RowPointer&, const RowPointer&) = default;
+};
+
+class PageFile {
+ public:
+  // Errors: those of File::Open; 3343 for a file of another kind, 3049 for one that is damaged, 3031 for one
+  // with a password and 429 for one that is encrypted, which only the desktop engine opens.
+  explicit PageFile(std::string path);
+
+  const std::string& Path() const { return m_path; }
+  const Layout& Format() const { return m_layout; }
+  bool IsAce() const { return m_ace; }
+  std::uint32_t PageCount() const { return m_pageCount; }  // whole pages
+
+  // Error 3049 for a page behind the end.
+  Page Read(std::uint32_t number) const;
+  // The same with the demand that it is of that type.
+  Page Read(std::uint32_t number, PageType type) const;
+  // A row of a data page, whatever its flags.
+  Bytes Row(const Page& page, std::uint8_t slot) const;
+  // The offset of that row, with its flags.
+  static std::uint16_t SlotOf(const Page& page, const Layout& layout, std::uint8_t slot);
+
+  // What the cache holds is forgotten when somebody else has written to the file; whether that was so.
+  bool Refresh();
+  // Takes over a byte that this program has just written.
+  void Written(std::uint64_t offset, std::uint8_t byte);
+  void RememberStamp() { m_stamp = m_file->Stamp(); }  // what has changed is this program's own
+
+  [[noreturn]] void RaiseDamaged(const std::string& what) const;
+
+ private:
+  struct Block {
+    std::uint32_t number = 0;
+    std::shared_ptr<std::uint8_t[]> bytes;
+    std::size_t size = 0;
+  };
+
+  void ReadHeader();
+  void TakeSize();
+  const Block& BlockOf(std::uint64_t offset) const;
+
+  std::string m_path;
+  std::unique_ptr<File> m_file;
+  FileStamp m_stamp;
+  Layout m_layout;
+  bool m_ace = false;
+  std::uint32_t m_pageCount = 0;
+  mutable std::list<Block> m_blocks;  // the one used last in front
+  mutable std::unordered_map<std::uint32_t, std::list<Block>::iterator> m_byNumber;
+};
+
+}  // namespace kxrestore::engine::jet_file

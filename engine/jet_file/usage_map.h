@@ -1,0 +1,15 @@
+// The maps in which a file keeps which pages belong to what.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "engine/jet_file/page_file.h"
+
+namespace kxrestore::engine::jet_file {
+
+// The numbers of the pages that are set in a map, ascending. Error 3049 when the map lies or names a page
+// behind the end of the file.
+std::vector<std::uint32_t> ReadUsageMap(const PageFile& file, RowPointer map);
+
+}  // namespace kxrestore::engine::jet_file

@@ -1,0 +1,225 @@
+#include "engine/odbc/driver_thread.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+#include "engine/error_numbers.h"
+
+namespace kxrestore::engine::odbc {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kTurnInterval(20);
+constexpr milliseconds kFarewell(140);  // for the last work, before the thread is left to itself
+
+// A thread that is left behind returns into this module.
+void KeepModuleLoaded() noexcept {
+#ifdef _WIN32
+  HMODULE module = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                     reinterpret_cast<LPCWSTR>(&KeepModuleLoaded), &module);
+#endif
+}
+
+}  // namespace
+
+struct DriverThread::State {
+  std::mutex mutex;
+  std::condition_variable work, done;
+  Work call, tidy, last;
+  std::exception_ptr failure;  // of the call
+  bool busy = false;           // a call is asked for or being made
+  bool untidy = false;
+  bool finishing = false;  // no more call comes
+  bool ended = false;
+  bool canceling = false;  // the cancel of the call is being made
+
+  bool IsSettled() const { return !busy && !canceling; }
+};
+
+DriverThread::DriverThread(std::shared_ptr<const Waiting> waiting, Work tidy, Work last)
+    : m_waiting(std::move(waiting)), m_state(std::make_shared<State>()) {
+  m_state->tidy = std::move(tidy);
+  m_state->last = std::move(last);
+  try {
+    m_thread = std::thread([state = m_state] { Serve(*state); });
+  } catch (const std::system_error&) {
+    Raise(kxrestore::error_number::kOutOfMemory, "Out of memory");
+  }
+}
+
+DriverThread::~DriverThread() {
+  if (!m_thread.joinable()) return;
+  std::unique_lock lock(m_state->mutex);
+  m_state->finishing = true;
+  m_state->work.notify_all();
+  const auto until = Clock::now() + kFarewell;
+  while (!m_state->done.wait_for(lock, kTurnInterval, [this] { return m_state->ended; })) {
+    if (Clock::now() >= until) {
+      Leave();
+      return;
+    }
+    lock.unlock();
+    std::exception_ptr nobodyToTell;
+    if (!m_inTurn) Turn(nobodyToTell);
+    lock.lock();
+  }
+  lock.unlock();
+  m_thread.join();
+}
+
+void DriverThread::Serve(State& state) {
+  std::unique_lock lock(state.mutex);
+  for (;;) {
+    state.work.wait(lock, [&] { return state.busy || state.untidy || state.finishing; });
+    const bool asked = state.busy;
+    if (!asked && !state.untidy) break;
+    state.untidy = false;
+    lock.unlock();
+    state.tidy();
+    lock.lock();
+    if (state.finishing) break;
+    if (!asked) continue;
+    {
+      Work call = std::move(state.call);
+      lock.unlock();
+      std::exception_ptr failure;
+      try {
+        call();
+      } catch (...) {
+        failure = std::current_exception();
+      }
+      call = nullptr;
+      lock.lock();
+      state.failure = std::move(failure);
+    }
+    state.busy = false;
+    state.done.notify_all();
+  }
+  state.work.wait(lock, [&] { return !state.canceling; });
+  lock.unlock();
+  state.call = nullptr;
+  state.last();
+  state.last = state.tidy = nullptr;
+  lock.lock();
+  state.ended = true;
+  state.done.notify_all();
+}
+
+void DriverThread::Leave() noexcept {
+  KeepModuleLoaded();
+  m_state->finishing = true;
+  m_thread.detach();
+}
+
+bool DriverThread::Turn(std::exception_ptr& failure) noexcept {
+  bool goOn = true;
+  if (m_waiting && *m_waiting) {
+    m_inTurn = true;
+    try {
+      const Waiting waiting = *m_waiting;  // the callback may be replaced from inside
+      goOn = waiting();
+    } catch (...) {
+      failure = std::current_exception();
+      goOn = false;
+    }
+    m_inTurn = false;
+  }
+  m_lastTurn = Clock::now();
+  return goOn;
+}
+
+DriverThread::Ending DriverThread::Run(Work call, const Limits& limits) {
+  if (m_inTurn) {
+    Raise(error_number::kInvalidOperation, "Invalid operation: the server is at work on another statement.");
+  }
+  State& state = *m_state;
+  std::thread canceler;
+  std::exception_ptr failure;
+  std::optional<Clock::time_point> giveUp;
+  std::unique_lock lock(state.mutex);
+  state.call = std::move(call);
+  state.busy = true;
+  state.work.notify_one();
+  const auto timeOut = Clock::now() + limits.wait;
+  while (!state.done.wait_for(lock, kTurnInterval, [&] { return state.IsSettled(); })) {
+    lock.unlock();
+    std::exception_ptr raised;
+    const bool goOn = Turn(raised);
+    if (raised && !failure) failure = raised;
+    if (!goOn && !giveUp) {
+      giveUp = Clock::now() + limits.grace;
+      lock.lock();
+      if (limits.cancel && state.busy) {
+        state.canceling = true;
+        try {
+          canceler = std::thread([shared = m_state, cancel = limits.cancel] {
+            try {
+              cancel();
+            } catch (...) {  // as if there had been no answer
+            }
+            const std::lock_guard guard(shared->mutex);
+            shared->canceling = false;
+            shared->done.notify_all();
+            shared->work.notify_all();
+          });
+        } catch (const std::exception&) {  // no thread: the call is given up instead
+          state.canceling = false;
+        }
+      }
+    } else {
+      lock.lock();
+    }
+    if (state.IsSettled()) break;
+    const auto now = Clock::now();
+    if ((giveUp && now >= *giveUp) || now >= timeOut) {
+      Leave();
+      if (canceler.joinable()) canceler.detach();
+      lock.unlock();
+      if (failure) std::rethrow_exception(failure);
+      return giveUp ? Ending::kGivenUp : Ending::kTimedOut;
+    }
+  }
+  const std::exception_ptr thrown = std::exchange(state.failure, nullptr);
+  lock.unlock();
+  if (canceler.joinable()) canceler.join();
+  if (thrown) std::rethrow_exception(thrown);
+  if (failure) std::rethrow_exception(failure);
+  return giveUp ? Ending::kStopped : Ending::kDone;
+}
+
+void DriverThread::Wake() noexcept {
+  if (!m_thread.joinable()) return;
+  const std::lock_guard lock(m_state->mutex);
+  m_state->untidy = true;
+  m_state->work.notify_one();
+}
+
+bool DriverThread::GiveTurn() {
+  if (m_inTurn || Clock::now() < m_lastTurn + kTurnInterval) return true;
+  std::exception_ptr failure;
+  const bool goOn = Turn(failure);
+  if (failure) std::rethrow_exception(failure);
+  return goOn;
+}
+
+bool DriverThread::Pause(milliseconds time) {
+  const auto until = Clock::now() + time;
+  for (auto now = Clock::now(); now < until; now = Clock::now()) {
+    std::this_thread::sleep_for(std::min<Clock::duration>(until - now, kTurnInterval));
+    if (!GiveTurn()) return false;
+  }
+  return true;
+}
+
+}  // namespace kxrestore::engine::odbc

@@ -1,0 +1,200 @@
+#include "engine/odbc/row_block.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+#include "base/text.h"
+
+namespace kxrestore::engine::odbc {
+namespace {
+
+using jet_sql::ValueKind;
+
+constexpr std::size_t kBlockBytes = 1 << 21;
+constexpr std::size_t kMinBlockRows = 16, kMaxBlockRows = 512;
+constexpr std::size_t kMaxBoundText = 512;  // characters; longer columns are bound for what is usual
+constexpr std::size_t kUsualText = 256;
+constexpr std::size_t kFlagCharacters = 8;
+
+bool MayBeLong(const ColumnType& type) {
+  return (type.kind == ValueKind::kText || type.kind == ValueKind::kUnknown) &&
+         (type.characters == 0 || type.characters > kMaxBoundText);
+}
+
+ColumnType TypeOf(const ColumnDescription& described) {
+  const SQLSMALLINT type = described.type;
+  ColumnType column;
+  column.name = described.name;
+  column.kind = KindOfType(type, described.typeName);
+  column.isPlainText =
+      described.typeName == "text" || described.typeName == "varchar" || described.typeName == "bpchar";
+  column.isShort = type == SQL_TINYINT || type == SQL_SMALLINT || type == SQL_INTEGER;
+  column.isInteger =
+      column.isShort || type == SQL_BIGINT ||
+      ((type == SQL_DECIMAL || type == SQL_NUMERIC) && described.digits == 0 && described.size <= 18);
+  const bool bounded = type == SQL_CHAR || type == SQL_VARCHAR || type == SQL_WCHAR || type == SQL_WVARCHAR;
+  column.characters = bounded ? static_cast<std::size_t>(described.size) : 0;
+  return column;
+}
+
+}  // namespace
+
+ValueKind KindOfType(SQLSMALLINT type, std::string_view typeName) {
+  for (const char* name : {"bool", "boolean", "bit"}) {
+    if (EqualIgnoringCase(typeName, name)) return ValueKind::kBoolean;
+  }
+  switch (type) {
+    case SQL_BIT:
+      return ValueKind::kBoolean;
+    case SQL_TINYINT:
+    case SQL_SMALLINT:
+    case SQL_INTEGER:
+    case SQL_BIGINT:
+    case SQL_DECIMAL:
+    case SQL_NUMERIC:
+    case SQL_REAL:
+    case SQL_FLOAT:
+    case SQL_DOUBLE:
+      return ValueKind::kNumber;
+    case SQL_TYPE_DATE:
+    case SQL_TYPE_TIMESTAMP:
+    case SQL_DATE:
+    case SQL_TIMESTAMP:
+      return ValueKind::kDate;
+    case SQL_CHAR:
+    case SQL_VARCHAR:
+    case SQL_LONGVARCHAR:
+    case SQL_WCHAR:
+    case SQL_WVARCHAR:
+    case SQL_WLONGVARCHAR:
+      return ValueKind::kText;
+    default:
+      return ValueKind::kUnknown;
+  }
+}
+
+Outcome RowBlock::Begin(StatementHandle& statement) {
+  m_isAtEnd = true;
+  m_fetched = 0;
+  std::size_t count = 0;
+  Outcome outcome = statement.CountColumns(count);
+  if (outcome.Failed()) return outcome;
+  if (!m_isBound || count != m_types.size()) {
+    if (m_isBound) outcome = statement.UnbindColumns();
+    m_isBound = false;
+    if (!outcome.Failed()) outcome = Describe(statement, count);
+    if (!outcome.Failed()) outcome = Bind(statement);
+    if (outcome.Failed()) return outcome;
+    m_isBound = true;
+  }
+  // The block's size is set after the execution: asked for before it, some drivers would open a cursor on the
+  // server instead of sending the rows.
+  outcome = statement.SetAttribute(SQL_ATTR_ROW_ARRAY_SIZE, m_maxRows);
+  if (outcome.Failed() || count == 0) return outcome;
+  return Fetch(statement);
+}
+
+Outcome RowBlock::Describe(StatementHandle& statement, std::size_t count) {
+  m_types.clear();
+  for (std::size_t i = 0; i < count; ++i) {
+    ColumnDescription described;
+    Outcome outcome = statement.DescribeColumn(i, described);
+    if (outcome.Failed()) return outcome;
+    m_types.push_back(TypeOf(described));
+  }
+  m_isPiecewise = !m_readsPartsInBlocks && std::any_of(m_types.begin(), m_types.end(), MayBeLong);
+  return {};
+}
+
+Outcome RowBlock::Bind(StatementHandle& statement) {
+  m_columns.clear();
+  m_columns.resize(m_types.size());
+  std::size_t rowBytes = 1;
+  for (std::size_t i = 0; i < m_types.size(); ++i) {
+    ColumnBuffer& column = m_columns[i];
+    const ColumnType& type = m_types[i];
+    if (type.kind == ValueKind::kNumber) {
+      column.cType = type.isShort ? SQL_C_SLONG : type.isInteger ? SQL_C_SBIGINT : SQL_C_DOUBLE;
+      column.width = type.isShort ? sizeof(SQLINTEGER) : 8;
+    } else if (type.kind == ValueKind::kDate) {
+      column.cType = SQL_C_TYPE_TIMESTAMP;
+      column.width = sizeof(SQL_TIMESTAMP_STRUCT);
+    } else {
+      const bool bounded = type.characters > 0 && type.characters <= kMaxBoundText;
+      const std::size_t characters = type.kind == ValueKind::kBoolean ? kFlagCharacters
+                                     : bounded ? std::max(type.characters, kUsualText / 8)
+                                               : kUsualText;
+      column.width = (characters + 1) * sizeof(char16_t);
+      if (m_textsAsBytes && type.isPlainText) column.cType = SQL_C_BINARY;
+    }
+    rowBytes += column.width + sizeof(SQLLEN);
+  }
+  // A power of two, so that no block spans two of the pieces that the driver fetches from the server.
+  m_maxRows =
+      m_isPiecewise ? 1 : std::bit_floor(std::clamp(kBlockBytes / rowBytes, kMinBlockRows, kMaxBlockRows));
+  Outcome outcome = statement.SetFetchedCount(&m_fetched);
+  for (std::size_t i = 0; i < m_columns.size() && !outcome.Failed(); ++i) {
+    ColumnBuffer& column = m_columns[i];
+    column.data = std::make_unique_for_overwrite<char[]>(column.width * m_maxRows);
+    column.sizes.resize(m_maxRows);
+    if (!m_isPiecewise) {
+      outcome = statement.BindColumn(i, column.cType, column.data.get(), column.width, column.sizes.data());
+    }
+  }
+  return outcome;
+}
+
+Outcome RowBlock::Fetch(StatementHandle& statement) {
+  m_isAtEnd = true;
+  m_fetched = 0;
+  Outcome outcome = statement.Fetch();
+  if (outcome.HasNoData()) return {};
+  if (outcome.Failed()) return outcome;
+  if (m_isPiecewise) outcome = ReadPiecewise(statement);
+  m_isAtEnd = outcome.Failed() || (!m_isPiecewise && m_fetched == 0);
+  return outcome;
+}
+
+Outcome RowBlock::ReadPiecewise(StatementHandle& statement) {
+  for (std::size_t i = 0; i < m_columns.size(); ++i) {
+    ColumnBuffer& column = m_columns[i];
+    const bool isText = column.cType == SQL_C_WCHAR || column.cType == SQL_C_BINARY;
+    Outcome outcome =
+        isText ? ReadLongText(statement, i, 0)
+               : statement.GetData(i, column.cType, column.data.get(), column.width, &column.sizes.front());
+    if (outcome.Failed()) return outcome;
+  }
+  return {};
+}
+
+// In UTF-16 even where bytes are bound: the driver's later pieces of bytes end in a zero that is not the
+// text's.
+Outcome RowBlock::ReadLongText(StatementHandle& statement, std::size_t column, std::size_t row) {
+  std::array<char16_t, 2048> piece;
+  std::u16string& whole = m_columns[column].longText;
+  SQLLEN& size = m_columns[column].sizes[row];
+  whole.clear();
+  if (m_maxRows > 1) {
+    Outcome outcome = statement.StandOn(row);
+    if (outcome.Failed()) return outcome;
+  }
+  for (;;) {
+    SQLLEN left = 0;
+    Outcome outcome = statement.GetData(column, SQL_C_WCHAR, piece.data(), sizeof piece, &left);
+    if (outcome.HasNoData()) break;
+    if (outcome.Failed()) return outcome;
+    if (left == SQL_NULL_DATA) {
+      size = SQL_NULL_DATA;
+      return {};
+    }
+    const bool more = left == SQL_NO_TOTAL || left >= static_cast<SQLLEN>(sizeof piece);
+    whole.append(piece.data(), more ? piece.size() - 1 : static_cast<std::size_t>(left) / sizeof(char16_t));
+    if (!more) break;
+  }
+  // In blocks the buffer still says that the text did not fit.
+  if (m_isPiecewise) size = static_cast<SQLLEN>(whole.size() * sizeof(char16_t));
+  return {};
+}
+
+}  // namespace kxrestore::engine::odbc

@@ -1,0 +1,175 @@
+#include "engine/odbc/statement_data.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "engine/odbc/connection.h"
+#include "engine/odbc/odbc_error.h"
+
+namespace kxrestore::engine::odbc {
+namespace {
+
+constexpr std::size_t kMaxShortText = 4000;  // characters
+
+// $1, $2... in the place of the markers.
+std::string WithNumberedMarkers(std::string_view sql) {
+  std::string numbered;
+  int count = 0;
+  char quote = 0;
+  for (const char c : sql) {
+    if (quote != 0) {
+      if (c == quote) quote = 0;
+    } else if (c == '\'' || c == '"') {
+      quote = c;
+    } else if (c == '?') {
+      numbered += "$" + std::to_string(++count);
+      continue;
+    }
+    numbered += c;
+  }
+  return numbered;
+}
+
+}  // namespace
+
+// ---- values
+
+void BoundValues::Set(const std::vector<Value>& values) {
+  while (m_slots.size() < values.size()) m_slots.push_back(std::make_unique<Slot>());
+  for (std::size_t i = 0; i < values.size(); ++i) Fill(*m_slots[i], values[i]);
+  m_count = values.size();
+}
+
+void BoundValues::Fill(Slot& slot, const Value& value) {
+  slot.size = 0;
+  ParameterBinding& binding = slot.binding;
+  binding = {.data = &slot.integer, .size = &slot.size};
+  if (const auto* flag = std::get_if<bool>(&value)) {
+    slot.bit = *flag ? 1 : 0;
+    binding.cType = SQL_C_BIT, binding.sqlType = SQL_BIT, binding.data = &slot.bit;
+  } else if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+    slot.integer = *integer;
+    binding.cType = SQL_C_SBIGINT, binding.sqlType = SQL_BIGINT, binding.columnSize = 19;
+  } else if (const auto* real = std::get_if<double>(&value)) {
+    slot.real = *real;
+    binding.cType = SQL_C_DOUBLE, binding.sqlType = SQL_DOUBLE, binding.columnSize = 15;
+    binding.data = &slot.real;
+  } else if (const auto* text = std::get_if<std::string>(&value)) {
+    slot.text = ToUtf16<char16_t>(*text);
+    slot.size = static_cast<SQLLEN>(slot.text.size() * sizeof(char16_t));
+    binding.columnSize = std::max<std::size_t>(slot.text.size(), 1);
+    if (binding.columnSize > kMaxShortText) binding.sqlType = SQL_WLONGVARCHAR;
+    binding.data = slot.text.data();
+  } else if (const auto* date = std::get_if<DateTime>(&value)) {
+    slot.date = {date->year,
+                 static_cast<SQLUSMALLINT>(date->month),
+                 static_cast<SQLUSMALLINT>(date->day),
+                 static_cast<SQLUSMALLINT>(date->hour),
+                 static_cast<SQLUSMALLINT>(date->minute),
+                 static_cast<SQLUSMALLINT>(date->second),
+                 0};
+    binding.cType = SQL_C_TYPE_TIMESTAMP, binding.sqlType = SQL_TYPE_TIMESTAMP, binding.columnSize = 19;
+    binding.data = &slot.date;
+  } else {
+    slot.size = SQL_NULL_DATA;
+  }
+}
+
+Outcome BoundValues::Bind(StatementHandle& statement) {
+  for (std::size_t i = 0; i < m_count; ++i) {
+    Outcome outcome = statement.BindParameter(i, m_slots[i]->binding);
+    if (outcome.Failed()) return outcome;
+  }
+  return {};
+}
+
+// ---- statements
+
+StatementData::StatementData(std::string_view sql, const ServerFacts& facts, std::size_t timeout)
+    : m_sql(sql),
+      m_timeout(facts.serverKeepsTime ? 0 : timeout),
+      m_rows(facts.textsAsBytes, facts.readsPartsInBlocks) {}
+
+Outcome StatementData::Prepare(DriverHandles& handles, const std::shared_ptr<StatementData>& self) {
+  if (self->m_handle.IsAllocated()) return {};
+  handles.statements.reserve(handles.statements.size() + 1);
+  Outcome outcome = self->m_handle.Allocate(handles.connection);
+  if (outcome.Failed()) return outcome;
+  handles.statements.push_back(self);
+  // A driver that cannot keep the time leaves it to the limit of the call.
+  if (self->m_timeout > 0) self->m_handle.SetAttribute(SQL_ATTR_QUERY_TIMEOUT, self->m_timeout).Ignore();
+  return {};
+}
+
+Outcome StatementData::Give(Text text) {
+  if (m_given == text) return {};
+  WideText wide(text == Text::kCall ? m_call : m_sql);
+  m_given = Text::kNone;
+  Outcome outcome = m_handle.Prepare(wide);
+  if (!outcome.Failed()) m_given = text;
+  return outcome;
+}
+
+// A statement that the server does not prepare is executed as it stands, and that tells what is wrong with
+// it.
+void StatementData::PrepareByName(DriverHandles& handles) {
+  const std::string name = std::exchange(m_name, {});
+  std::string call = "EXECUTE " + name;
+  for (std::size_t i = 0; i < m_values.Count(); ++i) call += i == 0 ? " (?" : ", ?";
+  if (m_values.Count() > 0) call += ")";
+  WideText prepare("PREPARE " + name + " AS " + WithNumberedMarkers(m_sql));
+  StatementHandle statement;
+  m_namable = !statement.Allocate(handles.connection).Failed() && !statement.ExecuteDirect(prepare).Failed();
+  if (statement.Free().Failed()) m_namable = false;
+  if (m_namable) m_call = std::move(call);
+}
+
+Outcome StatementData::Execute(DriverHandles& handles, const std::shared_ptr<StatementData>& self,
+                               bool byName, bool wantsRows) {
+  StatementData& data = *self;
+  Outcome outcome = Prepare(handles, self);
+  if (outcome.Failed()) return outcome;
+  if (byName && !data.m_name.empty()) data.PrepareByName(handles);
+  const bool named = byName && !data.m_call.empty();
+  outcome = data.Give(named ? Text::kCall : Text::kOwn);
+  if (!outcome.Failed()) outcome = data.m_values.Bind(data.m_handle);
+  if (outcome.Failed()) return outcome;
+  outcome = data.m_handle.Execute();
+  if (outcome.Failed() && named && FailureOf(outcome.Diagnostics()) == Failure::kStatement) {
+    // A value may not fit its parameter where it could be compared as plain text.
+    data.m_namable = false;
+    data.m_call.clear();
+    outcome = data.Give(Text::kOwn);
+    if (!outcome.Failed()) outcome = data.m_values.Bind(data.m_handle);
+    if (!outcome.Failed()) outcome = data.m_handle.Execute();
+  }
+  if (outcome.Failed()) return outcome;
+  data.m_executed = true;
+  return wantsRows ? data.m_rows.Begin(data.m_handle) : data.m_handle.CountRows(data.m_changedRows);
+}
+
+Outcome StatementData::ExecuteDirect(DriverHandles& handles, const std::shared_ptr<StatementData>& self) {
+  Outcome outcome = Prepare(handles, self);
+  if (outcome.Failed()) return outcome;
+  WideText text(self->m_sql);
+  return self->m_handle.ExecuteDirect(text);
+}
+
+Outcome StatementData::Ask(DriverHandles& handles, const std::shared_ptr<StatementData>& self,
+                           const CatalogFunction& function) {
+  Outcome outcome = Prepare(handles, self);
+  if (!outcome.Failed()) outcome = function(self->m_handle);
+  if (outcome.Failed()) return outcome;
+  return self->m_rows.Begin(self->m_handle);
+}
+
+bool StatementData::Tidy(Outcome& outcome) {
+  if (m_freeing) {
+    outcome = m_handle.Free();
+    return true;
+  }
+  if (m_closing.exchange(false)) outcome = m_handle.CloseCursor();
+  return false;
+}
+
+}  // namespace kxrestore::engine::odbc

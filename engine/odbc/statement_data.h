@@ -1,0 +1,102 @@
+// A statement as the thread of its connection works on it: the handle, the values bound to its parameters and
+// the rows that come back. It lives until that thread has freed the handle, whoever else lets go of it
+// before.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/odbc/driver.h"
+#include "engine/odbc/row_block.h"
+#include "engine/odbc/server_facts.h"
+#include "engine/value.h"
+
+namespace kxrestore::engine::odbc {
+
+struct DriverHandles;
+
+// Values of a statement's parameters, where the driver finds them while it executes.
+class BoundValues {
+ public:
+  void Set(const std::vector<Value>& values);
+  Outcome Bind(StatementHandle& statement);
+  std::size_t Count() const { return m_count; }
+
+ private:
+  struct Slot {
+    std::u16string text;
+    std::int64_t integer = 0;
+    double real = 0;
+    unsigned char bit = 0;
+    SQL_TIMESTAMP_STRUCT date{};
+    SQLLEN size = 0;
+    ParameterBinding binding;
+  };
+  static void Fill(Slot& slot, const Value& value);
+
+  std::vector<std::unique_ptr<Slot>> m_slots;  // the driver keeps their addresses
+  std::size_t m_count = 0;
+};
+
+// The driver for PostgreSQL sends a statement that it has prepared on the server behind a savepoint, which
+// costs a round trip of its own; plain text goes together with its savepoint, but the server plans it anew
+// each time. So a statement that is executed again is prepared by name with the server's PREPARE, and the
+// plain text is its EXECUTE.
+class StatementData {
+ public:
+  using CatalogFunction = std::function<Outcome(StatementHandle&)>;
+
+  StatementData(std::string_view sql, const ServerFacts& facts, std::size_t timeout);
+
+  // ---- for the session, between two calls
+  const std::string& Sql() const { return m_sql; }
+  bool WantsName() const { return m_executed && m_namable && m_call.empty(); }
+  void SetName(std::string name) { m_name = std::move(name); }
+  void SetValues(const std::vector<Value>& values) { m_values.Set(values); }
+  const RowBlock& Rows() const { return m_rows; }
+  std::int64_t ChangedRows() const { return m_changedRows; }
+  // Both are carried out by the thread before its next call.
+  void AskToClose() { m_closing = true; }
+  void AskToFree() { m_freeing = true; }
+
+  // ---- for the thread; `self` is registered with the handles
+  static Outcome Execute(DriverHandles& handles, const std::shared_ptr<StatementData>& self, bool byName,
+                         bool wantsRows);
+  static Outcome ExecuteDirect(DriverHandles& handles, const std::shared_ptr<StatementData>& self);
+  static Outcome Ask(DriverHandles& handles, const std::shared_ptr<StatementData>& self,
+                     const CatalogFunction& function);
+  Outcome FetchBlock() { return m_rows.Fetch(m_handle); }
+  Outcome ReadLongText(std::size_t column, std::size_t row) {
+    return m_rows.ReadLongText(m_handle, column, row);
+  }
+  StatementHandle& RawHandle() { return m_handle; }
+  Outcome Cancel() { return m_handle.Cancel(); }
+  // What was asked for; whether the statement is to be forgotten.
+  bool Tidy(Outcome& outcome);
+
+ private:
+  enum class Text { kNone, kOwn, kCall };  // what the driver was given
+
+  static Outcome Prepare(DriverHandles& handles, const std::shared_ptr<StatementData>& self);
+  Outcome Give(Text text);
+  void PrepareByName(DriverHandles& handles);
+
+  std::string m_sql, m_name;
+  std::string m_call;  // EXECUTE, once it is prepared by name
+  std::size_t m_timeout;
+  StatementHandle m_handle;
+  BoundValues m_values;
+  RowBlock m_rows;
+  std::int64_t m_changedRows = 0;
+  Text m_given = Text::kNone;
+  bool m_executed = false, m_namable = true;
+  std::atomic<bool> m_closing{false}, m_freeing{false};
+};
+
+}  // namespace kxrestore::engine::odbc

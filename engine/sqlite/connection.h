@@ -1,0 +1,78 @@
+// A connection to a catalog file and the gate through which SQLite's results become errors of the engine.
+//
+// A catalog may come from anybody: its views, triggers and computed columns can read and compute and nothing
+// else, and what its pages say about themselves is checked. What a commit has returned for is on the disk.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "engine/sqlite/api.h"
+#include "engine/sqlite/foreign_tables.h"
+#include "engine/sqlite/sqlite_error.h"
+#include "engine/sqlite/statement.h"
+#include "engine/sqlite/waiter.h"
+
+namespace kxrestore::engine::sqlite {
+
+class Connection {
+ public:
+  // Opens a file that is there. `exclusive`: nobody else may use it. `tables`: what is served instead of the
+  // file's own content, when the file is not SQLite's.
+  Connection(std::string file, bool exclusive, std::shared_ptr<Waiter> waiter,
+             std::shared_ptr<ForeignTables> tables = nullptr);
+  ~Connection() = default;
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  const std::string& File() const { return m_file; }
+  bool IsReadOnly() const { return m_readOnly; }
+  Waiter& Waits() const { return *m_waiter; }
+  bool InTransaction() const { return sqlite3_get_autocommit(Get()) == 0; }
+  std::int64_t Changes() const { return sqlite3_changes64(Get()); }  // of the last statement, in rows
+
+  Statement Prepare(std::string_view sql, Doing doing = Doing::kReading) const;
+  // Passes success on and raises everything else. `piece` is the statement or the name at work.
+  void Check(Outcome outcome, Doing doing = Doing::kReading, std::string_view piece = {}) const {
+    if (!outcome.IsOk()) Raise(outcome.Code(), doing, piece);
+  }
+  [[noreturn]] void Raise(int code, Doing doing, std::string_view piece = {}) const;
+
+  // What is declared of a column of a table or, unless `tablesOnly`, of a view; nothing when there is none.
+  struct Column {
+    std::string type, collation;
+    bool inKey = false;
+  };
+  std::optional<Column> FindColumn(const std::string& table, const std::string& column,
+                                   bool tablesOnly = false) const;
+
+  // Whether a writing statement's work has a small bound of its own: it loops over nothing and starts no
+  // trigger.
+  bool IsBounded(std::string_view sql) const;
+
+  const std::string& RefusedTrigger() const { return m_refusedTrigger; }
+
+ private:
+  struct Closer {
+    Waiter* waiter;
+    void operator()(sqlite3* connection) const noexcept;
+  };
+
+  sqlite3* Get() const { return m_connection.get(); }
+  void Secure();
+  void Execute(const char* sql, Doing doing);
+  static int Progress(void* waiter) noexcept;
+  static int Busy(void* waiter, int tried) noexcept;
+  static int Authorize(void* connection, int action, const char* first, const char* second,
+                       const char* database, const char* trigger) noexcept;
+
+  std::string m_file;
+  bool m_readOnly = false;
+  mutable std::string m_refusedTrigger;  // by the last Prepare
+  std::shared_ptr<Waiter> m_waiter;
+  std::shared_ptr<ForeignTables> m_tables;  // outlives the connection
+  std::unique_ptr<sqlite3, Closer> m_connection;
+};
+
+}  // namespace kxrestore::engine::sqlite

@@ -1,0 +1,91 @@
+#include "engine/sqlite/statement.h"
+
+#include "engine/sqlite/connection.h"
+
+namespace kxrestore::engine::sqlite {
+
+void Statement::Bind(int parameter, std::int64_t value) {
+  m_connection->Check(Outcome(sqlite3_bind_int64(Get(), parameter, value)));
+}
+
+void Statement::Bind(int parameter, double value) {
+  m_connection->Check(Outcome(sqlite3_bind_double(Get(), parameter, value)));
+}
+
+void Statement::Bind(int parameter, std::string_view value) {
+  const char* const text =
+      value.data() == nullptr ? "" : value.data();  // a null pointer would be bound as null
+  m_connection->Check(
+      Outcome(sqlite3_bind_text64(Get(), parameter, text, value.size(), SQLITE_TRANSIENT, SQLITE_UTF8)));
+}
+
+void Statement::Bind(int parameter, const Value& value) {
+  struct Visitor {
+    Statement& statement;
+    int parameter;
+    void operator()(std::monostate) const {
+      statement.m_connection->Check(Outcome(sqlite3_bind_null(statement.Get(), parameter)));
+    }
+    void operator()(bool b) const { statement.Bind(parameter, std::int64_t{b ? 1 : 0}); }
+    void operator()(std::int64_t integer) const { statement.Bind(parameter, integer); }
+    void operator()(double real) const { statement.Bind(parameter, real); }
+    void operator()(const std::string& text) const { statement.Bind(parameter, std::string_view(text)); }
+    void operator()(const DateTime& date) const { (*this)(ToText(date)); }
+  };
+  std::visit(Visitor{*this, parameter}, value);
+}
+
+Outcome Statement::Step(Stop stop) {
+  Waiter& waiter = m_connection->Waits();
+  waiter.Enter(stop);
+  return waiter.Leave(sqlite3_step(Get()));
+}
+
+bool Statement::Next(std::string_view piece) {
+  const Outcome outcome = Step(Stop::kWork);
+  if (outcome.IsRow()) return true;
+  if (outcome.IsDone()) return false;
+  const ResetGuard guard(*this);
+  m_connection->Raise(outcome.Code(), Doing::kReading, piece);
+}
+
+void Statement::Reset() noexcept {
+  sqlite3_reset(Get());  // what it returns was returned by the step before
+}
+
+ValueView Statement::Read(int column) const {
+  sqlite3_stmt* const statement = Get();
+  switch (sqlite3_column_type(statement, column)) {
+    case SQLITE_INTEGER:
+      return static_cast<std::int64_t>(sqlite3_column_int64(statement, column));
+    case SQLITE_FLOAT:
+      return sqlite3_column_double(statement, column);
+    case SQLITE_TEXT: {
+      const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+      if (text == nullptr) m_connection->Raise(SQLITE_NOMEM, Doing::kReading);
+      return std::string_view(text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column)));
+    }
+    case SQLITE_BLOB: {
+      const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
+      const int size = sqlite3_column_bytes(statement, column);
+      if (bytes == nullptr && size > 0) m_connection->Raise(SQLITE_NOMEM, Doing::kReading);
+      return bytes == nullptr ? std::string_view("")
+                              : std::string_view(bytes, static_cast<std::size_t>(size));
+    }
+    default:
+      return std::monostate();
+  }
+}
+
+std::string Statement::Text(int column) const {
+  const ValueView value = Read(column);
+  return IsNull(value) ? std::string() : ToText(value);
+}
+
+std::string Statement::ColumnName(int column) const {
+  const char* const name = sqlite3_column_name(Get(), column);
+  if (name == nullptr) m_connection->Raise(SQLITE_NOMEM, Doing::kReading);
+  return name;
+}
+
+}  // namespace kxrestore::engine::sqlite

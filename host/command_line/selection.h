@@ -1,0 +1,90 @@
+// The rows that criteria stand for. They are those of the dialog: a set, a run and the older ones, a mask,
+// types and "newest" are one BuildRestoreQuery each, as its search and auto-select panels ask it. Folders,
+// lists of names and the state on a date sift what that lists.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "host/command_line/session.h"
+
+namespace kxrestore::cli {
+
+// A completed run, in the order of catalog::OpenRuns.
+struct BackupRun {
+  std::string setName;
+  std::int32_t setId = 0;
+  std::string extension;
+  std::optional<engine::DateTime> date;
+  bool permanent = false;
+};
+std::vector<BackupRun> ReadRuns(Session& session);
+
+// The runs of the set that is meant, by its number or name. Raises UsageError when there is none.
+std::vector<BackupRun> RunsOfSet(const std::vector<BackupRun>& runs, const std::string& set);
+
+// One row of a listing.
+class Row {
+ public:
+  explicit Row(engine::Recordset& rows);
+
+  std::int32_t Id() const;
+  std::int32_t SetId() const;
+  std::optional<std::int64_t> Size() const;
+  std::string Extension() const { return m_extension.Text(); }
+  std::string SetName() const { return m_setName.Text(); }
+  std::string OriginalName() const { return m_name.Text(); }
+  std::optional<engine::DateTime> Date() const { return engine::ToDateTime(m_date.Value()); }
+  bool Marked() const { return m_marked.Boolean(); }
+
+  // As the dialog's lists show it, and what marking compares.
+  std::string ShownName() const;
+  std::string StoredName(std::string_view shownName) const;
+
+  // The columns that this reads.
+  static engine::ColumnNames Columns();
+
+ private:
+  engine::Field m_id, m_setId, m_size, m_extension, m_setName, m_name, m_date, m_marked, m_filename, m_file,
+      m_plugin;
+};
+
+class Selection {
+ public:
+  // Reads what the criteria name: the set's runs, the list of names. Raises UsageError.
+  Selection(Session& session, const Criteria& criteria);
+
+  // Calls `visit` for each row, until it answers false or Ctrl+C is pressed. Errors are the engine's.
+  void Walk(const std::function<bool(const Row&)>& visit);
+
+  // Of the list of names those that no row had, in its order. After Walk.
+  std::vector<std::string> MissingNames() const;
+
+ private:
+  void WalkMask(const std::string& mask, const std::function<bool(const Row&)>& visit, bool& goOn);
+  bool IsMeant(const Row& row);
+  bool WasThere(const Row& row) const;
+  void ReadNames(const std::string& file);
+  void FindStateOnDate();
+  const std::string& Folded(std::string_view name);
+
+  Session& m_session;
+  const Criteria m_criteria;
+  std::int32_t m_setId = 0;
+  std::string m_runs;  // the restriction of the listing to runs
+  std::string m_under;
+  std::vector<std::string> m_names;                              // as they were given
+  std::unordered_map<std::string, bool> m_wanted;                // folded, and whether it was found
+  std::unordered_map<std::string, engine::DateTime> m_runDates;  // by "SET EXTENSION"
+  std::unordered_set<std::int32_t> m_onDate;                     // the newest versions on the date
+  bool m_findingDate = false;
+  std::string m_folded;
+};
+
+}  // namespace kxrestore::cli

@@ -1,0 +1,119 @@
+// Damaged files of the desktop engine: an answer or a clear error, in bounded time.
+#include <chrono>
+#include <cstdlib>
+#include <random>
+
+#include "tests/engine/desktop_samples.h"
+
+namespace kxrestore::engine {
+namespace {
+
+using testing::ExpectError;
+using testing::Rows;
+using testing::SampleCopy;
+using Clock = std::chrono::steady_clock;
+
+// Opens, reads everything and marks; returns the number of the error that ended it, or 0.
+int Use(const OpenRequest& request) {
+  const auto workspace = testing::MakeReaderWorkspace();
+  int error = 0;
+  const auto attempt = [&](auto operation) {
+    try {
+      operation();
+    } catch (const Error& caught) {
+      error = caught.Number();
+      EXPECT_FALSE(caught.Description().empty());
+    }
+  };
+  attempt([&] {
+    const auto database = workspace->OpenDatabase(request);
+    for (const char* source :
+         {"Catalog", "SetNames", "LongPaths", "BackupAudit", "FullCatalog", "Table1",
+          "SELECT Count(*) FROM LongPaths RIGHT JOIN Catalog ON LongPaths.PathID = Catalog.LongPathID WHERE "
+          "SetNameID = 1 AND Extension = '001'"}) {
+      attempt([&] { Rows(*database, source); });
+    }
+    attempt([&] { database->Execute("UPDATE Catalog SET Restore = True WHERE SetNameID = 1"); });
+  });
+  return error;
+}
+
+TEST(DesktopDamage, IsToldWithItsPlace) {
+  const auto workspace = testing::MakeReaderWorkspace();
+  const auto zeroed = workspace->OpenDatabase({.name = testing::DesktopSample("zeroed-page-2003.mdb")});
+  ExpectError(error_number::kDamaged, "page 91", [&] { Rows(*zeroed, "Catalog"); });
+  EXPECT_EQ(Rows(*zeroed, "SetNames").size(), 9u) << "other tables are sound";
+  ExpectError(error_number::kDamaged, "behind its end",
+              [&] { workspace->OpenDatabase({.name = testing::DesktopSample("truncated-2003.mdb")}); });
+}
+
+TEST(DesktopDamage, OfHeadersIsRefused) {
+  const auto refused = [](std::size_t place, unsigned char byte, int number, const char* piece) {
+    const SampleCopy copy("telling-2007.accdb");
+    testing::FileBytes bytes = copy.Original();
+    bytes[place] = static_cast<char>(bytes[place] ^ byte);
+    testing::WriteBytes(copy.Path(), bytes);
+    const auto workspace = testing::MakeReaderWorkspace();
+    ExpectError(number, piece, [&] { workspace->OpenDatabase(copy.Request()); });
+  };
+  refused(0x14, 0x40, error_number::kUnrecognizedFormat, "version");
+  refused(0x3E, 0x01, error_number::kCannotCreateObject, "encrypted");
+  refused(0x42, 0x01, error_number::kPassword, "password");
+  refused(2 * 4096, 0x01, error_number::kDamaged, "page 2");
+  const testing::TemporaryFolder folder;
+  for (const std::size_t size :
+       {std::size_t{0}, std::size_t{20}, std::size_t{100}, std::size_t{4096}, std::size_t{9000}}) {
+    testing::FileBytes bytes = testing::ReadBytes(testing::DesktopSample("telling-2003.mdb"));
+    bytes.resize(size);
+    testing::WriteBytes(folder.File("short.mdb"), bytes);
+    const int error = Use({.name = folder.File("short.mdb")});
+    EXPECT_TRUE(error == error_number::kDamaged || error == error_number::kUnrecognizedFormat)
+        << size << " " << error;
+  }
+}
+
+// A piece of the environment asks for more of them.
+TEST(DesktopDamage, AtRandomPlacesEndsInAnAnswerOrAnError) {
+  const char* asked = std::getenv("KX_DAMAGES");
+  const int damages = asked == nullptr ? 12 : std::atoi(asked);
+  std::mt19937 random(20260101);
+  const auto below = [&](std::size_t limit) {
+    return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
+  };
+  for (const char* name :
+       {"telling-2000.mdb", "telling-2003.mdb", "telling-2007.accdb", "telling-2010.accdb",
+        "telling-2019.accdb", "overflow-2003.mdb", "added-column-2003.mdb", "sample-1997.mdb"}) {
+    const SampleCopy copy(name);
+    const std::size_t pageSize = std::string_view(name).starts_with("sample") ? 2048 : 4096;
+    const std::size_t pages = copy.Original().size() / pageSize;
+    for (int i = 0; i < damages; ++i) {
+      testing::FileBytes bytes = copy.Original();
+      const std::size_t page = below(pages) * pageSize;
+      switch (below(5)) {
+        case 0:  // one number near the page's head
+          bytes[page + below(64)] = static_cast<char>(below(256));
+          break;
+        case 1:  // some bytes anywhere in it
+          for (int k = 0; k < 40; ++k) bytes[page + below(pageSize)] = static_cast<char>(below(256));
+          break;
+        case 2:  // another page's content
+          std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(below(pages) * pageSize), pageSize,
+                      bytes.begin() + static_cast<std::ptrdiff_t>(page));
+          break;
+        case 3:  // a row's end, where its own numbers are
+          for (int k = 0; k < 8; ++k) bytes[page + pageSize - 1 - below(600)] = static_cast<char>(below(256));
+          break;
+        default:
+          std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(page + below(pageSize - 200)),
+                      1 + below(200), static_cast<char>(below(2) * 255));
+      }
+      testing::WriteBytes(copy.Path(), bytes);
+      const auto start = Clock::now();
+      Use(copy.Request());
+      EXPECT_LT(Clock::now() - start, std::chrono::seconds(20)) << name << " " << i;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kxrestore::engine

@@ -1,0 +1,327 @@
+// Marking files of the desktop engine in place: one bit a mark and nothing else, refusals before anything is
+// written, and saved queries that live beside the file.
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+#include <set>
+#include <sstream>
+
+#include "engine/jet_file/file.h"
+#include "tests/engine/desktop_samples.h"
+#ifndef _WIN32
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <thread>
+#endif
+
+namespace kxrestore::engine {
+namespace {
+
+using testing::ExpectError;
+using testing::Rows;
+using testing::SampleCopy;
+using Strings = std::vector<std::string>;
+
+constexpr const char* kMarkByName =
+    "SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, Catalog.Restore, LongPaths.LongPath FROM "
+    "LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID WHERE (((Catalog.SetNameID)=1) "
+    "AND "
+    "((Catalog.Extension)='001') AND ((Catalog.Filename)='";
+constexpr const char* kClear =
+    "UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));";
+
+void MarkById(Database& database, const std::string& id) {
+  database.Execute("UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=" + id + "));",
+                   kFailOnError);
+}
+
+Strings Marked(Database& database) {
+  return Rows(database, "SELECT ID FROM Catalog WHERE Restore = True ORDER BY ID");
+}
+
+class DesktopMarks : public ::testing::Test {
+ protected:
+  // What the dialog does: by ID, by file name, by file, in one user action.
+  void MarkEveryWay(const OpenRequest& request) {
+    m_workspace->BeginAction();
+    const Strings ids = Rows(*m_workspace->OpenDatabase(request), "SELECT ID FROM Catalog ORDER BY ID");
+    for (std::size_t i = 0; i < ids.size(); i += 3) MarkById(*m_workspace->OpenDatabase(request), ids[i]);
+    const Strings names = Rows(*m_workspace->OpenDatabase(request),
+                               "SELECT Filename FROM Catalog WHERE SetNameID = 1 AND Extension = '001'");
+    for (std::string name : names) {
+      for (std::size_t i = name.find('\''); i != std::string::npos; i = name.find('\'', i + 2))
+        name.insert(i, "'");
+      const auto database = m_workspace->OpenDatabase(request);
+      const auto rows =
+          database->OpenRecordset(kMarkByName + name + "')); ", RecordsetType::kDynaset, {"Restore"});
+      ASSERT_FALSE(rows->Eof()) << name;
+      rows->Edit();
+      rows->Fields("Restore").Set(true);
+      rows->Update();
+    }
+    const auto database = m_workspace->OpenDatabase(request);
+    const auto rows = database->OpenRecordset("SELECT ID, Restore FROM Catalog WHERE SetNameID = 2",
+                                              RecordsetType::kDynaset);
+    for (; !rows->Eof(); rows->MoveNext()) {
+      rows->Edit();
+      rows->Fields("Restore").Set(rows->Fields("ID").Integer() % 2 == 0);
+      rows->Update();
+    }
+    m_workspace->EndAction();
+  }
+
+  std::unique_ptr<Workspace> m_workspace = testing::MakeReaderWorkspace();
+};
+
+TEST_F(DesktopMarks, ChangeOneBitEachAndCanBeTakenBack) {
+  for (const auto& [name, twin] : testing::SoundSamples()) {
+    if (std::string_view(name).find("index") != std::string_view::npos) continue;
+    if (std::string_view(name).starts_with("added")) continue;
+    SCOPED_TRACE(name);
+    const SampleCopy copy(name), other(twin);
+    MarkEveryWay(copy.Request());
+    MarkEveryWay(other.Request());
+    const auto database = m_workspace->OpenDatabase(copy.Request());
+    const auto twinDatabase = m_workspace->OpenDatabase(other.Request());
+    const Strings marked = Marked(*database);
+    EXPECT_EQ(marked, Marked(*twinDatabase));
+    EXPECT_GT(marked.size(), 100u);
+    const testing::FileBytes now = testing::ReadBytes(copy.Path());
+    for (const std::size_t place : copy.Changed()) {
+      const int change = (now[place] ^ copy.Original()[place]) & 0xFF;
+      EXPECT_TRUE(std::has_single_bit(static_cast<unsigned>(change))) << place;
+    }
+    if (std::string_view(name).starts_with("marked")) continue;
+    EXPECT_EQ(copy.Changed().size(), marked.size());
+    EXPECT_EQ(database->Execute(kClear, kFailOnError), static_cast<std::int64_t>(marked.size()));
+    EXPECT_TRUE(Marked(*database).empty());
+    EXPECT_TRUE(copy.Changed().empty()) << "every byte is what it was";
+    EXPECT_EQ(database->Execute(kClear, kFailOnError), 0);
+  }
+}
+
+TEST_F(DesktopMarks, WaitForTheirGroupAndShowMeanwhile) {
+  const SampleCopy copy("telling-2003.mdb");
+  const std::string lockFile = copy.Beside("telling-2003.ldb");
+  m_workspace->BeginAction();
+  const auto database = m_workspace->OpenDatabase(copy.Request());
+  const auto snapshot = database->OpenRecordset("SELECT ID, Restore FROM Catalog", RecordsetType::kSnapshot);
+  MarkById(*database, "1007");
+  EXPECT_EQ(Marked(*database), Strings{"1007"});
+  EXPECT_TRUE(copy.Changed().empty());
+  EXPECT_TRUE(std::filesystem::exists(lockFile)) << "the engine is to see us";
+  m_workspace->Flush();
+  EXPECT_EQ(copy.Changed(), std::vector<std::size_t>{0x47C0E});
+  EXPECT_FALSE(std::filesystem::exists(lockFile));
+  for (; !snapshot->Eof(); snapshot->MoveNext()) EXPECT_FALSE(snapshot->Fields("Restore").Boolean());
+  database->BeginTrans();
+  database->Execute("UPDATE Catalog SET Restore = True");
+  EXPECT_EQ(Marked(*database).size(), 600u);
+  database->Rollback();
+  EXPECT_EQ(Marked(*database), Strings{"1007"});
+  m_workspace->EndAction();
+  EXPECT_EQ(copy.Changed().size(), 1u);
+}
+
+TEST_F(DesktopMarks, AreRefusedWhereTheyCannotBeSetInPlace) {
+  const struct {
+    const char *name, *sql;
+    int number;
+    const char* piece;
+  } cases[] = {{"restore-index-2003.mdb", "UPDATE Catalog SET Restore = True WHERE ID = 1007",
+                error_number::kReadOnly, "index"},
+               {"added-column-2003.mdb", "UPDATE Catalog SET Restore = True WHERE ID = 1007",
+                error_number::kReadOnly, "no room"},
+               {"telling-2003.mdb", "UPDATE Catalog SET Status = 3 WHERE ID = 1007",
+                error_number::kCannotCreateObject, "Status"},
+               {"telling-2003.mdb", "UPDATE Catalog SET Restore = True, Status = 3 WHERE ID = 1007",
+                error_number::kCannotCreateObject, "Status"},
+               {"telling-2003.mdb", "UPDATE BackupAudit SET Permanent = True",
+                error_number::kCannotCreateObject, "Permanent"},
+               {"telling-2003.mdb", "INSERT INTO SetNames (ID, Name) VALUES (77, 'x')",
+                error_number::kCannotCreateObject, "adding rows"},
+               {"telling-2003.mdb", "DELETE FROM Catalog WHERE ID = 1007", error_number::kCannotCreateObject,
+                "deleting rows"}};
+  for (const auto& [name, sql, number, piece] : cases) {
+    const SampleCopy copy(name);
+    for (const bool inAction : {false, true}) {
+      if (inAction) m_workspace->BeginAction();
+      const auto database = m_workspace->OpenDatabase(copy.Request());
+      ExpectError(number, piece, [&, text = sql] { database->Execute(text, kFailOnError); });
+      if (inAction) m_workspace->EndAction();
+    }
+    EXPECT_TRUE(copy.Changed().empty()) << sql;
+  }
+  // The other rows of that file have the bit.
+  const SampleCopy copy("added-column-2003.mdb");
+  const auto database = m_workspace->OpenDatabase(copy.Request());
+  MarkById(*database, "1599");
+  EXPECT_EQ(copy.Changed().size(), 1u);
+}
+
+TEST_F(DesktopMarks, SavedQueriesLiveBesideTheFile) {
+  const SampleCopy copy("telling-2019.accdb");
+  const auto first = m_workspace->OpenDatabase(copy.Request());
+  const std::string full = first->QueryText("fullcatalog");
+  EXPECT_NE(full.find("Catalog LEFT JOIN SetNames ON Catalog.SetNameID = SetNames.ID;"), std::string::npos)
+      << full;
+  EXPECT_NE(full.find("SetNames.Name AS SetName"), std::string::npos) << full;
+  ExpectError(error_number::kObjectExists, "FULLCATALOG",
+              [&] { first->CreateQueryDef("FULLCATALOG", "SELECT ID FROM Catalog;"); });
+  ExpectError(error_number::kObjectExists, "SetNames",
+              [&] { first->CreateQueryDef("SetNames", "SELECT ID FROM Catalog;"); });
+  // The file's own is shadowed, for everybody in this program.
+  const auto second = testing::MakeReaderWorkspace()->OpenDatabase(copy.Request());
+  EXPECT_EQ(Rows(*second, "FullCatalog").size(), 600u);
+  first->DeleteQueryDef("FullCatalog");
+  ExpectError(error_number::kTableNotFound, "FullCatalog", [&] { Rows(*second, "FullCatalog"); });
+  ExpectError(error_number::kItemNotFound, "FullCatalog", [&] { second->QueryText("FullCatalog"); });
+  first->CreateQueryDef("FullCatalog", "SELECT ID FROM Catalog WHERE ID < 1003");
+  EXPECT_EQ(Rows(*second, "SELECT * FROM FullCatalog ORDER BY ID"), (Strings{"1001", "1002"}));
+  EXPECT_EQ(second->QueryText("FullCatalog").back(), ';');
+  second->BeginTrans();
+  second->DeleteQueryDef("FullCatalog");
+  second->CreateQueryDef("Passing", "SELECT ID FROM SetNames");
+  EXPECT_FALSE(Rows(*second, "Passing").empty());
+  second->Rollback();
+  EXPECT_EQ(Rows(*first, "FullCatalog").size(), 2u);
+  ExpectError(error_number::kItemNotFound, "Passing", [&] { first->QueryText("Passing"); });
+  EXPECT_TRUE(copy.Changed().empty());
+}
+
+#ifndef _WIN32
+// Another program that has the file open, as far as its locks tell.
+class OtherProgramsLock {
+ public:
+  OtherProgramsLock(const std::string& path, off_t start)
+      : m_descriptor(open(path.c_str(), O_RDWR | O_CREAT, 0600)) {
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = start;
+    lock.l_len = 1;
+    EXPECT_EQ(fcntl(m_descriptor, F_OFD_SETLK, &lock), 0);
+  }
+  ~OtherProgramsLock() { close(m_descriptor); }
+
+ private:
+  int m_descriptor;
+};
+
+TEST_F(DesktopMarks, AreRefusedWhileAnotherProgramHasTheFile) {
+  const SampleCopy copy("telling-2010.accdb");
+  const std::string lockFile = copy.Beside("telling-2010.laccdb");
+  const auto database = m_workspace->OpenDatabase(copy.Request());
+  const auto refused = [&](const char* piece) {
+    ExpectError(error_number::kFileInUse, piece, [&] { MarkById(*database, "1007"); });
+    EXPECT_TRUE(copy.Changed().empty());
+    EXPECT_EQ(Rows(*database, "SELECT Count(*) FROM Catalog"), Strings{"600"}) << "reading goes on";
+  };
+  testing::FileBytes entry(64, '\0');
+  std::string_view("OTHERPC").copy(entry.data(), 32);
+  std::string_view("Admin").copy(entry.data() + 32, 32);
+  testing::WriteBytes(lockFile, entry);
+  refused("'OTHERPC', user 'Admin'");
+  EXPECT_EQ(testing::ReadBytes(lockFile), entry) << "what others wrote stays";
+  {
+    const OtherProgramsLock lock(lockFile, 0x10000001);
+    refused("'OTHERPC', user 'Admin'");
+  }
+  std::filesystem::remove(lockFile);
+  {
+    const OtherProgramsLock lock(lockFile, 0x10000001);
+    refused("another program");
+  }
+  {
+    const OtherProgramsLock lock(copy.Path(), 0);
+    refused("another program");
+  }
+  // An entry of this machine whose program has died is no hindrance.
+  testing::FileBytes dead(64, '\0');
+  jet_file::MachineName().copy(dead.data(), 31);
+  std::string_view("Admin").copy(dead.data() + 32, 32);
+  testing::WriteBytes(lockFile, dead);
+  MarkById(*database, "1007");
+  EXPECT_EQ(copy.Changed().size(), 1u);
+  EXPECT_FALSE(std::filesystem::exists(lockFile));
+}
+
+TEST_F(DesktopMarks, TakeUpWhatOthersHaveWrittenMeanwhile) {
+  const SampleCopy copy("telling-2003.mdb");
+  m_workspace->BeginAction();
+  const auto database = m_workspace->OpenDatabase(copy.Request());
+  const auto rows =
+      database->OpenRecordset("SELECT ID, Restore FROM Catalog WHERE ID > 1006", RecordsetType::kDynaset);
+  EXPECT_TRUE(Marked(*database).empty());
+  testing::FileBytes bytes = copy.Original();
+  bytes[0x47C0E] = static_cast<char>(bytes[0x47C0E] | 4);  // ID 1007
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  testing::WriteBytes(copy.Path(), bytes);
+  EXPECT_EQ(Marked(*database), Strings{"1007"});
+  // Whether the row is still the same nobody knows.
+  rows->Edit();
+  rows->Fields("Restore").Set(true);
+  ExpectError(error_number::kRecordDeleted, "Catalog", [&] { rows->Update(); });
+  MarkById(*database, "1008");
+  m_workspace->EndAction();
+  EXPECT_EQ(copy.Changed().size(), 2u);
+}
+
+// mdbtools, a reader of its own, has the same rows marked.
+TEST_F(DesktopMarks, AreSeenByAnotherReader) {
+  if (std::system("command -v mdb-export >/dev/null") != 0) GTEST_SKIP() << "mdbtools is not installed";
+  for (const char* name : {"telling-2000.mdb", "overflow-2003.mdb", "telling-2019.accdb"}) {
+    const SampleCopy copy(name);
+    MarkEveryWay(copy.Request());
+    const std::string table = copy.Beside("table.csv");
+    const std::string command = "mdb-export '" + copy.Path() + "' Catalog > '" + table + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const testing::FileBytes bytes = testing::ReadBytes(table);
+    std::istringstream lines(std::string(bytes.begin(), bytes.end()));
+    Strings marked;
+    std::string line;
+    for (std::getline(lines, line); std::getline(lines, line);) {
+      // The texts of the samples hold no commas before the mark, which is the eleventh column.
+      std::istringstream fields(line);
+      std::string field, id;
+      std::getline(fields, id, ',');
+      for (int i = 1; i <= 10; ++i) std::getline(fields, field, ',');
+      if (field == "1") marked.push_back(id);
+    }
+    std::sort(marked.begin(), marked.end());
+    EXPECT_EQ(marked, Marked(*m_workspace->OpenDatabase(copy.Request()))) << name;
+  }
+}
+
+TEST_F(DesktopMarks, OfAKilledProgramAreTheFirstOnes) {
+  const SampleCopy copy("telling-2003.mdb");
+  const pid_t child = fork();
+  if (child == 0) {
+    m_workspace->BeginAction();
+    const auto database = m_workspace->OpenDatabase(copy.Request());
+    for (int id = 1600; id > 1000; --id) {
+      MarkById(*database, std::to_string(id));
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    for (;;) pause();
+  }
+  for (int tries = 0; tries < 500 && copy.Changed().empty(); ++tries) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  const auto database = m_workspace->OpenDatabase(copy.Request());
+  const Strings marked = Marked(*database);
+  ASSERT_FALSE(marked.empty());
+  EXPECT_EQ(marked.back(), "1600");
+  EXPECT_EQ(marked.front(), std::to_string(1601 - static_cast<int>(marked.size())));
+  EXPECT_EQ(copy.Changed().size(), marked.size());
+  MarkById(*database, "1001");  // its lock file does not hinder
+}
+#endif
+
+}  // namespace
+}  // namespace kxrestore::engine

@@ -1,0 +1,223 @@
+// Waiting: whatever the engine does and whatever keeps it, the program has its turns, can end it, and locks
+// of others keep one user action for a bounded time. Nothing that was ended has changed anything.
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/engine/test_databases.h"
+#include "tests/engine/watched_files.h"
+
+namespace kxrestore::engine {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ExpectError;
+using testing::Rows;
+using Clock = std::chrono::steady_clock;
+
+constexpr auto kNever = Clock::duration::max();
+constexpr const char* kEndless =
+    "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i AS ID, 'f' || i AS Name FROM n";
+
+class SqliteWaiting : public ::testing::Test {
+ protected:
+  void SetUp() override { m_test->Run(testing::CatalogSchema() + testing::CatalogRows()); }
+  void TearDown() override { m_workspace->SetWaiting({}); }
+
+  std::unique_ptr<Database> Open() { return m_workspace->OpenDatabase(m_test->Request()); }
+  static void Mark(Database& database, int id) {
+    database.Execute("UPDATE Catalog SET Restore = True WHERE ID = " + std::to_string(id), kFailOnError);
+  }
+  std::string Marked() {
+    return m_test->Ask("SELECT group_concat(ID) FROM Catalog WHERE Restore = 1 ORDER BY ID");
+  }
+
+  // From now on the program has its turns, and wants to go after `patience`.
+  void Watch(Clock::duration patience) {
+    m_start = m_last = Clock::now();
+    m_longest = {};
+    m_workspace->SetWaiting([this, patience] {
+      Look();
+      return patience == kNever || Clock::now() - m_start < patience;
+    });
+  }
+  void Look() {
+    const auto now = Clock::now();
+    m_longest = std::max(m_longest, now - m_last);
+    m_last = now;
+  }
+
+  // Ends the operation after 80 ms: it raises the error soon after and has turns meanwhile. A busy machine
+  // may spoil one try.
+  void ExpectStopped(const char* what, int number, const std::function<void()>& operation) {
+    constexpr auto kStop = 80ms, kLatest = kStop + 200ms, kGap = 50ms;
+    for (int tries = 1;; ++tries) {
+      Watch(kStop);
+      ExpectError(number, "", operation);
+      Look();
+      const auto spent = Clock::now() - m_start;
+      m_workspace->SetWaiting({});
+      std::printf("%s: ended after %.0f ms, longest without a turn %.0f ms\n", what,
+                  std::chrono::duration<double, std::milli>(spent).count(),
+                  std::chrono::duration<double, std::milli>(m_longest).count());
+      EXPECT_GE(spent, kStop) << what;
+      if (spent < kLatest && m_longest < kGap) return;
+      if (tries == 3) {
+        ADD_FAILURE() << what << " ended late or had no turns";
+        return;
+      }
+    }
+  }
+
+  std::unique_ptr<testing::TestDatabase> m_test = testing::MakeSqliteFile();
+  std::unique_ptr<Workspace> m_workspace = MakeDefaultWorkspace();
+  Clock::time_point m_start, m_last;
+  Clock::duration m_longest{};
+};
+
+TEST_F(SqliteWaiting, ForLocksEndsWhenAsked) {
+  m_workspace->BeginAction();
+  const auto database = Open();
+  Rows(*database, "SetNames");
+  m_test->Run("BEGIN EXCLUSIVE");
+  ExpectStopped("reading", error_number::kCanceled, [&] { Rows(*database, "SELECT ID FROM Catalog"); });
+  ExpectStopped("marking", error_number::kCanceled, [&] { Mark(*database, 1); });
+  ExpectStopped("a saved query", error_number::kCanceled, [&] { database->DeleteQueryDef("FullCatalog"); });
+  m_workspace->EndAction();
+  m_workspace->BeginAction();
+  ExpectStopped("opening", error_number::kCanceled, [&] { Open(); });
+  m_test->Run("COMMIT");
+
+  const auto again = Open();
+  ExpectStopped("committing", error_number::kRowLocked, [&] {
+    Mark(*again, 1);
+    m_test->Run("BEGIN; SELECT count(*) FROM Catalog");
+    try {
+      m_workspace->Flush();
+    } catch (...) {
+      m_test->Run("COMMIT");
+      throw;
+    }
+  });
+  Mark(*again, 2);
+  m_workspace->EndAction();
+  EXPECT_EQ(Marked(), "2,4");
+  EXPECT_EQ(m_test->Ask("SELECT count(*) FROM sqlite_schema WHERE name = 'FullCatalog'"), "1");
+}
+
+// A program that has left already still lets a commit have a moment, which is mostly all it needs.
+TEST_F(SqliteWaiting, ACommitHasAMomentOfGrace) {
+  m_workspace->BeginAction();
+  Mark(*Open(), 1);
+  m_test->Run("BEGIN; SELECT count(*) FROM Catalog");
+  int turns = 0;
+  m_workspace->SetWaiting([&] {
+    if (++turns == 2) m_test->Run("COMMIT");
+    return false;
+  });
+  m_workspace->EndAction();
+  EXPECT_EQ(Marked(), "1,4");
+}
+
+TEST_F(SqliteWaiting, LocksKeepAnActionForOneTimeOnly) {
+  m_workspace = testing::MakeImpatientWorkspace();  // 300 ms
+  m_workspace->BeginAction();
+  const auto database = Open();
+  Rows(*database, "SetNames");
+  m_test->Run("BEGIN EXCLUSIVE");
+  const auto start = Clock::now();
+  for (int i = 0; i < 5; ++i) {
+    ExpectError(error_number::kRecordLocked, "", [&] { Rows(*database, "SELECT ID FROM Catalog"); });
+    ExpectError(error_number::kRowLocked, "", [&] { Mark(*database, 1); });
+  }
+  m_workspace->EndAction();
+  const auto spent = Clock::now() - start;
+  EXPECT_GE(spent, 200ms);
+  EXPECT_LT(spent, 600ms);
+  m_test->Run("COMMIT");
+  m_workspace->BeginAction();
+  Mark(*Open(), 1);
+  m_workspace->EndAction();
+  EXPECT_EQ(Marked(), "1,4");
+}
+
+TEST_F(SqliteWaiting, WorkWithoutEndEndsWhenAsked) {
+  m_test->Run(
+      std::string("CREATE VIEW Endless AS ") + kEndless +
+      "; CREATE VIEW Deaf AS SELECT * FROM Endless WHERE ID < 0; CREATE TABLE Copied (ID INTEGER);"
+      "CREATE TRIGGER Slow AFTER UPDATE ON Catalog WHEN new.ID = 3 BEGIN SELECT count(*) FROM Endless; END");
+  m_workspace->BeginAction();
+  const auto database = Open();
+  ExpectStopped("the first row", error_number::kCanceled, [&] { Rows(*database, "Deaf"); });
+  ExpectStopped("all rows", error_number::kCanceled, [&] {
+    const auto rows = database->OpenRecordset("Endless", RecordsetType::kSnapshot);
+    while (!rows->Eof()) rows->MoveNext();
+  });
+  Mark(*database, 1);
+  ExpectStopped("a trigger", error_number::kCanceled, [&] { Mark(*database, 3); });
+  ExpectStopped("a mark by row", error_number::kCanceled, [&] {
+    const auto row = database->OpenRecordset("SELECT * FROM Catalog WHERE ID = 3", RecordsetType::kDynaset);
+    row->Edit();
+    row->Fields("Restore").Set(true);
+    row->Update();
+  });
+  ExpectStopped("many rows", error_number::kCanceled,
+                [&] { database->Execute("INSERT INTO Copied (ID) SELECT ID FROM Endless", kFailOnError); });
+  // What is written beside a list that is read makes the engine take the list into memory.
+  ExpectStopped("the rest of a list", error_number::kCanceled, [&] {
+    const auto rows = database->OpenRecordset("Endless", RecordsetType::kSnapshot);
+    Mark(*database, 2);
+  });
+  Mark(*database, 7);
+  m_workspace->EndAction();
+  EXPECT_EQ(Marked(), "1,4,7") << "and none of those that were ended";
+  EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Copied"), "0");
+}
+
+TEST_F(SqliteWaiting, AListThatWasCutOffSaysSoAtItsEnd) {
+  m_test->Run(std::string("CREATE VIEW Endless AS ") + kEndless);
+  m_workspace->BeginAction();
+  const auto database = Open();
+  const auto rows = database->OpenRecordset("Endless", RecordsetType::kSnapshot);
+  Watch(50ms);
+  ExpectError(error_number::kCanceled, "", [&] { Mark(*database, 1); });
+  m_workspace->SetWaiting({});
+  std::int64_t id = 1;
+  EXPECT_EQ(rows->Fields("ID").Integer(), id);
+  ExpectError(error_number::kCanceled, "", [&] {
+    for (rows->MoveNext(); !rows->Eof(); rows->MoveNext()) ASSERT_EQ(rows->Fields("ID").Integer(), ++id);
+  });
+  EXPECT_TRUE(rows->Eof());
+  EXPECT_GT(id, 100);
+}
+
+TEST_F(SqliteWaiting, SlowFilesLeaveTurns) {
+  testing::WatchedFiles files;
+  m_test = testing::MakeSqliteFile();
+  SetUp();
+  m_test->Run(
+      "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 9000) INSERT INTO Catalog "
+      "(ID, "
+      "Filename, SetNameID, Restore) SELECT i, 'C:\\some\\longer\\folder\\file' || i, 1, 0 FROM n");
+  files.SetDelays(2ms, 60ms);
+  m_workspace->BeginAction();
+  Watch(kNever);
+  const auto database = Open();
+  Mark(*database, 101);
+  m_workspace->Flush();
+  Look();
+  EXPECT_LT(m_longest, 100ms) << "marking and committing";
+  ExpectStopped("reading slowly", error_number::kCanceled,
+                [&] { Rows(*database, "SELECT ID FROM Catalog WHERE Filename = 'no such file'"); });
+  ExpectStopped("marking slowly", error_number::kCanceled, [&] {
+    database->Execute("UPDATE Catalog SET Restore = True WHERE Filename Like '*9*'", kFailOnError);
+  });
+  files.SetDelays(0ms, 0ms);
+  m_workspace->EndAction();
+  EXPECT_EQ(Marked(), "4,101");
+}
+
+}  // namespace
+}  // namespace kxrestore::engine

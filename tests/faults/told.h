@@ -1,0 +1,20 @@
+// How the campaign is driven and what it leaves: a sample of each sweep in a test run, more of it when the
+// environment asks, and a line a case for the table.
+//
+//   KX_FAULTS_SEED   what random choices begin with; 1 unless told
+//   KX_FAULTS_TIMES  how many times as dense as the sample; 1 unless told
+//   KX_FAULTS_TABLE  a file to which "case<tab>tried<tab>held" is added at the end of the program
+#pragma once
+
+#include <string>
+
+namespace kxrestore::faults {
+
+unsigned Seed();
+unsigned Times();
+// The distance of neighbouring tries: `sample` in a sample, less in a whole run, at least 1.
+unsigned Sparsely(unsigned sample);
+// One try of a case, and whether what is promised held.
+void Tell(const std::string& name, bool held);
+
+}  // namespace kxrestore::faults

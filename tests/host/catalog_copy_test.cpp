@@ -1,0 +1,86 @@
+// A copied desktop catalog has the rows of the sample's twin, in a file and on a server; what fails leaves
+// nothing.
+#include "host/catalog_copier/catalog_copy.h"
+
+#include <filesystem>
+
+#include "tests/catalog/server_catalog.h"
+#include "tests/engine/desktop_samples.h"
+
+namespace kxrestore::host {
+namespace {
+
+using engine::testing::DesktopSample;
+using engine::testing::ExpectError;
+using engine::testing::Rows;
+
+class CatalogCopy : public ::testing::Test {
+ protected:
+  std::vector<CopiedTable> Copy(const std::string& source, const std::string& target) {
+    return CopyCatalog(*m_workspace, source, target,
+                       [this](const char*, const std::string&, std::int64_t rows, std::int64_t of) {
+                         EXPECT_LE(rows, of);
+                         ++m_steps;
+                       });
+  }
+
+  void ExpectTwins(engine::Database& copy, engine::Database& twin) {
+    const std::string columns =
+        "SELECT ID, DateStamp, SetNameID, Extension, Filename, File, LongPathID, StoreName, StoreMethod, "
+        "Plugin, "
+        "Restore, OrigSize, Status, Attributes, SubFolder, EncryptMethod, ";
+    for (const std::string& sql :
+         {columns + "OrigName FROM [Catalog] ORDER BY ID", columns + "SetName FROM FullCatalog ORDER BY ID",
+          std::string("SELECT ID, Name FROM SetNames ORDER BY ID"),
+          std::string("SELECT PathID, LongPath FROM LongPaths ORDER BY PathID"),
+          std::string(
+              "SELECT SetNameID, DateStamp, Extension, Permanent, Status FROM BackupAudit ORDER BY ID")}) {
+      const auto rows = Rows(copy, sql);
+      EXPECT_FALSE(rows.empty());
+      EXPECT_EQ(rows, Rows(twin, sql)) << sql;
+    }
+  }
+
+  engine::testing::TemporaryFolder m_folder;
+  std::unique_ptr<engine::Workspace> m_workspace = engine::MakeDefaultWorkspace();
+  int m_steps = 0;
+};
+
+TEST_F(CatalogCopy, IntoAFile) {
+  for (const auto& [name, twin] : engine::testing::SoundSamples()) {
+    const std::string target = m_folder.File(std::string(name) + ".db");
+    const auto copied = Copy(DesktopSample(name), target);
+    ASSERT_EQ(copied.size(), 4u);
+    EXPECT_EQ(copied[3].name, "Catalog");
+    EXPECT_EQ(copied[3].rows, std::string_view(name).starts_with("deleted") ? 400 : 600);
+    ExpectTwins(*m_workspace->OpenDatabase({.name = target}),
+                *m_workspace->OpenDatabase({.name = DesktopSample(twin), .readOnly = true}));
+  }
+  EXPECT_GT(m_steps, 0);
+}
+
+TEST_F(CatalogCopy, OntoAServer) {
+  if (!catalog_test::ServerCatalog::HasServer()) GTEST_SKIP() << "no server";
+  const catalog_test::ServerCatalog server([](sample::CatalogSink&) {});
+  const std::string target = "ODBC;" + server.Connect();
+  Copy(DesktopSample("marked-2003.mdb"), server.Connect().starts_with("ODBC;") ? server.Connect() : target);
+  ExpectTwins(*m_workspace->OpenDatabase({.connect = server.Connect()}),
+              *m_workspace->OpenDatabase({.name = DesktopSample("marked.db"), .readOnly = true}));
+}
+
+TEST_F(CatalogCopy, LeavesNothingBehindWhenItFails) {
+  const std::string target = m_folder.File("copy.db");
+  ExpectError(engine::error_number::kDamaged, "page 91",
+              [&] { Copy(DesktopSample("zeroed-page-2003.mdb"), target); });
+  EXPECT_FALSE(std::filesystem::exists(target));
+  ExpectError(engine::error_number::kTableNotFound, "",
+              [&] { Copy(DesktopSample("sample-1997.mdb"), target); });
+  EXPECT_FALSE(std::filesystem::exists(target));
+  engine::testing::WriteBytes(target, {'x'});
+  ExpectError(engine::error_number::kObjectExists, "already exists",
+              [&] { Copy(DesktopSample("telling-2003.mdb"), target); });
+  EXPECT_EQ(engine::testing::ReadBytes(target).size(), 1u);
+}
+
+}  // namespace
+}  // namespace kxrestore::host
