@@ -1,17 +1,11 @@
 #include "catalog/restore_marks.h"
 
-#include <charconv>
 #include <utility>
 
 #include "catalog/text_routines.h"
 
 namespace kxrestore::catalog {
 namespace {
-
-void AppendNumber(std::string& sql, std::int32_t number) {
-  char digits[12];
-  sql.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
-}
 
 void Mark(engine::Recordset& rows, engine::Field& restore, bool value) {
   rows.Edit();
@@ -39,23 +33,25 @@ MarkResult RestoreMarks::UpdateByID(std::int32_t id) {
   return Run(
       [&] {
         const auto database = OpenCatalog(m_workspace, m_settings);
-        m_sql = "UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=";
-        AppendNumber(m_sql, id);
-        m_sql += "));";
+        m_sql.Clear();
+        m_sql.Add("UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=")
+            .AddNumber(id)
+            .Add("));");
         return database->Execute(m_sql, engine::kFailOnError) > 0;
       },
       [&] { return "UpdateByID(" + std::to_string(id) + ")"; });
 }
 
 void RestoreMarks::BeginSelect(std::string_view columns, std::int32_t setNameId, std::string_view extension) {
-  m_sql = "SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, ";
-  m_sql.append(columns);
-  m_sql +=
-      "FROM LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID "
-      "WHERE (((Catalog.SetNameID)=";
-  AppendNumber(m_sql, setNameId == 0 ? m_current.setId : setNameId);
-  m_sql += ") AND ((Catalog.Extension)='";
-  m_sql.append(extension.empty() ? std::string_view(m_current.extension) : extension);
+  m_sql.Clear();
+  m_sql.Add("SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, ")
+      .Add(columns)
+      .Add(
+          "FROM LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID "
+          "WHERE (((Catalog.SetNameID)=")
+      .AddNumber(setNameId == 0 ? m_current.setId : setNameId)
+      .Add(") AND ((Catalog.Extension)=")
+      .AddRawText(extension.empty() ? std::string_view(m_current.extension) : extension);
 }
 
 MarkResult RestoreMarks::UpdateSelectionByFile(std::string_view fileName, bool restoreValue,
@@ -66,7 +62,7 @@ MarkResult RestoreMarks::UpdateSelectionByFile(std::string_view fileName, bool r
             "Catalog.File, Catalog.Plugin, Catalog.Restore, "
             "IIf(IsNull([LongPath]),[Catalog.Filename],[LongPath]) AS RestoreFile, LongPaths.LongPath ",
             setNameId, extension);
-        m_sql += "')); ";
+        m_sql.Add(")); ");
         const auto database = OpenCatalog(m_workspace, m_settings);
         const auto rows =
             database->OpenRecordset(m_sql, engine::RecordsetType::kDynaset, {"File", "Restore"});
@@ -92,9 +88,7 @@ MarkResult RestoreMarks::UpdateSelectionByFileName(std::string_view fileName, bo
   return Run(
       [&] {
         BeginSelect("Catalog.Restore, LongPaths.LongPath ", setNameId, extension);
-        m_sql += "') AND ((Catalog.Filename)='";
-        AppendWithFixedQuotes(m_sql, fileName);
-        m_sql += "')); ";
+        m_sql.Add(") AND ((Catalog.Filename)=").AddText(fileName).Add(")); ");
         const auto database = OpenCatalog(m_workspace, m_settings);
         const auto rows = database->OpenRecordset(m_sql, engine::RecordsetType::kDynaset, {"Restore"});
         if (rows->Eof()) return false;

@@ -67,7 +67,7 @@ class RestoreMarks {
   const ConnectionSettings& m_settings;
   const CurrentRun& m_current;
   Report m_report;
-  std::string m_sql;  // kept, so that marking 100,000 files does not allocate 100,000 statements
+  engine::Sql m_sql;  // kept, so that marking 100,000 files does not allocate 100,000 statements
 };
 
 }  // namespace kxrestore::catalog

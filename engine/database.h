@@ -19,6 +19,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/sql.h"
 #include "engine/value.h"
 
 namespace kxrestore::engine {
@@ -93,6 +94,14 @@ class Database {
   // stopped has changed nothing, and earlier updates of the group stay; where the failure undoes those as
   // well (a full or broken disk, memory), the next Idle, Flush or EndAction raises it again for them.
   virtual std::int64_t Execute(std::string_view sql, int options = 0) = 0;
+
+  // The same for a statement that carries its values. A back end that does not bind them gets the complete
+  // text.
+  virtual std::unique_ptr<Recordset> OpenRecordset(const Sql& sql, RecordsetType type,
+                                                   const ColumnNames& read = {}) {
+    return OpenRecordset(sql.Printed(), type, read);
+  }
+  virtual std::int64_t Execute(const Sql& sql, int options = 0) { return Execute(sql.Printed(), options); }
 
   // Saved queries. Their text ends in ";". Error 3265 when there is none of that name, 3012 when it is there
   // already.

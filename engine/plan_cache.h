@@ -1,5 +1,5 @@
-// The plans that a session keeps: a statement is translated once, and statements that differ in their
-// literals only share one plan.
+// The plans that a session keeps: a statement is translated once, and statements that differ in their values
+// only share one plan.
 #pragma once
 
 #include <memory>
@@ -8,9 +8,9 @@
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "engine/database.h"
-#include "engine/jet_sql/literals.h"
 
 namespace kxrestore::engine {
 
@@ -19,7 +19,6 @@ enum class StatementUse { kSnapshot, kDynaset, kAction };
 // What the plans of all back ends have. They also have `idle`, prepared statements that nobody uses, and
 // `updates`, one for each choice of columns.
 struct CachedPlan {
-  bool needsText = false;     // the literals have to stay in the statement: there is one plan for each text
   bool keepsPrepared = true;  // false where the server does not tell that a view is another now
   bool current = true;        // false once the schema was changed under it
 };
@@ -27,30 +26,22 @@ struct CachedPlan {
 template <class Plan>
 class PlanCache {
  public:
-  // The plan for a text and the columns that are read of its result, or what `make` returns for the text with
-  // its literals taken out.
+  // The plan for the text of a statement and the columns that are read of its result, or what `make` returns.
   template <class Make>
-  std::shared_ptr<Plan> Find(std::string_view source, StatementUse use, const ColumnNames& read, Make make) {
-    if (!jet_sql::ExtractLiterals(source, m_extracted)) KeepText(source);
-    std::string& key = m_extracted.key;
-    for (;;) {
-      const std::size_t textSize = key.size();
-      key.push_back(static_cast<char>('0' + static_cast<int>(use)));
-      for (const std::string_view name : read) key.append(name).push_back('\0');
-      auto found = m_plans.find(key);
-      if (found == m_plans.end()) {
-        const bool parameters = m_extracted.count > 0;
-        auto plan = make(parameters ? std::string_view(key).substr(0, textSize) : source);
-        if (m_plans.size() >= kMostPlans) m_plans.clear();
-        found = m_plans.emplace(key, std::move(plan)).first;
-      }
-      if (!found->second->needsText) return found->second;
-      KeepText(source);
-    }
+  std::shared_ptr<Plan> Find(const Sql& sql, StatementUse use, const ColumnNames& read, Make make) {
+    m_values = sql.Values();
+    m_key = sql.Text();
+    m_key.push_back(static_cast<char>('0' + static_cast<int>(use)));
+    for (const std::string_view name : read) m_key.append(name).push_back('\0');
+    const auto found = m_plans.find(m_key);
+    if (found != m_plans.end()) return found->second;
+    auto plan = make();
+    if (m_plans.size() >= kMostPlans) m_plans.clear();
+    return m_plans.emplace(m_key, std::move(plan)).first->second;
   }
 
-  // Of the text that a plan was looked for last.
-  const jet_sql::ExtractedLiterals& Literals() const { return m_extracted; }
+  // Of the statement that a plan was looked for last.
+  const std::vector<Value>& Values() const { return m_values; }
 
   // Takes back a prepared statement of the plan. Destructors call it: without memory the statement just goes.
   template <class Statement>
@@ -74,13 +65,9 @@ class PlanCache {
  private:
   static constexpr std::size_t kMostPlans = 64, kMostUpdates = 16;
 
-  void KeepText(std::string_view source) {
-    m_extracted.key = source;
-    m_extracted.count = 0;
-  }
-
   std::unordered_map<std::string, std::shared_ptr<Plan>> m_plans;
-  jet_sql::ExtractedLiterals m_extracted;
+  std::string m_key;
+  std::vector<Value> m_values;
 };
 
 }  // namespace kxrestore::engine

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/view_text.h"
+#include "engine/jet_sql/reading/view_text.h"
 
 namespace kxrestore::engine::jet_file {
 
@@ -24,13 +24,13 @@ void JetDatabase::CatchUp() {
   session.ForgetPlans();
 }
 
-std::unique_ptr<Recordset> JetDatabase::OpenRecordset(std::string_view source, RecordsetType type,
+std::unique_ptr<Recordset> JetDatabase::OpenRecordset(const Sql& sql, RecordsetType type,
                                                       const ColumnNames& read) {
   CatchUp();
-  return SqliteDatabase::OpenRecordset(source, type, read);
+  return SqliteDatabase::OpenRecordset(sql, type, read);
 }
 
-std::int64_t JetDatabase::Execute(std::string_view sql, int options) {
+std::int64_t JetDatabase::Execute(const Sql& sql, int options) {
   CatchUp();
   return SqliteDatabase::Execute(sql, options);
 }

@@ -20,9 +20,11 @@ class JetDatabase final : public sqlite::SqliteDatabase {
       : SqliteDatabase(session, readOnly), m_tables(std::move(tables)) {}
   ~JetDatabase() override;
 
-  std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type,
+  using SqliteDatabase::Execute;
+  using SqliteDatabase::OpenRecordset;
+  std::unique_ptr<Recordset> OpenRecordset(const Sql& sql, RecordsetType type,
                                            const ColumnNames& read) override;
-  std::int64_t Execute(std::string_view sql, int options) override;
+  std::int64_t Execute(const Sql& sql, int options) override;
   std::string QueryText(std::string_view name) override;
   void CreateQueryDef(std::string_view name, std::string_view sql) override;
   void DeleteQueryDef(std::string_view name) override;

@@ -6,9 +6,9 @@
 
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/dialect.h"
-#include "engine/jet_sql/printer.h"
-#include "engine/jet_sql/source_text.h"
+#include "engine/jet_sql/printing/dialect.h"
+#include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/reading/source_text.h"
 
 namespace kxrestore::engine::jet_file {
 

@@ -7,7 +7,7 @@
 
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/lexer.h"
+#include "engine/jet_sql/reading/lexer.h"
 
 namespace kxrestore::engine::jet_file {
 namespace {

@@ -1,5 +1,5 @@
-// What the parser makes of a statement. Chains of operators, joins and unions are kept flat, so that the
-// depth of the tree is the depth of the brackets in the text, which the parser bounds.
+// The syntax tree. Chains of operators, joins and unions are kept flat, so that the depth of the tree is the
+// bracket depth of the text, which the parser limits.
 #pragma once
 
 #include <cstddef>
@@ -11,6 +11,7 @@
 #include <variant>
 #include <vector>
 
+#include "engine/jet_sql/meaning/functions.h"
 #include "engine/value.h"
 
 namespace kxrestore::engine::jet_sql {
@@ -34,16 +35,32 @@ enum class ExpressionKind {
   kBetween,    // args[0] Between args[1] And args[2]
   kIn,         // args[0] In (args[1]...) or (query)
   kIsNull,     // args[0]
-  kFunction,   // text(args)
-  kCase,       // [args[0]] when/then pairs, else; operators[0] says "base" when args[0] is the base
+  kFunction,   // text(args), and which function that is
+  kCase,       // [base] when/then pairs, else
   kCast,       // args[0] as text
   kCollate,    // args[0] collate text
   kSubquery,   // (query)
   kExists,     // exists (query)
 };
 
-// What is known of a value's type: nothing, unless names were resolved against a server's tables.
-enum class ValueKind { kUnknown, kText, kNumber, kBoolean, kDate };
+enum class Operator {
+  kOr,
+  kAnd,
+  kEqual,
+  kNotEqual,
+  kLess,
+  kGreater,
+  kLessOrEqual,
+  kGreaterOrEqual,
+  kConcatenate,   // & in which Null is an empty text
+  kStandardJoin,  // ||
+  kAdd,
+  kSubtract,
+  kMultiply,
+  kDivide,
+  kDivideWhole,
+  kModulo,
+};
 
 struct Expression;
 using ExpressionPtr = std::unique_ptr<Expression>;
@@ -52,7 +69,9 @@ struct Expression {
   ExpressionKind kind = ExpressionKind::kNull;
   bool negated = false;   // Not Like, Not In, Not Between, Is Not Null
   bool distinct = false;  // Count(Distinct x)
+  bool hasBase = false;   // of CASE: args[0] is what the others are compared with
   bool hasElse = false;
+  Function function = Function::kOther;
   ValueKind valueKind = ValueKind::kUnknown;
   int depth = 1;
   std::int64_t number = 0;
@@ -60,15 +79,21 @@ struct Expression {
   std::string text;
   DateTime date;
   std::vector<ExpressionPtr> args;
-  std::vector<std::string> operators;
+  std::vector<Operator> operators;
   std::unique_ptr<SelectStatement> query;
 
   Expression();
   ~Expression();
 };
 
-// What GROUP BY names, without the collation by which saved queries of SQLite say what is understood here:
-// that case does not count.
+ExpressionPtr MakeColumn(std::string qualifier, std::string name);
+
+// Whether the expression is an aggregate, or contains one outside of nested queries.
+bool IsAggregate(const Expression& expression);
+bool HoldsAggregate(const Expression& expression);
+
+// Unwraps the NOCASE collation of a GROUP BY key. Saved queries of SQLite need it; in this dialect grouping
+// ignores case anyway.
 const Expression& GroupedExpression(const Expression& key);
 
 struct SelectItem {
@@ -77,7 +102,7 @@ struct SelectItem {
   std::string alias;
 };
 
-// What a column of the result is called, other than those of a star. `place`: the item's, from 0.
+// The name of a result column. `place`: its index among the items, which must not be a star.
 inline std::string ColumnName(const SelectItem& item, std::size_t place) {
   if (!item.alias.empty()) return item.alias;
   if (item.expression->kind == ExpressionKind::kColumn) return item.expression->text;

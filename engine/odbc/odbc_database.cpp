@@ -7,16 +7,25 @@ namespace kxrestore::engine::odbc {
 
 std::unique_ptr<Recordset> OdbcDatabase::OpenRecordset(std::string_view source, RecordsetType type,
                                                        const ColumnNames& read) {
-  return std::make_unique<OdbcRecordset>(Open(), source, type, read, IsReadOnly());
+  return OpenRecordset(Sql(source), type, read);
 }
 
-std::int64_t OdbcDatabase::Execute(std::string_view sql, int /*options*/) {
+std::unique_ptr<Recordset> OdbcDatabase::OpenRecordset(const Sql& sql, RecordsetType type,
+                                                       const ColumnNames& read) {
+  return std::make_unique<OdbcRecordset>(Open(), sql, type, read, IsReadOnly());
+}
+
+std::int64_t OdbcDatabase::Execute(std::string_view sql, int options) {
+  return Execute(Sql(sql), options);
+}
+
+std::int64_t OdbcDatabase::Execute(const Sql& sql, int /*options*/) {
   Session& session = *Open();
   const std::shared_ptr<Plan> plan = session.FindPlan(sql, Session::Use::kAction);
   OpenForWriting();
   auto statement = session.Acquire(*plan);
   const std::int64_t rows =
-      session.RunWrite(*statement, ParameterValues(*plan, session.Literals(), session.Dialect()));
+      session.RunWrite(*statement, ParameterValues(*plan, session.Values(), session.Dialect()));
   Session::Release(*plan, std::move(statement));
   return rows;
 }

@@ -6,9 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/jet_sql/literals.h"
-#include "engine/jet_sql/name_resolver.h"
-#include "engine/jet_sql/server_dialects.h"
+#include "engine/jet_sql/meaning/name_resolver.h"
+#include "engine/jet_sql/printing/server_dialects.h"
 #include "engine/odbc/odbc_statement.h"
 #include "engine/plan_cache.h"
 
@@ -27,7 +26,7 @@ struct RowUpdate {
 
 struct Plan : CachedPlan {
   std::string sql;
-  std::vector<std::int64_t> order;  // which literal each parameter is, counted from 1
+  std::vector<std::int64_t> order;  // which value each parameter is, counted from 1
   std::vector<jet_sql::ParameterUse> uses;
   std::vector<jet_sql::ResultColumn> columns;  // in the order of the result, without the hidden ones
   bool columnsKnown = false;
@@ -38,8 +37,9 @@ struct Plan : CachedPlan {
   bool isShort = false;  // its last result fitted one block
 };
 
-// The values for the plan's parameters, each converted to the kind of the column that it is compared with.
-std::vector<Value> ParameterValues(const Plan& plan, const jet_sql::ExtractedLiterals& literals,
+// The statement's values in the order of the plan's parameters, each converted to the kind of the column that
+// it is compared with.
+std::vector<Value> ParameterValues(const Plan& plan, const std::vector<Value>& values,
                                    const jet_sql::ServerDialect& dialect);
 
 }  // namespace kxrestore::engine::odbc

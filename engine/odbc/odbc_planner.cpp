@@ -4,26 +4,18 @@
 
 #include "base/error.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/lexer.h"
-#include "engine/jet_sql/parser.h"
-#include "engine/jet_sql/printer.h"
-#include "engine/jet_sql/read_columns.h"
-#include "engine/jet_sql/single_rows.h"
-#include "engine/jet_sql/source_text.h"
+#include "engine/jet_sql/meaning/read_columns.h"
+#include "engine/jet_sql/meaning/single_rows.h"
+#include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/reading/lexer.h"
+#include "engine/jet_sql/reading/parser.h"
+#include "engine/jet_sql/reading/source_text.h"
 #include "engine/odbc/table_facts.h"
 
 namespace kxrestore::engine::odbc {
 namespace {
 
 using namespace jet_sql;  // NOLINT: the planner speaks of little else
-
-ExpressionPtr ColumnOf(const ResultTable& table, const std::string& name) {
-  auto column = std::make_unique<Expression>();
-  column->kind = ExpressionKind::kColumn;
-  column->qualifier = table.alias;
-  column->text = name;
-  return column;
-}
 
 // Adds the key columns of the tables to the statement of a dynaset. Rows without an order are put in that of
 // the first table's key: a server may return a row in another place once it has been written.
@@ -37,62 +29,48 @@ void AddKeys(Session& session, SelectStatement& statement, const std::vector<Res
     planned.keys = session.Tables().KeyOf(*table.relation);
     for (const std::string& key : planned.keys) {
       SelectItem item;
-      item.expression = ColumnOf(table, key);
+      item.expression = MakeColumn(table.alias, key);
       item.alias = "kx_key_" + std::to_string(plan.hidden);
       core.items.push_back(std::move(item));
       planned.keyColumns.push_back(plan.hidden++);
-      if (isUnordered && &table == &tables.front()) statement.orderBy.push_back({ColumnOf(table, key)});
+      if (isUnordered && &table == &tables.front())
+        statement.orderBy.push_back({MakeColumn(table.alias, key)});
     }
   }
 }
 
-bool HoldsMask(const Plan& plan) {
-  return std::any_of(plan.uses.begin(), plan.uses.end(), [](const ParameterUse& use) { return use.isMask; });
-}
-
-Value AsKind(const Literal& literal, ValueKind kind) {
-  switch (literal.kind) {
-    case Literal::Kind::kInteger:
-      if (kind == ValueKind::kBoolean) return literal.integer != 0;
-      if (kind == ValueKind::kText) return std::to_string(literal.integer);
-      return literal.integer;
-    case Literal::Kind::kReal:
-      if (kind == ValueKind::kText) return ToText(ValueView(literal.real));
-      return literal.real;
-    case Literal::Kind::kText:
-      break;
-  }
+Value AsKind(const Value& value, ValueKind kind) {
+  const ValueView view = ViewOf(value);
+  if (kind == ValueKind::kText) return ToText(view);
+  if (kind == ValueKind::kBoolean && std::holds_alternative<std::int64_t>(value)) return ToBoolean(view);
   if (kind == ValueKind::kDate) {
-    if (const auto date = ToDateTime(ValueView(std::string_view(literal.text)))) return *date;
+    if (const auto date = ToDateTime(view)) return *date;
   }
-  return literal.text;
+  return value;
 }
 
 }  // namespace
 
-std::vector<Value> ParameterValues(const Plan& plan, const ExtractedLiterals& literals,
+std::vector<Value> ParameterValues(const Plan& plan, const std::vector<Value>& values,
                                    const ServerDialect& dialect) {
-  std::vector<Value> values;
+  std::vector<Value> parameters;
   for (const std::int64_t number : plan.order) {
     const auto index = static_cast<std::size_t>(number - 1);
-    const Literal& literal = literals.literals[index];
     const ParameterUse use = index < plan.uses.size() ? plan.uses[index] : ParameterUse();
     if (use.isMask) {
-      const Value text = AsKind(literal, ValueKind::kText);
-      values.emplace_back(dialect.Mask(std::get<std::string>(text)));
+      parameters.emplace_back(dialect.Mask(ToText(ViewOf(values[index]))));
     } else {
-      values.push_back(AsKind(literal, use.kind));
+      parameters.push_back(AsKind(values[index], use.kind));
     }
   }
-  return values;
+  return parameters;
 }
 
-std::shared_ptr<Plan> MakePlan(Session& session, std::string_view source, std::string_view key,
-                               Session::Use use, const ColumnNames& read) {
+std::shared_ptr<Plan> MakePlan(Session& session, const Sql& sql, Session::Use use, const ColumnNames& read) {
   Schema& schema = session.Tables();
   const bool reads = use != Session::Use::kAction;
   const auto exists = [&schema](std::string_view name) { return schema.FindEntry(name) != nullptr; };
-  jet_sql::Statement statement = ReadSource(source, key, reads, exists);
+  jet_sql::Statement statement = ReadSource(sql, reads, exists);
   auto plan = std::make_shared<Plan>();
   auto* select = std::get_if<SelectStatement>(&statement);
   if (use == Session::Use::kSnapshot && select != nullptr) {
@@ -101,10 +79,6 @@ std::shared_ptr<Plan> MakePlan(Session& session, std::string_view source, std::s
   }
   Resolution resolution = ResolveNames(statement, schema);
   plan->uses = std::move(resolution.parameters);
-  if (HoldsMask(*plan) && !session.Dialect().TakesMasksAsParameters()) {
-    plan->needsText = true;
-    return plan;
-  }
   plan->keepsPrepared = session.Facts().IsPostgres() || !resolution.readsQueries;
   plan->columns = std::move(resolution.columns);
   plan->columnsKnown = resolution.columnsKnown;

@@ -8,9 +8,8 @@
 
 namespace kxrestore::engine::odbc {
 
-// `key` is the text whose literals are parameters, or `source` itself. `read`: see Database::OpenRecordset.
-std::shared_ptr<Plan> MakePlan(Session& session, std::string_view source, std::string_view key,
-                               Session::Use use, const ColumnNames& read);
+// `read`: see Database::OpenRecordset.
+std::shared_ptr<Plan> MakePlan(Session& session, const Sql& sql, Session::Use use, const ColumnNames& read);
 
 // The UPDATE of some columns of a row, all of one table.
 RowUpdate& FindRowUpdate(Session& session, Plan& plan, const std::vector<std::size_t>& columns);

@@ -34,10 +34,10 @@ Value ForColumn(const Value& value, ValueKind kind) {
 
 }  // namespace
 
-OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, std::string_view source, RecordsetType type,
+OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, const Sql& sql, RecordsetType type,
                              const ColumnNames& read, bool readOnly)
     : StreamedRecordset(type, readOnly), m_session(std::move(session)) {
-  Open(source, read);
+  Open(sql, read);
   const std::vector<ColumnType>& columns = m_rows->Columns();
   for (std::size_t i = 0; i + m_plan->hidden < columns.size(); ++i) m_names.push_back(columns[i].name);
   const bool hasRow = m_rows->Next();
@@ -51,22 +51,21 @@ OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, std::string_view 
 
 // Other programs may have changed tables and queries since the plan was made, so a plan that fails is made
 // anew once.
-void OdbcRecordset::Open(std::string_view source, const ColumnNames& read) {
+void OdbcRecordset::Open(const Sql& sql, const ColumnNames& read) {
   Outcome failed;
-  if (TryOpen(source, read, failed)) return;
+  if (TryOpen(sql, read, failed)) return;
   m_session->ForgetPlans();
   m_statement.reset();
-  if (TryOpen(source, read, failed)) return;
-  if (failed.Failed()) m_session->RaiseFailure(failed, source);
-  Raise(number::kOdbcFailed,
-        "ODBC - call failed: the columns of '" + std::string(source) + "' keep changing.");
+  if (TryOpen(sql, read, failed)) return;
+  if (failed.Failed()) m_session->RaiseFailure(failed, sql.Printed());
+  Raise(number::kOdbcFailed, "ODBC - call failed: the columns of '" + sql.Printed() + "' keep changing.");
 }
 
-bool OdbcRecordset::TryOpen(std::string_view source, const ColumnNames& read, Outcome& failed) {
-  m_plan = m_session->FindPlan(source, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
+bool OdbcRecordset::TryOpen(const Sql& sql, const ColumnNames& read, Outcome& failed) {
+  m_plan = m_session->FindPlan(sql, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
   m_statement = m_session->Acquire(*m_plan);
   m_session->FetchPiecewise(!m_plan->isShort);
-  const auto values = ParameterValues(*m_plan, m_session->Literals(), m_session->Dialect());
+  const auto values = ParameterValues(*m_plan, m_session->Values(), m_session->Dialect());
   if (!m_session->RunRead(*m_statement, values, failed)) return false;
   m_rows = &m_statement->Rows();
   return !m_plan->columnsKnown || m_rows->Columns().size() == m_plan->columns.size() + m_plan->hidden;

@@ -13,8 +13,8 @@ namespace kxrestore::engine::odbc {
 
 class OdbcRecordset final : public StreamedRecordset {
  public:
-  OdbcRecordset(std::shared_ptr<Session> session, std::string_view source, RecordsetType type,
-                const ColumnNames& read, bool readOnly);
+  OdbcRecordset(std::shared_ptr<Session> session, const Sql& sql, RecordsetType type, const ColumnNames& read,
+                bool readOnly);
   ~OdbcRecordset() override;
   OdbcRecordset(const OdbcRecordset&) = delete;
   OdbcRecordset& operator=(const OdbcRecordset&) = delete;
@@ -29,9 +29,9 @@ class OdbcRecordset final : public StreamedRecordset {
   bool CanChange(std::size_t index) const override;
   void Write(const Changes& changes) override;
 
-  void Open(std::string_view source, const ColumnNames& read);
+  void Open(const Sql& sql, const ColumnNames& read);
   // False when the tables have changed since the plan was made; `failed` holds the driver's error, if any.
-  bool TryOpen(std::string_view source, const ColumnNames& read, Outcome& failed);
+  bool TryOpen(const Sql& sql, const ColumnNames& read, Outcome& failed);
   void UpdateTable(std::size_t table, const Changes& changes);
 
   std::shared_ptr<Session> m_session;

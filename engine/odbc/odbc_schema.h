@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/jet_sql/name_resolver.h"
+#include "engine/jet_sql/meaning/name_resolver.h"
 
 namespace kxrestore::engine::odbc {
 

@@ -54,9 +54,8 @@ void Session::RaiseFailure(const Outcome& outcome, std::string_view piece) const
 
 // ---- statements
 
-std::shared_ptr<Plan> Session::FindPlan(std::string_view source, Use use, const ColumnNames& read) {
-  return m_plans.Find(source, use, read,
-                      [&](std::string_view text) { return MakePlan(*this, source, text, use, read); });
+std::shared_ptr<Plan> Session::FindPlan(const Sql& sql, Use use, const ColumnNames& read) {
+  return m_plans.Find(sql, use, read, [&] { return MakePlan(*this, sql, use, read); });
 }
 
 std::unique_ptr<OdbcStatement> Session::Acquire(Plan& plan) {

@@ -54,9 +54,9 @@ class Session {
   bool HasUntold() const { return !m_group.empty() || m_lossNumber != 0; }
 
   using Use = StatementUse;
-  // The plan for a text; its literals are in Literals() until the next call.
-  std::shared_ptr<Plan> FindPlan(std::string_view source, Use use, const ColumnNames& read = {});
-  const jet_sql::ExtractedLiterals& Literals() const { return m_plans.Literals(); }
+  // The plan for a statement, whose values are in Values() until the next call.
+  std::shared_ptr<Plan> FindPlan(const Sql& sql, Use use, const ColumnNames& read = {});
+  const std::vector<Value>& Values() const { return m_plans.Values(); }
   std::unique_ptr<OdbcStatement> Acquire(Plan& plan);
   static void Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) noexcept;
   void ForgetPlans();  // after a change of the schema

@@ -3,8 +3,8 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/lexer.h"
-#include "engine/jet_sql/view_text.h"
+#include "engine/jet_sql/reading/lexer.h"
+#include "engine/jet_sql/reading/view_text.h"
 #include "engine/odbc/odbc_planner.h"
 #include "engine/odbc/odbc_session.h"
 
@@ -37,8 +37,6 @@ std::string Definition(Session& session, const Schema::Entry& entry) {
   } else if (facts.IsSqlServer()) {
     question = "SELECT OBJECT_DEFINITION(OBJECT_ID(?))";
     values.front() = session.Dialect().Identifier(entry.name);
-  } else if (facts.dbms == "SQLite") {
-    question = "SELECT sql FROM sqlite_master WHERE type = 'view' AND name = ?";
   }
   const auto rows = session.Ask(question, values);
   if (rows.empty() || rows.front().front().empty()) {

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "engine/jet_sql/server_dialects.h"
+#include "engine/jet_sql/printing/server_dialects.h"
 
 namespace kxrestore::engine::odbc {
 
@@ -12,7 +12,6 @@ constexpr std::size_t kQueryTimeout = 60;  // seconds
 
 struct ServerFacts {
   std::string dbms;                    // SQL_DBMS_NAME
-  char quote = '"';                    // around names
   bool foldsToLower = false;           // names that are not quoted
   bool onlyOneActive = false;          // one statement at a time may have rows to fetch
   bool fetchesAllAtOnce = false;       // the driver fetches a whole result unless told otherwise
@@ -34,7 +33,7 @@ struct ServerFacts {
   bool IsSqlServer() const { return dbms == "Microsoft SQL Server"; }
 };
 
-// The one place where a server's dialect is chosen.
+// The one place where a server's dialect is chosen; error 3146 for a server of another make.
 std::unique_ptr<jet_sql::ServerDialect> MakeDialect(const ServerFacts& facts);
 
 }  // namespace kxrestore::engine::odbc

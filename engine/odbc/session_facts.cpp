@@ -17,7 +17,7 @@ constexpr std::size_t kPiecewiseRows = 8192;
 constexpr milliseconds kLockStep(100);  // a smaller change of the limit is not worth a round trip
 
 struct DriverReport {
-  std::string dbms, driver, quote, escape;
+  std::string dbms, driver, escape;
   std::uint32_t identifierCase = 0, activities = 0, parts = 0;
 };
 
@@ -25,7 +25,6 @@ struct DriverReport {
 Outcome ReadReport(DriverHandles& handles, DriverReport& report) {
   const ConnectionHandle& connection = handles.connection;
   connection.GetInfo(SQL_DRIVER_NAME, report.driver).Ignore();
-  connection.GetInfo(SQL_IDENTIFIER_QUOTE_CHAR, report.quote).Ignore();
   connection.GetInfo(SQL_SEARCH_PATTERN_ESCAPE, report.escape).Ignore();
   connection.GetInfo(SQL_IDENTIFIER_CASE, report.identifierCase).Ignore();
   connection.GetInfo(SQL_MAX_CONCURRENT_ACTIVITIES, report.activities).Ignore();
@@ -72,7 +71,6 @@ void Session::ReadFacts() {
       m_connection.Run([report](DriverHandles& handles) { return ReadReport(handles, *report); });
   if (outcome.Failed()) RaiseFailure(outcome, Place());
   m_facts.dbms = report->dbms;
-  m_facts.quote = report->quote.empty() ? ' ' : report->quote.front();
   m_facts.patternEscape = report->escape;
   m_facts.foldsToLower = report->identifierCase == SQL_IC_LOWER;
   m_facts.onlyOneActive = report->activities == 1;

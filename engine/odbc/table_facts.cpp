@@ -15,9 +15,6 @@ std::optional<std::string> OdbcTableFacts::SavedQuery(const std::string& name) {
   const KnownRelation* relation = m_session.Tables().Find(name);
   if (relation == nullptr || relation->isTable) return std::nullopt;
   if (relation->text) return relation->text;
-  // The view's current text. Other servers might return that of another schema.
-  const ServerFacts& facts = m_session.Facts();
-  if (!facts.IsPostgres() && !facts.IsSqlServer() && facts.dbms != "SQLite") return std::nullopt;
   const Schema::Entry* entry = m_session.Tables().FindEntry(name);
   if (entry == nullptr) return std::nullopt;
   try {
@@ -46,23 +43,18 @@ const KnownColumn* OdbcTableFacts::FindColumn(const std::string& table, const st
   return found;
 }
 
-bool OdbcTableFacts::IsInCatalogs(const std::string& from, const std::string& condition,
-                                  const std::string& table, const std::string& column) {
+// Whether other tables of PostgreSQL's inherit from it.
+bool OdbcTableFacts::HasHeirs(const std::string& table) {
   const Schema::Entry* entry = m_session.Tables().FindEntry(table);
   if (entry == nullptr) return false;
-  std::vector<Value> values = {entry->name, entry->schema};
-  if (!column.empty()) values.emplace_back(column);
   return !m_session
               .Ask(
                   "SELECT 1 FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = "
-                  "c.relnamespace JOIN " +
-                      from + " WHERE c.relname = ? AND n.nspname = ? AND " + condition,
-                  values)
+                  "c.relnamespace JOIN pg_catalog.pg_inherits i ON i.inhparent = c.oid WHERE c.relname = ? "
+                  "AND "
+                  "n.nspname = ? AND c.relkind = 'r'",
+                  {entry->name, entry->schema})
               .empty();
-}
-
-bool OdbcTableFacts::HasColumn(const std::string& table, const std::string& column) {
-  return FindColumn(table, column) != nullptr;
 }
 
 bool OdbcTableFacts::IsRowKey(const std::string& table, const std::string& column) {
@@ -70,8 +62,7 @@ bool OdbcTableFacts::IsRowKey(const std::string& table, const std::string& colum
   if (key == nullptr || !key->isWhole) return false;
   if (m_session.Tables().PrimaryKeyOf(*FindTable(table)) != std::vector<std::string>{key->name}) return false;
   // A query also reads the rows of inheriting tables, which the key does not cover.
-  return !m_session.Facts().IsPostgres() ||
-         !IsInCatalogs("pg_catalog.pg_inherits i ON i.inhparent = c.oid", "c.relkind = 'r'", table);
+  return !m_session.Facts().IsPostgres() || !HasHeirs(table);
 }
 
 bool OdbcTableFacts::ComparesExactly(const std::string& table, const std::string& column) {
@@ -79,16 +70,9 @@ bool OdbcTableFacts::ComparesExactly(const std::string& table, const std::string
   return known != nullptr && known->isWhole;
 }
 
-// On other servers texts that differ in case or in trailing blanks may be equal.
-bool OdbcTableFacts::IsExactText(const std::string& table, const std::string& column) {
-  const KnownColumn* known = FindColumn(table, column);
-  return known != nullptr && m_session.Facts().IsPostgres() &&
-         IsInCatalogs(
-             "pg_catalog.pg_attribute a ON a.attrelid = c.oid JOIN pg_catalog.pg_collation l ON l.oid = "
-             "a.attcollation",
-             "a.atttypid IN ('pg_catalog.text'::regtype, 'pg_catalog.varchar'::regtype) AND "
-             "coalesce(CAST(to_jsonb(l) ->> 'collisdeterministic' AS boolean), TRUE) AND a.attname = ?",
-             table, known->name);
+// On other servers texts that differ in trailing blanks may be equal.
+bool OdbcTableFacts::MasksKeepGroups() const {
+  return m_session.Facts().IsPostgres();
 }
 
 }  // namespace kxrestore::engine::odbc

@@ -1,7 +1,7 @@
 // What a server says of its tables and views.
 #pragma once
 
-#include "engine/jet_sql/table_facts.h"
+#include "engine/jet_sql/meaning/table_facts.h"
 #include "engine/odbc/odbc_schema.h"
 
 namespace kxrestore::engine::odbc {
@@ -11,18 +11,14 @@ class OdbcTableFacts final : public jet_sql::TableFacts {
   explicit OdbcTableFacts(Session& session) : m_session(session) {}
 
   std::optional<std::string> SavedQuery(const std::string& name) override;
-  bool HasColumn(const std::string& table, const std::string& column) override;
   bool IsRowKey(const std::string& table, const std::string& column) override;
   bool ComparesExactly(const std::string& table, const std::string& column) override;
-  bool IsExactText(const std::string& table, const std::string& column) override;
-  bool SortsAlike() const override { return true; }
+  bool MasksKeepGroups() const override;
 
  private:
   const jet_sql::KnownRelation* FindTable(const std::string& name);
   const jet_sql::KnownColumn* FindColumn(const std::string& table, const std::string& column);
-  // Whether PostgreSQL's system catalogs hold a matching row for this table.
-  bool IsInCatalogs(const std::string& from, const std::string& condition, const std::string& table,
-                    const std::string& column = {});
+  bool HasHeirs(const std::string& table);
 
   Session& m_session;
 };

@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "base/text.h"
-#include "engine/jet_sql/dialect.h"
-#include "engine/jet_sql/like_pattern.h"
+#include "engine/jet_sql/meaning/like_pattern.h"
+#include "engine/jet_sql/printing/dialect.h"
 #include "engine/sqlite/api.h"
 
 namespace kxrestore::engine::sqlite {

@@ -4,14 +4,14 @@
 
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/dialect.h"
-#include "engine/jet_sql/lexer.h"
-#include "engine/jet_sql/parser.h"
-#include "engine/jet_sql/printer.h"
-#include "engine/jet_sql/read_columns.h"
-#include "engine/jet_sql/saved_query.h"
-#include "engine/jet_sql/single_rows.h"
-#include "engine/jet_sql/source_text.h"
+#include "engine/jet_sql/meaning/read_columns.h"
+#include "engine/jet_sql/meaning/saved_query.h"
+#include "engine/jet_sql/meaning/single_rows.h"
+#include "engine/jet_sql/printing/dialect.h"
+#include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/reading/lexer.h"
+#include "engine/jet_sql/reading/parser.h"
+#include "engine/jet_sql/reading/source_text.h"
 #include "engine/sqlite/table_facts.h"
 
 namespace kxrestore::engine::sqlite {
@@ -32,16 +32,6 @@ ColumnKind KindOf(const char* declared) {  // null for what no column holds
 
 bool HasRowNumber(const Connection& connection, const std::string& table) {
   return connection.FindColumn(table, "_rowid_").has_value();
-}
-
-bool HoldsAggregate(const Expression& expression) {
-  if (expression.kind == ExpressionKind::kFunction) {
-    for (const char* name : {"MAX", "MIN", "COUNT", "SUM", "AVG", "FIRST", "LAST", "TOTAL"}) {
-      if (IsKeyword(expression.text, name)) return true;
-    }
-  }
-  return std::any_of(expression.args.begin(), expression.args.end(),
-                     [](const ExpressionPtr& argument) { return HoldsAggregate(*argument); });
 }
 
 // The tables of a FROM clause; `pure` becomes false when something else stands among them.
@@ -71,10 +61,7 @@ std::vector<PlanTable> AddRowNumbers(const Connection& connection, SelectStateme
   for (const JoinChain& chain : core.from) CollectTables(connection, chain, tables, pure);
   for (std::size_t i = 0; i < tables.size(); ++i) {
     SelectItem item;
-    item.expression = std::make_unique<Expression>();
-    item.expression->kind = ExpressionKind::kColumn;
-    item.expression->qualifier = tables[i].alias;
-    item.expression->text = "_rowid_";
+    item.expression = MakeColumn(tables[i].alias, "_rowid_");
     item.alias = "kx_row_" + std::to_string(i);
     core.items.push_back(std::move(item));
   }
@@ -163,11 +150,11 @@ bool Disturbs(const Connection& connection, const PlanTable& table, const Plan& 
 
 }  // namespace
 
-std::shared_ptr<Plan> MakePlan(const Connection& connection, std::string_view source, std::string_view key,
-                               StatementUse use, const ColumnNames& read) {
+std::shared_ptr<Plan> MakePlan(const Connection& connection, const Sql& sql, StatementUse use,
+                               const ColumnNames& read) {
   const SqliteDialect dialect(false);
   const auto exists = [&connection](std::string_view name) { return ExistsInSchema(connection, name); };
-  jet_sql::Statement statement = ReadSource(source, key, use != StatementUse::kAction, exists);
+  jet_sql::Statement statement = ReadSource(sql, use != StatementUse::kAction, exists);
   auto plan = std::make_shared<Plan>();
   bool pure = true;
   SelectStatement* select = std::get_if<SelectStatement>(&statement);

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
 
 #include "engine/plan_cache.h"
 #include "engine/sqlite/connection.h"
@@ -10,9 +9,9 @@
 
 namespace kxrestore::engine::sqlite {
 
-// `key` is the text with its literals taken out, or the text itself. `read`: see Database::OpenRecordset.
-std::shared_ptr<Plan> MakePlan(const Connection& connection, std::string_view source, std::string_view key,
-                               StatementUse use, const ColumnNames& read);
+// `read`: see Database::OpenRecordset.
+std::shared_ptr<Plan> MakePlan(const Connection& connection, const Sql& sql, StatementUse use,
+                               const ColumnNames& read);
 
 // The update of these columns of one table, made at first use.
 RowUpdate& FindRowUpdate(const Connection& connection, Plan& plan, const std::vector<std::size_t>& columns);

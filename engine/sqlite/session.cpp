@@ -4,7 +4,7 @@
 
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/dialect.h"
+#include "engine/jet_sql/printing/dialect.h"
 #include "engine/sqlite/planner.h"
 
 namespace kxrestore::engine::sqlite {
@@ -30,9 +30,8 @@ Session::Session(std::string file, bool exclusive, bool grouping, std::shared_pt
 
 // ---- statements
 
-std::shared_ptr<Plan> Session::FindPlan(std::string_view source, Use use, const ColumnNames& read) {
-  return m_plans.Find(source, use, read,
-                      [&](std::string_view text) { return MakePlan(m_connection, source, text, use, read); });
+std::shared_ptr<Plan> Session::FindPlan(const Sql& sql, Use use, const ColumnNames& read) {
+  return m_plans.Find(sql, use, read, [&] { return MakePlan(m_connection, sql, use, read); });
 }
 
 Statement Session::Acquire(Plan& plan) {
@@ -43,21 +42,8 @@ Statement Session::Acquire(Plan& plan) {
     statement = std::move(plan.idle.back());
     plan.idle.pop_back();
   }
-  for (std::size_t i = 0; i < Literals().count; ++i) {
-    const jet_sql::Literal& literal = Literals().literals[i];
-    const int parameter = static_cast<int>(i) + 1;
-    switch (literal.kind) {
-      case jet_sql::Literal::Kind::kText:
-        statement.Bind(parameter, std::string_view(literal.text));
-        break;
-      case jet_sql::Literal::Kind::kInteger:
-        statement.Bind(parameter, static_cast<std::int64_t>(literal.integer));
-        break;
-      case jet_sql::Literal::Kind::kReal:
-        statement.Bind(parameter, literal.real);
-        break;
-    }
-  }
+  int parameter = 0;
+  for (const Value& value : m_plans.Values()) statement.Bind(++parameter, value);
   return statement;
 }
 

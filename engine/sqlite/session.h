@@ -36,11 +36,9 @@ class Session {
   bool IsReadOnly() const { return m_connection.IsReadOnly(); }
 
   using Use = StatementUse;
-  // The plan for a text; its literals are in Literals() until the next call.
-  std::shared_ptr<Plan> FindPlan(std::string_view source, Use use, const ColumnNames& read = {});
-  const jet_sql::ExtractedLiterals& Literals() const { return m_plans.Literals(); }
+  std::shared_ptr<Plan> FindPlan(const Sql& sql, Use use, const ColumnNames& read = {});
 
-  // A statement of the plan with the literals of the last FindPlan bound; give it back when done.
+  // A statement of the plan with the values of the last FindPlan bound; give it back when done.
   Statement Acquire(Plan& plan);
   static void Release(Plan& plan, Statement statement) noexcept;
 

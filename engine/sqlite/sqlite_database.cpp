@@ -3,10 +3,10 @@
 #include <utility>
 
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/dialect.h"
-#include "engine/jet_sql/printer.h"
-#include "engine/jet_sql/source_text.h"
-#include "engine/jet_sql/view_text.h"
+#include "engine/jet_sql/printing/dialect.h"
+#include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/reading/source_text.h"
+#include "engine/jet_sql/reading/view_text.h"
 #include "engine/sqlite/sqlite_recordset.h"
 
 namespace kxrestore::engine::sqlite {
@@ -28,15 +28,24 @@ const std::shared_ptr<Session>& SqliteDatabase::OpenSettled() const {
 
 std::unique_ptr<Recordset> SqliteDatabase::OpenRecordset(std::string_view source, RecordsetType type,
                                                          const ColumnNames& read) {
-  return std::make_unique<SqliteRecordset>(OpenSettled(), source, type, read, IsReadOnly());
+  return OpenRecordset(Sql(source), type, read);
 }
 
-std::int64_t SqliteDatabase::Execute(std::string_view sql, int /*options*/) {
+std::unique_ptr<Recordset> SqliteDatabase::OpenRecordset(const Sql& sql, RecordsetType type,
+                                                         const ColumnNames& read) {
+  return std::make_unique<SqliteRecordset>(OpenSettled(), sql, type, read, IsReadOnly());
+}
+
+std::int64_t SqliteDatabase::Execute(std::string_view sql, int options) {
+  return Execute(Sql(sql), options);
+}
+
+std::int64_t SqliteDatabase::Execute(const Sql& sql, int /*options*/) {
   Session& session = *OpenSettled();
   const std::shared_ptr<Plan> plan = session.FindPlan(sql, Session::Use::kAction);
   OpenForWriting();
   Statement statement = session.Acquire(*plan);
-  session.RunWrite(statement, {true, plan->bounded}, sql);
+  session.RunWrite(statement, {true, plan->bounded}, plan->sql);
   const std::int64_t changes = session.Link().Changes();
   Session::Release(*plan, std::move(statement));
   return changes;

@@ -22,24 +22,24 @@ ValueView OfKind(ColumnKind kind, const ValueView& value) {
 
 }  // namespace
 
-SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, std::string_view source,
-                                 RecordsetType type, const ColumnNames& read, bool readOnly)
+SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, const Sql& sql, RecordsetType type,
+                                 const ColumnNames& read, bool readOnly)
     : StreamedRecordset(type, readOnly), m_session(std::move(session)) {
-  Outcome outcome = Open(source, read);
+  Outcome outcome = Open(sql, read);
   if (outcome.IsRow() && m_statement.ColumnCount() != static_cast<int>(m_plan->allColumns)) {
     m_session->ForgetPlans();  // somebody else has changed the schema meanwhile
-    outcome = Open(source, read);
+    outcome = Open(sql, read);
   }
   if (outcome.IsRow()) {
     m_session->Streaming().Add(*this);
   } else if (!outcome.IsDone()) {
-    m_session->Link().Raise(outcome.Code(), Doing::kReading, source);
+    m_session->Link().Raise(outcome.Code(), Doing::kReading, sql.Printed());
   }
   Begin(outcome.IsRow(), m_plan->columns.size(), m_plan->allColumns - m_plan->columns.size());
 }
 
-Outcome SqliteRecordset::Open(std::string_view source, const ColumnNames& read) {
-  m_plan = m_session->FindPlan(source, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
+Outcome SqliteRecordset::Open(const Sql& sql, const ColumnNames& read) {
+  m_plan = m_session->FindPlan(sql, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
   m_statement = m_session->Acquire(*m_plan);
   return m_statement.Step(Stop::kWork);
 }

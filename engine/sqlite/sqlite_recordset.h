@@ -12,7 +12,7 @@ namespace kxrestore::engine::sqlite {
 
 class SqliteRecordset final : public StreamedRecordset {
  public:
-  SqliteRecordset(std::shared_ptr<Session> session, std::string_view source, RecordsetType type,
+  SqliteRecordset(std::shared_ptr<Session> session, const Sql& sql, RecordsetType type,
                   const ColumnNames& read, bool readOnly);
   ~SqliteRecordset() override;
   SqliteRecordset(const SqliteRecordset&) = delete;
@@ -28,7 +28,7 @@ class SqliteRecordset final : public StreamedRecordset {
   bool CanChange(std::size_t index) const override { return !m_plan->columns[index].baseName.empty(); }
   void Write(const Changes& changes) override;
 
-  Outcome Open(std::string_view source, const ColumnNames& read);
+  Outcome Open(const Sql& sql, const ColumnNames& read);
   void UpdateTable(std::size_t table, const Changes& changes);
 
   std::shared_ptr<Session> m_session;

@@ -2,7 +2,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
-#include "engine/jet_sql/view_text.h"
+#include "engine/jet_sql/reading/view_text.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
@@ -27,24 +27,12 @@ std::optional<std::string> SqliteTableFacts::SavedQuery(const std::string& name)
   }
 }
 
-bool SqliteTableFacts::HasColumn(const std::string& table, const std::string& column) {
-  return FindColumn(m_connection, table, column).has_value();
-}
-
 bool SqliteTableFacts::IsRowKey(const std::string& table, const std::string& column) {
   const auto facts = FindColumn(m_connection, table, column);
   if (!facts || !facts->inKey || !EqualIgnoringCase(facts->type, "INTEGER")) return false;
   Statement count = m_connection.Prepare("SELECT count(*) FROM pragma_table_info(?1) WHERE pk > 0");
   count.Bind(1, std::string_view(table));
   return count.Next(table) && count.Integer(0) == 1;
-}
-
-bool SqliteTableFacts::IsExactText(const std::string& table, const std::string& column) {
-  const auto facts = FindColumn(m_connection, table, column);
-  if (!facts || !EqualIgnoringCase(facts->collation, "BINARY")) return false;
-  const std::string type = FoldCase(facts->type);
-  return type.find("int") == std::string::npos &&
-         (type.find("text") != std::string::npos || type.find("char") != std::string::npos);
 }
 
 }  // namespace kxrestore::engine::sqlite

@@ -1,7 +1,7 @@
 // What the catalog file says of its tables and views.
 #pragma once
 
-#include "engine/jet_sql/table_facts.h"
+#include "engine/jet_sql/meaning/table_facts.h"
 #include "engine/sqlite/connection.h"
 
 namespace kxrestore::engine::sqlite {
@@ -11,11 +11,9 @@ class SqliteTableFacts final : public jet_sql::TableFacts {
   explicit SqliteTableFacts(const Connection& connection) : m_connection(connection) {}
 
   std::optional<std::string> SavedQuery(const std::string& name) override;
-  bool HasColumn(const std::string& table, const std::string& column) override;
   bool IsRowKey(const std::string& table, const std::string& column) override;
   bool ComparesExactly(const std::string& /*table*/, const std::string& /*column*/) override { return true; }
-  bool IsExactText(const std::string& table, const std::string& column) override;
-  bool SortsAlike() const override { return false; }
+  bool MasksKeepGroups() const override { return true; }
 
  private:
   const Connection& m_connection;

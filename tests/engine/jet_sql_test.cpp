@@ -1,13 +1,8 @@
 // The translator alone: what statements become for SQLite, and what it refuses.
-#include <algorithm>
-#include <chrono>
 
-#include "base/text.h"
-#include "engine/jet_sql/lexer.h"
-#include "engine/jet_sql/like_pattern.h"
-#include "engine/jet_sql/literals.h"
-#include "engine/jet_sql/parser.h"
-#include "engine/jet_sql/printer.h"
+#include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/reading/parser.h"
+#include "engine/sql.h"
 #include "tests/engine/test_databases.h"
 
 namespace kxrestore::engine::jet_sql {
@@ -143,95 +138,18 @@ TEST(JetSql, DepthIsBounded) {
   EXPECT_EQ(Direct(Direct(nested)), Direct(nested));
 }
 
-// The key with "?" for each literal, then the literals.
-std::string Extracted(std::string_view source) {
-  ExtractedLiterals extracted;
-  if (!ExtractLiterals(source, extracted)) return "refused";
-  std::string shown = extracted.key;
-  std::replace(shown.begin(), shown.end(), kParameterMark, '?');
-  for (std::size_t i = 0; i < extracted.count; ++i) {
-    const auto& [kind, text, integer, real] = extracted.literals[i];
-    using Kind = Literal::Kind;
-    shown += kind == Kind::kText      ? " {" + text + "}"
-             : kind == Kind::kInteger ? " {" + std::to_string(integer) + "}"
-                                      : " {" + std::to_string(real) + "}";
-  }
-  return shown;
-}
-
-TEST(Literals, OnlyOperandsOfComparisonsAreTaken) {
-  const std::pair<const char*, const char*> taken[] = {
-      {"WHERE (((Catalog.ID)=1234));", "WHERE (((Catalog.ID)=?)); {1234}"},
-      {"a = -5 and b<>1.5", "a = ? and b<>? {-5} {1.500000}"},
-      {"x='it''s' or y=\"say \"\"hi\"\"\"", "x=? or y=? {it's} {say \"hi\"}"},
-      {"n Like \"*a*\" and m not like'b'", "n Like ? and m not like? {*a*} {b}"},
-      {"x=''", "x=? {}"},
-      {"a like2 and b=3", "a like2 and b=? {3}"}};
-  for (const auto& [text, expected] : taken) EXPECT_EQ(Extracted(text), expected);
-  for (const char* text :
-       {"x In ('a', \"b\")", "x Between 1 And 2", "[a=5]", "[x = 'y'] + 1", "x = True",
-        "d >= #1/2/2026 3:04 PM#", "'a = 5'", "x = a1", "x = 5a", "x = 1e5", "x = 99999999999999999999",
-        "x = 1.2.3", "x = -y", "unlike 5", "x = (5)", "t1.c2 + 3"}) {
-    EXPECT_EQ(Extracted(text), text);
-  }
-  for (const char* unclosed : {"x='abc", "x=\"abc", "'abc", "[abc", "#1/2", "a \x01 b"}) {
-    EXPECT_EQ(Extracted(unclosed), "refused") << unclosed;
-  }
-}
-
-// Masks look for a letter in both of its ASCII forms before they fold a text.
-TEST(LikePattern, OnlyTwoLettersBeyondAsciiFoldIntoIt) {
-  for (char32_t character = 0x80; character <= 0x10FFFF; ++character) {
-    const char32_t folded = FoldCase(character);
-    EXPECT_TRUE(folded >= 0x80 || folded == 'k' || folded == 's') << static_cast<std::uint32_t>(character);
-  }
-}
-
-TEST(LikePattern, Table) {
-  const struct {
-    const char* mask;
-    std::vector<std::string> matching, others;
-  } cases[] = {{"*", {"", "x"}, {}},
-               {"", {""}, {"a"}},
-               {"abc", {"ABC"}, {"abcd", "ab"}},
-               {"a*", {"Abc", std::string("a\0b", 3)}, {"ba"}},
-               {"a", {}, {std::string("a\0b", 3)}},
-               {"ab*ba", {"abba"}, {"aba"}},
-               {"*a*b*", {"xaxb"}, {"xbxa"}},
-               {"a?!", {"a\xFF!", "ab!"}, {"a!"}},  // bytes that are no text
-               {"*\xC3*", {"x\xC3"}, {}},
-               {"?", {"ä"}, {"", "äö"}},
-               {"[a-c]x", {"Bx"}, {"dx"}},
-               {"[!a-c]x", {"dx"}, {"Ax", "x"}},
-               {"a[?]b", {"a?b"}, {"axb"}},
-               {"[-a]", {"-", "a"}, {"b"}},
-               {"[a-]", {"-", "a"}, {"b"}},
-               {"[z-a]", {"m"}, {}},
-               {"[ä-ö]", {"Ö"}, {"ü"}},
-               {"*ärger*", {"GROßER ÄRGER!"}, {}},
-               {"*KX*", {"a\u212Ax"}, {}},
-               {"[", {"["}, {}},
-               {"a[b", {"A[B"}, {"ab"}},
-               {"*[*", {"a[b"}, {"ab"}},
-               {"[]a", {"a"}, {"[]a"}},
-               {"[!]", {"!"}, {"x"}},
-               {"*?", {"x"}, {""}},
-               {"?*", {"x"}, {""}},
-               {"*[0-9]", {"v1.0"}, {"v1."}}};
-  for (const auto& [mask, matching, others] : cases) {
-    for (const std::string& text : matching) EXPECT_TRUE(LikePattern(mask).Matches(text)) << mask << text;
-    for (const std::string& text : others) EXPECT_FALSE(LikePattern(mask).Matches(text)) << mask << text;
-  }
-}
-
-// Nested backtracking would take years here.
-TEST(LikePattern, HostileMaskStaysLinearInItsStars) {
-  std::string mask, text(20000, 'a');
-  for (int i = 0; i < 200; ++i) mask += "*a?";
-  const LikePattern pattern(mask + "*[b]");
-  const auto start = std::chrono::steady_clock::now();
-  EXPECT_FALSE(pattern.Matches(text));
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+TEST(Sql, PrintsWithItsValues) {
+  Sql sql("a = ");
+  sql.AddNumber(-5).Add(" AND b=").AddText("it's \"so\"").Add(" AND c=").AddRawText("001");
+  EXPECT_EQ(sql.Printed(), "a = -5 AND b='it''s \"so\"' AND c='001'");
+  EXPECT_EQ(sql.Values(), (std::vector<Value>{std::int64_t{-5}, "it's \"so\"", "001"}));
+  EXPECT_EQ(sql.Text(), "a = \x01 AND b=\x01 AND c=\x01");
+  sql.Clear();
+  sql.Add("SELECT a FROM t WHERE x=").AddRawText("a'\x01b").Add(" AND y=").AddNumber(1);
+  EXPECT_EQ(sql.Values().size(), 1u) << "a text that ends its apostrophes is no value";
+  ExpectError(error_number::kSyntax, "", [&] { Parse(sql.Text(), sql.Values().size()); });
+  ExpectError(error_number::kSyntax, "", [] { Parse("SELECT a FROM t WHERE x = \x01"); });
+  ExpectError(error_number::kSyntax, "", [] { Parse("SELECT a FROM t WHERE x = \x01 AND y = \x01", 1); });
 }
 
 }  // namespace

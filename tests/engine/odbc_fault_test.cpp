@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <thread>
 
+#include "engine/jet_sql/printing/server_dialects.h"
 #include "engine/odbc/odbc_session.h"
 #include "tests/engine/odbc_test_database.h"
 
@@ -65,6 +66,21 @@ TEST_F(OdbcServer, WhoCannotLogOn) {
       EXPECT_EQ(error.Description().find("wr0ng-secret"), std::string::npos) << error.Description();
     }
   }
+}
+
+TEST_F(OdbcServer, AServerOfAnotherMakeIsRefused) {
+  ExpectError(error_number::kOdbcFailed, "'SQLite'",
+              [&] { m_workspace->OpenDatabase({.connect = "ODBC;DRIVER={SQLite3};Database=:memory:"}); });
+}
+
+// As a server is asked that has no collation which does it.
+TEST_F(OdbcServer, PlainLettersToSortBy) {
+  using jet_sql::PostgresDialect;
+  const PostgresDialect dialect(PostgresDialect::Order::kPlainLetters, false);
+  EXPECT_EQ(
+      m_test->Ask("SELECT string_agg(n, ' ' ORDER BY " + dialect.SortKey("n", jet_sql::ValueKind::kText) +
+                  ", k) FROM (VALUES ('Zoo', 1), ('Ärzte', 1), ('ARZT', 2), ('arzt', 1)) AS v (n, k)"),
+      "arzt ARZT Ärzte Zoo");
 }
 
 TEST_F(OdbcServer, RightsThatLack) {

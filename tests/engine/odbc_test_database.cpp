@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <clocale>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -59,11 +58,8 @@ std::string Spelled(std::string_view sql, Spelling spelling) {
 
 class OdbcTestDatabase final : public TestDatabase {
  public:
-  OdbcTestDatabase(std::string connect, Spelling spelling, std::unique_ptr<TemporaryFolder> folder = {})
-      : m_folder(std::move(folder)),
-        m_connect(std::move(connect)),
-        m_session(m_connect),
-        m_spelling(spelling) {}
+  OdbcTestDatabase(std::string connect, Spelling spelling)
+      : m_connect(std::move(connect)), m_session(m_connect), m_spelling(spelling) {}
 
   OpenRequest Request() const override { return {.connect = m_connect}; }
 
@@ -105,7 +101,6 @@ class OdbcTestDatabase final : public TestDatabase {
   }
 
  private:
-  std::unique_ptr<TemporaryFolder> m_folder;
   std::string m_connect;
   odbc::Session m_session;
   Spelling m_spelling;
@@ -135,13 +130,6 @@ std::unique_ptr<TestDatabase> MakePostgres(Spelling spelling) {
        "FINALFUNC = public.joined)",
        "ALTER DEFAULT PRIVILEGES IN SCHEMA public GRANT ALL ON TABLES TO " + user});
   return std::make_unique<OdbcTestDatabase>(ServerConnect(database, user, password), spelling);
-}
-
-std::unique_ptr<TestDatabase> MakeSqliteBehindOdbc() {
-  std::setlocale(LC_CTYPE, "C.UTF-8");  // in which the driver manager hands texts to a driver without UTF-16
-  auto folder = std::make_unique<TemporaryFolder>();
-  std::string connect = "ODBC;DRIVER={SQLite3};Database=" + folder->File("catalog.db") + ";Timeout=300";
-  return std::make_unique<OdbcTestDatabase>(std::move(connect), Spelling::kFolded, std::move(folder));
 }
 
 std::string ServerSetting(const char* name) {

@@ -1,6 +1,5 @@
-// Databases behind the ODBC driver manager: PostgreSQL under the driver name that hosts ask for, and SQLite
-// as a server that the engine knows nothing of. scripts/test.sh starts the server and names it in the
-// environment.
+// PostgreSQL behind the ODBC driver manager, under the driver name that hosts ask for. scripts/test.sh starts
+// the server and names it in the environment.
 #pragma once
 
 #include "tests/engine/test_databases.h"
@@ -14,7 +13,6 @@ enum class Spelling { kFolded, kQuoted };
 bool HasTestServer();
 
 std::unique_ptr<TestDatabase> MakePostgres(Spelling spelling);
-std::unique_ptr<TestDatabase> MakeSqliteBehindOdbc();
 
 // A connect string as hosts give it, for the server of the environment.
 std::string ServerConnect(const std::string& database, const std::string& user, const std::string& password);

@@ -3,12 +3,12 @@
 #include "base/text.h"
 #include "catalog/restore_marks.h"
 #include "catalog/restore_query.h"
-#include "engine/jet_sql/name_resolver.h"
-#include "engine/jet_sql/parser.h"
-#include "engine/jet_sql/printer.h"
-#include "engine/jet_sql/read_columns.h"
-#include "engine/jet_sql/single_rows.h"
-#include "engine/jet_sql/tsql_dialect.h"
+#include "engine/jet_sql/meaning/name_resolver.h"
+#include "engine/jet_sql/reading/parser.h"
+#include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/meaning/read_columns.h"
+#include "engine/jet_sql/meaning/single_rows.h"
+#include "engine/jet_sql/printing/tsql_dialect.h"
 #include "tests/catalog/recording_database.h"
 
 namespace kxrestore::engine::testing {
@@ -76,17 +76,13 @@ class CatalogOnServer final : public jet_sql::Relations, public jet_sql::TableFa
     if (relation != nullptr && !relation->isTable && !relation->text) return FullCatalogText();
     return relation != nullptr ? relation->text : std::nullopt;
   }
-  bool HasColumn(const std::string& table, const std::string& column) override {
-    return IsRowKey(table, column);
-  }
   bool IsRowKey(const std::string& table, const std::string& column) override {
     return !SavedQuery(table) && (column == "ID" || column == "PathID");
   }
   bool ComparesExactly(const std::string& /*table*/, const std::string& column) override {
     return column.ends_with("ID");
   }
-  bool IsExactText(const std::string& /*table*/, const std::string& /*column*/) override { return false; }
-  bool SortsAlike() const override { return true; }
+  bool MasksKeepGroups() const override { return false; }
 
  private:
   void Add(const std::string& name, bool isTable, std::vector<KnownColumn> columns,

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "engine/database.h"
-#include "engine/jet_sql/dialect.h"
+#include "engine/jet_sql/printing/dialect.h"
 
 namespace kxrestore::engine::testing {
 

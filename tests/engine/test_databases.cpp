@@ -101,9 +101,6 @@ const std::vector<TestDatabaseKind>& TestDatabaseKinds() {
     if (HasTestServer()) {
       found.push_back({"Postgres", [] { return MakePostgres(Spelling::kFolded); }});
       found.push_back({"PostgresQuoted", [] { return MakePostgres(Spelling::kQuoted); }});
-#ifndef _WIN32
-      found.push_back({"OdbcSqlite", MakeSqliteBehindOdbc});
-#endif
     }
     return found;
   }();

@@ -1,7 +1,7 @@
 // What statements become for SQL Server, which no test here can run.
 #include <gtest/gtest.h>
 
-#include "engine/jet_sql/tsql_dialect.h"
+#include "engine/jet_sql/printing/tsql_dialect.h"
 #include "tests/engine/server_statements.h"
 #include "tests/engine/test_databases.h"
 
@@ -65,7 +65,7 @@ TEST(TsqlDialect, Masks) {
   } cases[] = {{"*.do?", "'%.do_'"},   {"50%_", "'50\\%\\_'"}, {"C:\\#", "'C:\\\\[0-9]'"},
                {"[a-c]x", "'[a-c]x'"}, {"[!c-a]", "'[^a-c]'"}, {"[^a]", "'[\\^a]'"},
                {"a[]b", "'ab'"},       {"a[b", "'a\\[b'"},     {"[-a-]", "'[\\-a\\-]'"},
-               {"[!]", "'[!]'"},       {"it''s", "'it''s'"},   {"Ä[ö-ü]", "N'Ä[ö-ü]'"}};
+               {"[!]", "'!'"},         {"it''s", "'it''s'"},   {"Ä[ö-ü]", "N'Ä[ö-ü]'"}};
   for (const auto& [mask, expected] : cases) {
     for (const bool negated : {false, true}) {
       const std::string text = ForSqlServer("SELECT ID FROM Catalog WHERE File " +
@@ -106,14 +106,14 @@ TEST(TsqlDialect, ListingOfTheLatestVersions) {
   const std::string text = ForSqlServer(
       "SELECT * from FullCatalogLatest WHERE ((FullCatalogLatest.OrigName Like \"*x*\") AND "
       "(FullCatalogLatest.Status = 2) );");
-  EXPECT_EQ(text.substr(text.find(" FROM ")),
+  EXPECT_TRUE(text.starts_with("SELECT * FROM (SELECT [FullCatalog].[OrigName] AS [OrigName], ")) << text;
+  EXPECT_EQ(text.substr(text.find(" FROM [")),
             " FROM [FullCatalog] INNER JOIN (SELECT [FullCatalog].[OrigName] AS [OrigName], "
             "Max([FullCatalog].[DateStamp]) AS [DateStamp], Max([FullCatalog].[ID]) AS [ID] FROM "
             "[FullCatalog] WHERE [FullCatalog].[Status] = 2 GROUP BY [FullCatalog].[OrigName]) AS "
-            "[qryGetLatest] ON [qryGetLatest].[ID] = [FullCatalog].[ID] WHERE [FullCatalog].[OrigName] LIKE "
-            "'%x%' ESCAPE '\\' AND [FullCatalog].[Status] = 2 AND [FullCatalog].[Status] = 2 ORDER BY "
-            "[FullCatalog].[DateStamp] DESC, [FullCatalog].[ID] DESC");
-  EXPECT_EQ(text.substr(0, text.find(", ")), "SELECT [FullCatalog].[OrigName] AS [OrigName]");
+            "[qryGetLatest] ON [qryGetLatest].[ID] = [FullCatalog].[ID] WHERE [FullCatalog].[Status] = 2) AS "
+            "[FullCatalogLatest] WHERE [FullCatalogLatest].[OrigName] LIKE '%x%' ESCAPE '\\' AND "
+            "[FullCatalogLatest].[Status] = 2 ORDER BY 2 DESC, 3 DESC");
 }
 
 }  // namespace

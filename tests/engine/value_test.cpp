@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/jet_sql/date_literal.h"
+#include "engine/jet_sql/reading/date_literal.h"
 #include "tests/raises.h"
 
 namespace kxrestore::engine {

@@ -1,5 +1,5 @@
 // Views of other programs, and those made here for SQL Server, read back as saved queries.
-#include "engine/jet_sql/view_text.h"
+#include "engine/jet_sql/reading/view_text.h"
 
 #include <gtest/gtest.h>
 

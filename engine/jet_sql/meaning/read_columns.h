@@ -1,0 +1,18 @@
+// Drops result columns that nobody reads.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "engine/jet_sql/ast.h"
+#include "engine/jet_sql/meaning/name_resolver.h"
+
+namespace kxrestore::engine::jet_sql {
+
+// Removes the columns that are not in `read` from a statement whose `columns` are known. Keeps calculated and
+// renamed columns, and all columns of SELECT DISTINCT, because those decide which rows there are. Does
+// nothing if `read` is empty or names no column of the result.
+void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>& columns,
+                           const std::vector<std::string_view>& read);
+
+}  // namespace kxrestore::engine::jet_sql

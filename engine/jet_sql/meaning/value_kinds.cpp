@@ -1,0 +1,71 @@
+#include "engine/jet_sql/meaning/value_kinds.h"
+
+namespace kxrestore::engine::jet_sql {
+namespace {
+
+ValueKind KindOfFunction(const Expression& call) {
+  const FunctionFacts& facts = FactsOf(call.function);
+  if (facts.kindLike == FunctionFacts::kNoArgument) return facts.kind;
+  for (auto i = static_cast<std::size_t>(facts.kindLike); i < call.args.size(); ++i) {
+    if (call.args[i]->valueKind != ValueKind::kUnknown) return call.args[i]->valueKind;
+  }
+  return ValueKind::kUnknown;
+}
+
+ValueKind KindOfChain(Operator sign) {
+  switch (sign) {
+    case Operator::kOr:
+    case Operator::kAnd:
+      return ValueKind::kBoolean;
+    case Operator::kConcatenate:
+    case Operator::kStandardJoin:
+      return ValueKind::kText;
+    default:
+      return ValueKind::kNumber;
+  }
+}
+
+}  // namespace
+
+bool IsLiteral(const Expression& expression) {
+  switch (expression.kind) {
+    case ExpressionKind::kNull:
+    case ExpressionKind::kBoolean:
+    case ExpressionKind::kNumber:
+    case ExpressionKind::kText:
+    case ExpressionKind::kDate:
+    case ExpressionKind::kParameter:
+      return true;
+    default:
+      return false;
+  }
+}
+
+ValueKind KindOf(const Expression& expression) {
+  switch (expression.kind) {
+    case ExpressionKind::kText:
+      return ValueKind::kText;
+    case ExpressionKind::kNumber:
+    case ExpressionKind::kMinus:
+      return ValueKind::kNumber;
+    case ExpressionKind::kDate:
+      return ValueKind::kDate;
+    case ExpressionKind::kChain:
+      return KindOfChain(expression.operators.front());
+    case ExpressionKind::kFunction:
+      return KindOfFunction(expression);
+    case ExpressionKind::kBoolean:
+    case ExpressionKind::kNot:
+    case ExpressionKind::kIsNull:
+    case ExpressionKind::kExists:
+    case ExpressionKind::kCompare:
+    case ExpressionKind::kBetween:
+    case ExpressionKind::kIn:
+    case ExpressionKind::kLike:
+      return ValueKind::kBoolean;
+    default:
+      return ValueKind::kUnknown;
+  }
+}
+
+}  // namespace kxrestore::engine::jet_sql

@@ -1,0 +1,17 @@
+// Prints a parsed statement for one kind of database.
+#pragma once
+
+#include <string>
+
+#include "engine/jet_sql/ast.h"
+#include "engine/jet_sql/printing/dialect.h"
+
+namespace kxrestore::engine::jet_sql {
+
+enum class PrintedAs { kStatement, kView };
+
+std::string Print(const Statement& statement, const Dialect& dialect,
+                  PrintedAs printedAs = PrintedAs::kStatement);
+std::string Print(const SelectStatement& statement, const Dialect& dialect);
+
+}  // namespace kxrestore::engine::jet_sql
