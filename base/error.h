@@ -26,7 +26,7 @@ class Error : public std::exception {
 
 // The exception being handled, as an Error: error 7 for lack of memory, error 51 for any other foreign
 // exception. Call it in a catch block only.
-Error CurrentError();
+Error CurrentError() noexcept;
 
 // Numbers that code outside the engine raises or asks for. The engine's own stand in engine/error_numbers.h.
 namespace error_number {

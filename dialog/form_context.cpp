@@ -19,7 +19,7 @@ bool FormContext::IsStop(const Error& error) const {
   return error.Number() == engine::error_number::kCanceled && Stopped();
 }
 
-void FormContext::ReportError(const Error& error, const std::string& routine) {
+void FormContext::ReportError(const Error& error, std::string_view routine) {
   if (IsStop(error)) return;
   const auto commit = [this] { workspace.Flush(); };
   const std::optional<Error> second = Trap(commit);
@@ -30,11 +30,11 @@ void FormContext::ReportError(const Error& error, const std::string& routine) {
   if (second->Number() != error.Number()) ShowError(*second, routine);
 }
 
-void FormContext::ShowError(const Error& error, const std::string& routine) {
+void FormContext::ShowError(const Error& error, std::string_view routine) {
   Skipping([&] {
     std::string text("(");
     text.append(std::to_string(error.Number())).append(") ").append(error.Description());
-    platform.desktop.MessageBox(text, platform::kExclamation, routine);
+    platform.desktop.MessageBox(text, platform::kExclamation, std::string(routine));
   });
 }
 
@@ -43,7 +43,7 @@ int FormContext::MessageBox(const std::string& text, int style, const std::strin
   return platform.desktop.MessageBox(text, style, title);
 }
 
-bool FormContext::Commit(const std::string& routine) {
+bool FormContext::Commit(const char* routine) {
   const bool committed = Reporting(routine, [this] { workspace.Flush(); });
   if (!committed) m_commitLost = true;
   return committed;
@@ -54,7 +54,7 @@ void FormContext::DoEvents() {
   workspace.Idle();
 }
 
-void FormContext::EnterEvent(const std::string& routine) {
+void FormContext::EnterEvent(const char* routine) {
   if (m_events++ > 0) return;
   m_routine = routine;
   Skipping([this] { workspace.BeginAction(); });
@@ -87,7 +87,7 @@ void FormContext::RunWhatWasPutOff() {
   m_runningPutOff = false;
 }
 
-bool FormContext::RaiseToHost(const std::string& routine, const std::function<void()>& event, bool evenThen) {
+bool FormContext::RaiseToHost(const char* routine, const std::function<void()>& event, bool evenThen) {
   const bool committed = Reporting(routine, [this] { workspace.EndAction(); });
   if (!committed) m_commitLost = true;
   const bool raised = committed || evenThen;

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "base/error.h"
@@ -87,26 +88,26 @@ class FormContext {
 
   // Shows an error: "(number) description" under the routine's name. The interruption by which the user's
   // stop ends a statement is no error and is not shown.
-  void ReportError(const Error& error, const std::string& routine);
+  void ReportError(const Error& error, std::string_view routine);
   // The same without committing what was written so far before it waits for the user.
-  void ShowError(const Error& error, const std::string& routine);
+  void ShowError(const Error& error, std::string_view routine);
   bool IsStop(const Error& error) const;
   // Shows a question or a message once everything written so far is committed. Returns the answer.
   int MessageBox(const std::string& text, int style, const std::string& title);
   // Commits everything written so far. A failure is shown under the routine's name, and the restore list is
   // filled anew when the event ends. Whether it is committed.
-  bool Commit(const std::string& routine);
+  bool Commit(const char* routine);
 
   // Runs `body` up to its first error, which is shown under the routine's name. Whether there was none.
   template <class Body>
-  bool Reporting(const std::string& routine, Body&& body) {
+  bool Reporting(const char* routine, Body&& body) {
     const std::optional<Error> error = Trap(body);
     if (error) ReportError(*error, routine);
     return !error;
   }
   // The same with a step of its own, which is given the error, before that is shown.
   template <class Body, class Before>
-  bool Reporting(const std::string& routine, Body&& body, Before&& before) {
+  bool Reporting(const char* routine, Body&& body, Before&& before) {
     const std::optional<Error> error = Trap(body);
     if (error) {
       Skipping([&] { before(*error); });
@@ -125,31 +126,33 @@ class FormContext {
     return !Trap(body);
   }
 
-  // Runs the handler of an event as one user action. An error is skipped; a failed commit is shown under the
-  // routine's name. From the first event to the end of the last one that came in while it ran, the form is
-  // busy: the engine lets pending messages run while it works or waits, and the user can stop it.
+  // Runs the handler of an event as one user action. An error is skipped, except that memory ran out; that
+  // and a failed commit are shown under the routine's name. From the first event to the end of the last one
+  // that came in while it ran, the form is busy: the engine lets pending messages run while it works or
+  // waits, and the user can stop it.
   template <class Body>
-  void Event(const std::string& routine, Body&& body) {
+  void Event(const char* routine, Body&& body) {
     if (m_hostHasControl || !ui.form.IsOpen()) return;
     EnterEvent(routine);
-    Skipping(body);
+    const std::optional<Error> error = Trap(body);
+    if (error && error->Number() == error_number::kOutOfMemory) ShowError(*error, routine);
     LeaveEvent();
   }
   // The same for events that start work. While the form is busy the work is put off until that has ended; of
   // several the last one is taken.
   template <class Body>
-  void Command(const std::string& routine, Body&& body) {
+  void Command(const char* routine, Body&& body) {
     if (!Busy()) {
       Event(routine, body);
     } else if (!m_hostHasControl) {
-      PutOff([this, routine, body] { Event(routine, body); });
+      Skipping([&] { PutOff([this, routine, body] { Event(routine, body); }); });
     }
   }
 
   // Raises an event to the form's owner. The user action ends first, so that the host finds everything
   // committed and nothing open; whatever the user does until the host returns is ignored. A commit that fails
   // is shown. Then the event is not raised, unless `evenThen`. Whether it was raised.
-  bool RaiseToHost(const std::string& routine, const std::function<void()>& event, bool evenThen);
+  bool RaiseToHost(const char* routine, const std::function<void()>& event, bool evenThen);
 
   // A walk over rows, nodes or entries. Next is called before every item: it lets pending messages run and
   // says whether to go on. A statement that the user stops ends with an error for which IsStop holds.
@@ -192,12 +195,12 @@ class FormContext {
     }
   }
   void PutOff(std::function<void()> step) { m_putOff = std::move(step); }
-  void EnterEvent(const std::string& routine);
+  void EnterEvent(const char* routine);
   void LeaveEvent();
   void RunWhatWasPutOff();
 
   int m_events = 0;
-  std::string m_routine;  // of the outermost event
+  const char* m_routine = "";  // of the outermost event
   bool m_hostHasControl = false;
   bool m_commitLost = false;
   bool m_runningPutOff = false;

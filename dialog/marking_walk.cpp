@@ -26,8 +26,8 @@ bool IsUnreachable(int number) {
 
 }  // namespace
 
-MarkingWalk::MarkingWalk(FormContext& context, std::string routine)
-    : m_context(context), m_routine(std::move(routine)), m_commits(context.workspace.Commits()) {
+MarkingWalk::MarkingWalk(FormContext& context, const char* routine)
+    : m_context(context), m_routine(routine), m_commits(context.workspace.Commits()) {
   m_reportBefore = std::exchange(
       m_context.onMarkError, [this](const Error& error, const std::string& name) { Report(error, name); });
 }

@@ -24,7 +24,7 @@ class MarkingWalk {
   enum class End { kDone, kStopped };
 
   // `routine`: the name under which the walk itself reports. There is one marking walk at a time.
-  MarkingWalk(FormContext& context, std::string routine);
+  MarkingWalk(FormContext& context, const char* routine);
   ~MarkingWalk();
   MarkingWalk(const MarkingWalk&) = delete;
   MarkingWalk& operator=(const MarkingWalk&) = delete;
@@ -74,7 +74,7 @@ class MarkingWalk {
   End Finish();
 
   FormContext& m_context;
-  std::string m_routine;
+  const char* m_routine;
   FormContext::ErrorReport m_reportBefore;
   engine::CommitCounts m_commits;
   std::vector<std::size_t> m_waiting;  // marked, but not committed yet
