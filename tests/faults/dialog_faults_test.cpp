@@ -339,8 +339,7 @@ TEST_F(DialogFaults, DamagedPages) {
   std::filesystem::remove(whole);
 }
 
-// Left out of test runs as long as an event may end before its trap begins: see docs/reliability.md.
-TEST_F(DialogFaults, DISABLED_Memory) {
+TEST_F(DialogFaults, Memory) {
   Sweep(Failing::kMemory, 12);
 }
 TEST_F(DialogFaults, MemoryOfTheDatabase) {
