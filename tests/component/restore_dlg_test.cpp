@@ -100,7 +100,7 @@ TEST_F(RestoreDlgTest, EverySettingReachesTheForm) {
             Strings{"connect |ODBC;DRIVER={sql server};DATABASE=Cat;SERVER=SRV;UID=sa;PWD=pw"});
   EXPECT_EQ(path, "Restore To: D:\\Back");
   std::string line;
-  std::getline(std::ifstream(folder.File("log")), line);
+  std::getline(std::ifstream(folder.File("log"), std::ios::binary), line);
   EXPECT_EQ(line, "11/16/2026 2:25:30 AM R 10.1.6 Loading verify Dialog ... \r");
   ExpectReports({"LoadBackupSetTree: (3151) "});
 }
