@@ -32,10 +32,9 @@ class TestCatalog {
   void Mark(std::int64_t id) const {
     Query("UPDATE Catalog SET Restore = 1 WHERE ID = " + std::to_string(id));
   }
+  std::set<std::int64_t> Query(const std::string& sql) const;  // integers of the first column
 
  private:
-  std::set<std::int64_t> Query(const std::string& sql) const;
-
   std::wstring m_folder;
 };
 
