@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,17 +22,22 @@ class Marker {
 
   void ByName(const std::vector<std::string>& names) {
     m_workspace->BeginAction();
-    for (const std::string& name : names) m_marks.UpdateSelectionByFileName(name, true, 0, "");
+    for (const std::string& name : names) Check(m_marks.UpdateSelectionByFileName(name, true, 0, ""));
     m_workspace->EndAction();
   }
 
   void ById(const std::vector<std::int32_t>& ids) {
     m_workspace->BeginAction();
-    for (const std::int32_t id : ids) m_marks.UpdateByID(id);
+    for (const std::int32_t id : ids) Check(m_marks.UpdateByID(id));
     m_workspace->EndAction();
   }
 
  private:
+  // Errors are thrown by the report.
+  static void Check(catalog::MarkResult result) {
+    if (result != catalog::MarkResult::kDone) throw std::runtime_error("a row to mark is not there");
+  }
+
   catalog::ConnectionSettings m_settings;
   catalog::CurrentRun m_current{kBenchSet, kBenchExtension};
   std::unique_ptr<engine::Workspace> m_workspace = engine::MakeDefaultWorkspace();
