@@ -138,8 +138,8 @@ class FormContext {
     if (error && error->Number() == error_number::kOutOfMemory) ShowError(*error, routine);
     LeaveEvent();
   }
-  // The same for events that start work. While the form is busy the work is put off until that has ended; of
-  // several the last one is taken.
+  // The same for events that start work. While the form is busy the work is deferred until the form is idle;
+  // only the last deferred command runs.
   template <class Body>
   void Command(const char* routine, Body&& body) {
     if (!Busy()) {

@@ -1,4 +1,4 @@
-// One row as it is stored: which columns have a value, and where. Nothing is decoded before it is asked for.
+// A stored row: which columns have a value, and where each one lies. Values are decoded on demand.
 #pragma once
 
 #include <cstddef>

@@ -241,7 +241,7 @@ TEST_F(TreeViewTest, FoldersHaveTheKeysOfTheirPaths) {
   const Node deep = tree.FindOrAddFolder(tree.Add({}, "red", "red"), "deep", 1);
   EXPECT_EQ(deep, tree.FindOrAddFolder(tree.Add({}, "re", "re"), "ddeep", 1));
 
-  // A key stays when the text changes, and those below it do.
+  // Changing the text changes neither this key nor the keys below it.
   data.SetTag("tag");
   data.SetText("Renamed");
   EXPECT_EQ("C:\\Data\\", data.Key());

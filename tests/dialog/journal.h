@@ -1,5 +1,5 @@
-// Writes down, in one order, what the form does: to its controls, to the catalog and to whoever else the test
-// adds. A statement is written down with its text, a control's change with its new state.
+// Records everything the form does, in order: to its controls, to the catalog, and whatever else the test notes.
+// A statement is recorded by its text, a change to a control by the control's new state.
 #pragma once
 
 #include <memory>

@@ -20,7 +20,7 @@ std::ostream& operator<<(std::ostream& out, DriverFault fault);
 
 class DriverDouble {
  public:
-  // Switches the double on, its counter at 0. `at`: the call that it happens to, counted from 1.
+  // Starts injecting faults and resets the call counter. `at`: the number of the call to hit, from 1.
   DriverDouble(DriverFault fault, std::size_t at, std::chrono::milliseconds delay = {});
   ~DriverDouble();
   DriverDouble(const DriverDouble&) = delete;

@@ -260,7 +260,7 @@ TEST_F(DriverSweep, ScreenAndCatalogAgreeWhateverTheDriverDoes) {
       const std::size_t step = all ? 1 : std::max<std::size_t>(calls[number] / kSample, 1);
       for (std::size_t kind = all ? 0 : (round + number) % 3; kind < (all ? 3 : (round + number) % 3 + 1);
            ++kind) {
-        // The kinds of fault take different places, the last calls, which commit, first.
+        // Each kind of fault samples different calls, starting from the last ones, which commit.
         const std::size_t back = round * step + (all ? 0 : kind * step / 3);
         if (back >= calls[number]) continue;
         Try(action, kKinds[kind], calls[number] - back);
