@@ -13,6 +13,7 @@
 #include "base/error.h"
 #include "engine/database.h"
 #include "engine/error_numbers.h"
+#include "tests/dialog/pass_through_engine.h"
 
 namespace kxrestore::dialog_test {
 
@@ -35,43 +36,36 @@ struct Injection {
   }
 };
 
-class FaultyRecordset : public engine::Recordset {
+class FaultyRecordset : public PassThroughRecordset {
  public:
   FaultyRecordset(std::unique_ptr<engine::Recordset> rows, Injection& injection, engine::Backend& backend,
                   std::size_t& marks)
-      : m_rows(std::move(rows)), m_injection(injection), m_backend(backend), m_marks(marks) {}
+      : PassThroughRecordset(std::move(rows)), m_injection(injection), m_backend(backend), m_marks(marks) {}
 
-  bool Eof() const override { return m_rows->Eof(); }
   void MoveNext() override {
     m_injection.Fail(Fault::kRow, engine::error_number::kDiskError, "Disk I/O error during read.");
-    m_rows->MoveNext();
-  }
-  std::size_t FieldCount() const override { return m_rows->FieldCount(); }
-  std::string_view FieldName(std::size_t index) const override { return m_rows->FieldName(index); }
-  engine::ValueView FieldValue(std::size_t index) const override { return m_rows->FieldValue(index); }
-  void Edit() override { m_rows->Edit(); }
-  void SetFieldValue(std::size_t index, engine::Value value) override {
-    m_rows->SetFieldValue(index, std::move(value));
+    PassThroughRecordset::MoveNext();
   }
   void Update() override {
     m_injection.Fail(Fault::kMark, engine::error_number::kRowLocked, "Locked by another user.");
-    m_rows->Update();
+    PassThroughRecordset::Update();
     if (++m_marks % 2 == 0) m_backend.Flush();
   }
-  void Close() override { m_rows->Close(); }
 
  private:
-  std::unique_ptr<engine::Recordset> m_rows;
   Injection& m_injection;
   engine::Backend& m_backend;
   std::size_t& m_marks;
 };
 
-class FaultyDatabase : public engine::Database {
+class FaultyDatabase : public PassThroughDatabase {
  public:
   FaultyDatabase(std::unique_ptr<engine::Database> database, Injection& injection, engine::Backend& backend,
                  std::size_t& marks)
-      : m_database(std::move(database)), m_injection(injection), m_backend(backend), m_marks(marks) {}
+      : PassThroughDatabase(std::move(database)),
+        m_injection(injection),
+        m_backend(backend),
+        m_marks(marks) {}
 
   std::unique_ptr<engine::Recordset> OpenRecordset(std::string_view source, engine::RecordsetType type,
                                                    const engine::ColumnNames& read) override {
@@ -85,18 +79,8 @@ class FaultyDatabase : public engine::Database {
     if (++m_marks % 2 == 0) m_backend.Flush();
     return rows;
   }
-  std::string QueryText(std::string_view name) override { return m_database->QueryText(name); }
-  void CreateQueryDef(std::string_view name, std::string_view sql) override {
-    m_database->CreateQueryDef(name, sql);
-  }
-  void DeleteQueryDef(std::string_view name) override { m_database->DeleteQueryDef(name); }
-  void BeginTrans() override { m_database->BeginTrans(); }
-  void CommitTrans() override { m_database->CommitTrans(); }
-  void Rollback() override { m_database->Rollback(); }
-  void Close() override { m_database->Close(); }
 
  private:
-  std::unique_ptr<engine::Database> m_database;
   Injection& m_injection;
   engine::Backend& m_backend;
   std::size_t& m_marks;

@@ -1,5 +1,5 @@
-// Records everything the form does, in order: to its controls, to the catalog, and whatever else the test notes.
-// A statement is recorded by its text, a change to a control by the control's new state.
+// Records everything the form does, in order: to its controls, to the catalog, and whatever else the test
+// notes. A statement is recorded by its text, a change to a control by the control's new state.
 #pragma once
 
 #include <memory>
@@ -10,6 +10,7 @@
 
 #include "dialog/form_controls.h"
 #include "engine/database.h"
+#include "tests/dialog/pass_through_engine.h"
 
 namespace kxrestore::dialog_test {
 
@@ -141,38 +142,27 @@ inline void Journal::Watch(dialog::FormControls& ui) {
   WatchAll(*this, ui.form);
 }
 
-// A database that passes everything on to another one.
-class JournalRecordset : public engine::Recordset {
+class JournalRecordset : public PassThroughRecordset {
  public:
   JournalRecordset(Journal& journal, std::unique_ptr<engine::Recordset> rows)
-      : m_journal(journal), m_rows(std::move(rows)) {}
-  bool Eof() const override { return m_rows->Eof(); }
-  void MoveNext() override { m_rows->MoveNext(); }
-  std::size_t FieldCount() const override { return m_rows->FieldCount(); }
-  std::string_view FieldName(std::size_t index) const override { return m_rows->FieldName(index); }
-  engine::ValueView FieldValue(std::size_t index) const override { return m_rows->FieldValue(index); }
-  void Edit() override { m_rows->Edit(); }
-  void SetFieldValue(std::size_t index, engine::Value value) override {
-    m_rows->SetFieldValue(index, std::move(value));
-  }
+      : PassThroughRecordset(std::move(rows)), m_journal(journal) {}
   void Update() override {
     m_journal.Note("row written");
-    m_rows->Update();
+    PassThroughRecordset::Update();
   }
   void Close() override {
     m_journal.Note("close rows");
-    m_rows->Close();
+    PassThroughRecordset::Close();
   }
 
  private:
   Journal& m_journal;
-  std::unique_ptr<engine::Recordset> m_rows;
 };
 
-class JournalDatabase : public engine::Database {
+class JournalDatabase : public PassThroughDatabase {
  public:
   JournalDatabase(Journal& journal, std::unique_ptr<engine::Database> database)
-      : m_journal(journal), m_database(std::move(database)) {}
+      : PassThroughDatabase(std::move(database)), m_journal(journal) {}
   std::unique_ptr<engine::Recordset> OpenRecordset(std::string_view source, engine::RecordsetType type,
                                                    const engine::ColumnNames& read) override {
     m_journal.Note((type == engine::RecordsetType::kSnapshot ? "snapshot " : "dynaset ") +
@@ -183,14 +173,6 @@ class JournalDatabase : public engine::Database {
     m_journal.Note("execute " + std::string(sql));
     return m_database->Execute(sql, options);
   }
-  std::string QueryText(std::string_view name) override { return m_database->QueryText(name); }
-  void CreateQueryDef(std::string_view name, std::string_view sql) override {
-    m_database->CreateQueryDef(name, sql);
-  }
-  void DeleteQueryDef(std::string_view name) override { m_database->DeleteQueryDef(name); }
-  void BeginTrans() override { m_database->BeginTrans(); }
-  void CommitTrans() override { m_database->CommitTrans(); }
-  void Rollback() override { m_database->Rollback(); }
   void Close() override {
     m_journal.Note("close catalog");
     m_database->Close();
@@ -198,7 +180,6 @@ class JournalDatabase : public engine::Database {
 
  private:
   Journal& m_journal;
-  std::unique_ptr<engine::Database> m_database;
 };
 
 // Nobody waits for a statement here: how often that would be depends on the machine.
