@@ -193,7 +193,9 @@ class FaultSweep : public DialogTest {
     const Ids ticked = Listed(controls.asRestoreList, true), unticked = Listed(controls.asRestoreList, false);
     Ids shown = ticked;
     shown.insert(unticked.begin(), unticked.end());
-    if (!Reported("ListCurrentSelections")) EXPECT_EQ(shown, marked);
+    if (!Reported("ListCurrentSelections")) {
+      EXPECT_EQ(shown, marked);
+    }
 
     Ids missed;  // of what the user wanted
     switch (tried.action) {
@@ -212,7 +214,9 @@ class FaultSweep : public DialogTest {
         for (const std::int64_t id : five) {
           if (marked.contains(id)) missed.insert(id);
         }
-        if (!stops && !Reported("ListCurrentSelections")) EXPECT_EQ(unticked, missed) << "unticked still";
+        if (!stops && !Reported("ListCurrentSelections")) {
+          EXPECT_EQ(unticked, missed) << "unticked still";
+        }
         break;
       default:
         EXPECT_TRUE(marked.empty() || stops || !desktop.messages.empty());
