@@ -2,10 +2,10 @@
 #pragma once
 
 #include "platform/platform.h"
-#include "platform/win32/desktop.h"
-#include "platform/win32/drives.h"
-#include "platform/win32/regional.h"
-#include "platform/win32/registry.h"
+#include "platform/win32/form/desktop.h"
+#include "platform/win32/services/drives.h"
+#include "platform/win32/services/regional.h"
+#include "platform/win32/services/registry.h"
 
 namespace kxrestore::win32 {
 

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "controls/form.h"
-#include "platform/win32/control_window.h"
+#include "platform/win32/controls/control_window.h"
 
 namespace kxrestore::win32 {
 

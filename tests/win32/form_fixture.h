@@ -11,7 +11,7 @@
 #include "controls/form.h"
 #include "controls/splitters.h"
 #include "controls/widgets.h"
-#include "platform/win32/control_window.h"
+#include "platform/win32/controls/control_window.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/win32_platform.h"
 

@@ -1,6 +1,6 @@
 #include <array>
 
-#include "platform/win32/make_windows.h"
+#include "platform/win32/form/make_windows.h"
 #include "tests/win32/form_fixture.h"
 
 namespace kxrestore::win32::test {

@@ -1,4 +1,4 @@
-#include "platform/win32/icons.h"
+#include "platform/win32/services/icons.h"
 
 #include <gtest/gtest.h>
 

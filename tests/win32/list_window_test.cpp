@@ -1,4 +1,4 @@
-#include "platform/win32/list_window.h"
+#include "platform/win32/list/list_window.h"
 
 #include <string>
 #include <vector>

@@ -1,12 +1,12 @@
-#include "platform/win32/tree_window.h"
+#include "platform/win32/tree/tree_window.h"
 
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "controls/check_propagation.h"
-#include "platform/win32/theme.h"
-#include "platform/win32/tree_items.h"
+#include "platform/win32/controls/theme.h"
+#include "platform/win32/tree/tree_items.h"
 #include "tests/win32/control_host.h"
 
 namespace kxrestore::win32 {

@@ -1,0 +1,350 @@
+#include "platform/win32/controls/control_window.h"
+
+#include <mutex>
+#include <unordered_map>
+
+#include "base/error.h"
+#include "platform/win32/controls/accessible_name.h"
+#include "platform/win32/wide_text.h"
+
+namespace kxrestore::win32 {
+
+namespace {
+
+constexpr wchar_t kNameProperty[] = L"KXRestore.Control";
+constexpr UINT kMoveFlags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOOWNERZORDER;
+
+bool HasVisibleStyle(HWND window) {
+  return (GetWindowLongPtrW(window, GWL_STYLE) & WS_VISIBLE) != 0;
+}
+
+// The windows of controls. Properties of a window, and the subclassing that builds on them, would be the
+// usual place for this, but cost a call of the window server each, for every message: a tree that drops
+// 100,000 items sends as many.
+struct Registered {
+  ControlWindow* window;  // nullptr when the control has let go of its window
+  WNDPROC procedure;      // the window's own
+};
+
+class Registry {
+ public:
+  void Set(HWND handle, Registered entry) {
+    const std::lock_guard lock(m_mutex);
+    m_entries[handle] = entry;
+  }
+  Registered Get(HWND handle) const {
+    const std::lock_guard lock(m_mutex);
+    const auto entry = m_entries.find(handle);
+    return entry == m_entries.end() ? Registered{nullptr, DefWindowProcW} : entry->second;
+  }
+  void Remove(HWND handle) {
+    const std::lock_guard lock(m_mutex);
+    m_entries.erase(handle);
+  }
+
+ private:
+  mutable std::mutex m_mutex;
+  std::unordered_map<HWND, Registered> m_entries;
+};
+
+Registry& Windows() {
+  static Registry windows;
+  return windows;
+}
+
+bool HoldsFocus(HWND window) {
+  const HWND focus = GetFocus();
+  return focus != nullptr && (focus == window || IsChild(window, focus));
+}
+
+}  // namespace
+
+ControlWindow::ControlWindow(WindowContext& context, controls::Control& control)
+    : m_context(context), m_control(control) {}
+
+ControlWindow::~ControlWindow() {
+  m_context.Forget(*this);
+  Destroy();
+}
+
+void ControlWindow::Destroy() {
+  if (m_handle == nullptr) return;
+  const HWND handle = m_handle;
+  m_handle = nullptr;
+  if (!m_toolTip.empty()) m_context.SetToolTip(handle, {});
+  Windows().Set(handle, {nullptr, Windows().Get(handle).procedure});
+  UnnameWindow(handle);
+  DestroyWindow(handle);
+}
+
+ControlWindow* ControlWindow::Of(controls::Control& control) {
+  return dynamic_cast<ControlWindow*>(control.GetPeer());
+}
+
+ControlWindow* ControlWindow::FromHandle(HWND handle) {
+  return Windows().Get(handle).window;
+}
+
+ControlWindow* ControlWindow::Enclosing(HWND handle) {
+  while (handle != nullptr) {
+    if (ControlWindow* const window = FromHandle(handle)) return window;
+    handle = GetAncestor(handle, GA_PARENT);
+  }
+  return nullptr;
+}
+
+void ControlWindow::Create(HWND parent, const wchar_t* windowClass, const std::wstring& text, DWORD style,
+                           DWORD exStyle) {
+  style |= WS_CHILD | WS_CLIPSIBLINGS;
+  if (m_control.Visible()) style |= WS_VISIBLE;
+  if (!m_control.Enabled()) style |= WS_DISABLED;
+  const RECT bounds = PixelBounds();
+  const ActivationScope scope(m_context.ActivationContext());
+  const HWND handle = CreateWindowExW(exStyle, windowClass, text.c_str(), style, bounds.left, bounds.top,
+                                      bounds.right - bounds.left, bounds.bottom - bounds.top, parent, nullptr,
+                                      m_context.Module(), nullptr);
+  if (handle == nullptr) {
+    throw Error(static_cast<int>(GetLastError()), "The window of " + m_control.Name() + " cannot be made",
+                "KXRestore");
+  }
+  Attach(handle);
+}
+
+void ControlWindow::Attach(HWND handle) {
+  m_handle = handle;
+  const auto own = reinterpret_cast<WNDPROC>(GetWindowLongPtrW(handle, GWLP_WNDPROC));
+  Windows().Set(handle, {this, own});
+  SetWindowLongPtrW(handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
+  NameWindow();
+  SendMessageW(handle, WM_SETFONT, reinterpret_cast<WPARAM>(OwnFont()), FALSE);
+  SetAccessibleName();
+  ShowToolTip(m_control.ToolTipText());
+}
+
+// Tools that drive the dialog find a control's window by the name that form code uses.
+void ControlWindow::NameWindow() {
+  m_name = GlobalAddAtomW(Wide(m_control.Name()).c_str());
+  if (m_name != 0) {
+    SetPropW(m_handle, kNameProperty, reinterpret_cast<HANDLE>(static_cast<ULONG_PTR>(m_name)));
+  }
+}
+
+void ControlWindow::UnnameWindow(HWND handle) {
+  RemovePropW(handle, kNameProperty);
+  if (m_name != 0) GlobalDeleteAtom(m_name);
+  m_name = 0;
+}
+
+void ControlWindow::SetAccessibleName() {
+  if (m_control.AccessibleName().empty()) return;
+  const std::wstring name = Wide(m_control.AccessibleName());
+  if (TextIsContent()) {
+    AnnotateName(m_handle, name);
+  } else {
+    SetWindowTextW(m_handle, name.c_str());
+  }
+}
+
+void ControlWindow::ShowToolTip(const std::string& text) {
+  if (m_toolTip == text) return;
+  m_toolTip = text;
+  m_context.SetToolTip(m_handle, text);
+}
+
+HBRUSH ControlWindow::OnColor(HDC dc) {
+  SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
+  SetBkColor(dc, GetSysColor(COLOR_3DFACE));
+  return GetSysColorBrush(COLOR_3DFACE);
+}
+
+void ControlWindow::OnDpiChanged() {
+  if (m_handle == nullptr) return;
+  SendMessageW(m_handle, WM_SETFONT, reinterpret_cast<WPARAM>(OwnFont()), FALSE);
+  Later(kGeometryFlag | kRefreshFlag);
+}
+
+RECT ControlWindow::PixelBounds() const {
+  // Edge by edge: what meets or contains something in twips does so in pixels.
+  const auto pixels = [this](int twips) { return static_cast<LONG>(m_context.ToPixels(twips)); };
+  const int left = m_control.Left();
+  const int top = m_control.Top();
+  return {pixels(left), pixels(top), pixels(left + m_control.Width()), pixels(top + m_control.Height())};
+}
+
+RECT ControlWindow::SizedBounds() const {
+  const int left = m_context.ToPixels(m_control.Left());
+  const int top = m_context.ToPixels(m_control.Top());
+  return {left, top, left + m_context.ToPixels(m_control.Width()),
+          top + m_context.ToPixels(m_control.Height())};
+}
+
+void ControlWindow::Later(unsigned flags, WindowContext::When when) {
+  m_pending |= flags;
+  m_context.Later(*this, when);
+}
+
+void ControlWindow::FlushNow() {
+  if (m_pending == 0 || m_handle == nullptr) return;
+  const unsigned flags = std::exchange(m_pending, 0);
+  m_context.Guarded([&] { OnFlush(flags); });
+}
+
+void ControlWindow::OnFlush(unsigned flags) {
+  // What takes the focus away comes first, while the window can still hand it on.
+  if ((flags & kEnabledFlag) != 0 && (IsWindowEnabled(m_handle) != FALSE) != m_control.Enabled()) {
+    if (!m_control.Enabled() && HoldsFocus(m_handle) && m_context.MoveFocusOff) m_context.MoveFocusOff(*this);
+    EnableWindow(m_handle, m_control.Enabled());
+  }
+  if ((flags & kGeometryFlag) != 0) {
+    const RECT bounds = PixelBounds();
+    SetWindowPos(m_handle, nullptr, bounds.left, bounds.top, bounds.right - bounds.left,
+                 bounds.bottom - bounds.top, kMoveFlags | (Frozen() ? SWP_NOREDRAW : 0U));
+    m_movedWhileFrozen |= Frozen();
+  }
+  if ((flags & kVisibleFlag) != 0 && !Frozen()) ApplyVisibility();
+  if ((flags & kRefreshFlag) != 0 && !Frozen()) InvalidateRect(m_handle, nullptr, TRUE);
+}
+
+void ControlWindow::ApplyVisibility() {
+  const bool visible = m_control.Visible();
+  if (HasVisibleStyle(m_handle) == visible) return;
+  if (!visible && HoldsFocus(m_handle) && m_context.MoveFocusOff) m_context.MoveFocusOff(*this);
+  ShowWindow(m_handle, visible ? SW_SHOWNA : SW_HIDE);
+}
+
+// WM_SETREDRAW takes WS_VISIBLE away from most windows and gives it back, to hidden ones too, so it is sent
+// only to windows that show, and visibility is put right afterwards.
+void ControlWindow::SetRedraw(bool redraw) {
+  if (!redraw) {
+    m_redrawOff = HasVisibleStyle(m_handle);
+    if (m_redrawOff) SendMessageW(m_handle, WM_SETREDRAW, FALSE, 0);
+    return;
+  }
+  if (m_redrawOff) SendMessageW(m_handle, WM_SETREDRAW, TRUE, 0);
+  m_redrawOff = false;
+  ApplyVisibility();
+  if (m_movedWhileFrozen) {
+    m_movedWhileFrozen = false;
+    RedrawWindow(GetAncestor(m_handle, GA_PARENT), nullptr, nullptr,
+                 RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+  } else if (m_control.Visible()) {
+    RedrawWindow(m_handle, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+  }
+}
+
+void ControlWindow::PeerFreezeRedraw(bool frozen) {
+  if (frozen) {
+    if (m_freezes++ == 0 && m_handle != nullptr) SetRedraw(false);
+  } else if (m_freezes > 0 && --m_freezes == 0 && m_handle != nullptr) {
+    FlushNow();
+    SetRedraw(true);
+  }
+}
+
+void ControlWindow::PeerChanged(controls::Property property) {
+  using controls::Property;
+  if (m_handle == nullptr) return;
+  unsigned flag = 0;
+  switch (property) {
+    case Property::kGeometry:
+      flag = kGeometryFlag;
+      break;
+    case Property::kVisible:
+      flag = kVisibleFlag;
+      break;
+    case Property::kEnabled:
+      flag = kEnabledFlag;
+      break;
+    case Property::kCaption:
+      flag = kCaptionFlag;
+      break;
+    case Property::kToolTipText:
+      ShowToolTip(m_control.ToolTipText());
+      return;
+    case Property::kValue:
+      flag = kValueFlag;
+      break;
+    case Property::kItems:
+      flag = kItemsFlag;
+      break;
+    case Property::kAppearance:
+    case Property::kWindowState:
+      flag = kAppearanceFlag;
+      break;
+  }
+  Later(flag, Urgency(property));
+}
+
+void ControlWindow::PeerBringToFront() {
+  if (m_handle != nullptr)
+    SetWindowPos(m_handle, HWND_TOP, 0, 0, 0, 0,
+                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
+}
+
+void ControlWindow::PeerSetFocus() {
+  if (m_handle == nullptr) return;
+  m_context.Flush();  // it may just have been shown or enabled
+  ::SetFocus(m_handle);
+}
+
+void ControlWindow::PeerRefresh() {
+  if (m_handle != nullptr) Later(kRefreshFlag);
+}
+
+LRESULT ControlWindow::PassOn(UINT message, WPARAM wide, LPARAM extra) const {
+  return CallWindowProcW(Windows().Get(m_handle).procedure, m_handle, message, wide, extra);
+}
+
+LRESULT CALLBACK ControlWindow::Procedure(HWND handle, UINT message, WPARAM wide, LPARAM extra) {
+  const Registered entry = Windows().Get(handle);
+  if (message == WM_NCDESTROY) Windows().Remove(handle);
+  if (entry.window == nullptr) return CallWindowProcW(entry.procedure, handle, message, wide, extra);
+  WindowContext& context = entry.window->m_context;
+  const WindowContext::MessageScope scope(context);
+  std::optional<LRESULT> result;
+  context.Guarded([&] { result = entry.window->Dispatch(message, wide, extra); });
+  return result ? *result : CallWindowProcW(entry.procedure, handle, message, wide, extra);
+}
+
+std::optional<LRESULT> ControlWindow::Dispatch(UINT message, WPARAM wide, LPARAM extra) {
+  switch (message) {
+    case WM_COMMAND:
+      if (ControlWindow* const child = FromHandle(reinterpret_cast<HWND>(extra))) {
+        child->OnCommand(HIWORD(wide));
+        return 0;
+      }
+      break;
+    case WM_NOTIFY: {
+      auto& header = *reinterpret_cast<NMHDR*>(extra);
+      if (ControlWindow* const child = FromHandle(header.hwndFrom)) {
+        if (child != this) return child->OnNotify(header).value_or(0);
+      }
+      break;
+    }
+    case WM_CTLCOLORSTATIC:
+    case WM_CTLCOLORBTN:
+      if (ControlWindow* const child = FromHandle(reinterpret_cast<HWND>(extra))) {
+        return reinterpret_cast<LRESULT>(child->OnColor(reinterpret_cast<HDC>(wide)));
+      }
+      break;
+    case WM_SETCURSOR:
+      if (LOWORD(extra) == HTCLIENT && m_context.FormPointer() != nullptr) {
+        SetCursor(m_context.FormPointer());
+        return TRUE;
+      }
+      break;
+    case WM_MOUSEMOVE:
+      m_control.UserMouseMove();
+      break;
+    case WM_NCDESTROY: {  // somebody else destroyed it
+      const HWND handle = std::exchange(m_handle, nullptr);
+      UnnameWindow(handle);
+      return std::nullopt;
+    }
+    default:
+      break;
+  }
+  return OnMessage(message, wide, extra);
+}
+
+}  // namespace kxrestore::win32

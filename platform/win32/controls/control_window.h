@@ -1,0 +1,153 @@
+// The native window that shows one control. A peer class derives from `WindowPeer<Peer>` (or `<TreePeer>`,
+// `<ListPeer>`), creates its window in its constructor by `Create`, and overrides the On... members it needs.
+//
+// The base keeps geometry, visibility, enabled state, z-order, focus, font, tool tip, accessible name, redraw
+// freezes and the property `KXRestore.Control` in line with the control. Changes are applied by `OnFlush`, at
+// the latest before the next message is waited for; a window that is frozen is not painted until the last
+// freeze is released.
+//
+// The form's window makes the peers by `Make...(WindowContext&, controls::X&, HWND parent)`, each declared in
+// the header of its window and returning std::unique_ptr<controls::Peer>.
+//
+// On... members may throw: they are called under the context's guard. They may be entered again while they
+// run, because form code lets pending messages run.
+#pragma once
+
+#include <optional>
+
+#include "controls/control.h"
+#include "platform/win32/controls/window_context.h"
+
+namespace kxrestore::win32 {
+
+class ControlWindow {
+ public:
+  virtual ~ControlWindow();
+  ControlWindow(const ControlWindow&) = delete;
+  ControlWindow& operator=(const ControlWindow&) = delete;
+
+  HWND Handle() const { return m_handle; }
+  controls::Control& GetControl() const { return m_control; }
+  WindowContext& Context() const { return m_context; }
+
+  static ControlWindow* Of(controls::Control& control);  // nullptr when it has no window
+
+  // The control's window that this handle is, or nullptr. `Enclosing` also finds it from an inner window,
+  // such as the edit field of a combo box.
+  static ControlWindow* FromHandle(HWND handle);
+  static ControlWindow* Enclosing(HWND handle);
+
+  // What a parent passes on to the control that it came from. The defaults do nothing.
+  virtual void OnCommand(unsigned /*code*/) {}
+  virtual std::optional<LRESULT> OnNotify(NMHDR& /*header*/) { return std::nullopt; }
+  virtual HBRUSH OnColor(HDC dc);  // WM_CTLCOLOR...
+
+  // Any message of the window, before the window's own procedure; nothing leaves it to that.
+  virtual std::optional<LRESULT> OnMessage(UINT /*message*/, WPARAM /*wide*/, LPARAM /*extra*/) {
+    return std::nullopt;
+  }
+  // Whether the window itself wants a key (of a WM_KEYDOWN) that otherwise means something to the form: Esc,
+  // Enter, Tab and the like.
+  virtual bool WantsKey(WPARAM /*key*/) { return false; }
+  virtual bool TakesFocus() const { return true; }  // by Tab, while shown and enabled
+
+  // The resolution changed; fonts and geometry are renewed by the base.
+  virtual void OnDpiChanged();
+
+  // Applies what changed; `Context` calls it.
+  void FlushNow();
+
+ protected:
+  ControlWindow(WindowContext& context, controls::Control& control);
+
+  // Creates the window with WS_CHILD and WS_CLIPSIBLINGS added, shown and enabled as the control is. Throws
+  // kxrestore::Error with the system's error code.
+  void Create(HWND parent, const wchar_t* windowClass, const std::wstring& text, DWORD style,
+              DWORD exStyle = 0);
+  // Takes over a window that a derived class made itself.
+  void Attach(HWND handle);
+  // For the destructors of derived classes whose On... members must not be called any more.
+  void Destroy();
+
+  // What the window's own procedure answers to a message.
+  LRESULT PassOn(UINT message, WPARAM wide, LPARAM extra) const;
+
+  // Marks the window as changed. `flags` are handed to OnFlush; bits from kFirstOwnFlag on are free for
+  // peers.
+  enum : unsigned {
+    kGeometryFlag = 1,
+    kVisibleFlag = 2,
+    kEnabledFlag = 4,
+    kCaptionFlag = 8,
+    kValueFlag = 16,
+    kItemsFlag = 32,
+    kAppearanceFlag = 64,
+    kRefreshFlag = 128,
+    kFirstOwnFlag = 1024,
+  };
+  void Later(unsigned flags, WindowContext::When when = WindowContext::When::kSoon);
+  // Applies what the base knows (geometry, visibility, enabled, refresh); peers override it for the rest,
+  // calling the base's first.
+  virtual void OnFlush(unsigned flags);
+  // Whether a property may wait for the throttled round.
+  virtual WindowContext::When Urgency(controls::Property /*property*/) const {
+    return WindowContext::When::kSoon;
+  }
+
+  void ShowToolTip(const std::string& text);
+
+  // Stops and resumes painting; the default sends WM_SETREDRAW and repaints everything on release.
+  virtual void SetRedraw(bool redraw);
+  bool Frozen() const { return m_freezes > 0; }
+
+  // Whether the window's text is the control's contents, so that it cannot carry the accessible name.
+  virtual bool TextIsContent() const { return false; }
+  // Where the control belongs, in pixels of the parent. Combo boxes, whose window includes their list,
+  // override it.
+  virtual RECT PixelBounds() const;
+  // The same with a size that does not depend on the place. For buttons, so that all look alike, and for
+  // containers, whose contents know their width and height only.
+  RECT SizedBounds() const;
+  virtual HFONT OwnFont() { return m_context.Font(); }
+
+  // Peer calls, forwarded by WindowPeer.
+  void PeerChanged(controls::Property property);
+  void PeerBringToFront();
+  void PeerSetFocus();
+  void PeerRefresh();
+  void PeerFreezeRedraw(bool frozen);
+
+ private:
+  static LRESULT CALLBACK Procedure(HWND handle, UINT message, WPARAM wide, LPARAM extra);
+  std::optional<LRESULT> Dispatch(UINT message, WPARAM wide, LPARAM extra);
+  void NameWindow();
+  void UnnameWindow(HWND handle);
+  void SetAccessibleName();
+  void ApplyVisibility();
+
+  WindowContext& m_context;
+  controls::Control& m_control;
+  HWND m_handle = nullptr;
+  ATOM m_name = 0;
+  std::string m_toolTip;
+  friend class WindowContext;
+  int m_freezes = 0;
+  bool m_redrawOff = false;
+  bool m_movedWhileFrozen = false;
+  unsigned m_pending = 0;
+  bool m_listed[2] = {};  // by When
+};
+
+// Makes a ControlWindow a peer of the wanted kind.
+template <class Base>
+class WindowPeer : public Base, public ControlWindow {
+ public:
+  using ControlWindow::ControlWindow;
+  void Changed(controls::Property property) override { PeerChanged(property); }
+  void BringToFront() override { PeerBringToFront(); }
+  void SetFocus() override { PeerSetFocus(); }
+  void Refresh() override { PeerRefresh(); }
+  void FreezeRedraw(bool frozen) override { PeerFreezeRedraw(frozen); }
+};
+
+}  // namespace kxrestore::win32

@@ -1,0 +1,195 @@
+#include "platform/win32/form/desktop.h"
+
+#include <optional>
+#include <vector>
+
+#include "base/error.h"
+#include "platform/win32/controls/window_classes.h"
+#include "platform/win32/form/form_window.h"
+#include "platform/win32/form/make_windows.h"
+#include "platform/win32/wide_text.h"
+
+namespace kxrestore::win32 {
+
+namespace {
+
+constexpr char kTitle[] = "KXRestore";
+constexpr DWORD kPendingMilliseconds = 15;
+constexpr DWORD kMostPendingMilliseconds = 100;  // that one round may take, whatever keeps arriving
+
+// The thread's other windows that a user could work with, disabled for a while. They are enabled again before
+// the form's window goes, so that the system hands the activation back to one of them.
+class OtherWindows {
+ public:
+  OtherWindows() : m_active(GetActiveWindow()) {
+    EnumThreadWindows(GetCurrentThreadId(), Collect, reinterpret_cast<LPARAM>(this));
+  }
+  ~OtherWindows() { Enable(); }
+  OtherWindows(const OtherWindows&) = delete;
+  OtherWindows& operator=(const OtherWindows&) = delete;
+
+  // The one that was active before, or else the topmost; nullptr when there is none that could be.
+  HWND Host() const {
+    for (const HWND window : {m_active, m_windows.empty() ? nullptr : m_windows.front()}) {
+      if (window != nullptr && IsWindowVisible(window) && IsWindowEnabled(window)) return window;
+    }
+    return nullptr;
+  }
+
+  void Disable() {
+    for (const HWND window : m_windows) EnableWindow(window, FALSE);
+  }
+  void Enable() {
+    for (const HWND window : m_windows) {
+      if (IsWindow(window)) EnableWindow(window, TRUE);
+    }
+  }
+
+ private:
+  static BOOL CALLBACK Collect(HWND window, LPARAM self) {
+    if (!IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
+    try {
+      reinterpret_cast<OtherWindows*>(self)->m_windows.push_back(window);
+    } catch (const std::bad_alloc&) {  // it stays enabled
+    }
+    return TRUE;
+  }
+
+  HWND m_active;
+  std::vector<HWND> m_windows;
+};
+
+std::string Describe(const std::exception_ptr& error) {
+  try {
+    std::rethrow_exception(error);
+  } catch (const Error& known) {
+    return "(" + std::to_string(known.Number()) + ") " + known.Description();
+  } catch (const std::exception& other) {
+    return other.what();
+  } catch (...) {
+    return "Unexpected error";
+  }
+}
+
+}  // namespace
+
+// One form that is showing, from the making of its windows to their end.
+struct Win32Desktop::Modal {
+  Modal(HINSTANCE module, controls::Form& shown, Modal*& innermost)
+      : form(shown), slot(innermost), outer(innermost), classes(module), context(module) {
+    try {
+      auto made = std::make_unique<FormWindow>(context, form, others.Host());
+      window = made.get();
+      form.AttachPeer(std::move(made));
+    } catch (...) {
+      TakeChildWindows(form);
+      throw;
+    }
+    slot = this;
+    others.Disable();
+  }
+  ~Modal() {
+    const bool active = GetActiveWindow() == window->Handle();
+    others.Enable();
+    const HWND host = others.Host();
+    if (active && host != nullptr) SetForegroundWindow(host);
+    ShowWindow(window->Handle(), SW_HIDE);
+    slot = outer;
+    TakeChildWindows(form);
+    form.AttachPeer(nullptr);
+  }
+  Modal(const Modal&) = delete;
+  Modal& operator=(const Modal&) = delete;
+
+  controls::Form& form;
+  Modal*& slot;
+  Modal* const outer;
+  OtherWindows others;
+  WindowClasses classes;
+  WindowContext context;
+  FormWindow* window = nullptr;
+  std::optional<int> quitCode;
+};
+
+int Win32Desktop::MessageBox(const std::string& text, int style, const std::string& title) {
+  HWND owner = GetActiveWindow();
+  if (m_modal != nullptr) {
+    m_modal->context.FlushAll();
+    owner = m_modal->window->Handle();
+  }
+  const UINT flags = static_cast<UINT>(style) | (owner == nullptr ? MB_TASKMODAL | MB_SETFOREGROUND : 0U);
+  const int answer = MessageBoxW(owner, WideShownLines(text).c_str(),
+                                 WideShown(title.empty() ? kTitle : title).c_str(), flags);
+  m_lastPending = GetTickCount();
+  return answer;
+}
+
+void Win32Desktop::DoEvents() {
+  if (GetTickCount() - m_lastPending < kPendingMilliseconds) return;
+  RunPending();
+  m_lastPending = GetTickCount();
+}
+
+void Win32Desktop::RunPending() {
+  if (m_modal != nullptr) {
+    m_modal->context.Flush();
+    m_modal->context.FlushThrottled();
+  }
+  const DWORD start = GetTickCount();
+  MSG message{};
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+    if (message.message == WM_QUIT) {
+      // For the loops outside; the walk that lets messages run is to stop.
+      PostQuitMessage(static_cast<int>(message.wParam));
+      if (m_modal != nullptr) {
+        m_modal->context.Guarded([this] { m_modal->form.UserKey(controls::Key::kEscape); });
+      }
+      return;
+    }
+    Process(message);
+    if (GetTickCount() - start > kMostPendingMilliseconds) break;
+  }
+  if (m_modal != nullptr) m_modal->context.Flush();
+}
+
+void Win32Desktop::Process(MSG& message) {
+  if (m_modal != nullptr && m_modal->window->Keys().Handle(message)) return;
+  TranslateMessage(&message);
+  DispatchMessageW(&message);
+}
+
+void Win32Desktop::ReportErrors() {
+  while (const std::exception_ptr error = m_modal->context.TakeError()) {
+    MessageBox(Describe(error), platform::kExclamation, {});
+  }
+}
+
+void Win32Desktop::ShowModal(controls::Form& form) {
+  for (const Modal* modal = m_modal; modal != nullptr; modal = modal->outer) {
+    if (&modal->form == &form) return;
+  }
+  if (!form.IsOpen()) return;
+  std::optional<int> quitCode;
+  {
+    Modal modal(m_module, form, m_modal);
+    modal.window->Show();
+    RunLoop(modal);
+    quitCode = modal.quitCode;
+  }
+  if (quitCode) PostQuitMessage(*quitCode);
+}
+
+void Win32Desktop::RunLoop(Modal& modal) {
+  // A window that somebody else destroyed ends the dialog, too.
+  while (modal.form.IsOpen() && modal.window->Handle() != nullptr) {
+    modal.context.FlushAll();
+    MSG message{};
+    const BOOL got = GetMessageW(&message, nullptr, 0, 0);
+    if (got == 0) modal.quitCode = static_cast<int>(message.wParam);
+    if (got <= 0) return;
+    Process(message);
+    ReportErrors();
+  }
+}
+
+}  // namespace kxrestore::win32

@@ -1,0 +1,45 @@
+// The keys that work across the controls of a form: Tab, the letters that captions underline, arrows among
+// option buttons, Enter, Esc and F5. They follow the controls, not the windows: order of creation, visible,
+// enabled.
+//
+// Only a button that has the focus is pressed by Enter; there is no default button, because the one that
+// comes to mind starts the restore. A letter that several controls share moves the focus among them and
+// presses none; tabs are selected all the same.
+#pragma once
+
+#include <vector>
+
+#include "controls/form.h"
+#include "platform/win32/controls/control_window.h"
+
+namespace kxrestore::win32 {
+
+class FormKeys {
+ public:
+  FormKeys(WindowContext& context, controls::Form& form) : m_context(context), m_form(form) {}
+
+  // Whether the message was a key that has been dealt with.
+  bool Handle(const MSG& message);
+
+  // To the next control that takes the focus, or back; the first one from nullptr.
+  void MoveFocus(const ControlWindow* from, bool back);
+
+ private:
+  struct Target {
+    controls::Control* control;
+    int tab;  // from 1, of a tab strip
+  };
+
+  bool KeyDown(WPARAM key, ControlWindow* focused);
+  bool Letter(wchar_t letter, const ControlWindow* focused);
+  bool Arrow(WPARAM key, const controls::Control& focused);
+  bool NextTab(bool back);
+  void Choose(const Target& target, bool alone);
+  std::vector<controls::Control*> Reachable() const;
+  void ShowCues() const;
+
+  WindowContext& m_context;
+  controls::Form& m_form;
+};
+
+}  // namespace kxrestore::win32

@@ -1,0 +1,46 @@
+// The window of a form, with the windows of all its controls inside. It is made hidden; `Show` shows it.
+#pragma once
+
+#include "controls/form.h"
+#include "platform/win32/controls/control_window.h"
+#include "platform/win32/form/form_keys.h"
+#include "platform/win32/services/icons.h"
+
+namespace kxrestore::win32 {
+
+class FormWindow final : public WindowPeer<controls::Peer> {
+ public:
+  // `host` is the window that it is centred on when the form has no remembered place; nullptr means the
+  // screen.
+  FormWindow(WindowContext& context, controls::Form& form, HWND host);
+
+  void Show();
+  FormKeys& Keys() { return m_keys; }
+
+  void Changed(controls::Property property) override;
+  std::optional<LRESULT> OnMessage(UINT message, WPARAM wide, LPARAM extra) override;
+
+ protected:
+  void OnFlush(unsigned flags) override;
+  RECT PixelBounds() const override;
+
+ private:
+  void Place(HWND host);
+  void TellFrame();
+  void ReportSize();
+  void ReportPlace();
+  void ShowPointer();
+  void ShowIcon();
+  void ChangeDpi(int dpi, const RECT& bounds);
+  void RestoreFocus();
+  void FocusFirst();
+
+  controls::Form& m_form;
+  FormKeys m_keys;
+  IconHandle m_smallIcon;
+  IconHandle m_largeIcon;
+  HWND m_focus = nullptr;  // while the window is not active
+  bool m_ready = false;    // the controls have their windows
+};
+
+}  // namespace kxrestore::win32

@@ -1,0 +1,24 @@
+// Gives every control of a form its native window, and takes the windows away again.
+#pragma once
+
+#include "controls/control.h"
+#include "platform/win32/controls/window_context.h"
+
+namespace kxrestore::win32 {
+
+// Makes the windows of all controls inside `container`, whose own window is `parent`.
+void MakeChildWindows(WindowContext& context, controls::Container& container, HWND parent);
+
+// Innermost first.
+void TakeChildWindows(controls::Container& container);
+
+// Calls `visit(Control&)` for every control inside `container`, in the order of the Tab key.
+template <class Visit>
+void ForEachControl(controls::Container& container, Visit&& visit) {
+  for (controls::Control* const child : container.Children()) {
+    visit(*child);
+    if (auto* const inner = dynamic_cast<controls::Container*>(child)) ForEachControl(*inner, visit);
+  }
+}
+
+}  // namespace kxrestore::win32

@@ -1,0 +1,41 @@
+// The check boxes of a tree. Every item has the same blank state image, which keeps the place; the box is
+// drawn over it when the item has been painted, by the system's theme where there is one.
+#pragma once
+
+#include <optional>
+
+#include "platform/win32/controls/theme.h"
+#include "platform/win32/services/icons.h"
+#include "platform/win32/tree/native_tree.h"
+
+namespace kxrestore::win32 {
+
+class CheckBoxes {
+ public:
+  // State images as the rest of the world knows them.
+  static constexpr int kClear = 1;
+  static constexpr int kTicked = 2;
+
+  CheckBoxes(NativeTree& native, bool shown) : m_native(native), m_shown(shown) {}
+
+  // What the items are made with.
+  UINT ItemState() const { return m_shown ? INDEXTOSTATEIMAGEMASK(kBlank) : 0; }
+
+  void MakeImages(int pixels);
+  void ThemeChanged() { m_theme.reset(); }
+  void Draw(const NMCUSTOMDRAW& draw, bool checked);
+
+ private:
+  static constexpr int kBlank = 3;
+
+  bool FindPlace(const RECT& row, const RECT& text);
+
+  NativeTree& m_native;
+  bool m_shown;
+  int m_pixels = 0;
+  int m_beforeText = 0;  // from the left edge of the box to that of the text; 0: not known
+  ImageListHandle m_images;
+  std::optional<ThemeHandle> m_theme;  // looked for once, since that takes long where there is none
+};
+
+}  // namespace kxrestore::win32

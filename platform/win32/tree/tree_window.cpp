@@ -1,0 +1,435 @@
+#include "platform/win32/tree/tree_window.h"
+
+#include "platform/win32/services/icons.h"
+#include "platform/win32/tree/tree_check_boxes.h"
+#include "platform/win32/tree/tree_items.h"
+#include "platform/win32/tree/tree_questions.h"
+
+namespace kxrestore::win32 {
+
+using controls::Node;
+using controls::NodeProperty;
+
+namespace {
+
+constexpr UINT_PTR kWorkTimer = 0x4B58;
+constexpr UINT kPause = 10;  // milliseconds between slices of work, for input and painting
+constexpr auto kSlice = std::chrono::milliseconds(20);
+constexpr std::size_t kMostAnnounced = 64;
+constexpr int kImagePixels = 16;
+
+// What the user did, posted to be reported. The first parameter is the node, the second the tree's generation
+// and, in its lowest bit, the new state of expansion.
+enum Report : UINT { kClicked = WM_APP + 0x100, kToggled, kExpansion, kExpandBranch };
+
+class TreeWindow final : public WindowPeer<controls::TreePeer> {
+ public:
+  TreeWindow(WindowContext& context, controls::TreeView& tree, HWND parent)
+      : WindowPeer(context, tree),
+        m_tree(tree),
+        m_checkBoxes(m_native, tree.CheckBoxes()),
+        m_items(tree, m_native, m_checkBoxes.ItemState()),
+        m_questions(tree, m_native, m_items) {
+    m_questions.Toggled = [this](std::uint32_t node) { Report(kToggled, node); };
+    m_questions.Expanded = [this](std::uint32_t node, bool expanded) { Report(kExpansion, node, expanded); };
+    DWORD style = WS_TABSTOP | TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS |
+                  TVS_DISABLEDRAGDROP;
+    Create(parent, WC_TREEVIEWW, {}, style, WS_EX_CLIENTEDGE);
+    m_native.Attach(Handle());
+    MakeImages();
+    m_selectionChanged = static_cast<bool>(tree.SelectedItem());
+    Later(kWorkFlag);
+  }
+
+  ~TreeWindow() override {
+    *m_alive = false;
+    LetGo();
+    Destroy();
+  }
+
+  // --- TreePeer
+
+  void NodeAdded(std::uint32_t node) override {
+    Context().Guarded([&] {
+      m_items.NodeAdded(node);
+      if (m_items.HasWork(!Frozen())) Later(kWorkFlag);
+      const auto parent = At(node).Parent().Index();
+      if (m_items.ItemOf(parent) != nullptr) Later(kRepaintFlag);  // its button
+    });
+  }
+
+  void NodeRemoved(std::uint32_t node) override {
+    Context().Guarded([&] {
+      m_items.NodeRemoved(node);
+      Later(kWorkFlag | kRepaintFlag);
+    });
+  }
+
+  void NodeChanged(std::uint32_t node, NodeProperty property) override {
+    if (property == NodeProperty::kSelected) {
+      m_selectionChanged = true;
+      Later(kWorkFlag);
+      return;
+    }
+    if (m_items.ItemOf(node) == nullptr) return;
+    if (property == NodeProperty::kImage || property == NodeProperty::kChecked) {
+      Context().Guarded([&] {
+        if (property == NodeProperty::kChecked && m_announced.size() < kMostAnnounced)
+          m_announced.push_back(node);
+      });
+      Later(kRepaintFlag);
+      return;
+    }
+    Context().Guarded([&] { m_items.NodeChanged(node, property); });
+    Later(kWorkFlag);
+  }
+
+  void Cleared() override {
+    ++m_generation;
+    m_announced.clear();
+    m_selectionChanged = true;
+    Context().Guarded([&] { m_items.Cleared(); });
+    Later(kWorkFlag | kRepaintFlag);
+  }
+
+  // --- ControlWindow
+
+  std::optional<LRESULT> OnNotify(NMHDR& header) override {
+    switch (header.code) {
+      case TVN_GETDISPINFOW:
+        Describe(reinterpret_cast<NMTVDISPINFOW&>(header).item);
+        return 0;
+      case NM_CUSTOMDRAW:
+        return OnCustomDraw(reinterpret_cast<NMTVCUSTOMDRAW&>(header));
+      case TVN_ITEMEXPANDINGW:
+        return OnExpanding(reinterpret_cast<NMTREEVIEWW&>(header));
+      case TVN_ITEMEXPANDEDW: {
+        const auto& change = reinterpret_cast<NMTREEVIEWW&>(header);
+        if (!m_items.Quiet()) ReportExpansion(m_items.NodeOf(change.itemNew.hItem));
+        return 0;
+      }
+      case TVN_SELCHANGEDW: {
+        const auto& change = reinterpret_cast<NMTREEVIEWW&>(header);
+        if (!m_items.Quiet() && !m_selecting) Report(kClicked, m_items.NodeOf(change.itemNew.hItem));
+        return 0;
+      }
+      case TVN_DELETEITEMW: {
+        const TVITEMW& item = reinterpret_cast<NMTREEVIEWW&>(header).itemOld;
+        m_items.ItemDeleted(static_cast<std::uint32_t>(item.lParam), item.hItem);
+        return 0;
+      }
+      default:
+        return std::nullopt;
+    }
+  }
+
+  std::optional<LRESULT> OnMessage(UINT message, WPARAM wide, LPARAM extra) override {
+    switch (message) {
+      case WM_LBUTTONDOWN:
+      case WM_LBUTTONDBLCLK:
+        return OnPress(message, wide, extra);
+      case WM_RBUTTONDOWN:
+        return HandledByControl(message, wide, extra);
+      case WM_KEYDOWN:
+        return OnKey(wide);
+      case WM_CHAR:
+        // The keys that OnKey takes are no letters to look for.
+        if ((wide == L' ' && m_tree.CheckBoxes()) || wide == L'*') return 0;
+        return std::nullopt;
+      case WM_SETFOCUS: {
+        // A tree that gets the focus may select its first item; that is no choice of the user's.
+        const bool was = std::exchange(m_selecting, true);
+        const LRESULT result = m_native.Send(message, wide, extra);
+        m_selecting = was;
+        return result;
+      }
+      case WM_THEMECHANGED:
+        m_checkBoxes.ThemeChanged();
+        return std::nullopt;
+      case WM_PAINT:
+        if (!m_native.Paused()) return std::nullopt;
+        if (m_items.Emptying()) {
+          PaintEmpty();
+        } else {
+          ValidateRect(Handle(), nullptr);
+        }
+        return 0;
+      case WM_SETREDRAW:
+        if (wide == 0) {
+          if (!m_frozen) m_frozen.emplace(m_native);
+        } else {
+          m_frozen.reset();
+        }
+        return 0;
+      case WM_DESTROY:
+        LetGo();
+        return std::nullopt;
+      case WM_TIMER:
+        if (wide != kWorkTimer) return std::nullopt;
+        Work();
+        return 0;
+      case kClicked:
+      case kToggled:
+      case kExpansion:
+      case kExpandBranch:
+        OnReport(message, static_cast<std::uint32_t>(wide), extra);
+        return 0;
+      default:
+        if (message < TV_FIRST || message > TV_FIRST + 0xFF) return std::nullopt;
+        return OnQuestion(message, wide, extra);
+    }
+  }
+
+  void OnDpiChanged() override {
+    WindowPeer::OnDpiChanged();
+    MakeImages();
+  }
+
+ protected:
+  void OnFlush(unsigned flags) override {
+    WindowPeer::OnFlush(flags);
+    if ((flags & kWorkFlag) != 0) Work();
+    if ((flags & kRepaintFlag) == 0) return;
+    if (!Frozen() || m_items.Emptying()) InvalidateRect(Handle(), nullptr, FALSE);
+    for (const std::uint32_t node : std::exchange(m_announced, {})) Announce(node);
+  }
+
+  void SetRedraw(bool redraw) override {
+    if (redraw) Work();
+    WindowPeer::SetRedraw(redraw);
+  }
+
+ private:
+  enum : unsigned { kWorkFlag = kFirstOwnFlag, kRepaintFlag = kFirstOwnFlag << 1 };
+
+  Node At(std::uint32_t node) const { return {&m_tree, node}; }
+
+  // The window goes. Some systems destroy a state image list together with it.
+  void LetGo() {
+    m_native.Send(TVM_SETIMAGELIST, TVSIL_STATE, 0);
+    m_native.Detach();
+  }
+
+  void MakeImages() {
+    const int pixels = MulDiv(kImagePixels, Context().Dpi(), USER_DEFAULT_SCREEN_DPI);
+    m_checkBoxes.MakeImages(pixels);
+    if (m_tree.Images() == nullptr) return;
+    ImageListHandle images = MakeImageList(Context().Module(), *m_tree.Images(), pixels);
+    m_native.Send(TVM_SETIMAGELIST, TVSIL_NORMAL, reinterpret_cast<LPARAM>(images.get()));
+    m_images = std::move(images);
+  }
+
+  // Nobody shall look for a second at what is no longer there.
+  void PaintEmpty() const {
+    PAINTSTRUCT paint{};
+    const HDC dc = BeginPaint(Handle(), &paint);
+    FillRect(dc, &paint.rcPaint, GetSysColorBrush(COLOR_WINDOW));
+    EndPaint(Handle(), &paint);
+  }
+
+  void Describe(TVITEMW& item) const {
+    const std::uint32_t node = m_items.NodeOf(item.hItem);
+    if ((item.mask & TVIF_TEXT) != 0 && item.cchTextMax > 0) item.pszText[0] = L'\0';
+    if ((item.mask & TVIF_CHILDREN) != 0) item.cChildren = node != 0 && At(node).HasChildren() ? 1 : 0;
+    const int image = node != 0 && At(node).Image() > 0 ? At(node).Image() - 1 : I_IMAGENONE;
+    if ((item.mask & TVIF_IMAGE) != 0) item.iImage = image;
+    if ((item.mask & TVIF_SELECTEDIMAGE) != 0) item.iSelectedImage = image;
+  }
+
+  LRESULT OnCustomDraw(const NMTVCUSTOMDRAW& draw) {
+    const auto item = reinterpret_cast<HTREEITEM>(draw.nmcd.dwItemSpec);
+    const auto node = static_cast<std::uint32_t>(draw.nmcd.lItemlParam);
+    switch (draw.nmcd.dwDrawStage) {
+      case CDDS_PREPAINT:
+        return CDRF_NOTIFYITEMDRAW;
+      case CDDS_ITEMPREPAINT:
+        if (item == nullptr || m_items.ItemOf(node) != item) return CDRF_DODEFAULT;
+        m_items.Painted(node);
+        if (m_items.HasWork(!Frozen())) Later(kWorkFlag);
+        return m_tree.CheckBoxes() ? CDRF_NOTIFYPOSTPAINT : CDRF_DODEFAULT;
+      case CDDS_ITEMPOSTPAINT:
+        if (m_items.ItemOf(node) == item) m_checkBoxes.Draw(draw.nmcd, At(node).Checked());
+        return CDRF_DODEFAULT;
+      default:
+        return CDRF_DODEFAULT;
+    }
+  }
+
+  LRESULT OnExpanding(const NMTREEVIEWW& change) {
+    if (m_items.Quiet()) return FALSE;
+    const std::uint32_t node = m_items.NodeOf(change.itemNew.hItem);
+    if (node == 0) return TRUE;  // an item that only waits for its removal
+    if (change.action == TVE_EXPAND) m_items.Open(node);
+    return FALSE;
+  }
+
+  // --- what the user does
+
+  void Report(UINT message, std::uint32_t node, bool expanded = false) {
+    if (node != 0) PostMessageW(Handle(), message, node, m_generation << 1 | (expanded ? 1 : 0));
+  }
+
+  void ReportExpansion(std::uint32_t node) {
+    if (node == 0) return;
+    Report(kExpansion, node, m_native.State(m_items.ItemOf(node), TVIS_EXPANDED) != 0);
+  }
+
+  void OnReport(UINT message, std::uint32_t node, LPARAM extra) {
+    if (extra >> 1 != m_generation || m_items.ItemOf(node) == nullptr) return;
+    switch (message) {
+      case kClicked:
+        m_tree.UserClickNode(At(node));
+        break;
+      case kToggled:
+        m_tree.UserCheck(At(node), !At(node).Checked());
+        break;
+      case kExpansion:
+        m_tree.UserExpand(At(node), (extra & 1) != 0);
+        break;
+      default:
+        ExpandBranch(At(node));
+    }
+  }
+
+  void ExpandBranch(const Node top) {
+    const auto alive = m_alive;
+    const LPARAM generation = m_generation;
+    Node node = top;
+    while (node) {
+      if (node.HasChildren() && !node.Expanded()) {
+        m_tree.UserExpand(node, true);
+        if (!*alive || generation != m_generation) return;
+      }
+      if (const Node child = node.Child()) {
+        node = child;
+        continue;
+      }
+      while (node && node != top && !node.Next()) node = node.Parent();
+      if (!node || node == top) return;
+      node = node.Next();
+    }
+  }
+
+  // Lets the control handle a mouse message. It may wait for the button there, and other messages run.
+  LRESULT HandledByControl(UINT message, WPARAM wide, LPARAM extra) {
+    const auto alive = m_alive;
+    m_items.Hold(true);
+    const LRESULT result = m_native.Send(message, wide, extra);
+    if (*alive) {
+      m_items.Hold(false);
+      if (m_items.HasWork(!Frozen())) Later(kWorkFlag);
+    }
+    return result;
+  }
+
+  std::optional<LRESULT> OnPress(UINT message, WPARAM wide, LPARAM extra) {
+    const TVHITTESTINFO hit = m_native.HitTest({GET_X_LPARAM(extra), GET_Y_LPARAM(extra)});
+    if ((hit.flags & TVHT_ONITEMSTATEICON) != 0 && (hit.flags & (TVHT_ONITEMICON | TVHT_ONITEMLABEL)) == 0 &&
+        m_tree.CheckBoxes()) {
+      ::SetFocus(Handle());
+      Report(kToggled, m_items.NodeOf(hit.hItem));
+      return 0;
+    }
+    const bool again = message == WM_LBUTTONDOWN && hit.hItem != nullptr &&
+                       (hit.flags & (TVHT_ONITEMICON | TVHT_ONITEMLABEL)) != 0 &&
+                       hit.hItem == m_native.Selected();
+    const LPARAM generation = m_generation;
+    const auto alive = m_alive;
+    const LRESULT result = HandledByControl(message, wide, extra);
+    // The control says nothing about a click on what is selected already.
+    if (*alive && again && generation == m_generation) Report(kClicked, m_items.NodeOf(hit.hItem));
+    return result;
+  }
+
+  std::optional<LRESULT> OnKey(WPARAM key) {
+    if (key == VK_SPACE && m_tree.CheckBoxes()) {
+      Report(kToggled, m_items.NodeOf(m_native.Selected()));
+      return 0;
+    }
+    if (key == VK_MULTIPLY) {
+      Report(kExpandBranch, m_items.NodeOf(m_native.Selected()));
+      return 0;
+    }
+    return std::nullopt;
+  }
+
+  // Messages of the control's own interface come from outside: this class sends its own past here. They find
+  // everything in place, and true states.
+  std::optional<LRESULT> OnQuestion(UINT message, WPARAM wide, LPARAM extra) {
+    m_items.Work(TreeItems::Clock::time_point::max(), !Frozen());
+    ShowSelection();
+    return m_questions.Answer(message, wide, extra);
+  }
+
+  // --- bringing the window into line
+
+  void Work() {
+    m_items.Work(TreeItems::Clock::now() + kSlice, !Frozen());
+    if (m_items.HasWork(!Frozen())) {
+      if (!std::exchange(m_timing, true)) SetTimer(Handle(), kWorkTimer, kPause, nullptr);
+    } else if (std::exchange(m_timing, false)) {
+      KillTimer(Handle(), kWorkTimer);
+    }
+    ShowSelection();
+  }
+
+  void ShowSelection() {
+    if (Frozen() || m_items.HasWork(true)) return;
+    const Node selected = m_tree.SelectedItem();
+    if (const auto anchor = m_items.TakeRebuilt()) {
+      if (selected && !m_selectionChanged) Select(m_items.NearestShown(selected.Index()));
+      if (*anchor != 0) ScrollTo(*anchor);
+    }
+    if (!std::exchange(m_selectionChanged, false)) return;
+    const HTREEITEM item = selected ? m_items.Reach(selected.Index()) : nullptr;
+    Select(item);
+    if (item == nullptr) return;
+    // The control has opened what hid it.
+    for (Node above = selected.Parent(); above; above = above.Parent()) {
+      if (!above.Expanded()) Report(kExpansion, above.Index(), true);
+    }
+  }
+
+  void Select(HTREEITEM item) {
+    if (m_native.Selected() == item) return;
+    const bool was = std::exchange(m_selecting, true);
+    m_native.Select(item);
+    m_selecting = was;
+  }
+
+  void ScrollTo(std::uint32_t node) {
+    if (const HTREEITEM item = m_items.NearestShown(node)) m_native.ScrollTo(item);
+  }
+
+  // Tells screen readers.
+  void Announce(std::uint32_t node) {
+    const HTREEITEM item = m_items.ItemOf(node);
+    if (item == nullptr) return;
+    const LRESULT child = m_native.Send(TVM_MAPHTREEITEMTOACCID, reinterpret_cast<WPARAM>(item));
+    NotifyWinEvent(EVENT_OBJECT_STATECHANGE, Handle(), OBJID_CLIENT,
+                   child != 0 ? static_cast<LONG>(child) : CHILDID_SELF);
+  }
+
+  controls::TreeView& m_tree;
+  NativeTree m_native;
+  CheckBoxes m_checkBoxes;
+  TreeItems m_items;
+  TreeQuestions m_questions;
+  ImageListHandle m_images;
+  std::optional<NativeTree::Pause> m_frozen;
+  std::vector<std::uint32_t> m_announced;
+  LPARAM m_generation = 0;
+  bool m_selectionChanged = false;
+  bool m_selecting = false;
+  bool m_timing = false;
+  std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
+};
+
+}  // namespace
+
+std::unique_ptr<controls::Peer> MakeTreeWindow(WindowContext& context, controls::TreeView& tree,
+                                               HWND parent) {
+  return std::make_unique<TreeWindow>(context, tree, parent);
+}
+
+}  // namespace kxrestore::win32
