@@ -1,123 +1,128 @@
 #include "catalog/file_types.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
+
+#include "base/phrases.h"
 
 namespace kxrestore::catalog {
 
 namespace {
 
 using enum FileKind;
+using enum Phrase;
 
-// In the order of the extensions.
-constexpr FileType kTypes[] = {
-    {"3gp", "Video clip", kVideo},
-    {"7z", "7z archive", kArchives},
-    {"aac", "Audio file", kMusic},
-    {"ai", "Illustration", kPictures},
-    {"aif", "Audio file", kMusic},
-    {"asf", "Video clip", kVideo},
-    {"avi", "Video clip", kVideo},
-    {"bat", "Batch file", kPrograms},
-    {"bmp", "Bitmap image", kPictures},
-    {"bz2", "bzip2 archive", kArchives},
-    {"cab", "Cabinet file", kArchives},
-    {"cmd", "Command script", kPrograms},
-    {"com", "Program", kPrograms},
-    {"csv", "Comma-separated values", kDocuments},
-    {"dbx", "Mail folder", kMail},
-    {"dll", "Program library", kPrograms},
-    {"doc", "Text document", kDocuments},
-    {"docm", "Text document with macros", kDocuments},
-    {"docx", "Text document", kDocuments},
-    {"dot", "Document template", kDocuments},
-    {"eml", "Mail message", kMail},
-    {"exe", "Program", kPrograms},
-    {"flac", "Audio file", kMusic},
-    {"flv", "Video clip", kVideo},
-    {"gif", "GIF image", kPictures},
-    {"gz", "gzip archive", kArchives},
-    {"heic", "Photo", kPictures},
-    {"htm", "Web page", kDocuments},
-    {"html", "Web page", kDocuments},
-    {"ico", "Icon", kPictures},
-    {"iso", "Disc image", kArchives},
-    {"jar", "Program archive", kPrograms},
-    {"jpeg", "JPEG image", kPictures},
-    {"jpg", "JPEG image", kPictures},
-    {"js", "Script", kPrograms},
-    {"kxexag", "Mail server item", kMail},
-    {"m4a", "Audio file", kMusic},
-    {"m4v", "Video clip", kVideo},
-    {"mbox", "Mail folder", kMail},
-    {"mbx", "Mail folder", kMail},
-    {"mid", "MIDI music", kMusic},
-    {"mkv", "Video clip", kVideo},
-    {"mov", "Video clip", kVideo},
-    {"mp3", "MP3 music", kMusic},
-    {"mp4", "Video clip", kVideo},
-    {"mpeg", "Video clip", kVideo},
-    {"mpg", "Video clip", kVideo},
-    {"msg", "Mail message", kMail},
-    {"msi", "Installation package", kPrograms},
-    {"odp", "Presentation", kDocuments},
-    {"ods", "Spreadsheet", kDocuments},
-    {"odt", "Text document", kDocuments},
-    {"ogg", "Audio file", kMusic},
-    {"ost", "Mail store", kMail},
-    {"pdf", "PDF document", kDocuments},
-    {"png", "PNG image", kPictures},
-    {"pps", "Slide show", kDocuments},
-    {"ppt", "Presentation", kDocuments},
-    {"pptx", "Presentation", kDocuments},
-    {"ps1", "Script", kPrograms},
-    {"psd", "Layered image", kPictures},
-    {"pst", "Mail store", kMail},
-    {"rar", "RAR archive", kArchives},
-    {"rtf", "Rich text document", kDocuments},
-    {"svg", "Vector image", kPictures},
-    {"sys", "System driver", kPrograms},
-    {"tar", "tar archive", kArchives},
-    {"tgz", "tar archive", kArchives},
-    {"tif", "TIFF image", kPictures},
-    {"tiff", "TIFF image", kPictures},
-    {"txt", "Plain text", kDocuments},
-    {"vbs", "Script", kPrograms},
-    {"vsd", "Drawing", kDocuments},
-    {"wav", "Audio file", kMusic},
-    {"webm", "Video clip", kVideo},
-    {"webp", "WebP image", kPictures},
-    {"wma", "Audio file", kMusic},
-    {"wmf", "Vector image", kPictures},
-    {"wmv", "Video clip", kVideo},
-    {"wpd", "Text document", kDocuments},
-    {"xls", "Spreadsheet", kDocuments},
-    {"xlsm", "Spreadsheet with macros", kDocuments},
-    {"xlsx", "Spreadsheet", kDocuments},
-    {"xml", "XML document", kDocuments},
-    {"xz", "xz archive", kArchives},
-    {"zip", "ZIP archive", kArchives},
+struct KnownType {
+  std::string_view extension;
+  Phrase description;
+  FileKind kind;
 };
 
-constexpr bool Before(const FileType& left, const FileType& right) {
-  return left.extension < right.extension;
-}
-static_assert(std::is_sorted(std::begin(kTypes), std::end(kTypes), Before));
+// In the order of the extensions.
+constexpr KnownType kTypes[] = {
+    {"3gp", kTypeVideoClip, kVideo},
+    {"7z", kType7zArchive, kArchives},
+    {"aac", kTypeAudioFile, kMusic},
+    {"ai", kTypeIllustration, kPictures},
+    {"aif", kTypeAudioFile, kMusic},
+    {"asf", kTypeVideoClip, kVideo},
+    {"avi", kTypeVideoClip, kVideo},
+    {"bat", kTypeBatchFile, kPrograms},
+    {"bmp", kTypeBitmapImage, kPictures},
+    {"bz2", kTypeBzip2Archive, kArchives},
+    {"cab", kTypeCabinetFile, kArchives},
+    {"cmd", kTypeCommandScript, kPrograms},
+    {"com", kTypeProgram, kPrograms},
+    {"csv", kTypeCommaSeparatedValues, kDocuments},
+    {"dbx", kTypeMailFolder, kMail},
+    {"dll", kTypeProgramLibrary, kPrograms},
+    {"doc", kTypeTextDocument, kDocuments},
+    {"docm", kTypeTextDocumentWithMacros, kDocuments},
+    {"docx", kTypeTextDocument, kDocuments},
+    {"dot", kTypeDocumentTemplate, kDocuments},
+    {"eml", kTypeMailMessage, kMail},
+    {"exe", kTypeProgram, kPrograms},
+    {"flac", kTypeAudioFile, kMusic},
+    {"flv", kTypeVideoClip, kVideo},
+    {"gif", kTypeGIFImage, kPictures},
+    {"gz", kTypeGzipArchive, kArchives},
+    {"heic", kTypePhoto, kPictures},
+    {"htm", kTypeWebPage, kDocuments},
+    {"html", kTypeWebPage, kDocuments},
+    {"ico", kTypeIcon, kPictures},
+    {"iso", kTypeDiscImage, kArchives},
+    {"jar", kTypeProgramArchive, kPrograms},
+    {"jpeg", kTypeJPEGImage, kPictures},
+    {"jpg", kTypeJPEGImage, kPictures},
+    {"js", kTypeScript, kPrograms},
+    {"kxexag", kTypeMailServerItem, kMail},
+    {"m4a", kTypeAudioFile, kMusic},
+    {"m4v", kTypeVideoClip, kVideo},
+    {"mbox", kTypeMailFolder, kMail},
+    {"mbx", kTypeMailFolder, kMail},
+    {"mid", kTypeMIDIMusic, kMusic},
+    {"mkv", kTypeVideoClip, kVideo},
+    {"mov", kTypeVideoClip, kVideo},
+    {"mp3", kTypeMP3Music, kMusic},
+    {"mp4", kTypeVideoClip, kVideo},
+    {"mpeg", kTypeVideoClip, kVideo},
+    {"mpg", kTypeVideoClip, kVideo},
+    {"msg", kTypeMailMessage, kMail},
+    {"msi", kTypeInstallationPackage, kPrograms},
+    {"odp", kTypePresentation, kDocuments},
+    {"ods", kTypeSpreadsheet, kDocuments},
+    {"odt", kTypeTextDocument, kDocuments},
+    {"ogg", kTypeAudioFile, kMusic},
+    {"ost", kTypeMailStore, kMail},
+    {"pdf", kTypePDFDocument, kDocuments},
+    {"png", kTypePNGImage, kPictures},
+    {"pps", kTypeSlideShow, kDocuments},
+    {"ppt", kTypePresentation, kDocuments},
+    {"pptx", kTypePresentation, kDocuments},
+    {"ps1", kTypeScript, kPrograms},
+    {"psd", kTypeLayeredImage, kPictures},
+    {"pst", kTypeMailStore, kMail},
+    {"rar", kTypeRARArchive, kArchives},
+    {"rtf", kTypeRichTextDocument, kDocuments},
+    {"svg", kTypeVectorImage, kPictures},
+    {"sys", kTypeSystemDriver, kPrograms},
+    {"tar", kTypeTarArchive, kArchives},
+    {"tgz", kTypeTarArchive, kArchives},
+    {"tif", kTypeTIFFImage, kPictures},
+    {"tiff", kTypeTIFFImage, kPictures},
+    {"txt", kTypePlainText, kDocuments},
+    {"vbs", kTypeScript, kPrograms},
+    {"vsd", kTypeDrawing, kDocuments},
+    {"wav", kTypeAudioFile, kMusic},
+    {"webm", kTypeVideoClip, kVideo},
+    {"webp", kTypeWebPImage, kPictures},
+    {"wma", kTypeAudioFile, kMusic},
+    {"wmf", kTypeVectorImage, kPictures},
+    {"wmv", kTypeVideoClip, kVideo},
+    {"wpd", kTypeTextDocument, kDocuments},
+    {"xls", kTypeSpreadsheet, kDocuments},
+    {"xlsm", kTypeSpreadsheetWithMacros, kDocuments},
+    {"xlsx", kTypeSpreadsheet, kDocuments},
+    {"xml", kTypeXMLDocument, kDocuments},
+    {"xz", kTypeXzArchive, kArchives},
+    {"zip", kTypeZIPArchive, kArchives},
+};
 
-constexpr std::array<std::string_view, kFileKinds> kKindNames{"Documents", "Pictures", "Music",    "Video",
-                                                              "Mail",      "Archives", "Programs", ""};
+static_assert(std::ranges::is_sorted(kTypes, {}, &KnownType::extension));
+
+constexpr Phrase kKindNames[] = {kKindDocuments, kKindPictures, kKindMusic,   kKindVideo,
+                                 kKindMail,      kKindArchives, kKindPrograms};
 
 }  // namespace
 
 std::string_view KindName(FileKind kind) {
-  return kKindNames[static_cast<std::size_t>(kind)];
+  return kind == kOther ? std::string_view() : Say(kKindNames[static_cast<std::size_t>(kind)]);
 }
 
 FileType FindFileType(std::string_view extension) {
-  const FileType wanted{extension, {}, kOther};
-  const auto* const found = std::lower_bound(std::begin(kTypes), std::end(kTypes), wanted, Before);
-  return found != std::end(kTypes) && found->extension == extension ? *found : wanted;
+  const auto* const found = std::ranges::lower_bound(kTypes, extension, {}, &KnownType::extension);
+  if (found == std::end(kTypes) || found->extension != extension) return {extension, {}, kOther};
+  return {found->extension, Say(found->description), found->kind};
 }
 
 }  // namespace kxrestore::catalog

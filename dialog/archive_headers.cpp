@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "base/error.h"
+#include "base/phrases.h"
 #include "base/text.h"
 #include "catalog/text_routines.h"
 #include "engine/error_numbers.h"
@@ -87,10 +88,9 @@ HeaderValues::HeaderValues(const engine::Recordset& rows, const std::vector<std:
   }
   for (const std::string& other : others) unknown.append(unknown.empty() ? "" : ", ").append(other);
   if (lacking.empty() && unknown.empty()) return;
-  std::string description =
-      "The disc's table ArchiveHeader does not have the columns of the archive database's.";
-  if (!lacking.empty()) description += " Missing on the disc: " + lacking + ".";
-  if (!unknown.empty()) description += " Only on the disc: " + unknown + ".";
+  std::string description = Say(Phrase::kArchiveColumnsDiffer);
+  if (!lacking.empty()) description += " " + Say(Phrase::kArchiveColumnsMissing, {lacking});
+  if (!unknown.empty()) description += " " + Say(Phrase::kArchiveColumnsUnknown, {unknown});
   throw Error(engine::error_number::kItemNotFound, std::move(description), "KXRestore");
 }
 

@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/phrases.h"
 #include "catalog/text_routines.h"
 #include "dialog/archive_headers.h"
 #include "engine/error_numbers.h"
@@ -113,7 +114,7 @@ void CdArchive::DriveCD_Change() {
     ui.cmdCD.SetEnabled(true);
     ui.lblCD[2].SetVisible(false);
   } else {
-    Say(kNoBackupData);
+    ShowMessage(kNoBackupData);
   }
 }
 
@@ -123,7 +124,7 @@ bool CdArchive::IsArchiveDisc(const std::string& drive) {
   return found;
 }
 
-void CdArchive::Say(std::string message) {
+void CdArchive::ShowMessage(std::string message) {
   controls::Label& label = m_context.ui.lblCD[2];
   label.SetCaption(std::move(message));
   label.SetVisible(true);
@@ -133,11 +134,11 @@ void CdArchive::cmdCD_Click() {
   m_context.ui.lblCD[2].SetVisible(false);
   m_context.ui.ProgressBar1.SetValue(0);
   const std::string disc = m_context.platform.drives.FirstFile(m_context.ui.DriveCD.Drive() + kDiscFiles);
-  if (disc.empty()) return Say(kNoBackupData);
+  if (disc.empty()) return ShowMessage(kNoBackupData);
 
   const auto nothingAdded = [this](std::string message) {
     m_context.ui.ProgressBar1.SetValue(0);
-    Say(std::move(message));
+    ShowMessage(std::move(message));
   };
   std::size_t added = 0;
   bool complete = false, stopped = true;
@@ -145,14 +146,14 @@ void CdArchive::cmdCD_Click() {
       "cmdCD.Click", [&] { complete = Append(disc, added); },
       [&](const Error& error) {
         stopped = error.Number() == engine::error_number::kCanceled;
-        if (!stopped) nothingAdded("Nothing was added.");
+        if (!stopped) nothingAdded(Say(Phrase::kArchiveNothingAdded));
       });
   if (!complete) {
-    if (stopped) nothingAdded("Stopped. Nothing was added.");
+    if (stopped) nothingAdded(Say(Phrase::kArchiveStopped));
     return;
   }
-  const std::string result = std::to_string(added) + " archived backup(s) added.";
-  Say(result);
+  const std::string result = Say(Phrase::kArchiveAdded, {std::to_string(added)});
+  ShowMessage(result);
   m_context.MessageBox(result, platform::kOkOnly, "");
   if (added > 0) ShowBranchAnew();
 }

@@ -1,5 +1,7 @@
 #include "dialog/form_controls.h"
 
+#include "base/phrases.h"
+
 namespace kxrestore::dialog {
 
 namespace {
@@ -54,18 +56,18 @@ FormControls::FormControls() {
   txtVL.SetLocked(true);
 
   // What a screen reader says of controls that carry no caption.
-  tvwSets.SetAccessibleName("Backup sets");
-  tvwDetails.SetAccessibleName("Files of the backup set");
-  asFiles.SetAccessibleName("File types");
-  asSearch.SetAccessibleName("Files found");
-  asRestoreList.SetAccessibleName("Files selected to restore");
-  cboMask.SetAccessibleName("Find by mask");
-  DriveCD.SetAccessibleName("CD-ROM drive");
-  txtVL.SetAccessibleName("Volume");
-  ProgressBar1.SetAccessibleName("Progress");
-  tbsOptions.SetAccessibleName("Ways to choose files");
-  SplitV.SetAccessibleName("Width of the backup sets");
-  splitH.SetAccessibleName("Height of the upper area");
+  tvwSets.SetAccessibleName(Say(Phrase::kNameSets));
+  tvwDetails.SetAccessibleName(Say(Phrase::kNameDetails));
+  asFiles.SetAccessibleName(Say(Phrase::kNameTypes));
+  asSearch.SetAccessibleName(Say(Phrase::kNameFound));
+  asRestoreList.SetAccessibleName(Say(Phrase::kNameSelected));
+  cboMask.SetAccessibleName(Say(Phrase::kNameMask));
+  DriveCD.SetAccessibleName(Say(Phrase::kNameDrive));
+  txtVL.SetAccessibleName(Say(Phrase::kNameVolume));
+  ProgressBar1.SetAccessibleName(Say(Phrase::kNameProgress));
+  tbsOptions.SetAccessibleName(Say(Phrase::kNameTabs));
+  SplitV.SetAccessibleName(Say(Phrase::kNameSetsWidth));
+  splitH.SetAccessibleName(Say(Phrase::kNameUpperHeight));
 
   // Nothing uses these; a user is not shown a control that does nothing.
   chkShowZero.SetVisible(false);

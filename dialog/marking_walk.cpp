@@ -1,5 +1,6 @@
 #include "dialog/marking_walk.h"
 
+#include "base/phrases.h"
 #include "engine/error_numbers.h"
 #include "platform/desktop.h"
 
@@ -93,7 +94,7 @@ MarkingWalk::End MarkingWalk::Finish() {
   Commit();
   TakeCommits();
   if (!m_notMarked.empty()) {
-    m_context.MessageBox(std::to_string(m_notMarked.size()) + " file(s) could not be marked.",
+    m_context.MessageBox(Say(Phrase::kCouldNotBeMarked, {std::to_string(m_notMarked.size())}),
                          platform::kExclamation, m_routine);
   }
   return Stopped() ? End::kStopped : End::kDone;

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 
+#include "base/phrases.h"
 #include "base/text.h"
 
 namespace kxrestore::dialog {
 
 namespace {
-
-constexpr std::string_view kThisFolder = "(this folder)";
 
 // Where the components of a path begin.
 std::size_t AfterFirstBackslash(std::string_view path) {
@@ -30,7 +29,8 @@ std::string_view LastComponent(std::string_view path) {
 }
 
 std::string_view EntryText(std::string_view path) {
-  return path.ends_with('\\') ? kThisFolder : path.substr(path.rfind('\\') + 1);
+  return path.ends_with('\\') ? std::string_view(Say(Phrase::kThisFolder))
+                              : path.substr(path.rfind('\\') + 1);
 }
 
 controls::Node PathNodes::AddPathNodes(std::string_view path, std::string_view tag) {

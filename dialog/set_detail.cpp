@@ -2,6 +2,7 @@
 
 #include <charconv>
 
+#include "base/phrases.h"
 #include "base/text.h"
 #include "controls/check_propagation.h"
 #include "dialog/catalog_entries.h"
@@ -102,7 +103,7 @@ void SetDetail::LoadBackupSetDetail(controls::Node run) {
   // A part of a run must not look like the whole of it.
   ui.lblTreeCount.SetCaption(complete              ? std::to_string(m_count) + " file(s)."
                              : m_context.Stopped() ? "Stopped after " + std::to_string(m_count) + " file(s)"
-                                                   : "Failed after " + std::to_string(m_count) + " file(s)");
+                                                   : Say(Phrase::kFailedAfter, {std::to_string(m_count)}));
 }
 
 bool SetDetail::Fill(engine::Recordset& rows, FormContext::Walk& walk) {

@@ -56,7 +56,7 @@ example_builds() {
 archive_is_whole() {
   local folder file
   for folder in x64 x86; do
-    for file in KXRestore.dll KXRestore.dll.debug KXRestore.tlb KXRestore.X.manifest restore_host.exe kxrestore.exe; do
+    for file in KXRestore.dll KXRestore.de.txt KXRestore.dll.debug KXRestore.tlb KXRestore.X.manifest restore_host.exe kxrestore.exe; do
       [[ -s $unpacked/$folder/$file ]] || { echo "no $folder/$file" && return 1; }
     done
   done

@@ -5,12 +5,14 @@
 #include "component/com/the_form.h"
 #include "dialog/frm_restore.h"
 #include "engine/database.h"
+#include "platform/win32/services/language.h"
 
 namespace kxrestore::component::com {
 namespace {
 
 class WindowsForm final : public FormProvider {
  public:
+  WindowsForm() { win32::UsePhrasesBeside(ModuleHandle()); }
   dialog::frmRestore& Form() override { return m_form; }
 
  private:

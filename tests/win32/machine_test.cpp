@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
+#include "base/phrases.h"
+#include "platform/win32/services/language.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/win32_platform.h"
 
@@ -25,7 +28,45 @@ std::vector<std::uint8_t> Bytes(const std::string& text) {
   return {text.begin(), text.end()};
 }
 
+// A file of phrases beside this program, which says what it is called.
+class PhrasesFile {
+ public:
+  explicit PhrasesFile(const std::wstring& ending) {
+    std::wstring program(MAX_PATH, L'\0');
+    program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
+    m_path = std::filesystem::path(program).replace_extension(ending);
+    std::ofstream(m_path) << "ThisFolder = " << m_path.filename().string() << "\n";
+  }
+  ~PhrasesFile() { std::filesystem::remove(m_path); }
+  PhrasesFile(const PhrasesFile&) = delete;
+  PhrasesFile& operator=(const PhrasesFile&) = delete;
+
+ private:
+  std::filesystem::path m_path;
+};
+
 }  // namespace
+
+TEST_F(MachineTest, PhrasesComeFromTheFileThatFitsBest) {
+  const auto said = [] {
+    UsePhrasesBeside(nullptr, {"de", "de-AT"});
+    return Say(Phrase::kThisFolder);
+  };
+  EXPECT_EQ(said(), "(this folder)");
+  const PhrasesFile other(L".fr.txt"), language(L".de.txt");
+  EXPECT_EQ(said(), "win32_tests.de.txt");
+  {
+    const PhrasesFile region(L".de-AT.txt");
+    EXPECT_EQ(said(), "win32_tests.de-AT.txt");
+    const PhrasesFile host(L".txt");
+    EXPECT_EQ(said(), "win32_tests.txt");
+  }
+  EXPECT_EQ(said(), "win32_tests.de.txt");
+  UsePhrases({});
+  const UserLanguage user = LanguageOfUser();
+  EXPECT_EQ(user.language.size(), 2U) << user.language;
+  EXPECT_TRUE(user.languageAndRegion.starts_with(user.language + "-")) << user.languageAndRegion;
+}
 
 TEST_F(MachineTest, RegistryKeepsTextAndNumbers) {
   platform::Registry& registry = Machine().registry;

@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "base/error.h"
+#include "base/phrases.h"
 #include "platform/win32/controls/accessible_name.h"
 #include "platform/win32/wide_text.h"
 
@@ -104,7 +105,7 @@ void ControlWindow::Create(HWND parent, const wchar_t* windowClass, const std::w
                                       bounds.right - bounds.left, bounds.bottom - bounds.top, parent, nullptr,
                                       m_context.Module(), nullptr);
   if (handle == nullptr) {
-    throw Error(static_cast<int>(GetLastError()), "The window of " + m_control.Name() + " cannot be made",
+    throw Error(static_cast<int>(GetLastError()), Say(Phrase::kWindowNotMade, {m_control.Name()}),
                 "KXRestore");
   }
   Attach(handle);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/error.h"
+#include "base/phrases.h"
 #include "platform/win32/controls/window_classes.h"
 #include "platform/win32/form/form_window.h"
 #include "platform/win32/form/make_windows.h"
@@ -67,7 +68,7 @@ std::string Describe(const std::exception_ptr& error) {
   } catch (const std::exception& other) {
     return other.what();
   } catch (...) {
-    return "Unexpected error";
+    return Say(Phrase::kUnexpectedError);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/error.h"
+#include "base/phrases.h"
 #include "platform/win32/controls/window_classes.h"
 #include "platform/win32/form/make_windows.h"
 #include "platform/win32/wide_text.h"
@@ -49,8 +50,7 @@ FormWindow::FormWindow(WindowContext& context, controls::Form& form, HWND host)
     const HWND handle = CreateWindowExW(kExStyle, kFormClass, WideShown(form.Caption()).c_str(), kStyle, 0, 0,
                                         0, 0, nullptr, nullptr, context.Module(), nullptr);
     if (handle == nullptr) {
-      throw Error(static_cast<int>(GetLastError()), "The window of " + form.Name() + " cannot be made",
-                  "KXRestore");
+      throw Error(static_cast<int>(GetLastError()), Say(Phrase::kWindowNotMade, {form.Name()}), "KXRestore");
     }
     context.SetFormHandle(handle);
     Attach(handle);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "platform/win32/wide_text.h"
+
 namespace kxrestore::win32 {
 
 namespace {
@@ -15,14 +17,16 @@ HWND HeadingOf(HWND list) {
 
 }  // namespace
 
-const ListColumns::Column ListColumns::kFiles[] = {{L"Name", ListColumn::kName, 0, false},
-                                                   {L"Size", ListColumn::kSize, 1150, true},
-                                                   {L"Extension", ListColumn::kExtension, 1050, false},
-                                                   {L"Set", ListColumn::kSet, 1500, false},
-                                                   {L"Date", ListColumn::kDate, 2050, false}};
-const ListColumns::Column ListColumns::kTypes[] = {{L"Type", ListColumn::kName, 1350, false},
-                                                   {L"Description", ListColumn::kExtension, 0, false},
-                                                   {L"Files", ListColumn::kSize, 850, true}};
+const ListColumns::Column ListColumns::kFiles[] = {
+    {Phrase::kColumnName, ListColumn::kName, 0, false},
+    {Phrase::kColumnSize, ListColumn::kSize, 1150, true},
+    {Phrase::kColumnExtension, ListColumn::kExtension, 1050, false},
+    {Phrase::kColumnSet, ListColumn::kSet, 1500, false},
+    {Phrase::kColumnDate, ListColumn::kDate, 2050, false}};
+const ListColumns::Column ListColumns::kTypes[] = {
+    {Phrase::kColumnType, ListColumn::kName, 1350, false},
+    {Phrase::kColumnDescription, ListColumn::kExtension, 0, false},
+    {Phrase::kColumnFiles, ListColumn::kSize, 850, true}};
 
 ListColumns::ListColumns(WindowContext& context, controls::AutoSelect::Style style) : m_context(context) {
   if (style == controls::AutoSelect::Style::kTypes) {
@@ -35,7 +39,7 @@ ListColumns::ListColumns(WindowContext& context, controls::AutoSelect::Style sty
 void ListColumns::Make(HWND list) {
   m_fitting = true;
   for (std::size_t index = 0; index < m_columns.size(); ++index) {
-    std::wstring heading = m_columns[index].heading;
+    std::wstring heading = Wide(Say(m_columns[index].heading));
     LVCOLUMNW column{LVCF_TEXT | LVCF_WIDTH | LVCF_FMT};
     column.fmt = m_columns[index].rightAligned ? LVCFMT_RIGHT : LVCFMT_LEFT;
     column.cx = m_context.ToPixels(m_columns[index].width);

@@ -9,6 +9,7 @@
 #include <span>
 #include <vector>
 
+#include "base/phrases.h"
 #include "controls/auto_select.h"
 #include "platform/win32/controls/window_context.h"
 #include "platform/win32/list/list_order.h"
@@ -32,7 +33,7 @@ class ListColumns {
 
  private:
   struct Column {
-    const wchar_t* heading;
+    Phrase heading;
     ListColumn column;
     int width;  // twips; 0: what the others leave
     bool rightAligned;
