@@ -94,6 +94,10 @@ void Control::UserMouseMove() {
   if (MouseMove && AcceptsUser()) MouseMove();
 }
 
+void Control::UserMenu(Menu& menu) {
+  if (FillMenu && AcceptsUser()) FillMenu(menu);
+}
+
 void Control::AttachPeer(std::unique_ptr<Peer> peer) {
   m_peer = std::move(peer);
   if (m_peer) {

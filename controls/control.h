@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "controls/menu.h"
 #include "controls/peer.h"
 
 namespace kxrestore::controls {
@@ -81,6 +82,11 @@ class Control {
   // or hidden.
   std::function<void()> MouseMove;
   void UserMouseMove();
+
+  // The user asked for the menu of the control, or of what the menu's subject names: fills it. The front end
+  // shows what it is given and calls Menu::UserChoose; nothing is shown where nothing was filled in.
+  std::function<void(Menu&)> FillMenu;
+  void UserMenu(Menu& menu);
 
   // The front end's side. The peer belongs to the control until it is replaced or taken away with nullptr.
   void AttachPeer(std::unique_ptr<Peer> peer);

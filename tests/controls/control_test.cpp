@@ -6,6 +6,7 @@
 
 #include "controls/form.h"
 #include "controls/widgets.h"
+#include "platform/headless/headless_menu.h"
 #include "platform/headless/recording_peer.h"
 #include "tests/raises.h"
 
@@ -261,6 +262,34 @@ TEST_F(ControlTest, SelectsWithinItsTabs) {
   }
   EXPECT_EQ(2, tabs.SelectedIndex());
   EXPECT_EQ(1, clicks);
+}
+
+TEST_F(ControlTest, AMenuIsFilledWhenItIsAskedForAndDoesWhatIsChosen) {
+  using platform::HeadlessMenu;
+  using Texts = std::vector<std::string>;
+  PictureBox box("box", &form);
+  EXPECT_EQ(HeadlessMenu(box).Texts(), Texts());
+  std::vector<std::string> chosen;
+  box.FillMenu = [&](Menu& menu) {
+    const std::string subject = std::to_string(menu.Subject());
+    menu.AddLine();
+    menu.Add("&Open", [&chosen, subject] { chosen.push_back("open " + subject); });
+    menu.AddLine();
+    menu.AddLine();
+    menu.Add("&All", [&chosen] { chosen.emplace_back("all"); }).checked = true;
+    menu.Add("&Gone", [&chosen] { chosen.emplace_back("gone"); }).enabled = false;
+    menu.AddLine();
+  };
+  const HeadlessMenu menu(box, 7);
+  EXPECT_EQ(menu.Texts(), (Texts{"Open", "-", "*All", "Gone (off)"}));
+  EXPECT_TRUE(menu.Choose("Open") && menu.Choose("All"));
+  EXPECT_FALSE(menu.Choose("Gone"));
+  Menu own;
+  box.UserMenu(own);
+  for (const std::size_t place : {1, 3, 4}) own.UserChoose(place);
+  EXPECT_EQ(chosen, (Texts{"open 7", "all"}));
+  form.SetEnabled(false);
+  EXPECT_EQ(HeadlessMenu(box).Texts(), Texts());
 }
 
 }  // namespace

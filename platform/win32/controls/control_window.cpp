@@ -6,6 +6,7 @@
 #include "base/error.h"
 #include "base/phrases.h"
 #include "platform/win32/controls/accessible_name.h"
+#include "platform/win32/controls/popup_menu.h"
 #include "platform/win32/wide_text.h"
 
 namespace kxrestore::win32 {
@@ -292,6 +293,27 @@ void ControlWindow::PeerRefresh() {
   if (m_handle != nullptr) Later(kRefreshFlag);
 }
 
+std::optional<ControlWindow::MenuRequest> ControlWindow::MenuAt(std::optional<POINT> pointer) {
+  MenuRequest request;
+  ClientToScreen(m_handle, &request.place);
+  if (pointer) request.place = *pointer;
+  return request;
+}
+
+// Whether the control has a menu to show. `where` is that of WM_CONTEXTMENU.
+bool ControlWindow::ShowMenu(LPARAM where) {
+  std::optional<POINT> pointer;
+  if (where != -1) pointer = {static_cast<short>(LOWORD(where)), static_cast<short>(HIWORD(where))};
+  const auto request = MenuAt(pointer);
+  if (!request) return false;
+  controls::Menu menu(request->subject);
+  AddToMenu(menu);
+  m_control.UserMenu(menu);
+  if (menu.Empty()) return false;
+  ShowPopupMenu(m_handle, menu, request->place);
+  return true;
+}
+
 LRESULT ControlWindow::PassOn(UINT message, WPARAM wide, LPARAM extra) const {
   return CallWindowProcW(Windows().Get(m_handle).procedure, m_handle, message, wide, extra);
 }
@@ -336,6 +358,9 @@ std::optional<LRESULT> ControlWindow::Dispatch(UINT message, WPARAM wide, LPARAM
       break;
     case WM_MOUSEMOVE:
       m_control.UserMouseMove();
+      break;
+    case WM_CONTEXTMENU:
+      if (ShowMenu(extra)) return 0;
       break;
     case WM_NCDESTROY: {  // somebody else destroyed it
       const HWND handle = std::exchange(m_handle, nullptr);

@@ -49,6 +49,15 @@ class ControlWindow {
   // Whether the window itself wants a key (of a WM_KEYDOWN) that otherwise means something to the form: Esc,
   // Enter, Tab and the like.
   virtual bool WantsKey(WPARAM /*key*/) { return false; }
+  // What the user asks the control's menu about, and where on the screen the menu belongs. `pointer`: on the
+  // screen, nothing when it was asked for by the keyboard. Nothing: there is no menu here.
+  struct MenuRequest {
+    std::size_t subject = 0;  // see controls::Menu
+    POINT place{};
+  };
+  virtual std::optional<MenuRequest> MenuAt(std::optional<POINT> pointer);
+  // Puts the window's own items into the menu, before those of the form's code.
+  virtual void AddToMenu(controls::Menu& /*menu*/) {}
   virtual bool TakesFocus() const { return true; }  // by Tab, while shown and enabled
 
   // The resolution changed; fonts and geometry are renewed by the base.
@@ -119,6 +128,7 @@ class ControlWindow {
 
  private:
   static LRESULT CALLBACK Procedure(HWND handle, UINT message, WPARAM wide, LPARAM extra);
+  bool ShowMenu(LPARAM where);
   std::optional<LRESULT> Dispatch(UINT message, WPARAM wide, LPARAM extra);
   void NameWindow();
   void UnnameWindow(HWND handle);

@@ -19,8 +19,6 @@ constexpr UINT kSettled = 200;                   // milliseconds without a new e
                                                  // sorted list is sorted again
 constexpr std::size_t kMostReselected = 10'000;  // rows; selecting one more costs more and more
 
-enum MenuItem : UINT { kTick = 1, kUntick, kCopy };
-
 class ListWindow final : public WindowPeer<controls::ListPeer> {
  public:
   ListWindow(WindowContext& context, AutoSelect& list, HWND parent)
@@ -78,13 +76,37 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
       InvalidateRect(Handle(), nullptr, FALSE);
       return 0;
     }
-    if (message == WM_CONTEXTMENU) {
-      ShowMenu(extra);
-      return 0;
-    }
     if (message == WM_SIZE) m_columns.Fit(Handle());
     if (message == WM_NOTIFY) HeadingTells(*reinterpret_cast<const NMHDR*>(extra));
     return std::nullopt;
+  }
+
+  // Of the selected rows, beside the focused one when it was asked for by the keyboard.
+  std::optional<MenuRequest> MenuAt(std::optional<POINT> pointer) override {
+    const LRESULT focused = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
+    MenuRequest request;
+    if (focused >= 0) {
+      const std::size_t number = m_order.Entry(static_cast<std::size_t>(focused));
+      if (Exists(number)) request.subject = number;
+    }
+    if (pointer) {
+      request.place = *pointer;
+    } else {
+      RECT row{};
+      row.left = LVIR_LABEL;
+      Send(LVM_GETITEMRECT, static_cast<WPARAM>(focused), reinterpret_cast<LPARAM>(&row));
+      request.place = {row.left, row.bottom};
+      ClientToScreen(Handle(), &request.place);
+    }
+    return request;
+  }
+  void AddToMenu(controls::Menu& menu) override {
+    if (Send(LVM_GETSELECTEDCOUNT) == 0) return;
+    menu.Add("&Tick selected", [this] { TickSelected(true); });
+    menu.Add("&Untick selected", [this] { TickSelected(false); });
+    menu.AddLine();
+    menu.Add("&Copy", [this] { CopySelected(); }).keys = "Ctrl+C";
+    menu.AddLine();
   }
 
   void OnDpiChanged() override {
@@ -274,29 +296,6 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
       if (SetClipboardData(CF_UNICODETEXT, memory) == nullptr) GlobalFree(memory);
     }
     CloseClipboard();
-  }
-
-  void ShowMenu(LPARAM where) {
-    if (Send(LVM_GETSELECTEDCOUNT) == 0) return;
-    POINT place{static_cast<short>(LOWORD(where)), static_cast<short>(HIWORD(where))};
-    if (where == -1) {  // the menu key: beside the focused row
-      RECT row{};
-      row.left = LVIR_LABEL;
-      Send(LVM_GETITEMRECT, static_cast<WPARAM>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED)),
-           reinterpret_cast<LPARAM>(&row));
-      place = {row.left, row.bottom};
-      ClientToScreen(Handle(), &place);
-    }
-    const HMENU menu = CreatePopupMenu();
-    AppendMenuW(menu, MF_STRING, kTick, L"&Tick selected");
-    AppendMenuW(menu, MF_STRING, kUntick, L"&Untick selected");
-    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-    AppendMenuW(menu, MF_STRING, kCopy, L"&Copy\tCtrl+C");
-    const int chosen =
-        TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y, 0, Handle(), nullptr);
-    DestroyMenu(menu);
-    if (chosen == kTick || chosen == kUntick) TickSelected(chosen == kTick);
-    if (chosen == kCopy) CopySelected();
   }
 
   // Groups of file types stand out.
