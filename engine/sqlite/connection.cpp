@@ -45,10 +45,6 @@ Connection::Connection(std::string file, bool exclusive, std::shared_ptr<Waiter>
     return;
   }
   m_readOnly = sqlite3_db_readonly(connection, "main") == 1;
-  // A group of marks changes pages all over a catalog; they wait for the commit instead of being written
-  // again and again. Unchanged pages get no more room by that: to touch so much memory would cost reading
-  // more.
-  Execute("PRAGMA cache_spill = 8192", Doing::kOpening);
   // A commit ends with the journal's removal, and that has to reach the disk as well.
   Execute("PRAGMA synchronous = EXTRA", Doing::kOpening);
   if (exclusive) {
@@ -78,6 +74,12 @@ void Connection::Secure() {
   sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, kLongestValue);
   Check(Outcome(sqlite3_set_authorizer(connection, Authorize, this)), Doing::kOpening);
   Execute("PRAGMA cell_size_check = ON", Doing::kOpening);
+}
+
+void Connection::PrepareForWriting() {
+  if (m_preparedForWriting) return;
+  Execute("PRAGMA cache_size = -32768", Doing::kWriting);  // KiB
+  m_preparedForWriting = true;
 }
 
 void Connection::Raise(int code, Doing doing, std::string_view piece) const {

@@ -33,6 +33,10 @@ class Connection {
   std::int64_t Changes() const { return sqlite3_changes64(Get()); }  // of the last statement, in rows
 
   Statement Prepare(std::string_view sql, Doing doing = Doing::kReading) const;
+  // Enlarges the page cache, once. Marks go to pages all over a catalog: they stay in memory from one mark to
+  // the next and wait there for the commit. Connections that only read do without, since to touch that much
+  // memory costs them more than it saves.
+  void PrepareForWriting();
   // Passes success on and raises everything else. `piece` is the statement or the name at work.
   void Check(Outcome outcome, Doing doing = Doing::kReading, std::string_view piece = {}) const {
     if (!outcome.IsOk()) Raise(outcome.Code(), doing, piece);
@@ -68,7 +72,7 @@ class Connection {
                        const char* database, const char* trigger) noexcept;
 
   std::string m_file;
-  bool m_readOnly = false;
+  bool m_readOnly = false, m_preparedForWriting = false;
   mutable std::string m_refusedTrigger;  // by the last Prepare
   std::shared_ptr<Waiter> m_waiter;
   std::shared_ptr<ForeignTables> m_tables;  // outlives the connection

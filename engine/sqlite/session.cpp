@@ -198,6 +198,7 @@ void Session::BeginGroup() {
 }
 
 Outcome Session::Begin() {
+  m_connection.PrepareForWriting();
   const Outcome outcome = m_begin.Step(Stop::kWaits);
   m_begin.Reset();
   if (!outcome.IsDone()) return outcome;
