@@ -171,7 +171,7 @@ SelectStatement FromTemplate(std::string text, const std::string& rows, const st
 // Compares the trees by printing both in the form in which SQLite keeps them, without First().
 bool IsSame(const SelectStatement& query, const SelectStatement& other) {
   const SqliteDialect dialect(true);
-  return EqualIgnoringCase(Print(query, dialect), Print(other, dialect));
+  return EqualIgnoringCase(PrintSelect(query, dialect), PrintSelect(other, dialect));
 }
 
 bool IsLatest(SelectStatement& query, const std::string& rows, const std::string& newest) {

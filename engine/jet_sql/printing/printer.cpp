@@ -440,7 +440,7 @@ std::string Print(const Statement& statement, const Dialect& dialect, PrintedAs 
   return std::visit(Printer(dialect, printedAs), statement);
 }
 
-std::string Print(const SelectStatement& statement, const Dialect& dialect) {
+std::string PrintSelect(const SelectStatement& statement, const Dialect& dialect) {
   return Printer(dialect)(statement);
 }
 

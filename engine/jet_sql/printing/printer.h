@@ -12,6 +12,6 @@ enum class PrintedAs { kStatement, kView };
 
 std::string Print(const Statement& statement, const Dialect& dialect,
                   PrintedAs printedAs = PrintedAs::kStatement);
-std::string Print(const SelectStatement& statement, const Dialect& dialect);
+std::string PrintSelect(const SelectStatement& statement, const Dialect& dialect);
 
 }  // namespace kxrestore::engine::jet_sql

@@ -1,0 +1,139 @@
+// What one host process keeps after many runs of the dialog: nothing that grows.
+//
+// KX_SOAK_RUNS in the environment says how many runs (12 unless set).
+#include <windows.h>
+
+#include <psapi.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include "tests/e2e/dialog_fixture.h"
+
+namespace kxrestore::e2e {
+namespace {
+
+struct Held {
+  int handles = 0;
+  int windows = 0, drawing = 0;
+  SIZE_T privateBytes = 0;
+};
+
+// Handles of the system. Not every system keeps count of them, so each value that could be one is tried.
+int CountHandles() {
+  constexpr UINT_PTR kEnd = 0x8000, kStep = 4;
+  int count = 0;
+  for (UINT_PTR value = kStep; value < kEnd; value += kStep) {
+    DWORD flags = 0;
+    if (GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags)) ++count;
+  }
+  return count;
+}
+
+// All windows of this process: top-level ones and those that only take messages, with their children.
+int CountWindows() {
+  int count = 0;
+  const auto addOwn = [&count](HWND window) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    if (process != GetCurrentProcessId()) return;
+    ++count;
+    const auto addChild = [](HWND, LPARAM to) -> BOOL { return ++*reinterpret_cast<int*>(to), TRUE; };
+    EnumChildWindows(window, addChild, reinterpret_cast<LPARAM>(&count));
+  };
+  for (const HWND parent : {static_cast<HWND>(nullptr), HWND_MESSAGE}) {
+    for (HWND window = nullptr; (window = FindWindowExW(parent, window, nullptr, nullptr)) != nullptr;) {
+      addOwn(window);
+    }
+  }
+  return count;
+}
+
+// Pens, brushes, fonts, bitmaps, regions and device contexts. A handle's lower half is an index into one
+// table; the system accepts it without the upper half.
+int CountDrawing() {
+  int count = 0;
+  for (UINT_PTR index = 1; index < 0x10000; ++index) {
+    if (GetObjectType(reinterpret_cast<HGDIOBJ>(index)) != 0) ++count;
+  }
+  return count;
+}
+
+Held Measure() {
+  Held held;
+  held.handles = CountHandles();
+  held.windows = CountWindows();
+  held.drawing = CountDrawing();
+  PROCESS_MEMORY_COUNTERS memory{};
+  memory.cb = sizeof(memory);
+  K32GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof(memory));
+  held.privateBytes = memory.PagefileUsage;
+  return held;
+}
+
+int Runs() {
+  const char* const told = std::getenv("KX_SOAK_RUNS");
+  return told == nullptr ? 12 : std::max(std::atoi(told), 2);
+}
+
+// A run that restores and one that is cancelled, by turns.
+void RunOnce(_RestoreDlg* object, bool restores) {
+  RunDialog(object, [&](const driver::DialogDriver& dialog) {
+    dialog.SelectRun("1");
+    dialog.Tick("C:\\");
+    dialog.Click("cmdAction(0)");
+    dialog.ExpectText("lblCounts(0)", SelectedText(3));
+    dialog.Tab(3);
+    dialog.Click(restores ? "cmdRestore(0)" : "cmdRestore(1)");
+    if (!restores) dialog.Answer("YES");
+  });
+}
+
+TEST_F(DialogTest, TheMeasuresSeeWhatIsKept) {
+  const Held before = Measure();
+  const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  const HPEN pen = CreatePen(PS_SOLID, 3, RGB(1, 2, 3));
+  const HWND parent = CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+  CreateWindowW(L"STATIC", L"", WS_CHILD, 0, 0, 9, 9, parent, nullptr, nullptr, nullptr);
+  const Held with = Measure();
+  EXPECT_GE(with.handles, before.handles + 1);
+  EXPECT_GE(with.drawing, before.drawing + 1);
+  EXPECT_GE(with.windows, before.windows + 2);
+  DestroyWindow(parent);
+  DeleteObject(pen);
+  CloseHandle(event);
+}
+
+TEST_F(DialogTest, AHostThatRunsForWeeksKeepsNothing) {
+  constexpr int kStep = 50;
+  const int runs = Runs(), settled = std::min(runs / 2, 100);  // by then the caches of the system are full
+  Held first, last;
+  for (int run = 1; run <= runs; ++run) {
+    const ComPtr<_RestoreDlg> object = NewObject();
+    const ComPtr<CountingSink> sink = CountingSink::Make();
+    Advise(object.Get(), sink.Get());
+    RunOnce(object.Get(), run % 2 == 0);
+    EXPECT_EQ(run % 2 == 0 ? 1 : 0, sink->events);
+    m_catalog.Query("UPDATE Catalog SET Restore = 0");
+    ASSERT_FALSE(HasFailure()) << "run " << run;
+    if (run != settled && run != runs && run % kStep != 0) continue;
+    last = Measure();
+    if (run == settled) first = last;
+    std::printf("run %d: %d handles, %d windows, %d drawing objects, %zu KiB\n", run, last.handles,
+                last.windows, last.drawing, last.privateBytes / 1024);
+    std::fflush(stdout);
+  }
+  // What is kept of every run, or of every tenth, shows; what comes and goes with a thread does not.
+  const int slack = 3 + (runs - settled) / 20;
+  EXPECT_LE(last.handles, first.handles + slack);
+  EXPECT_LE(last.windows, first.windows + slack);
+  EXPECT_LE(last.drawing, first.drawing + slack);
+  if (runs < 500) return;
+  constexpr SIZE_T kBytesARun = 4096;
+  EXPECT_LE(last.privateBytes, first.privateBytes + kBytesARun * static_cast<SIZE_T>(runs - settled));
+}
+
+}  // namespace
+}  // namespace kxrestore::e2e
