@@ -2,6 +2,7 @@
 # Installs what is missing to build and run the system on Debian 12: setup.sh [GROUP...]
 #
 #   native   build of the native programs and tests
+#   checks   the formatter and the linters of scripts/check.sh
 #   windows  cross-build of the DLL and its tests, SQLite's source for it
 #   wine     running Windows programs, with and without a display
 #   wine32   making the root in which 32-bit ones run
@@ -17,6 +18,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 declare -A kPackages=(
   [native]="build-essential cmake ninja-build libsqlite3-dev unixodbc-dev googletest libgtest-dev unicode-data mdbtools"
+  [checks]="clang-format clang-tidy shellcheck git"
   [windows]="build-essential cmake ninja-build googletest unicode-data libsqlite3-0
              g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64-tools libwine-dev
              librsvg2-bin icoutils dpkg-dev xz-utils tcl faketime"
@@ -30,7 +32,7 @@ declare -A kPackages=(
 )
 
 wanted=("$@")
-[[ $# -gt 0 ]] || wanted=(native windows wine wine32 package bench server)
+[[ $# -gt 0 ]] || wanted=(native checks windows wine wine32 package bench server)
 
 packages=()
 needsSqlite=no

@@ -2,9 +2,10 @@
 # Builds and tests everything: test.sh [--native] [--windows]
 #
 # Natively under the address and undefined-behaviour sanitizers, the 64-bit Windows build under Wine, and of the 32-bit one
-# what the platform makes a difference for: the component, its windows, and the hosts. A machine that cannot have a 32-bit
-# Wine says so and leaves that out. The options choose a part. The last line is `N passed, N failed`; tests that a crash or the time limit kept
-# from running count as failed.
+# what the platform makes a difference for: the component, its windows, and the hosts. A machine that cannot have a
+# 32-bit Wine says so and leaves that out. The native half also compiles every header alone and runs scripts/check.sh.
+# The options choose a half. The last line is `N passed, N failed`; tests that a crash or the time limit kept from running
+# count as failed.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -100,6 +101,7 @@ test_programs() {
 
 run_native() {
   build_preset sanitize || fail "the native build failed"
+  build_preset sanitize check_headers || fail "a header does not compile alone"
   export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1
   export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
   mkdir -p "$results/native"
@@ -163,17 +165,16 @@ run_windows() {
   esac
 }
 
-# The packages' tests are a script of its own; its last line is like this one's.
-run_packages() {
-  say "testing the packages"
-  local base=$results/packages passed=0 failed=1
-  "$kxRoot/scripts/test_package.sh" >"$base.log" 2>&1 || true
+# Runs a script whose last line is like this one's: run_script NAME SCRIPT
+run_script() {
+  local base=$results/$1 passed=0 failed=1
+  "$kxRoot/scripts/$2" >"$base.log" 2>&1 || true
   read -r passed failed < <(tail -n 1 "$base.log" | sed -n 's/^\([0-9]*\) passed, \([0-9]*\) failed$/\1 \2/p') || true
   echo "${passed:-0} ${failed:-1} 0" >"$base.count"
   report_program "$base"
 }
 
-groups=(native server)
+groups=(native checks server)
 [[ $windows == no ]] || groups+=(windows wine wine32 package)
 "$kxRoot/scripts/setup.sh" "${groups[@]}"
 
@@ -190,10 +191,15 @@ if [[ -z ${KX_TEST_SERVER:-} ]]; then
   exit "$status"
 fi
 
-[[ $native == no ]] || run_native
+if [[ $native == yes ]]; then
+  run_native
+  say "checking the source"
+  run_script checks check.sh
+fi
 if [[ $windows == yes ]]; then
   run_windows
-  run_packages
+  say "testing the packages"
+  run_script packages test_package.sh
 fi
 
 read -r passed failed skipped < <(find "$results" -name '*.count' -exec cat {} + |

@@ -10,7 +10,7 @@
 #   ODBCSYSINI         a folder whose odbcinst.ini names the drivers: `sql server`, the one for PostgreSQL, and `SQLite3`
 # shellcheck shell=bash
 
-kxServer=$kxBuild/server
+kxServer=${kxBuild:?source lib.sh first}/server
 kxServerRunning=
 
 # The newest server that is installed.

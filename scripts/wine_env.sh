@@ -10,7 +10,7 @@
 if [[ ${KX_WINE_BITS:-64} == 32 ]]; then
   export WINEPREFIX=${KX_WINEPREFIX:-$kxBuild/wine32/prefix}
   export WINEARCH=win32
-  export PATH=$kxRoot/scripts/wine32:$PATH
+  export PATH=${kxRoot:?source lib.sh first}/scripts/wine32:$PATH
 else
   export WINEPREFIX=${KX_WINEPREFIX:-$kxBuild/wine}
   export WINEARCH=win64

@@ -1,5 +1,5 @@
-// A restore host in C++ with the header of the package:
-//   x86_64-w64-mingw32-g++ -municode -static -I../../include restore.cpp -o restore.exe -lole32 -loleaut32 -luuid
+// A restore host in C++ with the header of the package. With mingw-w64 or Visual C++:
+//   g++ -municode -static -I../../include restore.cpp -o restore.exe -lole32 -loleaut32 -luuid
 //   cl /EHsc /I..\..\include restore.cpp ole32.lib oleaut32.lib
 // restore.exe CATALOG [DESTINATION] prints what it would restore, in its order.
 #include <kxrestore.h>
@@ -28,7 +28,8 @@ class Events final : public IDispatch {
     if (event != 1) return DISP_E_MEMBERNOTFOUND;  // CommenceRestore
     std::puts("CommenceRestore");
     std::fflush(stdout);
-    return _wsystem((L"kxrestore.exe list --json --catalog \"" + m_catalog + L"\"").c_str()) == 0 ? S_OK : E_FAIL;
+    return _wsystem((L"kxrestore.exe list --json --catalog \"" + m_catalog + L"\"").c_str()) == 0 ? S_OK
+                                                                                                  : E_FAIL;
   }
 
  private:
@@ -41,7 +42,10 @@ int wmain(int count, wchar_t** words) {
   _RestoreDlg* dialog = nullptr;
   const HRESULT created = CoCreateInstance(CLSID_RestoreDlg, nullptr, CLSCTX_INPROC_SERVER, IID__RestoreDlg,
                                            reinterpret_cast<void**>(&dialog));
-  if (FAILED(created)) return std::printf("KXRestore is not registered: %08lX\n", static_cast<unsigned long>(created)), 2;
+  if (FAILED(created)) {
+    std::printf("KXRestore is not registered: %08lX\n", static_cast<unsigned long>(created));
+    return 2;
+  }
 
   Events events(words[1]);
   IConnectionPointContainer* container = nullptr;

@@ -24,14 +24,14 @@ class HeadlessDesktop : public Desktop {
   // without one it throws std::logic_error, because nobody expected it.
   int MessageBox(const std::string& text, int style, const std::string& title) override;
   std::deque<int> answers;
-  std::vector<Message> messages;  // as people would see them
+  std::vector<Message> messages;                  // as people would see them
   std::function<void(const Message&)> onMessage;  // before it is answered
 
   void DoEvents() override;
   void DoEventsWhileWaiting() override;
-  std::size_t doEventsCount = 0;  // both ways
-  std::size_t walkItems = 0;      // without those while the engine works, which come as time passes
-  bool engineWorks = false;       // while they run
+  std::size_t doEventsCount = 0;     // both ways
+  std::size_t walkItems = 0;         // without those while the engine works, which come as time passes
+  bool engineWorks = false;          // while they run
   std::function<void()> onDoEvents;  // what pending messages do; it is not entered again from inside itself
 
   // Runs `user` and then closes a form that is still open the way its close box does. A form that even then

@@ -157,9 +157,9 @@ TEST_F(SetDetailTest, PluginEntriesStandUnderTheirHeadings) {
                               "SQL Server",
                               " full.bak {master\\full.bak}"}))
       << "a node with the mail server's name carries File";
-  const std::map<std::string, int> images = {{"MailBoxes", 11},   {"Ann", 12},         {"Public Folders", 8},
-                                             {"News", 9},         {"All", 10},         {"System State", 5},
-                                             {"registry.dat", 5}, {"SQL Server", 13},  {"full.bak", 2}};
+  const std::map<std::string, int> images = {{"MailBoxes", 11},   {"Ann", 12},        {"Public Folders", 8},
+                                             {"News", 9},         {"All", 10},        {"System State", 5},
+                                             {"registry.dat", 5}, {"SQL Server", 13}, {"full.bak", 2}};
   for (const auto& [text, image] : images) EXPECT_EQ(Detail(text).Image(), image) << text;
   EXPECT_EQ(Detail("MailBoxes").Root().Image(), 7);
 

@@ -4,11 +4,11 @@
 #include "catalog/restore_marks.h"
 #include "catalog/restore_query.h"
 #include "engine/jet_sql/meaning/name_resolver.h"
-#include "engine/jet_sql/reading/parser.h"
-#include "engine/jet_sql/printing/printer.h"
 #include "engine/jet_sql/meaning/read_columns.h"
 #include "engine/jet_sql/meaning/single_rows.h"
+#include "engine/jet_sql/printing/printer.h"
 #include "engine/jet_sql/printing/tsql_dialect.h"
+#include "engine/jet_sql/reading/parser.h"
 #include "tests/catalog/recording_database.h"
 
 namespace kxrestore::engine::testing {

@@ -1,0 +1,12 @@
+# GTest::gtest and GTest::gtest_main: natively the system's; for Windows they are built from the sources.
+if(CMAKE_CROSSCOMPILING)
+  find_path(KX_GOOGLETEST_SOURCES googletest/include/gtest/gtest.h PATHS /usr/src/googletest NO_CMAKE_FIND_ROOT_PATH)
+  kx_need(KX_GOOGLETEST_SOURCES "The source tree of GoogleTest" windows)
+  set(gtest_force_shared_crt ON CACHE BOOL "")
+  set(INSTALL_GTEST OFF CACHE BOOL "")
+  set(BUILD_GMOCK OFF CACHE BOOL "")
+  add_subdirectory(${KX_GOOGLETEST_SOURCES} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+else()
+  find_package(GTest QUIET)
+  kx_need(GTest_FOUND "GoogleTest" native)
+endif()

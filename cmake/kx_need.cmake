@@ -1,0 +1,14 @@
+# kx_need(VARIABLE WHAT GROUP): ends the configuration when a find command has left VARIABLE without a value. The message
+# names WHAT is missing, the variable that says where it is instead, and the group of scripts/setup.sh that installs it.
+function(kx_need variable what group)
+  if(NOT ${variable})
+    message(FATAL_ERROR "${what} is missing. On Debian scripts/setup.sh ${group} installs it; elsewhere install it or "
+                        "set ${variable}.")
+  endif()
+endfunction()
+
+# kx_need_program(VARIABLE PROGRAM GROUP)
+function(kx_need_program variable program group)
+  find_program(${variable} ${program})
+  kx_need(${variable} "The program ${program}" ${group})
+endfunction()
