@@ -28,7 +28,7 @@ class Error : public std::exception {
 // exception. Call it in a catch block only.
 Error CurrentError() noexcept;
 
-// Numbers that code outside the engine raises or asks for. The engine's own stand in engine/error_numbers.h.
+// Numbers that code outside the engine raises or tests for. engine/error_numbers.h has the engine's own.
 namespace error_number {
 inline constexpr int kOverflow = 6;
 inline constexpr int kOutOfMemory = 7;

@@ -13,8 +13,8 @@ struct Range {
   char32_t first, last;
 };
 
-// Control characters above ASCII, format characters that draw nothing, separators of lines, and whatever else
-// Unicode says may be left out of what is drawn.
+// Control characters above ASCII, invisible format characters, line separators, and everything else that
+// Unicode calls default-ignorable.
 constexpr Range kUnseen[] = {{0x0080, 0x009F},  {0x00AD, 0x00AD},   {0x034F, 0x034F},   {0x061C, 0x061C},
                              {0x115F, 0x1160},  {0x17B4, 0x17B5},   {0x180B, 0x180F},   {0x200B, 0x200F},
                              {0x2028, 0x202E},  {0x2060, 0x206F},   {0x2800, 0x2800},   {0x3164, 0x3164},
@@ -47,7 +47,7 @@ void AppendCode(std::string& shown, char32_t character) {
   shown += ']';
 }
 
-// Plain ASCII, which most texts are, needs no second look.
+// Plain ASCII, the usual case, is shown as it is.
 bool IsPlain(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char byte) { return byte >= 0x20 && byte < 0x7F; });
 }
@@ -55,7 +55,7 @@ bool IsPlain(std::string_view text) {
 std::string ShownText(std::string_view text, bool keepsBreaks) {
   std::string shown;
   if (IsPlain(text)) return shown.assign(text);
-  // Where the next joiner or variation selector would stand: after what it can change.
+  // What precedes the current character: decides whether a joiner or variation selector belongs there.
   enum { kNothing, kSelector, kLetter } before = kNothing;
   for (std::size_t position = 0; position < text.size();) {
     const char32_t character = NextCharacterOrHalf(text, position);

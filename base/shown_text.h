@@ -1,9 +1,9 @@
-// Texts as people are to see them. Characters that show nothing, or that change how the rest reads, have a
-// stand-in each: control pictures for control characters, "[U+202E]" for direction marks, other invisible
-// characters and halves of surrogate pairs, U+FFFD for stray bytes. Joiners and variation selectors stay
-// where they belong to the spelling: after a character of a script, or an emoji, that takes them.
+// Text as it is displayed. Characters that are invisible, or that change how the rest reads, are replaced:
+// control characters by control pictures, direction marks, other invisible characters and unpaired surrogates
+// by "[U+202E]" and the like, invalid bytes by U+FFFD. Joiners and variation selectors stay where the
+// spelling needs them: after a character of a script, or an emoji, that takes them.
 //
-// It is for what is drawn only: what is copied, marked and looked up is the real text.
+// For display only: copying, marking and searching use the original text.
 #pragma once
 
 #include <string>

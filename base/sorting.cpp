@@ -16,7 +16,7 @@ constexpr BaseLetter kBaseLetters[] = {
 #include "base/base_letters_table.inc"
 };
 
-// Letters of their own that Unicode does not take apart and that people look up under others. Folded.
+// Letters that Unicode does not decompose but that people expect under another letter. Case-folded.
 struct Spelling {
   char32_t letter;
   char first, second;
@@ -26,7 +26,7 @@ constexpr Spelling kSpellings[] = {{0xDF, 's', 's'}, {0xE6, 'a', 'e'},  {0xF0, '
                                    {0xFE, 't', 'h'}, {0x111, 'd', 0},   {0x127, 'h', 0}, {0x131, 'i', 0},
                                    {0x142, 'l', 0},  {0x153, 'o', 'e'}, {0x167, 't', 0}};
 
-// Marks that stand behind their letter instead of in one character with it.
+// Combining marks: they follow their letter instead of being part of it.
 bool IsMark(char32_t character) {
   return (character >= 0x300 && character < 0x370) || (character >= 0x1AB0 && character < 0x1B00) ||
          (character >= 0x1DC0 && character < 0x1E00) || (character >= 0x20D0 && character < 0x2100) ||
@@ -44,7 +44,7 @@ char32_t PlainLetter(char32_t character) {
   }
 }
 
-// The letters of a text as they are looked up, one after the other; 0 at its end.
+// Iterates over the letters of a text in the form in which they are compared; 0 at its end.
 class PlainLetters {
  public:
   explicit PlainLetters(std::string_view text) : m_text(text) {}
@@ -81,7 +81,7 @@ int CompareForSorting(std::string_view left, std::string_view right) {
     if (a != b) return a < b ? -1 : 1;
     if (a == 0) break;
   }
-  // They differ in marks or in case, which does not count.
+  // The texts differ only in marks or in case; marks decide, case does not.
   std::size_t i = 0, j = 0;
   while (i < left.size() && j < right.size()) {
     const char32_t a = FoldCase(NextCharacter(left, i)), b = FoldCase(NextCharacter(right, j));

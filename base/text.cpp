@@ -6,8 +6,8 @@
 namespace kxrestore {
 namespace {
 
-// A byte that is not part of valid UTF-8 is handed out as this plus its value: a range that no valid text
-// decodes to.
+// A byte that is not part of valid UTF-8 decodes to this plus its value: a range that no valid text decodes
+// to.
 constexpr char32_t kStrayByte = 0xDC00;
 
 unsigned char ByteAt(std::string_view text, std::size_t position) {
@@ -126,7 +126,8 @@ bool FoldAscii(char* text, std::size_t size) {
   return (seen & (0x80 * kEach)) == 0;
 }
 
-// Puts the folded characters beyond ASCII into a copy of the text. False when one has another length folded.
+// Writes the folded characters beyond ASCII into a copy of the text. False when the folded form of one has
+// another length.
 bool FoldInPlace(char* copy, std::string_view text) {
   for (std::size_t position = 0; position < text.size();) {
     if (ByteAt(text, position) < 0x80) {

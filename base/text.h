@@ -15,7 +15,7 @@ std::size_t CharacterCount(std::string_view text);
 // The first `count` characters, or the whole text when it is shorter.
 std::string_view LeftCharacters(std::string_view text, std::size_t count);
 
-// Decodes the character at `position` and moves `position` behind it. `position` must be inside the text.
+// Decodes the character at `position` and advances `position` past it. `position` must be inside the text.
 char32_t NextCharacter(std::string_view text, std::size_t& position);
 
 // Appends one character as UTF-8.
@@ -29,8 +29,8 @@ void AppendFolded(std::string& folded, std::string_view text);  // for callers t
 bool EqualIgnoringCase(std::string_view left, std::string_view right);
 bool ContainsIgnoringCase(std::string_view text, std::string_view piece);
 
-// Order for lists that people read: accented letters stand beside plain ones, and accents decide only between
-// texts that are the same without them. Negative, positive, or zero for texts that differ in case only.
+// Collation for lists that people read: accented letters sort beside plain ones, and accents decide only
+// between texts that are otherwise equal. Negative, positive, or zero for texts that differ in case only.
 int CompareForSorting(std::string_view left, std::string_view right);
 
 }  // namespace kxrestore

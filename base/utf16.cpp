@@ -12,14 +12,14 @@ bool IsLowHalf(char32_t unit) {
   return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-// AppendCharacter and NextCharacter know no halves: to them these are three stray bytes.
+// AppendCharacter and NextCharacter do not handle halves: to them these are three invalid bytes.
 void AppendHalf(std::string& out, char32_t half) {
   out.push_back('\xED');
   out.push_back(static_cast<char>(0x80 | ((half >> 6) & 0x3F)));
   out.push_back(static_cast<char>(0x80 | (half & 0x3F)));
 }
 
-// The half at `start`, with `position` moved behind it; U+FFFD when there is none.
+// The half at `start`, advancing `position` past it; U+FFFD when there is none.
 char32_t HalfAt(std::string_view text, std::size_t start, std::size_t& position) {
   const std::string_view bytes = text.substr(start, 3);
   if (bytes.size() < 3 || bytes[0] != '\xED' || (bytes[1] & 0xE0) != 0xA0 || (bytes[2] & 0xC0) != 0x80) {

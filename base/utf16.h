@@ -1,6 +1,6 @@
-// Between the UTF-8 inside and the UTF-16 of COM, Windows and ODBC. File names of Windows may hold half of a
-// surrogate pair; such a half is kept in three bytes, so that every UTF-16 text comes back as it went in. A
-// byte that makes no sense becomes U+FFFD. Units are char16_t, or wchar_t where that has 16 bits.
+// Conversion between UTF-8, used inside, and the UTF-16 of COM, Windows and ODBC. Windows file names may
+// contain an unpaired surrogate; it is encoded in three bytes, so that every UTF-16 text survives the round
+// trip. An invalid byte becomes U+FFFD. Units are char16_t, or wchar_t where that has 16 bits.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 
 namespace kxrestore {
 
-// Decodes the character at `position`, or half of a surrogate pair, and moves `position` after it; U+FFFD for
-// a byte that makes no sense.
+// Decodes the character or unpaired surrogate at `position` and advances `position` past it; U+FFFD for an
+// invalid byte.
 char32_t NextCharacterOrHalf(std::string_view text, std::size_t& position);
 
 template <class Unit>

@@ -23,7 +23,7 @@ void* Take(std::size_t size) {
   return block;
 }
 
-void GiveBack(void* block) {
+void Free(void* block) {
   if (block == nullptr) return;
   g_liveBytes -= static_cast<std::int64_t>(malloc_usable_size(block)) + kHeapHeader;
   std::free(block);
@@ -59,8 +59,8 @@ void* operator new(std::size_t size) {
   return kxrestore::bench::Take(size);
 }
 void operator delete(void* block) noexcept {
-  kxrestore::bench::GiveBack(block);
+  kxrestore::bench::Free(block);
 }
 void operator delete(void* block, std::size_t) noexcept {
-  kxrestore::bench::GiveBack(block);
+  kxrestore::bench::Free(block);
 }

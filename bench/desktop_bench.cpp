@@ -18,8 +18,8 @@
 namespace kxrestore::bench {
 namespace {
 
-constexpr double kMostOpenRatio = 2.5;
-constexpr double kMostMarkRatio = 3;
+constexpr double kMaxOpenRatio = 2.5;
+constexpr double kMaxMarkRatio = 3;
 constexpr std::size_t kMarks = 100'000;
 constexpr const char* kClear =
     "UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));";
@@ -80,7 +80,7 @@ class MarkRun : public Comparison {
 
  private:
   void Mark(const std::string& path) {
-    Marker marker({.dbName = path, .connect = {}});
+    Marker marker({.DBName = path, .connect = {}});
     if (m_byName) {
       marker.ByName(m_names);
     } else {
@@ -107,16 +107,16 @@ int main(int count, char** words) {
   using namespace kxrestore::bench;
   for (const std::int64_t rows : {100000, 1000000}) {
     const int repetitions = rows > 100000 ? 3 : 5;
-    Compare({.name = "open a desktop run", .rows = rows, .limit = kMostOpenRatio, .repetitions = repetitions},
+    Compare({.name = "open a desktop run", .rows = rows, .limit = kMaxOpenRatio, .repetitions = repetitions},
             Make<OpenRun>());
     Compare({.name = "mark a desktop run by name",
              .rows = rows,
-             .limit = kMostMarkRatio,
+             .limit = kMaxMarkRatio,
              .repetitions = repetitions},
             Make<MarkRun>(true));
     Compare({.name = "mark a desktop run by id",
              .rows = rows,
-             .limit = kMostMarkRatio,
+             .limit = kMaxMarkRatio,
              .repetitions = repetitions},
             Make<MarkRun>(false));
   }

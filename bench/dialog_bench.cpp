@@ -17,11 +17,11 @@
 namespace kxrestore::bench {
 namespace {
 
-constexpr double kMostFillRatio = 2.5;
-constexpr double kMostBytesANode = 100;
-constexpr double kMostTickSeconds = 0.1;
-constexpr double kMostApplyRatio = 3;
-constexpr double kMostSyncsAFile = 0.01;
+constexpr double kMaxFillRatio = 2.5;
+constexpr double kMaxBytesANode = 100;
+constexpr double kMaxTickSeconds = 0.1;
+constexpr double kMaxApplyRatio = 3;
+constexpr double kMaxSyncsAFile = 0.01;
 
 class Fill : public Comparison {
  public:
@@ -38,7 +38,7 @@ class Fill : public Comparison {
     controls::TreeView& tree = m_dialog->Ui().tvwDetails;
     const auto nodes = static_cast<double>(tree.Count());
     Figure("memory of the detail tree", m_rows, static_cast<double>(LiveBytes() - before) / nodes,
-           "bytes a node", kMostBytesANode);
+           "bytes a node", kMaxBytesANode);
     Expect(m_dialog->Ui().lblTreeCount.Caption() == std::to_string(m_rows) + " file(s).",
            "the tree is not full");
   }
@@ -95,7 +95,7 @@ class Apply : public Comparison {
     const std::int64_t before = Syncs();
     m_dialog.Press(m_dialog.Ui().cmdAction[0]);
     Figure("disk syncs of apply", m_rows, static_cast<double>(Syncs() - before) / static_cast<double>(m_rows),
-           "syncs a file", kMostSyncsAFile);
+           "syncs a file", kMaxSyncsAFile);
     Expect(m_dialog.Ui().asRestoreList.Count() == static_cast<std::size_t>(m_rows),
            "not all files were marked");
   }
@@ -161,12 +161,12 @@ int main(int count, char** words) {
     return [](std::int64_t rows) { return std::make_unique<T>(rows); };
   };
   for (const std::int64_t rows : {100000, 1000000}) {
-    Compare({.name = "fill the detail tree", .rows = rows, .limit = kMostFillRatio},
+    Compare({.name = "fill the detail tree", .rows = rows, .limit = kMaxFillRatio},
             make(std::type_identity<Fill>{}));
-    Time({.name = "tick everything", .rows = rows, .limit = kMostTickSeconds},
+    Time({.name = "tick everything", .rows = rows, .limit = kMaxTickSeconds},
          make(std::type_identity<Tick>{}));
     Compare({.name = "list marked files", .rows = rows, .limit = {}}, make(std::type_identity<ListMarked>{}));
   }
-  Compare({.name = "apply", .rows = 100000, .limit = kMostApplyRatio}, make(std::type_identity<Apply>{}));
+  Compare({.name = "apply", .rows = 100000, .limit = kMaxApplyRatio}, make(std::type_identity<Apply>{}));
   return RunBenchmarks(count, words);
 }

@@ -73,7 +73,7 @@ class Scan : public Comparison {
 class Marking : public Comparison {
  public:
   explicit Marking(std::int64_t rows)
-      : m_path(BenchCatalog(rows)), m_marker({.dbName = m_path, .connect = {}}) {
+      : m_path(BenchCatalog(rows)), m_marker({.DBName = m_path, .connect = {}}) {
     BareDatabase database(m_path);
     BareStatement all(database.Get(), "SELECT ID, Filename FROM Catalog ORDER BY ID");
     while (all.Step()) {

@@ -23,11 +23,11 @@
 namespace kxrestore::bench {
 namespace {
 
-constexpr double kMostSearchRatio = 1.5;
-constexpr double kMostLatestRatio = 1.5;
-constexpr double kMostChooserRatio = 2;
-constexpr double kMostAutoSelectRatio = 3;
-constexpr double kMostBytesAnEntry = 300;
+constexpr double kMaxSearchRatio = 1.5;
+constexpr double kMaxLatestRatio = 1.5;
+constexpr double kMaxChooserRatio = 2;
+constexpr double kMaxAutoSelectRatio = 3;
+constexpr double kMaxBytesAnEntry = 300;
 constexpr std::int64_t kAutoSelected = 100000;
 
 constexpr char kListColumns[] =
@@ -53,7 +53,7 @@ class Find : public Comparison {
     const std::size_t hits = m_dialog.Ui().asSearch.Count();
     Figure("memory of found entries: " + m_bareMask, m_rows,
            static_cast<double>(LiveBytes() - before) / static_cast<double>(hits), "bytes an entry",
-           kMostBytesAnEntry);
+           kMaxBytesAnEntry);
     Agree(static_cast<std::int64_t>(hits));
   }
 
@@ -250,13 +250,13 @@ int main(int count, char** words) {
     const auto compare = [&](const char* name, std::optional<double> limit, MakeComparison make) {
       Compare({.name = name, .rows = rows, .limit = limit, .repetitions = repetitions}, std::move(make));
     };
-    compare("find in all sets", kMostSearchRatio, Make<Find>("*invoice*"));
+    compare("find in all sets", kMaxSearchRatio, Make<Find>("*invoice*"));
     compare("find everything", {}, Make<Find>("*:*"));
-    compare("latest of all sets", kMostLatestRatio, Make<Latest>(LatestTerms{0, ":"}));
-    compare("latest of a mask", kMostLatestRatio, Make<Latest>(LatestTerms{0, "invoice"}));
-    compare("latest of one set", kMostLatestRatio, Make<Latest>(LatestTerms{kBenchSet, ""}));
-    compare("fill the chooser", kMostChooserRatio, Make<Chooser>());
-    compare("auto-select", kMostAutoSelectRatio, Make<AutoSelecting>());
+    compare("latest of all sets", kMaxLatestRatio, Make<Latest>(LatestTerms{0, ":"}));
+    compare("latest of a mask", kMaxLatestRatio, Make<Latest>(LatestTerms{0, "invoice"}));
+    compare("latest of one set", kMaxLatestRatio, Make<Latest>(LatestTerms{kBenchSet, ""}));
+    compare("fill the chooser", kMaxChooserRatio, Make<Chooser>());
+    compare("auto-select", kMaxAutoSelectRatio, Make<AutoSelecting>());
   }
   return RunBenchmarks(count, words);
 }

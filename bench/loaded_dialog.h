@@ -18,17 +18,17 @@ namespace kxrestore::bench {
 class Dialog {
  public:
   explicit Dialog(const std::string& catalog) {
-    m_form.DBName(catalog);
+    m_form.parameters.DBName = catalog;
     m_form.Load();
   }
   // On a server.
   Dialog(const std::string& server, const std::string& database, const std::string& user,
          const std::string& password) {
-    m_form.DBType(1);
-    m_form.DBServer(server);
-    m_form.DBDatabase(database);
-    m_form.DBUser(user);
-    m_form.DBPass(password);
+    m_form.parameters.DBType = 1;
+    m_form.parameters.DBServer = server;
+    m_form.parameters.DBDatabase = database;
+    m_form.parameters.DBUser = user;
+    m_form.parameters.DBPass = password;
     m_form.Load();
   }
   ~Dialog() { m_form.Controls().form.Unload(); }

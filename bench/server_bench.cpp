@@ -25,9 +25,9 @@
 namespace kxrestore::bench {
 namespace {
 
-constexpr double kMostRatio = 1.5;
+constexpr double kMaxRatio = 1.5;
 // Two, and in all some hundred for connecting, the list and a commit every 100 ms.
-constexpr double kMostRoundTrips = 2.02;
+constexpr double kMaxRoundTrips = 2.02;
 constexpr std::int64_t kMarkedFiles = 10000;
 
 std::string ServerWithPort(int port) {
@@ -36,8 +36,8 @@ std::string ServerWithPort(int port) {
 
 catalog::ConnectionSettings Settings(const std::string& database) {
   const ServerAddress& server = TestServer();
-  return {.dbType = catalog::kServerCatalog,
-          .dbName = {},
+  return {.DBType = catalog::kServerCatalog,
+          .DBName = {},
           .connect = catalog::BuildConnectString(database, ServerWithPort(server.port), server.user,
                                                  server.password)};
 }
@@ -256,7 +256,7 @@ class Apply : public Marking {
     PressApply(*dialog);
     Figure("server: round trips of apply", rows,
            static_cast<double>(relay.Count() - before) / static_cast<double>(rows), "round trips a file",
-           kMostRoundTrips);
+           kMaxRoundTrips);
   }
 
   void Ours() override { PressApply(*m_dialog); }
@@ -295,7 +295,7 @@ class Apply : public Marking {
 int main(int count, char** words) {
   using namespace kxrestore::bench;
   const auto compare = [](const char* name, std::int64_t rows, int repetitions, MakeComparison make) {
-    Compare({.name = name, .rows = rows, .limit = kMostRatio, .repetitions = repetitions}, std::move(make));
+    Compare({.name = name, .rows = rows, .limit = kMaxRatio, .repetitions = repetitions}, std::move(make));
   };
   compare("server: scan", 100000, 15, Make<Scan>(false));
   compare("server: scan", 1000000, 9, Make<Scan>(false));

@@ -19,9 +19,9 @@ std::string BuildConnectString(std::string_view database, std::string_view serve
 std::unique_ptr<engine::Database> OpenCatalog(engine::Workspace& workspace,
                                               const ConnectionSettings& settings) {
   engine::OpenRequest request;
-  switch (settings.dbType) {
+  switch (settings.DBType) {
     case kFileCatalog:
-      request.name = settings.dbName;
+      request.name = settings.DBName;
       break;
     case kServerCatalog:
       request.connect = settings.connect;

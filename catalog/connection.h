@@ -1,4 +1,4 @@
-// How the catalog is reached. Every operation opens the catalog by itself and lets it go when it is done.
+// Connecting to the catalog. Every operation opens the catalog and closes it again.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +14,8 @@ inline constexpr std::int16_t kFileCatalog = 0;    // DBType of a catalog file
 inline constexpr std::int16_t kServerCatalog = 1;  // DBType of a catalog on a database server
 
 struct ConnectionSettings {
-  std::int16_t dbType = kFileCatalog;
-  std::string dbName;   // path of the catalog file
+  std::int16_t DBType = kFileCatalog;
+  std::string DBName;   // path of the catalog file
   std::string connect;  // of the server, see BuildConnectString
 };
 
@@ -24,9 +24,8 @@ struct ConnectionSettings {
 std::string BuildConnectString(std::string_view database, std::string_view server, std::string_view user,
                                std::string_view password);
 
-// Never null. A DBType other than the two opens nothing, and whatever is then asked of the catalog fails:
-// error 91, Object variable or With block variable not set, raised here. Other errors are those of
-// Workspace::OpenDatabase.
+// Never null. Raises error 91, Object variable or With block variable not set, for any other DBType, and the
+// errors of Workspace::OpenDatabase.
 std::unique_ptr<engine::Database> OpenCatalog(engine::Workspace& workspace,
                                               const ConnectionSettings& settings);
 

@@ -18,7 +18,7 @@ struct KnownType {
   FileKind kind;
 };
 
-// In the order of the extensions.
+// Sorted by extension.
 constexpr KnownType kTypes[] = {
     {"3gp", kTypeVideoClip, kVideo},
     {"7z", kType7zArchive, kArchives},

@@ -1,4 +1,4 @@
-// What is known of file types: what they are called and which kind of file they are.
+// Known file types: descriptions and kinds by extension.
 #pragma once
 
 #include <cstddef>
@@ -9,16 +9,16 @@ namespace kxrestore::catalog {
 enum class FileKind { kDocuments, kPictures, kMusic, kVideo, kMail, kArchives, kPrograms, kOther };
 inline constexpr std::size_t kFileKinds = 8;
 
-// As the name of a group; empty for kOther.
+// The caption of the kind's group; empty for kOther.
 std::string_view KindName(FileKind kind);
 
 struct FileType {
-  std::string_view extension;  // lower case, without the point
+  std::string_view extension;  // lower case, without the dot
   std::string_view description;
   FileKind kind = FileKind::kOther;
 };
 
-// The type of that extension, in lower case; one of kind kOther without a description when it is not known.
+// Looks an extension up, in lower case; an unknown one has the kind kOther and no description.
 FileType FindFileType(std::string_view extension);
 
 }  // namespace kxrestore::catalog

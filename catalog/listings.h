@@ -1,4 +1,4 @@
-// The fixed statements of the catalog: its completed runs, and what is marked.
+// The fixed queries on a catalog: its completed runs, and its marked rows.
 #pragma once
 
 #include <memory>
@@ -16,8 +16,8 @@ inline constexpr std::string_view kHiddenExtension = "x01";
 // Extension, Permanent, Status.
 std::unique_ptr<engine::Recordset> OpenRuns(engine::Database& database);
 
-// Adds a run to the list of those that a listing is restricted to, and makes the restriction of such a list,
-// as BuildRestoreQuery takes it.
+// Appends a run to a list of runs, and turns such a list into the extension filter that BuildRestoreQuery
+// takes.
 void AppendRun(std::string& list, std::string_view extension);
 std::string RunFilter(std::string_view list);
 

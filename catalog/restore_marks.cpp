@@ -94,7 +94,7 @@ MarkResult RestoreMarks::UpdateSelectionByFileName(std::string_view fileName, bo
         if (rows->Eof()) return false;
         auto restore = rows->Fields("Restore");
         Mark(*rows, restore, restoreValue);
-        // The mark is written; an error while closing changes nothing about it. Destruction closes silently.
+        // The mark is written; an error while closing does not change that. The destructor closes silently.
         return true;
       },
       [] { return "UpdateSelection"; });

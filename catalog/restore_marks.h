@@ -1,9 +1,9 @@
-// Setting and clearing restore marks. What the user wants restored is kept nowhere but in the catalog's
-// Restore column; every way of choosing files ends here.
+// Setting and clearing restore marks. The catalog's Restore column is the only record of what the user wants
+// restored; every way of choosing files ends here.
 //
-// Each operation opens the catalog, does its work and lets the catalog go. It has a trap of its own: an error
-// of any kind abandons the operation, is handed to the report under the operation's tag, and is answered by
-// kFailed. Marks written before the error stay. Nothing is thrown but what the report throws.
+// Each operation opens the catalog, does its work and closes the catalog. Any error abandons the operation,
+// is passed to the report under the operation's tag, and makes the result kFailed. Marks written before the
+// error stay. Nothing is thrown but what the report throws.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@
 
 namespace kxrestore::catalog {
 
-// The set and the extension that marks without any of their own refer to.
+// The set and extension that a mark applies to when it names none.
 struct CurrentRun {
   std::int32_t setId = 0;
   std::string extension;
@@ -25,16 +25,16 @@ struct CurrentRun {
 
 enum class MarkResult {
   kDone,
-  kNoRow,   // no row matched: nothing was changed, and that is no error
+  kNoRow,   // no row matched and nothing was changed; not an error
   kFailed,  // reported
 };
 
 class RestoreMarks {
  public:
-  // Takes an error and the tag of the operation that it ended.
+  // Receives an error and the tag of the operation that it ended.
   using Report = std::function<void(const Error& error, const std::string& routine)>;
 
-  // Settings and current run are looked at when an operation runs, and must outlive this object.
+  // Reads settings and current run at each operation; both must outlive this object.
   RestoreMarks(engine::Workspace& workspace, const ConnectionSettings& settings, const CurrentRun& current,
                Report report);
 
@@ -48,8 +48,8 @@ class RestoreMarks {
 
   // Marks or unmarks the first row of the set and extension whose Filename is `fileName`, and no other.
   //
-  // Set 0 stands for the current set, an empty extension for the current one. An extension is put into the
-  // statement as it stands; with an apostrophe in it the statement fails.
+  // Set 0 means the current set, an empty extension the current one. The extension is inserted into the
+  // statement verbatim: an apostrophe in it makes the statement fail.
   [[nodiscard]] MarkResult UpdateSelectionByFileName(std::string_view fileName, bool restoreValue,
                                                      std::int32_t setNameId, std::string_view extension);
 

@@ -56,17 +56,17 @@ constexpr std::string_view kLatestText =
     "GROUP BY FullCatalog.OrigName ORDER BY First(FullCatalog.DateStamp) DESC , "
     "First(FullCatalog.ID) DESC;";
 
-// Deletes and makes anew, where a deletion that fails is passed over.
+// Replaces a saved query; a failing deletion is ignored.
 void Replace(engine::Database& database, std::string_view name, std::string_view text) {
   try {
     database.DeleteQueryDef(name);
   } catch (const Error&) {
-    // Whatever was wrong with it, making the new one has the last word.
+    // Whatever was wrong with the old one, creating the new one decides.
   }
   database.CreateQueryDef(name, text);
 }
 
-// The same where only a missing query may be passed over.
+// The same, but only a missing query is ignored.
 void ReplaceIfThere(engine::Database& database, std::string_view name, std::string_view text) {
   try {
     database.DeleteQueryDef(name);
@@ -76,7 +76,7 @@ void ReplaceIfThere(engine::Database& database, std::string_view name, std::stri
   database.CreateQueryDef(name, text);
 }
 
-// FullCatalog with a restriction in the place of its end: its text up to the ";", or without its last
+// The definition of FullCatalog with a restriction in place of its end: up to the ";", or without its last
 // character.
 std::string BySetText(std::string_view fullCatalog, std::int32_t setId, std::string_view ext) {
   const auto semicolon = fullCatalog.find(';');
@@ -94,7 +94,7 @@ std::string BySetText(std::string_view fullCatalog, std::int32_t setId, std::str
   return text += ' ';
 }
 
-// Makes the saved queries that the listing needs, and names the one to list.
+// Creates the saved queries that the listing needs. Returns the name of the one to list.
 std::string_view PrepareSource(engine::Database& database, std::int32_t setId, bool latest,
                                std::string_view ext) {
   if (!latest) return query::kAll;
@@ -112,7 +112,7 @@ std::string_view PrepareSource(engine::Database& database, std::int32_t setId, b
   return query::kLatestBySet;
 }
 
-// `(T.column` with the blank behind it.
+// `(T.column` and a blank.
 void BeginClause(std::string& sql, std::string_view table, std::string_view column) {
   sql.append("(").append(table).append(".").append(column).append(" ");
 }
@@ -173,7 +173,7 @@ void CreateLatestQueries(engine::Database& database) {
     ReplaceIfThere(database, "qryGetLatestBySet", kNewestBySet);
     ReplaceIfThere(database, "qryGetLatest", kNewest);
   } catch (const Error&) {
-    // A listing that needs them will say what is wrong.
+    // The listing that needs them reports the error.
   }
 }
 

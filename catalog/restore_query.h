@@ -1,6 +1,6 @@
-// The listing query (module modRestoreStd): which catalog rows a set, a file mask and an extension filter
-// stand for, all their versions or only the latest. The latest ones are found through saved queries that
-// every call makes anew in the catalog.
+// The listing query (module modRestoreStd): the catalog rows that match a set, a file mask and an extension
+// filter, in all versions or the latest only. Latest versions are found through saved queries in the catalog,
+// which every call recreates.
 #pragma once
 
 #include <cstdint>
@@ -12,19 +12,21 @@
 
 namespace kxrestore::catalog {
 
-// Makes qryGetLatestBySet and qryGetLatest anew. An error other than a missing query ends it without a word.
+// Recreates qryGetLatestBySet and qryGetLatest. An error other than a missing query ends it silently.
 void CreateLatestQueries(engine::Database& database);
 
 // Opens the listing as a snapshot.
-// `setId`   0 for all sets.
-// `mask`    part of OrigName, with the dialect's wildcards (* ? # [...]); empty for every name. With set 0 a
-// mask is
-//           required: the statement without one is refused by the engine.
-// `ext`     operator and operand of a test on Extension ("= 'x'", "In ('x','y')"); empty for none. Not used
-// with
-//           set 0 and a mask. With `latest` and a set it takes the place of the set in choosing the versions.
-// `read`    the columns that will be read, see Database::OpenRecordset.
-// Errors are the engine's; 3265 when `latest` and a set are asked of a catalog that has no FullCatalog.
+//
+// - `setId` is 0 for all sets.
+// - `mask` is matched against any part of OrigName, with the dialect's wildcards (* ? # [...]). Empty means
+// every
+//   name; with set 0 a mask is required, because the engine rejects the statement without one.
+// - `ext` is the operator and operand of a test on Extension ("= 'x'", "In ('x','y')"), or empty. It is
+// ignored
+//   for set 0 with a mask; with `latest` and a set it replaces the set in choosing the versions.
+// - `read` names the columns that will be read, see Database::OpenRecordset.
+//
+// Raises the engine's errors; 3265 when `latest` and a set are requested of a catalog without FullCatalog.
 std::unique_ptr<engine::Recordset> BuildRestoreQuery(engine::Database& database, std::int32_t setId,
                                                      bool latest, std::string_view mask, std::string_view ext,
                                                      const engine::ColumnNames& read = {});

@@ -1,4 +1,4 @@
-// Small routines on paths, file names and SQL texts. Views handed back are pieces of the argument.
+// Helpers for paths, file names and SQL text. Returned views refer to the argument.
 #pragma once
 
 #include <cstdint>

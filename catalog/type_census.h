@@ -1,4 +1,4 @@
-// The file types that a catalog's names have, and how many files are of each.
+// Counts the file types that occur in a catalog.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@
 
 namespace kxrestore::catalog {
 
-// What the names of live entries end in, from their last point on, and how many of them do: the columns
-// FileType and Files. A database without InStrRev hands out the names.
+// Query for the endings of the names of live entries, from their last dot on, and their number: columns
+// FileType and Files. A database without InStrRev returns whole names.
 std::unique_ptr<engine::Recordset> OpenTypes(engine::Database& database);
 
 class TypeCensus {
@@ -24,11 +24,11 @@ class TypeCensus {
     std::int64_t files = 0;
   };
 
-  // The type is what follows the last point of the name's last component, in either case. A name without one
-  // is not counted: no pattern finds just those.
+  // Adds a name. Its type is what follows the last dot of its last component, in either case. A name without
+  // a dot is not counted, because no pattern matches only those.
   void Count(std::string_view name, std::int64_t files = 1);
 
-  // The most frequent type first. The texts belong to the census.
+  // Sorted by frequency, most frequent first. The texts belong to the census.
   std::vector<Counted> Types() const;
 
  private:
@@ -40,10 +40,10 @@ class TypeCensus {
   std::string m_folded;
 };
 
-// The type as a piece of a pattern that stands in a list ended by ";".
+// Escapes a type for use in a list of patterns separated by ";".
 std::string TypePattern(std::string_view extension);
 
-// The search patterns of such a list, in its order; text after the last ";" is no type.
+// The search patterns of such a list, in its order; text after the last ";" is ignored.
 std::vector<std::string> PatternsOf(std::string_view types);
 
 }  // namespace kxrestore::catalog

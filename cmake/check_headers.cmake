@@ -1,5 +1,5 @@
-# The target check_headers: compiles every header alone, so that each includes what it names. The native build takes
-# those that know no system, the Windows builds those that know theirs.
+# The target check_headers compiles every header by itself, so that each includes what it uses. The native build covers
+# the portable headers, the Windows builds cover theirs.
 file(GLOB_RECURSE headers RELATIVE ${CMAKE_SOURCE_DIR} CONFIGURE_DEPENDS
   base/*.h bench/*.h catalog/*.h component/*.h controls/*.h dialog/*.h engine/*.h host/*.h platform/*.h tests/*.h)
 string(JOIN "|" windowsHeaders

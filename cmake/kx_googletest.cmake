@@ -1,4 +1,4 @@
-# GTest::gtest and GTest::gtest_main: natively the system's; for Windows they are built from the sources.
+# GTest::gtest and GTest::gtest_main: the system's natively, built from source for Windows.
 if(CMAKE_CROSSCOMPILING)
   find_path(KX_GOOGLETEST_SOURCES googletest/include/gtest/gtest.h PATHS /usr/src/googletest NO_CMAKE_FIND_ROOT_PATH)
   kx_need(KX_GOOGLETEST_SOURCES "The source tree of GoogleTest" windows)

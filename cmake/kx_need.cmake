@@ -1,5 +1,5 @@
-# kx_need(VARIABLE WHAT GROUP): ends the configuration when a find command has left VARIABLE without a value. The message
-# names WHAT is missing, the variable that says where it is instead, and the group of scripts/setup.sh that installs it.
+# kx_need(VARIABLE WHAT GROUP): stops the configuration if a find command left VARIABLE without a value. The message
+# names WHAT is missing, the group of scripts/setup.sh that installs it, and the variable to set otherwise.
 function(kx_need variable what group)
   if(NOT ${variable})
     message(FATAL_ERROR "${what} is missing. On Debian scripts/setup.sh ${group} installs it; elsewhere install it or "

@@ -1,4 +1,4 @@
-# kx_odbc: the machine's ODBC driver manager, unixODBC or Windows' own.
+# kx_odbc: the ODBC driver manager: unixODBC, or the one of Windows.
 add_library(kx_odbc INTERFACE)
 if(WIN32)
   target_link_libraries(kx_odbc INTERFACE odbc32)

@@ -1,5 +1,5 @@
-# kx_sqlite3: the embedded database library. Natively it is the system's; for Windows it is compiled from the source
-# that scripts/setup.sh lays into build/deps, so that the DLL needs nothing beside it.
+# kx_sqlite3: the embedded database library. The system's natively; for Windows it is compiled from the source that
+# scripts/setup.sh puts into build/deps, so that the DLL has no dependencies.
 if(WIN32)
   set(kx_sqlite_dir ${CMAKE_SOURCE_DIR}/build/deps/sqlite)
   if(NOT EXISTS ${kx_sqlite_dir}/sqlite3.c)

@@ -1,9 +1,9 @@
-# What all targets share: warnings, sanitizers, include root.
+# Shared by all targets: warnings, sanitizers, include root.
 
 add_library(kx_options INTERFACE)
 target_include_directories(kx_options INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_BINARY_DIR}/generated)
 target_compile_options(kx_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wno-missing-field-initializers)
-# GCC 12 takes "text" + std::string() for an overlapping copy.
+# GCC 12 mistakes "text" + std::string() for an overlapping copy.
 target_compile_options(kx_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 if(KX_SANITIZE)
   target_compile_options(kx_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined

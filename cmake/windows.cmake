@@ -1,4 +1,4 @@
-# Cross-building for Windows on CMAKE_SYSTEM_PROCESSOR with Debian's mingw-w64, POSIX threads.
+# Cross-compiling for Windows on CMAKE_SYSTEM_PROCESSOR with Debian's mingw-w64 and POSIX threads.
 set(CMAKE_SYSTEM_NAME Windows)
 set(kxMingw ${CMAKE_SYSTEM_PROCESSOR}-w64-mingw32)
 set(CMAKE_C_COMPILER ${kxMingw}-gcc-posix)

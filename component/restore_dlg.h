@@ -1,11 +1,14 @@
-// The restore dialog as a host drives it: set properties, call DefineRestoreSet, answer CommenceRestore. The
+// The restore dialog as a host drives it: set parameters, call DefineRestoreSet, answer CommenceRestore. The
 // COM class is a thin shell around this one; a C++ host on any platform can use it directly.
 #pragma once
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <string>
+#include <type_traits>
+#include <utility>
+
+#include "dialog/parameters.h"
 
 namespace kxrestore::dialog {
 class frmRestore;
@@ -13,13 +16,15 @@ class frmRestore;
 
 namespace kxrestore::component {
 
-// Where the one form of the process lives. Every RestoreDlg of a process is given the same provider, so all
-// of them speak to the same form and share the settings forwarded to it.
+// Owns the one form of a process. Every RestoreDlg of the process is given the same provider, so all of them
+// share the form and its parameters.
 class FormProvider {
  public:
   virtual ~FormProvider() = default;
   // The form, created at the first call; creating does not load it.
   virtual dialog::frmRestore& Form() = 0;
+  // Carries out a change of the form's parameters; a provider that several threads use may defer it.
+  virtual void ApplySetting(std::function<void()> change) { change(); }
 };
 
 // One thread. No member ever throws: a failing step is skipped and the next one runs.
@@ -38,34 +43,23 @@ class RestoreDlg {
   // running.
   std::int16_t DefineRestoreSet();
 
-  // Forwarded to the form at once.
-  void DB(const std::string& name);
-  void RestorePath(const std::string& path);
-  void SessionLogName(const std::string& filename);
-  void DebugFlag(bool flag);
-  void setAction(const std::string& action);
-  void DBType(std::int16_t type);
-  void DBDatabase(const std::string& database);
-  void DBServer(const std::string& server);
-  void DBUser(const std::string& user);
-  void DBPass(const std::string& password);
+  // Sets a parameter of the shared form: Set(&Parameters::DBName, path).
+  template <class Value>
+  void Set(Value dialog::Parameters::*member, std::type_identity_t<Value> value) {
+    Change(
+        [member, value = std::move(value)](dialog::Parameters& parameters) { parameters.*member = value; });
+  }
 
-  // Kept here until DefineRestoreSet; an empty caption leaves the form's own.
-  void frmCaption(const std::string& caption) { m_frmCaption = caption; }
-  void btnCaption(const std::string& caption) { m_btnCaption = caption; }
-  void lblCaption(const std::string& caption) { m_lblCaption = caption; }
-  void lblInVisible(bool inVisible) { m_lblInVisible = inVisible; }
+  // Applied to the form by each DefineRestoreSet of this object; an empty caption leaves the form's own.
+  std::string frmCaption;
+  std::string btnCaption;
+  std::string lblCaption;
+  bool lblInVisible = false;
 
  private:
-  void frm_CommenceRestore();
-  void frm_CancelRestore();
+  void Change(std::function<void(dialog::Parameters&)> change);
 
   FormProvider& m_forms;
-  std::int16_t m_result = 0;
-  std::string m_frmCaption;
-  std::string m_btnCaption;
-  std::string m_lblCaption;
-  bool m_lblInVisible = false;
 };
 
 }  // namespace kxrestore::component

@@ -17,29 +17,11 @@
 #include "catalog/connection.h"
 #include "catalog/restore_marks.h"
 #include "dialog/form_controls.h"
+#include "dialog/parameters.h"
 #include "engine/database.h"
 #include "platform/platform.h"
 
 namespace kxrestore::dialog {
-
-// What the host assigned. Outlives the loaded form; nothing is reset between runs.
-struct Parameters {
-  std::string DBName;
-  std::string RestorePath;
-  std::int16_t DBType = 0;
-  std::string DBDatabase;
-  std::string DBServer;
-  std::string DBUser;
-  std::string DBPass;
-  std::string curAction;
-  std::string LogFilename;
-  bool DebugFlag = false;
-  std::string ClientPath;  // from the registry, at every load
-  bool StopRequested = false;
-
-  // The action word: "restore" when the host gave none.
-  std::string Action() const { return curAction.empty() ? "restore" : curAction; }
-};
 
 // The current choice, as the set tree and the panels leave it.
 struct Choice {

@@ -34,7 +34,7 @@ std::filesystem::path PathOf(const std::string& name) {
 // The form while it is loaded.
 struct frmRestore::Loaded {
   explicit Loaded(frmRestore& form)
-      : context(form.m_parameters, ui, form.m_platform, form.m_workspace),
+      : context(form.parameters, ui, form.m_platform, form.m_workspace),
         layout(context),
         setTree(context),
         setDetail(context),
@@ -85,7 +85,7 @@ void frmRestore::Load() {
   if (m_loaded && m_loaded->ui.form.IsOpen()) return;
   Skipping([this] {
     m_loaded = std::make_unique<Loaded>(*this);
-    m_parameters.StopRequested = false;  // left over from an earlier dialog
+    parameters.StopRequested = false;  // left over from an earlier dialog
     // One trap for the whole sequence: what comes after a failing step is left out, and the form is shown as
     // far as it got.
     m_loaded->context.Event("Form.Load", [this] { LoadSequence(); });
@@ -94,7 +94,7 @@ void frmRestore::Load() {
 
 void frmRestore::LoadSequence() {
   FormControls& ui = m_loaded->ui;
-  SessionLogEntry("Loading " + curAction() + " Dialog ... ");
+  SessionLogEntry("Loading " + parameters.Action() + " Dialog ... ");
   m_loaded->placement.RestoreWindow();
   m_loaded->layout.PlaceInitially();
   m_loaded->placement.RestoreSplitters();
@@ -102,19 +102,19 @@ void frmRestore::LoadSequence() {
   SetUpIcon();
 
   catalog::ConnectionSettings& connection = m_loaded->context.connection;
-  connection.dbType = m_parameters.DBType;
-  connection.dbName = m_parameters.DBName;
-  if (m_parameters.DBType == catalog::kServerCatalog) {
-    connection.connect = catalog::BuildConnectString(m_parameters.DBDatabase, m_parameters.DBServer,
-                                                     m_parameters.DBUser, m_parameters.DBPass);
+  connection.DBType = parameters.DBType;
+  connection.DBName = parameters.DBName;
+  if (parameters.DBType == catalog::kServerCatalog) {
+    connection.connect = catalog::BuildConnectString(parameters.DBDatabase, parameters.DBServer,
+                                                     parameters.DBUser, parameters.DBPass);
   }
   m_loaded->setTree.LoadBackupSetTree();
   m_loaded->cdArchive.AddBranch();
 
-  if (m_parameters.RestorePath.empty()) {
+  if (parameters.RestorePath.empty()) {
     ui.lblRestorePath.SetCaption("Restore To: (Original Path)");
   } else {
-    ui.lblRestorePath.SetCaption("Restore To: " + m_parameters.RestorePath);
+    ui.lblRestorePath.SetCaption("Restore To: " + parameters.RestorePath);
     ui.lblRestorePath.SetToolTipText(ui.lblRestorePath.Caption());
   }
 }
@@ -126,11 +126,11 @@ void frmRestore::ReadClientPath() {
   settings.SetRegBase("Brellick Labs, Inc.");
   settings.SetProgram("Tarvane");
   settings.SetSection("Settings");
-  m_parameters.ClientPath = StripNulls(settings.ReadEntry("ClientDB", ""));
+  parameters.ClientPath = StripNulls(settings.ReadEntry("ClientDB", ""));
 }
 
 void frmRestore::SetUpIcon() {
-  const std::string path = catalog::AddBackslash(m_parameters.ClientPath) + "kxicon.ico";
+  const std::string path = catalog::AddBackslash(parameters.ClientPath) + "kxicon.ico";
   if (m_platform.drives.FileMatches(path)) m_loaded->ui.form.SetIconPath(path);
 }
 
@@ -169,8 +169,8 @@ void frmRestore::setLabelInVisible(bool bVisible) {
 
 void frmRestore::SessionLogEntry(const std::string& sRecord) {
   Skipping([&] {
-    if (m_parameters.LogFilename.empty()) return;
-    std::ofstream log(PathOf(m_parameters.LogFilename), std::ios::binary | std::ios::app);
+    if (parameters.LogFilename.empty()) return;
+    std::ofstream log(PathOf(parameters.LogFilename), std::ios::binary | std::ios::app);
     const platform::CivilTime now = m_platform.regional.Now();
     log << m_platform.regional.ShortDate(now) + " " + m_platform.regional.LongTime(now) +
                " R " KX_VERSION " " + sRecord + "\r\n";

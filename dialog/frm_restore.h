@@ -2,16 +2,16 @@
 // form a process; it outlives the dialogs that it shows. Each load makes the controls anew, as designed; when
 // the dialog has closed they are gone, while the parameters stay.
 //
-// One thread. The Let members only store. What touches the form or a control loads the form first. An error
-// of a member is skipped; only Controls() may throw.
+// One thread. What touches the form or a control loads the form first. An error of a member is skipped; only
+// Controls() may throw.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 
 #include "dialog/form_context.h"
+#include "dialog/parameters.h"
 
 namespace kxrestore::dialog {
 
@@ -23,20 +23,7 @@ class frmRestore {
   frmRestore(const frmRestore&) = delete;
   frmRestore& operator=(const frmRestore&) = delete;
 
-  void DBName(const std::string& sName) { m_parameters.DBName = sName; }
-  void RestorePath(const std::string& sPath) { m_parameters.RestorePath = sPath; }
-  void DBType(std::int16_t intType) { m_parameters.DBType = intType; }
-  void DBDatabase(const std::string& strData) { m_parameters.DBDatabase = strData; }
-  void DBServer(const std::string& sServer) { m_parameters.DBServer = sServer; }
-  void DBUser(const std::string& sUser) { m_parameters.DBUser = sUser; }
-  void DBPass(const std::string& sPass) { m_parameters.DBPass = sPass; }
-  void curAction(const std::string& sAction) { m_parameters.curAction = sAction; }
-  std::string curAction() const { return m_parameters.Action(); }
-  void LogFilename(const std::string& Filename) { m_parameters.LogFilename = Filename; }
-  void DebugFlag(bool Flag) { m_parameters.DebugFlag = Flag; }
-
-  std::string& ClientPath = m_parameters.ClientPath;  // read at every load
-  bool& StopRequested = m_parameters.StopRequested;
+  Parameters parameters;  // what a host sets counts from the next load on
 
   void setWindowCaption(const std::string& sCaption);
   void setButtonCaption(const std::string& sCaption);
@@ -83,7 +70,6 @@ class frmRestore {
   template <class Body>
   void Skipping(Body&& body);
 
-  Parameters m_parameters;
   platform::Platform m_platform;
   engine::Workspace& m_workspace;
   std::unique_ptr<Loaded> m_loaded;

@@ -18,7 +18,7 @@ struct Arguments {
   bool hideLabel = false;
   std::string action;
   std::string script;   // a file, or "-" for the standard input
-  std::string shots;    // where the script's screenshots appear; beside the script when not given
+  std::string shots;    // folder of the script's screenshots; default: that of the script
   bool window = false;  // a main window, which the dialog disables
 };
 

@@ -1,4 +1,4 @@
-// The sample host's main window. It does nothing; the dialog disables it while it is showing.
+// The sample host's main window. It does nothing but show that the dialog disables it.
 #pragma once
 
 #include <windows.h>

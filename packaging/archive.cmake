@@ -1,5 +1,5 @@
-# Makes a ZIP of the files that CPack has staged: in the order of their names, with their time of change and nothing else of
-# this machine (no owners, no times of reading).
+# Makes a reproducible ZIP of the files that CPack has staged: sorted by name, with modification times but no owners or
+# access times.
 file(GLOB_RECURSE files LIST_DIRECTORIES false RELATIVE ${CPACK_TEMPORARY_DIRECTORY} ${CPACK_TEMPORARY_DIRECTORY}/*)
 list(SORT files)
 list(TRANSFORM files PREPEND ${CPACK_PACKAGE_FILE_NAME}/)

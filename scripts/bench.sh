@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Builds and runs the benchmarks: bench.sh [OPTION OF THE BENCHMARK LIBRARY...]
 #
-# Prints a table a program and writes build/bench/report.json, an array of objects with name, rows and ours, bare and
-# ratio (seconds and their ratio; medians of several runs by turns) or value and unit, and the limit where there is one.
-# Ends with 1 when something is over its limit. --benchmark_filter=REGEX runs a part.
+# Prints a table for each program and writes build/bench/report.json, an array of objects: name and rows, then either
+# ours, bare and ratio (medians in seconds of several alternating runs, and their ratio) or value and unit, and the
+# limit if there is one. Exit code 1 when something exceeds its limit. --benchmark_filter=REGEX runs a part.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -37,7 +37,7 @@ done
 
 {
   echo '['
-  # A comma behind every line but the last.
+  # A comma after every line but the last.
   [[ ${#reports[@]} -eq 0 ]] || cat "${reports[@]}" | sed '$!s/$/,/; s/^/  /'
   echo ']'
 } >"$work/report.json"

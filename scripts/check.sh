@@ -74,6 +74,7 @@ compiled_files() {
 }
 
 check_tidy() {
+  mkdir -p "$kxBuild/log"
   local build=$kxBuild/sanitize commit changed
   [[ -f $build/compile_commands.json ]] || build=$kxBuild/native
   [[ -f $build/compile_commands.json ]] || {
@@ -94,8 +95,11 @@ check_tidy() {
       changed=("${changed[@]:0:$kTidyMost}")
     fi
   fi
-  [[ ${#changed[@]} -eq 0 ]] || printf '%s\n' "${changed[@]}" |
-    xargs -n 1 -P "$kxJobs" clang-tidy -p "$build" --quiet 2> >(grep -v 'warnings\? \(generated\|treated\)' >&2)
+  [[ ${#changed[@]} -gt 0 ]] || return 0
+  # Errors of clang itself do not count: it rejects some headers of GCC's library, and the build has compiled the files.
+  printf '%s\n' "${changed[@]}" | xargs -n 1 -P "$kxJobs" clang-tidy -p "$build" --quiet >"$kxBuild/log/clang-tidy.log" \
+    2>/dev/null || true
+  ! grep -A 2 -e '-warnings-as-errors\]$' "$kxBuild/log/clang-tidy.log"
 }
 
 check clang-format check_format

@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # Shows the system at work: demo.sh [--scripted] [--rows N]
 #
-# Builds the command line and a sample catalog first, and asks it what the catalog holds. Then builds the component and its
-# sample host, registers the component and lets the host run the restore dialog. With a display the dialog is yours. Without one, or with --scripted, a script chooses a run, ticks a folder,
-# applies, finds files by a mask, marks a kind of files, adds an archive disc and presses "Restore Now" on an X server
-# of its own. Screenshots of the steps and the host's output are left in build/demo/.
+# Builds the command line and a sample catalog, and queries the catalog. Then builds the component and its sample host,
+# registers the component, and lets the host run the restore dialog. With a display you work the dialog yourself.
+# Without one, or with --scripted, a script selects a run, ticks a folder, applies, searches by a mask, marks a file
+# type, appends an archive disc and presses "Restore Now", on an X server of its own. Screenshots of the steps and the
+# host's output go to build/demo/.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
-export KX_SCREEN=1280x1024  # no more than the dialog needs
+export KX_SCREEN=1280x1024  # just enough for the dialog
 # shellcheck source=scripts/wine_env.sh
 source "$kxRoot/scripts/wine_env.sh"
 
@@ -36,13 +37,13 @@ display_works() {
   [[ -n ${DISPLAY:-} ]] && timeout 10 xdpyinfo >/dev/null 2>&1
 }
 
-# A screenshot is there as a whole or not at all: the host waits for the file.
+# The host waits for the screenshot file, so it must appear complete.
 take_screenshot() {
-  sleep 0.3  # what was changed last has yet to be painted
+  sleep 0.3  # lets the last change be painted
   import -window root "$demo/$1.tmp.png" && mv "$demo/$1.tmp.png" "$demo/$1.png"
 }
 
-# Shows what the host says and takes the screenshots that it asks for.
+# Prints the host's output and takes the screenshots that it requests.
 follow_host() {
   local line
   while IFS= read -r line; do
@@ -75,7 +76,7 @@ check_scripted() {
   done < <(sed -n 's/^shot //p' "$kxRoot/scripts/demo_steps.txt" | tr -d '\r')
 }
 
-# Shows a command line and what it answers, the first lines of it.
+# Prints a command line and the first lines of its output.
 ask_catalog() {
   printf '\n$ kxrestore %s\n' "$*"
   "$kxBuild/native/host/kxrestore" "$@" --catalog "$demo/catalog.db" | awk 'NR <= 8'

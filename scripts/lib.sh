@@ -1,5 +1,5 @@
-# Shared by the scripts of this folder (source it). Sets `kxRoot`, the root of the source tree, whatever the current
-# directory is, and `kxBuild`, where everything that is made goes.
+# Shared by the scripts in this folder (source it). Sets `kxRoot`, the root of the source tree, regardless of the
+# current directory, and `kxBuild`, the folder for everything generated.
 # shellcheck shell=bash
 
 kxRoot=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -14,7 +14,7 @@ fail() {
   exit 1
 }
 
-# Runs a command with its output in a file that is shown only when the command fails: logged LOG COMMAND...
+# Runs a command with its output redirected to a file, which is shown only when the command fails: logged LOG COMMAND...
 logged() {
   local log=$1 status=0
   shift
@@ -27,14 +27,14 @@ logged() {
   return "$status"
 }
 
-# Configures a preset once and builds the targets that are named (all without any): build_preset PRESET [TARGET...]
+# Configures a preset and builds the given targets, or all: build_preset PRESET [TARGET...]
 build_preset() {
   local preset=$1
   shift
   local targets=()
   [[ $# -eq 0 ]] || targets=(--target "$@")
   say "building $preset${*:+: $*}"
-  # Configuring again is what notices new folders and packages; it takes a second.
+  # Reconfiguring takes a second and notices new folders and packages.
   (cd "$kxRoot" && logged "$kxBuild/log/$preset-configure.log" cmake --preset "$preset") || return 1
   logged "$kxBuild/log/$preset-build.log" cmake --build "$kxBuild/$preset" -j "$kxJobs" "${targets[@]}"
 }

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Makes what is delivered: package.sh [--sign CERTIFICATE.p12 --password-file FILE]
+# Makes the packages: package.sh [--sign CERTIFICATE.p12 --password-file FILE]
 #
-# build/package/ then holds KXRestore-VERSION.zip (both bitnesses, header, type libraries, manifests, hosts, docs) and an
-# installer for each bitness, KXRestore-VERSION-x64.msi and -x86.msi. The same sources give the same bytes; set
-# SOURCE_DATE_EPOCH for another date than that of the last commit. With a certificate the programs and installers are
-# signed, without a time stamp of a server. For tests of upgrades KX_PACKAGE names another folder and KX_PACKAGE_VERSION
-# another version.
+# build/package/ then contains KXRestore-VERSION.zip (both bitnesses, header, type libraries, manifests, hosts, docs)
+# and an installer for each bitness, KXRestore-VERSION-x64.msi and -x86.msi. The same sources give the same bytes; the
+# date is that of the last commit unless SOURCE_DATE_EPOCH is set. With a certificate the programs and installers are
+# signed, without a time-stamp server. For tests of upgrades, KX_PACKAGE sets another output folder and
+# KX_PACKAGE_VERSION another version.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -30,12 +30,12 @@ version=${KX_PACKAGE_VERSION:-$(sed -n 's/^project(KXRestore VERSION \([0-9.]*\)
 package=${KX_PACKAGE:-$kxBuild/package}
 stage=$package/stage/KXRestore-$version
 
-# Runs a program on the date of the package.
+# Runs a program with the package's date as the current date.
 at_epoch() {
   faketime "$(date -u -d "@$SOURCE_DATE_EPOCH" '+%Y-%m-%d %H:%M:%S')" "$@"
 }
 
-# An identifier that is made of a name, in the shape of a UUID.
+# A GUID derived from a name.
 identifier() {
   local sum
   sum=$(printf '%s %s' "$kNamespace" "$1" | sha1sum)
@@ -43,7 +43,7 @@ identifier() {
   echo "${sum:0:8}-${sum:8:4}-5${sum:13:3}-A${sum:17:3}-${sum:20:12}"
 }
 
-# The identifier of an element of the interface description: idl_identifier "coclass RestoreDlg"
+# The GUID of an element of the IDL: idl_identifier "coclass RestoreDlg"
 idl_identifier() {
   tr '\n' ' ' <"$kxRoot/component/com/kxrestore.idl" | grep -oE "uuid\([-0-9A-F]+\)[^]]*\] *$1\b" |
     sed -E 's/uuid\(([-0-9A-F]+)\).*/{\1}/'
@@ -60,7 +60,7 @@ sign() {
 make_installer() {
   local platform=$1 file=$package/KXRestore-$version-$1.msi template=Intel
   [[ $platform == x86 ]] || template=x64
-  # wixl looks for the files in the current folder only.
+  # wixl finds files in the current folder only.
   (cd "$stage/$platform" && logged "$kxBuild/log/wixl-$platform.log" at_epoch wixl --arch "$platform" -o "$file" \
     -D Version="$version" -D Platform="$platform" -D Win64="$2" -D ProgramFiles="$3" -D Kind="$4" \
     -D SharedWin64="$2" \
@@ -69,7 +69,7 @@ make_installer() {
     -D Class="$(idl_identifier 'coclass RestoreDlg')" -D Library="$(idl_identifier 'library KXRestore')" \
     -D Interface="$(idl_identifier 'interface _RestoreDlg')" -D Events="$(idl_identifier 'dispinterface __RestoreDlg')" \
     "$kxRoot/packaging/kxrestore.wxs") || fail "the installer for $platform cannot be made"
-  # wixl gives every file a new identifier; this one comes from what is inside.
+  # wixl generates a new package code each time; this one is derived from the content.
   local content
   content=$(cd "$stage" && sha256sum "$platform"/*.dll "$platform"/*.exe "$kxRoot/packaging/kxrestore.wxs" | sha256sum)
   at_epoch msibuild "$file" -s "KXRestore $version" KXRestore "$template;1033" \

@@ -1,17 +1,17 @@
 #!/usr/bin/env bash
-# Installs what is missing to build and run the system on Debian 12: setup.sh [GROUP...]
+# Installs what is needed to build and run the system on Debian 12: setup.sh [GROUP...]
 #
 #   native   build of the native programs and tests
 #   checks   the formatter and the linters of scripts/check.sh
 #   windows  cross-build of the DLL and its tests, SQLite's source for it
 #   wine     running Windows programs, with and without a display
 #   wine32   making the root in which 32-bit ones run
-#   package  making the installers and signing them
+#   package  making the installers and signing them, checking the sample hosts
 #   bench    the benchmarks
 #   server   the database server and the ODBC drivers that the tests need, no server is left running; a grammar of T-SQL
 #
-# All groups without any. Needs root or sudo only when a package is missing, the network only then and for SQLite's
-# source; otherwise it is done at once.
+# Installs all groups by default. Needs root or sudo only when a package is missing, and the network only then and for
+# SQLite's source.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -22,10 +22,10 @@ declare -A kPackages=(
   [windows]="build-essential cmake ninja-build googletest unicode-data libsqlite3-0
              g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64-tools libwine-dev
              librsvg2-bin icoutils dpkg-dev xz-utils tcl faketime"
-  # Wine looks for the X libraries at run time, so that its package does not depend on them.
+  # Wine loads the X libraries at run time, so its package does not depend on them.
   [wine]="wine wine64 fonts-wine fonts-liberation fontconfig xvfb x11-utils xdotool imagemagick libxrender1 libxcomposite1
           libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxxf86vm1"
-  [package]="wixl msitools osslsigncode openssl zip python3-minimal"
+  [package]="wixl msitools osslsigncode openssl zip python3-minimal mono-mcs libmono-microsoft-csharp4.0-cil"
   [wine32]="mmdebstrap arch-test bubblewrap"
   [bench]="build-essential cmake ninja-build libsqlite3-dev libbenchmark-dev unixodbc-dev libpq-dev"
   [server]="postgresql unixodbc odbc-postgresql libsqliteodbc"
@@ -45,10 +45,10 @@ for group in "${wanted[@]}"; do
   [[ $group != server ]] || needsGrammar=yes
 done
 
-# Node.js often comes with npm from elsewhere, in one package.
+# Node.js from another source often includes npm.
 if [[ $needsGrammar == yes ]] && ! command -v npm >/dev/null; then packages+=(nodejs npm); fi
 
-# The package database, not the path, is asked: half of these packages hold no program.
+# Queries the package database, because half of these packages contain no program.
 missing_packages() {
   declare -A have=()
   local name status
@@ -74,9 +74,9 @@ mapfile -t missing < <(missing_packages)
 if [[ ${#missing[@]} -gt 0 ]]; then
   say "installing ${missing[*]}"
   aptGet=(env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=600 -o Acquire::Retries=3)
-  # One unreachable third-party list must not stop what the other lists can give.
+  # One unreachable third-party source must not prevent installing from the others.
   as_root "${aptGet[@]}" update || warn "apt-get update had errors"
-  # The tests run servers of their own. The package would make one of the system's and start it.
+  # The tests run their own servers. The package would create and start one for the system.
   clusterConf=/etc/postgresql-common/createcluster.conf
   clusterKept=
   if [[ " ${missing[*]} " == *" postgresql "* ]]; then

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Makes build/deps/sqlite/sqlite3.{c,h}, which the Windows builds compile in: SQLite of the very version that the native
-# builds link, out of Debian's source package. Needs no root and leaves the machine's package configuration alone.
+# Provides build/deps/sqlite/sqlite3.{c,h}, which the Windows builds compile: the SQLite version that the native builds
+# link, from Debian's source package. Needs no root and does not change the machine's package configuration.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -18,7 +18,7 @@ work=$(mktemp -d "$kxBuild/deps/sqlite-work.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 codename=$(. /etc/os-release && echo "${VERSION_CODENAME:-bookworm}")
 
-# Source entries for those binary entries of this machine that are Debian's own suites, in both of apt's formats.
+# Derives source entries from this machine's binary entries for Debian's own suites, in both of apt's formats.
 write_configured_sources() {
   local parts=$1 file
   for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
@@ -82,7 +82,7 @@ write_default_sources() {
   done >"$parts/default.list"
 }
 
-# Downloads the source package over the entries that `$1` writes; everything apt keeps goes to the work folder.
+# Downloads the source package using the entries that `$1` writes; apt's state stays in the work folder.
 download_with() {
   local state=$work/$1
   rm -rf "$work/source"
@@ -91,7 +91,7 @@ download_with() {
     -o Dir::State::Lists="$state/lists" -o Dir::Cache="$state/cache" -o Acquire::Languages=none
     -o Acquire::Retries=3 -o APT::Sandbox::User=root -o APT::Get::List-Cleanup=false)
   "${apt[@]}" update || true
-  # An older point release may have left the archive; the current one serves as well.
+  # An older point release may be gone from the archive; the current one serves as well.
   (cd "$work/source" &&
     { "${apt[@]}" source --download-only "sqlite3=$version" || "${apt[@]}" source --download-only sqlite3; })
 }

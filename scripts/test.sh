@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Builds and tests everything: test.sh [--native] [--windows]
 #
-# Natively under the address and undefined-behaviour sanitizers, the 64-bit Windows build under Wine, and of the 32-bit one
-# what the platform makes a difference for: the component, its windows, and the hosts. A machine that cannot have a
-# 32-bit Wine says so and leaves that out. The native half also compiles every header alone and runs scripts/check.sh.
-# The options choose a half. The last line is `N passed, N failed`; tests that a crash or the time limit kept from running
-# count as failed.
+# Native tests run under the address and undefined-behaviour sanitizers, the 64-bit Windows tests under Wine, and of the
+# 32-bit ones those that depend on the platform: component, windows, hosts. A machine that cannot have a 32-bit Wine
+# reports that and skips them. The native half also compiles every header by itself and runs scripts/check.sh. The
+# options select a half. The last line is `N passed, N failed`; tests that did not run because of a crash or the time
+# limit count as failed.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -32,7 +32,7 @@ results=$kxBuild/test-results
 rm -rf "$results"
 mkdir -p "$results"
 
-# Of a result file in GoogleTest's XML: how many tests ended, failed and were skipped.
+# Counts the completed, failed and skipped tests of a GoogleTest XML report.
 read_xml() {
   awk '
     /<testcase / {
@@ -43,15 +43,14 @@ read_xml() {
     END { print ended + 0, failures + 0, skipped + 0 }' "$1"
 }
 
-# Runs one program and leaves PASSED FAILED SKIPPED in RESULTS.count, its output in RESULTS.log:
-# run_program RESULTS LIMIT WINDOWS-PATHS COMMAND...
+# Runs one program and writes PASSED FAILED SKIPPED to RESULTS.count, its output to RESULTS.log: run_program RESULTS
+# LIMIT WINDOWS-PATHS COMMAND...
 run_program() {
   local base=$1 limit=$2 xmlPath=$1.xml status=0 tried
   [[ $3 == no ]] || xmlPath=$(windows_path "$base.xml")
   shift 3
   local expected passed=0 failed=0 skipped=0 ended
-  # Without the list there is no telling how many tests a crash has swallowed. The first program in a new prefix may
-  # wait long for Wine.
+  # The list of tests shows how many a crash prevented. The first program in a new prefix may wait long for Wine.
   for tried in 1 2 3; do
     expected=$(timeout --kill-after=10 60 "$@" --gtest_list_tests 2>>"$base.log" |
       awk '/^  / && $1 !~ /^DISABLED_/ { count++ } END { print count + 0 }') || expected=0
@@ -70,7 +69,7 @@ run_program() {
   fi
   local missing=$((expected - passed - failed - skipped))
   [[ $missing -le 0 ]] || failed=$((failed + missing))
-  # Leaks and crashes at the very end belong to no test; a program without tests proves nothing.
+  # Leaks and crashes at exit belong to no test; a program without tests is a failure too.
   if [[ $failed -eq 0 && ($status -ne 0 || $expected -eq 0) ]]; then failed=1; fi
   [[ $status -ne 124 && $status -ne 137 ]] || echo "ended after $limit s" >>"$base.log"
   echo "exit status $status" >>"$base.log"
@@ -84,7 +83,7 @@ report_program() {
   [[ $skipped -eq 0 ]] || note=", $skipped skipped"
   printf '%-40s %5d ok, %d not%s\n' "${base#"$results"/}" "$passed" "$failed" "$note"
   if [[ $failed -ne 0 ]]; then
-    # The whole story when it is short, else what failed and the end of it.
+    # The whole log when it is short, otherwise the failures and the end.
     if [[ $(wc -l <"$base.log") -le 300 ]]; then
       cat "$base.log"
     else
@@ -110,7 +109,7 @@ run_native() {
   [[ ${#programs[@]} -gt 0 ]] || fail "the native build made no test program"
   say "running ${#programs[@]} native test programs"
   for program in "${programs[@]}"; do
-    # They stop the server that the others ask, too.
+    # These stop the database server that the others use, so they run last.
     [[ $program != */engine_tests && $program != */server_tests ]] || continue
     if [[ $running -ge $kxJobs ]]; then
       wait -n || true
@@ -127,7 +126,7 @@ run_native() {
   for program in "${programs[@]}"; do report_program "$results/native/$(basename "$program")"; done
 }
 
-# Runs test programs under Wine, in a shell of its own: run_under_wine BITS RESULTS PROGRAM...
+# Runs test programs under Wine in a subshell: run_under_wine BITS RESULTS PROGRAM...
 run_under_wine() (
   export KX_WINE_BITS=$1
   folder=$2
@@ -137,11 +136,11 @@ run_under_wine() (
   mkdir -p "$folder"
   wine_session_start own
   say "running $# Windows test programs under Wine ($KX_WINE_BITS bit)"
-  # One after the other: they share a desktop, and with it the focus.
+  # One at a time: they share a desktop and its focus.
   for program in "$@"; do
     (cd "$folder" && run_program "$folder/$(basename "$program")" "$kWindowsLimit" yes wine "$program") {kxWineLock}>&-
     report_program "$folder/$(basename "$program")"
-    # What a program left running must not disturb the next.
+    # Processes that a program left running must not affect the next one.
     wine_stop_server
   done
   wine_session_stop
@@ -165,7 +164,7 @@ run_windows() {
   esac
 }
 
-# Runs a script whose last line is like this one's: run_script NAME SCRIPT
+# Runs a script that ends with the same kind of line: run_script NAME SCRIPT
 run_script() {
   local base=$results/$1 passed=0 failed=1
   "$kxRoot/scripts/$2" >"$base.log" 2>&1 || true
@@ -178,7 +177,7 @@ groups=(native checks server)
 [[ $windows == no ]] || groups+=(windows wine wine32 package)
 "$kxRoot/scripts/setup.sh" "${groups[@]}"
 
-# This shell keeps the database server, another one runs the tests: each has its own to put away at the end.
+# This shell owns the database server; a child runs the tests, because each needs its own exit trap.
 if [[ -z ${KX_TEST_SERVER:-} ]]; then
   # shellcheck source=scripts/test_server.sh
   source "$kxRoot/scripts/test_server.sh"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Tests the packages under Wine: test_package.sh. Makes them twice and compares, installs each, runs a host, repairs, upgrades
-# and removes it, and looks for what is left. The last line is `N passed, N failed`.
+# Tests the packages under Wine: test_package.sh. Makes them twice and compares; installs each, runs a host, repairs,
+# upgrades and removes it, and checks that nothing is left. The last line is `N passed, N failed`.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -25,7 +25,7 @@ version=$(sed -n 's/^project(KXRestore VERSION \([0-9.]*\).*/\1/p' "$kxRoot/CMak
 passed=0
 failed=0
 
-# check NAME COMMAND...: whether the command ends well; what it says goes to the log.
+# check NAME COMMAND...: records whether the command succeeds; its output goes to the log.
 check() {
   local check=$1
   shift
@@ -41,12 +41,12 @@ check() {
 
 same_bytes_again() {
   cp "$package/SHA256SUMS" "$work/first" || return 1
-  # Linked anew, too.
+  # Forces a new link, too.
   rm -f "$kxBuild"/windows-x{64,86}/KXRestore.dll "$kxBuild"/windows-x{64,86}/host/{kxrestore,restore_host}.exe
   "$kxRoot/scripts/package.sh" && diff "$work/first" "$package/SHA256SUMS"
 }
 
-# With nothing but what the archive holds.
+# Uses only what the archive contains.
 example_builds() {
   local compiler=$1-w64-mingw32-g++-posix
   "$compiler" -std=c++17 -Wall -Wextra -Werror -municode -static -I"$unpacked/include" "$unpacked/host/examples/restore.cpp" \
@@ -56,7 +56,8 @@ example_builds() {
 archive_is_whole() {
   local folder file
   for folder in x64 x86; do
-    for file in KXRestore.dll KXRestore.de.txt KXRestore.dll.debug KXRestore.tlb KXRestore.X.manifest restore_host.exe kxrestore.exe; do
+    for file in KXRestore.dll KXRestore.de.txt KXRestore.dll.debug KXRestore.tlb KXRestore.X.manifest restore_host.exe \
+      kxrestore.exe; do
       [[ -s $unpacked/$folder/$file ]] || { echo "no $folder/$file" && return 1; }
     done
   done
@@ -73,7 +74,7 @@ registry_keys() {
   while read -r key; do wine_do reg query "HKLM\\Software\\Classes\\$key" /s 2>/dev/null | tr -d '\r' | grep -v '^reg: ' || true; done <<<"$kIdentifiers"
 }
 
-# The same but for the place of the DLL.
+# The same except for the path of the DLL.
 registry_keys_without_place() {
   registry_keys | sed -E 's/(REG_SZ +)[A-Z]:\\.*\\KXRestore\.dll$/\1DLL/; s/(REG_SZ +)[A-Z]:\\.*$/\1FOLDER/'
 }
@@ -129,7 +130,7 @@ same_keys_as_regsvr32() {
 repairs() {
   local dll
   dll=$(find "$WINEPREFIX/drive_c" -ipath '*/KXRestore/KXRestore.dll')
-  # What /fa asks for; Wine does not know that switch.
+  # The equivalent of /fa, which Wine does not support.
   rm "$dll" && msi /i "$installer" REINSTALL=ALL REINSTALLMODE=amus && [[ -s $dll ]]
 }
 
@@ -144,8 +145,8 @@ removed_leaves_nothing() {
   msi /x "$installer" && nothing_left && ! script_creates
 }
 
-# In one prefix: the 32-bit programs cannot be run there, but they are installed. Wine keeps two copies of what Windows
-# shares, so that only the one that 64-bit programs see is looked at.
+# Both in one prefix: 32-bit programs cannot run there, but they can be installed. Wine keeps two copies of keys that
+# Windows shares, so only those visible to 64-bit programs are checked.
 one_leaves_the_other() {
   msi /i "$package/KXRestore-$version-x64.msi" && msi /i "$package/KXRestore-$version-x86.msi" || return 1
   msi /x "$package/KXRestore-$version-x86.msi" && script_creates || return 1
@@ -204,7 +205,8 @@ check "the archive unpacks" env -C "$work" cmake -E tar xf "$package/KXRestore-$
 check "the archive holds what it should" archive_is_whole x86_64
 check "the C++ host builds for x64 with the archive alone" example_builds x86_64
 check "the C++ host builds for x86 with the archive alone" example_builds i686
-check "the Python host is Python" python3 -m py_compile "$unpacked/host/examples/restore.py"
+check "the Python host compiles" python3 -m py_compile "$unpacked/host/examples/restore.py"
+check "the C# host compiles" mcs -r:Microsoft.CSharp -out:"$work/Restore.exe" "$unpacked/host/examples/Restore.cs"
 check "signed packages verify" signed_verifies
 KX_PACKAGE=$package-older KX_PACKAGE_VERSION=9.0.0 "$kxRoot/scripts/package.sh" >>"$log" 2>&1 ||
   fail "the older packages cannot be made"

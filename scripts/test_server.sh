@@ -1,7 +1,8 @@
-# A PostgreSQL server for tests (source it after lib.sh): test_server_start, test_server_stop. Its data lies under
-# build/server and goes with it; it listens on a free port of the loopback address only, and on no socket file outside.
+# A PostgreSQL server for tests (source it after lib.sh): test_server_start, test_server_stop. Its data is in
+# build/server and is deleted at the end; it listens on a free port of the loopback address only, without a socket file
+# elsewhere.
 #
-# The tests are told of it by the environment, natively and under Wine:
+# Tests find it through the environment, natively and under Wine:
 #   KX_TEST_SERVER     127.0.0.1;PORT=N, what a host would give as its DBServer
 #   KX_TEST_USER       an ordinary user who may make databases
 #   KX_TEST_ADMIN      the server's first user
@@ -13,12 +14,12 @@
 kxServer=${kxBuild:?source lib.sh first}/server
 kxServerRunning=
 
-# The newest server that is installed.
+# The newest installed server.
 server_programs() {
   find /usr/lib/postgresql -maxdepth 2 -type d -name bin 2>/dev/null | sort -V | tail -n 1
 }
 
-# The server refuses to run as root; then the user that its package made runs it.
+# The server refuses to run as root; it then runs as the user that its package created.
 as_server_user() {
   if [[ $(id -u) -eq 0 ]]; then
     setpriv --reuid=postgres --regid=postgres --clear-groups -- "$@"
@@ -34,7 +35,7 @@ free_port() {
   done
 }
 
-# A driver's library: found beside the others that Debian installs.
+# The path of an ODBC driver's library as Debian installs it.
 odbc_driver() {
   find /usr/lib -path "*/odbc/$1" 2>/dev/null | sort | head -n 1
 }
@@ -47,7 +48,7 @@ test_server_start() {
   test_server_stop
   rm -rf "$kxServer"
   mkdir -p "$kxServer/odbc"
-  # Only the data has to be reached by the server's user, and the way to a build folder may be closed to him.
+  # The server's user needs access to the data only; the path to the build folder may be closed to that user.
   if [[ $(id -u) -eq 0 ]]; then
     data=$(as_server_user mktemp -d /tmp/kxrestore-server.XXXXXX)
     ln -s "$data" "$kxServer/data"

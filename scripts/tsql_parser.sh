@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the T-SQL grammar that tests/engine/tsql_parser checks statements with into build/deps, in the versions that
-# its lock file names. Needs the network only when they are not there yet.
+# Installs the T-SQL grammar that tests/engine/tsql_parser uses into build/deps, in the versions of its lock file. Needs
+# the network only the first time.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Makes build/wine32/root once: a 32-bit Debian with Wine, for the 32-bit test programs. Debian's packages of both
-# bitnesses cannot stand side by side, so that it is a root of its own; scripts/wine32/ runs its programs.
+# Creates build/wine32/root once: a 32-bit Debian with Wine for the 32-bit test programs, run by scripts/wine32/. It is
+# a separate root because Debian's packages of both bitnesses conflict.
 #
-# Exit code 3 says that this machine cannot have one: it may not mount, or the packages cannot be had. Set KX_WINE32_ROOT
-# for another place that several checkouts share.
+# Exit code 3: this machine cannot have one, because it may not mount or cannot get the packages. KX_WINE32_ROOT sets
+# another path, to share it between checkouts.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -30,8 +30,8 @@ mkdir -p "$(dirname "$root")"
 keyring=/usr/share/keyrings/debian-archive-keyring.gpg
 mode=auto
 [[ $(id -u) -ne 0 ]] || mode=root
-# The main archive alone: the list of security updates for i386 does not fit its packages. The drivers' packages enter
-# themselves in the root's own list, not in that of a test server that is running.
+# Only the main archive: the list of security updates for i386 does not match its packages. The drivers' packages
+# register themselves in the root's own list, not in that of a running test server.
 # shellcheck disable=SC2016  # the hook's own $1, the new root
 logged "$kxBuild/log/wine32-root.log" timeout --kill-after=10 "$kLimit" env -u ODBCSYSINI -u ODBCINSTINI \
   mmdebstrap --mode="$mode" --variant=essential --arch=i386 --components=main --include="$kPackages" \
@@ -40,6 +40,6 @@ logged "$kxBuild/log/wine32-root.log" timeout --kill-after=10 "$kLimit" env -u O
   --dpkgopt='path-exclude=/usr/share/locale/*' --customize-hook='rm -rf "$1"/var/cache/apt/* "$1"/var/lib/apt/lists/*' \
   bookworm "$root" "deb [signed-by=$keyring] $kMirror bookworm main" ||
   { rm -rf "$root" && cannot "the packages could not be installed"; }
-# The list of ODBC drivers that the tests share with this machine names its folder.
+# The shared list of ODBC drivers refers to this folder.
 ln -s i386-linux-gnu "$root/usr/lib/x86_64-linux-gnu"
 echo "$kRootVersion" >"$root/kx-ready"

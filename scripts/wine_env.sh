@@ -1,10 +1,9 @@
-# Running Windows programs under Wine (source it after lib.sh): an environment and a prefix of its own under build/wine,
-# so that neither the user's Wine nor what is installed there matters. Set KX_WINEPREFIX for another prefix, KX_SCREEN
-# for another size of the screen than 2560x1440, KX_WINE_BITS=32 for the 32-bit Wine of build/wine32 (made by
-# wine32_root.sh).
+# Environment for running Windows programs under Wine (source it after lib.sh). The prefix is build/wine, independent of
+# the user's Wine. KX_WINEPREFIX sets another prefix, KX_SCREEN another screen size than 2560x1440, KX_WINE_BITS=32
+# selects the 32-bit Wine in build/wine32 (created by wine32_root.sh).
 #
-# A session is what holds the prefix to itself: wine_session_start, any number of `wine_do`, wine_session_stop (a trap
-# does it at the end of the script, too). Within one, KX_WINE_SESSION is set for scripts that are called.
+# A session has exclusive use of the prefix: wine_session_start, any number of `wine_do`, wine_session_stop (also called
+# by a trap at exit). KX_WINE_SESSION is set for scripts that are called within one.
 # shellcheck shell=bash
 
 if [[ ${KX_WINE_BITS:-64} == 32 ]]; then
@@ -16,9 +15,9 @@ else
   export WINEARCH=win64
 fi
 export WINEDEBUG=${KX_WINEDEBUG:--all}
-# No prompts for Mono and Gecko, no menu entries in the user's desktop, and a crash ends the program at once.
+# No prompts for Mono and Gecko, no menu entries on the user's desktop, and a crash ends the program at once.
 export WINEDLLOVERRIDES='mscoree,mshtml=;winedbg.exe=d;winemenubuilder.exe=d'
-# English dates, and every file name can be said.
+# English dates, and UTF-8 file names.
 export LC_ALL=C.UTF-8
 unset LANGUAGE
 if [[ ! -w ${HOME:-/nonexistent} ]]; then
@@ -27,11 +26,11 @@ if [[ ! -w ${HOME:-/nonexistent} ]]; then
 fi
 
 kKxPrefixVersion=3
-kKxDisc=$WINEPREFIX/disc  # what lies in the CD-ROM drive, Z:
+kKxDisc=$WINEPREFIX/disc  # content of the CD-ROM drive, Z:
 kxXvfbPid=
 kxWineLock=
 
-# The lock must not be inherited: the Wine server outlives whoever started it.
+# Child processes must not inherit the lock: the Wine server may outlive the script.
 wine_do() {
   if [[ -n $kxWineLock ]]; then
     wine "$@" {kxWineLock}>&-
@@ -40,7 +39,7 @@ wine_do() {
   fi
 }
 
-# Ends every program of this prefix, and only of this one, and waits until they are gone.
+# Ends all programs of this prefix, and only this one, and waits for them.
 wine_stop_server() {
   wineserver -k 2>/dev/null || true
   timeout 30 wineserver -w 2>/dev/null || true
@@ -66,7 +65,7 @@ wine_make_prefix() {
   wine_stop_server
   rm -rf "$WINEPREFIX"
   mkdir -p "$WINEPREFIX"
-  # Without a display nothing can ask anything.
+  # Without a display no dialog can block.
   local desktop='HKCU\Control Panel\Desktop' log=$kxBuild/log/wine-prefix.log
   (
     unset DISPLAY
@@ -76,20 +75,20 @@ wine_make_prefix() {
       logged "$log" timeout 60 wine reg add "$desktop" /v FontSmoothingType /t REG_DWORD /d 2 /f &&
       logged "$log" timeout 60 wine reg add 'HKLM\Software\Wine\Drives' /v z: /d cdrom /f
   ) {kxWineLock}>&- || fail "the Wine prefix cannot be made"
-  # A server that was started without a display cannot make windows.
+  # A server that was started without a display cannot create windows.
   timeout 60 wineserver -w || true
   wine_stop_server
-  # Discs are looked for in the last drive, so that is the CD-ROM drive, and the root of all files is Y:.
+  # The component looks for discs in the last drive, so the CD-ROM drive is Z: and the file system's root is Y:.
   ln -sfn / "$WINEPREFIX/dosdevices/y:"
   ln -sfn ../disc "$WINEPREFIX/dosdevices/z:"
   mkdir -p "$kKxDisc"
   printf VOL003 >"$kKxDisc/.windows-label"  # read when the server starts
-  # Wine looks for its own fonts there: those of title bars and dialogs.
+  # Wine looks there for the fonts of title bars and dialogs.
   cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
   echo "$kKxPrefixVersion" >"$WINEPREFIX/kx-ready"
 }
 
-# An X server on a display number that is free.
+# Starts an X server on a free display number.
 start_xvfb() {
   local file
   file=$(mktemp)
@@ -109,7 +108,7 @@ start_xvfb() {
   export DISPLAY=:$number
 }
 
-# With "own" (the default) the programs get an X server of their own, with "user" the display that is there.
+# "own" (the default) starts an X server for the programs; "user" uses the current display.
 wine_session_start() {
   mkdir -p "$kxBuild/log"
   trap wine_session_stop EXIT

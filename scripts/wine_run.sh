@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs one Windows program: wine_run.sh PROGRAM.exe [ARGUMENT...]. The Windows builds run their test programs through it.
-# Makes the prefix when there is none yet, and an X server for the time of the run unless it is called in a session.
+# Runs one Windows program: wine_run.sh PROGRAM.exe [ARGUMENT...]. CMake uses it to run Windows test programs. Creates
+# the prefix if needed, and starts an X server for the run unless called within a session.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -11,7 +11,7 @@ source "$kxRoot/scripts/wine_env.sh"
 if [[ -n ${KX_WINE_SESSION:-} ]]; then
   exec wine "$@"
 fi
-# What the preparation says must not mix with what the program says.
+# Keep setup messages out of the program's output.
 wine_session_start own >&2
 status=0
 wine_do "$@" || status=$?

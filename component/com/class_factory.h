@@ -1,4 +1,4 @@
-// Makes RestoreDlg objects; what DllGetClassObject hands out.
+// Creates RestoreDlg objects; returned by DllGetClassObject.
 #pragma once
 
 #include <windows.h>

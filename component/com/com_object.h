@@ -1,4 +1,4 @@
-// What every COM object of the DLL shares: the reference count, and the border that no exception crosses.
+// What every COM object of the DLL shares: reference count, and the boundary that no exception crosses.
 #pragma once
 
 #include <windows.h>
@@ -16,7 +16,7 @@ namespace kxrestore::component::com {
 
 using Microsoft::WRL::ComPtr;
 
-// The one end of every COM method: runs the body, and what it throws becomes an HRESULT.
+// Every COM method ends here: runs the body and turns an exception into an HRESULT.
 template <class Body>
 HRESULT Guard(Body&& body) noexcept {
   try {
@@ -28,7 +28,7 @@ HRESULT Guard(Body&& body) noexcept {
   }
 }
 
-// The same for members whose errors the host must never see: the step is skipped.
+// The same for members whose errors must never reach the host: the failing step is skipped.
 template <class Body>
 HRESULT SkipErrors(Body&& body) noexcept {
   Guard([&] {
@@ -38,7 +38,7 @@ HRESULT SkipErrors(Body&& body) noexcept {
   return S_OK;
 }
 
-// An object with its own identity. `Find` of the deriving class names its interfaces.
+// Base of an object with its own identity. The derived class maps interface ids to pointers in `Find`.
 template <class... Interfaces>
 class ComObject : public Interfaces... {
  public:
@@ -51,7 +51,7 @@ class ComObject : public Interfaces... {
   STDMETHODIMP_(ULONG) Release() override {
     const ULONG left = --m_references;
     if (left > 0) return left;
-    // What the destructor lets go of may still take and give back a reference to this object.
+    // Members that the destructor releases may still add and release a reference to this object.
     m_references = 1;
     delete this;
     return 0;
@@ -68,7 +68,7 @@ class ComObject : public Interfaces... {
  protected:
   virtual ~ComObject() = default;
 
-  // The pointer for that interface, no reference added; null when the object has none such.
+  // The pointer for an interface without adding a reference; null when it is not supported.
   virtual void* Find(REFIID iid) = 0;
 
  private:

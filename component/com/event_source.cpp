@@ -22,7 +22,7 @@ CONNECTDATA HandOut(const Connection& connection) {
   return {ComPtr<IUnknown>(connection.sink).Detach(), connection.cookie};
 }
 
-// One enumerator for both lists; it works on a copy, so that the list may change meanwhile.
+// One enumerator class for both lists. It works on a copy, so that the list may change meanwhile.
 template <class Interface, class Element>
 class Enumerator final : public ComObject<Interface> {
  public:
@@ -129,7 +129,7 @@ STDMETHODIMP EventSource::Unadvise(DWORD cookie) {
   const auto sink =
       std::find_if(m_sinks.begin(), m_sinks.end(), [=](const Sink& entry) { return entry.cookie == cookie; });
   if (sink == m_sinks.end()) return CONNECT_E_NOCONNECTION;
-  // Letting a sink go may call back into this list, so it goes when the list is in order again.
+  // Releasing a sink may call back into this list, so update the list first.
   const ComPtr<IDispatch> last = std::move(sink->dispatch);
   m_sinks.erase(sink);
   return S_OK;

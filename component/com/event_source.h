@@ -1,4 +1,4 @@
-// The connection point of an event interface, with everything a host may ask of it. One apartment.
+// The connection point of an event interface. Used in one apartment.
 #pragma once
 
 #include <windows.h>
@@ -11,13 +11,13 @@
 
 namespace kxrestore::component::com {
 
-// Part of the object that raises the events: it lives and is counted with that object, its `owner`.
+// Part of the object that raises the events, its `owner`: shares its lifetime and reference count.
 class EventSource final : public IConnectionPoint {
  public:
   EventSource(IConnectionPointContainer& owner, REFIID events) : m_owner(owner), m_events(events) {}
 
-  // Raises the event without parameters that has this dispatch id to every sink that is advised when its turn
-  // comes. A sink that fails, throws, or leaves (itself or another) disturbs nobody.
+  // Raises the event with this dispatch id and no parameters to every sink that is still connected when its
+  // turn comes. A sink that fails, throws, or disconnects itself or another does not affect the rest.
   void Fire(DISPID event);
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override;

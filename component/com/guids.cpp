@@ -1,4 +1,4 @@
-// Gives the identifiers of the generated header their one definition.
+// Defines the GUIDs that the generated header declares.
 #include <windows.h>
 
 #include <olectl.h>

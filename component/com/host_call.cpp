@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
-// Both halves put one handler on the way of a structured exception. It takes Microsoft's C++ exceptions
-// alone, unwinds the frames that they have passed and goes on after the call with the answer 0.
+// Both variants install one handler for structured exceptions. It takes only the C++ exceptions of
+// Microsoft's compiler, unwinds the frames they passed and makes the call return 0.
 
 namespace {
 
@@ -21,7 +21,7 @@ extern "C" {
 
 #ifdef _WIN64
 
-extern char kxrestore_call_ended;  // where kxrestore_call_host goes on
+extern char kxrestore_call_ended;  // where kxrestore_call_host continues
 
 // The system finds this handler through the unwind tables of the module.
 EXCEPTION_DISPOSITION kxrestore_host_threw(EXCEPTION_RECORD* record, void* frame, CONTEXT* context,
@@ -62,7 +62,7 @@ struct HostFrame {
 EXCEPTION_DISPOSITION __cdecl kxrestore_host_threw(EXCEPTION_RECORD* record, HostFrame* frame, CONTEXT*,
                                                    void*) {
   if (!IsTaken(*record)) return ExceptionContinueSearch;
-  // RtlUnwind keeps the stack pointer and no other register; the frame is the stack pointer to go on with.
+  // RtlUnwind preserves only the stack pointer; the frame holds the stack pointer to continue with.
   asm volatile(
       "pushl %[frame]\n"
       "pushl $0\n"

@@ -1,10 +1,9 @@
-// Calling code of the host that lets a C++ exception out across COM, against the rules. What that exception
-// is depends on the host's compiler:
+// Calls code of the host that may violate COM's rules and throw a C++ exception. The form of the exception
+// depends on the host's compiler:
 //
-// - Microsoft's raises a structured exception; it is caught for both platforms.
-// - GCC's is a catch (...) away, except for a 32-bit program with a run-time of its own: that cannot unwind
-// through
-//   another module and ends itself before anybody is asked.
+// - Microsoft's raises a structured exception, which is caught on both platforms.
+// - GCC's is caught by catch (...), except in a 32-bit program with a C++ run-time of its own: that run-time
+//   cannot unwind through another module and terminates the process.
 #pragma once
 
 namespace kxrestore::component::com {
@@ -17,8 +16,8 @@ extern "C" int kxrestore_call_host(Routine routine,
 
 }  // namespace detail
 
-// Runs `body`, whose result nobody wants. False when a C++ exception ended it. Any other structured exception
-// (an access violation) goes on to whoever handles it.
+// Runs `body` and ignores its result. False when a C++ exception ended it. Any other structured exception,
+// such as an access violation, propagates.
 template <class Body>
 bool CallHost(Body&& body) noexcept {
   struct Call {
@@ -30,7 +29,7 @@ bool CallHost(Body&& body) noexcept {
     try {
       ours.body();
       ours.done = true;
-    } catch (...) {  // the host's affair; it has been told nothing but that its event came
+    } catch (...) {  // a failing event handler is the host's concern
     }
   };
   return detail::kxrestore_call_host(routine, &call) != 0 && call.done;

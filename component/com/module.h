@@ -7,7 +7,7 @@
 
 namespace kxrestore::component::com {
 
-// Keeps the DLL loaded for as long as it lives. Every object that a client can hold has one.
+// Keeps the DLL loaded during its lifetime. Every object that a client can hold contains one.
 class ModuleUse {
  public:
   ModuleUse();
@@ -16,10 +16,10 @@ class ModuleUse {
   ~ModuleUse();
 };
 
-// The locks that clients place through the class factory. Taking away more than was placed changes nothing.
+// Counts the locks that clients place through the class factory. Surplus unlocks are ignored.
 void LockModule(bool lock);
 
-// Whether anything of the DLL is still in a client's hands.
+// Whether a client still holds an object or a lock of the DLL.
 bool ModuleInUse();
 
 void SetModuleHandle(HMODULE module);

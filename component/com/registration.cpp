@@ -16,13 +16,13 @@ namespace {
 constexpr wchar_t kDualMarshaller[] = L"{00020424-0000-0000-C000-000000000046}";
 constexpr wchar_t kDispatchMarshaller[] = L"{00020420-0000-0000-C000-000000000046}";
 
-// The machine's entries and the user's have the same shape. HKEY_CLASSES_ROOT would mix the two.
+// Per-machine and per-user entries have the same shape. HKEY_CLASSES_ROOT would merge the two.
 HKEY RootOf(Scope scope) {
   return scope == Scope::kUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
 }
 const std::wstring kClasses = L"Software\\Classes\\";
 
-// A type library names the platforms that it is there for; both may be registered side by side.
+// A type library lists the platforms that it supports; both may be registered side by side.
 constexpr const wchar_t* kPlatform = sizeof(void*) == 8 ? L"win64" : L"win32";
 
 struct CloseKey {
@@ -94,7 +94,7 @@ LSTATUS Write(Scope scope, const Entry& entry) {
                         static_cast<DWORD>((entry.data.size() + 1) * sizeof(wchar_t)));
 }
 
-// How many keys there are below this one; none below one that is missing.
+// Number of subkeys; 0 for a missing key.
 DWORD KeysBelow(Scope scope, const std::wstring& name) {
   HKEY key = nullptr;
   if (RegOpenKeyExW(RootOf(scope), (kClasses + name).c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return 0;
@@ -112,8 +112,8 @@ HRESULT RemoveAll(Scope scope) {
     const LSTATUS status = RegDeleteTreeW(RootOf(scope), (kClasses + key).c_str());
     if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND && first == ERROR_SUCCESS) first = status;
   };
-  // Each platform has class and interface keys of its own. The type library's and the ProgID are shared and
-  // go with the last platform and the last version.
+  // Each platform has class and interface keys of its own. The type library's keys and the ProgID are shared:
+  // they are removed with the last platform and the last version.
   remove(names.classKey);
   remove(names.versionKey + L"\\0\\" + kPlatform);
   if (KeysBelow(scope, names.versionKey + L"\\0") == 0) remove(names.versionKey);

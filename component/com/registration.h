@@ -1,5 +1,4 @@
-// Self-registration: the class, its ProgID, the type library and the two interfaces, for the whole machine or
-// for the current user alone. Everything else about the registry is the host's.
+// Self-registration: the class, its ProgID, the type library and the two interfaces, per machine or per user.
 #pragma once
 
 #include <windows.h>
@@ -8,13 +7,13 @@ namespace kxrestore::component::com {
 
 enum class Scope { kMachine, kUser };
 
-// Writes every entry, or none: what a failure left is taken away again.
+// Writes every entry or, on failure, removes those already written.
 HRESULT Register(Scope scope);
 
-// Takes every entry away. Entries that are missing are no error.
+// Removes every entry. Missing entries are not an error.
 HRESULT Unregister(Scope scope);
 
-// `regsvr32 /i:user`: the scope that the command line names; nothing or an empty one means the machine.
+// The scope that `regsvr32 /i:user` names; an empty or missing command line means the machine.
 HRESULT Install(bool install, const wchar_t* commandLine);
 
 }  // namespace kxrestore::component::com

@@ -9,13 +9,14 @@
 namespace kxrestore::component::com {
 namespace {
 
+using dialog::Parameters;
+
 constexpr DISPID kCommenceRestore = 1;
 
 }  // namespace
 
-RestoreDlgObject::RestoreDlgObject()
-    : m_events(*this, DIID___RestoreDlg), m_dialog(std::make_shared<RestoreDlg>(TheForm())) {
-  m_dialog->CommenceRestore = [this] { m_events.Fire(kCommenceRestore); };
+RestoreDlgObject::RestoreDlgObject() : m_events(*this, DIID___RestoreDlg), m_dialog(TheForm()) {
+  m_dialog.CommenceRestore = [this] { m_events.Fire(kCommenceRestore); };
 }
 
 void* RestoreDlgObject::Find(REFIID iid) {
@@ -30,82 +31,74 @@ void* RestoreDlgObject::Find(REFIID iid) {
 STDMETHODIMP RestoreDlgObject::DefineRestoreSet(short* result) {
   if (!result) return E_POINTER;
   *result = 0;
-  // The host may let go of its last reference in the event.
+  // The host may release its last reference in the event.
   const ComPtr<IUnknown> self(static_cast<_RestoreDlg*>(this));
-  return SkipErrors([&] { *result = TheForm().Run([this] { return m_dialog->DefineRestoreSet(); }); });
+  return SkipErrors([&] { *result = TheForm().Run([this] { return m_dialog.DefineRestoreSet(); }); });
 }
 
-template <class Value>
-HRESULT RestoreDlgObject::Forward(void (RestoreDlg::*setter)(Value), std::decay_t<Value> value) {
-  return SkipErrors([&] {
-    TheForm().Apply([dialog = m_dialog, use = ModuleUse(), setter, value = std::move(value)] {
-      ((*dialog).*setter)(value);
-    });
-  });
+HRESULT RestoreDlgObject::Set(std::string Parameters::*member, BSTR text) {
+  return SkipErrors([&] { m_dialog.Set(member, FromBstr(text)); });
 }
 
-HRESULT RestoreDlgObject::ForwardText(TextSetter setter, BSTR text) {
-  return SkipErrors([&] { Forward(setter, FromBstr(text)); });
-}
-
-HRESULT RestoreDlgObject::Keep(TextSetter setter, BSTR text) {
-  return SkipErrors([&] { ((*m_dialog).*setter)(FromBstr(text)); });
+HRESULT RestoreDlgObject::Set(std::string RestoreDlg::*member, BSTR text) {
+  return SkipErrors([&] { m_dialog.*member = FromBstr(text); });
 }
 
 STDMETHODIMP RestoreDlgObject::put_DB(BSTR* name) {
-  return name ? ForwardText(&RestoreDlg::DB, *name) : E_POINTER;
+  return name ? Set(&Parameters::DBName, *name) : E_POINTER;
 }
 
 STDMETHODIMP RestoreDlgObject::put_RestorePath(BSTR* path) {
-  return path ? ForwardText(&RestoreDlg::RestorePath, *path) : E_POINTER;
+  return path ? Set(&Parameters::RestorePath, *path) : E_POINTER;
 }
 
 STDMETHODIMP RestoreDlgObject::put_SessionLogName(BSTR filename) {
-  return ForwardText(&RestoreDlg::SessionLogName, filename);
+  return Set(&Parameters::LogFilename, filename);
 }
 
 STDMETHODIMP RestoreDlgObject::put_DebugFlag(VARIANT_BOOL flag) {
-  return Forward(&RestoreDlg::DebugFlag, flag != VARIANT_FALSE);
+  return SkipErrors([&] { m_dialog.Set(&Parameters::DebugFlag, flag != VARIANT_FALSE); });
 }
 
 STDMETHODIMP RestoreDlgObject::put_frmCaption(BSTR caption) {
-  return Keep(&RestoreDlg::frmCaption, caption);
+  return Set(&RestoreDlg::frmCaption, caption);
 }
 
 STDMETHODIMP RestoreDlgObject::put_btnCaption(BSTR caption) {
-  return Keep(&RestoreDlg::btnCaption, caption);
+  return Set(&RestoreDlg::btnCaption, caption);
 }
 
 STDMETHODIMP RestoreDlgObject::put_lblCaption(BSTR caption) {
-  return Keep(&RestoreDlg::lblCaption, caption);
+  return Set(&RestoreDlg::lblCaption, caption);
 }
 
 STDMETHODIMP RestoreDlgObject::put_lblInVisible(VARIANT_BOOL inVisible) {
-  return SkipErrors([&] { m_dialog->lblInVisible(inVisible != VARIANT_FALSE); });
+  m_dialog.lblInVisible = inVisible != VARIANT_FALSE;
+  return S_OK;
 }
 
 STDMETHODIMP RestoreDlgObject::put_setAction(BSTR action) {
-  return ForwardText(&RestoreDlg::setAction, action);
+  return Set(&Parameters::curAction, action);
 }
 
 STDMETHODIMP RestoreDlgObject::put_DBType(short type) {
-  return Forward(&RestoreDlg::DBType, static_cast<std::int16_t>(type));
+  return SkipErrors([&] { m_dialog.Set(&Parameters::DBType, type); });
 }
 
 STDMETHODIMP RestoreDlgObject::put_DBDatabase(BSTR database) {
-  return ForwardText(&RestoreDlg::DBDatabase, database);
+  return Set(&Parameters::DBDatabase, database);
 }
 
 STDMETHODIMP RestoreDlgObject::put_DBServer(BSTR server) {
-  return ForwardText(&RestoreDlg::DBServer, server);
+  return Set(&Parameters::DBServer, server);
 }
 
 STDMETHODIMP RestoreDlgObject::put_DBUser(BSTR user) {
-  return ForwardText(&RestoreDlg::DBUser, user);
+  return Set(&Parameters::DBUser, user);
 }
 
 STDMETHODIMP RestoreDlgObject::put_DBPass(BSTR password) {
-  return ForwardText(&RestoreDlg::DBPass, password);
+  return Set(&Parameters::DBPass, password);
 }
 
 ITypeInfo& RestoreDlgObject::Type() {

@@ -6,8 +6,7 @@
 
 #include <ocidl.h>
 
-#include <functional>
-#include <memory>
+#include <string>
 
 #include "component/com/com_object.h"
 #include "component/com/event_source.h"
@@ -20,7 +19,7 @@ class RestoreDlgObject final : public ComObject<_RestoreDlg, IConnectionPointCon
  public:
   RestoreDlgObject();
 
-  // _RestoreDlg. No error of the dialog comes back as an HRESULT; a null pointer is refused.
+  // _RestoreDlg. No error of the dialog is returned as an HRESULT; a null pointer is E_POINTER.
   STDMETHODIMP DefineRestoreSet(short* result) override;
   STDMETHODIMP put_DB(BSTR* name) override;
   STDMETHODIMP put_RestorePath(BSTR* path) override;
@@ -56,17 +55,14 @@ class RestoreDlgObject final : public ComObject<_RestoreDlg, IConnectionPointCon
   void* Find(REFIID iid) override;
   ITypeInfo& Type();
 
-  // Hand a value to the plain object under the rules of the shared form.
-  using TextSetter = void (RestoreDlg::*)(const std::string&);
-  template <class Value>
-  HRESULT Forward(void (RestoreDlg::*setter)(Value), std::decay_t<Value> value);
-  HRESULT ForwardText(TextSetter setter, BSTR text);
-  // Leaves a value with the plain object, which the form does not see before the dialog runs.
-  HRESULT Keep(TextSetter setter, BSTR text);
+  // A parameter of the shared form.
+  HRESULT Set(std::string dialog::Parameters::*member, BSTR text);
+  // A caption of this object.
+  HRESULT Set(std::string RestoreDlg::*member, BSTR text);
 
   EventSource m_events;
-  std::shared_ptr<RestoreDlg> m_dialog;  // a setting that waits for another thread's dialog shares it
-  ComPtr<ITypeInfo> m_type;              // loaded when the first late-bound caller asks
+  RestoreDlg m_dialog;
+  ComPtr<ITypeInfo> m_type;  // loaded at the first late-bound call
 };
 
 }  // namespace kxrestore::component::com

@@ -9,12 +9,12 @@ dialog::frmRestore& SharedForm::Form() {
   return m_form->Form();
 }
 
-void SharedForm::Apply(std::function<void()> setting) {
+void SharedForm::ApplySetting(std::function<void()> change) {
   const std::lock_guard lock(m_mutex);
   if (m_running && m_owner != std::this_thread::get_id()) {
-    m_waiting.push_back(std::move(setting));
+    m_waiting.push_back(std::move(change));
   } else {
-    setting();
+    change();
   }
 }
 
@@ -37,10 +37,10 @@ void SharedForm::Finish() noexcept {
   {
     const std::lock_guard lock(m_mutex);
     waiting.swap(m_waiting);
-    for (const auto& setting : waiting) {
+    for (const auto& change : waiting) {
       try {
-        setting();
-      } catch (...) {  // a setting that fails is skipped, like everywhere on this surface
+        change();
+      } catch (...) {  // skipped, as every failing step of the component's interface
       }
     }
     m_running = false;

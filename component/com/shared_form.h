@@ -11,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "component/restore_dlg.h"
@@ -24,8 +25,8 @@ class SharedForm final : public FormProvider {
 
   dialog::frmRestore& Form() override;
 
-  // Carries out a setting, now or after the running dialog. It must not run a dialog.
-  void Apply(std::function<void()> setting);
+  // Carries out a change, now or after the running dialog. It must not run a dialog.
+  void ApplySetting(std::function<void()> change) override;
 
   // Runs a dialog and returns its result; 0 at once when one is running.
   std::int16_t Run(const std::function<std::int16_t()>& dialog);

@@ -5,7 +5,7 @@
 namespace kxrestore::component::com {
 namespace {
 
-// A union member is never destroyed by itself.
+// A member of a union is not destroyed automatically.
 union Lasting {
   std::unique_ptr<SharedForm> form;
   Lasting() : form() {}

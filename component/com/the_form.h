@@ -5,14 +5,14 @@
 
 namespace kxrestore::component::com {
 
-// Made when first asked for, the form itself when first needed. It stays until the DLL is unloaded; when the
-// process ends it is left to the system, because threads may have been stopped in the middle of using it.
+// Created at the first call; the form itself when it is first needed. Kept until the DLL is unloaded. At the
+// end of the process it is left to the system, because threads may have been stopped while using it.
 SharedForm& TheForm();
 
-// For the unloading of the DLL: nobody uses the form any more.
+// Destroys the form when the DLL is unloaded.
 void DropTheForm();
 
-// A form on the desktop, the registry, the regional settings and the drives of this machine.
+// Creates a form that uses this machine's desktop, registry, regional settings and drives.
 std::unique_ptr<FormProvider> MakeWindowsForm();
 
 }  // namespace kxrestore::component::com

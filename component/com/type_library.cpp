@@ -13,8 +13,8 @@ void Check(HRESULT result, const char* what) {
   if (FAILED(result)) throw Error(static_cast<int>(result), what, "KXRestore");
 }
 
-// Puts what a reference to a variant leads to in its place; the argument still owns nothing. False for a
-// reference that leads to another one, which is against the rules and may be a circle.
+// Replaces a reference to a variant by what it refers to; the argument still owns nothing. False for a
+// reference to another reference, which is invalid and might be circular.
 bool Unwrap(VARIANTARG& argument) {
   if (argument.vt != (VT_BYREF | VT_VARIANT) || !argument.pvarVal) return true;
   VARIANT& inner = *argument.pvarVal;

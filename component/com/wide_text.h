@@ -1,4 +1,4 @@
-// Between the UTF-16 of COM and the UTF-8 inside; see base/utf16.h for what happens to odd texts.
+// Conversion between the UTF-16 of COM and the UTF-8 used inside; base/utf16.h specifies invalid text.
 #pragma once
 
 #include <windows.h>
@@ -14,7 +14,7 @@ namespace kxrestore::component::com {
 using kxrestore::FromWide;
 using kxrestore::ToWide;
 
-// A BSTR may be null, which is the empty text, and may hold NULs.
+// A null BSTR is the empty text. A BSTR may contain NULs.
 inline std::string FromBstr(BSTR text) {
   return FromWide({text ? text : L"", SysStringLen(text)});
 }

@@ -1,4 +1,4 @@
-// Before everything else: it takes away the system's macros that rename members.
+// Must come first: it undefines the system's macros that rename members.
 #include "platform/win32/win32_platform.h"
 
 #include "component/com/module.h"

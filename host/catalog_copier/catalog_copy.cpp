@@ -25,7 +25,7 @@ struct ColumnToCopy {
 
 struct TableToCopy {
   const char* name;
-  const char* key;  // the rows are compared in its order; none: in the order of their texts
+  const char* key;  // order in which rows are compared; null: the order of their texts
   std::vector<ColumnToCopy> columns;
 };
 
@@ -84,7 +84,7 @@ std::int64_t CountRows(Database& database, const TableToCopy& table) {
       .Integer();
 }
 
-// A value as a literal of the dialect.
+// A value as a literal of the SQL dialect.
 void AppendLiteral(std::string& sql, Kind kind, const ValueView& value) {
   if (engine::IsNull(value)) {
     sql += "Null";
@@ -116,7 +116,7 @@ void AppendLiteral(std::string& sql, Kind kind, const ValueView& value) {
   sql += '\'';
 }
 
-// A value as both databases are to have it.
+// A value in the form in which both databases must have it.
 std::string Comparable(Kind kind, const ValueView& value) {
   if (engine::IsNull(value)) return "NULL";
   if (kind == Kind::kFlag) return engine::ToBoolean(value) ? "1" : "0";
@@ -196,7 +196,7 @@ void CompareTable(Database& from, Database& to, const TableToCopy& table, std::i
   progress("comparing", table.name, done, all);
 }
 
-// The saved query as the backup client has made it, where it has one.
+// The definition of the client's saved query, where it exists.
 void CopyFullCatalog(Database& from, Database& to) {
   constexpr const char* kName = "FullCatalog";
   std::string text;

@@ -30,8 +30,7 @@ constexpr std::string_view kStems[] = {
     "manual",   "handbook",  "policy",   "form",      "template", "diagram",   "sketch",    "layout",
     "logo",     "banner",    "screen",   "photo",     "scan",     "fax",       "receipt",   "ticket"};
 
-// How often a type is met (of all the weights together), from how many bytes it goes, and how often that may
-// double.
+// Relative frequency of a type, its smallest size in bytes, and how often that size may double.
 struct FileType {
   std::string_view ending;
   std::uint32_t weight;
@@ -97,8 +96,8 @@ void FolderWalk::StartDrive(char letter) {
 }
 
 void FolderWalk::NextFolder() {
-  // Below the two uppermost levels the walk goes deeper, to the side or back up, so that folders of every
-  // depth and parents of a few to a few dozen folders come about.
+  // Below the top two levels the walk descends, moves sideways or ascends, which gives folders of every depth
+  // and parents of a few to a few dozen folders.
   if (m_levels.size() > 2) {
     const bool deeper =
         m_levels.size() < kDeepestLevel && m_folder.size() < kLongestFolder && m_random.Below(100) < 46;

@@ -1,5 +1,5 @@
-// An endless walk over the files of an invented computer, folder by folder and depth first, as a backup meets
-// them. The same seed gives the same walk; no two files of a walk have the same path.
+// An endless depth-first walk over the files of an invented computer, as a backup would meet them. The same
+// seed gives the same walk; no two files of a walk have the same path.
 #pragma once
 
 #include <cstdint>
@@ -13,12 +13,12 @@ namespace kxrestore::sample {
 class FolderWalk {
  public:
   struct Shape {
-    std::uint64_t filesOnFirstDrive = UINT64_MAX;  // after so many files the walk goes on from C:\ to D:\ .
+    std::uint64_t filesOnFirstDrive = UINT64_MAX;  // after this many files the walk moves from C:\ to D:\.
     bool flat = false;                             // all files in one folder
   };
   FolderWalk(std::uint64_t seed, Shape shape);
 
-  // The current file; there is one from the start.
+  // The current file; the walk starts on one.
   const std::string& Folder() const { return m_folder; }  // ends in a backslash
   const std::string& Name() const { return m_name; }
   std::int64_t Size() const { return m_size; }

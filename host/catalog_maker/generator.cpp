@@ -9,7 +9,7 @@
 #include "host/catalog_maker/folder_walk.h"
 #include "host/catalog_maker/random.h"
 #include "host/catalog_maker/sample_runs.h"
-#include "host/catalog_maker/telling_rows.h"
+#include "host/catalog_maker/special_rows.h"
 
 namespace kxrestore::sample {
 
@@ -46,11 +46,11 @@ class Generator {
   void WholeCatalog() {
     for (const SampleSet& set : kSampleSets) m_sink.AddSet({set.id, std::string(set.name)});
 
-    std::vector<TellingRow> telling = TellingRows();
-    // A quarter of the smallest catalogs stays for plain rows.
+    std::vector<SpecialRow> special = SpecialRows();
+    // A quarter of the smallest catalogs is reserved for plain rows.
     const std::uint64_t room = std::max<std::uint64_t>(1, m_options.rows - m_options.rows / 4);
-    if (telling.size() > room) telling.resize(room);
-    const std::uint64_t plain = m_options.rows - telling.size();
+    if (special.size() > room) special.resize(room);
+    const std::uint64_t plain = m_options.rows - special.size();
     std::uint64_t newest = plain;
     for (const SampleRun& run : kSampleRuns) newest -= plain * run.perMille / 1000;
 
@@ -62,8 +62,8 @@ class Generator {
     m_nextId = 1001;
     for (const SampleRun* run : runs) {
       AddRun(*run);
-      for (TellingRow& row : telling) {
-        if (row.run == run->run) AddTelling(row);
+      for (SpecialRow& row : special) {
+        if (row.run == run->run) AddSpecial(row);
       }
       const bool isNewest = run->run == Run::kDailyNewest;
       PlainRows(*run, isNewest ? newest : plain * run->perMille / 1000, newest, false);
@@ -76,13 +76,13 @@ class Generator {
         {run.setId, std::string(run.dateStamp), std::string(run.extension), run.permanent, run.status});
   }
 
-  void AddTelling(TellingRow& telling) {
-    if (telling.longPath) {
-      telling.longPath->id = m_nextLongPathId++;
-      m_sink.AddLongPath(*telling.longPath);
-      telling.row.longPathId = telling.longPath->id;
+  void AddSpecial(SpecialRow& special) {
+    if (special.longPath) {
+      special.longPath->id = m_nextLongPathId++;
+      m_sink.AddLongPath(*special.longPath);
+      special.row.longPathId = special.longPath->id;
     }
-    AddFile(telling.row);
+    AddFile(special.row);
   }
 
   void AddFile(FileRow& row) {
@@ -137,7 +137,7 @@ class Generator {
     if (random.OneIn(kOneInLongPath)) LengthenPath(folder, walk.Name(), row);
   }
 
-  // The row's file lies too deep for the file name column, which then holds a short form of its path.
+  // The path is too long for the file name column, which then holds a short form of it.
   void LengthenPath(const std::string& folder, const std::string& name, FileRow& row) {
     LongPathRow longPath;
     longPath.id = m_nextLongPathId++;
@@ -158,7 +158,7 @@ class Generator {
 
   const SampleOptions& m_options;
   CatalogSink& m_sink;
-  FileRow m_plainRow;  // kept for the room that its texts have
+  FileRow m_plainRow;  // reused, to keep the capacity of its texts
   std::int64_t m_nextId = 1;
   std::int64_t m_nextLongPathId = 1;
 };

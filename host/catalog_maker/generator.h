@@ -1,5 +1,5 @@
-// Makes the rows of a sample catalog: what a backup client's catalog looks like after a few weeks, from ten
-// rows to millions. The same options give the same rows everywhere.
+// Generates the rows of a sample catalog: that of a backup client after a few weeks, from ten rows to
+// millions. The same options give the same rows everywhere.
 #pragma once
 
 #include <cstdint>

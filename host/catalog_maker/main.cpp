@@ -1,5 +1,6 @@
 // make_catalog PATH | --connect STRING [--rows N] [--seed S] [--flat] [--one-run] [--archive FILE] [--disc
-// FOLDER]: makes a sample catalog file or fills a catalog on a server, and makes what backups on CD want.
+// FOLDER]: makes a sample catalog file or fills a catalog on a server; also makes a sample archive database
+// and disc.
 #include <charconv>
 #include <cstdint>
 #include <iostream>
@@ -28,7 +29,7 @@ constexpr std::string_view kUsage =
     "  --archive FILE  an archive database of backups on CD, too\n"
     "  --disc FOLDER   a disc for it, whose backups it mostly lacks\n";
 
-constexpr std::uint64_t kMostRows = 100'000'000;
+constexpr std::uint64_t kMaxRows = 100'000'000;
 
 struct Arguments {
   std::string path, connect, archive, disc;
@@ -63,8 +64,7 @@ std::optional<Arguments> Read(int count, char** words) {
     }
   }
   const std::uint64_t rows = arguments.options.rows;
-  if (arguments.path.empty() == arguments.connect.empty() || rows < 1 || rows > kMostRows)
-    return std::nullopt;
+  if (arguments.path.empty() == arguments.connect.empty() || rows < 1 || rows > kMaxRows) return std::nullopt;
   return arguments;
 }
 

@@ -1,5 +1,5 @@
-// The rows of a catalog as the sample generator hands them out, one at a time, to whoever stores them.
-// Texts are UTF-8, dates 'YYYY-MM-DD HH:MM:SS', an absent value is a NULL.
+// The rows of a catalog as the sample generator produces them, one at a time. Texts are UTF-8, dates
+// 'YYYY-MM-DD HH:MM:SS'; a missing value is a NULL.
 #pragma once
 
 #include <cstdint>

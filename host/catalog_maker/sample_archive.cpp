@@ -30,7 +30,7 @@ std::string Numbered(const char* format, int number) {
   return text;
 }
 
-// The headers number `first` to `last` - 1 of all that were ever written, a disc a year.
+// Writes headers `first` to `last` - 1 of the whole sequence, one disc a year.
 void WriteHeaders(const std::filesystem::path& path, int first, int last) {
   const std::u8string characters = path.u8string();
   const std::string name(characters.begin(), characters.end());
@@ -64,7 +64,7 @@ void MakeArchive(const std::string& path) {
   WriteHeaders(PathOf(path), 0, kArchivedHeaders);
 }
 
-// The disc knows of the last ones before it, too.
+// The disc also lists the last headers of earlier discs.
 void MakeDisc(const std::string& folder) {
   const int first = kArchivedHeaders - (kDiscHeaders - kNewHeaders);
   WriteHeaders(PathOf(folder) / "backup!mdb", first, first + kDiscHeaders);

@@ -1,4 +1,4 @@
-// Sample backups on CD: the archive database that lists what was burnt so far, and a disc to add to it.
+// Sample backups on CD: an archive database that lists earlier discs, and a disc to append to it.
 #pragma once
 
 #include <string>
@@ -8,11 +8,12 @@ namespace kxrestore::sample {
 inline constexpr const char* kDiscVolume = "VOL003";
 inline constexpr int kArchivedHeaders = 24;  // of the discs VOL001 and VOL002, in 2024 and 2025
 inline constexpr int kDiscHeaders = 12;
-inline constexpr int kNewHeaders = 9;  // of the disc's: the rest the archive holds already
+inline constexpr int kNewHeaders = 9;  // those of the disc that the archive lacks
 
-// Makes the archive database `path` (UTF-8) anew, with the folders above it. Failures are kxrestore::Error.
+// Creates the archive database `path` (UTF-8), replacing any, and the folders above it. Failures are
+// kxrestore::Error.
 void MakeArchive(const std::string& path);
-// Makes the folder a disc with its database "backup!mdb".
+// Turns the folder into a disc with the database "backup!mdb".
 void MakeDisc(const std::string& folder);
 
 }  // namespace kxrestore::sample

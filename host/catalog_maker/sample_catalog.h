@@ -7,7 +7,7 @@
 
 namespace kxrestore::sample {
 
-// Makes the catalog file `path` (UTF-8) anew. Failures are kxrestore::Error.
+// Creates the catalog file `path` (UTF-8), replacing any. Failures are kxrestore::Error.
 void MakeCatalog(const std::string& path, const SampleOptions& options = {});
 
 }  // namespace kxrestore::sample

@@ -1,4 +1,4 @@
-// Fills a catalog on a server, whose tables host/sql/ makes, over any ODBC driver.
+// Fills the tables of a catalog on a server, created by a script of host/sql/, over any ODBC driver.
 #pragma once
 
 #include <functional>
@@ -8,8 +8,8 @@
 
 namespace kxrestore::sample {
 
-// Adds the rows that `fill` hands out, in one transaction. `connect`: a connect string, with or without
-// "ODBC;" before it. Failures are kxrestore::Error; then nothing has been written.
+// Adds the rows that `fill` produces, in one transaction. `connect` is a connect string with or without the
+// prefix "ODBC;". Failures are kxrestore::Error; then nothing is written.
 void FillServerCatalog(const std::string& connect, const std::function<void(CatalogSink&)>& fill);
 
 }  // namespace kxrestore::sample

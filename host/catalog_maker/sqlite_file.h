@@ -1,4 +1,4 @@
-// A database file in the making. Failures are kxrestore::Error.
+// Writes a new SQLite file. Failures are kxrestore::Error.
 #pragma once
 
 #include <sqlite3.h>
@@ -17,8 +17,8 @@ struct CloseDatabase {
 };
 using Database = std::unique_ptr<sqlite3, CloseDatabase>;
 
-// Replaces the file `path` (UTF-8) by one with the tables, within a transaction that the caller commits. A
-// half-made file is thrown away anyway, so nothing is safe before that.
+// Replaces the file `path` (UTF-8) by one with the tables, inside a transaction that the caller commits. A
+// half-made file is useless, so nothing is synced before the commit.
 Database MakeFile(const std::string& path, const char* tables);
 
 void Execute(sqlite3* database, const char* sql);

@@ -1,5 +1,4 @@
-// Stores a catalog in a catalog file of the embedded database, with its tables, its index and the saved query
-// that a catalog must have.
+// Writes a catalog file with its tables, its index and the saved query that a catalog needs.
 #pragma once
 
 #include <functional>
@@ -9,8 +8,8 @@
 
 namespace kxrestore::sample {
 
-// Makes the file `path` (UTF-8) anew with the rows that `fill` hands out; what was there before is replaced.
-// Failures are kxrestore::Error and leave no catalog.
+// Creates the file `path` (UTF-8), replacing any, with the rows that `fill` produces. Failures are
+// kxrestore::Error and leave no catalog.
 void WriteCatalogFile(const std::string& path, const std::function<void(CatalogSink&)>& fill);
 
 }  // namespace kxrestore::sample

@@ -15,12 +15,12 @@ struct DateText {
   operator std::string_view() const { return text; }
 };
 
-// One value. Its text must live until the row is stored.
+// One value. Its text must stay valid until the row is stored.
 using Cell = std::variant<std::monostate, bool, std::int64_t, std::string_view, DateText>;
 
 enum class Table { kSetNames, kBackupAudit, kLongPaths, kCatalog };
 
-// By table. The columns are meant in their order: some of their names are words of one server or another.
+// The columns of each table, by position: some of their names are reserved words of one server or another.
 inline constexpr const char* kInsertStatements[] = {
     "INSERT INTO SetNames VALUES (?,?)",
     "INSERT INTO BackupAudit (SetNameID, DateStamp, Extension, Permanent, Status) VALUES (?,?,?,?,?)",

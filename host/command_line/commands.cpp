@@ -57,7 +57,7 @@ int RunCommand(Options& options, Host& host) {
   }
 }
 
-// What the environment says where the command line says nothing.
+// Defaults from the environment, for options that are not given.
 std::vector<std::string> WithCatalog(std::vector<std::string> words, const Host& host) {
   const auto catalog = host.environment ? host.environment("KXRESTORE_CATALOG") : std::nullopt;
   if (!catalog || catalog->empty()) return words;

@@ -5,7 +5,7 @@
 
 namespace kxrestore::cli {
 
-// Returns one of ExitCode and raises the engine's errors.
+// Returns an ExitCode and raises the engine's errors.
 int Copy(Session& session, const Options& options);
 
 }  // namespace kxrestore::cli

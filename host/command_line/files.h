@@ -1,4 +1,4 @@
-// Files by their UTF-8 names.
+// Opens files by UTF-8 names.
 #pragma once
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-// What a run of the command line is given by the program around it, so that tests can be that program.
+// The environment of a run of the command line. Tests substitute their own.
 #pragma once
 
 #include <functional>
@@ -12,7 +12,7 @@ struct Host {
   std::istream& in;
   std::ostream& out;
   std::ostream& err;
-  bool terminal = false;  // somebody watches `err`: progress is shown and a password may be asked for
+  bool terminal = false;  // `err` is a terminal: show progress, and ask for a password if needed
 
   std::function<std::optional<std::string>(const std::string& name)> environment;
   std::function<std::string(const std::string& prompt)> askPassword;

@@ -30,7 +30,7 @@ const std::vector<Column> kFileColumns = {
     {"id", "ID", -9},        {"size", "SIZE", -12}, {"date", "DATE", 19},  {"setId", "SET", -4},
     {"set", "SET NAME", 24}, {"run", "RUN", 5},     {"marked", "MARK", 4}, {"name", "NAME"}};
 
-// A name as a mask that holds nothing but it.
+// A name as a mask that matches only itself.
 std::string MaskOf(std::string_view name) {
   std::string mask;
   for (const char character : name) {

@@ -1,4 +1,4 @@
-// The commands that look. Each returns one of ExitCode and raises the engine's errors.
+// The commands that read the catalog. Each returns an ExitCode and raises the engine's errors.
 #pragma once
 
 #include <cstdint>
@@ -29,7 +29,7 @@ class FileWriter {
   RowWriter m_writer;
 };
 
-// How many files and bytes; sizes that nobody knows count nothing.
+// Number of files and bytes; unknown sizes count as zero.
 struct Sum {
   std::int64_t files = 0, bytes = 0;
 
@@ -44,10 +44,10 @@ struct Sum {
   }
 };
 
-// Calls `visit` for each marked row, with the size, until Ctrl+C is pressed; no visit wanted, only the sum.
+// Calls `visit` for each marked row and its size until Ctrl+C is pressed. An empty `visit` only adds them up.
 Sum WalkMarked(Session& session, const std::function<void(engine::Recordset& rows)>& visit);
 
-// What a walk ends with: stopped, or something of what was named missing, which is said; or neither.
+// The exit code of a walk: stopped; or a given name was not found, which is printed; or success.
 int EndOf(Session& session, const Selection* selection, bool found);
 
 }  // namespace kxrestore::cli

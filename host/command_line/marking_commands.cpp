@@ -13,8 +13,8 @@ namespace kxrestore::cli {
 
 namespace {
 
-// The marks of one command: what became of them, and what went wrong, which is said once. A mark counts when
-// its group is committed; a commit that fails is the failure of every mark in the group.
+// The marks of one command, their outcome, and their errors, each reported once. A mark counts once its group
+// is committed; a failed commit fails every mark in the group.
 class Marker {
  public:
   explicit Marker(Session& session)
@@ -29,9 +29,9 @@ class Marker {
   Marker& operator=(const Marker&) = delete;
 
   catalog::RestoreMarks& Marks() { return m_marks; }
-  // The run that the marks go to.
+  // The run that the next marks apply to.
   void Use(std::int32_t setId, std::string extension) { m_run = {setId, std::move(extension)}; }
-  // The catalog cannot be reached; every further mark would fail.
+  // The catalog cannot be reached, so every further mark would fail too.
   bool IsHopeless() const { return m_hopeless; }
 
   void Count(catalog::MarkResult result, const std::optional<std::int64_t>& size) {
@@ -100,7 +100,7 @@ void SayResult(Session& session, const Options& options, const Sum& sum, std::in
 
 int Mark(Session& session, const Options& options) {
   const bool value = options.command == Command::kMark;
-  // Types are marked row by row, everything else by name, as the dialog's two panels do.
+  // Types are marked row by row, everything else by name, as on the dialog's two panels.
   const bool byId = value && !options.criteria.types.empty();
   Selection selection(session, options.criteria);
   Marker marker(session);

@@ -1,4 +1,4 @@
-// The commands that write. Each returns one of ExitCode and raises the engine's errors.
+// The commands that write marks. Each returns an ExitCode and raises the engine's errors.
 #pragma once
 
 #include "host/command_line/session.h"

@@ -81,7 +81,7 @@ bool Writes(Command command) {
   return command == Command::kMark || command == Command::kUnmark || command == Command::kClear;
 }
 
-// A date alone means its end.
+// A date without a time means the end of that day.
 engine::DateTime DateOf(const std::string& text) {
   const auto date = engine::ToDateTime(std::string_view(text));
   if (!date) throw UsageError("no date: " + text + " (wanted: YYYY-MM-DD or \"YYYY-MM-DD HH:MM:SS\")");

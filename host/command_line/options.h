@@ -1,4 +1,4 @@
-// The words of the command line.
+// Parses the command line.
 #pragma once
 
 #include <optional>
@@ -15,29 +15,29 @@ enum class Command { kSets, kRuns, kTypes, kFind, kVersions, kList, kCount, kMar
 
 struct ExitCode {
   static constexpr int kDone = 0;
-  static constexpr int kFailed = 1;    // the catalog had an error; what could be done is done
-  static constexpr int kUsage = 2;     // the command line makes no sense; nothing is done
-  static constexpr int kStopped = 3;   // by Ctrl+C; what is marked by then stays
-  static constexpr int kNotFound = 4;  // nothing is there, or not all of what was named
+  static constexpr int kFailed = 1;    // an error in the catalog; whatever could be done is done
+  static constexpr int kUsage = 2;     // invalid command line; nothing is done
+  static constexpr int kStopped = 3;   // by Ctrl+C; marks made so far stay
+  static constexpr int kNotFound = 4;  // nothing found, or not everything that was named
 };
 
-// The command line makes no sense; the text says why.
+// The command line is invalid; the text says why.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// Which rows of the catalog are meant. Whatever is given must all be met.
+// Selects rows of the catalog. A row must meet all criteria that are given.
 struct Criteria {
   std::string mask;                      // part of the original name, as in the dialog's search
   std::string set;                       // number or name
   std::string run;                       // extension of the one run
-  std::string upTo;                      // extension of a run: that one and the older ones
-  std::vector<std::string> types;        // one of these, as in the dialog's list of file types
+  std::string upTo;                      // extension of a run: this one and older ones
+  std::vector<std::string> types;        // any of these, as in the dialog's list of file types
   std::string under;                     // a folder, or one file
-  std::string names;                     // a file of original names, "-" for the standard input
-  bool newest = false;                   // of each name only the newest version
-  std::optional<engine::DateTime> asOf;  // ... among the runs that there were by then
+  std::string names;                     // file with original names; "-": standard input
+  bool newest = false;                   // only the newest version of each name
+  std::optional<engine::DateTime> asOf;  // the newest version at that time
 
   bool Empty() const;
 };

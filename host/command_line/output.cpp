@@ -23,7 +23,8 @@ void AppendEscape(std::string& json, unsigned unit) {
   for (int shift = 12; shift >= 0; shift -= 4) json += kDigits[(unit >> shift) & 15];
 }
 
-// Length of the UTF-8 character that begins the text, halves of a surrogate pair included; 0 when none does.
+// Length of the UTF-8 character at the start of the text, unpaired surrogates included; 0 for an invalid
+// byte.
 std::size_t CharacterLength(std::string_view text, char32_t& character) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   const unsigned lead = byte(0);
@@ -38,11 +39,11 @@ std::size_t CharacterLength(std::string_view text, char32_t& character) {
     if (byte(i) >> 6 != 2) return 0;
     character = (character << 6) | (byte(i) & 0x3F);
   }
-  constexpr char32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
-  return character < kLeast[length] || character > 0x10FFFF ? 0 : length;
+  constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+  return character < kSmallest[length] || character > 0x10FFFF ? 0 : length;
 }
 
-// What stands in a table's cell. A line end in a file's name must not begin a row.
+// The text of a table cell. A line break in a file name must not start a row.
 void AppendPlain(std::string& line, const Cell& cell) {
   if (const auto* text = std::get_if<std::string_view>(&cell)) {
     for (const char character : *text) {

@@ -1,4 +1,4 @@
-// Rows for people, as a table, or for programs, one JSON object a line.
+// Prints rows as a table for people, or as one JSON object a line for programs.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ namespace kxrestore::cli {
 struct Column {
   const char* key;    // in JSON
   const char* title;  // above the table
-  int width = 0;      // characters; negative for numbers, which stand on the right; the last column has none
+  int width = 0;      // characters; negative: right-aligned; the last column has none
 };
 
 // Null, Boolean, number, text. A text is UTF-8.
@@ -26,7 +26,7 @@ class RowWriter {
   RowWriter(const RowWriter&) = delete;
   RowWriter& operator=(const RowWriter&) = delete;
 
-  // As many cells as there are columns. The heading comes before the first row.
+  // Prints a row: one cell for each column. The heading is printed before the first one.
   void Row(const std::vector<Cell>& cells);
 
  private:
@@ -42,8 +42,8 @@ class RowWriter {
   std::string m_line;
 };
 
-// A text as JSON wants it, with its quotes. What is no character becomes U+FFFD; half a surrogate pair, which
-// a file name may hold, stays what it is.
+// A text as a JSON string with its quotes. Invalid bytes become U+FFFD; an unpaired surrogate, which a file
+// name may contain, is preserved.
 void AppendJsonText(std::string& json, std::string_view text);
 
 // 1,234,567

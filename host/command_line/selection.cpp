@@ -34,7 +34,7 @@ std::string RunKey(std::int32_t setId, std::string_view extension) {
   return std::to_string(setId).append(" ").append(extension);
 }
 
-// The mask of a type, as ticking it on the auto-select panel makes it.
+// The mask that the auto-select panel uses for a type.
 std::string TypeMask(std::string_view type) {
   if (type.starts_with('.')) type.remove_prefix(1);
   return "*" + catalog::TypePattern(FoldCase(type));
@@ -175,7 +175,7 @@ bool Selection::IsMeant(const Row& row) {
   return true;
 }
 
-// A version is there from its run on; one whose run is not listed, from its own date on.
+// A version exists from its run on; if its run is not listed, from its own date on.
 bool Selection::WasThere(const Row& row) const {
   const auto run = m_runDates.find(RunKey(row.SetId(), row.Extension()));
   if (run != m_runDates.end()) return run->second <= *m_criteria.asOf;
@@ -183,8 +183,8 @@ bool Selection::WasThere(const Row& row) const {
   return date && *date <= *m_criteria.asOf;
 }
 
-// The newest version is the one with the highest number, as in the catalog's own queries; names that differ
-// in case only are one.
+// The newest version has the highest number, as in the catalog's own queries; names that differ only in case
+// are one file.
 void Selection::FindStateOnDate() {
   std::unordered_map<std::string, std::int32_t> newest;
   m_findingDate = true;
@@ -211,7 +211,7 @@ void Selection::Walk(const std::function<bool(const Row&)>& visit) {
 void Selection::WalkMask(const std::string& mask, const std::function<bool(const Row&)>& visit, bool& goOn) {
   if (!goOn || m_session.Stopped()) return;
   const auto database = m_session.OpenCatalog();
-  // Of all sets the listing wants a mask; this one is every name's.
+  // A listing of all sets requires a mask; this one matches every name.
   const std::string_view ofAll =
       m_setId == 0 && mask.empty() ? std::string_view("*") : std::string_view(mask);
   const bool latest = m_criteria.newest && !m_criteria.asOf;

@@ -1,6 +1,6 @@
-// The rows that criteria stand for. They are those of the dialog: a set, a run and the older ones, a mask,
-// types and "newest" are one BuildRestoreQuery each, as its search and auto-select panels ask it. Folders,
-// lists of names and the state on a date sift what that lists.
+// Selects rows by criteria, with the dialog's queries: a set, a run with or without the older ones, a mask,
+// each type and "newest" are one BuildRestoreQuery each, as on its search and auto-select panels. Folders,
+// lists of names and the state on a date filter the rows of that query.
 #pragma once
 
 #include <cstdint>
@@ -26,7 +26,7 @@ struct BackupRun {
 };
 std::vector<BackupRun> ReadRuns(Session& session);
 
-// The runs of the set that is meant, by its number or name. Raises UsageError when there is none.
+// The runs of the set given by number or name. Raises UsageError when there is none.
 std::vector<BackupRun> RunsOfSet(const std::vector<BackupRun>& runs, const std::string& set);
 
 // One row of a listing.
@@ -43,11 +43,11 @@ class Row {
   std::optional<engine::DateTime> Date() const { return engine::ToDateTime(m_date.Value()); }
   bool Marked() const { return m_marked.Boolean(); }
 
-  // As the dialog's lists show it, and what marking compares.
+  // The name that the dialog's lists show.
   std::string ShownName() const;
   std::string StoredName(std::string_view shownName) const;
 
-  // The columns that this reads.
+  // The columns that this class reads.
   static engine::ColumnNames Columns();
 
  private:
@@ -57,13 +57,13 @@ class Row {
 
 class Selection {
  public:
-  // Reads what the criteria name: the set's runs, the list of names. Raises UsageError.
+  // Resolves the criteria: reads the set's runs and the list of names. Raises UsageError.
   Selection(Session& session, const Criteria& criteria);
 
-  // Calls `visit` for each row, until it answers false or Ctrl+C is pressed. Errors are the engine's.
+  // Calls `visit` for each row until it returns false or Ctrl+C is pressed. Raises the engine's errors.
   void Walk(const std::function<bool(const Row&)>& visit);
 
-  // Of the list of names those that no row had, in its order. After Walk.
+  // The names of the list that no row had, in its order. Call it after Walk.
   std::vector<std::string> MissingNames() const;
 
  private:
@@ -77,10 +77,10 @@ class Selection {
   Session& m_session;
   const Criteria m_criteria;
   std::int32_t m_setId = 0;
-  std::string m_runs;  // the restriction of the listing to runs
+  std::string m_runs;  // the extension filter of the query
   std::string m_under;
   std::vector<std::string> m_names;                              // as they were given
-  std::unordered_map<std::string, bool> m_wanted;                // folded, and whether it was found
+  std::unordered_map<std::string, bool> m_wanted;                // case-folded name; whether it was found
   std::unordered_map<std::string, engine::DateTime> m_runDates;  // by "SET EXTENSION"
   std::unordered_set<std::int32_t> m_onDate;                     // the newest versions on the date
   bool m_findingDate = false;

@@ -60,7 +60,7 @@ Session::~Session() {
   if (!m_inAction) return;
   try {
     workspace->EndAction();
-  } catch (...) {  // an error is under way already
+  } catch (...) {  // during stack unwinding: the first error is reported
   }
 }
 

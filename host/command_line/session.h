@@ -1,4 +1,4 @@
-// One run of the command line on one catalog: opening it, stopping, telling how far a walk is.
+// One run of the command line on one catalog: opens it, reports progress, stops on Ctrl+C.
 #pragma once
 
 #include <chrono>
@@ -15,11 +15,11 @@
 
 namespace kxrestore::cli {
 
-// Everything that happens in a session is one user action for the engine: marks are gathered and committed at
-// the latest every 100 ms, and by Finish.
+// A session is one user action for the engine: marks are committed in groups, at least every 100 ms, and by
+// Finish.
 class Session {
  public:
-  // Asks for the password when one is needed. Raises UsageError when it cannot be had.
+  // Asks for the password if one is needed. Raises UsageError when there is no way to ask.
   Session(Host& sessionHost, const Options& options);
   ~Session();
   Session(const Session&) = delete;
@@ -31,19 +31,19 @@ class Session {
 
   std::unique_ptr<engine::Database> OpenCatalog() { return catalog::OpenCatalog(*workspace, connection); }
 
-  // Before each row of a walk: lets waiting marks be committed and shows how far it is. False when Ctrl+C was
+  // Call before each row of a walk: commits marks that are due and shows progress. False when Ctrl+C was
   // pressed.
   bool Next();
-  // Takes an error of a commit on the way; without it the walk ends with the error.
+  // Handles the error of an intermediate commit; without a handler the error ends the walk.
   std::function<void(const Error& error)> onCommitError;
   bool Stopped() const { return m_stopped; }
 
-  // Commits what waits; raises what the commit has to say.
+  // Commits what is pending; raises the error of that commit.
   void Finish();
 
-  // How far a step of its own kind is; shown like the progress of a walk.
+  // Shows the progress of a step that is not a walk over rows.
   void ShowStep(const std::string& text);
-  // A line for the user, on the error stream.
+  // Prints a line for the user on the error stream.
   void Say(std::string_view line);
 
  private:

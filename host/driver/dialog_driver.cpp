@@ -15,7 +15,8 @@ constexpr wchar_t kFormClass[] = L"KXRestore.frmRestore";
 constexpr wchar_t kMessageClass[] = L"#32770";
 constexpr int kMessageTextId = 0xFFFF;
 
-// Labels that count follow a long walk about ten times a second; text that stays this long is the final one.
+// Labels that count during a walk change about ten times a second; text that stays unchanged this long is
+// final.
 constexpr auto kSettled = std::chrono::milliseconds(300);
 
 bool EndsWith(const std::string& text, const std::string& end) {
@@ -30,7 +31,7 @@ std::optional<int> Number(const std::string& text) {
 std::vector<std::string> Split(const std::string& path) {
   std::vector<std::string> parts;
   std::size_t start = 0;
-  // A drive is one text with its backslash: "C:\".
+  // A drive is one text including its backslash: "C:\".
   if (path.size() >= 3 && path[1] == ':' && path[2] == '\\') {
     parts.push_back(path.substr(0, 3));
     start = 3;
@@ -70,18 +71,18 @@ int ButtonId(const std::string& button) {
 
 HWND DialogDriver::WaitForForm() const {
   HWND form = nullptr;
-  WaitFor(m_patience, "the dialog", [&] { return (form = VisibleWindow(kFormClass, m_process)) != nullptr; });
+  WaitFor(m_timeout, "the dialog", [&] { return (form = VisibleWindow(kFormClass, m_process)) != nullptr; });
   return form;
 }
 
 void DialogDriver::WaitUntilClosed() const {
-  WaitFor(m_patience, "the dialog to close", [&] { return VisibleWindow(kFormClass, m_process) == nullptr; });
+  WaitFor(m_timeout, "the dialog to close", [&] { return VisibleWindow(kFormClass, m_process) == nullptr; });
 }
 
 HWND DialogDriver::Control(const std::string& name) const {
   const HWND form = WaitForForm();
   HWND control = nullptr;
-  WaitFor(m_patience, "the control " + name, [&] {
+  WaitFor(m_timeout, "the control " + name, [&] {
     for (HWND window : Inner(form)) {
       if (NameOf(window) == name) control = window;
     }
@@ -92,16 +93,16 @@ HWND DialogDriver::Control(const std::string& name) const {
 
 HWND DialogDriver::Usable(const std::string& name) const {
   const HWND control = Control(name);
-  WaitFor(m_patience, name + " to be usable",
+  WaitFor(m_timeout, name + " to be usable",
           [&] { return IsWindowVisible(control) && IsWindowEnabled(control); });
   return control;
 }
 
 void DialogDriver::SelectRun(const std::string& which) const {
-  const TreeDriver sets(Usable("tvwSets"), m_patience);
+  const TreeDriver sets(Usable("tvwSets"), m_timeout);
   const auto number = Number(which);
   HTREEITEM run = nullptr;
-  WaitFor(m_patience, "the run " + which, [&] {
+  WaitFor(m_timeout, "the run " + which, [&] {
     int position = 0;
     for (HTREEITEM item : sets.Level(2)) {
       if (++position == number || sets.Text(item) == which) run = item;
@@ -110,38 +111,37 @@ void DialogDriver::SelectRun(const std::string& which) const {
   });
   const std::string text = sets.Text(run);
   sets.Click(run);
-  WaitFor(m_patience, "the run " + text + " to be chosen",
-          [&] { return EndsWith(Text("lblSetName"), text); });
+  WaitFor(m_timeout, "the run " + text + " to be chosen", [&] { return EndsWith(Text("lblSetName"), text); });
   ExpectSettled("lblTreeCount", " file(s).");
 }
 
 void DialogDriver::SelectSet(const std::string& name) const {
-  const TreeDriver sets(Usable("tvwSets"), m_patience);
+  const TreeDriver sets(Usable("tvwSets"), m_timeout);
   const std::vector<HTREEITEM> top = sets.Level(0);
   if (top.empty()) throw DriverError("the set tree is empty");
   sets.Click(sets.Find({sets.Text(top.front()), name}));
 }
 
 void DialogDriver::SelectNode(const std::string& path) const {
-  const TreeDriver sets(Usable("tvwSets"), m_patience);
+  const TreeDriver sets(Usable("tvwSets"), m_timeout);
   sets.Click(sets.Find(Split(path)));
 }
 
 void DialogDriver::Tick(const std::string& path) const {
-  const TreeDriver details(Usable("tvwDetails"), m_patience);
+  const TreeDriver details(Usable("tvwDetails"), m_timeout);
   details.Toggle(details.Find(Split(path)));
 }
 
 bool DialogDriver::NodeTicked(const std::string& path) const {
-  const TreeDriver details(Usable("tvwDetails"), m_patience);
+  const TreeDriver details(Usable("tvwDetails"), m_timeout);
   return details.Ticked(details.Find(Split(path)));
 }
 
 void DialogDriver::TickEntry(const std::string& list, const std::string& which) const {
-  const ListDriver entries(Usable(list), m_patience);
+  const ListDriver entries(Usable(list), m_timeout);
   const auto number = Number(which);
   if (number) {
-    WaitFor(m_patience, "entry " + which + " of " + list, [&] { return entries.Count() >= *number; });
+    WaitFor(m_timeout, "entry " + which + " of " + list, [&] { return entries.Count() >= *number; });
   }
   entries.Toggle(number ? *number - 1 : entries.Find(which));
 }
@@ -173,7 +173,7 @@ void DialogDriver::Choose(const std::string& box, const std::string& item) const
     const LRESULT before = Ask(list, CB_GETCURSEL);
     if (before != place) {
       PostMessageW(list, WM_KEYDOWN, place == 0 ? VK_HOME : VK_DOWN, 1);
-      WaitFor(m_patience, "the next item of " + box, [&] { return Ask(list, CB_GETCURSEL) == place; });
+      WaitFor(m_timeout, "the next item of " + box, [&] { return Ask(list, CB_GETCURSEL) == place; });
     }
     if (TextOf(list) == item) return;
   }
@@ -197,7 +197,7 @@ void DialogDriver::Close() const {
 
 HWND DialogDriver::Message() const {
   HWND box = nullptr;
-  WaitFor(m_patience, "a message box",
+  WaitFor(m_timeout, "a message box",
           [&] { return (box = VisibleWindow(kMessageClass, m_process)) != nullptr; });
   return box;
 }
@@ -205,11 +205,11 @@ HWND DialogDriver::Message() const {
 void DialogDriver::Answer(const std::string& button) const {
   const HWND box = Message();
   HWND pressed = GetDlgItem(box, ButtonId(button));
-  // A box with nothing but OK gives its button the number of Cancel.
+  // A message box with only an OK button gives that button the id IDCANCEL.
   if (!pressed && button == "OK") pressed = GetDlgItem(box, IDCANCEL);
   if (!pressed) throw DriverError("the message box has no button " + button);
   PostMessageW(pressed, BM_CLICK, 0, 0);
-  WaitFor(m_patience, "the message box to close", [&] { return !IsWindow(box) || !IsWindowVisible(box); });
+  WaitFor(m_timeout, "the message box to close", [&] { return !IsWindow(box) || !IsWindowVisible(box); });
 }
 
 std::string DialogDriver::MessageTitle() const {
@@ -235,21 +235,21 @@ bool DialogDriver::Visible(const std::string& control) const {
 void DialogDriver::ExpectText(const std::string& control, const std::string& text) const {
   std::string found;
   try {
-    WaitFor(m_patience, "", [&] { return (found = Text(control)) == text; });
+    WaitFor(m_timeout, "", [&] { return (found = Text(control)) == text; });
   } catch (const DriverError&) {
     throw DriverError("the text of " + control + " is " + Quoted(found) + " and not " + Quoted(text));
   }
 }
 
 void DialogDriver::ExpectEnabled(const std::string& control, bool enabled) const {
-  WaitFor(m_patience, control + (enabled ? " to be enabled" : " to be disabled"),
+  WaitFor(m_timeout, control + (enabled ? " to be enabled" : " to be disabled"),
           [&] { return Enabled(control) == enabled; });
 }
 
 void DialogDriver::ExpectSettled(const std::string& control, const std::string& ending) const {
   std::string shown;
   auto since = Clock::now();
-  WaitFor(m_patience, control + " to settle", [&] {
+  WaitFor(m_timeout, control + " to settle", [&] {
     const std::string now = Visible(control) ? Text(control) : std::string();
     if (now != shown || now.empty() || !EndsWith(now, ending)) since = Clock::now();
     shown = now;
@@ -258,12 +258,12 @@ void DialogDriver::ExpectSettled(const std::string& control, const std::string& 
 }
 
 void DialogDriver::ExpectVisible(const std::string& control, bool visible) const {
-  WaitFor(m_patience, control + (visible ? " to be seen" : " to be hidden"),
+  WaitFor(m_timeout, control + (visible ? " to be seen" : " to be hidden"),
           [&] { return Visible(control) == visible; });
 }
 
 void DialogDriver::ExpectCount(const std::string& list, int count) const {
-  WaitFor(m_patience, list + " to have " + std::to_string(count) + " entries",
+  WaitFor(m_timeout, list + " to have " + std::to_string(count) + " entries",
           [&] { return List(list).Count() == count; });
 }
 

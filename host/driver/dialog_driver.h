@@ -1,6 +1,6 @@
-// Works the restore dialog as a user does, from another thread than the one that shows it. Controls go by
-// their names ("cmdAction(0)"). Every member waits, with a limit, until what it needs is there, showing and
-// enabled, and throws a DriverError when that does not come about.
+// Operates the restore dialog as a user does, from a thread other than the dialog's. Controls are named as in
+// the form's code ("cmdAction(0)"). Every member waits until what it needs exists, is visible and enabled,
+// and throws a DriverError when the time is up.
 #pragma once
 
 #include <windows.h>
@@ -15,33 +15,34 @@ namespace kxrestore::driver {
 
 class DialogDriver {
  public:
-  // In another process the trees and lists are out of reach; everything else works.
-  explicit DialogDriver(Patience patience = std::chrono::seconds(20), DWORD process = GetCurrentProcessId())
-      : m_patience(patience), m_process(process) {}
+  // Trees and lists can only be operated within the same process; everything else works from outside.
+  explicit DialogDriver(Timeout timeout = std::chrono::seconds(20), DWORD process = GetCurrentProcessId())
+      : m_timeout(timeout), m_process(process) {}
 
   HWND WaitForForm() const;
   void WaitUntilClosed() const;
   HWND Control(const std::string& name) const;
 
-  // A run of the set tree by its text, or by its number counted through all sets from 1. Returns when the
-  // files of the run are shown.
+  // Selects a run of the set tree by its text, or by its number from 1 across all sets. Returns when its
+  // files are shown.
   void SelectRun(const std::string& which) const;
   void SelectSet(const std::string& name) const;
-  void SelectNode(const std::string& path) const;  // of the set tree, from its top, "\" between the texts
+  void SelectNode(const std::string& path) const;  // a node of the set tree; "\" separates the levels
 
-  // The check box of a node of the detail tree.
+  // Toggles the check box of a node of the detail tree.
   void Tick(const std::string& path) const;
   bool NodeTicked(const std::string& path) const;
-  // The tick box of a list entry, by its text or its number from 1.
+  // Toggles the tick box of a list entry, given by its text or its number from 1.
   void TickEntry(const std::string& list, const std::string& which) const;
 
   void Click(const std::string& button) const;                         // also check boxes and option buttons
   void Tab(int number) const;                                          // from 1
-  void Type(const std::string& field, const std::string& text) const;  // in place of what stands there
-  void Choose(const std::string& box, const std::string& item) const;  // of a drop-down list, by keys
+  void Type(const std::string& field, const std::string& text) const;  // replaces the text
+  void Choose(const std::string& box,
+              const std::string& item) const;  // selects in a drop-down list, by keyboard
   void Key(const std::string& name)
-      const;           // ESC, ENTER, SPACE, TAB, DELETE or F1 to F12, for whoever has the focus
-  void Close() const;  // by the close box
+      const;           // ESC, ENTER, SPACE, TAB, DELETE or F1 to F12, sent to the focused window
+  void Close() const;  // with the close box
 
   // Presses a button of the message box: YES, NO or OK. Returns when the box is gone.
   void Answer(const std::string& button) const;
@@ -51,26 +52,26 @@ class DialogDriver {
   std::string Text(const std::string& control) const;
   bool Enabled(const std::string& control) const;
   bool Visible(const std::string& control) const;
-  ListDriver List(const std::string& name) const { return {Control(name), m_patience}; }
-  TreeDriver Tree(const std::string& name) const { return {Control(name), m_patience}; }
+  ListDriver List(const std::string& name) const { return {Control(name), m_timeout}; }
+  TreeDriver Tree(const std::string& name) const { return {Control(name), m_timeout}; }
 
-  // Wait for a state.
+  // The following wait for a state.
   void ExpectText(const std::string& control, const std::string& text) const;
   void ExpectEnabled(const std::string& control, bool enabled) const;
-  // Its text ends so and does not change for a while: the work that counts there is done.
+  // The text ends in `ending` and does not change for a while: the work that it counts is done.
   void ExpectSettled(const std::string& control, const std::string& ending) const;
   void ExpectVisible(const std::string& control, bool visible) const;
   void ExpectCount(const std::string& list, int count) const;
   void ExpectMessage(const std::string& text) const;
 
-  // Every control: name, class, place within the form in pixels, hidden or disabled, text. One a line.
+  // All controls, one a line: name, class, position within the form in pixels, hidden or disabled, text.
   std::string Dump() const;
 
  private:
   HWND Usable(const std::string& name) const;
   HWND Message() const;
 
-  Patience m_patience;
+  Timeout m_timeout;
   DWORD m_process;
 };
 

@@ -21,7 +21,7 @@ bool ListDriver::Ticked(int row) const {
 
 int ListDriver::Find(const std::string& text) const {
   int found = -1;
-  WaitFor(m_patience, "the list entry " + Quoted(text), [&] {
+  WaitFor(m_timeout, "the list entry " + Quoted(text), [&] {
     const int count = Count();
     for (int row = 0; row < count && found < 0; ++row) {
       if (Text(row) == text) found = row;
@@ -45,7 +45,7 @@ void ListDriver::Toggle(int row) const {
     Ask(m_list, LVM_HITTEST, 0, &hit);
     if (hit.iItem == row && (hit.flags & LVHT_ONITEM) == LVHT_ONITEMSTATEICON) {
       PostClick(m_list, hit.pt);
-      WaitFor(m_patience, "the tick of " + Quoted(Text(row)) + " to change",
+      WaitFor(m_timeout, "the tick of " + Quoted(Text(row)) + " to change",
               [&] { return Ticked(row) != before; });
       return;
     }

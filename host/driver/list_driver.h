@@ -1,4 +1,4 @@
-// Works a native list view in report form whose rows carry tick boxes.
+// Operates a native list view in report mode whose rows have tick boxes.
 #pragma once
 
 #include <windows.h>
@@ -13,17 +13,17 @@ namespace kxrestore::driver {
 
 class ListDriver {
  public:
-  ListDriver(HWND list, Patience patience) : m_list(list), m_patience(patience) {}
+  ListDriver(HWND list, Timeout timeout) : m_list(list), m_timeout(timeout) {}
 
   int Count() const { return static_cast<int>(Ask(m_list, LVM_GETITEMCOUNT)); }
   std::string Text(int row, int column = 0) const;  // rows and columns from 0
   bool Ticked(int row) const;
-  int Find(const std::string& text) const;  // the row whose first column says so
-  void Toggle(int row) const;               // its tick box; returns when that has changed
+  int Find(const std::string& text) const;  // the row with this text in its first column
+  void Toggle(int row) const;               // its tick box; returns when it has changed
 
  private:
   HWND m_list;
-  Patience m_patience;
+  Timeout m_timeout;
 };
 
 }  // namespace kxrestore::driver

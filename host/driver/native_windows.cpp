@@ -8,7 +8,7 @@ namespace kxrestore::driver {
 namespace {
 
 constexpr wchar_t kNameProperty[] = L"KXRestore.Control";
-constexpr UINT kAnswerTime = 30000;  // ms; a dialog at work lets messages run far more often
+constexpr UINT kAnswerTime = 30000;  // ms; a busy dialog processes messages far more often
 
 BOOL CALLBACK Collect(HWND window, LPARAM list) {
   reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
@@ -17,8 +17,8 @@ BOOL CALLBACK Collect(HWND window, LPARAM list) {
 
 }  // namespace
 
-void WaitFor(Patience patience, const std::string& what, const std::function<bool()>& isSo) {
-  const auto end = std::chrono::steady_clock::now() + patience;
+void WaitFor(Timeout timeout, const std::string& what, const std::function<bool()>& isSo) {
+  const auto end = std::chrono::steady_clock::now() + timeout;
   while (!isSo()) {
     if (std::chrono::steady_clock::now() > end) throw DriverError("waited in vain for " + what);
     std::this_thread::sleep_for(std::chrono::milliseconds(5));

@@ -18,7 +18,7 @@ std::string Trimmed(const std::string& text) {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-// Takes the first word off `rest`.
+// Removes the first word from `rest` and returns it.
 std::string TakeWord(std::string& rest) {
   const std::size_t end = rest.find_first_of(kBlanks);
   const std::string word = rest.substr(0, end);
@@ -58,7 +58,7 @@ void Shoot(std::ostream& out, const std::filesystem::path& folder, const std::st
       std::error_code ignored;
       return std::filesystem::exists(picture, ignored) || std::filesystem::exists(done, ignored);
     });
-  } catch (const DriverError&) {  // nobody takes pictures
+  } catch (const DriverError&) {  // no screenshots are being taken
   }
 }
 

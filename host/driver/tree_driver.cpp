@@ -44,9 +44,9 @@ bool TreeDriver::Ticked(HTREEITEM item) const {
 
 RECT TreeDriver::LabelOf(HTREEITEM item) const {
   Ask(m_tree, TVM_ENSUREVISIBLE, 0, item);
-  Ask(m_tree, WM_HSCROLL, SB_LEFT);  // buttons and boxes stand to the left of the label
+  Ask(m_tree, WM_HSCROLL, SB_LEFT);  // buttons and boxes are left of the label
   RECT label{};
-  std::memcpy(&label, &item, sizeof item);  // the message finds its item there
+  std::memcpy(&label, &item, sizeof item);  // the message takes its item from there
   if (!Ask(m_tree, TVM_GETITEMRECT, TRUE, &label))
     throw DriverError("the item " + Quoted(Text(item)) + " cannot be seen");
   return label;
@@ -70,7 +70,7 @@ void TreeDriver::ClickPart(HTREEITEM item, unsigned part) const {
 void TreeDriver::Open(HTREEITEM item) const {
   if (State(item) & TVIS_EXPANDED) return;
   ClickPart(item, TVHT_ONITEMBUTTON);
-  WaitFor(m_patience, Quoted(Text(item)) + " to open", [&] { return (State(item) & TVIS_EXPANDED) != 0; });
+  WaitFor(m_timeout, Quoted(Text(item)) + " to open", [&] { return (State(item) & TVIS_EXPANDED) != 0; });
 }
 
 HTREEITEM TreeDriver::Find(const std::vector<std::string>& texts) const {
@@ -78,7 +78,7 @@ HTREEITEM TreeDriver::Find(const std::vector<std::string>& texts) const {
   for (const std::string& text : texts) {
     if (item) Open(item);
     HTREEITEM found = nullptr;
-    WaitFor(m_patience, "the tree item " + Quoted(text), [&] {
+    WaitFor(m_timeout, "the tree item " + Quoted(text), [&] {
       for (HTREEITEM child : Children(item)) {
         if (Text(child) == text) found = child;
       }
@@ -113,14 +113,14 @@ std::vector<HTREEITEM> TreeDriver::Level(int depth) const {
 
 void TreeDriver::Click(HTREEITEM item) const {
   ClickPart(item, TVHT_ONITEMLABEL);
-  WaitFor(m_patience, Quoted(Text(item)) + " to be selected",
+  WaitFor(m_timeout, Quoted(Text(item)) + " to be selected",
           [&] { return Next(nullptr, TVGN_CARET) == item; });
 }
 
 void TreeDriver::Toggle(HTREEITEM item) const {
   const bool before = Ticked(item);
   ClickPart(item, TVHT_ONITEMSTATEICON);
-  WaitFor(m_patience, "the box of " + Quoted(Text(item)) + " to change",
+  WaitFor(m_timeout, "the box of " + Quoted(Text(item)) + " to change",
           [&] { return Ticked(item) != before; });
 }
 

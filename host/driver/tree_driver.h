@@ -1,4 +1,4 @@
-// Works a native tree view the way a user does: by its labels, buttons and check boxes.
+// Operates a native tree view as a user does: by its labels, buttons and check boxes.
 #pragma once
 
 #include <windows.h>
@@ -14,19 +14,18 @@ namespace kxrestore::driver {
 
 class TreeDriver {
  public:
-  TreeDriver(HWND tree, Patience patience) : m_tree(tree), m_patience(patience) {}
+  TreeDriver(HWND tree, Timeout timeout) : m_tree(tree), m_timeout(timeout) {}
 
-  // The item that the texts lead to, each the text of a child of the one before; parents are opened on the
-  // way.
+  // The item at the path `texts`, from the top level down; parents are expanded on the way.
   HTREEITEM Find(const std::vector<std::string>& texts) const;
-  // Every item that is `depth` levels below the first one of the top, in the order shown; parents are opened
-  // on the way.
+  // All items `depth` levels below the first top-level item, in display order; parents are expanded on the
+  // way.
   std::vector<HTREEITEM> Level(int depth) const;
 
   std::string Text(HTREEITEM item) const;
   bool Ticked(HTREEITEM item) const;
-  void Click(HTREEITEM item) const;   // on its label; returns when it is the selected one
-  void Toggle(HTREEITEM item) const;  // its check box; returns when that has changed
+  void Click(HTREEITEM item) const;   // on its label; returns when it is selected
+  void Toggle(HTREEITEM item) const;  // its check box; returns when it has changed
 
  private:
   std::vector<HTREEITEM> Children(HTREEITEM parent) const;  // nullptr: the top
@@ -37,7 +36,7 @@ class TreeDriver {
   void ClickPart(HTREEITEM item, unsigned part) const;
 
   HWND m_tree;
-  Patience m_patience;
+  Timeout m_timeout;
 };
 
 }  // namespace kxrestore::driver

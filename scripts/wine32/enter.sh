@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs a program of the 32-bit root: enter.sh PROGRAM [ARGUMENT...]. It sees this machine's processes and network, and its
-# files where a test looks for them: /tmp, the source tree, the Wine prefix, the home and the current folder.
+# Runs a program in the 32-bit root: enter.sh PROGRAM [ARGUMENT...]. It shares this machine's processes and network and
+# the paths that tests use: /tmp, the source tree, the Wine prefix, the home and the current folder.
 set -euo pipefail
 
 tree=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)

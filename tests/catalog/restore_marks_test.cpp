@@ -30,7 +30,7 @@ class RestoreMarksOnServer : public ::testing::Test {
   }
 
   std::shared_ptr<Script> m_script = std::make_shared<Script>();
-  ConnectionSettings m_settings{.dbType = kServerCatalog, .dbName = "not used", .connect = "ODBC;x"};
+  ConnectionSettings m_settings{.DBType = kServerCatalog, .DBName = "not used", .connect = "ODBC;x"};
   CurrentRun m_current{.setId = 11, .extension = "042"};
   engine::Workspace m_workspace{{.odbc = std::make_unique<RecordingBackend>(m_script)}};
   Calls m_reports;
@@ -96,7 +96,7 @@ TEST_F(RestoreMarksOnServer, ErrorsAreReportedUnderTheOperationsTag) {
   EXPECT_EQ(m_script->rows[0][0], engine::Value(true)) << "the mark made before the error stays";
   m_script->failures = {{"connect", 3151}};
   EXPECT_EQ(marks.UpdateSelectionByFileName("a", true, 1, "001"), MarkResult::kFailed);
-  m_settings.dbType = 7;  // another kind of database
+  m_settings.DBType = 7;  // another kind of database
   tryAll();
   EXPECT_EQ(m_reports, (Calls{"UpdateByID(-5) 3146", "CancelAll 3146", "ClearSelections 3146",
                               "UpdateSelection 3260", "UpdateSelection 3151", "UpdateByID(-5) 91",

@@ -30,13 +30,13 @@ class SharedFormTest : public testing::Test {
 TEST_F(SharedFormTest, WhileADialogRunsNoOtherStartsAndOnlyItsThreadSetsAtOnce) {
   const auto another = []() -> std::int16_t { return 1; };
   const std::int16_t result = m_form.Run([&]() -> std::int16_t {
-    m_form.Apply(Noting("a"));
+    m_form.ApplySetting(Noting("a"));
     Elsewhere([&] {
-      m_form.Apply(Noting("c"));
-      m_form.Apply([] { throw std::runtime_error("a setting that fails"); });
-      m_form.Apply(Noting("d"));
+      m_form.ApplySetting(Noting("c"));
+      m_form.ApplySetting([] { throw std::runtime_error("a setting that fails"); });
+      m_form.ApplySetting(Noting("d"));
     });
-    m_form.Apply(Noting("b"));
+    m_form.ApplySetting(Noting("b"));
     EXPECT_EQ("ab", m_notes);
     EXPECT_EQ(0, m_form.Run(another));
     EXPECT_EQ(0, Elsewhere([&] { return m_form.Run(another); }));
@@ -49,7 +49,7 @@ TEST_F(SharedFormTest, WhileADialogRunsNoOtherStartsAndOnlyItsThreadSetsAtOnce) 
 
 TEST_F(SharedFormTest, ADialogThatFailsLeavesTheFormFree) {
   EXPECT_THROW(m_form.Run([&]() -> std::int16_t {
-    Elsewhere([&] { m_form.Apply(Noting("kept")); });
+    Elsewhere([&] { m_form.ApplySetting(Noting("kept")); });
     throw std::runtime_error("no window");
   }),
                std::runtime_error);
@@ -67,7 +67,7 @@ TEST_F(SharedFormTest, NothingIsLostBetweenManyThreads) {
   for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&] {
       for (int round = 0; round < kRounds; ++round) {
-        m_form.Apply([&] { ++settings; });
+        m_form.ApplySetting([&] { ++settings; });
         m_form.Run([&]() -> std::int16_t {
           if (++inDialog > 1) overlapped = true;
           --inDialog;

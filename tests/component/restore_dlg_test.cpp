@@ -11,6 +11,7 @@ namespace kxrestore::component_test {
 namespace {
 
 using component::RestoreDlg;
+using dialog::Parameters;
 using dialog_test::DialogTest;
 using dialog_test::Ids;
 using dialog_test::Row;
@@ -20,11 +21,11 @@ class RestoreDlgTest : public DialogTest, public component::FormProvider {
  protected:
   RestoreDlgTest() {
     MakeCatalog({Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.doc")});
-    form.DBName("");
+    form.parameters.DBName = "";
     for (RestoreDlg* dialog : {&first, &second}) {
       dialog->CommenceRestore = [this, dialog] { events.push_back(dialog == &first ? "first" : "second"); };
     }
-    first.DB(catalog->Path());
+    first.Set(&Parameters::DBName, catalog->Path());
   }
   dialog::frmRestore& Form() override { return form; }
 
@@ -44,7 +45,7 @@ class RestoreDlgTest : public DialogTest, public component::FormProvider {
 };
 
 TEST_F(RestoreDlgTest, ResultTellsACommitFromACancel) {
-  form.StopRequested = true;  // left over from an earlier dialog
+  form.parameters.StopRequested = true;  // left over from an earlier dialog
   User([this] { Commit(); });
   EXPECT_EQ(second.DefineRestoreSet(), 1) << "the catalog was named to the first";
   EXPECT_EQ(events, Strings{"second"});
@@ -83,16 +84,16 @@ TEST_F(RestoreDlgTest, EverySettingReachesTheForm) {
   } provider(shared);
   const engine::testing::TemporaryFolder folder;
   RestoreDlg dialog(provider);
-  dialog.DBType(1);
-  dialog.DB("not used");
-  dialog.DBDatabase("Cat");
-  dialog.DBServer("SRV");
-  dialog.DBUser("sa");
-  dialog.DBPass("pw");
-  dialog.RestorePath("D:\\Back");
-  dialog.SessionLogName(folder.File("log"));
-  dialog.setAction("verify");
-  dialog.DebugFlag(true);
+  dialog.Set(&Parameters::DBType, 1);
+  dialog.Set(&Parameters::DBName, "not used");
+  dialog.Set(&Parameters::DBDatabase, "Cat");
+  dialog.Set(&Parameters::DBServer, "SRV");
+  dialog.Set(&Parameters::DBUser, "sa");
+  dialog.Set(&Parameters::DBPass, "pw");
+  dialog.Set(&Parameters::RestorePath, "D:\\Back");
+  dialog.Set(&Parameters::LogFilename, folder.File("log"));
+  dialog.Set(&Parameters::curAction, "verify");
+  dialog.Set(&Parameters::DebugFlag, true);
   std::string path;
   User([&] { path = shared.Controls().lblRestorePath.Caption(); });
   EXPECT_EQ(dialog.DefineRestoreSet(), 0);
@@ -114,14 +115,14 @@ TEST_F(RestoreDlgTest, CaptionsAreAppliedWhenGivenAndOnlyToTheNextDialog) {
   first.DefineRestoreSet();
   const Strings designed{"Select Files to Restore", "Restore &Now", "Files Selected to Restore: ", "shown"};
   EXPECT_EQ(seen, designed);
-  first.frmCaption("Pick");
-  first.btnCaption("&Go");
-  first.lblCaption("Chosen");
-  first.lblInVisible(true);
+  first.frmCaption = "Pick";
+  first.btnCaption = "&Go";
+  first.lblCaption = "Chosen";
+  first.lblInVisible = true;
   first.DefineRestoreSet();
   EXPECT_EQ(seen, (Strings{"Pick", "&Go", "Chosen", "hidden"}));
-  first.frmCaption("");
-  first.btnCaption("");
+  first.frmCaption = "";
+  first.btnCaption = "";
   first.DefineRestoreSet();
   EXPECT_EQ(seen, (Strings{designed[0], designed[1], "Chosen", "hidden"}));
   second.DefineRestoreSet();
@@ -151,7 +152,7 @@ TEST_F(RestoreDlgTest, FailingStepsAreSkipped) {
     dialog::frmRestore& Form() override { throw std::bad_alloc(); }
   } none;
   RestoreDlg lost(none);
-  lost.DB("x");
+  lost.Set(&Parameters::DBName, "x");
   EXPECT_EQ(lost.DefineRestoreSet(), 0);
 }
 

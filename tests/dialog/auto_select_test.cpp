@@ -99,7 +99,7 @@ TEST_F(AutoSelectTab, TheBoxIsReadForEachTypeAndTheLastPatternStaysTheExtension)
   MakeCatalog({Live(1, "C:\\a.doc"), Live(2, "C:\\a.doc"), Live(3, "C:\\b.xls"), Live(4, "C:\\b.xls")});
   BareContext bare(platform.Get(), *workspace);
   auto& [parameters, controls, services, context] = bare;
-  context.connection.dbName = catalog->Path();
+  context.connection.DBName = catalog->Path();
   dialog::SetTree setTree(context);
   dialog::RestoreList restoreList(context, {});
   const dialog::AutoSelectPanel panel(context, setTree, restoreList);

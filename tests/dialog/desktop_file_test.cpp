@@ -12,7 +12,7 @@ using engine::testing::SampleCopy;
 class Desk : public DialogTest {
  public:
   explicit Desk(const std::string& path) : m_path(path) {
-    form.DBName(path);
+    form.parameters.DBName = path;
     form.Load();
   }
   void TestBody() override {}

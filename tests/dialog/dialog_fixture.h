@@ -103,17 +103,17 @@ class DialogTest : public testing::Test {
   void MakeCatalog(const std::vector<sample::FileRow>& rows, const std::vector<sample::RunRow>& runs = Runs(),
                    const std::vector<sample::LongPathRow>& longPaths = {}) {
     catalog = std::make_unique<CatalogFile>(rows, runs, longPaths);
-    form.DBName(catalog->Path());
+    form.parameters.DBName = catalog->Path();
   }
 
   // Points the form at a catalog on the test server.
   void UseServer(const std::string& database, const std::string& server, const std::string& user,
                  const std::string& password) {
-    form.DBType(1);
-    form.DBDatabase(database);
-    form.DBServer(server);
-    form.DBUser(user);
-    form.DBPass(password);
+    form.parameters.DBType = 1;
+    form.parameters.DBDatabase = database;
+    form.parameters.DBServer = server;
+    form.parameters.DBUser = user;
+    form.parameters.DBPass = password;
   }
 
   void PutSetting(std::uint32_t root, const char* name, const std::string& text) {

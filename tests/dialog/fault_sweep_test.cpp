@@ -54,7 +54,7 @@ class FaultSweep : public DialogTest {
         engine::sqlite::MakeSqliteBackend(std::chrono::milliseconds(50)), m_injection);
     engine::Workspace faulty(std::move(backends));
     dialog::frmRestore dialog(platform.Get(), faulty);
-    dialog.DBName(catalog->Path());
+    dialog.parameters.DBName = catalog->Path();
     std::size_t commenced = 0;
     dialog.CommenceRestore = [&] { ++commenced; };
     FormControls& controls = dialog.Controls();

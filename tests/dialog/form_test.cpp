@@ -30,8 +30,8 @@ class FormTest : public DialogTest {
 TEST_F(FormTest, EachLoadStartsAsDesignedKeepsTheParametersAndIsLogged) {
   MakeCatalog({Row(1, 1, "003", "C:\\a.doc")});
   Write("session.log", "before\r\n");
-  form.LogFilename(Path("session.log"));
-  form.RestorePath("D:\\Back");
+  form.parameters.LogFilename = Path("session.log");
+  form.parameters.RestorePath = "D:\\Back";
   form.setLabelCaption("Chosen");
   EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To: D:\\Back");
   EXPECT_EQ(ui().lblRestorePath.ToolTipText(), "Restore To: D:\\Back");
@@ -42,8 +42,8 @@ TEST_F(FormTest, EachLoadStartsAsDesignedKeepsTheParametersAndIsLogged) {
   ui().form.UserClose();
   ExpectReports({"Clear Selection?: "});
 
-  form.curAction("verify");
-  form.RestorePath("");
+  form.parameters.curAction = "verify";
+  form.parameters.RestorePath = "";
   EXPECT_EQ(ui().lblList.Caption(), "Files Selected to Restore: ");
   EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To: (Original Path)");
   EXPECT_EQ(ui().lblRestorePath.ToolTipText(), "");
@@ -53,13 +53,13 @@ TEST_F(FormTest, EachLoadStartsAsDesignedKeepsTheParametersAndIsLogged) {
   EXPECT_EQ(ReadFile(Path("session.log")),
             "before\r\n11/16/2026 2:25:30 AM R 10.1.6 Loading restore Dialog ... \r\n"
             "11/16/2026 2:25:30 AM R 10.1.6 Loading verify Dialog ... \r\n");
-  form.LogFilename(Path("no such folder/session.log"));
+  form.parameters.LogFilename = Path("no such folder/session.log");
   form.SessionLogEntry("lost");
-  EXPECT_EQ(form.curAction(), "verify");
-  form.curAction(" ");
-  EXPECT_EQ(form.curAction(), " ");
-  form.curAction("");
-  EXPECT_EQ(form.curAction(), "restore");
+  EXPECT_EQ(form.parameters.Action(), "verify");
+  form.parameters.curAction = " ";
+  EXPECT_EQ(form.parameters.Action(), " ");
+  form.parameters.curAction = "";
+  EXPECT_EQ(form.parameters.Action(), "restore");
   for (const std::string text : {"abc", ""}) EXPECT_EQ(form.StripNulls(text + '\0' + "def"), text);
 }
 
@@ -98,8 +98,8 @@ TEST_F(FormTest, CatalogsThatCannotBeUsedAreReportedAndLeftAlone) {
   for (const auto& [path, type, number] : cases) {
     SCOPED_TRACE(path + " as type " + std::to_string(type));
     const std::string before = ReadFile(path);
-    form.DBName(path);
-    form.DBType(type);
+    form.parameters.DBName = path;
+    form.parameters.DBType = type;
     ui();
     ASSERT_EQ(desktop.messages.size(), 1u);
     EXPECT_EQ(desktop.messages[0].style, platform::kExclamation);

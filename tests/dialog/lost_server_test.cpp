@@ -36,8 +36,8 @@ class LostServer : public DialogTest {
     Administrate("CREATE ROLE " + m_role + " LOGIN IN ROLE " + ServerCatalog::User() + " PASSWORD '" +
                  kPassword + "'");
     UseServer(m_server->Database(), ServerCatalog::Server(), m_role, kPassword);
-    form.LogFilename(m_folder.File("session.log"));
-    form.DebugFlag(true);
+    form.parameters.LogFilename = m_folder.File("session.log");
+    form.parameters.DebugFlag = true;
   }
   void TearDown() override {
     if (!m_server) return;
@@ -152,10 +152,10 @@ TEST_F(LostServer, WhileItLists) {
 }
 
 TEST_F(LostServer, BeforeTheDialogShows) {
-  form.DBPass(std::string("not ") + kPassword);
+  form.parameters.DBPass = std::string("not ") + kPassword;
   form.ShowModal();
   ExpectServerReports({std::string("LoadBackupSetTree: ") + kNoConnection});
-  form.DBPass(kPassword);
+  form.parameters.DBPass = kPassword;
   form.ShowModal();
 }
 

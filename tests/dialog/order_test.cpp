@@ -100,8 +100,8 @@ class OrderTest : public JournalHolder, public DialogTest {
 
 TEST_F(OrderTest, Load) {
   const engine::testing::TemporaryFolder folder;
-  form.LogFilename(folder.File("log"));
-  form.RestorePath("D:\\Back");
+  form.parameters.LogFilename = folder.File("log");
+  form.parameters.RestorePath = "D:\\Back";
   PutSetting(platform::kHkeyLocalMachine, "ClientDB", "C:\\Client\\");
   platform.drives.files = {"C:\\Client\\kxicon.ico"};
   platform.drives.drives = {{"E:\\", 5, "DISC"}};
@@ -551,7 +551,7 @@ commit
 }
 
 TEST_F(OrderTest, AStepOfTheLoadThatFailsLeavesOutTheLaterOnesWithoutAWord) {
-  form.RestorePath("D:\\Back");
+  form.parameters.RestorePath = "D:\\Back";
   platform.drives.drives = {{"E:\\", 5, "DISC"}};
   PutSetting(platform::kHkeyLocalMachine, "ClientDB", "C:\\Client");
   platform.registry.fault = [](std::string_view operation) -> long {

@@ -75,7 +75,7 @@ TEST_F(RestoreListTest, StoppingAndFailingKeepWhatIsListedAndMarked) {
   EXPECT_EQ(ui().asRestoreList.Count(), 2u);
   EXPECT_EQ(Selected(), "3 file(s) selected");
   EXPECT_TRUE(ui().form.IsOpen());
-  EXPECT_FALSE(form.StopRequested);
+  EXPECT_FALSE(form.parameters.StopRequested);
   ui().form.UserKey(controls::Key::kF5);
   EXPECT_EQ(Selected(), "10 file(s) selected");
 
@@ -125,11 +125,11 @@ TEST_F(RestoreListTest, CancelAndCloseDuringAWalkTakeTheirStepsOnceItHasEnded) {
   DuringWalk(2, [this] {
     Click(kCancel);
     EXPECT_TRUE(desktop.messages.empty()) << "asked in the middle of the walk";
-    EXPECT_TRUE(form.StopRequested);
+    EXPECT_TRUE(form.parameters.StopRequested);
   });
   Click(kRefresh);
   EXPECT_TRUE(Open());
-  EXPECT_FALSE(form.StopRequested);
+  EXPECT_FALSE(form.parameters.StopRequested);
   DuringWalk(3, [this] { controls->form.UserClose(); });
   ChooseRun();
   EXPECT_EQ(controls->tvwDetails.Count(), 4u) << "C:, Data and two files";

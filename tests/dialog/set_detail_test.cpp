@@ -229,7 +229,7 @@ TEST_F(SetDetailTest, ApplyMarksTickedFilesAndCanBeStopped) {
   Apply();
   EXPECT_EQ(ui().asRestoreList.Count(), 1u) << "a stop leaves the list as it was";
   EXPECT_TRUE(ui().lblTreeCount.Visible());
-  EXPECT_FALSE(form.StopRequested);
+  EXPECT_FALSE(form.parameters.StopRequested);
   Apply();
   EXPECT_FALSE(ui().lblTreeCount.Visible());
   EXPECT_EQ(ui().lblTreeCount.Caption(), "Scanning 4");

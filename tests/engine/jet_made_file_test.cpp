@@ -106,7 +106,7 @@ TEST_P(MadeFiles, AreReadAndMarkedWhole) {
   }
   EXPECT_EQ(i, kNames.size());
 
-  catalog::ConnectionSettings settings{.dbName = m_path, .connect = {}};
+  catalog::ConnectionSettings settings{.DBName = m_path, .connect = {}};
   const catalog::CurrentRun current{1, "001"};
   catalog::RestoreMarks marks(*m_workspace, settings, current, [](const Error& error, const std::string&) {
     ADD_FAILURE() << error.Description();

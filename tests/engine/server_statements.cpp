@@ -142,7 +142,7 @@ std::vector<ServerStatement> ServerStatements() {
 
   Workspace workspace({nullptr, std::make_unique<catalog_test::RecordingBackend>(script), nullptr});
   catalog::ConnectionSettings settings;
-  settings.dbType = catalog::kServerCatalog;
+  settings.DBType = catalog::kServerCatalog;
   settings.connect = "ODBC;";
   const catalog::CurrentRun run{3, "001"};
   catalog::RestoreMarks marks(workspace, settings, run, [](const Error&, const std::string&) {});

@@ -74,7 +74,7 @@ class DialogFaults : public testing::Test {
     engine::Workspace workspace(std::move(backends));
     const platform::Platform platform{m_desktop, m_platform.registry, m_platform.regional, m_platform.drives};
     dialog::frmRestore dialog(platform, workspace);
-    dialog.DBName(m_catalog->Path());
+    dialog.parameters.DBName = m_catalog->Path();
     m_commenced = 0;
     dialog.CommenceRestore = [this] { ++m_commenced; };
     m_desktop.messages.clear();
@@ -315,7 +315,7 @@ TEST_F(DialogFaults, DamagedPages) {
     const auto workspace = engine::MakeDefaultWorkspace();
     const platform::Platform platform{m_desktop, m_platform.registry, m_platform.regional, m_platform.drives};
     dialog::frmRestore dialog(platform, *workspace);
-    dialog.DBName(m_catalog->Path());
+    dialog.parameters.DBName = m_catalog->Path();
     m_desktop.messages.clear();
     m_desktop.answers.assign(20, platform::kAnswerNo);
     FormControls& controls = dialog.Controls();

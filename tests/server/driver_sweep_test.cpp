@@ -68,11 +68,11 @@ class DriverSweep : public DialogTest {
                                                 : "UPDATE Catalog SET Restore = FALSE");
     m_workspace = ServerWorkspace();
     dialog::frmRestore dialog(platform.Get(), *m_workspace);
-    dialog.DBType(1);
-    dialog.DBDatabase(m_server->Database());
-    dialog.DBServer(ServerCatalog::Server());
-    dialog.DBUser(ServerCatalog::User());
-    dialog.DBPass(ServerCatalog::Password());
+    dialog.parameters.DBType = 1;
+    dialog.parameters.DBDatabase = m_server->Database();
+    dialog.parameters.DBServer = ServerCatalog::Server();
+    dialog.parameters.DBUser = ServerCatalog::User();
+    dialog.parameters.DBPass = ServerCatalog::Password();
     std::size_t commenced = 0, calls = 0;
     FormControls* loaded = nullptr;
     dialog.CommenceRestore = [&] { ++commenced; };
@@ -288,11 +288,11 @@ TEST_F(DriverSweep, ASlowDriverFreezesNobody) {
     UseServer(m_server->Database(), ServerCatalog::Server(), ServerCatalog::User(),
               ServerCatalog::Password());
     dialog::frmRestore dialog(platform.Get(), *m_workspace);
-    dialog.DBType(1);
-    dialog.DBDatabase(m_server->Database());
-    dialog.DBServer(ServerCatalog::Server());
-    dialog.DBUser(ServerCatalog::User());
-    dialog.DBPass(ServerCatalog::Password());
+    dialog.parameters.DBType = 1;
+    dialog.parameters.DBDatabase = m_server->Database();
+    dialog.parameters.DBServer = ServerCatalog::Server();
+    dialog.parameters.DBUser = ServerCatalog::User();
+    dialog.parameters.DBPass = ServerCatalog::Password();
     FormControls& controls = dialog.Controls();
     Prepare(Action::kApply, controls);
     std::optional<Clock::time_point> pressed;

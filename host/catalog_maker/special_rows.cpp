@@ -1,4 +1,4 @@
-#include "host/catalog_maker/telling_rows.h"
+#include "host/catalog_maker/special_rows.h"
 
 #include <string_view>
 #include <utility>
@@ -40,17 +40,17 @@ class Builder {
     Add(run, std::move(row)).longPath = LongPathRow{0, path};
   }
 
-  TellingRow& Add(Run run, FileRow row) {
+  SpecialRow& Add(Run run, FileRow row) {
     row.setId = RunOf(run).setId;
     row.extension = RunOf(run).extension;
-    m_rows.push_back(TellingRow{run, std::move(row), std::nullopt});
+    m_rows.push_back(SpecialRow{run, std::move(row), std::nullopt});
     return m_rows.back();
   }
 
-  std::vector<TellingRow> Take() { return std::move(m_rows); }
+  std::vector<SpecialRow> Take() { return std::move(m_rows); }
 
  private:
-  std::vector<TellingRow> m_rows;
+  std::vector<SpecialRow> m_rows;
 };
 
 std::string DeepPath(std::string_view start, int levels, std::string_view name) {
@@ -72,7 +72,7 @@ void AddVersions(Builder& add) {
   add.Plain(Run::kServerNewest, "C:\\boot.ini", 211, "2024-02-29 12:00:00");
   add.Plain(Run::kDailySecond, report, 22016, "2026-10-02 08:30:00");
   add.Plain(Run::kDailyMidnight, report, 24576, "2026-10-30 17:05:45");
-  // The same name in another set, and versions that have nothing but their number to tell them apart.
+  // The same name in another set, and versions that differ in nothing but their number.
   add.Plain(Run::kOfficeNewest, report, 23040, "2026-11-09 14:00:00");
   add.Plain(Run::kDailyMidnight, "C:\\Data\\Reports\\tie.xls", 16384, "2026-06-15 11:11:11");
   add.Plain(Run::kDailyNewest, "C:\\Data\\Reports\\tie.xls", 16896, "2026-06-15 11:11:11");
@@ -92,7 +92,7 @@ void AddServerEntries(Builder& add) {
     add.Plugin(run, mail, group + "Address Lists\\All Users", "All Users", 65536);
     add.Plugin(run, "Exchange Server Mailbox Müller", group + "MailBoxes\\Jürgen Müller\\Posteingang",
                "Jürgen Müller", 7340032);
-    // One mail-server item over several rows: they share what stands in File.
+    // One mail-server item in several rows that share the value of File.
     add.Plugin(run, mail, group + "MailBoxes\\Jane Doe\\Sent Items", "Jane Doe", 3145728);
     add.Plugin(run, mail, group + "MailBoxes\\Jane Doe\\Calendar", "Jane Doe", 131072);
     add.Plugin(run, mail, group + "MailBoxes\\Pat O'Hara\\Inbox", "Pat O'Hara", 1048576);
@@ -105,7 +105,7 @@ void AddServerEntries(Builder& add) {
     add.Plugin(run, "SQL Server", "SQL Server\\Sales", "Sales", 734003200);
     add.Plugin(run, "SQL Server", "SQL Server\\O'Brien", "O'Brien", 2097152);
   }
-  // A character short of the mail server's name, and one that is known to nobody.
+  // One character short of the mail server's name, and an unknown plug-in.
   add.Plugin(Run::kServerNewest, "Exchange Serve", "C:\\Data\\Queue\\message.eml", "message.eml", 900);
   add.Plugin(Run::kServerNewest, "Print Server", "Print Server\\Queues\\Front desk", "Front desk", 512);
 }
@@ -119,8 +119,7 @@ void AddNames(Builder& add) {
       "C:\\autoexec.bat", "C:\\Data\\noextension", "C:\\Data\\archive.tar.gz", "C:\\Data\\.hidden",
       "C:\\Data\\100% [draft] #1_v2.txt", "C:\\Data\\a;b.txt", "C:\\DATA\\REPORTS\\SUMMARY.DOC",
       "C:\\Data\\Reports\\İstanbul.txt", "C:\\Data\\Reports\\Strasse.txt", "C:\\Data\\Reports\\Straße.txt",
-      // As a name and as a folder of the same name, and names that other nodes of the tree have as their
-      // text.
+      // A name that is also the name of a folder, and names equal to the text of other nodes of the tree.
       "C:\\Data\\Same", "C:\\Data\\Same.d\\Same", "C:\\Exchange Server\\MailBoxes\\notes.txt",
       "C:\\Data\\item.kxexag"};
   for (const std::string_view path : paths) add.Plain(run, std::string(path), 4096, date);
@@ -200,7 +199,7 @@ FileRow PlainFile(std::string path) {
   return row;
 }
 
-std::vector<TellingRow> TellingRows() {
+std::vector<SpecialRow> SpecialRows() {
   Builder add;
   AddVersions(add);
   AddServerEntries(add);
