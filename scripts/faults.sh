@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Makes everything around the dialog fail, repeatedly: faults.sh [MINUTES]
+# Lets everything around the dialog fail, again and again: faults.sh [MINUTES]
 #
-# Injects failures of memory, files, disks and power, kills processes, damages pages and, where clang is installed, runs
-# the fuzzer; all under the sanitizers, with new random choices each round, for MINUTES (default 30; at least one
-# round). Prints a table: case, tried, held. Exit code 1 when something did not hold.
+# Memory, files, disks, power, kills, damaged pages and, where clang is, the fuzzer, under the sanitizers, with other
+# random choices each round, for as long as it is told (30 minutes; at least one round). Prints a table: case, tried,
+# held. Ends with 1 when something did not hold.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -33,7 +33,7 @@ rm -rf "$work"
 mkdir -p "$work/corpus"
 export KX_FAULTS_TABLE=$work/counts.tsv
 export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
-kRuns=100000 # fuzzer runs each round
+kRuns=100000 # of the fuzzer, a round
 status=0
 round=0
 : >"$KX_FAULTS_TABLE"
@@ -42,7 +42,7 @@ while [[ $round -eq 0 || $SECONDS -lt $end ]]; do
   say "round $round"
   for program in "${programs[@]}"; do
     log=$work/$(basename "$program").$round.log
-    # A round takes ten times the sample of a test run; the first one starts from the same seed.
+    # A round takes ten times the sample of a test run; the first one begins where that does.
     if ! KX_FAULTS_SEED=$round KX_FAULTS_TIMES=10 "$program" --gtest_brief=1 --gtest_also_run_disabled_tests >"$log" 2>&1; then
       status=1
       warn "$(basename "$program"), round $round: something did not hold (whole output in $log)"
