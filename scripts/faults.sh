@@ -1,39 +1,47 @@
 #!/usr/bin/env bash
-# Lets everything around the dialog fail, again and again: faults.sh [MINUTES]
+# Makes everything around the dialog fail, again and again: faults.sh [MINUTES]
 #
-# Memory, files, disks, power, kills, damaged pages and, where clang is, the fuzzer, under the sanitizers, with other
-# random choices each round, for as long as it is told (30 minutes; at least one round). Prints a table: case, tried,
-# held. Ends with 1 when something did not hold.
+# Memory, files, disks, power, kills, damaged pages, a server's driver and, where clang is installed, the fuzzers, under
+# the sanitizers, with other random choices each round, for the given time (30 minutes; at least one round). Prints a
+# table: case, tried, held. Ends with 1 when something did not hold.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+# shellcheck source=scripts/test_server.sh
+source "$kxRoot/scripts/test_server.sh"
 
 minutes=${1:-30}
 [[ $minutes =~ ^[0-9]+$ ]] || fail "usage: faults.sh [MINUTES]"
 end=$((SECONDS + minutes * 60))
 
-"$kxRoot/scripts/setup.sh" native
-build_preset sanitize power_loss_tests dialog_faults_tests || fail "the build failed"
+"$kxRoot/scripts/setup.sh" native server
+build_preset sanitize power_loss_tests dialog_faults_tests server_tests || fail "the build failed"
 programs=("$kxBuild/sanitize/tests/power_loss_tests" "$kxBuild/sanitize/tests/dialog_faults_tests")
 
-fuzzer=
+fuzzers=()
 if command -v clang++ >/dev/null; then
-  say "building the fuzzer"
+  say "building the fuzzers"
   fuzzBuild=$kxBuild/fuzz
   (cd "$kxRoot" && logged "$kxBuild/log/fuzz-configure.log" cmake -S . -B "$fuzzBuild" -G Ninja \
     -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_C_COMPILER=clang -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKX_FUZZ=ON \
-    -DKX_SANITIZE=ON) &&
-    logged "$kxBuild/log/fuzz-build.log" cmake --build "$fuzzBuild" -j "$kxJobs" --target jet_sql_fuzzer &&
-    fuzzer=$(find "$fuzzBuild" -name jet_sql_fuzzer -type f -perm -u+x | head -n 1)
-  [[ -n $fuzzer ]] || warn "the fuzzer cannot be built here"
+    -DKX_SANITIZE=ON) || fail "the fuzzers cannot be configured"
+  logged "$kxBuild/log/fuzz-build.log" cmake --build "$fuzzBuild" -j "$kxJobs" --target jet_sql_fuzzer jet_file_fuzzer ||
+    fail "the fuzzers cannot be built"
+  fuzzers=(jet_sql_fuzzer jet_file_fuzzer)
 fi
 
 work=$kxBuild/faults
 rm -rf "$work"
-mkdir -p "$work/corpus"
+mkdir -p "$work"
 export KX_FAULTS_TABLE=$work/counts.tsv
 export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
-kRuns=100000 # of the fuzzer, a round
+# Of the fuzzers, a round: inputs and their longest size.
+declare -A kRuns=([jet_sql_fuzzer]=100000 [jet_file_fuzzer]=10000)
+declare -A kLongest=([jet_sql_fuzzer]=600 [jet_file_fuzzer]=200)
+declare -A kSeeds=([jet_sql_fuzzer]=$kxRoot/tests/engine/fuzz_corpus [jet_file_fuzzer]="")
+declare -A kCases=([jet_sql_fuzzer]="statements fuzzed" [jet_file_fuzzer]="files of the desktop engine fuzzed")
+trap test_server_stop EXIT
+test_server_start
 status=0
 round=0
 : >"$KX_FAULTS_TABLE"
@@ -48,15 +56,26 @@ while [[ $round -eq 0 || $SECONDS -lt $end ]]; do
       warn "$(basename "$program"), round $round: something did not hold (whole output in $log)"
     fi
   done
-  if [[ -n $fuzzer ]]; then
-    log=$work/fuzzer.$round.log held=$kRuns
-    if ! (cd "$work" && "$fuzzer" -runs=$kRuns -max_len=600 -seed=$round corpus "$kxRoot/tests/engine/fuzz_corpus") \
-      >"$log" 2>&1; then
-      status=1 held=0
-      warn "the fuzzer found something (whole output in $log)"
-    fi
-    printf 'statements fuzzed\t%d\t%d\n' "$kRuns" "$held" >>"$KX_FAULTS_TABLE"
+  if [[ $round -eq 1 ]]; then # every call of the driver, so once is all
+    log=$work/server_tests.log
+    KX_FAULTS=all "$kxBuild/sanitize/tests/server_tests" --gtest_brief=1 >"$log" 2>&1 || {
+      status=1
+      warn "server_tests: something did not hold (whole output in $log)"
+    }
+    sed -n 's/^\(.*[^ ]\)  *[0-9]* calls, *\([0-9]*\) faults tried, all held$/a call of the driver: \1\t\2\t\2/p' "$log" \
+      >>"$KX_FAULTS_TABLE"
   fi
+  for fuzzer in ${fuzzers[@]+"${fuzzers[@]}"}; do
+    log=$work/$fuzzer.$round.log held=${kRuns[$fuzzer]}
+    mkdir -p "$work/$fuzzer"
+    # shellcheck disable=SC2086 # no seeds, no argument
+    if ! (cd "$work" && "$fuzzBuild/tests/engine/$fuzzer" -runs="$held" -max_len="${kLongest[$fuzzer]}" -seed="$round" \
+      "$fuzzer" ${kSeeds[$fuzzer]}) >"$log" 2>&1; then
+      status=1 held=0
+      warn "$fuzzer found something (whole output in $log)"
+    fi
+    printf '%s\t%d\t%d\n' "${kCases[$fuzzer]}" "${kRuns[$fuzzer]}" "$held" >>"$KX_FAULTS_TABLE"
+  done
 done
 
 say "$round round(s)"
