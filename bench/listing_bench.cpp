@@ -95,12 +95,11 @@ class Latest : public Comparison {
     m_workspace->BeginAction();
     {
       const auto database = m_workspace->OpenDatabase({.name = m_path});
-      const auto rows = catalog::BuildRestoreQuery(*database, m_terms.setId, true, m_terms.mask, "");
+      const engine::ColumnNames read = {"OrigName",  "OrigSize", "Extension", "SetNameID", "SetName",
+                                        "DateStamp", "Filename", "File",      "Plugin",    "ID"};
+      const auto rows = catalog::BuildRestoreQuery(*database, m_terms.setId, true, m_terms.mask, "", read);
       std::vector<engine::Field> fields;
-      for (const char* name : {"OrigName", "OrigSize", "Extension", "SetNameID", "SetName", "DateStamp",
-                               "Filename", "File", "Plugin", "ID"}) {
-        fields.push_back(rows->Fields(name));
-      }
+      for (const std::string_view name : read) fields.push_back(rows->Fields(name));
       Totals totals;
       for (; !rows->Eof(); rows->MoveNext(), ++totals.rows) {
         for (const engine::Field& field : fields) Use(field.IsNull());

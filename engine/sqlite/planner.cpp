@@ -167,6 +167,7 @@ std::shared_ptr<Plan> MakePlan(const Connection& connection, const Sql& sql, Sta
     auto columns = NamesOfColumns(connection.Prepare(Print(statement, dialect)));
     LeaveOutUnreadColumns(*select, columns, read);
   }
+  if (select != nullptr) LeaveOutUnreadNestedColumns(*select);
   if (use == StatementUse::kDynaset && select != nullptr) {
     plan->tables = AddRowNumbers(connection, *select, pure);
   }

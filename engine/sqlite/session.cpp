@@ -289,7 +289,7 @@ void Session::CommitIfDue() {
 }
 
 void Session::Idle() {
-  if (InGroup()) {
+  if (InGroup() && InTransaction()) {  // called for every row: without a transaction it must cost nothing
     if (Clock::now() >= m_due) SettleForCommit();
     CommitIfDue();
   }

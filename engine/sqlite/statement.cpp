@@ -53,21 +53,22 @@ void Statement::Reset() noexcept {
   sqlite3_reset(Get());  // what it returns was returned by the step before
 }
 
+// One look-up of the value for all its properties. A connection without a mutex may read it so.
 ValueView Statement::Read(int column) const {
-  sqlite3_stmt* const statement = Get();
-  switch (sqlite3_column_type(statement, column)) {
+  sqlite3_value* const value = sqlite3_column_value(Get(), column);
+  switch (sqlite3_value_type(value)) {
     case SQLITE_INTEGER:
-      return static_cast<std::int64_t>(sqlite3_column_int64(statement, column));
+      return static_cast<std::int64_t>(sqlite3_value_int64(value));
     case SQLITE_FLOAT:
-      return sqlite3_column_double(statement, column);
+      return sqlite3_value_double(value);
     case SQLITE_TEXT: {
-      const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+      const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
       if (text == nullptr) m_connection->Raise(SQLITE_NOMEM, Doing::kReading);
-      return std::string_view(text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column)));
+      return std::string_view(text, static_cast<std::size_t>(sqlite3_value_bytes(value)));
     }
     case SQLITE_BLOB: {
-      const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
-      const int size = sqlite3_column_bytes(statement, column);
+      const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+      const int size = sqlite3_value_bytes(value);
       if (bytes == nullptr && size > 0) m_connection->Raise(SQLITE_NOMEM, Doing::kReading);
       return bytes == nullptr ? std::string_view("")
                               : std::string_view(bytes, static_cast<std::size_t>(size));

@@ -1,5 +1,6 @@
 // The translator alone: what statements become for SQLite, and what it refuses.
 
+#include "engine/jet_sql/meaning/read_columns.h"
 #include "engine/jet_sql/printing/printer.h"
 #include "engine/jet_sql/reading/parser.h"
 #include "engine/sql.h"
@@ -55,6 +56,27 @@ TEST(JetSql, JoinsAreMirrored) {
   EXPECT_EQ(from("(A LEFT JOIN B ON A.x = B.x) INNER JOIN C AS D ON D.y = A.y"),
             "A LEFT JOIN B ON A.x = B.x INNER JOIN C AS D ON D.y = A.y");
   EXPECT_EQ(from("A, (SELECT 1 AS n) AS B"), "A, (SELECT 1 AS n) AS B");
+}
+
+TEST(JetSql, NestedColumnsThatNobodyReadGo) {
+  const auto nested = [](const std::string& items, const std::string& inner, const std::string& rest) {
+    Statement statement = Parse("SELECT " + items + " FROM T, (SELECT " + inner + ") AS Q " + rest);
+    LeaveOutUnreadNestedColumns(std::get<SelectStatement>(statement));
+    const std::string text = Print(statement, SqliteDialect(false));
+    const std::size_t start = text.find("(SELECT ") + 8;
+    return text.substr(start, text.find(" FROM u") - start);
+  };
+  const std::string grouped = "a, Max(b) AS m, First(c) AS f FROM u GROUP BY a";
+  EXPECT_EQ(nested("T.x", grouped, "WHERE Q.m = T.m"), "Max(b) AS m");
+  EXPECT_EQ(nested("T.x, f", grouped, "ORDER BY Q.m"), "Max(b) AS m, c AS f");
+  EXPECT_EQ(nested("T.x", grouped, "WHERE x In (SELECT y FROM v WHERE Q.a = v.a)"), "a AS a");
+  EXPECT_EQ(nested("T.*", grouped, "WHERE Q.a = 1"), "a AS a");
+  // All of them are read, or decide which rows there are.
+  const std::string all = "a AS a, Max(b) AS m, c AS f";
+  for (const char* items : {"*", "Q.*"}) EXPECT_EQ(nested(items, grouped, "WHERE Q.a = 1"), all);
+  EXPECT_EQ(nested("T.x", "Max(a) AS m, Max(b) AS n FROM u", "WHERE Q.n = 1"), "Max(a) AS m, Max(b) AS n");
+  EXPECT_EQ(nested("T.x", "DISTINCT a, b FROM u", "WHERE Q.a = 1"), "DISTINCT a AS a, b AS b");
+  EXPECT_EQ(nested("T.x", "a, b FROM u ORDER BY 2", "WHERE Q.a = 1"), "a AS a, b AS b");
 }
 
 TEST(JetSql, Statements) {

@@ -66,6 +66,89 @@ SelectItem Named(SelectItem item, const ResultColumn& column) {
   return item;
 }
 
+// What a statement reads of one nested statement in its FROM clause.
+class ReadsOf {
+ public:
+  explicit ReadsOf(std::string_view alias) : m_alias(alias) {}
+
+  void Add(const SelectStatement& statement) {
+    for (const SelectCore& core : statement.cores) Add(core);
+    for (const OrderItem& order : statement.orderBy) Add(*order.expression);
+  }
+
+  bool Holds(std::string_view name) const {
+    return m_all || std::any_of(m_names.begin(), m_names.end(),
+                                [&](std::string_view read) { return EqualIgnoringCase(read, name); });
+  }
+
+ private:
+  void Add(const SelectCore& core) {
+    for (const SelectItem& item : core.items) {
+      if (!IsStar(item)) {
+        Add(*item.expression);
+      } else if (item.starQualifier.empty() || EqualIgnoringCase(item.starQualifier, m_alias)) {
+        m_all = true;
+      }
+    }
+    for (const JoinChain& chain : core.from) Add(chain);
+    for (const ExpressionPtr* condition : {&core.where, &core.having}) {
+      if (*condition) Add(**condition);
+    }
+    for (const ExpressionPtr& group : core.groupBy) Add(*group);
+  }
+
+  // A nested statement does not see its neighbours.
+  void Add(const JoinChain& chain) {
+    if (chain.first.nested) Add(*chain.first.nested);
+    for (const Join& join : chain.joins) {
+      if (join.table.nested) Add(*join.table.nested);
+      if (join.on) Add(*join.on);
+    }
+  }
+
+  void Add(const Expression& expression) {
+    if (expression.kind == ExpressionKind::kColumn &&
+        (expression.qualifier.empty() || EqualIgnoringCase(expression.qualifier, m_alias))) {
+      m_names.push_back(expression.text);
+      if (expression.text.find('.') != std::string::npos)
+        m_all = true;  // [Table.Column] in one pair of brackets
+    }
+    for (const ExpressionPtr& part : expression.args) Add(*part);
+    if (expression.query) Add(*expression.query);
+  }
+
+  std::string_view m_alias;
+  bool m_all = false;
+  std::vector<std::string_view> m_names;
+};
+
+// Whether an item of this SELECT can go without changing which rows there are: a plain column, or an
+// aggregate of one beside GROUP BY.
+bool CanGoFrom(const SelectCore& core, const SelectItem& item) {
+  if (IsStar(item)) return false;
+  const Expression& expression = *item.expression;
+  if (expression.kind == ExpressionKind::kColumn) return true;
+  return !core.groupBy.empty() && IsAggregate(expression) &&
+         std::all_of(expression.args.begin(), expression.args.end(),
+                     [](const ExpressionPtr& argument) { return argument->kind == ExpressionKind::kColumn; });
+}
+
+void KeepOnlyRead(SelectStatement& nested, const ReadsOf& reads) {
+  // Elsewhere the columns count by their place, or by being the row itself.
+  if (nested.cores.size() != 1 || nested.cores.front().distinct || !nested.orderBy.empty()) return;
+  SelectCore& core = nested.cores.front();
+  if (core.having || std::any_of(core.items.begin(), core.items.end(), IsStar)) return;
+  std::vector<SelectItem> kept;
+  for (std::size_t i = 0; i < core.items.size(); ++i) {
+    SelectItem& item = core.items[i];
+    const std::string name = ColumnName(item, i);
+    if (!reads.Holds(name) && CanGoFrom(core, item)) continue;
+    if (item.alias.empty()) item.alias = name;  // which may depend on the place
+    kept.push_back(std::move(item));
+  }
+  if (!kept.empty()) core.items = std::move(kept);
+}
+
 }  // namespace
 
 void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>& columns,
@@ -87,12 +170,12 @@ void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>
   }
   for (const ExpressionPtr& group : core.groupBy) WantNamedColumns(*group, columns, wanted);
 
-  const std::size_t behindStar = columns.size() + static_cast<std::size_t>(stars) - core.items.size();
+  const std::size_t ofStar = columns.size() + static_cast<std::size_t>(stars) - core.items.size();
   std::vector<SelectItem> items;
   std::vector<ResultColumn> kept;
   std::vector<std::size_t> places;  // new positions of the old columns
   for (SelectItem& item : core.items) {
-    for (std::size_t count = IsStar(item) ? behindStar : 1; count > 0; --count) {
+    for (std::size_t count = IsStar(item) ? ofStar : 1; count > 0; --count) {
       ResultColumn& column = columns[places.size()];
       if (wanted[places.size()] || !CanGo(item)) {
         items.push_back(IsStar(item) ? ColumnOfStar(item, column) : Named(std::move(item), column));
@@ -107,6 +190,26 @@ void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>
   }
   core.items = std::move(items);
   columns = std::move(kept);
+}
+
+void LeaveOutUnreadNestedColumns(SelectStatement& statement) {
+  const auto visit = [&statement](TableRef& table, const auto& self) -> void {
+    if (table.nested) {
+      self(table.nested->first, self);
+      for (Join& join : table.nested->joins) self(join.table, self);
+    } else if (table.query) {
+      ReadsOf reads(table.alias);
+      reads.Add(statement);
+      KeepOnlyRead(*table.query, reads);
+      LeaveOutUnreadNestedColumns(*table.query);
+    }
+  };
+  for (SelectCore& core : statement.cores) {
+    for (JoinChain& chain : core.from) {
+      visit(chain.first, visit);
+      for (Join& join : chain.joins) visit(join.table, visit);
+    }
+  }
 }
 
 }  // namespace kxrestore::engine::jet_sql
