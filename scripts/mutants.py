@@ -1,23 +1,27 @@
 #!/usr/bin/env python3
-"""Tries one-line changes against the native tests: mutants.py [FILTER...]
+"""Tries one-line changes against the native tests: mutants.py [--list FILE] [FILTER...]
 
-tests/mutants.txt lists the changes, of the kind that a tidy programmer makes where the system is odd on purpose. Each
-is made in a copy of the sources under build/mutants, what it touches is built and the tests of its folder are run up
-to the first failure. The last line says how many changes were noticed. With FILTERs only the changes whose file or
-name holds one of them are tried. Exit status: 0 when all were noticed, 1 when some were not, 2 when the list or the
-unchanged sources are wrong.
+scripts/mutants/*.txt list the changes, of the kind that a tidy programmer makes where the system is odd on purpose. A
+copy of the sources is built once under build/mutants, without optimisation. For each change only the changed source is
+compiled, linked before the libraries of the programs that test its folder, and these run up to the first failure;
+as many changes at a time as there are processors. The last line says how many changes were noticed. With FILTERs only
+the changes whose file or name holds one of them are tried. Exit status: 0 when all were noticed, 1 when some were
+not, 2 when the list or the unchanged sources are wrong.
 """
+import concurrent.futures
 import os
 import pathlib
 import shutil
 import subprocess
 import sys
+import tempfile
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
+LISTS = ROOT / "scripts" / "mutants"
 SOURCE = ROOT / "build" / "mutants"
 BUILD = SOURCE / "build" / "mutants"
-JOBS = str(os.cpu_count() or 2)
+JOBS = os.cpu_count() or 2
 
 # The programs that test a folder, the likeliest to notice first.
 PROGRAMS = {
@@ -34,12 +38,24 @@ PATIENCE = 180  # seconds for one program
 
 class Change:
     def __init__(self, file, name, compiled_in):
-        self.file, self.name, self.compiled_in = file, name, compiled_in
+        self.file, self.name = file, name
+        self.sources = compiled_in or [file]
         self.old, self.new = [], []
+
+    def __str__(self):
+        return f"{self.file}: {self.name}"
+
+    def apply(self):
+        """The text of the changed file."""
+        text = (SOURCE / self.file).read_text(encoding="utf-8")
+        old, new = "\n".join(self.old), "\n".join(self.new)
+        if not old or text.count(old) != 1:
+            raise ValueError(f"its old text occurs {text.count(old) if old else 0} times")
+        return text.replace(old, new)
 
 
 def read_list(path):
-    """`@ FILE [compiled in FILE...]`, then for each change `= NAME` and lines `- OLD` and `+ NEW`.
+    """`@ FILE [compiled in FILE...]`, then for each change `= NAME` and lines `- OLD` and `+ NEW`; `#` a comment.
 
     The old text occurs once in the file. `compiled in` names the only sources that a change of a header alters.
     """
@@ -81,106 +97,137 @@ def copy_sources():
 
 def run(command, **options):
     return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace",
-                          **options)
+                          cwd=BUILD, **options)
 
 
-def build(program):
-    return run(["cmake", "--build", str(BUILD), "-j", JOBS, "--target", program])
+def carry_out(command):
+    result = run(command, shell=isinstance(command, str))
+    if result.returncode != 0:
+        raise ValueError("it does not build:\n" + result.stdout[-1500:])
 
 
-def failure_of(program):
-    """The first test that fails, or how else the program ended; None when all is well."""
-    command = [str(BUILD / "tests" / program), "--gtest_fail_fast", "--gtest_brief=1", "--gtest_filter=-" + SLOW]
+def failure_of(program, folder):
+    """The first test that fails, or how else the program ended; None when all is well. Files go into `folder`."""
+    command = [program, "--gtest_fail_fast", "--gtest_brief=1", "--gtest_filter=-" + SLOW]
     try:
-        result = run(command, cwd=BUILD, timeout=PATIENCE)
+        result = run(command, timeout=PATIENCE, env=os.environ | {"TMPDIR": str(folder)})
     except subprocess.TimeoutExpired:
         return "no end"
     if result.returncode == 0:
         return None
-    failed = [line.split()[3] for line in result.stdout.splitlines() if line.startswith("[  FAILED  ] ") and "." in line]
-    failed = failed or [line.split()[3].rstrip(",") for line in result.stdout.splitlines() if line.startswith("[  FAILED")]
-    return failed[0] if failed else f"{program} ended with {result.returncode}"
+    failed = [line.split()[3].rstrip(",") for line in result.stdout.splitlines() if line.startswith("[  FAILED  ] ")]
+    failed = [name for name in failed if "." in name]
+    return failed[0] if failed else f"{pathlib.Path(program).name} ended with {result.returncode}"
 
 
-def prepare():
+class Commands:
+    """How the build compiles each source and links each program."""
+
+    def __init__(self, changes):
+        objects = {}
+        for line in run(["ninja", "-t", "targets", "all"]).stdout.splitlines():
+            target = line.split(":")[0]
+            if target.endswith(".cpp.o"):
+                folder, _, name = target.partition("CMakeFiles/")
+                objects[folder + name.partition(".dir/")[2][:-2]] = target
+        self.objects = {source: objects[source] for change in changes for source in change.sources}
+        self.compile = {source: self.ask(target) for source, target in self.objects.items()}
+        self.link = {name: self.ask("tests/" + name) for name in programs_of(changes)}
+
+    @staticmethod
+    def ask(target):
+        return run(["ninja", "-t", "commands", "-s", target]).stdout.splitlines()[-1]
+
+
+def programs_of(changes):
+    return sorted({name for change in changes for name in PROGRAMS[change.file.split("/")[0]]})
+
+
+def prepare(changes):
     SOURCE.mkdir(parents=True, exist_ok=True)
     copy_sources()
+    BUILD.mkdir(parents=True, exist_ok=True)
     configure = ["cmake", "-G", "Ninja", "-S", str(SOURCE), "-B", str(BUILD), "-DCMAKE_BUILD_TYPE=None",
                  "-DCMAKE_CXX_FLAGS=-O0"]
     if shutil.which("ld.lld"):
         configure.append("-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld")
-    for command in [configure] + [["cmake", "--build", str(BUILD), "-j", JOBS, "--target", name]
-                                  for name in sorted({name for names in PROGRAMS.values() for name in names})]:
-        result = run(command)
-        if result.returncode != 0:
-            sys.stdout.write(result.stdout[-4000:])
-            sys.exit("the unchanged sources do not build")
-
-
-def try_change(change):
-    """What noticed the change; None when nothing did. Raises ValueError when the change cannot be tried."""
-    path = SOURCE / change.file
-    text = path.read_text(encoding="utf-8")
-    old, new = "\n".join(change.old), "\n".join(change.new)
-    if not old or text.count(old) != 1:
-        raise ValueError(f"its old text occurs {text.count(old) if old else 0} times")
-    before = path.stat()
-
-    def write(content):
-        path.write_text(content, encoding="utf-8")
-        if change.compiled_in:
-            os.utime(path, ns=(before.st_atime_ns, before.st_mtime_ns))
-            for source in change.compiled_in:
-                os.utime(SOURCE / source)
-
-    write(text.replace(old, new))
     try:
-        for program in PROGRAMS[change.file.split("/")[0]]:
-            built = build(program)
-            if built.returncode != 0:
-                raise ValueError("it does not build:\n" + built.stdout[-1500:])
-            failure = failure_of(program)
-            if failure:
-                return failure
-        return None
-    finally:
-        write(text)
+        carry_out(configure)
+        carry_out(["cmake", "--build", str(BUILD), "-j", str(JOBS), "--target"] + programs_of(changes))
+    except ValueError as error:
+        sys.exit(f"the unchanged sources: {error}")
+
+
+def try_change(change, commands, folder):
+    """What noticed the change; None when nothing did. Raises ValueError when the change cannot be tried."""
+    changed = folder / change.file
+    changed.parent.mkdir(parents=True)
+    changed.write_text(change.apply(), encoding="utf-8")
+    objects = {}
+    for source in change.sources:
+        target = str(folder / source.replace("/", "_")) + ".o"
+        text = commands.compile[source].replace(commands.objects[source], target).replace(" -I", f" -iquote {folder} -I", 1)
+        if source == change.file:
+            text = text.replace(str(SOURCE / source), str(changed))
+        carry_out(text)
+        objects[source] = target
+    for name in PROGRAMS[change.file.split("/")[0]]:
+        program = str(folder / name)
+        text = commands.link[name].replace(f"-o tests/{name}", f"-o {program}")
+        before = []  # the libraries, which are then not asked for what these define
+        for source, target in objects.items():
+            if commands.objects[source] in text:
+                text = text.replace(commands.objects[source], target)
+            else:
+                before.append(target)
+        carry_out(text.replace(" -o ", " " + " ".join(before) + " -o ", 1))
+        failure = failure_of(program, folder)
+        if failure:
+            return failure
+    return None
 
 
 def main():
-    filters = sys.argv[1:]
-    if any(word in ("-h", "--help") for word in filters):
+    arguments = sys.argv[1:]
+    if any(word in ("-h", "--help") for word in arguments):
         print(__doc__)
         return 0
-    changes = [change for change in read_list(ROOT / "tests" / "mutants.txt")
-               if not filters or any(word in f"{change.file} {change.name}" for word in filters)]
+    paths = sorted(LISTS.glob("*.txt"))
+    if arguments[:1] == ["--list"]:
+        paths, arguments = [pathlib.Path(arguments[1])], arguments[2:]
+    changes = [change for path in paths for change in read_list(path)
+               if not arguments or any(word in str(change) for word in arguments)]
     if not changes:
         sys.exit("no such change")
-    prepare()
-    for program in sorted({name for change in changes for name in PROGRAMS[change.file.split("/")[0]]}):
-        failure = failure_of(program)
-        if failure:
-            print(f"the unchanged sources fail: {program}: {failure}")
-            return 2
-    noticed, missed, broken = 0, [], []
-    for change in changes:
+    prepare(changes)
+    commands = Commands(changes)
+    memory = "/dev/shm" if os.path.isdir("/dev/shm") else None  # syncing real files would take most of the time
+
+    def attempt(change):
         start = time.monotonic()
-        label = f"{change.file}: {change.name}"
-        try:
-            failure = try_change(change)
-        except ValueError as error:
-            broken.append(label)
-            print(f"CANNOT BE TRIED  {label}: {error}", flush=True)
-            continue
-        if failure:
-            noticed += 1
-        else:
-            missed.append(label)
-        print(f"{'noticed    ' if failure else 'NOT NOTICED'}  {label}  ({failure or 'nothing fails'}, "
+        with tempfile.TemporaryDirectory(prefix="kx-mutant-", dir=memory) as folder:
+            try:
+                failure = try_change(change, commands, pathlib.Path(folder))
+            except ValueError as error:
+                print(f"CANNOT BE TRIED  {change}: {error}", flush=True)
+                return "broken"
+        print(f"{'noticed    ' if failure else 'NOT NOTICED'}  {change}  ({failure or 'nothing fails'}, "
               f"{time.monotonic() - start:.0f} s)", flush=True)
-    for label in missed:
-        print(f"not noticed: {label}")
-    print(f"{noticed} of {len(changes)} noticed, {len(missed)} not noticed, {len(broken)} could not be tried")
+        return "noticed" if failure else "missed"
+
+    with tempfile.TemporaryDirectory(prefix="kx-mutant-", dir=memory) as folder:
+        for name in programs_of(changes):
+            failure = failure_of(str(BUILD / "tests" / name), pathlib.Path(folder))
+            if failure:
+                print(f"the unchanged sources fail: {name}: {failure}")
+                return 2
+    with concurrent.futures.ThreadPoolExecutor(JOBS) as pool:
+        results = list(pool.map(attempt, changes))
+    for change, result in zip(changes, results):
+        if result == "missed":
+            print(f"not noticed: {change}")
+    missed, broken = results.count("missed"), results.count("broken")
+    print(f"{results.count('noticed')} of {len(changes)} noticed, {missed} not noticed, {broken} could not be tried")
     return 2 if broken else 1 if missed else 0
 
 

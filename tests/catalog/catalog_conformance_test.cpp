@@ -162,44 +162,26 @@ TEST_P(CatalogConformance, NamesThatDifferInCaseOnlyAreOneFile) {
   EXPECT_EQ(List(0, true, "port"), Ids{2});
 }
 
-TEST_P(CatalogConformance, MasksAsUsersWriteThem) {
-  const char* const names[] = {"C:\\a.doc",      "C:\\b.docx",     "D:\\report1.xls", "D:\\report12.xls",
-                               "E:\\100%.txt",   "E:\\100x.txt",   "F:\\a_b",         "F:\\axb",
-                               "G:\\it''s",      "G:\\say \"hi\"", "H:\\GrÖSSE",      "H:\\x grösse",
-                               "I:\\odd[1].txt", "J:\\no.7",       "J:\\no.x"};
-  std::vector<Version> versions;
-  for (const char* name : names) versions.push_back({static_cast<std::int64_t>(versions.size()) + 1, name});
-  Fill(versions);
-  const std::pair<const char*, Ids> cases[] = {{"*.doc", {1, 2}},
-                                               {"report?.xls", {3}},
-                                               {":\\[a-e]*", {1, 2, 7, 8}},
-                                               {"100%", {5}},
-                                               {"a_b", {7}},
-                                               {"it's", {9}},
-                                               {"\"", {10}},
-                                               {"say \"hi\"", {10}},
-                                               {"grösse", {11, 12}},
-                                               {"GRÖ", {11, 12}},
-                                               {"odd[[]1", {13}},
-                                               {"no.#", {14}},
+// What masks mean is tested with the engine; here nothing that users write breaks out of them.
+TEST_P(CatalogConformance, MasksStayMasks) {
+  Fill({{1, "C:\\a.doc"}, {2, "G:\\it''s"}, {3, "G:\\say \"hi\""}, {4, "H:\\GrÖSSE"}, {5, "I:\\odd[1].txt"}});
+  const std::pair<const char*, Ids> cases[] = {{"it's", {2}},
+                                               {"\"", {3}},
+                                               {"say \"hi\"", {3}},
+                                               {"grösse", {4}},
+                                               {"odd[[]1", {5}},
                                                {"' Or ''='", {}},
                                                {"\" Or \"\"=\"", {}},
                                                {"*\") Or (Status = 2) Or (OrigName Like \"", {}},
                                                {";", {}},
-                                               {"--", {}},
-                                               {"?:\\no.[!0-9]", {15}}};
+                                               {"--", {}}};
   for (const auto& [mask, expected] : cases) {
-    SCOPED_TRACE(mask);
-    for (const int setId : {0, 1}) {
-      Ids found = List(setId, setId == 1, mask);
-      std::sort(found.begin(), found.end());
-      EXPECT_EQ(found, expected);
-    }
+    for (const int setId : {0, 1}) EXPECT_EQ(List(setId, setId == 1, mask), expected) << mask;
   }
   // A list that is never closed finds the bracket or is refused; it never finds everything.
   for (const char* mask : {"[", "odd[1"}) {
     try {
-      EXPECT_EQ(List(0, false, mask), Ids{13});
+      EXPECT_EQ(List(0, false, mask), Ids{5});
     } catch (const Error& error) {
       EXPECT_EQ(error.Number(), 93) << error.Description();
     }

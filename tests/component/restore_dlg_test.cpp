@@ -45,8 +45,13 @@ class RestoreDlgTest : public DialogTest, public component::FormProvider {
 };
 
 TEST_F(RestoreDlgTest, ResultTellsACommitFromACancel) {
-  form.parameters.StopRequested = true;  // left over from an earlier dialog
-  User([this] { Commit(); });
+  // Left over from before, in a form that is loaded already.
+  form.setLabelInVisible(true);
+  form.parameters.StopRequested = true;
+  User([this] {
+    EXPECT_TRUE(ui().lblRestorePath.Visible());
+    Commit();
+  });
   EXPECT_EQ(second.DefineRestoreSet(), 1) << "the catalog was named to the first";
   EXPECT_EQ(events, Strings{"second"});
   EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
@@ -111,7 +116,9 @@ TEST_F(RestoreDlgTest, CaptionsAreAppliedWhenGivenAndOnlyToTheNextDialog) {
   User([&] {
     seen = {ui().form.Caption(), ui().cmdRestore[0].Caption(), ui().lblList.Caption(),
             ui().lblRestorePath.Visible() ? "shown" : "hidden"};
+    EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To: D:\\Back") << "a path holds for every dialog";
   });
+  first.Set(&Parameters::RestorePath, "D:\\Back");
   first.DefineRestoreSet();
   const Strings designed{"Select Files to Restore", "Restore &Now", "Files Selected to Restore: ", "shown"};
   EXPECT_EQ(seen, designed);

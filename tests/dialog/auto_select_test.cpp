@@ -109,7 +109,11 @@ TEST_F(AutoSelectTab, TheBoxIsReadForEachTypeAndTheLastPatternStaysTheExtension)
     entry.name = type;
     controls.asFiles.Add(entry, true);
   }
-  DuringWalk(2, [&] { controls.chk2.UserClick(); });
+  DuringWalk(2, [&] {
+    controls.chk2.UserClick();
+    controls.optLookIn[2].SetValue(true);  // read once, before the first type; there is no set 9
+    context.choice.m_lngSetID = 9;
+  });
   controls.cmdAuto[kApplyTypes].UserClick();
   EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 4}));
   EXPECT_EQ(context.choice.m_strExtension, "*.xls");
@@ -133,9 +137,9 @@ TEST_F(AutoSelectTab, StoppingAndFailingKeepTheMarksThatAreMade) {
   LoadTypes({Live(1, "C:\\a.doc"), Live(2, "C:\\b.doc"), Live(3, "C:\\c.doc"), Live(4, "C:\\d.xls")});
   Tick(Types(), "Documents");
   ui().asRestoreList.Add({});
-  EscapeAt(3);
+  EscapeAt(2);
   ApplyTypes();
-  EXPECT_EQ(catalog->Marked().size(), 3u) << "pending messages run after each row";
+  EXPECT_EQ(catalog->Marked().size(), 2u) << "pending messages run after each row";
   EXPECT_EQ(ui().asRestoreList.Count(), 1u) << "a stop leaves the list as it was";
 
   catalog->Execute(

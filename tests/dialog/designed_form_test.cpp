@@ -28,86 +28,51 @@ std::string Look(const controls::Control& control) {
   return look;
 }
 
-void List(const controls::Control& control, const std::string& indent, Strings& lines) {
-  lines.push_back(indent + Look(control));
-  if (const auto* container = dynamic_cast<const controls::Container*>(&control)) {
-    for (const controls::Control* const child : container->Children()) List(*child, indent + " ", lines);
+// Each container with what stands on it, in paragraphs.
+std::string List(const controls::Container& container) {
+  Strings pieces{Look(container) + ":"};
+  std::string inner;
+  for (const controls::Control* const child : container.Children()) {
+    pieces.push_back(Look(*child));
+    const auto* const below = dynamic_cast<const controls::Container*>(child);
+    if (below != nullptr && !below->Children().empty()) inner += List(*below);
   }
+  return Filled(pieces) + inner;
 }
 
 TEST(DesignedForm, ControlsInTheirContainersAsTheUserMeetsThem) {
   const FormControls ui;
-  Strings lines;
-  List(ui.form, "", lines);
-  EXPECT_EQ(Text(lines), R"--(
-frmRestore "Select Files to Restore"
- picTop
-  tbsOptions "&Backup Sets=BackupSets" "Advanced &Search=Search" "&Auto-Select=" (Ways to choose files)
-  tvwSets (Backup sets)
-  SplitV (Width of the backup sets)
-  picTabs
-   panel(0)
-    tvwDetails (Files of the backup set)
-    frLoadCD "Append new Archive CD to Catalog" hidden
-     lblCD(0) "Select CD-ROM"
-     lblCD(1) "Progress"
-     lblCD(2) "Messages"
-     DriveCD (CD-ROM drive)
-     lblVL "Volume"
-     txtVL (Volume)
-     ProgressBar1 (Progress)
-     cmdCD "&Start" disabled
-    cmdAction(0) "Appl&y"
-    cmdAction(1) "&Clear All"
-    cmdAction(2) "E&xpand All"
-    cmdAction(3) "C&ollapse All"
-    chkShowZero "Show Empty Backups" hidden
-    lblTreeCount ""
-    frLookin(0) "Look in" hidden
-     optLookIn(4) "&This Set"
-     optLookIn(5) "A&ll Sets" chosen
-   panel(1) hidden
-    lblMask " Find By Mask"
-    cboMask (Find by mask)
-    chk(1) "Only Most Recent Version"
-    frLookin(1) "Look in"
-     optLookIn(0) "&This Set" disabled
-     optLookIn(1) "A&ll Sets" chosen
-    cmdSearch(0) "Appl&y"
-    cmdSearch(1) "Clea&r"
-    cmdSearch(2) "&Find"
-    cmdSearch(3) "Select &All"
-    lblSearchCount "0 File(s)"
-    asSearch (Files found)
-   panel(2) hidden
-    asFiles (File types)
-    frLookin(2) "Look in"
-     optLookIn(2) "&This Set" disabled
-     optLookIn(3) "A&ll Sets" chosen
-    chk(2) "&Only Most Recent Version"
-    cmdAuto(0) "&Apply"
-    cmdAuto(1) "Select &All"
-    cmdAuto(2) "&Unselect All"
-    btnSelect(0) "Include Selectio in Restore" hidden
-    btnSelect(1) "Exclude Selection from Restore " hidden
-    btnSelect(2) "Clear Selection" hidden
- picTopButtons
-  cmdRestore(0) "Restore &Now" disabled
-  cmdRestore(1) "Canc&el"
-  lblCurrSet "Current Set:" in Arial
-  lblSetName "(none)" in Arial
- splitH (Height of the upper area)
- picBottom
-  lblList "Files Selected to Restore: "
-  lblRestorePath "Restore To:"
-  asRestoreList (Files selected to restore)
-  cmdRestore(2) "&Refresh"
-  cmdRestore(3) "&Update"
-  cmdRestore(4) "C&lear "
-  picCounts
-   lblCounts(0) "Files: 0 "
-   lblCounts(1) "Bytes: 0 " hidden
- lblHelp ""
+  EXPECT_EQ("\n" + List(ui.form), R"--(
+frmRestore "Select Files to Restore": | picTop | picTopButtons | splitH (Height of the upper area)
+picBottom | lblHelp ""
+picTop:
+tbsOptions "&Backup Sets=BackupSets" "Advanced &Search=Search" "&Auto-Select=" (Ways to choose files)
+tvwSets (Backup sets) | SplitV (Width of the backup sets) | picTabs
+picTabs: | panel(0) | panel(1) hidden | panel(2) hidden
+panel(0): | tvwDetails (Files of the backup set)
+frLoadCD "Append new Archive CD to Catalog" hidden | cmdAction(0) "Appl&y"
+cmdAction(1) "&Clear All" | cmdAction(2) "E&xpand All" | cmdAction(3) "C&ollapse All"
+chkShowZero "Show Empty Backups" hidden | lblTreeCount "" | frLookin(0) "Look in" hidden
+frLoadCD "Append new Archive CD to Catalog" hidden: | lblCD(0) "Select CD-ROM" | lblCD(1) "Progress"
+lblCD(2) "Messages" | DriveCD (CD-ROM drive) | lblVL "Volume" | txtVL (Volume)
+ProgressBar1 (Progress) | cmdCD "&Start" disabled
+frLookin(0) "Look in" hidden: | optLookIn(4) "&This Set" | optLookIn(5) "A&ll Sets" chosen
+panel(1) hidden: | lblMask " Find By Mask" | cboMask (Find by mask)
+chk(1) "Only Most Recent Version" | frLookin(1) "Look in" | cmdSearch(0) "Appl&y"
+cmdSearch(1) "Clea&r" | cmdSearch(2) "&Find" | cmdSearch(3) "Select &All"
+lblSearchCount "0 File(s)" | asSearch (Files found)
+frLookin(1) "Look in": | optLookIn(0) "&This Set" disabled | optLookIn(1) "A&ll Sets" chosen
+panel(2) hidden: | asFiles (File types) | frLookin(2) "Look in" | chk(2) "&Only Most Recent Version"
+cmdAuto(0) "&Apply" | cmdAuto(1) "Select &All" | cmdAuto(2) "&Unselect All"
+btnSelect(0) "Include Selectio in Restore" hidden
+btnSelect(1) "Exclude Selection from Restore " hidden | btnSelect(2) "Clear Selection" hidden
+frLookin(2) "Look in": | optLookIn(2) "&This Set" disabled | optLookIn(3) "A&ll Sets" chosen
+picTopButtons: | cmdRestore(0) "Restore &Now" disabled | cmdRestore(1) "Canc&el"
+lblCurrSet "Current Set:" in Arial | lblSetName "(none)" in Arial
+picBottom: | lblList "Files Selected to Restore: " | lblRestorePath "Restore To:"
+asRestoreList (Files selected to restore) | cmdRestore(2) "&Refresh" | cmdRestore(3) "&Update"
+cmdRestore(4) "C&lear " | picCounts
+picCounts: | lblCounts(0) "Files: 0 " | lblCounts(1) "Bytes: 0 " hidden
 )--");
   EXPECT_EQ(ui.imlFiles.Keys(),
             (Strings{"cfolder", "file", "ofolder", "drive", "boxCheck", "box", "boxX", "check", "uncheck"}));

@@ -39,6 +39,17 @@ inline std::string Text(const Strings& lines) {
   return text;
 }
 
+// As a paragraph, with " | " between what belongs to one line.
+inline std::string Filled(const Strings& pieces) {
+  std::string page, line;
+  for (const std::string& piece : pieces) {
+    if (piece.empty()) continue;
+    if (!line.empty() && line.size() + piece.size() > 97) page.append(std::exchange(line, {})).append("\n");
+    line.append(line.empty() ? "" : " | ").append(piece);
+  }
+  return page + line + "\n";
+}
+
 inline sample::FileRow Row(std::int64_t id, std::int64_t setId, std::string extension, std::string path) {
   sample::FileRow row = Live(id, std::move(path));
   row.setId = setId;
@@ -63,6 +74,15 @@ inline std::vector<sample::RunRow> Runs() {
           {1, "2026-02-01 14:25:30", "002", {}, 6},
           {1, "2026-03-01 08:00:00", "003", true, 6},
           {2, "2026-02-15 10:30:00", "001", false, 6}};
+}
+
+// The first node with this text or tag, from this one on and below.
+inline controls::Node NodeFrom(controls::Node node, std::string_view text) {
+  for (; node; node = node.Next()) {
+    if (node.Text() == text || node.Tag() == text) return node;
+    if (const controls::Node below = NodeFrom(node.Child(), text)) return below;
+  }
+  return {};
 }
 
 // Another program's connection to a catalog file, which can keep it to itself.
@@ -122,18 +142,11 @@ class DialogTest : public testing::Test {
 
   FormControls& ui() { return form.Controls(); }
 
-  // The first node of a tree, from its top, with this text or tag; its tests fail without one.
+  // The first node of a tree with this text or tag; its tests fail without one.
   static controls::Node NodeOf(controls::TreeView& tree, std::string_view text) {
     const controls::Node node = NodeFrom(tree.FirstRoot(), text);
     EXPECT_TRUE(node) << "no node \"" << text << "\"";
     return node;
-  }
-  static controls::Node NodeFrom(controls::Node node, std::string_view text) {
-    for (; node; node = node.Next()) {
-      if (node.Text() == text || node.Tag() == text) return node;
-      if (const controls::Node below = NodeFrom(node.Child(), text)) return below;
-    }
-    return {};
   }
   controls::Node Detail(std::string_view text) { return NodeOf(ui().tvwDetails, text); }
   // The nodes from `first` on, indented by their level, each with its tag.

@@ -32,7 +32,10 @@ TEST_F(FormTest, EachLoadStartsAsDesignedKeepsTheParametersAndIsLogged) {
   Write("session.log", "before\r\n");
   form.parameters.LogFilename = Path("session.log");
   form.parameters.RestorePath = "D:\\Back";
-  form.setLabelCaption("Chosen");
+  form.setWindowCaption("");
+  form.setButtonCaption("");
+  form.setLabelCaption("");
+  EXPECT_EQ(ui().form.Caption() + ui().cmdRestore[kRestoreNow].Caption() + ui().lblList.Caption(), "");
   EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To: D:\\Back");
   EXPECT_EQ(ui().lblRestorePath.ToolTipText(), "Restore To: D:\\Back");
   ChooseRun();
@@ -50,6 +53,10 @@ TEST_F(FormTest, EachLoadStartsAsDesignedKeepsTheParametersAndIsLogged) {
   EXPECT_EQ(ui().asRestoreList.Count(), 0u);
   EXPECT_EQ(ui().tvwDetails.Count(), 0u);
   EXPECT_EQ(ui().tvwSets.Count(), 7u);
+  Click(kRefresh);
+  desktop.answers = {platform::kAnswerNo};
+  Click(kCancel);
+  ExpectReports({"Clear Selection?: You have selected files to verify, Cancel"});
   EXPECT_EQ(ReadFile(Path("session.log")),
             "before\r\n11/16/2026 2:25:30 AM R 10.1.6 Loading restore Dialog ... \r\n"
             "11/16/2026 2:25:30 AM R 10.1.6 Loading verify Dialog ... \r\n");
@@ -212,6 +219,7 @@ TEST_F(FormTest, AButtonPressedDuringAWalkTakesEffectWhenThatHasEnded) {
   ShowTab(1);
   duringApply([this] { ChooseRun("1 002"); });
   EXPECT_EQ(ui().tvwDetails.Count(), 0u) << "a run of no files";
+  EXPECT_EQ(ui().lblTreeCount.Caption(), "0 file(s).");
   ChooseRun();
   TickAll();
   FormControls& controls = ui();

@@ -136,28 +136,5 @@ TEST_F(LostServer, WhenItsDiskIsFull) {
   EXPECT_EQ(m_server->Marked().size(), std::size_t{kFiles});
 }
 
-TEST_F(LostServer, WhileItLists) {
-  m_server->Execute(
-      "INSERT INTO Catalog (ID, SetNameID, Extension, Filename, OrigName, Status) SELECT g, 1, '002', 'C:\\' "
-      "|| g, 'C:\\' || g, 2 FROM generate_series(1000, 40000) AS g");
-  ShowTab(2);
-  DuringWalk(10, [this] { SendAway(); });
-  Find("C:");
-  ExpectServerReports({std::string("AdvancedSearch: ") + kFailed});
-  EXPECT_EQ(ui().form.MousePointer(), controls::MousePointer::kDefault);
-  EXPECT_LT(ui().asSearch.Count(), 39'000u);
-  LetIn();
-  Find("C:");
-  EXPECT_EQ(ui().asSearch.Count(), 39'001u + kFiles);
-}
-
-TEST_F(LostServer, BeforeTheDialogShows) {
-  form.parameters.DBPass = std::string("not ") + kPassword;
-  form.ShowModal();
-  ExpectServerReports({std::string("LoadBackupSetTree: ") + kNoConnection});
-  form.parameters.DBPass = kPassword;
-  form.ShowModal();
-}
-
 }  // namespace
 }  // namespace kxrestore::dialog_test

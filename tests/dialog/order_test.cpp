@@ -2,6 +2,7 @@
 // way of leaving.
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 #include "engine/sqlite/sqlite_backend.h"
 #include "tests/dialog/dialog_fixture.h"
@@ -94,7 +95,10 @@ class OrderTest : public JournalHolder, public DialogTest {
         text.replace(place, statement.size(), name);
       }
     }
-    return text;
+    std::istringstream happened(text);
+    Strings steps;
+    for (std::string step; std::getline(happened, step);) steps.push_back(step);
+    return "\n" + Filled(steps);
   }
 };
 
@@ -116,67 +120,23 @@ TEST_F(OrderTest, Load) {
   };
   EXPECT_EQ(ui().form.IconPath(), "C:\\Client\\kxicon.ico");
   EXPECT_EQ(WrittenDown(), R"--(
-log 11/16/2026 2:25:30 AM R 10.1.6 Loading restore Dialog ... $
-
-OpenKey
-picTopButtons at 0 450 2830 1400
-picTop at 0 0 8810 3396
-tvwSets at 0 470 1300 2926
-SplitV at 1300 470 60 2926
-picTabs at 1360 360 7360 2976
-SEARCH to front
-frLookin(1) to front
-picTopButtons at 8840 110 2830 1455
-picTopButtons to front
-splitH at 0 3396 8810 60
-picBottom at 0 3576 11640 4914
-LOWER to front
-picBottom at 0 3456 11640 5034
-LOWER to front
-picBottom refreshed
-tvwSets at 60 360 3200 2926
-tvwSets refreshed
-picTabs at 60 360 7360 2976
-SplitV at 3260 470 60 2976
-picTop at 0 0 8610 3396
-tvwSets at 60 470 3200 2926
-SplitV at 3260 470 60 2926
-picTabs at 3320 360 5200 2976
-SEARCH to front
-frLookin(1) to front
-picTopButtons at 8640 110 2830 1455
-picTopButtons to front
-picTopButtons to front
-picBottom at 0 3512 11640 4944
-LOWER to front
-splitH at 0 3396 8610 60
-picBottom refreshed
-picTop refreshed
-picTopButtons to front
-OpenKey
-OpenKey
-QueryValue
-ReadValue
-frmRestore arrow or icon
-open catalog
-snapshot of the sets$
-tvwSets + Online Backups
-tvwSets + Set 1
-tvwSets + 3/1/2026 8:00:00 AM (P)
-tvwSets + 2/1/2026 2:25:30 PM
-tvwSets + 1/1/2026
-tvwSets + Set 2
-tvwSets + 2/15/2026 10:30:00 AM
-tvwSets Online Backups expanded
-tvwSets Online Backups selected
-close rows
-close catalog
-tvwSets + Archive Sets
-tvwSets + Append new Archive CD ...
-DriveCD items
-lblRestorePath "Restore To: D:\Back"
-lblRestorePath tip "Restore To: D:\Back"
-commit
+log 11/16/2026 2:25:30 AM R 10.1.6 Loading restore Dialog ... $ | OpenKey
+picTopButtons at 0 450 2830 1400 | picTop at 0 0 8810 3396 | tvwSets at 0 470 1300 2926
+SplitV at 1300 470 60 2926 | picTabs at 1360 360 7360 2976 | SEARCH to front | frLookin(1) to front
+picTopButtons at 8840 110 2830 1455 | picTopButtons to front | splitH at 0 3396 8810 60
+picBottom at 0 3576 11640 4914 | LOWER to front | picBottom at 0 3456 11640 5034 | LOWER to front
+picBottom refreshed | tvwSets at 60 360 3200 2926 | tvwSets refreshed | picTabs at 60 360 7360 2976
+SplitV at 3260 470 60 2976 | picTop at 0 0 8610 3396 | tvwSets at 60 470 3200 2926
+SplitV at 3260 470 60 2926 | picTabs at 3320 360 5200 2976 | SEARCH to front | frLookin(1) to front
+picTopButtons at 8640 110 2830 1455 | picTopButtons to front | picTopButtons to front
+picBottom at 0 3512 11640 4944 | LOWER to front | splitH at 0 3396 8610 60 | picBottom refreshed
+picTop refreshed | picTopButtons to front | OpenKey | OpenKey | QueryValue | ReadValue
+frmRestore arrow or icon | open catalog | snapshot of the sets$ | tvwSets + Online Backups
+tvwSets + Set 1 | tvwSets + 3/1/2026 8:00:00 AM (P) | tvwSets + 2/1/2026 2:25:30 PM
+tvwSets + 1/1/2026 | tvwSets + Set 2 | tvwSets + 2/15/2026 10:30:00 AM
+tvwSets Online Backups expanded | tvwSets Online Backups selected | close rows | close catalog
+tvwSets + Archive Sets | tvwSets + Append new Archive CD ... | DriveCD items
+lblRestorePath "Restore To: D:\Back" | lblRestorePath tip "Restore To: D:\Back" | commit
 )--");
 }
 
@@ -185,128 +145,57 @@ TEST_F(OrderTest, SwitchingTabsAndMinimizing) {
   for (const int tab : {2, 3, 2, 3, 1}) ShowTab(tab);
   ui().form.UserResize(160, 30, controls::WindowState::kMinimized);
   EXPECT_EQ(WrittenDown(), R"--(
-TAB
-panel(0) hidden
-panel(1) shown
-panel(1) to front
-SEARCH to front
-TAB
-panel(1) hidden
-panel(2) shown
-panel(2) to front
-asFiles cleared
-open catalog
+TAB | panel(0) hidden | panel(1) shown | panel(1) to front | SEARCH to front | TAB | panel(1) hidden
+panel(2) shown | panel(2) to front | asFiles cleared | open catalog
 snapshot SELECT Mid([OrigName],InStrRev([OrigName],".")) AS FileType, Count(*) AS Files FROM [Catalog] WHERE (((Catalog.Status)=2) AND ((Catalog.OrigName) Like "*.*")) GROUP BY Mid([OrigName],InStrRev([OrigName],"."));
-events
-events
-events
-close rows
-close catalog
-asFiles + Documents
-asFiles + .doc
-asFiles + .docx
-asFiles + .txt
-TAB
-panel(1) shown
-panel(1) to front
-SEARCH to front
-panel(2) hidden
-TAB
-panel(1) hidden
-panel(2) shown
-panel(2) to front
-TAB
-panel(0) shown
-panel(0) to front
-tvwDetails refreshed
-panel(2) hidden
-picBottom refreshed
-picTop refreshed
+events | events | events | close rows | close catalog | asFiles + Documents | asFiles + .doc
+asFiles + .docx | asFiles + .txt | TAB | panel(1) shown | panel(1) to front | SEARCH to front
+panel(2) hidden | TAB | panel(1) hidden | panel(2) shown | panel(2) to front | TAB | panel(0) shown
+panel(0) to front | tvwDetails refreshed | panel(2) hidden | picBottom refreshed | picTop refreshed
 )--");
+  controls::Control* const shown[] = {&ui().lblMask, &ui().cboMask, &ui().chk1, &ui().tvwDetails};
+  for (controls::Control* const control : shown) control->SetVisible(false);
+  for (const int tab : {2, 1}) ShowTab(tab);
+  for (const controls::Control* const control : shown) EXPECT_TRUE(control->Visible()) << control->Name();
 }
 
 TEST_F(OrderTest, ChoosingARunAndApplying) {
   Watch();
   ChooseRun();
   EXPECT_EQ(WrittenDown(), R"--(
-tvwSets 3/1/2026 8:00:00 AM (P) bold
-lblCurrSet "Current Set: "
-lblSetName "Set 1
- up to $
-3/1/2026 8:00:00 AM (P)"
-optLookIn(0) enabled
-optLookIn(2) enabled
-lblTreeCount "Loading Please Wait ..."
-tvwDetails frozen
-tvwDetails cleared
-open catalog
-snapshot of files where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Status)=2));
-events
-tvwDetails + C:\
-tvwDetails + d
-tvwDetails + a.doc
-lblTreeCount "Loading Please Wait ... (1)"
-events
-tvwDetails + b.docx
-lblTreeCount "Loading Please Wait ... (2)"
-close rows
-close catalog
-tvwDetails thawed
-lblTreeCount "2 file(s)."
-commit
+tvwSets 3/1/2026 8:00:00 AM (P) bold | lblCurrSet "Current Set: " | lblSetName "Set 1 |  up to $
+3/1/2026 8:00:00 AM (P)" | optLookIn(0) enabled | optLookIn(2) enabled
+lblTreeCount "Loading Please Wait ..." | tvwDetails frozen | tvwDetails cleared | open catalog
+snapshot of files where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Status)=2)); | events
+tvwDetails + C:\ | tvwDetails + d | tvwDetails + a.doc | lblTreeCount "Loading Please Wait ... (1)"
+events | tvwDetails + b.docx | lblTreeCount "Loading Please Wait ... (2)" | close rows
+close catalog | tvwDetails thawed | lblTreeCount "2 file(s)." | commit
 )--");
   Tick("d");
   EXPECT_EQ(WrittenDown(), R"--(
-tvwDetails d checked
-tvwDetails C:\ checked
-tvwDetails a.doc checked
-tvwDetails b.docx checked
+tvwDetails d checked | tvwDetails C:\ checked | tvwDetails a.doc checked | tvwDetails b.docx checked
 commit
 )--");
   Apply();
   EXPECT_EQ(WrittenDown(), R"--(
-events
-events
-events
-lblTreeCount "Scanning 1"
-open catalog
+events | events | events | lblTreeCount "Scanning 1" | open catalog
 dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\a.doc')); $
-row written
-events
-lblTreeCount "Scanning 2"
-open catalog
+row written | events | lblTreeCount "Scanning 2" | open catalog
 dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
-row written
-flush
-LIST
-events
-asRestoreList + C:\d\a.doc
-events
-asRestoreList + C:\d\b.docx
-lblCounts(0) "2 file(s) selected"
-cmdRestore(0) enabled
-LISTED
-lblTreeCount hidden
-commit
+row written | flush | LIST | events | asRestoreList + C:\d\a.doc | events
+asRestoreList + C:\d\b.docx | lblCounts(0) "2 file(s) selected" | cmdRestore(0) enabled | LISTED
+lblTreeCount hidden | commit
 )--");
   ChooseRun();
   EXPECT_TRUE(ui().lblTreeCount.Visible());
+  EXPECT_EQ(WrittenDown().find("bold"), std::string::npos) << "chosen again it stays as it is";
+  ui().optLookIn[2].SetValue(true);  // neither touches the other panel's choice
   journal.Take();
   for (const char* node : {"Set 2", "Online Backups"}) ChooseNode(node);
   EXPECT_EQ(WrittenDown(), R"--(
-tvwSets 3/1/2026 8:00:00 AM (P) bold
-tvwSets Set 2 bold
-optLookIn(1) not chosen
-optLookIn(0) chosen
-lblSetName "Set 2"
-commit
-tvwSets Set 2 bold
-tvwSets Online Backups bold
-lblSetName "(All)"
-optLookIn(0) not chosen
-optLookIn(1) chosen
-optLookIn(0) disabled
-commit
+tvwSets 3/1/2026 8:00:00 AM (P) bold | tvwSets Set 2 bold | optLookIn(1) not chosen
+optLookIn(0) chosen | lblSetName "Set 2" | commit | tvwSets Set 2 bold | tvwSets Online Backups bold
+lblSetName "(All)" | optLookIn(0) not chosen | optLookIn(1) chosen | optLookIn(0) disabled | commit
 )--");
 }
 
@@ -316,27 +205,13 @@ TEST_F(OrderTest, AutoSelect) {
   Watch();
   ui().cmdAuto[kApplyTypes].UserClick();
   EXPECT_EQ(WrittenDown(), R"--(
-open catalog
-frmRestore hourglass
+open catalog | frmRestore hourglass
 snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "**.doc*") AND (FullCatalog.Status = 2) );
-frmRestore arrow or icon
-open catalog
-execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=1));
-events
-open catalog
-execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=2));
-events
-close rows
-close catalog
-flush
-LIST
-events
-asRestoreList + C:\d\a.doc
-events
-asRestoreList + C:\d\b.docx
-lblCounts(0) "2 file(s) selected"
-cmdRestore(0) enabled
-LISTED
+frmRestore arrow or icon | open catalog
+execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=1)); | events
+open catalog | execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=2));
+events | close rows | close catalog | flush | LIST | events | asRestoreList + C:\d\a.doc | events
+asRestoreList + C:\d\b.docx | lblCounts(0) "2 file(s) selected" | cmdRestore(0) enabled | LISTED
 commit
 )--");
 }
@@ -346,49 +221,24 @@ TEST_F(OrderTest, Search) {
   Watch();
   Find("doc");
   EXPECT_EQ(WrittenDown(), R"--(
-cboMask items
-open catalog
-frmRestore hourglass
+cboMask items | open catalog | frmRestore hourglass
 snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "*doc*") AND (FullCatalog.Status = 2) );
-frmRestore arrow or icon
-asSearch cleared
-events
-asSearch + C:\d\a.doc
-events
-asSearch + C:\d\b.docx
-close rows
-close catalog
-lblCounts(0) "0 file(s) selected"
-lblSearchCount "2 File(s)"
-commit
+frmRestore arrow or icon | asSearch cleared | events | asSearch + C:\d\a.doc | events
+asSearch + C:\d\b.docx | close rows | close catalog | lblCounts(0) "0 file(s) selected"
+lblSearchCount "2 File(s)" | commit
 )--");
   Find("");
   EXPECT_EQ(WrittenDown(), R"--(
-flush
-box 0 "" "No Search String Defined."
-cboMask focused
-commit
+flush | box 0 "" "No Search String Defined." | cboMask focused | commit
 )--");
   ui().asSearch.UserTick(2, true);
   journal.Take();
   ui().cmdSearch[kApplyFound].UserClick();
   EXPECT_EQ(WrittenDown(), R"--(
-events
-lblSearchCount "Scanning 1"
-events
-lblSearchCount "Scanning 2"
-open catalog
+events | lblSearchCount "Scanning 1" | events | lblSearchCount "Scanning 2" | open catalog
 dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
-row written
-lblSearchCount "2 File(s)"
-flush
-LIST
-events
-asRestoreList + C:\d\b.docx
-lblCounts(0) "1 file(s) selected"
-cmdRestore(0) enabled
-LISTED
-commit
+row written | lblSearchCount "2 File(s)" | flush | LIST | events | asRestoreList + C:\d\b.docx
+lblCounts(0) "1 file(s) selected" | cmdRestore(0) enabled | LISTED | commit
 )--");
 }
 
@@ -397,56 +247,36 @@ TEST_F(OrderTest, TheRestoreList) {
   catalog->Execute("UPDATE Catalog SET Restore = 1, Status = 3 WHERE ID < 3");
   Click(kRefresh);
   EXPECT_EQ(WrittenDown(), R"--(
-flush
-LIST
-events
-asRestoreList + C:\d\a.doc
-events
-asRestoreList + C:\d\b.docx
-lblCounts(0) "2 file(s) selected"
-cmdRestore(0) enabled
-LISTED
-commit
+flush | LIST | events | asRestoreList + C:\d\a.doc | events | asRestoreList + C:\d\b.docx
+lblCounts(0) "2 file(s) selected" | cmdRestore(0) enabled | LISTED | commit
 )--");
   ui().asRestoreList.UserTick(1, false);
   journal.Take();
   Click(kUpdate);
   EXPECT_EQ(WrittenDown(), R"--(
-events
-open catalog
+events | open catalog
 dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\a.doc')); $
-row written
-events
-flush
-LIST
-events
-asRestoreList + C:\d\b.docx
-lblCounts(0) "1 file(s) selected"
-LISTED
-commit
+row written | events | flush | LIST | events | asRestoreList + C:\d\b.docx
+lblCounts(0) "1 file(s) selected" | LISTED | commit
 )--");
   catalog->Execute("UPDATE Catalog SET Restore = 1");  // of every set, and two that are not listed
-  desktop.answers = {platform::kAnswerNo, platform::kAnswerYes};
+  desktop.answers = {platform::kAnswerNo, platform::kAnswerYes, platform::kAnswerNo};
   Click(kClearList);
   EXPECT_EQ(catalog->Marked().size(), 3u);
   EXPECT_EQ(WrittenDown(), R"--(
-flush
-box 36 "Clear Selection? " "Clear All Selected Files? "
-commit
+flush | box 36 "Clear Selection? " "Clear All Selected Files? " | commit
 )--");
   Click(kClearList);
   EXPECT_EQ(WrittenDown(), R"--(
-flush
-box 36 "Clear Selection? " "Clear All Selected Files? "
-asRestoreList cleared
-open catalog
-execute clear all
-flush
-lblCounts(0) "0 file(s) selected"
-cmdRestore(0) disabled
-commit
+flush | box 36 "Clear Selection? " "Clear All Selected Files? " | asRestoreList cleared
+open catalog | execute clear all | flush | lblCounts(0) "0 file(s) selected"
+cmdRestore(0) disabled | commit
 )--");
   EXPECT_EQ(catalog->Marked(), Ids{});
+  Click(kClearList);
+  EXPECT_EQ(WrittenDown(), R"--(
+flush | box 36 "Clear Selection? " "Clear All Selected Files? " | commit
+)--") << "asked with an empty list, too";
 }
 
 TEST_F(OrderTest, Leaving) {
@@ -483,70 +313,36 @@ TEST_F(OrderTest, Leaving) {
   }
   EXPECT_EQ(all, R"--(
 Restore Now:
-commit
-CommenceRestore
-frmRestore closed
-commit
+commit | CommenceRestore | frmRestore closed | commit
 
 Cancel, no:
-QUESTION
-commit
+QUESTION | commit
 
 Cancel, yes:
-QUESTION
-open catalog
-execute clear all
-flush
-commit
-CancelRestore
-frmRestore closed
+QUESTION | open catalog | execute clear all | flush | commit | CancelRestore | frmRestore closed
 commit
 
 Esc, yes:
-QUESTION
-open catalog
-execute clear all
-flush
-commit
-CancelRestore
-frmRestore closed
+QUESTION | open catalog | execute clear all | flush | commit | CancelRestore | frmRestore closed
 commit
 
 Cancel without a selection:
-commit
-CancelRestore
-frmRestore closed
-commit
+commit | CancelRestore | frmRestore closed | commit
 
 close box, no:
-QUESTION
-frmRestore closed
-commit
+QUESTION | frmRestore closed | commit
 
 close box, yes:
-QUESTION
-open catalog
-execute clear all
-flush
-commit
-CancelRestore
-frmRestore closed
+QUESTION | open catalog | execute clear all | flush | commit | CancelRestore | frmRestore closed
 commit
 
 close box without a selection:
-frmRestore closed
-commit
+frmRestore closed | commit
 
 Cancel, yes, and the marks cannot be cleared:
-QUESTION
-open catalog
-execute clear all
-flush
-box 48 "CancelAll" "(3317) A rule of the table refuses the value (no) in 'the catalog'."
-commit
-CancelRestore
-frmRestore closed
-commit
+QUESTION | open catalog | execute clear all | flush
+box 48 "CancelAll" "(3317) A rule of the table refuses the value (no) in 'the catalog'." | commit
+CancelRestore | frmRestore closed | commit
 )--");
 }
 

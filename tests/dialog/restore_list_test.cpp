@@ -18,7 +18,7 @@ class RestoreListTest : public DialogTest {
                  PluginRow(6, "Exchange Server", "Store\\MailBoxes\\Jane\\Inbox", "Jane"),
                  PluginRow(7, "Exchange Server", "Store\\MailBoxes\\Jane\\Sent", "Jane"),
                  PluginRow(8, "Exchange Server Mailbox Pat", "Store\\MailBoxes\\Pat", "Pat"),
-                 PluginRow(9, "Exchange Serve", "C:\\Data\\mail.eml", "mail.eml"), longRow},
+                 PluginRow(9, "exchange Server", "C:\\Data\\mail.eml", "mail.eml"), longRow},
                 Runs(), {{7, "C:\\Data\\long name.doc"}});
     form.CommenceRestore = [this] { events.push_back("CommenceRestore"); };
     form.CancelRestore = [this] { events.push_back("CancelRestore"); };

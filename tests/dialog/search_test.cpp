@@ -29,7 +29,9 @@ TEST_F(SearchTab, FindsByMaskAndRemembersIt) {
   EXPECT_EQ(Found("c.x"), Strings{"D:\\c.xls"});
   EXPECT_EQ(Found("*.doc").size(), 4u);
   EXPECT_EQ(Found("*.DOC").size(), 4u);
-  const Strings masks{"*.doc", "c.x", "*.DOC"};
+  for (const char* blanks : {" ", "a "}) EXPECT_EQ(Found(blanks), Strings{}) << "blanks are looked for, too";
+  EXPECT_EQ(Found("*.doc").size(), 4u);
+  const Strings masks{"*.doc", "c.x", "*.DOC", " ", "a "};
   EXPECT_EQ(ui().cboMask.Items(), masks);
 
   platform::PeerLog log;
@@ -88,6 +90,7 @@ TEST_F(SearchTab, ApplyMarksTheRowsThatTheTickedEntriesStandFor) {
   ui().cmdSearch[kClearFound].UserClick();
   EXPECT_EQ(ui().asSearch.Count(), 0u);
   EXPECT_EQ(ui().lblSearchCount.Caption(), "0 File(s)");
+  EXPECT_EQ(ui().cboMask.Text(), "doc") << "Clear leaves the mask";
 }
 
 TEST_F(SearchTab, AggregatesAreMarkedInAllTheirVersions) {
@@ -99,11 +102,14 @@ TEST_F(SearchTab, AggregatesAreMarkedInAllTheirVersions) {
   rows.push_back(PluginRow(5, "Exchange", "Store 5", "Store 5"));
   rows.push_back(Live(6, "C:\\Exports\\plain.kxexag"));  // no aggregate, but named like one
   rows.back().file = "plain.kxexag";
+  for (const int id : {7, 8}) rows.push_back(Live(id, "C:\\P.KXEXAG"));  // nor are these, in their case
   Load(rows);
   EXPECT_EQ(Found("Store"), (Strings{"Exchange Server - Public Folders.kxexag", "Mailbox.kxexag",
                                      "Mailbox.kxexag", "Mailbox.kxexag", "Store 5"}));
-  const std::pair<const char*, Ids> cases[] = {
-      {"Store 2", {1, 2, 3}}, {"Store 4", {1, 2, 3, 4}}, {"plain", {1, 2, 3, 4, 6}}};
+  const std::pair<const char*, Ids> cases[] = {{"Store 2", {1, 2, 3}},
+                                               {"Store 4", {1, 2, 3, 4}},
+                                               {"plain", {1, 2, 3, 4, 6}},
+                                               {"P.KX", {1, 2, 3, 4, 6, 7}}};
   for (const auto& [mask, marked] : cases) {
     Find(mask);
     ui().asSearch.UserTick(1, true);

@@ -193,7 +193,9 @@ TEST_F(SetDetailTest, TicksAndExpansionFollowTheUser) {
     return ui().imlRestore.Keys()[static_cast<std::size_t>(Detail(text).Image() - 1)];
   };
   EXPECT_EQ(imageKey("C:\\") + " " + imageKey("b") + " " + imageKey("3.txt"), "drive cfolder file");
+  DuringWalk(1, [this] { ui().tvwDetails.Add(ui().tvwDetails.Add({}, {}, "later"), {}, "below it"); });
   ClickAction(kExpandAll);
+  EXPECT_FALSE(Detail("later").Expanded());
   EXPECT_TRUE(Detail("b").Expanded());
   EXPECT_FALSE(Detail("3.txt").Expanded());
   EXPECT_EQ(imageKey("C:\\") + " " + imageKey("b") + " " + imageKey("3.txt"), "ofolder ofolder file");
@@ -223,23 +225,48 @@ TEST_F(SetDetailTest, ApplyMarksTickedFilesAndCanBeStopped) {
   };
   Load({Live(1, "C:\\a\\it's.txt"), Live(2, "C:\\a\\2.txt"), Live(3, "C:\\b\\3.txt"),
         aggregate(4, "Store\\whole"), Dead(aggregate(5, "Store\\before"))});
+  catalog->Execute("UPDATE Catalog SET Restore = 1 WHERE ID = 3");
+  Apply();
+  EXPECT_EQ(Listed(), Strings{"C:\\b\\3.txt"}) << "the list is filled though nothing is ticked";
+  catalog->Execute("UPDATE Catalog SET Restore = 0");
   Tick("a");
-  ui().asRestoreList.Add({});
+  ui().lblTreeCount.SetVisible(false);
   EscapeAt(3);
   Apply();
   EXPECT_EQ(ui().asRestoreList.Count(), 1u) << "a stop leaves the list as it was";
   EXPECT_TRUE(ui().lblTreeCount.Visible());
   EXPECT_FALSE(form.parameters.StopRequested);
+  // A node that comes while it walks is not visited.
+  DuringWalk(1, [this] { ui().tvwDetails.Add({}, {}, "later", 0, "C:\\b\\3.txt").SetChecked(true); });
   Apply();
   EXPECT_FALSE(ui().lblTreeCount.Visible());
   EXPECT_EQ(ui().lblTreeCount.Caption(), "Scanning 4");
   EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
 
   // The aggregate goes by File, in every version; what was marked stays.
-  Tick("a", false);
+  ClickAction(kClearAll);
   ui().tvwDetails.UserCheck(Detail("Exchange Server").Child(), true);
   Apply();
   EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 4, 5}));
+}
+
+TEST_F(SetDetailTest, CountsHaveNoSeparators) {
+  Load({});
+  catalog->Execute(
+      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1001) INSERT INTO Catalog "
+      "(ID, "
+      "SetNameID, Extension, Filename, OrigName, Restore, Status) SELECT i, 1, '001', 'C:\\' || i, 'C:\\' || "
+      "i, "
+      "0, 2 FROM n");
+  ChooseRun("1 001");
+  EXPECT_EQ(ui().lblTreeCount.Caption(), "1001 file(s).");
+  TickAll();
+  Apply();
+  EXPECT_EQ(ui().lblTreeCount.Caption(), "Scanning 1001");
+  EXPECT_EQ(Selected(), "1001 file(s) selected");
+  ShowTab(2);
+  Find("C:");
+  EXPECT_EQ(ui().lblSearchCount.Caption(), "1001 File(s)");
 }
 
 TEST_F(SetDetailTest, APartOfARunDoesNotLookLikeTheWhole) {

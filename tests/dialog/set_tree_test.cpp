@@ -11,15 +11,16 @@ TEST_F(DialogTest, ListsCompletedRunsNewestFirst) {
   runs.push_back({1, "2026-03-05 08:00:00", "004", false, 5});  // not completed
   runs.push_back({1, "2026-03-06 08:00:00", "x01", false, 6});
   runs.push_back({3, "2026-03-07 08:00:00", "x01", false, 6});  // nothing else in its set
+  runs.push_back({2, "2026-01-07 00:00:00", "X01", false, 6});  // another extension than that
   MakeCatalog({}, runs);
   EXPECT_EQ(Outline(ui().tvwSets.FirstRoot()),
             (Strings{"Online Backups", " Set 1", "  3/1/2026 8:00:00 AM (P) {1 003}",
                      "  2/1/2026 2:25:30 PM {1 002}", "  1/1/2026 {1 001}", " Set 2",
-                     "  2/15/2026 10:30:00 AM {2 001}"}));
+                     "  2/15/2026 10:30:00 AM {2 001}", "  1/7/2026 {2 X01}"}));
   EXPECT_EQ(ui().tvwSets.Item("Sets").Text(), "Online Backups");
   EXPECT_EQ(ui().tvwSets.Item("Sets\\Set 1").Text(), "Set 1");
   EXPECT_TRUE(ui().tvwSets.Find("3/1/2026 8:00:00 AM")) << "a permanent run's key is the bare date";
-  for (int index = 1; index <= 7; ++index) EXPECT_EQ(ui().tvwSets.Item(index).Image(), 0);
+  for (int index = 1; index <= 8; ++index) EXPECT_EQ(ui().tvwSets.Item(index).Image(), 0);
   EXPECT_TRUE(ui().tvwSets.Item(1).Expanded());
   EXPECT_FALSE(ui().tvwSets.Item(2).Expanded());
   EXPECT_TRUE(ui().tvwSets.SelectedItem() == ui().tvwSets.Item(1));
@@ -27,6 +28,15 @@ TEST_F(DialogTest, ListsCompletedRunsNewestFirst) {
   ui().form.Unload();
   MakeCatalog({}, {{1, "2026-01-01 00:00:00", "001", false, 5}});
   EXPECT_EQ(Outline(ui().tvwSets.FirstRoot()), Strings{"Online Backups"});
+
+  // Names that differ in case are two sets, though they are sorted as one.
+  ui().form.Unload();
+  MakeCatalog({});
+  catalog->Execute("UPDATE SetNames SET Name = 'SET 1' WHERE ID = 2");
+  EXPECT_EQ(Outline(ui().tvwSets.FirstRoot()),
+            (Strings{"Online Backups", " Set 1", "  3/1/2026 8:00:00 AM (P) {1 003}",
+                     "  2/1/2026 2:25:30 PM {1 002}", "  1/1/2026 {1 001}", " SET 1",
+                     "  2/15/2026 10:30:00 AM {2 001}"}));
 
   // Two runs of the same moment end the tree.
   ui().form.Unload();
@@ -37,33 +47,6 @@ TEST_F(DialogTest, ListsCompletedRunsNewestFirst) {
   ExpectReports({"LoadBackupSetTree: (35602) Key is not unique in collection"});
 }
 
-TEST_F(DialogTest, ChoosingARunShowsItAndEnablesThisSet) {
-  MakeCatalog({Row(1, 1, "002", "C:\\Data\\a.doc"), Row(2, 1, "001", "C:\\Data\\b.doc")});
-  const char* const kRun = "2/1/2026 2:25:30 PM";
-  EXPECT_EQ(ui().lblSetName.Caption(), "(none)");
-  ChooseRun("1 002");
-  EXPECT_EQ(ui().lblSetName.Caption(), std::string("Set 1\r\n up to \r\n") + kRun);
-  EXPECT_TRUE(ui().optLookIn[0].Enabled());
-  EXPECT_TRUE(ui().optLookIn[2].Enabled());
-  EXPECT_EQ(ui().lblTreeCount.Caption(), "1 file(s).");
-  ChooseRun("1 002");
-  EXPECT_TRUE(NodeOf(ui().tvwSets, kRun).Bold()) << "also when it is chosen again";
-
-  ChooseNode("Set 2");
-  EXPECT_FALSE(NodeOf(ui().tvwSets, kRun).Bold());
-  EXPECT_TRUE(NodeOf(ui().tvwSets, "Set 2").Bold());
-  EXPECT_EQ(ui().lblSetName.Caption(), "Set 2");
-  EXPECT_TRUE(ui().optLookIn[0].Value());
-  EXPECT_TRUE(ui().optLookIn[3].Value()) << "the option of the other panel is left alone";
-  EXPECT_EQ(ui().tvwDetails.Count(), 3u) << "a set loads no details";
-
-  ChooseNode("Online Backups");
-  EXPECT_EQ(ui().lblSetName.Caption(), "(All)");
-  EXPECT_TRUE(ui().optLookIn[1].Value());
-  EXPECT_FALSE(ui().optLookIn[0].Enabled());
-  EXPECT_TRUE(ui().optLookIn[2].Enabled()) << "the option of the other panel is left alone";
-}
-
 TEST_F(DialogTest, EachKindOfNodeLeavesAChoice) {
   BareContext bare(platform.Get(), *workspace);
   auto& [parameters, controls, services, context] = bare;
@@ -71,15 +54,17 @@ TEST_F(DialogTest, EachKindOfNodeLeavesAChoice) {
   const controls::Node root = controls.tvwSets.Add({}, "Sets", "Online Backups");
   const controls::Node set = controls.tvwSets.Add(root, "Sets\\Set 1", "Set 1");
   const controls::Node newest = controls.tvwSets.Add(set, "b", "b (P)", 0, "7 003");
-  const controls::Node older = controls.tvwSets.Add(set, "a", "a", 0, "7 002 and more");
+  const controls::Node older = controls.tvwSets.Add(set, "a", "a", 0, "6 002 and more");
   const auto choose = [&](controls::Node node) {
     controls.tvwSets.UserClickNode(node);
     const dialog::Choice& choice = context.choice;
     return std::to_string(choice.m_lngSetID) + "|" + choice.m_strSetID + "|" + choice.m_strExtension + "|" +
            std::to_string(choice.m_intRunCount);
   };
+  EXPECT_EQ(choose(set), "7|||0") << "of its newest run";
+  EXPECT_FALSE(controls.optLookIn[2].Enabled()) << "the option of the other panel is left alone";
   EXPECT_EQ(choose(newest), "7|7|003|2");
-  EXPECT_EQ(choose(older), "7|7|002|1");
+  EXPECT_EQ(choose(older), "6|6|002|1");
   EXPECT_EQ(choose(set), "7||002|0") << "the extension is still that of the run";
   EXPECT_EQ(choose(root), "0|||0");
   EXPECT_EQ(tree.ListRunExtensions(newest), "\"003\", \"002\"");

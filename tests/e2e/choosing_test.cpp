@@ -1,11 +1,9 @@
-// Each way to choose files, through the windows, on a catalog file, on files of the desktop engine without
-// that engine, and on a catalog that a database server keeps, over the driver that hosts ask for.
+// Each way to choose files, through the windows, on a catalog file and on a catalog that a database server
+// keeps, over the driver that hosts ask for.
 #include <fstream>
 
 #include "component/com/wide_text.h"
-#include "engine/jet_file/jet_file_backend.h"
 #include "tests/catalog/server_catalog.h"
-#include "tests/desktop_maker/desktop_file.h"
 #include "tests/e2e/dialog_fixture.h"
 #include "tests/e2e/program.h"
 #include "tests/e2e/registry_keys.h"
@@ -86,28 +84,6 @@ class ChoosingTest : public DialogTest {
 
 TEST_F(ChoosingTest, OnAFile) {
   ChooseAndRestore([&] { return m_catalog.Marked(); });
-}
-
-TEST_F(ChoosingTest, OnFilesOfTheDesktopEngine) {
-  _wputenv_s(L"KXRESTORE_DESKTOP_FILES", L"reader");
-  for (const char* sample : {"telling-2003.mdb", "telling-2019.accdb"}) {
-    const std::string name = FromWide(m_catalog.Folder()) + sample;
-    kxrestore::testing::DesktopFile file(std::string(KX_TEST_DATA "/desktop/") + sample, name);
-    TestCatalog::AddRows(file);
-    file.Finish();
-    Text path(ToWide(name));
-    m_object->put_DB(&path);
-    ChooseAndRestore([&] {
-      const auto rows = engine::jet_file::MakeJetFileBackend()
-                            ->Open({.name = name})
-                            ->OpenRecordset("SELECT ID FROM Catalog WHERE Restore = True",
-                                            engine::RecordsetType::kSnapshot, {});
-      Ids marked;
-      for (; !rows->Eof(); rows->MoveNext()) marked.insert(rows->Fields("ID").Integer());
-      return marked;
-    });
-    m_sink = CountingSink::Make();
-  }
 }
 
 TEST_F(ChoosingTest, OnAServer) {

@@ -1,43 +1,10 @@
-// The dialog as its hosts live with it: cancel, close, errors, late binding, and the end of the DLL.
+// The dialog as its hosts live with it: late binding, and the end of the DLL.
 #include "tests/e2e/dialog_fixture.h"
 
 namespace kxrestore::e2e {
 namespace {
 
 using driver::DialogDriver;
-
-// Shows what is marked in the list below.
-void Refresh(const DialogDriver& dialog, int marked) {
-  dialog.Click("cmdRestore(2)");
-  dialog.ExpectText("lblCounts(0)", SelectedText(marked));
-}
-
-TEST_F(DialogTest, LeavingAsksForTheMarks) {
-  m_catalog.Mark(kOldA);
-  m_catalog.Mark(kBox);
-  const auto expectQuestion = [](const DialogDriver& dialog, const char* answer) {
-    EXPECT_EQ("Clear Selection?", dialog.MessageTitle());
-    EXPECT_EQ("You have selected files to restore, Cancel will clear your selections, Cancel?",
-              dialog.MessageText());
-    dialog.Answer(answer);
-  };
-  EXPECT_EQ(0, RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
-              Refresh(dialog, 2);
-              dialog.Click("cmdRestore(1)");
-              expectQuestion(dialog, "NO");
-              Refresh(dialog, 2);  // still there, and usable
-              dialog.Close();
-              expectQuestion(dialog, "NO");
-            }));
-  EXPECT_EQ((Ids{kOldA, kBox}), m_catalog.Marked());
-  EXPECT_EQ(0, RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
-              Refresh(dialog, 2);
-              dialog.Click("cmdRestore(1)");
-              expectQuestion(dialog, "YES");
-            }));
-  EXPECT_EQ(Ids{}, m_catalog.Marked());
-  EXPECT_EQ(0, m_sink->events);
-}
 
 TEST_F(DialogTest, LateBoundValuesArrive) {
   const auto put = [&](const wchar_t* name, VARIANT value) {
@@ -54,7 +21,8 @@ TEST_F(DialogTest, LateBoundValuesArrive) {
     const DialogDriver dialog;
     EXPECT_NO_THROW({
       dialog.ExpectText("lblRestorePath", "Restore To: 42");
-      Refresh(dialog, 1);
+      dialog.Click("cmdRestore(2)");
+      dialog.ExpectText("lblCounts(0)", SelectedText(1));
       dialog.Click("cmdRestore(0)");
       dialog.WaitUntilClosed();
     });
@@ -64,18 +32,6 @@ TEST_F(DialogTest, LateBoundValuesArrive) {
   EXPECT_EQ(VT_I2, result.vt);
   EXPECT_EQ(1, result.iVal);
   EXPECT_EQ(1, m_sink->events);
-}
-
-TEST_F(DialogTest, WhatCannotBeOpenedIsReportedAndTheFormShows) {
-  const ComPtr<_RestoreDlg> noFile = NewObject(m_catalog.Folder() + L"none.db");
-  EXPECT_EQ(0, RunDialog(noFile.Get(), [&](auto& dialog) {
-              EXPECT_EQ("LoadBackupSetTree", dialog.MessageTitle());
-              EXPECT_TRUE(dialog.MessageText().starts_with("(3024) "));
-              dialog.Answer("OK");
-              const driver::TreeDriver sets = dialog.Tree("tvwSets");
-              EXPECT_EQ("Archive Sets", sets.Text(sets.Level(0).at(0))) << "there are no others";
-              dialog.Close();
-            }));
 }
 
 TEST_F(DialogTest, TheDllCanBeUnloadedAndLoadedAgain) {

@@ -27,12 +27,20 @@ struct SampleFile {
 };
 
 inline const std::vector<SampleFile>& SoundSamples() {
-  static const std::vector<SampleFile> samples = {
-      {"telling-2000.mdb", "telling.db"},           {"telling-2003.mdb", "telling.db"},
-      {"telling-2007.accdb", "telling.db"},         {"telling-2010.accdb", "telling.db"},
-      {"telling-2019.accdb", "telling.db"},         {"marked-2003.mdb", "marked.db"},
-      {"overflow-2003.mdb", "overflow.db"},         {"restore-index-2003.mdb", "telling.db"},
-      {"added-column-2003.mdb", "added-column.db"}, {"deleted-2003.mdb", "deleted.db"}};
+  static const std::vector<SampleFile> samples = {{"telling-2000.mdb", "telling.db"},
+                                                  {"telling-2003.mdb", "telling.db"},
+                                                  {"telling-2007.accdb", "telling.db"},
+                                                  {"telling-2010.accdb", "telling.db"},
+                                                  {"telling-2019.accdb", "telling.db"},
+                                                  {"marked-2003.mdb", "marked.db"},
+                                                  {"overflow-2003.mdb", "overflow.db"},
+                                                  {"restore-index-2003.mdb", "telling.db"},
+                                                  {"added-column-2003.mdb", "added-column.db"},
+                                                  {"deleted-2003.mdb", "deleted.db"},
+                                                  {"made-2000.mdb", "made-short.db"},
+                                                  {"made-2003.mdb", "made.db"},
+                                                  {"made-2010.accdb", "made.db"},
+                                                  {"made-2019.accdb", "made.db"}};
   return samples;
 }
 

@@ -88,7 +88,7 @@ TEST_F(DesktopMarks, ChangeOneBitEachAndCanBeTakenBack) {
     const auto twinDatabase = m_workspace->OpenDatabase(other.Request());
     const Strings marked = Marked(*database);
     EXPECT_EQ(marked, Marked(*twinDatabase));
-    EXPECT_GT(marked.size(), 100u);
+    EXPECT_GT(marked.size(), 10u);
     const testing::FileBytes now = testing::ReadBytes(copy.Path());
     for (const std::size_t place : copy.Changed()) {
       const int change = (now[place] ^ copy.Original()[place]) & 0xFF;

@@ -1,8 +1,6 @@
-// A server catalog when things go wrong: who may not, what is not there, a server that goes away, and two
-// dialogs at once. And what the back end asks of the server: round trips, rows in blocks.
-#include <chrono>
+// A server catalog when things go wrong: who may not, what is not there, a server that goes away. And what the
+// back end asks of the server: round trips, rows in blocks.
 #include <cstdlib>
-#include <thread>
 
 #include "engine/jet_sql/printing/server_dialects.h"
 #include "engine/odbc/odbc_session.h"
@@ -32,10 +30,6 @@ class OdbcServer : public ::testing::Test {
   std::unique_ptr<Database> Open(Workspace& workspace) { return workspace.OpenDatabase(m_test->Request()); }
   void Mark(Workspace& workspace, int id) {
     Open(workspace)->Execute(kMark + std::to_string(id) + "));", kFailOnError);
-  }
-  std::string Marked() {
-    return m_test->Ask(
-        "SELECT group_concat(ID) FROM (SELECT ID FROM Catalog WHERE Restore ORDER BY ID) AS m");
   }
   static void Control(const char* what) {
     ASSERT_EQ(std::system((ServerSetting("KX_TEST_CONTROL") + " " + what).c_str()), 0);
@@ -140,50 +134,6 @@ TEST_F(OdbcServer, AServerThatGoesAndComesBack) {
   EXPECT_EQ(Rows(*m_workspace->OpenDatabase({.connect = m_connect}),
                  "SELECT ID FROM Catalog WHERE Restore = True ORDER BY ID"),
             (std::vector<std::string>{"1", "3", "4", "5"}));
-}
-
-// Two dialogs that mark the same rows in opposite order wait for each other; nobody loses a mark.
-TEST_F(OdbcServer, MarksOfTwoThatMeet) {
-  const auto mark = [&](int first, int step) {
-    const auto workspace = MakeDefaultWorkspace();
-    workspace->BeginAction();
-    const auto database = Open(*workspace);
-    for (int id = first, count = 0; count < 7; id += step, ++count) {
-      database->Execute(kMark + std::to_string(id) + "));", kFailOnError);
-      std::this_thread::sleep_for(std::chrono::milliseconds(9));
-    }
-    workspace->EndAction();
-  };
-  for (int round = 0; round < 3; ++round) {
-    m_test->Run("UPDATE Catalog SET Restore = false");
-    std::thread other([&] { EXPECT_NO_THROW(mark(7, -1)); });
-    EXPECT_NO_THROW(mark(1, 1));
-    other.join();
-    EXPECT_EQ(Marked(), "1,2,3,4,5,6,7");
-  }
-}
-
-// Each makes its own query of the same name, again and again, and reads what it has made.
-TEST_F(OdbcServer, SavedQueriesOfTwoThatMeet) {
-  const auto search = [&](const std::string& set, std::size_t rows) {
-    const auto workspace = MakeDefaultWorkspace();
-    for (int round = 0; round < 12; ++round) {
-      workspace->BeginAction();
-      const auto database = Open(*workspace);
-      try {
-        database->DeleteQueryDef("FullCatalogBySet");
-      } catch (const Error& error) {
-        EXPECT_EQ(error.Number(), error_number::kItemNotFound) << error.Description();
-      }
-      database->CreateQueryDef("FullCatalogBySet", "SELECT ID FROM Catalog WHERE SetNameID = " + set + ";");
-      std::this_thread::sleep_for(std::chrono::milliseconds(round % 4));
-      EXPECT_EQ(Rows(*database, "FullCatalogBySet").size(), rows);
-      workspace->EndAction();
-    }
-  };
-  std::thread other([&] { EXPECT_NO_THROW(search("2", 2)); });
-  EXPECT_NO_THROW(search("1", 5));
-  other.join();
 }
 
 TEST_F(OdbcServer, AStatementHasAMinute) {

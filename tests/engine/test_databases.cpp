@@ -160,4 +160,21 @@ std::vector<std::string> Rows(Database& database, std::string_view source, Recor
   return rows;
 }
 
+void ExpectSameCatalog(Database& catalog, Database& other) {
+  const std::string columns =
+      "SELECT ID, DateStamp, SetNameID, Extension, Filename, File, LongPathID, StoreName, StoreMethod, "
+      "Plugin, "
+      "IIf(Restore, 1, 0), OrigSize, Status, Attributes, SubFolder, EncryptMethod, ";
+  for (const std::string& sql :
+       {columns + "OrigName FROM [Catalog] ORDER BY ID", columns + "SetName FROM FullCatalog ORDER BY ID",
+        std::string("SELECT ID, Name FROM SetNames ORDER BY ID"),
+        std::string("SELECT PathID, LongPath FROM LongPaths ORDER BY PathID"),
+        std::string("SELECT SetNameID, DateStamp, Extension, IIf(Permanent, 1, 0), Status FROM BackupAudit "
+                    "ORDER BY SetNameID, DateStamp")}) {
+    const auto rows = Rows(catalog, sql);
+    EXPECT_FALSE(rows.empty());
+    EXPECT_EQ(rows, Rows(other, sql)) << sql;
+  }
+}
+
 }  // namespace kxrestore::engine::testing

@@ -61,6 +61,9 @@ std::string CatalogRows();
 std::vector<std::string> Rows(Database& database, std::string_view source,
                               RecordsetType type = RecordsetType::kSnapshot);
 
+// Expects the same rows in every table of two catalogs, and some in each.
+void ExpectSameCatalog(Database& catalog, Database& other);
+
 // Expects an engine error of that number whose description holds the piece.
 template <typename Operation>
 void ExpectError(int number, std::string_view piece, Operation operation) {

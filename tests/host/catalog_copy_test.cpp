@@ -12,7 +12,7 @@ namespace {
 
 using engine::testing::DesktopSample;
 using engine::testing::ExpectError;
-using engine::testing::Rows;
+using engine::testing::ExpectSameCatalog;
 
 class CatalogCopy : public ::testing::Test {
  protected:
@@ -22,23 +22,6 @@ class CatalogCopy : public ::testing::Test {
                          EXPECT_LE(rows, of);
                          ++m_steps;
                        });
-  }
-
-  void ExpectTwins(engine::Database& copy, engine::Database& twin) {
-    const std::string columns =
-        "SELECT ID, DateStamp, SetNameID, Extension, Filename, File, LongPathID, StoreName, StoreMethod, "
-        "Plugin, "
-        "Restore, OrigSize, Status, Attributes, SubFolder, EncryptMethod, ";
-    for (const std::string& sql :
-         {columns + "OrigName FROM [Catalog] ORDER BY ID", columns + "SetName FROM FullCatalog ORDER BY ID",
-          std::string("SELECT ID, Name FROM SetNames ORDER BY ID"),
-          std::string("SELECT PathID, LongPath FROM LongPaths ORDER BY PathID"),
-          std::string(
-              "SELECT SetNameID, DateStamp, Extension, Permanent, Status FROM BackupAudit ORDER BY ID")}) {
-      const auto rows = Rows(copy, sql);
-      EXPECT_FALSE(rows.empty());
-      EXPECT_EQ(rows, Rows(twin, sql)) << sql;
-    }
   }
 
   engine::testing::TemporaryFolder m_folder;
@@ -52,9 +35,9 @@ TEST_F(CatalogCopy, IntoAFile) {
     const auto copied = Copy(DesktopSample(name), target);
     ASSERT_EQ(copied.size(), 4u);
     EXPECT_EQ(copied[3].name, "Catalog");
-    EXPECT_EQ(copied[3].rows, std::string_view(name).starts_with("deleted") ? 400 : 600);
-    ExpectTwins(*m_workspace->OpenDatabase({.name = target}),
-                *m_workspace->OpenDatabase({.name = DesktopSample(twin), .readOnly = true}));
+    EXPECT_GT(copied[3].rows, 0);
+    ExpectSameCatalog(*m_workspace->OpenDatabase({.name = target}),
+                      *m_workspace->OpenDatabase({.name = DesktopSample(twin), .readOnly = true}));
   }
   EXPECT_GT(m_steps, 0);
 }
@@ -64,8 +47,8 @@ TEST_F(CatalogCopy, OntoAServer) {
   const catalog_test::ServerCatalog server([](sample::CatalogSink&) {});
   const std::string target = "ODBC;" + server.Connect();
   Copy(DesktopSample("marked-2003.mdb"), server.Connect().starts_with("ODBC;") ? server.Connect() : target);
-  ExpectTwins(*m_workspace->OpenDatabase({.connect = server.Connect()}),
-              *m_workspace->OpenDatabase({.name = DesktopSample("marked.db"), .readOnly = true}));
+  ExpectSameCatalog(*m_workspace->OpenDatabase({.connect = server.Connect()}),
+                    *m_workspace->OpenDatabase({.name = DesktopSample("marked.db"), .readOnly = true}));
 }
 
 TEST_F(CatalogCopy, LeavesNothingBehindWhenItFails) {

@@ -9,8 +9,6 @@
 namespace kxrestore::sample {
 namespace {
 
-using engine::testing::Rows;
-
 TEST(ServerWriter, WritesTheRowsOfACatalogFile) {
   if (!catalog_test::ServerCatalog::HasServer()) GTEST_SKIP() << "no server";
   const SampleOptions options{.rows = 800};
@@ -23,19 +21,7 @@ TEST(ServerWriter, WritesTheRowsOfACatalogFile) {
   const auto workspace = engine::MakeDefaultWorkspace();
   const auto file = workspace->OpenDatabase({.name = folder.File("catalog.db")});
   const auto catalog = workspace->OpenDatabase({.connect = server.Connect()});
-  const std::string columns =
-      "SELECT ID, DateStamp, SetNameID, Extension, Filename, File, LongPathID, StoreName, "
-      "StoreMethod, Plugin, Restore, OrigSize, Status, Attributes, SubFolder, EncryptMethod, ";
-  for (const std::string& statement :
-       {columns + "OrigName FROM [Catalog] ORDER BY ID", columns + "SetName FROM FullCatalog ORDER BY ID",
-        std::string("SELECT ID, Name FROM SetNames ORDER BY ID"),
-        std::string("SELECT PathID, LongPath FROM LongPaths ORDER BY PathID"),
-        std::string(
-            "SELECT ID, SetNameID, DateStamp, Extension, Permanent, Status FROM BackupAudit ORDER BY ID")}) {
-    const auto rows = Rows(*catalog, statement);
-    EXPECT_FALSE(rows.empty());
-    EXPECT_EQ(rows, Rows(*file, statement));
-  }
+  engine::testing::ExpectSameCatalog(*catalog, *file);
 }
 
 }  // namespace

@@ -47,6 +47,7 @@ TEST_F(CdTest, Labels) {
                                                                       {std::nullopt, ""},
                                                                       {std::string("CUT\0HERE", 8), "CUT"},
                                                                       {"THIRTEEN CHRS", "THIRTEEN CHRS"},
+                                                                      {" BLANKS ", " BLANKS "},
                                                                       {"FOURTEEN CHARS", ""}};
   cCD cd(drives, desktop);
   for (const auto& [label, expected] : cases) {

@@ -94,7 +94,10 @@ TEST_F(ProgramSettingsTest, ARefusedCallIsSilent) {
   registry.fault = nullptr;
   registry.Grant(kHkeyLocalMachine, kPath, 0x19);  // to read only, where all rights are asked for
   EXPECT_EQ("default", Read());
-  settings.WriteEntry("ClientDB", "lost");
+  for (const std::uint32_t rights : {0x19u, 0x20006u}) {
+    registry.Grant(kHkeyLocalMachine, kPath, rights);
+    settings.WriteEntry("ClientDB", "lost");
+  }
   registry.Grant(kHkeyLocalMachine, kPath, 0x3F);
   EXPECT_EQ("C:\\Client", Read());
   EXPECT_TRUE(desktop.messages.empty());

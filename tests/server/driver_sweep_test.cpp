@@ -1,6 +1,5 @@
 // Everything that the dialog does with a server catalog while single calls of the driver fail, lose the
-// connection or take long. However an action ends, the list shows what the catalog marks or a report says
-// that it cannot, and every file that was ticked is marked or counted in a report.
+// connection or take long.
 //
 // A sample of the calls is tried; with KX_FAULTS=all in the environment each one is.
 #include <chrono>
@@ -12,7 +11,7 @@
 
 #include "engine/odbc/odbc_backend.h"
 #include "tests/catalog/server_catalog.h"
-#include "tests/dialog/dialog_fixture.h"
+#include "tests/dialog/marking_steps.h"
 #include "tests/server/driver_double.h"
 
 namespace kxrestore::server_test {
@@ -22,26 +21,6 @@ using catalog_test::ServerCatalog;
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 using namespace dialog_test;  // NOLINT: its fixture and its names
-
-constexpr int kFiles = 7;
-const Ids kAll{1, 2, 3, 4, 5, 6, 7}, kFive{2, 3, 4, 5, 6};
-
-enum class Action {
-  kLoad,
-  kChooseRun,
-  kSearch,
-  kLatestSearch,
-  kApply,
-  kSearchApply,
-  kAutoSelect,
-  kUpdate,
-  kClear,
-  kCancel,
-  kRestoreNow
-};
-constexpr const char* kNames[] = {"load",  "choose run",   "search",      "latest-only search",
-                                  "apply", "search apply", "auto-select", "update",
-                                  "clear", "cancel",       "commit"};
 
 std::unique_ptr<engine::Workspace> ServerWorkspace() {
   engine::Workspace::Backends backends;
@@ -53,217 +32,83 @@ class DriverSweep : public DialogTest {
  protected:
   void SetUp() override {
     if (!ServerCatalog::HasServer()) GTEST_SKIP() << "no server";
-    std::vector<sample::FileRow> rows;
-    for (int id = 1; id <= kFiles; ++id) {
-      rows.push_back(Row(id, 1, "003", "C:\\Data\\" + std::to_string(id) + ".doc"));
-    }
-    m_server.emplace([&](sample::CatalogSink& sink) { catalog_test::AddRows(sink, rows, Runs()); });
+    m_server.emplace([](sample::CatalogSink& sink) { catalog_test::AddRows(sink, SweepRows(), Runs()); });
   }
 
-  // One action on a dialog of its own, with the double switched on while it is done. The number of calls.
-  std::size_t Try(Action action, DriverFault fault, std::size_t at) {
+  // A dialog on the server's catalog.
+  struct Dialog : dialog::frmRestore {
+    Dialog(DriverSweep& test, engine::Workspace& databases) : frmRestore(test.platform.Get(), databases) {
+      parameters.DBType = 1;
+      parameters.DBDatabase = test.m_server->Database();
+      parameters.DBServer = ServerCatalog::Server();
+      parameters.DBUser = ServerCatalog::User();
+      parameters.DBPass = ServerCatalog::Password();
+    }
+  };
+
+  // One step on a dialog of its own, with the double switched on while it is done. The number of calls.
+  std::size_t Try(Step step, DriverFault fault, std::size_t at) {
     std::ostringstream name;
-    name << kNames[static_cast<int>(action)] << ": " << fault << " at call " << at;
-    m_server->Execute(action >= Action::kUpdate ? "UPDATE Catalog SET Restore = TRUE"
-                                                : "UPDATE Catalog SET Restore = FALSE");
-    m_workspace = ServerWorkspace();
-    dialog::frmRestore dialog(platform.Get(), *m_workspace);
-    dialog.parameters.DBType = 1;
-    dialog.parameters.DBDatabase = m_server->Database();
-    dialog.parameters.DBServer = ServerCatalog::Server();
-    dialog.parameters.DBUser = ServerCatalog::User();
-    dialog.parameters.DBPass = ServerCatalog::Password();
+    name << kStepNames[static_cast<int>(step)] << ": " << fault << " at call " << at;
+    m_server->Execute(MarksBefore(step));
+    const auto databases = ServerWorkspace();
+    Dialog dialog(*this, *databases);
     std::size_t commenced = 0, calls = 0;
-    FormControls* loaded = nullptr;
     dialog.CommenceRestore = [&] { ++commenced; };
     desktop.messages.clear();
     desktop.answers.assign(20, platform::kAnswerYes);
-    {
-      std::optional<DriverDouble> twin;
-      if (action == Action::kLoad) twin.emplace(fault, at);
-      FormControls& controls = dialog.Controls();  // loads the form
-      loaded = &controls;
-      Prepare(action, controls);
-      if (!twin) twin.emplace(fault, at);
-      Start(action, controls);
-      if (DriverDouble::Hit() != nullptr) name << ", " << DriverDouble::Hit();
-      calls = DriverDouble::Calls();
-    }
+    std::optional<DriverDouble> twin;
+    if (step == Step::kLoad) twin.emplace(fault, at);
+    FormControls& controls = dialog.Controls();  // loads the form
+    Prepare(step, controls);
+    if (!twin) twin.emplace(fault, at);
+    Start(step, controls);
+    if (DriverDouble::Hit() != nullptr) name << ", " << DriverDouble::Hit();
+    calls = DriverDouble::Calls();
+    twin.reset();
     SCOPED_TRACE(name.str());
-    Judge(action, *loaded, commenced);
-    desktop.messages.clear();
-    if (loaded->form.IsOpen()) loaded->form.Unload();
+    ExpectRight(step, controls, commenced);
+    if (controls.form.IsOpen()) controls.form.Unload();
     desktop.messages.clear();
     return calls;
   }
 
-  void Prepare(Action action, FormControls& controls) {
-    switch (action) {
-      case Action::kApply:
-        controls.tvwSets.UserClickNode(NodeOf(controls.tvwSets, "1 003"));
-        for (const std::int64_t id : kFive) {
-          controls.tvwDetails.UserCheck(NodeOf(controls.tvwDetails, std::to_string(id) + ".doc"), true);
-        }
-        break;
-      case Action::kSearchApply:
-        controls.tbsOptions.UserSelect(2);
-        controls.cboMask.UserType(".doc");
-        controls.cmdSearch[kFind].UserClick();
-        ASSERT_EQ(controls.asSearch.Count(), std::size_t{kFiles});
-        for (std::size_t i = 1; i <= kFiles; ++i) {
-          controls.asSearch.UserTick(i, kFive.contains(IdOf(controls.asSearch, i)));
-        }
-        break;
-      case Action::kSearch:
-      case Action::kLatestSearch:
-        controls.tbsOptions.UserSelect(2);
-        controls.cboMask.UserType(".doc");
-        controls.chk1.SetValue(action == Action::kLatestSearch ? 1 : 0);
-        break;
-      case Action::kAutoSelect:
-        controls.tbsOptions.UserSelect(3);
-        controls.chk2.SetValue(0);
-        Tick(controls.asFiles, ".doc");
-        break;
-      case Action::kLoad:
-      case Action::kChooseRun:
-        break;
-      default:
-        controls.cmdRestore[kRefresh].UserClick();
-        ASSERT_EQ(controls.asRestoreList.Count(), std::size_t{kFiles});
-        for (const std::int64_t id : kFive) {
-          if (action == Action::kUpdate) {
-            Tick(controls.asRestoreList, "C:\\Data\\" + std::to_string(id) + ".doc", false);
-          }
-        }
-    }
-  }
-
-  static void Start(Action action, FormControls& controls) {
-    switch (action) {
-      case Action::kLoad:
-        return;
-      case Action::kChooseRun:
-        return controls.tvwSets.UserClickNode(NodeOf(controls.tvwSets, "1 003"));
-      case Action::kSearch:
-      case Action::kLatestSearch:
-        return controls.cmdSearch[kFind].UserClick();
-      case Action::kApply:
-        return controls.cmdAction[kApply].UserClick();
-      case Action::kSearchApply:
-        return controls.cmdSearch[kApplyFound].UserClick();
-      case Action::kAutoSelect:
-        return controls.cmdAuto[kApplyTypes].UserClick();
-      case Action::kUpdate:
-        return controls.cmdRestore[kUpdate].UserClick();
-      case Action::kClear:
-        return controls.cmdRestore[kClearList].UserClick();
-      case Action::kCancel:
-        return controls.cmdRestore[kCancel].UserClick();
-      case Action::kRestoreNow:
-        return controls.cmdRestore[kRestoreNow].UserClick();
-    }
-  }
-
-  static std::int64_t IdOf(const AutoSelect& list, std::size_t number) {
-    return list.At(number).name[8] - '0';
-  }
-
-  bool Reported(std::string_view start = {}) const {
-    return std::any_of(desktop.messages.begin(), desktop.messages.end(), [start](const auto& message) {
-      return message.title.starts_with(start) && message.style == platform::kExclamation;
-    });
-  }
-  std::size_t CountedAsNotMarked() const {
-    std::size_t count = 0;
-    for (const auto& message : desktop.messages) {
-      if (message.text.ends_with(" file(s) could not be marked.")) count += std::stoul(message.text);
-    }
-    return count;
-  }
-  std::string Messages() const {
-    std::string text;
-    for (const auto& message : desktop.messages) text += "\n  " + message.title + ": " + message.text;
-    return text;
-  }
-
-  void Judge(Action action, FormControls& controls, std::size_t commenced) {
-    SCOPED_TRACE(Messages());
-    for (const auto& message : desktop.messages) {
-      EXPECT_EQ(message.text.find("PWD"), std::string::npos);
-      EXPECT_EQ(message.text.find("Internal error"), std::string::npos);
-    }
-    if (action == Action::kLoad) {
-      EXPECT_TRUE(Reported() || NodeFrom(controls.tvwSets.FirstRoot(), "1 003"));
-      return;
-    }
-    if (action == Action::kChooseRun) {
-      for (const std::int64_t id : kAll) {
-        EXPECT_TRUE(Reported() || NodeFrom(controls.tvwDetails.FirstRoot(), std::to_string(id) + ".doc"));
-      }
-      return;
-    }
-    if (action == Action::kSearch || action == Action::kLatestSearch) {
-      EXPECT_TRUE(Reported() || controls.asSearch.Count() == kFiles);
-      return;
-    }
-    const Ids marked = m_server->Marked();
-    EXPECT_TRUE(commenced == 0 || marked == kAll);
-    if (!controls.form.IsOpen()) {
-      EXPECT_TRUE(action == Action::kRestoreNow ? commenced == 1 : marked.empty() || Reported());
-      return;
-    }
-    Ids shown, unticked;
-    for (std::size_t i = 1; i <= controls.asRestoreList.Count(); ++i) {
-      shown.insert(IdOf(controls.asRestoreList, i));
-      if (!controls.asRestoreList.TickedAt(i)) unticked.insert(IdOf(controls.asRestoreList, i));
-    }
-    EXPECT_TRUE(Reported("ListCurrentSelections") || shown == marked);
-    Ids missed;
-    if (action == Action::kUpdate) {
-      for (const std::int64_t id : kFive) {
-        if (marked.contains(id)) missed.insert(id);
-      }
-    } else if (action == Action::kClear || action == Action::kCancel || action == Action::kRestoreNow) {
-      EXPECT_TRUE(marked.empty() || Reported());
-      return;
-    } else {
-      for (const std::int64_t id : action == Action::kAutoSelect ? kAll : kFive) {
-        if (!marked.contains(id)) missed.insert(id);
-      }
-    }
-    const bool cutShort = action == Action::kAutoSelect && Reported("ApplyAutoSelect");
-    // What a lost commit has saved all the same may be counted, too.
-    EXPECT_TRUE(cutShort || CountedAsNotMarked() >= missed.size());
-    EXPECT_TRUE(missed.empty() || Reported());
+  void ExpectRight(Step step, FormControls& controls, std::size_t commenced) {
+    std::string reports;
+    for (const auto& message : desktop.messages) reports += "\n  " + message.title + ": " + message.text;
+    EXPECT_EQ(Wrong(step, controls,
+                    {.marked = m_server->Marked(),
+                     .commenced = commenced,
+                     .messages = desktop.messages,
+                     .told = Told::kAtLeast}),
+              "")
+        << reports;
   }
 
   std::optional<ServerCatalog> m_server;
-  std::unique_ptr<engine::Workspace> m_workspace;
 };
 
 TEST_F(DriverSweep, ScreenAndCatalogAgreeWhateverTheDriverDoes) {
   const char* faults = std::getenv("KX_FAULTS");
   const bool all = faults != nullptr && std::string_view(faults) == "all";
-  constexpr std::size_t kActions = static_cast<std::size_t>(Action::kRestoreNow) + 1;
   constexpr std::size_t kSample = 7;  // places of one kind of fault in one action
   constexpr std::chrono::seconds kTime(25);
   constexpr DriverFault kKinds[] = {DriverFault::kFail, DriverFault::kDrop, DriverFault::kDropAfter};
-  std::size_t calls[kActions]{}, held[kActions]{};
+  std::size_t calls[kSteps]{}, held[kSteps]{};
   const auto until = Clock::now() + kTime;
   // One round takes one place of each action. A slow machine has time for few rounds.
   for (std::size_t round = 0; all || Clock::now() < until; ++round) {
     bool tried = false;
-    for (std::size_t number = 0; number < kActions; ++number) {
-      const auto action = static_cast<Action>(number);
-      if (round == 0) calls[number] = Try(action, DriverFault::kNone, 0);
-      const std::size_t step = all ? 1 : std::max<std::size_t>(calls[number] / kSample, 1);
+    for (std::size_t number = 0; number < kSteps; ++number) {
+      const auto step = static_cast<Step>(number);
+      if (round == 0) calls[number] = Try(step, DriverFault::kNone, 0);
+      const std::size_t stride = all ? 1 : std::max<std::size_t>(calls[number] / kSample, 1);
       for (std::size_t kind = all ? 0 : (round + number) % 3; kind < (all ? 3 : (round + number) % 3 + 1);
            ++kind) {
         // Each kind of fault samples different calls, starting from the last ones, which commit.
-        const std::size_t back = round * step + (all ? 0 : kind * step / 3);
+        const std::size_t back = round * stride + (all ? 0 : kind * stride / 3);
         if (back >= calls[number]) continue;
-        Try(action, kKinds[kind], calls[number] - back);
+        Try(step, kKinds[kind], calls[number] - back);
         if (HasFailure()) return;
         ++held[number];
         tried = true;
@@ -271,8 +116,8 @@ TEST_F(DriverSweep, ScreenAndCatalogAgreeWhateverTheDriverDoes) {
     }
     if (!tried) break;
   }
-  for (std::size_t number = 0; number < kActions; ++number) {
-    std::printf("%-20s %5zu calls, %5zu faults tried, all held\n", kNames[number], calls[number],
+  for (std::size_t number = 0; number < kSteps; ++number) {
+    std::printf("%-20s %5zu calls, %5zu faults tried, all held\n", kStepNames[number], calls[number],
                 held[number]);
     EXPECT_TRUE(held[number] > 0 || calls[number] == 0);
   }
@@ -281,20 +126,13 @@ TEST_F(DriverSweep, ScreenAndCatalogAgreeWhateverTheDriverDoes) {
 // A call of the driver that takes two seconds: pending messages go on, and Esc does not wait for it.
 TEST_F(DriverSweep, ASlowDriverFreezesNobody) {
   constexpr milliseconds kDelay(1500);
-  const std::size_t calls = Try(Action::kApply, DriverFault::kNone, 0);
+  const std::size_t calls = Try(Step::kApply, DriverFault::kNone, 0);
   for (const std::size_t at : {calls / 3, calls / 2, calls - calls / 5}) {
-    m_server->Execute("UPDATE Catalog SET Restore = FALSE");
-    m_workspace = ServerWorkspace();
-    UseServer(m_server->Database(), ServerCatalog::Server(), ServerCatalog::User(),
-              ServerCatalog::Password());
-    dialog::frmRestore dialog(platform.Get(), *m_workspace);
-    dialog.parameters.DBType = 1;
-    dialog.parameters.DBDatabase = m_server->Database();
-    dialog.parameters.DBServer = ServerCatalog::Server();
-    dialog.parameters.DBUser = ServerCatalog::User();
-    dialog.parameters.DBPass = ServerCatalog::Password();
+    m_server->Execute(MarksBefore(Step::kApply));
+    const auto databases = ServerWorkspace();
+    Dialog dialog(*this, *databases);
     FormControls& controls = dialog.Controls();
-    Prepare(Action::kApply, controls);
+    Prepare(Step::kApply, controls);
     std::optional<Clock::time_point> pressed;
     std::size_t turns = 0;
     {
@@ -304,7 +142,7 @@ TEST_F(DriverSweep, ASlowDriverFreezesNobody) {
         pressed = Clock::now();
         controls.form.UserKey(controls::Key::kEscape);
       };
-      Start(Action::kApply, controls);
+      Start(Step::kApply, controls);
       desktop.onDoEvents = nullptr;
     }
     ASSERT_TRUE(pressed) << at << ": " << turns << " turns in " << kDelay.count() << " ms";
@@ -313,11 +151,10 @@ TEST_F(DriverSweep, ASlowDriverFreezesNobody) {
     EXPECT_LT(took, kDelay / 2);
     desktop.messages.clear();
     // What was stopped does not stand in the way of what follows.
-    Start(Action::kApply, controls);
-    Judge(Action::kApply, controls, 0);
-    EXPECT_FALSE(Reported()) << Messages();
-    EXPECT_EQ(m_server->Marked(), kFive);
-    desktop.messages.clear();
+    Start(Step::kApply, controls);
+    ExpectRight(Step::kApply, controls, 0);
+    EXPECT_TRUE(desktop.messages.empty());
+    EXPECT_EQ(m_server->Marked(), kTicked);
     controls.form.Unload();
     desktop.messages.clear();
   }

@@ -1,0 +1,225 @@
+// What a user does with a catalog of seven files, step by step, for sweeps in which one thing after the other
+// fails or is stopped; and what has to hold however a step ends: the list shows what the catalog marks or a
+// report says that it cannot, every file that was ticked is marked or counted in a report, and nothing is
+// marked that nobody ticked.
+#pragma once
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/dialog/dialog_fixture.h"
+
+namespace kxrestore::dialog_test {
+
+enum class Step {
+  kLoad,
+  kChoose,
+  kSearch,
+  kLatest,
+  kApply,
+  kSearchApply,
+  kAutoSelect,
+  kUpdate,
+  kClear,
+  kCancel,
+  kRestoreNow
+};
+inline constexpr const char* kStepNames[] = {"load",  "choose",        "search",      "search the latest",
+                                             "Apply", "search, Apply", "auto-select", "Update",
+                                             "Clear", "Cancel",        "Restore Now"};
+inline constexpr std::size_t kSteps = std::size(kStepNames);
+inline const Ids kAllFiles{1, 2, 3, 4, 5, 6, 7}, kTicked{2, 3, 4, 5, 6};
+
+inline std::string FileOf(std::int64_t id) {
+  return std::to_string(id) + ".doc";
+}
+inline std::vector<sample::FileRow> SweepRows() {
+  std::vector<sample::FileRow> rows;
+  for (const std::int64_t id : kAllFiles) rows.push_back(Row(id, 1, "003", "C:\\Data\\" + FileOf(id)));
+  return rows;
+}
+// What the catalog marks before a step.
+inline const char* MarksBefore(Step step) {
+  return step >= Step::kUpdate ? "UPDATE Catalog SET Restore = TRUE" : "UPDATE Catalog SET Restore = FALSE";
+}
+
+// The files in a list; those only that are ticked, or not, when that is asked.
+inline Ids FilesIn(const AutoSelect& list, std::optional<bool> ticked = {}) {
+  Ids ids;
+  for (std::size_t i = 1; i <= list.Count(); ++i) {
+    if (!ticked || list.TickedAt(i) == *ticked) ids.insert(list.At(i).name[8] - '0');
+  }
+  return ids;
+}
+
+// Ticks the files 2 to 6, or takes their ticks off the restore list.
+inline void Prepare(Step step, FormControls& ui) {
+  const auto tick = [](AutoSelect& list, bool ticked) {
+    for (std::size_t i = 1; i <= list.Count(); ++i) {
+      if (kTicked.contains(list.At(i).name[8] - '0')) list.UserTick(i, ticked);
+    }
+  };
+  switch (step) {
+    case Step::kLoad:
+    case Step::kChoose:
+      break;
+    case Step::kApply:
+      ui.tvwSets.UserClickNode(NodeFrom(ui.tvwSets.FirstRoot(), "1 003"));
+      for (const std::int64_t id : kTicked) {
+        ui.tvwDetails.UserCheck(NodeFrom(ui.tvwDetails.FirstRoot(), FileOf(id)), true);
+      }
+      break;
+    case Step::kSearch:
+    case Step::kLatest:
+    case Step::kSearchApply:
+      ui.tbsOptions.UserSelect(2);
+      ui.cboMask.UserType(".doc");
+      ui.chk1.SetValue(step == Step::kLatest ? 1 : 0);
+      if (step != Step::kSearchApply) break;
+      ui.cmdSearch[kFind].UserClick();
+      tick(ui.asSearch, true);
+      break;
+    case Step::kAutoSelect:
+      ui.tbsOptions.UserSelect(3);
+      ui.chk2.SetValue(0);
+      for (std::size_t i = 1; i <= ui.asFiles.Count(); ++i) ui.asFiles.UserTick(i, true);
+      break;
+    default:
+      ui.cmdRestore[kRefresh].UserClick();
+      if (step == Step::kUpdate) tick(ui.asRestoreList, false);
+  }
+}
+
+// Presses the step's button.
+inline void Start(Step step, FormControls& ui) {
+  switch (step) {
+    case Step::kLoad:
+      return;
+    case Step::kChoose:
+      return ui.tvwSets.UserClickNode(NodeFrom(ui.tvwSets.FirstRoot(), "1 003"));
+    case Step::kSearch:
+    case Step::kLatest:
+      return ui.cmdSearch[kFind].UserClick();
+    case Step::kApply:
+      return ui.cmdAction[kApply].UserClick();
+    case Step::kSearchApply:
+      return ui.cmdSearch[kApplyFound].UserClick();
+    case Step::kAutoSelect:
+      return ui.cmdAuto[kApplyTypes].UserClick();
+    default:
+      constexpr RestoreButton kButtons[] = {kUpdate, kClearList, kCancel, kRestoreNow};
+      return ui.cmdRestore[kButtons[static_cast<int>(step) - static_cast<int>(Step::kUpdate)]].UserClick();
+  }
+}
+
+// How much the reports have to say.
+enum class Told {
+  kExactly,   // each under its own name, and the count of files is right
+  kAtLeast,   // what a lost commit has saved all the same may be counted, too
+  kSomehow,   // any report will do
+  kNoMemory,  // there is none for a report
+};
+
+struct Ending {
+  Ids marked;  // in the catalog
+  std::size_t commenced = 0;
+  const std::vector<platform::HeadlessDesktop::Message>& messages;
+  Told told = Told::kExactly;
+  bool stopped = false;  // by the user
+
+  bool Reported(std::string_view title = {}) const {
+    if (told == Told::kNoMemory) return true;
+    return std::any_of(messages.begin(), messages.end(), [&](const auto& message) {
+      return message.style == platform::kExclamation &&
+             (told == Told::kSomehow || message.title.starts_with(title));
+    });
+  }
+  std::size_t Counted() const {
+    std::size_t count = 0;
+    for (const auto& message : messages) {
+      if (message.text.ends_with(" file(s) could not be marked.")) count += std::stoul(message.text);
+    }
+    return count;
+  }
+};
+
+// What does not hold after a step; empty when all is well.
+inline std::string Wrong(Step step, FormControls& ui, const Ending& end) {
+  std::string wrong;
+  const auto hold = [&](bool holds, const char* what) {
+    if (!holds) wrong.append(wrong.empty() ? "" : "; ").append(what);
+  };
+  for (const auto& message : end.messages) {
+    hold(message.text.find("PWD") == std::string::npos, "a report shows the password");
+    hold(message.text.find("Internal error") == std::string::npos, "an unforeseen error");
+  }
+  hold(end.commenced == 0 || end.marked == kAllFiles, "the host was called for other files");
+  if (!ui.form.IsOpen()) {
+    if (step == Step::kRestoreNow && !end.stopped) {
+      hold(end.commenced == 1, "closed without having restored");
+    } else if (end.commenced == 0) {
+      hold(end.stopped || step == Step::kCancel, "closed by itself");
+      hold(end.marked.empty() || end.Reported("CancelAll"), "closed, and marks are left");
+    }
+    return wrong;
+  }
+  hold(end.commenced == 0, "the host was called, but the dialog is open");
+  const bool listFailed = end.Reported("ListCurrentSelections");
+  hold(listFailed || FilesIn(ui.asRestoreList) == end.marked, "the list is not what is marked");
+
+  Ids wanted, missed;  // of what the user wanted
+  const bool strict = end.told <= Told::kAtLeast;
+  switch (step) {
+    case Step::kLoad:
+      hold(!strict || end.Reported() || NodeFrom(ui.tvwSets.FirstRoot(), "1 003"), "runs are missing");
+      break;
+    case Step::kChoose:
+      hold(!strict || end.Reported() || ui.tvwDetails.Count() == 2 + kAllFiles.size(), "files are missing");
+      break;
+    case Step::kSearch:
+    case Step::kLatest:
+      hold(end.Reported() || ui.asSearch.Count() == kAllFiles.size(), "hits are missing");
+      break;
+    case Step::kUpdate:
+      hold(end.marked.contains(1) && end.marked.contains(7), "ticked files have lost their marks");
+      std::set_intersection(kTicked.begin(), kTicked.end(), end.marked.begin(), end.marked.end(),
+                            std::inserter(missed, missed.end()));
+      hold(end.told != Told::kExactly || end.stopped || listFailed ||
+               FilesIn(ui.asRestoreList, false) == missed,
+           "what could not be unmarked is ticked again");
+      break;
+    case Step::kApply:
+    case Step::kSearchApply:
+    case Step::kAutoSelect:
+      wanted = step == Step::kAutoSelect ? kAllFiles : kTicked;
+      std::set_difference(wanted.begin(), wanted.end(), end.marked.begin(), end.marked.end(),
+                          std::inserter(missed, missed.end()));
+      break;
+    case Step::kRestoreNow:
+      hold(end.marked == kAllFiles || end.Reported(), "marks are lost, and nobody was told");
+      return wrong;
+    default:
+      hold(end.marked.empty() || end.stopped || end.Reported(), "marks are left, and nobody was told");
+      return wrong;
+  }
+  hold(step == Step::kUpdate ||
+           std::includes(wanted.begin(), wanted.end(), end.marked.begin(), end.marked.end()),
+       "a file is marked that nobody ticked");
+  if (end.stopped) return wrong;
+  // A listing that ended early is reported by itself; the rows that it did not give cannot be counted.
+  const bool cutShort = step == Step::kAutoSelect && end.Reported("ApplyAutoSelect");
+  const std::size_t counted = end.Counted();
+  hold(missed.empty() || end.Reported(), "files are not marked, and nobody was told");
+  hold(!strict || cutShort || counted >= missed.size(), "too few files are counted");
+  hold(end.told != Told::kExactly || counted <= missed.size(), "too many files are counted");
+  hold(end.told != Told::kExactly || listFailed || wanted.empty() ||
+           ui.cmdRestore[kRestoreNow].Enabled() == !end.marked.empty(),
+       "Restore Now is wrong");
+  return wrong;
+}
+
+}  // namespace kxrestore::dialog_test
