@@ -134,12 +134,13 @@ TEST_F(AutoSelectTab, OddTypesMarkJustTheirFilesInTheChosenRuns) {
 }
 
 TEST_F(AutoSelectTab, StoppingAndFailingKeepTheMarksThatAreMade) {
-  LoadTypes({Live(1, "C:\\a.doc"), Live(2, "C:\\b.doc"), Live(3, "C:\\c.doc"), Live(4, "C:\\d.xls")});
+  LoadTypes({Live(1, "C:\\a.doc"), Live(2, "C:\\b.doc"), Live(3, "C:\\c.doc"), Live(4, "C:\\d.doc"),
+             Live(5, "C:\\e.xls")});
   Tick(Types(), "Documents");
   ui().asRestoreList.Add({});
-  EscapeAt(2);
+  EscapeAt(3);
   ApplyTypes();
-  EXPECT_EQ(catalog->Marked().size(), 2u) << "pending messages run after each row";
+  EXPECT_EQ(catalog->Marked().size(), 3u) << "pending messages run after each row";
   EXPECT_EQ(ui().asRestoreList.Count(), 1u) << "a stop leaves the list as it was";
 
   catalog->Execute(
@@ -147,11 +148,11 @@ TEST_F(AutoSelectTab, StoppingAndFailingKeepTheMarksThatAreMade) {
       "SELECT raise(ABORT, 'refused'); END");
   ApplyTypes();
   ExpectReports({"UpdateByID(2): (", "ApplyAutoSelect: 1 file(s) could not be marked."});
-  EXPECT_EQ(catalog->Marked(), (Ids{1, 3, 4}));
-  EXPECT_EQ(ui().asRestoreList.Count(), 3u);
+  EXPECT_EQ(catalog->Marked(), (Ids{1, 3, 4, 5}));
+  EXPECT_EQ(ui().asRestoreList.Count(), 4u);
   catalog->Execute("DROP TRIGGER Refuse");
   ApplyTypes();
-  EXPECT_EQ(catalog->Marked().size(), 4u);
+  EXPECT_EQ(catalog->Marked().size(), 5u);
   catalog->Execute("DROP VIEW FullCatalog");
   ApplyTypes();
   ExpectReports({"ApplyAutoSelect: ("});
