@@ -17,10 +17,10 @@
 namespace kxrestore::bench {
 namespace {
 
-constexpr double kMaxFillRatio = 2.5;
+constexpr double kMaxFillRatio = 1.5;
 constexpr double kMaxBytesANode = 100;
 constexpr double kMaxTickSeconds = 0.1;
-constexpr double kMaxApplyRatio = 3;
+constexpr double kMaxApplyRatio = 1.8;
 constexpr double kMaxSyncsAFile = 0.01;
 
 class Fill : public Comparison {

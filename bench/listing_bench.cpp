@@ -23,8 +23,8 @@
 namespace kxrestore::bench {
 namespace {
 
-constexpr double kMaxSearchRatio = 1.5;
-constexpr double kMaxLatestRatio = 1.5;
+constexpr double kMaxSearchRatio = 1.3;
+constexpr double kMaxLatestRatio = 1.2;
 constexpr double kMaxChooserRatio = 2;
 constexpr double kMaxAutoSelectRatio = 3;
 constexpr double kMaxBytesAnEntry = 300;
