@@ -1,9 +1,10 @@
 // The bare sides of the comparisons on a server: PostgreSQL through its own client library, and the sample
-// catalogs on it. Where the server is stands in the environment, see scripts/test_server.sh.
+// catalogs on it. The environment names the server, see scripts/test_server.sh.
 #pragma once
 
 #include <libpq-fe.h>
 
+#include <concepts>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -46,8 +47,8 @@ class BarePostgres {
   explicit BarePostgres(const std::string& database);
 
   BareRows Execute(const std::string& sql);
-  // Reads a statement's rows a thousand at a time, so that a million are never held.
-  template <typename Visit>
+  // Reads a statement's rows a thousand at a time, to limit memory.
+  template <std::invocable<const BareRows&> Visit>
   void Walk(const std::string& sql, Visit visit) {
     Execute("BEGIN");
     Execute("SET LOCAL cursor_tuple_fraction = 1");

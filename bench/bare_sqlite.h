@@ -1,4 +1,4 @@
-// The bare sides of the comparisons: a catalog file through the database library's own functions.
+// The baseline of the comparisons: a catalog file through SQLite's own functions.
 #pragma once
 
 #include <sqlite3.h>
@@ -10,8 +10,8 @@
 
 namespace kxrestore::bench {
 
-// The catalog with exactly `rows` live plain files in run "001" of set 1. It is made once and kept for later
-// runs.
+// The catalog with exactly `rows` live plain files in run "001" of set 1. It is created once and kept for
+// later runs.
 std::string BenchCatalog(std::int64_t rows);
 
 inline constexpr int kBenchSet = 1;
@@ -50,7 +50,7 @@ class BareDatabase {
   std::unique_ptr<sqlite3, Close> m_database;
 };
 
-// Takes all marks away.
+// Clears all marks.
 void ClearMarks(const std::string& path);
 std::int64_t CountMarks(const std::string& path);
 

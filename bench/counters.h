@@ -1,14 +1,14 @@
-// What the operating system and the heap were asked for by this program; link counters.cpp to count.
+// Counts requests of this program to the operating system and the heap; link counters.cpp to count.
 #pragma once
 
 #include <cstdint>
 
 namespace kxrestore::bench {
 
-// Disk syncs (fsync and fdatasync) since the start, the database library's included.
+// Disk syncs (fsync and fdatasync) since the start, including SQLite's.
 std::int64_t Syncs();
 
-// Bytes that `new` has given out and that were not given back yet, with what the heap adds to a block.
+// Bytes currently allocated by `new`, including the heap's overhead.
 std::int64_t LiveBytes();
 
 }  // namespace kxrestore::bench

@@ -29,7 +29,7 @@ struct Result {
   std::string unit;
   std::optional<double> limit;
 
-  // What the limit is about: the ratio, else the figure, else the time.
+  // The value that is limited: the ratio, else the figure, else the time.
   double Measured() const {
     if (value) return *value;
     return ratio ? *ratio : *ours;
@@ -42,7 +42,7 @@ std::vector<Result>& Results() {
   return results;
 }
 
-// A benchmark that is run anew replaces what it found before.
+// A repeated benchmark replaces its earlier result.
 void Keep(Result result) {
   std::vector<Result>& all = Results();
   const auto same = std::find_if(all.begin(), all.end(), [&](const Result& other) {
@@ -81,7 +81,7 @@ void RunComparison(benchmark::State& state, const Terms& terms, const MakeCompar
       bare.push_back(Seconds([&] { comparison->Bare(); }));
     };
     for ([[maybe_unused]] auto _ : state) {
-      // Who goes first changes, so that neither always finds the caches warm.
+      // The order alternates, so that neither side always finds warm caches.
       if (ours.size() % 2 == 0) {
         runBare();
         runOurs();
@@ -96,7 +96,8 @@ void RunComparison(benchmark::State& state, const Terms& terms, const MakeCompar
                   .rows = terms.rows,
                   .ours = Median(ours),
                   .bare = Median(bare),
-                  // Of runs side by side: a machine that others use changes from one second to the next.
+                  // From adjacent runs, because the speed of a shared machine changes from one second to the
+                  // next.
                   .ratio = Median(ratios),
                   .value = {},
                   .unit = {},
@@ -175,7 +176,7 @@ void PrintTable() {
   }
 }
 
-// Tells the console and remembers failures, which the library itself does not turn into an exit status.
+// Reports to the console and remembers failures, which the library does not turn into an exit code.
 class Reporter : public benchmark::ConsoleReporter {
  public:
   Reporter() : benchmark::ConsoleReporter(isatty(STDOUT_FILENO) != 0 ? OO_Color : OO_None) {}

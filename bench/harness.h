@@ -1,10 +1,9 @@
-// Measures what the component does against the least that the work can cost: every comparison runs `ours` and
-// `bare` by turns in one process and takes the medians, of the ratio that of each two runs side by side, so
-// that what else the machine does hits both. A figure is a number other than a time (bytes a node, syncs a
-// file).
+// Compares the component's work with the least that the work can cost: every comparison alternates `ours` and
+// `bare` in one process and takes medians (for the ratio, of pairs of adjacent runs), so that other load on
+// the machine affects both. A figure is a number other than a time (bytes a node, syncs a file).
 //
-// A program registers its comparisons and ends in RunBenchmarks(). Times are seconds. Limits are the most
-// that a ratio or a figure may be; what is over its limit makes the program end with 1.
+// A program registers its comparisons and ends in RunBenchmarks(). Times are seconds. A limit is the maximum
+// of a ratio or figure; exceeding one makes the exit code 1.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +14,7 @@
 
 namespace kxrestore::bench {
 
-// The two sides of a comparison, and what has to be put right before each run of either (not measured).
+// The two sides of a comparison, and the preparation before each run of either, which is not measured.
 class Comparison {
  public:
   virtual ~Comparison() = default;
@@ -33,16 +32,16 @@ struct Terms {
 
 using MakeComparison = std::function<std::unique_ptr<Comparison>(std::int64_t rows)>;
 
-// Of a class whose constructor takes the row count and then these arguments.
+// For a class whose constructor takes the row count and then these arguments.
 template <typename T, typename... Arguments>
 MakeComparison Make(Arguments... arguments) {
   return [=](std::int64_t rows) { return std::make_unique<T>(rows, arguments...); };
 }
 
-// `make` is called when the comparison's turn comes, and what it made goes away after it.
+// `make` is called at the start of the comparison; its result is destroyed at the end.
 void Compare(Terms terms, MakeComparison make);
 
-// A time of ours that has nothing to be compared with; the limit is in seconds.
+// A time of ours without a baseline; the limit is in seconds.
 struct TimeTerms {
   std::string name;
   std::int64_t rows = 0;
@@ -59,14 +58,14 @@ class Timed {
 
 void Time(TimeTerms terms, std::function<std::unique_ptr<Timed>(std::int64_t rows)> make);
 
-// A figure that a comparison found out while it ran; the last one of a name and row count counts.
+// Records a figure during a comparison; the last value for a name and row count is reported.
 void Figure(const std::string& name, std::int64_t rows, double value, const std::string& unit,
             std::optional<double> limit = std::nullopt);
 
-// Keeps the compiler from dropping work whose result nobody needs.
+// Keeps the compiler from removing work whose result is unused.
 void Use(std::uint64_t value);
 
-// Besides the library's own options: --report=FILE for the results, one JSON object a line.
+// Accepts the library's own options, and --report=FILE for the results, one JSON object a line.
 int RunBenchmarks(int count, char** words);
 
 }  // namespace kxrestore::bench

@@ -1,4 +1,4 @@
-// A dialog without windows, as the benchmarks work it.
+// A dialog without windows, as operated by the benchmarks.
 #pragma once
 
 #include <cstdint>
@@ -47,7 +47,7 @@ class Dialog {
     }
   }
 
-  // Shows the panel of the file types, which fills the chooser at its first time.
+  // Shows the file type panel, which fills the chooser the first time.
   void ShowTypes() {
     Ui().tbsOptions.UserSelect(3);
     Check();
@@ -59,7 +59,7 @@ class Dialog {
   }
 
  private:
-  // What would have been shown to a user must not pass for a fast run.
+  // A message to the user means that the run was not valid.
   void Check() {
     if (!m_platform.desktop.messages.empty()) throw Error(1, m_platform.desktop.messages.front().text);
   }

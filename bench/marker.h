@@ -33,7 +33,7 @@ class Marker {
   }
 
  private:
-  // Errors are thrown by the report.
+  // The report throws errors.
   static void Check(catalog::MarkResult result) {
     if (result != catalog::MarkResult::kDone) throw std::runtime_error("a row to mark is not there");
   }

@@ -14,7 +14,7 @@
 namespace kxrestore::bench {
 namespace {
 
-constexpr int kWait = 50;  // milliseconds, after which the relay looks whether it is to end
+constexpr int kWait = 50;  // milliseconds between checks for the end
 
 sockaddr_in Address(const std::string& host, int port) {
   sockaddr_in address{};

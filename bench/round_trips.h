@@ -1,4 +1,4 @@
-// A relay in front of a server that counts round trips: how often a client that had an answer asked on.
+// A relay in front of a server that counts round trips: how often the client sends after it has received.
 #pragma once
 
 #include <atomic>

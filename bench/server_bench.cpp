@@ -149,7 +149,7 @@ class Latest : public Listing {
   bool m_made = false;
 };
 
-// What marking comparisons share: the rows to mark, and a catalog without marks before each.
+// Shared by marking comparisons: the rows to mark, and a catalog without marks before each.
 class Marking : public Comparison {
  public:
   explicit Marking(std::int64_t rows) : m_database(ServerCatalog(rows)), m_rows(rows), m_bare(m_database) {
@@ -161,7 +161,7 @@ class Marking : public Comparison {
   }
 
   void Prepare() override {
-    // A row that is written anew leaves its old one behind, which both sides would have to step over.
+    // A rewritten row leaves its old version behind, which both sides would have to skip.
     m_bare.Execute("UPDATE Catalog SET Restore = FALSE WHERE Restore");
     m_bare.Execute("VACUUM ANALYZE Catalog");
   }

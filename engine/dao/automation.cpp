@@ -13,7 +13,7 @@ std::string Utf8(BSTR text) {
   return FromWide({text == nullptr ? L"" : text, SysStringLen(text)});
 }
 
-// Automation packs the numbers of errors into the facility that is the controls' own.
+// Automation encodes error numbers in the facility of controls.
 int ErrorNumber(HRESULT result) {
   switch (result) {
     case E_OUTOFMEMORY:
@@ -41,7 +41,7 @@ std::string SystemDescription(HRESULT result) {
   return FromWide({buffer, length});
 }
 
-// Takes the texts over, so that nothing of it leaks whatever follows.
+// Takes ownership of the texts, so that none leaks.
 struct Details {
   int number = 0;
   std::string description;
@@ -56,7 +56,7 @@ struct Details {
   }
 };
 
-// The engine lists what went wrong from the innermost cause to the outermost, which is the one it raises.
+// The engine lists errors from the innermost cause to the outermost, which is the one it raises.
 void CompleteFromList(const Object& errors, int& number, std::string& description, std::string& source) {
   try {
     const auto count = static_cast<std::int32_t>(errors.Get(L"Count").Integer());
@@ -72,7 +72,7 @@ void CompleteFromList(const Object& errors, int& number, std::string& descriptio
       description += " (" + errors.Item(Variant(0)).Get(L"Description").Text() + ")";
     }
   } catch (const Error&) {
-    // The list cannot be asked either; the error stays as it is.
+    // The list is not available either; the error stays as it is.
   }
 }
 

@@ -1,6 +1,6 @@
-// Late-bound automation: the values and objects of IDispatch. What an object refuses is raised as
-// kxrestore::Error with the number, description and source that it gives; where it gives none, with what the
-// engine's own list of errors says.
+// Late-bound automation: values and objects of IDispatch. A failing call raises kxrestore::Error with the
+// object's number, description and source or, if it gives none, with those of the engine's own list of
+// errors.
 #pragma once
 
 #include <windows.h>
@@ -37,7 +37,7 @@ class Variant {
   const VARIANT& Raw() const { return m_value; }
   VARIANT& Raw() { return m_value; }
 
-  // Null, Empty and anything that is no number convert to 0 and an empty text.
+  // Null, Empty and anything that is not a number convert to 0 and an empty text.
   std::int64_t Integer() const;
   std::string Text() const;
   bool Boolean() const { return Integer() != 0; }
@@ -49,14 +49,14 @@ class Variant {
 class Object {
  public:
   Object() = default;
-  // `errors` is the engine's list of errors, which objects that come out of this one inherit.
+  // `errors` is the engine's list of errors; objects obtained from this one inherit it.
   explicit Object(ComPtr<IDispatch> dispatch, ComPtr<IDispatch> errors = {})
       : m_dispatch(std::move(dispatch)), m_errors(std::move(errors)) {}
 
   explicit operator bool() const { return m_dispatch; }
   IDispatch* Dispatch() const { return m_dispatch.Get(); }
 
-  // `name` is a literal: the identifiers of members are kept by its address.
+  // `name` must be a literal: member ids are cached by its address.
   template <class... Arguments>
   Variant Call(const wchar_t* name, const Arguments&... arguments) const {
     return InvokeWith(DISPATCH_METHOD, name, arguments...);
@@ -69,7 +69,7 @@ class Object {
     return AsObject(Call(name, arguments...));
   }
   Object GetObject(const wchar_t* name) const { return AsObject(Get(name)); }
-  // Of a collection, by position or by name.
+  // An element of a collection, by position or by name.
   Object Item(const Variant& which) const {
     return AsObject(InvokeWith(DISPATCH_METHOD | DISPATCH_PROPERTYGET, L"Item", which));
   }

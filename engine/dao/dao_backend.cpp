@@ -12,7 +12,7 @@ namespace {
 
 class DaoDatabase final : public SessionDatabase<Session> {
  public:
-  // What is opened for reading only the engine itself guards.
+  // A database opened for reading is protected by the engine alone.
   explicit DaoDatabase(std::shared_ptr<Session> session) : SessionDatabase(std::move(session), false) {}
 
   std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type,
@@ -46,8 +46,8 @@ class DaoDatabase final : public SessionDatabase<Session> {
   }
 };
 
-// The engine and its open databases are kept within one user action only: whoever has loaded this component
-// may leave COM between two.
+// The engine and its open databases are kept within one user action only: the thread's owner may uninitialise
+// COM between two.
 class DaoBackend final : public Backend {
  public:
   std::unique_ptr<Database> Open(const OpenRequest& request) override {

@@ -1,6 +1,6 @@
-// The back end for files of the desktop engine: the engine itself, over automation. Statements reach it as
-// they are. It wants COM initialised on the thread that opens, in whatever way, and nothing else. The engine
-// works on that thread, so nobody is asked while a statement takes long.
+// The back end for files of the desktop engine: the engine itself, through automation. Statements are passed
+// unchanged. COM must be initialised on the thread that opens, in any mode. The engine works on that thread,
+// so the waiting callback is not invoked during a long statement.
 #pragma once
 
 #include <memory>
@@ -9,7 +9,7 @@
 
 namespace kxrestore::engine::dao {
 
-// Nothing where there is no automation.
+// Null where automation is not available.
 std::unique_ptr<Backend> MakeDaoBackend();
 
 }  // namespace kxrestore::engine::dao

@@ -58,7 +58,7 @@ void DaoRecordset::ReadColumns() {
   }
 }
 
-// The engine stops a block before a row that it cannot read; reading that one by itself says why.
+// The engine ends a block before a row that it cannot read; reading that row separately gives the error.
 void DaoRecordset::FetchBlock() {
   m_block.Take(m_recordset.Call(L"GetRows", Variant(kRowsInBlock)), m_columns.size());
   m_inBlocks = m_block.HasRow();

@@ -1,4 +1,4 @@
-// A recordset of the desktop engine. A snapshot is read in blocks, as a call for every cell is slow; a
+// A recordset of the desktop engine. A snapshot is read in blocks, because a call for every cell is slow; a
 // dynaset is read and written row by row.
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace kxrestore::engine::dao {
 
-// The cells of some rows, as GetRows answers them: by field within a row.
+// The cells of some rows as GetRows returns them: fields vary fastest.
 class RowBlock {
  public:
   RowBlock() = default;
@@ -46,7 +46,7 @@ class DaoRecordset final : public Recordset {
   void Close() override;
 
  private:
-  // Its value is fetched when it is asked for, once a row.
+  // Its value is fetched on first use, once for each row.
   struct Column {
     Object field;
     std::string name;
@@ -70,7 +70,7 @@ class DaoRecordset final : public Recordset {
   bool m_inBlocks;
   bool m_atEnd = false;
   bool m_closed = false;
-  std::int64_t m_row = 1;  // a number that no row had before whose values may be kept
+  std::int64_t m_row = 1;  // changes with every row whose values may be cached
 };
 
 }  // namespace kxrestore::engine::dao

@@ -14,13 +14,12 @@ namespace {
 // Newest first. The last two exist for x86 programs only.
 constexpr const wchar_t* kEngines[] = {L"DAO.DBEngine.120", L"DAO.DBEngine.36", L"DAO.DBEngine.35"};
 
-constexpr std::int32_t kRefreshCache =
-    8;  // of Idle: write out what waits, and forget what others may have changed
+constexpr std::int32_t kRefreshCache = 8;  // of Idle: flush pending writes and the read cache
 
-constexpr std::int32_t kForceWrite = 1;  // of CommitTrans: down to the disk before it returns
+constexpr std::int32_t kForceWrite = 1;  // of CommitTrans: sync to disk before returning
 
-// One that is registered and cannot be made, or is there for the other bitness only, does not hide an older
-// one.
+// A version that is registered but cannot be created, or exists for the other bitness only, does not hide an
+// older one.
 ComPtr<IDispatch> MakeNewest(const std::string& file) {
   std::string reason;
   for (const wchar_t* name : kEngines) {
@@ -44,7 +43,7 @@ Object ListOfErrors(const ComPtr<IDispatch>& engine) {
   try {
     return Object(engine).GetObject(L"Errors");
   } catch (const Error&) {
-    return {};  // an engine without the list still raises errors
+    return {};  // an engine without the list still reports errors
   }
 }
 
@@ -109,7 +108,7 @@ Session::~Session() {
   try {
     m_database.Call(L"Close");
   } catch (const Error&) {
-    // It is gone either way; what was to be said about writes has been said by WriteOutAfter.
+    // It is closed either way; errors of pending writes have been raised by WriteOutAfter.
   }
 }
 

@@ -1,4 +1,4 @@
-// The running desktop engine and the databases that are open in it.
+// The running desktop engine and its open databases.
 #pragma once
 
 #include <chrono>
@@ -13,21 +13,21 @@ namespace kxrestore::engine::dao {
 
 class DesktopEngine {
  public:
-  // The newest engine that is installed and can be made; error 429 when there is none. `file` is who asks.
+  // The newest version that is installed and can be created; error 429 when there is none, naming `file`.
   explicit DesktopEngine(const std::string& file);
 
-  // Whether any of them can be had for programs of this bitness.
+  // Whether any version exists for programs of this bitness.
   static bool IsInstalled();
 
   const Object& DefaultWorkspace() const { return m_workspace; }
 
-  // The engine writes behind by itself, within half a second. While it gathers it is left to do so, else
-  // every write is followed by its "write it now".
+  // The engine writes in the background, within half a second. During a group of updates that is left to it;
+  // otherwise every write is followed by an explicit flush.
   void Gather(bool gather) { m_gather = gather; }
   void HasWritten();
   void WriteOutAfter(std::chrono::milliseconds age);
 
-  // A transaction is the workspace's, so there is one at a time for all its databases.
+  // A transaction belongs to the workspace, so there is one at a time for all its databases.
   void BeginTransaction(const Database& owner);
   void CommitTransaction();
   void UndoTransaction();
@@ -43,7 +43,7 @@ class DesktopEngine {
   std::optional<Clock::time_point> m_firstUnwritten;
 };
 
-// An open database. Whoever holds it keeps it open, so that a recordset may outlive what it was opened from.
+// An open database, shared so that a recordset may outlive the object it was opened from.
 class Session {
  public:
   Session(std::shared_ptr<DesktopEngine> engine, const OpenRequest& request);

@@ -1,4 +1,4 @@
-// The one report for a file of the desktop engine where that engine cannot be had.
+// The error for a file of the desktop engine when that engine is not available.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace kxrestore::engine::dao {
 
-// Error 429. `reason`: what making the engine had to say, when there was one to make.
+// Error 429. `reason`: why creating the engine failed, if it exists.
 [[noreturn]] void RaiseNotInstalled(const std::string& file, std::string_view reason = {});
 
 }  // namespace kxrestore::engine::dao

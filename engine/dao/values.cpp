@@ -19,7 +19,7 @@ constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
   throw Error(kxrestore::error_number::kTypeMismatch, "Type mismatch", "DAO");
 }
 
-// Days since 1899-12-30; the fraction is the time of day and counts forward before that day, too.
+// Days since 1899-12-30; the fraction is the time of day and counts forward even before that day.
 DateTime DateOfSerial(double serial) {
   constexpr double kFirst = -657434, kEnd = 2958466;  // the years 100 to 9999
   if (!(serial > kFirst - 1 && serial < kEnd)) RaiseTypeMismatch();
@@ -126,7 +126,7 @@ Variant FromValue(const Value& value) {
       const auto small = static_cast<std::int32_t>(number);
       if (small == number) return Variant(small);
       if (std::abs(static_cast<double>(number)) < 0x1p53) return (*this)(static_cast<double>(number));
-      return (*this)(std::to_string(number));  // the engine converts it to what the field holds
+      return (*this)(std::to_string(number));  // the engine converts it to the field's type
     }
     Variant operator()(double number) const {
       Variant real;

@@ -1,4 +1,4 @@
-// Between automation's values and the engine's.
+// Conversion between automation's values and the engine's.
 #pragma once
 
 #include "engine/dao/automation.h"
@@ -6,8 +6,8 @@
 
 namespace kxrestore::engine::dao {
 
-// A text is put into `text`, which the view then points into. Bytes come as they are. A currency or decimal
-// value that is whole is an integer. Error 13 for what no field can hold.
+// A text is stored in `text`, and the view refers to it. Bytes are passed as they are. Whole currency and
+// decimal values become integers. Error 13 for types that no field has.
 ValueView ToValue(const VARIANT& variant, std::string& text);
 
 Variant FromValue(const Value& value);

@@ -1,5 +1,5 @@
-// A piece of a database file whose numbers are read with every offset checked. All of them are little endian
-// unless a name says otherwise.
+// Part of a database file, with bounds-checked access to its numbers. They are little-endian unless the name
+// says otherwise.
 #pragma once
 
 #include <bit>
@@ -11,10 +11,10 @@
 
 namespace kxrestore::engine::jet_file {
 
-// Error 3049 for a file whose content contradicts itself; `what` is the place and the contradiction.
+// Error 3049 for inconsistent file content; `what` names the place and the inconsistency.
 [[noreturn]] void RaiseDamaged(const std::string& file, std::string_view what);
 
-// A view: whoever hands it out says how long the bytes stay. `file` is named in errors.
+// A view; its source defines how long the bytes are valid. `file` is named in errors.
 class Bytes {
  public:
   Bytes() = default;
@@ -26,7 +26,7 @@ class Bytes {
   const std::string* File() const { return m_file; }
   std::string_view Text() const { return {reinterpret_cast<const char*>(m_data), m_size}; }
 
-  // Error 3049 when the piece is not inside.
+  // Error 3049 outside the range.
   Bytes Piece(std::size_t offset, std::size_t size) const {
     Check(offset, size);
     return {m_data + offset, size, m_file};

@@ -22,7 +22,7 @@ ValueView WholeIfExact(double number) {
   return number;
 }
 
-// One sign byte and four words, the highest first.
+// A sign byte and four words, most significant first.
 double NumericOf(const Bytes& bytes, std::uint8_t scale) {
   double number = 0;
   for (std::size_t i = 0; i < 4; ++i) number = number * 4294967296.0 + bytes.U32(1 + 4 * i);

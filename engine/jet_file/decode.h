@@ -1,4 +1,4 @@
-// Stored bytes as values of the engine.
+// Decodes stored bytes to values of the engine.
 #pragma once
 
 #include <string>
@@ -8,13 +8,13 @@
 
 namespace kxrestore::engine::jet_file {
 
-// A column of a found row. Texts and bytes are put into `text`, which the value then views; dates are texts
-// "YYYY-MM-DD HH:MM:SS", as catalog files have them. Currency and numeric columns are whole numbers where
-// they have no fraction, else floating point. Error 3049 for bytes of a wrong size, 3259 for a type that only
+// A column of a row. Texts and bytes are stored in `text`, which the value views; dates are texts "YYYY-MM-DD
+// HH:MM:SS", as in catalog files. Currency and numeric values are integers if they have no fraction, else
+// floating point. Error 3049 for bytes of a wrong size, 3259 for a type that only the desktop engine reads.
 // the desktop engine reads.
 ValueView DecodeColumn(const Table& table, const FoundRow& found, const Column& column, std::string& text);
 
-// Whether it is a type whose values this back end reads.
+// Whether this back end reads values of this type.
 bool CanDecode(ColumnType type);
 bool IsWholeNumber(ColumnType type);
 inline bool IsText(ColumnType type) {
@@ -24,7 +24,7 @@ inline bool IsBytes(ColumnType type) {
   return type == ColumnType::kBinary || type == ColumnType::kOle;
 }
 
-// Days since 1899-12-30; the fraction counts forwards on either side of it. Empty when the date is none.
+// Days since 1899-12-30; the fraction counts forward on either side of it. Empty for an invalid date.
 std::string DateText(double days);
 
 }  // namespace kxrestore::engine::jet_file

@@ -1,4 +1,4 @@
-// A file that is read and written at given places: the one thing that this back end asks of the system.
+// Random access to a file: the only operating system service that this back end needs.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace kxrestore::engine::jet_file {
 
-// Changes whenever somebody writes to the file.
+// Changes whenever anyone writes to the file.
 struct FileStamp {
   std::uint64_t size = 0;
   std::int64_t modified = 0;
@@ -19,28 +19,29 @@ class File {
  public:
   enum class Use { kReading, kWriting, kLockFile };
 
-  // kReading lets others do what they like. kWriting keeps other writers out while the file is open, where
-  // the system can do that. kLockFile makes the file when there is none. Errors 3024, 3045, 3051, 3027.
+  // kReading does not restrict others. kWriting excludes other writers while the file is open, where the
+  // system supports that. kLockFile creates the file if necessary. Errors 3024, 3045, 3051, 3027.
   static std::unique_ptr<File> Open(const std::string& path, Use use);
   virtual ~File() = default;
 
   virtual FileStamp Stamp() const = 0;
-  // How many bytes there were; fewer than `size` only at the end of the file.
+  // Returns the number of bytes read; fewer than `size` only at the end of the file.
   virtual std::size_t ReadAt(std::uint64_t offset, void* bytes, std::size_t size) const = 0;
   virtual void WriteAt(std::uint64_t offset, const void* bytes, std::size_t size) = 0;
   virtual void Sync() = 0;
-  // Locks bytes against other programs until the file is closed; false when one of them has some of them.
+  // Locks bytes against other programs until the file is closed; false when another program has locked some
+  // of them.
   virtual bool TryLock(std::uint64_t first, std::uint64_t count) = 0;
-  // Whether this is still the file of that path.
+  // Whether this is still the file at that path.
   virtual bool IsAt(const std::string& path) const = 0;
 };
 
 bool FileExists(const std::string& path);
 void RemoveFile(const std::string& path) noexcept;
-// As lock files have it: upper case, ASCII, at most 31 characters.
+// As in lock files: upper case, ASCII, at most 31 characters.
 std::string MachineName();
-// Whether the system can tell that nobody has a file open. Where it cannot, the lock file's entry of another
-// machine counts even when its byte is not locked: locks of a file server need not reach this machine.
+// Whether the system can tell that no other program has a file open. If not, another machine's entry in the
+// lock file counts even when its byte is not locked: locks of a file server need not be visible here.
 bool KnowsWhoHasFilesOpen();
 // Whether no other program has the file open; only where KnowsWhoHasFilesOpen.
 bool IsOpenNowhereElse(const std::string& path);

@@ -76,7 +76,7 @@ class PosixFile final : public File {
     if (fdatasync(m_descriptor) != 0) RaiseSystem(errno, m_path);
   }
 
-  // A lock of the open file, not of the process, so that two databases of one program keep each other out,
+  // A lock of the open file rather than the process, so that two databases of one program exclude each other,
   // too.
   bool TryLock(std::uint64_t first, std::uint64_t count) override {
     struct flock lock {};

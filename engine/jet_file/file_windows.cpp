@@ -95,7 +95,7 @@ class WindowsFile final : public File {
     RaiseSystem(code, m_path);
   }
 
-  bool IsAt(const std::string&) const override { return true; }  // what is open here cannot be replaced
+  bool IsAt(const std::string&) const override { return true; }  // an open file cannot be replaced
 
  private:
   std::string m_path;
@@ -128,7 +128,7 @@ bool FileExists(const std::string& path) {
 void RemoveFile(const std::string& path) noexcept {
   try {
     DeleteFileW(ToWide(path).c_str());
-  } catch (...) {  // what stays lying about is taken over by the next one
+  } catch (...) {  // a leftover file is reused next time
   }
 }
 

@@ -10,7 +10,7 @@ namespace kxrestore::engine::jet_file {
 JetDatabase::~JetDatabase() {
   try {
     JetDatabase::Close();
-  } catch (const Error&) {  // what nobody commits is undone
+  } catch (const Error&) {  // uncommitted changes are rolled back
   }
 }
 
@@ -18,7 +18,7 @@ void JetDatabase::CatchUp() {
   sqlite::Session& session = *Open();
   m_tables->Refresh();
   if (!m_tables->IsBehind()) return;
-  session.Streaming().Detach();  // rows that still come from views which may go
+  session.Streaming().Detach();  // its rows may come from views that are about to be dropped
   session.ForgetPlans();
   m_tables->CatchUp();
   session.ForgetPlans();

@@ -1,5 +1,5 @@
-// A database on a file of the desktop engine. Statements run as on a catalog file of SQLite's; saved queries
-// are kept in memory.
+// A database on a file of the desktop engine. Statements run as on an SQLite catalog file; saved queries are
+// kept in memory.
 #pragma once
 
 #include <memory>
@@ -14,7 +14,7 @@ namespace kxrestore::engine::jet_file {
 
 class JetDatabase final : public sqlite::SqliteDatabase {
  public:
-  // `tables` is what the session serves.
+  // `tables` is what the session reads from.
   JetDatabase(const std::shared_ptr<sqlite::Session>& session, std::shared_ptr<JetTables> tables,
               bool readOnly)
       : SqliteDatabase(session, readOnly), m_tables(std::move(tables)) {}
@@ -38,7 +38,7 @@ class JetDatabase final : public sqlite::SqliteDatabase {
   void CatchUp();
 
   std::shared_ptr<JetTables> m_tables;
-  std::optional<MadeQueries> m_before;  // what a transaction's end may bring back
+  std::optional<MadeQueries> m_before;  // restored by a rollback
 };
 
 }  // namespace kxrestore::engine::jet_file

@@ -44,7 +44,7 @@ JetFile::JetFile(std::string path)
   }
 }
 
-// One damaged table does not take the others with it.
+// A damaged table does not make the others unusable.
 void JetFile::AddTable(const FileObject& object) {
   if (FindTable(object.name) != nullptr) return;
   try {

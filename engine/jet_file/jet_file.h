@@ -1,5 +1,5 @@
-// An open file of the desktop engine: its tables, its saved queries, and what of it cannot be used, with the
-// reason. Reads only; marks.h writes.
+// An open file of the desktop engine: its tables, its saved queries, and the reasons why some of them cannot
+// be used. Read-only; marks.h writes.
 #pragma once
 
 #include <map>
@@ -17,7 +17,7 @@ namespace kxrestore::engine::jet_file {
 struct FileQuery {
   std::string name;
   std::string text;              // ends in ";"
-  std::optional<Error> problem;  // why it has no text
+  std::optional<Error> problem;  // why the text is not available
 };
 
 class JetFile {
@@ -29,14 +29,14 @@ class JetFile {
   const PageFile& Pages() const { return m_pages; }
   const std::vector<std::unique_ptr<Table>>& Tables() const { return m_tables; }
   const std::vector<FileQuery>& Queries() const { return m_queries; }
-  // The table or query of that name, without regard to case.
+  // The table or query of that name, ignoring case.
   Table* FindTable(std::string_view name) const;
   const FileQuery* FindQuery(std::string_view name) const;
-  // Why there is no table of that name although the file speaks of one.
+  // Why a table that the file lists cannot be used.
   const Error* Problem(std::string_view name) const;
 
-  // Looks whether another program has changed the file since. Rows found before are then gone. Error 3197
-  // when its tables are others now.
+  // Checks whether another program has changed the file; rows found before are then invalid. Error 3197 when
+  // its tables have changed.
   bool Refresh();
 
  private:

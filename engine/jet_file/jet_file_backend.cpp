@@ -40,7 +40,7 @@ class JetFileBackend final : public WarmSessions<JetSession> {
   }
 
   void EndAction() override {
-    const ActionEnd end{*m_waiter};  // the last commits still belong to the action
+    const ActionEnd end{*m_waiter};  // the last commits are part of the action
     WarmSessions::EndAction();
   }
 

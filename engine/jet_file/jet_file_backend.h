@@ -1,5 +1,5 @@
-// The back end for files of the desktop engine where that engine is not installed: it reads the files itself
-// and changes one thing only, the marks of rows that are there.
+// The back end for files of the desktop engine without that engine: it reads the files itself and modifies
+// only the marks of existing rows.
 #pragma once
 
 #include <chrono>
@@ -9,7 +9,7 @@
 
 namespace kxrestore::engine::jet_file {
 
-// `patience`: how long another program that is writing is waited for before that is an error.
+// `patience`: how long to wait for another program that is writing.
 std::unique_ptr<Backend> MakeJetFileBackend(std::chrono::milliseconds patience = std::chrono::seconds(3));
 
 }  // namespace kxrestore::engine::jet_file

@@ -41,7 +41,7 @@ JetTables::JetTables(std::string path, bool exclusive, const std::shared_ptr<sql
 void JetTables::Attach(sqlite3* connection) {
   m_connection = connection;
   AttachTables(connection, m_server);
-  // Views that were undone with the rest are made again.
+  // Recreates views that were rolled back together with other changes.
   sqlite3_rollback_hook(
       connection, [](void* self) { static_cast<JetTables*>(self)->m_version = 0; }, this);
   CatchUp();

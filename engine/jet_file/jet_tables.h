@@ -1,4 +1,4 @@
-// A file of the desktop engine behind a session: its tables as virtual tables, its saved queries as views.
+// A desktop-engine file for a session: tables as virtual tables, saved queries as views.
 #pragma once
 
 #include <map>
@@ -15,8 +15,8 @@ namespace kxrestore::engine::jet_file {
 
 class JetTables final : public sqlite::ForeignTables {
  public:
-  // `exclusive`: nobody else may have the file open, from here to the end. Errors: those of JetFile and of
-  // WriteAccess.
+  // `exclusive`: no other program may have the file open, from here to the end. Errors: those of JetFile and
+  // of WriteAccess.
   JetTables(std::string path, bool exclusive, const std::shared_ptr<sqlite::Waiter>& waiter);
 
   void Attach(sqlite3* connection) override;
@@ -25,15 +25,15 @@ class JetTables final : public sqlite::ForeignTables {
   const JetFile& File() const { return m_file; }
   SavedQueries& Queries() { return m_queries; }
 
-  // Before a statement: whether the views are not those that the queries make now.
+  // Whether the views are out of date with the queries; checked before a statement.
   bool IsBehind() const { return m_version != m_queries.Version(); }
-  // Makes them so.
+  // Updates the views.
   void CatchUp();
-  // Takes up what other programs have written to the file, when nobody is in the middle of something.
+  // Takes up changes that other programs have made, unless a statement or transaction is active.
   void Refresh();
 
  private:
-  // The views that there should be: CREATE VIEW by name.
+  // The views that should exist: CREATE VIEW by name.
   std::map<std::string, std::string> WantedViews();
 
   JetFile m_file;
@@ -41,12 +41,12 @@ class JetTables final : public sqlite::ForeignTables {
   TableServer m_server;
   SavedQueries& m_queries;
   sqlite3* m_connection = nullptr;
-  std::uint64_t m_version = 0;                    // of the queries that the views were made of
+  std::uint64_t m_version = 0;                    // version of the queries that the views reflect
   std::map<std::string, std::string> m_ownViews;  // of the file's queries, by folded name
   std::map<std::string, Error> m_queryProblems;
 };
 
-// The text of a query as a view of SQLite's. Errors: those of the dialect.
+// The text of a query as an SQLite view. Errors: those of the dialect.
 std::string CreateViewText(std::string_view name, std::string_view sql);
 
 }  // namespace kxrestore::engine::jet_file

@@ -53,7 +53,7 @@ void Marks::Set(const Table& table, const FoundRow& found, const Column& column,
   }
 }
 
-// The page is read again: what stands there now, with the bits changed, is what is written.
+// Reads the page again and writes its current content with the bits changed.
 void Marks::WritePage(std::size_t first, std::size_t last) {
   const std::size_t pageSize = m_file.Pages().Format().pageSize;
   const std::uint64_t start = m_changes[first].offset / pageSize * pageSize;
@@ -118,7 +118,7 @@ void Marks::End() {
   m_savepoints.clear();
   m_byPlace.clear();
   if (m_kept || !m_access) return;
-  // Some systems tell of a write only when the file is closed; that is not another program's then.
+  // Some systems report a write only when the file is closed; do not take that for another program's.
   m_access->CloseData();
   m_file.Pages().RememberStamp();
   m_access.reset();

@@ -1,7 +1,7 @@
-// Setting and clearing yes/no bits of rows in place. Nothing else of a file is ever changed.
+// Sets and clears yes/no bits of rows in place. Nothing else in a file is ever modified.
 //
-// What is set waits in memory and shows through At until it is written as a whole, in the order in which it
-// was set: a program that dies meanwhile leaves the first of the marks, each whole.
+// Changes are collected in memory, visible through At, until they are written as a whole, in the order in
+// which they were made: a crash meanwhile leaves the first of the marks, each complete.
 #pragma once
 
 #include <cstdint>
@@ -18,25 +18,24 @@ class Marks {
  public:
   Marks(JetFile& file, WaitForOther wait) : m_file(file), m_wait(std::move(wait)) {}
 
-  // Gets the right to write, before anything is set. Errors: those of WriteAccess. Whether another program
-  // has changed the file since rows were read.
+  // Acquires the right to write; call before changing anything. Returns whether another program has changed
+  // the file since rows were read. Errors: those of WriteAccess.
   bool Begin();
   // Keeps the right to write until the end.
   void Keep() { m_kept = true; }
 
-  // The value as it will be.
+  // The value including pending changes.
   bool At(const FoundRow& found, const Column& column) const;
-  // Error 3027 for a row that has no such bit.
+  // Error 3027 for a row without this bit.
   void Set(const Table& table, const FoundRow& found, const Column& column, bool value);
 
-  // What was set since a savepoint can be taken back. Savepoints are numbered from 0.
+  // Changes since a savepoint can be rolled back. Savepoints are numbered from 0.
   void Save(std::size_t number);
   void TakeBackTo(std::size_t number);
 
-  // Writes what waits, and has the system write it to the disk. What fails was not written, or in part: the
-  // first marks.
+  // Writes pending changes and syncs. After an error nothing is written, or only the first of the marks.
   void Write();
-  // Forgets what waits and lets others write.
+  // Discards pending changes and releases the right to write.
   void End();
 
  private:
@@ -53,7 +52,7 @@ class Marks {
   bool m_kept = false;
   std::unique_ptr<WriteAccess> m_access;
   std::vector<Change> m_changes;
-  // What Set has done, in its order: which change, and the value that it had, if it was there.
+  // The history of Set, in order: which change, and its previous pending value, if any.
   struct Step {
     std::size_t change;
     bool isNew, before;

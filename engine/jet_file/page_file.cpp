@@ -14,7 +14,7 @@ constexpr std::size_t kMostBlocks = 512;  // 16 MB
 constexpr std::size_t kMostRows = 256;    // of a page: a record pointer has one byte for them
 constexpr std::uint16_t kSlotOffset = 0x1FFF;
 
-// The mask over a part of page 0.
+// The mask over part of page 0.
 void Unmask(std::uint8_t* bytes, std::size_t size) {
   constexpr std::array<std::uint8_t, 4> kKey = {0xC7, 0xDA, 0x39, 0x6B};
   std::array<std::uint8_t, 256> state;
@@ -38,7 +38,7 @@ void Unmask(std::uint8_t* bytes, std::size_t size) {
             "' is encrypted. Only the desktop database engine can open it, and that is not installed.");
 }
 
-// The password's bytes are zero where there is none. From 2000 on they are mixed with the creation date.
+// The password's bytes are zero if there is none. From 2000 on they are combined with the creation date.
 bool HasPassword(const Bytes& header, bool jet3) {
   const std::size_t size = jet3 ? 20 : 40;
   std::uint32_t mask = 0;
@@ -67,7 +67,7 @@ PageFile::PageFile(std::string path)
   TakeSize();
   if (m_pageCount < 3) RaiseDamaged("it ends behind its header");
   if (const Page system = Read(2); system.Type() != PageType::kTable || system.Content().U8(1) != 1) {
-    // Parameters of an encryption stand here; a plain file has nothing but zeros.
+    // Parameters of an encryption; all zero in a plain file.
     if (m_ace && Read(0).Content().U32(0x299) != 0) RaiseEncrypted(m_path);
     RaiseDamaged("page 2 does not define the table of objects");
   }

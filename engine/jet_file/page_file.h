@@ -1,5 +1,5 @@
-// The pages of a database file of the desktop engine, read through a small cache. Works on all formats from
-// 1997 to 2019; what differs between them stands in Layout.
+// The pages of a desktop-engine file, read through a small cache. Supports all formats from 1997 to 2019;
+// Layout describes their differences.
 #pragma once
 
 #include <array>
@@ -15,9 +15,9 @@
 
 namespace kxrestore::engine::jet_file {
 
-// Where the two families of formats keep things. Offsets count from the start of a page or of a structure.
+// Offsets in the two families of formats, from the start of a page or structure.
 struct Layout {
-  bool jet3 = false;  // of 1997: one byte where the later ones have two
+  bool jet3 = false;  // format of 1997: one byte where later ones have two
   std::uint32_t pageSize = 4096;
   std::uint16_t codePage = 1252;  // of Jet 3 texts
 
@@ -28,7 +28,7 @@ struct Layout {
 
 enum class PageType : std::uint8_t { kData = 1, kTable = 2, kNode = 3, kLeaf = 4, kUsageMap = 5 };
 
-// The bytes of one page; they stay while it lives, whatever the cache does.
+// The bytes of one page, valid during its lifetime, independently of the cache.
 class Page {
  public:
   Page() = default;
@@ -46,7 +46,7 @@ class Page {
   std::uint32_t m_number = 0;
 };
 
-// A place in the file as the file itself writes it: a page and a row of it.
+// A reference within the file: a page and a row of it.
 struct RowPointer {
   std::uint32_t page = 0;
   std::uint8_t slot = 0;
@@ -56,8 +56,8 @@ struct RowPointer {
 
 class PageFile {
  public:
-  // Errors: those of File::Open; 3343 for a file of another kind, 3049 for one that is damaged, 3031 for one
-  // with a password and 429 for one that is encrypted, which only the desktop engine opens.
+  // Errors: those of File::Open; 3343 for another kind of file, 3049 for a damaged one, 3031 for one with a
+  // password and 429 for an encrypted one, which only the desktop engine opens.
   explicit PageFile(std::string path);
 
   const std::string& Path() const { return m_path; }
@@ -65,20 +65,20 @@ class PageFile {
   bool IsAce() const { return m_ace; }
   std::uint32_t PageCount() const { return m_pageCount; }  // whole pages
 
-  // Error 3049 for a page behind the end.
+  // Error 3049 for a page beyond the end.
   Page Read(std::uint32_t number) const;
-  // The same with the demand that it is of that type.
+  // The same, and checks the page's type.
   Page Read(std::uint32_t number, PageType type) const;
   // A row of a data page, whatever its flags.
   Bytes Row(const Page& page, std::uint8_t slot) const;
   // The offset of that row, with its flags.
   static std::uint16_t SlotOf(const Page& page, const Layout& layout, std::uint8_t slot);
 
-  // What the cache holds is forgotten when somebody else has written to the file; whether that was so.
+  // Drops the cache if another program has written to the file, and returns whether it has.
   bool Refresh();
-  // Takes over a byte that this program has just written.
+  // Updates the cache with a byte that this program has just written.
   void Written(std::uint64_t offset, std::uint8_t byte);
-  void RememberStamp() { m_stamp = m_file->Stamp(); }  // what has changed is this program's own
+  void RememberStamp() { m_stamp = m_file->Stamp(); }  // the latest change is this program's own
 
   [[noreturn]] void RaiseDamaged(const std::string& what) const;
 
@@ -99,7 +99,7 @@ class PageFile {
   Layout m_layout;
   bool m_ace = false;
   std::uint32_t m_pageCount = 0;
-  mutable std::list<Block> m_blocks;  // the one used last in front
+  mutable std::list<Block> m_blocks;  // most recently used first
   mutable std::unordered_map<std::uint32_t, std::list<Block>::iterator> m_byNumber;
 };
 

@@ -12,7 +12,7 @@
 namespace kxrestore::engine::jet_file {
 namespace {
 
-// What a line is.
+// The meaning of a line.
 enum Attribute {
   kKind = 1,
   kParameter = 2,
@@ -32,7 +32,7 @@ constexpr std::array<std::string_view, 10> kKindNames = {
     "",       "select",   "make table",      "append",       "update",
     "delete", "crosstab", "data definition", "pass-through", "union"};
 
-// Words that a name cannot be without brackets.
+// Words that must be in brackets when used as a name.
 constexpr std::string_view kWords =
     " all and any as asc between by cross delete desc distinct distinctrow exists false from full group "
     "having in "
@@ -46,7 +46,7 @@ std::string Bracketed(const std::string& name) {
   return plain ? name : "[" + name + "]";
 }
 
-// A table, or tables that are joined already.
+// A table, or several joined tables.
 struct Source {
   std::string text;
   std::vector<std::string> names;
@@ -157,7 +157,7 @@ class Builder {
     return sources;
   }
 
-  // Joins of one pair of tables are one join with several conditions.
+  // Joins of the same pair of tables form one join with several conditions.
   void AppendSources(std::string& text) const {
     std::vector<Source> sources = Inputs();
     std::vector<const QueryLine*> joins;
@@ -188,7 +188,7 @@ class Builder {
     };
     const auto left = find(line.name1), right = find(line.name2);
     if (left == sources.end() || right == sources.end()) Refuse("it joins tables that it does not name");
-    if (left == right) {  // joined before: the condition belongs to the join that is there
+    if (left == right) {  // already joined: add the condition to that join
       left->text += " AND (" + condition + ")";
       return;
     }

@@ -1,4 +1,4 @@
-// The text of a saved query, put together from the lines in which the file keeps it.
+// Rebuilds the text of a saved query from the lines in which the file stores it.
 #pragma once
 
 #include <span>
@@ -8,8 +8,8 @@
 
 namespace kxrestore::engine::jet_file {
 
-// `lines` are those of one query, in their order. The text is a SELECT or a UNION and ends in ";". Error 3219
-// for a query of another kind and for one with parameters.
+// `lines`: the lines of one query, in order. The text is a SELECT or a UNION and ends in ";". Error 3219 for
+// any other kind of query and for one with parameters.
 std::string BuildQueryText(const std::string& name, std::span<const QueryLine> lines);
 
 }  // namespace kxrestore::engine::jet_file

@@ -19,13 +19,13 @@ Row::Row(const Layout& layout, const TableDefinition& table, Bytes bytes)
   }
   m_offsets = m_mask - 2 * wide - jumps;
   m_end = m_offsets - m_variable * wide;
-  // The last jump is a filler where no value can reach so far.
+  // The last jump is a filler where no value can reach that far.
   m_jumps = m_end / 256 < jumps ? jumps - 1 : jumps;
 }
 
 std::size_t Row::VariableOffset(std::size_t index) const {
   if (!m_jet3) return m_bytes.U16(m_offsets - 2 * index);
-  // One byte is not enough for long rows: each jump names the column from which on 256 is added once more.
+  // Long rows need more than one byte: each jump names the column from which another 256 is added.
   std::size_t offset = m_bytes.U8(m_offsets - index);
   for (std::size_t i = 0; i < m_jumps; ++i) {
     if (m_bytes.U8(m_mask - 2 - i) <= index) offset += 256;

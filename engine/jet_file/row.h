@@ -1,4 +1,4 @@
-// A stored row: which columns have a value, and where each one lies. Values are decoded on demand.
+// A stored row: which columns have a value, and where. Values are decoded on demand.
 #pragma once
 
 #include <cstddef>
@@ -17,8 +17,8 @@ class Row {
 
   const Bytes& Content() const { return m_bytes; }
 
-  // A yes/no column's value is this bit; of any other column it says that there is a value. A row that was
-  // stored before the column was made has none, which counts as false.
+  // A yes/no column's value is this bit; for any other column it means that there is a value. A row stored
+  // before the column was added has no such bit, which counts as false.
   bool Bit(const Column& column) const {
     return HasBit(column) && (m_bytes.Data()[BitPlace(column)] >> (column.number & 7) & 1) != 0;
   }
@@ -37,7 +37,7 @@ class Row {
   std::size_t m_columns = 0;   // known when the row was stored
   std::size_t m_variable = 0;  // of them
   std::size_t m_mask = 0;      // where the null mask begins
-  std::size_t m_offsets = 0;   // where the offset of variable column 0 stands
+  std::size_t m_offsets = 0;   // where the offset of variable column 0 is stored
   std::size_t m_end = 0;       // of the values
   std::size_t m_jumps = 0;     // of a long row of 1997
 };

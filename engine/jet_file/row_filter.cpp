@@ -70,7 +70,7 @@ void RowFilter::Add(const Column& column, Test test, std::vector<Wanted> wanted)
     condition.wanted = std::move(wanted);
   }
   m_conditions.push_back(std::move(condition));
-  // Numbers are quicker to compare than texts.
+  // Numbers compare faster than texts.
   std::stable_sort(m_conditions.begin(), m_conditions.end(), [](const Condition& a, const Condition& b) {
     return IsWholeNumber(a.column->type) && !IsWholeNumber(b.column->type);
   });

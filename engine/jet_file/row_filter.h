@@ -1,5 +1,5 @@
-// Conditions on the columns of a row that are checked before the row is handed out. What passes is checked
-// again by whoever asked; what does not pass would never have passed there.
+// Conditions on the columns of a row, evaluated before the row is returned. SQLite evaluates them again, so
+// the filter may pass too much but never too little.
 #pragma once
 
 #include <cstdint>
@@ -12,12 +12,12 @@
 
 namespace kxrestore::engine::jet_file {
 
-// A value that a column is compared with, of the kind that the column has: a whole number or a text.
+// A value that a column is compared with, of the column's kind: an integer or a text.
 struct Wanted {
   bool isText = false;
   std::int64_t number = 0;
   std::string text;            // UTF-8
-  std::string latin, unicode;  // as a file stores it, compressed (when it can be) and not
+  std::string latin, unicode;  // as files store it, compressed (if possible) and uncompressed
   bool hasLatin = false;
 
   static Wanted Number(std::int64_t number);
@@ -29,7 +29,7 @@ class RowFilter {
   enum class Test { kIs, kIsNot, kIsOneOf };
 
   void Clear() { m_conditions.clear(); }
-  // kIsNot takes whole numbers only.
+  // kIsNot is for integers only.
   void Add(const Column& column, Test test, std::vector<Wanted> wanted);
   bool IsEmpty() const { return m_conditions.empty(); }
 
@@ -49,7 +49,7 @@ class RowFilter {
   std::string m_text;
 };
 
-// What a whole-number column holds.
+// The value of an integer column.
 std::int64_t WholeNumberOf(const Column& column, const Bytes& stored);
 
 }  // namespace kxrestore::engine::jet_file

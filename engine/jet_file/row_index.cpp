@@ -50,7 +50,7 @@ bool RowIndex::Build(Table& table, const std::vector<const Column*>& columns,
     for (const Column* column : columns) {
       const auto stored = found.row.Stored(*column);
       if (!stored) {
-        hasNull = true;  // equals nothing
+        hasNull = true;  // NULL equals nothing
         break;
       }
       if (IsWholeNumber(column->type)) {
@@ -63,7 +63,7 @@ bool RowIndex::Build(Table& table, const std::vector<const Column*>& columns,
     }
     if (!hasNull) rows.push_back({Finished(hash), std::uint64_t{found.home.page} << 8 | found.home.slot});
   }
-  // About one row a bucket, at least two buckets.
+  // About one row in each bucket, at least two buckets.
   m_shift = 64 - static_cast<unsigned>(std::bit_width(rows.size() | 1));
   m_starts.assign((std::size_t{1} << (64 - m_shift)) + 1, 0);
   for (const Hashed& row : rows) ++m_starts[BucketOf(row.hash) + 1];

@@ -1,5 +1,5 @@
-// An index in memory over columns that rows are looked up by again and again: one pass over the table, then
-// each look-up finds its rows. It gives rows that may match; whoever asks compares.
+// An in-memory index on columns that are searched repeatedly: one pass over the table, then each search finds
+// its rows. It returns candidates that the caller must compare.
 #pragma once
 
 #include <cstdint>
@@ -15,10 +15,10 @@ namespace kxrestore::engine::jet_file {
 
 class RowIndex {
  public:
-  // `turn` is called now and then; when it says no the index is not made, and false is returned.
+  // `turn` is called regularly; when it returns false, building the index is abandoned and false is returned.
   bool Build(Table& table, const std::vector<const Column*>& columns, const std::function<bool()>& turn);
 
-  // The homes of the rows whose columns may have these values, in the order of the file.
+  // The homes of the rows whose columns may have these values, in file order.
   std::span<const std::uint64_t> Find(const std::vector<Wanted>& wanted) const;
   static RowPointer HomeOf(std::uint64_t entry) {
     return {static_cast<std::uint32_t>(entry >> 8) & 0xFFFFFF, static_cast<std::uint8_t>(entry)};

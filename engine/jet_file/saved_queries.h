@@ -1,5 +1,5 @@
-// Saved queries that the dialog makes in files of the desktop engine. They are never written: they live as
-// long as the program, for every database that is opened from the file, and stand before the file's own.
+// Saved queries that the dialog makes in desktop-engine files. They are never written to the file. They last
+// as long as the program, for every database opened from the file, and take precedence over the file's own.
 #pragma once
 
 #include <cstdint>
@@ -11,20 +11,20 @@
 
 namespace kxrestore::engine::jet_file {
 
-// By folded name. A query without a text is one of the file's own that was deleted.
+// By case-folded name. A query without a text marks one of the file's own as deleted.
 struct MadeQuery {
   std::string name;
   std::optional<std::string> createView;  // SQLite's CREATE VIEW
 };
 using MadeQueries = std::map<std::string, MadeQuery>;
 
-// Those of one file. Databases of several threads may share it.
+// The queries of one file, which databases of several threads may share.
 class SavedQueries {
  public:
-  // Those of the file at that path, however it is spelled.
+  // The queries of the file at that path, however it is spelled.
   static SavedQueries& Of(const std::string& path);
 
-  // Counts up with every change.
+  // Incremented by every change.
   std::uint64_t Version() const;
   MadeQueries All() const;
   std::optional<MadeQuery> Find(std::string_view name) const;

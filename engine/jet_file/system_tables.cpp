@@ -13,7 +13,7 @@ constexpr std::uint32_t kSystemFlags = 0x80000002;
 
 enum ObjectType { kTable = 1, kDriverLink = 4, kQuery = 5, kFileLink = 6 };
 
-// Columns of a system table by name; one that a file lacks reads as Null.
+// Columns of a system table by name; a missing column reads as Null.
 class Columns {
  public:
   explicit Columns(const Table& table) : m_table(table) {}

@@ -1,4 +1,4 @@
-// What a file holds: its tables and its saved queries, from its system tables.
+// Reads the list of a file's tables and saved queries from its system tables.
 #pragma once
 
 #include <cstdint>
@@ -18,17 +18,17 @@ struct FileObject {
   std::string linkedTo;    // a linked table's file or connection
 };
 
-// A line of a saved query, as the file keeps it. The attribute says what the line is.
+// A line of a saved query, as stored. The attribute is the kind of line.
 struct QueryLine {
   std::int32_t query = 0;  // FileObject::id
   int attribute = 0;
   int flag = 0;
-  std::string order;  // compares as the lines are ordered
+  std::string order;  // sort key of the lines
   std::string name1, name2, expression;
 };
 
 struct SystemTables {
-  std::vector<FileObject> objects;  // of users, not of the system
+  std::vector<FileObject> objects;  // user objects, no system objects
   std::vector<QueryLine> queryLines;
 };
 

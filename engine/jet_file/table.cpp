@@ -7,12 +7,12 @@
 namespace kxrestore::engine::jet_file {
 namespace {
 
-constexpr std::uint16_t kPointer = 0x4000;  // the row has moved away
+constexpr std::uint16_t kPointer = 0x4000;  // the row is stored elsewhere
 constexpr std::uint16_t kMovedHere = 0x8000;
 constexpr int kMostMoves = 4;
 constexpr std::size_t kMostSlots = 256;
 
-// A long value's first word.
+// The first word of a long value.
 constexpr std::uint32_t kInRow = 0x80000000, kInOneRow = 0x40000000, kLength = 0x3FFFFFFF;
 constexpr std::size_t kLongValueHeader = 12;
 
@@ -35,7 +35,7 @@ const std::vector<std::uint32_t>& Table::Pages() {
 bool Table::Take(const Page& page, std::uint8_t slot, FoundRow& found) {
   const Layout& layout = m_file.Format();
   const std::uint16_t first = PageFile::SlotOf(page, layout, slot);
-  if ((first & kMovedHere) != 0) return false;  // deleted, or another page points here
+  if ((first & kMovedHere) != 0) return false;  // deleted, or the target of another page's pointer
   found.home = {page.Number(), slot};
   if ((first & kPointer) == 0) {
     found.page = page;
@@ -120,7 +120,7 @@ std::vector<std::uint8_t> Table::LongValue(const Bytes& stored) const {
   }
   const bool chained = (header & kInOneRow) == 0;
   RowPointer next = RowPointer::From(stored.U32(4));
-  // Every row of the chain but the last must bring something, so that its end is reached.
+  // Every row of the chain but the last must contribute data, so that the loop ends.
   while (value.size() < length) {
     const Page page = m_file.Read(next.page, PageType::kData);
     if (page.Content().Piece(4, 4).Text() != "LVAL") {

@@ -1,4 +1,4 @@
-// The rows of one table: walking them, finding one again, reading their values.
+// The rows of one table: iterating over them, finding one again, reading their values.
 #pragma once
 
 #include <cstddef>
@@ -13,8 +13,8 @@
 
 namespace kxrestore::engine::jet_file {
 
-// A row and the page that holds it. `home` is what indexes and numbers of rows mean: a row that has outgrown
-// its page is stored elsewhere, behind a pointer.
+// A row and the page that stores it. `home` identifies the row in indexes and row numbers: a row that has
+// outgrown its page is stored elsewhere, and its home points there.
 struct FoundRow {
   RowPointer home;
   Page page;
@@ -23,7 +23,7 @@ struct FoundRow {
 
 class Table {
  public:
-  // Both must outlive this. The pages are listed when the first row is asked for.
+  // Both must outlive this. The list of pages is read at the first row.
   Table(const PageFile& file, CodePage& codePage, TableDefinition definition)
       : m_file(file), m_codePage(codePage), m_definition(std::move(definition)) {}
   Table(const Table&) = delete;
@@ -32,7 +32,7 @@ class Table {
   const TableDefinition& Definition() const { return m_definition; }
   const PageFile& File() const { return m_file; }
 
-  // The rows in the order of the file. Error 3049 for a page that is not the table's.
+  // The rows in file order. Error 3049 for a page that does not belong to the table.
   class Walk {
    public:
     explicit Walk(Table& table) : m_table(&table) {}
@@ -45,21 +45,21 @@ class Table {
     std::size_t m_slot = 0, m_slots = 0;
   };
 
-  // The row at home there; nothing when it is deleted or was never there.
+  // The row with that home; nothing when it is deleted or never existed.
   bool Find(RowPointer home, FoundRow& found);
 
   // Text and memo columns, appended as UTF-8.
   void AppendText(std::string& out, const Column& column, const Bytes& stored) const;
-  // What is stored of a memo or OLE column beyond the row. Error 3049 for a chain without an end.
+  // The part of a memo or OLE column that is stored outside the row. Error 3049 for a chain without an end.
   std::vector<std::uint8_t> LongValue(const Bytes& stored) const;
 
-  // Forgets which pages there are: somebody else has changed the file.
+  // Discards the list of pages, after another program has changed the file.
   void Forget() { m_pages.reset(); }
 
  private:
   const std::vector<std::uint32_t>& Pages();
   Page DataPage(std::uint32_t number) const;
-  // False when the slot holds no row of its own. `follow`: a row that has moved here counts, too.
+  // False when the slot holds no row of its own. `follow`: also accept a row that has moved here.
   bool Take(const Page& page, std::uint8_t slot, FoundRow& found);
   void AppendStoredText(std::string& out, const Bytes& bytes) const;
 

@@ -11,14 +11,14 @@
 namespace kxrestore::engine::jet_file {
 namespace {
 
-// The signs of a plan, each followed by the number of a column and a semicolon.
+// The operators of a plan, each followed by a column number and a semicolon.
 constexpr char kByNumber = 'r', kIs = 'e', kIsOneOf = 'i', kIsNot = 'n';
 
 constexpr std::size_t kRowsBetweenTurns = 4096;
 constexpr int kLookUpsBeforeIndex = 2;
 constexpr double kIndexedCost = 30, kCostOfRow = 1;
 
-// Whether a condition on this column can be checked down here.
+// Whether a condition on this column can be evaluated here.
 bool CanCheck(const Column& column, sqlite3_index_info& info, int i) {
   if (IsWholeNumber(column.type)) return true;
   return IsText(column.type) && std::string_view(sqlite3_vtab_collation(&info, i)) == "BINARY";
@@ -113,7 +113,7 @@ bool TableCursor::Take(std::string_view& plan, sqlite3_value* value, Condition& 
   condition.usable = true;
   const auto add = [&](sqlite3_value* one) {
     const int type = sqlite3_value_type(one);
-    if (type == SQLITE_NULL) return;  // equals nothing
+    if (type == SQLITE_NULL) return;  // NULL equals nothing
     if (type == SQLITE_INTEGER && !text) {
       condition.wanted.push_back(Wanted::Number(sqlite3_value_int64(one)));
     } else if (type == SQLITE_TEXT && text) {
@@ -156,7 +156,7 @@ int TableCursor::Start(const char* planned, int count, sqlite3_value** values) {
     if (!condition.usable) continue;
     if (condition.sign == kByNumber) {
       m_atEnd = !FindByNumber(m_server, m_table, condition.wanted.front().number, m_found);
-      return SQLITE_OK;  // the other conditions are checked again above
+      return SQLITE_OK;  // SQLite checks the other conditions
     }
     isLookUp = isLookUp || condition.sign == kIs;
     conditions.push_back(std::move(condition));
@@ -177,7 +177,7 @@ int TableCursor::Start(const char* planned, int count, sqlite3_value** values) {
   return Next();
 }
 
-// Whoever looks up by the same columns a second time gets an index: the first time a walk is as good.
+// The second search by the same columns builds an index: for a single one, a walk is as fast.
 int TableCursor::StartLookUp(const std::vector<Condition>& conditions, bool& started) {
   const auto& columns = m_table.Definition().columns;
   std::vector<std::pair<std::uint16_t, const Condition*>> parts;

@@ -1,5 +1,5 @@
-// How the rows of a table are found for one statement: by their number, through an index in memory, or by
-// walking the table with conditions.
+// Access to a table's rows for one statement: by row number, through an index in memory, or by a filtered
+// walk.
 #pragma once
 
 #include <sqlite3.h>
@@ -16,13 +16,13 @@
 
 namespace kxrestore::engine::jet_file {
 
-// Chooses which conditions of a statement are passed down and estimates what that costs; SQLite's xBestIndex.
+// Chooses which conditions of a statement are passed down, and estimates the cost; implements xBestIndex.
 int PlanAccess(const TableDefinition& table, sqlite3_index_info& info);
 
-// Whether no two rows have the same whole number there.
+// Whether the integers in this column are unique.
 bool IsRowKey(const TableDefinition& table, const Column& column);
 
-// The row of that number; false when it has gone.
+// The row of that number; false when it is gone.
 bool FindByNumber(TableServer& server, Table& table, std::int64_t number, FoundRow& found);
 
 class TableCursor {
@@ -31,7 +31,7 @@ class TableCursor {
   TableCursor(const TableCursor&) = delete;
   TableCursor& operator=(const TableCursor&) = delete;
 
-  // Both move to a row and answer SQLite's codes. `plan` comes from PlanAccess.
+  // Both move to a row and return SQLite result codes. `plan` comes from PlanAccess.
   int Start(const char* plan, int count, sqlite3_value** values);
   int Next();
 
@@ -44,7 +44,7 @@ class TableCursor {
     char sign = 0;
     int column = 0;
     std::vector<Wanted> wanted;
-    bool usable = false;  // the values are of the column's kind
+    bool usable = false;  // the values have the column's type
   };
   bool Take(std::string_view& plan, sqlite3_value* value, Condition& condition) const;
   int StartLookUp(const std::vector<Condition>& conditions, bool& started);
@@ -54,9 +54,9 @@ class TableCursor {
   RowFilter m_filter;
   std::optional<Table::Walk> m_walk;
   std::shared_ptr<const RowIndex> m_index;
-  std::span<const std::uint64_t> m_homes;  // of the index, those that are left
+  std::span<const std::uint64_t> m_homes;  // remaining results of the index
   bool m_atEnd = true;
-  std::uint32_t m_epoch = 0;  // when the walk began
+  std::uint32_t m_epoch = 0;  // at the start of the walk
   std::size_t m_seen = 0;
   FoundRow m_found;
   std::string m_text;

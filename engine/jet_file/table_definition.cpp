@@ -22,7 +22,7 @@ struct Places {
 constexpr Places kJet3 = {0x0C, 0x15, 0x17, 0x19, 0x1B, 0x1F, 0x23, 0x2B, 8, 18, 39, 20};
 constexpr Places kJet4 = {0x10, 0x29, 0x2B, 0x2D, 0x2F, 0x33, 0x37, 0x3F, 12, 25, 52, 28};
 
-// All pages of a definition, joined: the first whole, the others without their headers.
+// All pages of a definition joined: the first one whole, the others without their headers.
 std::vector<std::uint8_t> JoinPages(const PageFile& file, std::uint32_t first) {
   std::vector<std::uint8_t> joined;
   std::size_t count = 0;

@@ -1,4 +1,4 @@
-// What a file says of one table: its columns, its indexes and where its rows are.
+// The definition of one table: its columns, its indexes and where its rows are.
 #pragma once
 
 #include <cstddef>
@@ -34,9 +34,9 @@ enum class ColumnType : std::uint8_t {
 struct Column {
   std::string name;
   ColumnType type = ColumnType::kLong;
-  std::uint16_t number = 0;         // its bit in the null mask, and its name in indexes
+  std::uint16_t number = 0;         // its bit in the null mask, and its number in indexes
   std::uint16_t variableIndex = 0;  // of a column that is not fixed
-  std::uint16_t fixedOffset = 0;    // behind the count of columns
+  std::uint16_t fixedOffset = 0;    // after the column count
   std::uint16_t length = 0;         // bytes
   std::uint8_t scale = 0;           // of a numeric
   bool fixed = false;
@@ -60,12 +60,12 @@ struct TableDefinition {
   std::uint16_t variableColumns = 0;
   RowPointer ownedPages;
 
-  const Column* Find(std::string_view columnName) const;  // without regard to case; null when there is none
-  // Of an index that is over this column, whatever else it holds.
+  const Column* Find(std::string_view columnName) const;  // ignores case; null when there is none
+  // Whether an index includes this column.
   bool IsIndexed(const Column& column) const;
 };
 
-// Reads the definition that begins on `page`. Errors 3049.
+// Reads the definition that starts on `page`. Errors 3049.
 TableDefinition ReadTableDefinition(const PageFile& file, CodePage& codePage, std::uint32_t page,
                                     std::string name);
 

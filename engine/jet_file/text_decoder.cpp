@@ -18,7 +18,7 @@ void AppendLatin(std::string& out, std::uint8_t byte) {
   }
 }
 
-// The second half of a pair may begin with a zero, too.
+// The second half of a pair may start with a zero byte, too.
 bool IsPair(std::uint16_t first, std::uint16_t second) {
   return (first & 0xFC00) == 0xD800 && (second & 0xFC00) == 0xDC00;
 }
@@ -26,7 +26,7 @@ bool IsPair(std::uint16_t first, std::uint16_t second) {
 class Windows1252 final : public CodePage {
  public:
   void Append(std::string& out, Bytes stored) override {
-    // 80 to 9F; the five bytes without a character stand for themselves.
+    // Bytes 80 to 9F; the five without a character map to themselves.
     static constexpr std::array<char16_t, 32> kUpper = {
         0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
         0x2039, 0x0152, 0x8D,   0x017D, 0x8F,   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
@@ -50,7 +50,7 @@ void AppendPlainUtf16(std::string& out, Bytes stored) {
   for (std::size_t done = 0; done < units;) {
     std::size_t count = 0;
     while (count < buffer.size() && done < units) buffer[count++] = stored.U16(2 * done++);
-    // A surrogate pair is not torn by the buffer's end.
+    // Do not split a surrogate pair at the end of the buffer.
     if (count > 1 && done < units && (buffer[count - 1] & 0xFC00) == 0xD800) {
       --count;
       --done;
@@ -72,7 +72,7 @@ void AppendUnicode(std::string& out, Bytes stored) {
       AppendLatin(out, data[i++]);
       continue;
     }
-    // Plain from here to the zero that stands where a character would begin.
+    // Compressed from here to the zero at the start of a character.
     const std::size_t start = ++i;
     while (i + 1 < size && (data[i] != 0 || (i > start && IsPair(stored.U16(i - 2), stored.U16(i))))) i += 2;
     AppendPlainUtf16(out, stored.Piece(start, i - start));

@@ -1,4 +1,4 @@
-// Texts of a database file as UTF-8.
+// Decodes texts of a database file to UTF-8.
 #pragma once
 
 #include <cstdint>
@@ -9,19 +9,19 @@
 
 namespace kxrestore::engine::jet_file {
 
-// Appends a text of the formats from 2000 on: UTF-16, or, when it begins with FF FE, one byte a character
-// with pieces of UTF-16 between zeros. Half of a surrogate pair is kept, as base/utf16.h has it.
+// Appends a text of the formats from 2000 on: UTF-16 or, after FF FE, one byte for each character with runs
+// of UTF-16 between zeros. Unpaired surrogates are preserved, see base/utf16.h.
 void AppendUnicode(std::string& out, Bytes stored);
 
-// A text without the compressed form: names in definitions.
+// A text without compression: names in definitions.
 void AppendPlainUtf16(std::string& out, Bytes stored);
 
-// Texts of 1997 are bytes in the code page of the file. Bytes that mean nothing become U+FFFD.
+// Texts of 1997 are in the file's code page. Invalid bytes become U+FFFD.
 class CodePage {
  public:
   virtual ~CodePage() = default;
   virtual void Append(std::string& out, Bytes stored) = 0;
-  // 1252 is known everywhere; the others as far as the system knows them, else as 1252.
+  // 1252 is built in; the others use the system's tables, falling back to 1252.
   static std::unique_ptr<CodePage> Find(std::uint16_t number);
 };
 

@@ -1,4 +1,4 @@
-// The maps in which a file keeps which pages belong to what.
+// The bitmaps in which a file records which pages belong to what.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,8 @@
 
 namespace kxrestore::engine::jet_file {
 
-// The numbers of the pages that are set in a map, ascending. Error 3049 when the map lies or names a page
-// behind the end of the file.
+// The numbers of the pages in a map, ascending. Error 3049 when the map is damaged or names a page beyond the
+// end of the file.
 std::vector<std::uint32_t> ReadUsageMap(const PageFile& file, RowPointer map);
 
 }  // namespace kxrestore::engine::jet_file

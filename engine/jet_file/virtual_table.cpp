@@ -31,7 +31,7 @@ VirtualTable& TableOf(sqlite3_vtab* table) {
   return *static_cast<VirtualTable*>(table);
 }
 
-// No exception may pass through SQLite: it is kept, and whoever ran the statement raises it again.
+// No exception may pass through SQLite: it is stored, and the caller of the statement rethrows it.
 template <class Operation>
 int Guarded(TableServer& server, Operation operation) noexcept {
   try {
@@ -155,7 +155,7 @@ int ReadRowNumber(sqlite3_vtab_cursor* cursor, sqlite3_int64* number) noexcept {
   return SQLITE_OK;
 }
 
-// ---- changing
+// ---- updates
 
 [[noreturn]] void RaiseNeedsEngine(const VirtualTable& self, const std::string& what) {
   Raise(error_number::kCannotCreateObject,
@@ -226,7 +226,7 @@ int EndTransaction(sqlite3_vtab* table) noexcept {
   return SQLITE_OK;
 }
 
-// A statement that fails takes back what it has set.
+// A failing statement rolls back its own changes.
 int Save(sqlite3_vtab* table, int number) noexcept {
   VirtualTable& self = TableOf(table);
   return Guarded(*self.server, [&] {

@@ -1,5 +1,5 @@
-// The tables of a file as SQLite sees them. Only what a statement asks for is decoded; conditions on columns
-// are passed down, and columns that are looked up again and again get an index in memory.
+// Presents the tables of a file to SQLite. Only requested columns are decoded; conditions on columns are
+// passed down, and columns that are searched repeatedly get an index in memory.
 #pragma once
 
 #include <exception>
@@ -16,14 +16,14 @@ struct sqlite3;
 
 namespace kxrestore::engine::jet_file {
 
-// What the virtual tables of one connection share.
+// State shared by the virtual tables of one connection.
 struct TableServer {
   JetFile& file;
   Marks& marks;
   std::function<bool()> turn = [] { return true; };
-  // An exception that was caught on its way through SQLite.
+  // An exception caught before it could pass through SQLite.
   std::exception_ptr failure;
-  // Counts the changes by other programs; a row's number is worth nothing in the next epoch.
+  // Counts changes by other programs; row numbers of an earlier epoch are invalid.
   std::uint32_t epoch = 0;
 
   struct LookUps {
@@ -36,11 +36,11 @@ struct TableServer {
   void Forget();  // after a change by another program
 };
 
-// The one column whose values can be changed.
+// The only column that can be updated.
 inline constexpr const char* kMarkColumn = "Restore";
 
-// Makes a virtual table of each table of the file. `server` must outlive the connection. Tables that SQLite
-// refuses are left out.
+// Creates a virtual table for each table of the file. `server` must outlive the connection. Tables that
+// SQLite rejects are left out.
 void AttachTables(sqlite3* connection, TableServer& server);
 
 // A row's number: epoch, page and slot.

@@ -16,7 +16,7 @@ struct Entry {
   std::string machine, user;
 };
 
-// The entry that says most about who has the file: one that is not of a program of this kind.
+// The most informative entry about who has the file open: one of another kind of program.
 Entry ReadEntry(const File& lock) {
   Entry found;
   std::array<char, kEntrySize> bytes{};
@@ -51,7 +51,8 @@ std::string LockFilePath(const std::string& path, bool ace) {
 
 WriteAccess::WriteAccess(const std::string& path, bool ace, const WaitForOther& wait)
     : m_path(path), m_lockPath(LockFilePath(path, ace)) {
-  // What cannot be written needs no lock file; where the system keeps other writers out, it says so here.
+  // A file that cannot be written needs no lock file; where the system excludes other writers, this fails
+  // here.
   m_data = File::Open(path, File::Use::kWriting);
   TakeLockFile(wait);
   if (KnowsWhoHasFilesOpen()) return;
@@ -67,17 +68,17 @@ WriteAccess::WriteAccess(const std::string& path, bool ace, const WaitForOther& 
 
 WriteAccess::~WriteAccess() {
   m_data.reset();
-  if (!KnowsWhoHasFilesOpen()) RemoveFile(m_lockPath);  // while it is locked nobody relies on it
+  if (!KnowsWhoHasFilesOpen()) RemoveFile(m_lockPath);  // while it is locked no other program uses it
   m_lock.reset();
-  if (KnowsWhoHasFilesOpen()) RemoveFile(m_lockPath);  // fails when somebody has it open by now
+  if (KnowsWhoHasFilesOpen()) RemoveFile(m_lockPath);  // fails if another program has opened it
 }
 
 void WriteAccess::RaiseInUse(const std::string& by) const {
   Raise(error_number::kFileInUse, "Could not use '" + m_path + "'; file already in use by " + by + ".");
 }
 
-// Whether the lock file of that path is ours now. On a system that cannot say who has a file open, the entry
-// of another machine counts even without a lock.
+// Whether we own the lock file at that path. On a system that cannot tell who has a file open, another
+// machine's entry counts even without a lock.
 bool WriteAccess::TryLockFile() {
   const bool existed = FileExists(m_lockPath);
   const bool stale = existed && KnowsWhoHasFilesOpen() && IsOpenNowhereElse(m_lockPath);
@@ -87,7 +88,7 @@ bool WriteAccess::TryLockFile() {
     if (!entry.machine.empty() && entry.user != kOurUser) RaiseInUse(Described(entry));
     return false;
   }
-  if (!m_lock->IsAt(m_lockPath)) return false;  // its owner has just taken it away
+  if (!m_lock->IsAt(m_lockPath)) return false;  // its owner has just deleted it
   if (!entry.machine.empty() && entry.user != kOurUser && entry.machine != MachineName() && !stale) {
     RaiseInUse(Described(entry) + ". If that program has ended long ago, delete the file '" + m_lockPath +
                "'");

@@ -10,7 +10,7 @@
 namespace kxrestore::engine::odbc {
 namespace {
 
-// Together with the turns before and behind it, a stop takes less than 200 ms.
+// With the time for the callbacks before and after it, a stop takes less than 200 ms.
 constexpr std::chrono::milliseconds kGrace(120);
 constexpr std::chrono::milliseconds kLoginMargin(2'000);
 
@@ -24,18 +24,18 @@ void RaiseCanceled() {
   Raise(error_number::kCanceled, "Operation canceled by user.");
 }
 
-// ---- on the thread
+// ---- on the worker thread
 
 void DriverHandles::Tidy() noexcept {
   try {
     std::erase_if(statements, [this](const std::shared_ptr<StatementData>& statement) {
       Outcome outcome;
       const bool isFreed = statement->Tidy(outcome);
-      // A cursor that stays open would be in the way of the statement's next execution.
+      // An open cursor would prevent the statement's next execution.
       if (outcome.Failed()) lost = true;
       return isFreed;
     });
-  } catch (const std::exception&) {  // no memory for what the driver says
+  } catch (const std::exception&) {  // no memory for the driver's message
     lost = true;
   }
 }
@@ -43,18 +43,18 @@ void DriverHandles::Tidy() noexcept {
 void DriverHandles::Close() noexcept {
   try {
     if (isConnected && commitsByHand)
-      connection.EndTransaction(false).Ignore();  // disconnecting does it, too
+      connection.EndTransaction(false).Ignore();  // disconnecting rolls back, too
     for (const std::shared_ptr<StatementData>& statement : statements) {
       statement->AskToFree();
       Outcome outcome;
       statement->Tidy(outcome);
       outcome.Ignore();  // disconnecting frees it, too
     }
-    // There is nobody left to tell; a handle that cannot be freed stays with the driver manager.
+    // No one is left to receive an error; a handle that cannot be freed stays with the driver manager.
     if (isConnected) connection.Disconnect().Ignore();
     connection.Free().Ignore();
     environment.Free().Ignore();
-  } catch (const std::exception&) {  // no memory for what the driver says
+  } catch (const std::exception&) {  // no memory for the driver's message
   }
   statements.clear();
 }
@@ -81,7 +81,7 @@ Connection::Connection(std::string_view connect, const Waits& waits, std::shared
     Outcome outcome = handles.environment.Allocate(password);
     if (!outcome.Failed()) outcome = handles.connection.Allocate(handles.environment);
     if (outcome.Failed()) return outcome;
-    // A driver without it is held to the limit of the call.
+    // A driver without this setting is bound by the limit of the call.
     handles.connection.SetAttribute(SQL_ATTR_LOGIN_TIMEOUT, seconds).Ignore();
     outcome = handles.connection.Connect(text);
     handles.isConnected = !outcome.Failed();
@@ -95,7 +95,7 @@ Connection::Connection(std::string_view connect, const Waits& waits, std::shared
 
 Outcome Connection::Run(Call call, const std::shared_ptr<StatementData>& stoppable) {
   DriverThread::Limits limits{.wait = m_waits.call, .grace = kGrace};
-  // The outcome of the call tells whether it was canceled.
+  // The result of the call shows whether it was canceled.
   if (stoppable) limits.cancel = [stoppable] { stoppable->Cancel().Ignore(); };
   return RunWithin(std::move(call), limits, false);
 }
@@ -163,7 +163,7 @@ Outcome Connection::EndTransaction(bool commit) {
     Outcome outcome = handles.connection.EndTransaction(commit);
     if (outcome.Failed()) return outcome;
     if (handles.connection.SetAttribute(SQL_ATTR_AUTOCOMMIT, SQL_AUTOCOMMIT_ON).Failed()) {
-      handles.lost = true;  // but the transaction has ended as it should
+      handles.lost = true;  // but the transaction ended as intended
     } else {
       handles.commitsByHand = false;
     }

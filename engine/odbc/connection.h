@@ -1,6 +1,5 @@
-// A connection to a server. All calls of the driver for it are made on one thread of its own, see
-// DriverThread; when one has to be given up, the connection is lost and that thread frees what the call used
-// once it returns.
+// A connection to a server. All its driver calls are made on one dedicated thread, see DriverThread. When a
+// call has to be abandoned, the connection is lost, and that thread frees what the call used once it returns.
 #pragma once
 
 #include <atomic>
@@ -17,51 +16,51 @@
 
 namespace kxrestore::engine::odbc {
 
-// What the thread of a connection works with.
+// State used on the connection's thread.
 struct DriverHandles {
   EnvironmentHandle environment;
   ConnectionHandle connection;
   std::vector<std::shared_ptr<StatementData>> statements;
   bool isConnected = false;
   bool commitsByHand = false;     // autocommit is off
-  std::atomic<bool> lost{false};  // the server is gone; nothing more is asked of this connection
+  std::atomic<bool> lost{false};  // the server is gone; no further calls are made
 
   void Tidy() noexcept;
-  // Undoes what is not committed.
+  // Rolls back what is not committed.
   void Close() noexcept;
 };
 
 class Connection {
  public:
-  // Connects. `connect` is a connect string of hosts, with or without "ODBC;". `waiting`: the callback; may
-  // be null. Errors: 3151 with the driver's words, 3059 when the callback asks for a stop.
+  // Connects. `connect` is a host's connect string, with or without "ODBC;". `waiting` is the waiting
+  // callback or null. Errors: 3151 with the driver's message, 3059 when the callback requests a stop.
   Connection(std::string_view connect, const Waits& waits, std::shared_ptr<const Waiting> waiting);
 
   using Call = std::function<Outcome(DriverHandles& handles)>;
-  // Makes a call, which owns what it uses. When the callback asks for a stop, `stoppable`, if there is one,
-  // is canceled; a call that ends with success in spite of it counts. Errors: 3059 after a stop, and 3146
-  // when the call takes too long or the connection is lost. A driver's error is in the outcome.
+  // Makes a call, which owns the data that it uses. When the callback requests a stop, `stoppable` (if given)
+  // is canceled; a call that succeeds nevertheless counts as done. Errors: 3059 after a stop, 3146 when the
+  // call exceeds its time limit or the connection is lost. A driver's error is returned in the outcome.
   Outcome Run(Call call, const std::shared_ptr<StatementData>& stoppable = nullptr);
 
-  // Switches autocommit. A connection that refuses is lost, since nobody knows what it commits.
+  // Switches autocommit. A connection that refuses is lost, because its commit state is unknown.
   Outcome SetAutocommit(bool on);
   // Ends the transaction and switches autocommit on.
   Outcome EndTransaction(bool commit);
 
-  // The thread closes the cursor or frees the statement. `atOnce`: without waiting for the next call.
+  // The thread closes the cursor or frees the statement. `atOnce`: now, not before the next call.
   void Close(StatementData& statement, bool atOnce) noexcept;
   void Free(StatementData& statement, bool atOnce) noexcept;
 
-  // Whether a transaction may be open, as far as anybody can know.
+  // Whether a transaction may be open.
   bool InTransaction() const { return !IsLost() && m_handles->commitsByHand; }
   bool IsLost() const { return m_handles->lost; }
   void GiveUp() { m_handles->lost = true; }
-  // Error 3146 for a lost connection, with the words of the call that met the loss.
+  // Error 3146 for a lost connection, with the message of the call that detected it.
   [[noreturn]] void RaiseLost() const;
   const std::string& Server() const { return m_server; }  // for messages
   const Password& PasswordToHide() const { return *m_password; }
 
-  // See DriverThread. Error 3059 when the callback asks for a stop.
+  // See DriverThread. Error 3059 when the callback requests a stop.
   void GiveTurn();
   void Pause(std::chrono::milliseconds time);
 
@@ -69,7 +68,7 @@ class Connection {
   Outcome RunWithin(Call call, const DriverThread::Limits& limits, bool isConnecting);
 
   std::string m_server;
-  std::string m_lossWords;  // once it is lost and somebody has said why
+  std::string m_lossWords;  // the message, once the loss has been reported
   Waits m_waits;
   std::shared_ptr<const Password> m_password;
   std::shared_ptr<DriverHandles> m_handles;

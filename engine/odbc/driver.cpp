@@ -18,7 +18,7 @@ SQLUSMALLINT Number(std::size_t index) {
   return static_cast<SQLUSMALLINT>(index + 1);
 }
 
-// The driver's catalog functions take a null pointer for "any".
+// The driver's catalog functions take a null pointer as "any".
 class Argument {
  public:
   explicit Argument(const std::string& text) : m_given(!text.empty()), m_text(text) {}
@@ -30,7 +30,7 @@ class Argument {
   WideText m_text;
 };
 
-// The whole message, so that none is cut within the password before that is hidden.
+// Reads the whole message, so that no password is cut before it can be removed.
 std::vector<Diagnostic> ReadDiagnostics(SQLSMALLINT type, SQLHANDLE handle, const Password* password) {
   std::vector<Diagnostic> diagnostics;
   std::array<char16_t, 6> state{};
@@ -223,7 +223,7 @@ Outcome StatementHandle::UnbindColumns() {
   return Checked(SQLFreeStmt(Raw(), SQL_UNBIND));
 }
 
-// The handle's diagnostics belong to the thread whose call is at work.
+// A handle's diagnostics may only be read on the thread that makes its calls.
 Outcome StatementHandle::Cancel() {
   return {SQLCancel(Raw()), {}};
 }

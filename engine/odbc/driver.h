@@ -1,8 +1,8 @@
-// The one gate to the driver manager: its handles, each call a method of one of them. A call returns an
-// Outcome, which holds the driver's diagnostics when the call has failed and must be looked at.
+// The only interface to the driver manager: its handles, with a method for each function. A call returns an
+// Outcome with the driver's diagnostics when it failed; outcomes must be checked.
 //
-// A handle is not freed by its destructor but by Free: the thread that makes a connection's calls frees its
-// handles, too, see Connection.
+// A handle is freed by Free, not by its destructor: the connection's thread must free its handles, see
+// Connection.
 #pragma once
 
 #include <cstdint>
@@ -31,7 +31,7 @@ class [[nodiscard]] Outcome {
   bool HasNoData() const { return m_code == SQL_NO_DATA; }
   bool Failed() const { return !Succeeded() && !HasNoData(); }
   const std::vector<Diagnostic>& Diagnostics() const { return m_diagnostics; }
-  // For the few calls whose failure changes nothing; the caller says why.
+  // For the few calls whose failure has no effect; the caller comments why.
   void Ignore() const {}
 
  private:
@@ -87,7 +87,7 @@ struct ColumnDescription {
   SQLULEN size = 0;
 };
 
-// Columns and parameters are counted from 1 by the driver manager and from 0 here.
+// Columns and parameters are numbered from 1 by the driver manager and from 0 here.
 class StatementHandle : public Handle<SQL_HANDLE_STMT> {
  public:
   Outcome Allocate(const ConnectionHandle& connection);
@@ -97,17 +97,17 @@ class StatementHandle : public Handle<SQL_HANDLE_STMT> {
   Outcome Execute();
   Outcome ExecuteDirect(WideText& sql);
   Outcome BindParameter(std::size_t index, const ParameterBinding& binding);
-  Outcome CountRows(std::int64_t& count) const;  // changed by the execution
+  Outcome CountRows(std::int64_t& count) const;  // rows changed by the execution
   Outcome CountColumns(std::size_t& count) const;
   Outcome DescribeColumn(std::size_t index, ColumnDescription& column) const;
   Outcome BindColumn(std::size_t index, SQLSMALLINT cType, void* data, std::size_t width, SQLLEN* sizes);
   Outcome Fetch();
   Outcome GetData(std::size_t index, SQLSMALLINT cType, void* data, std::size_t width, SQLLEN* size);
-  Outcome StandOn(std::size_t row);  // of the fetched block, counted from 0
+  Outcome StandOn(std::size_t row);  // moves to a row of the fetched block, from 0
   Outcome CloseCursor();
   Outcome UnbindColumns();
   Outcome Cancel();  // from any thread
-  // The driver's catalog functions; an empty name stands for any.
+  // The driver's catalog functions; an empty name matches any.
   Outcome Tables(WideText& types);
   Outcome Columns(const std::string& schemaPattern, const std::string& tablePattern);
   Outcome PrimaryKeys(const std::string& schema, const std::string& table);

@@ -20,9 +20,9 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr milliseconds kTurnInterval(20);
-constexpr milliseconds kFarewell(140);  // for the last work, before the thread is left to itself
+constexpr milliseconds kFarewell(140);  // for the final cleanup, before the thread is abandoned
 
-// A thread that is left behind returns into this module.
+// An abandoned thread returns into this module, so keep the module loaded.
 void KeepModuleLoaded() noexcept {
 #ifdef _WIN32
   HMODULE module = nullptr;
@@ -38,11 +38,11 @@ struct DriverThread::State {
   std::condition_variable work, done;
   Work call, tidy, last;
   std::exception_ptr failure;  // of the call
-  bool busy = false;           // a call is asked for or being made
+  bool busy = false;           // a call is requested or running
   bool untidy = false;
-  bool finishing = false;  // no more call comes
+  bool finishing = false;  // no further calls
   bool ended = false;
-  bool canceling = false;  // the cancel of the call is being made
+  bool canceling = false;  // the call is being canceled
 
   bool IsSettled() const { return !busy && !canceling; }
 };
@@ -127,7 +127,7 @@ bool DriverThread::Turn(std::exception_ptr& failure) noexcept {
   if (m_waiting && *m_waiting) {
     m_inTurn = true;
     try {
-      const Waiting waiting = *m_waiting;  // the callback may be replaced from inside
+      const Waiting waiting = *m_waiting;  // a copy: the callback may be replaced from inside
       goOn = waiting();
     } catch (...) {
       failure = std::current_exception();
@@ -166,14 +166,14 @@ DriverThread::Ending DriverThread::Run(Work call, const Limits& limits) {
           canceler = std::thread([shared = m_state, cancel = limits.cancel] {
             try {
               cancel();
-            } catch (...) {  // as if there had been no answer
+            } catch (...) {  // treated like no response
             }
             const std::lock_guard guard(shared->mutex);
             shared->canceling = false;
             shared->done.notify_all();
             shared->work.notify_all();
           });
-        } catch (const std::exception&) {  // no thread: the call is given up instead
+        } catch (const std::exception&) {  // no thread: abandon the call instead
           state.canceling = false;
         }
       }

@@ -1,4 +1,4 @@
-// How long one user action may still wait for locks of others, all its waits together.
+// The time that one user action may still spend waiting for others' locks, in total.
 #pragma once
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// The types of the driver manager's interface, wide characters only, and its texts converted. Its functions
-// are called in driver.cpp and nowhere else: their names are poisoned here, so that no call escapes the
+// The types of the driver manager's interface (wide characters only) and conversion of its texts. Its
+// functions may be called in driver.cpp only: their names are poisoned here, so that no call bypasses the
 // checks.
 #pragma once
 
@@ -36,7 +36,7 @@ inline SQLWCHAR* WideBuffer(char16_t* text) {
   return reinterpret_cast<SQLWCHAR*>(text);
 }
 
-// A UTF-16 text to hand over: Data() is what the interface takes, though it does not change it.
+// A UTF-16 argument: Data() is not const because the interface is not, though it does not modify the text.
 class WideText {
  public:
   explicit WideText(std::string_view text) : m_text(ToUtf16<char16_t>(text)) {}

@@ -17,7 +17,7 @@ class OdbcBackend final : public WarmSessions<Session> {
           std::make_shared<Session>(request.connect, nullptr, WaitingOfSessions(), m_waits),
           request.readOnly);
     }
-    // A lost session is dropped once it has reported its lost changes; this operation connects anew.
+    // A lost session is dropped once it has reported its lost changes; this operation reconnects.
     Drop([](const Session& session) { return session.IsLost() && !session.HasUntold(); });
     const auto fits = [&](const Session& session) {
       return session.Connect() == request.connect && !session.IsLost();

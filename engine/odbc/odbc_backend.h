@@ -1,4 +1,4 @@
-// The back end for catalogs on a database server, over the machine's ODBC driver manager.
+// The back end for catalogs on a database server, through the ODBC driver manager.
 #pragma once
 
 #include <memory>

@@ -13,8 +13,8 @@ namespace number = kxrestore::engine::error_number;
 constexpr std::size_t kMaxShownPiece = 200;  // characters
 
 struct Meaning {
-  std::string_view state;  // or the start of several
-  std::string_view words;  // in the message, for drivers that say HY000 to everything
+  std::string_view state;  // or a common prefix
+  std::string_view words;  // text in the message, for drivers that report HY000 for everything
   int number;
 };
 

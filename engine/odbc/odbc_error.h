@@ -1,4 +1,4 @@
-// Where a driver's diagnostics become errors of the engine.
+// Maps a driver's diagnostics to errors of the engine.
 #pragma once
 
 #include <string>
@@ -10,23 +10,23 @@
 
 namespace kxrestore::engine::odbc {
 
-// What the session can do about an error.
+// How the session can react to an error.
 enum class Failure {
   kStatement,   // only the statement has failed
-  kConflict,    // the server chose this statement to end a deadlock: worth trying again
-  kLock,        // another connection kept a lock for too long
-  kStale,       // the tables have changed since it was prepared: worth preparing again
-  kCanceled,    // ended by the user or by a time limit: not to be repeated
+  kConflict,    // the server chose this statement to end a deadlock: retry
+  kLock,        // another connection held a lock for too long
+  kStale,       // the tables have changed since it was prepared: prepare again
+  kCanceled,    // ended by the user or a time limit: do not repeat
   kConnection,  // the server is gone
 };
 Failure FailureOf(const std::vector<Diagnostic>& diagnostics);
 
-// The error that diagnostics stand for; see RaiseOdbc.
+// The error for these diagnostics; see RaiseOdbc.
 Error ErrorOf(const std::vector<Diagnostic>& diagnostics, bool connecting, std::string_view piece,
               const Password& password);
 
-// `piece` is the statement or name at work. Errors: 3151 while `connecting`; 3078, 3061, 3022, 3317, 3260,
-// 3027, 3026 where the state tells, else 3146; the driver's words and the state stand in the description.
+// `piece` is the statement or name concerned. Errors: 3151 while `connecting`; 3078, 3061, 3022, 3317, 3260,
+// 3027, 3026 by SQLSTATE, else 3146. The description contains the driver's message and the SQLSTATE.
 [[noreturn]] void RaiseOdbc(const std::vector<Diagnostic>& diagnostics, bool connecting,
                             std::string_view piece, const Password& password);
 

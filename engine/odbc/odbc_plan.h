@@ -1,4 +1,4 @@
-// A statement of the catalog's dialect, translated for the server once.
+// A statement of the catalog's dialect, translated for the server.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ namespace kxrestore::engine::odbc {
 
 struct PlanTable {
   std::string name;
-  std::vector<std::string> keys;        // columns of its key; empty when its rows cannot be told apart
+  std::vector<std::string> keys;        // columns of its key; empty when rows cannot be identified
   std::vector<std::size_t> keyColumns;  // the hidden columns that hold them
 };
 
@@ -26,7 +26,7 @@ struct RowUpdate {
 
 struct Plan : CachedPlan {
   std::string sql;
-  std::vector<std::int64_t> order;  // which value each parameter is, counted from 1
+  std::vector<std::int64_t> order;  // the number of each parameter's value, from 1
   std::vector<jet_sql::ParameterUse> uses;
   std::vector<jet_sql::ResultColumn> columns;  // in the order of the result, without the hidden ones
   bool columnsKnown = false;
@@ -34,10 +34,10 @@ struct Plan : CachedPlan {
   std::size_t hidden = 0;
   std::vector<std::unique_ptr<RowUpdate>> updates;
   std::vector<std::unique_ptr<OdbcStatement>> idle;
-  bool isShort = false;  // its last result fitted one block
+  bool isShort = false;  // its last result fitted into one block
 };
 
-// The statement's values in the order of the plan's parameters, each converted to the kind of the column that
+// The statement's values in the order of the plan's parameters, each converted to the type of the column that
 // it is compared with.
 std::vector<Value> ParameterValues(const Plan& plan, const std::vector<Value>& values,
                                    const jet_sql::ServerDialect& dialect);

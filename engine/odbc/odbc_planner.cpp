@@ -15,10 +15,10 @@
 namespace kxrestore::engine::odbc {
 namespace {
 
-using namespace jet_sql;  // NOLINT: the planner speaks of little else
+using namespace jet_sql;  // NOLINT: used throughout this file
 
-// Adds the key columns of the tables to the statement of a dynaset. Rows without an order are put in that of
-// the first table's key: a server may return a row in another place once it has been written.
+// Adds the key columns of its tables to a dynaset's statement. Rows without an ORDER BY are ordered by the
+// first table's key, because a server may move a row once it is written.
 void AddKeys(Session& session, SelectStatement& statement, const std::vector<ResultTable>& tables,
              Plan& plan) {
   SelectCore& core = statement.cores.front();
@@ -130,7 +130,7 @@ ViewBody TranslateSavedQuery(Session& session, std::string_view text) {
     ResolveNames(statement, session.Tables());
     body.sql = Print(statement, session.Dialect(), jet_sql::PrintedAs::kView);
   } catch (const Error& error) {
-    // The tables or columns that it names may be made later; until then the query returns no rows.
+    // Tables or columns that it refers to may be created later; until then the query returns no rows.
     if (error.Number() != error_number::kParameterMissing) throw;
   }
   return body;

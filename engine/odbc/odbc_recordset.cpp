@@ -11,7 +11,7 @@ namespace {
 namespace number = error_number;
 using jet_sql::ValueKind;
 
-// A value converted to the column's kind, where the server would refuse it otherwise.
+// A value converted to the column's type where the server would otherwise refuse it.
 Value ForColumn(const Value& value, ValueKind kind) {
   const ValueView view = ViewOf(value);
   if (IsNull(view)) return value;
@@ -42,15 +42,15 @@ OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, const Sql& sql, R
   for (std::size_t i = 0; i + m_plan->hidden < columns.size(); ++i) m_names.push_back(columns[i].name);
   const bool hasRow = m_rows->Next();
   m_plan->isShort = m_rows->InOneBlock();
-  // Rows that the driver has fetched completely do not change any more.
+  // Completely fetched rows no longer change.
   const bool stays =
       m_session->Facts().fetchesAllAtOnce && !m_session->FetchesPiecewise() && m_rows->InOneBlock();
   if (hasRow && !stays) m_session->Streaming().Add(*this);
   Begin(hasRow, m_names.size(), columns.size() - m_names.size());
 }
 
-// Other programs may have changed tables and queries since the plan was made, so a plan that fails is made
-// anew once.
+// Other programs may have changed tables and queries since the plan was made, so a failing plan is remade
+// once.
 void OdbcRecordset::Open(const Sql& sql, const ColumnNames& read) {
   Outcome failed;
   if (TryOpen(sql, read, failed)) return;

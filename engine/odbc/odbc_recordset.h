@@ -1,4 +1,4 @@
-// A recordset over an executed statement.
+// A recordset on an executed statement.
 #pragma once
 
 #include <memory>
@@ -30,7 +30,8 @@ class OdbcRecordset final : public StreamedRecordset {
   void Write(const Changes& changes) override;
 
   void Open(const Sql& sql, const ColumnNames& read);
-  // False when the tables have changed since the plan was made; `failed` holds the driver's error, if any.
+  // False when the tables have changed since the plan was made; `failed` then holds the driver's error, if
+  // any.
   bool TryOpen(const Sql& sql, const ColumnNames& read, Outcome& failed);
   void UpdateTable(std::size_t table, const Changes& changes);
 

@@ -32,7 +32,7 @@ DateTime AsDate(const SQL_TIMESTAMP_STRUCT& stamp) {
   return date;
 }
 
-// Most texts are ASCII, and a walk converts millions of them.
+// Most texts are ASCII, and a walk over a catalog converts millions of them.
 void Convert(std::u16string_view units, std::string& text) {
   text.resize(units.size());
   unsigned all = 0;
@@ -62,7 +62,7 @@ bool RowReader::Next() {
     return true;
   }
   if (block.IsLast()) return false;
-  m_session.GiveTurn();  // a listing may have many blocks, each of which takes no time
+  m_session.GiveTurn();  // a listing may have many blocks, each fetched in no time
   m_row = 0;
   m_isFirstBlock = false;
   const auto fetch = [statement = m_statement](DriverHandles&) { return statement->FetchBlock(); };

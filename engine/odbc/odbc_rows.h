@@ -19,18 +19,18 @@ class RowReader {
       : m_session(session), m_statement(std::move(statement)) {}
 
   const std::vector<ColumnType>& Columns() const { return m_statement->Rows().Types(); }
-  // To be called after each execution, which has fetched the first block. Stands before the first row.
+  // Call after each execution, which fetches the first block. The position is before the first row.
   void Restart();
   bool Next();
-  // Whether the first block holds all rows.
+  // Whether the first block contains all rows.
   bool InOneBlock() const { return m_isFirstBlock && m_statement->Rows().IsLast(); }
-  // Of the current row; a text holds until the next call of Next.
+  // Value in the current row; a text is valid until the next call of Next.
   ValueView Value(std::size_t column) const;
 
  private:
   struct Converted {
     std::string text;
-    std::uint64_t row = 0;  // the number of the row that it is of
+    std::uint64_t row = 0;  // number of the row that it belongs to
   };
 
   std::string_view TextOf(std::size_t column) const;
@@ -41,7 +41,7 @@ class RowReader {
   mutable std::vector<Converted> m_texts;  // by column
   bool m_beforeFirst = true, m_isFirstBlock = true;
   std::size_t m_row = 0;       // in the block
-  std::uint64_t m_number = 0;  // of all rows that were ever read
+  std::uint64_t m_number = 0;  // among all rows read so far
 };
 
 }  // namespace kxrestore::engine::odbc

@@ -19,7 +19,7 @@ std::string EscapedPattern(const std::string& name, const std::string& escape) {
   return pattern;
 }
 
-// Whether the driver lacks the function; then the result is taken to be empty.
+// Whether the driver lacks the function; the result is then treated as empty.
 bool IsUnknownFunction(const Outcome& outcome) {
   const std::vector<Diagnostic>& told = outcome.Diagnostics();
   return !told.empty() && (told.front().state == "IM001" || told.front().state == "HYC00");

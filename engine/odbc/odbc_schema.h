@@ -1,4 +1,4 @@
-// The server's tables and views, found by the names that statements use. What was read is kept until Forget.
+// The server's tables and views, looked up by the names in statements. Cached until Forget.
 #pragma once
 
 #include <map>
@@ -15,11 +15,12 @@ namespace kxrestore::engine::odbc {
 
 class Session;
 
-// The saved queries that one user action has made and deleted, by their folded names.
+// The saved queries that one user action has created and deleted, by case-folded name.
 struct SavedTexts {
-  // Made in this action. They are read by these texts, even if another program replaces the views meanwhile.
+  // Created in this action. They are read by these texts, even if another program replaces the views
+  // meanwhile.
   std::map<std::string, std::string> byName;
-  std::set<std::string> freed;                  // deleted in this action; a new query may take the name
+  std::set<std::string> freed;                  // deleted in this action; the name is free again
   std::map<std::string, std::string> refusals;  // why one could not be deleted
 };
 
@@ -34,23 +35,23 @@ class Schema final : public jet_sql::Relations {
     std::string name, schema;
     bool isTable = false;
   };
-  // The table or view of that name; null when there is none. `fresh`: others may have made or deleted it.
+  // The table or view of that name; null when there is none. `fresh`: do not use the cache.
   const Entry* FindEntry(std::string_view name, bool fresh = false);
-  // Whether all names are in small letters, as on a server that folds names without quotes. New names follow.
+  // Whether all names are lower case, as on a server that folds unquoted names. New names then are, too.
   bool IsFolded();
   std::vector<std::string> PrimaryKeyOf(const jet_sql::KnownRelation& table);
-  // The columns that identify a row of the table: its primary key, else ID.
+  // The columns that identify a row: the primary key, else ID.
   std::vector<std::string> KeyOf(const jet_sql::KnownRelation& table);
 
-  // Texts of saved queries that the server keeps beside its views; see SavedQueries.
+  // Texts of saved queries that are stored on the server beside the views; see SavedQueries.
   struct StoredText {
     std::string text;
-    bool bound = true;  // false: the query names something missing, and its view returns no rows
+    bool bound = true;  // false: the query refers to something missing; its view returns no rows
   };
   const StoredText* FindStoredText(std::string_view viewName);
 
-  // Whether saved queries are replaced by their texts, as they are while a view is made, so that none of our
-  // views depends on another.
+  // Whether saved queries are expanded to their texts, as they are while a view is created, so that no view
+  // of ours depends on another.
   void ReadQueriesByText(bool byText);
 
   SavedTexts& Texts() { return *m_texts; }
@@ -65,7 +66,7 @@ class Schema final : public jet_sql::Relations {
   bool m_entriesRead = false, m_byText = false;
   std::multimap<std::string, Entry> m_entries;                                 // by folded name
   std::optional<std::map<std::string, StoredText>> m_stored;                   // by the view's own name
-  std::map<std::string, std::unique_ptr<jet_sql::KnownRelation>> m_relations;  // by name as asked for
+  std::map<std::string, std::unique_ptr<jet_sql::KnownRelation>> m_relations;  // by the name in the statement
 };
 
 }  // namespace kxrestore::engine::odbc

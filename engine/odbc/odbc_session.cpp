@@ -15,7 +15,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kGroupTime(100);
-// A statement for one row that takes much longer than usual has waited for a lock.
+// A statement on one row that takes much longer than usual has waited for a lock.
 constexpr milliseconds kNoLockWait(20);
 constexpr int kMaxTries = 6;
 constexpr int kMaxNames = 200;
@@ -69,7 +69,7 @@ void Session::Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) noex
   statement->CloseCursor();
   try {
     PlanCache<Plan>::Keep(plan, std::move(statement));
-  } catch (const std::bad_alloc&) {  // the statement is prepared again the next time
+  } catch (const std::bad_alloc&) {  // the statement is prepared again next time
   }
 }
 
@@ -112,8 +112,8 @@ std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value
     const Failure failure = FailureOf(outcome.Diagnostics());
     if (failure == Failure::kConflict || failure == Failure::kLock) SpendLockWait(start, failure);
     if (!MayTryAgain(failure, tried)) RaiseFailure(outcome, statement.Sql());
-    // Two connections waited for each other's rows. The statements of this group are repeated one by one,
-    // each committed by itself, so that no row stays locked while another is waited for.
+    // Two connections waited for each other's rows. The statements of this group are repeated and committed
+    // one by one, so that no row stays locked while waiting for another.
     if (m_inGroup) Replay(std::exchange(m_group, {}));
     PauseBeforeTry(tried);
   }
@@ -122,7 +122,7 @@ std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value
   m_group.push_back(std::move(write));
   try {
     CommitIfDue();
-  } catch (const std::bad_alloc&) {  // the commit is tried again with the next statement
+  } catch (const std::bad_alloc&) {  // the commit is retried with the next statement
   }
   return rows;
 }
@@ -184,14 +184,14 @@ RowReader& Session::ReadCatalog(OdbcStatement& statement, StatementData::Catalog
   return statement.Rows();
 }
 
-// ---- trying again
+// ---- retrying
 
 bool Session::MayTryAgain(Failure failure, int tried) const {
   return failure == Failure::kConflict && m_transactionOwner == nullptr && tried < kMaxTries &&
          !m_action->locks.IsSpent();
 }
 
-// The pause grows, so that connections in each other's way do not meet again at once.
+// The pause grows, so that competing connections do not collide again immediately.
 void Session::PauseBeforeTry(int tried) {
   const auto start = Clock::now();
   m_connection.Pause(milliseconds(5 << tried));
@@ -222,10 +222,10 @@ void Session::BeginGroup() {
   m_due = Clock::now() + kGroupTime;
 }
 
-// Undoes the transaction. If that fails, a later commit might include its changes, so the connection is given
-// up.
+// Rolls the transaction back. If that fails, a later commit might include its changes, so the connection is
+// abandoned.
 void Session::Undo() noexcept {
-  m_lockLimit = milliseconds(0);  // a limit that was set in the transaction is undone with it
+  m_lockLimit = milliseconds(0);  // a limit set in the transaction is rolled back with it
   try {
     if (IsLost()) return;
     if (m_connection.EndTransaction(false).Failed()) m_connection.GiveUp();
@@ -237,7 +237,7 @@ void Session::Undo() noexcept {
 void Session::Replay(const std::vector<GroupedWrite>& writes) {
   m_inGroup = false;
   try {
-    m_streaming.Detach();  // after a stop the recordset raises it at the first missing row
+    m_streaming.Detach();  // after a stop the recordset raises the error at the first missing row
     Undo();
     for (const GroupedWrite& write : writes) WriteAgain(write);
     if (!writes.empty()) ++m_commits.committed;
@@ -283,15 +283,15 @@ CommitCounts Session::Commits() const {
   return {m_commits.committed, m_commits.lost + (IsLost() && !m_group.empty() ? 1 : 0)};
 }
 
-// Of two losses that are reported together the later one gives the words.
+// Of two losses that are reported together, the later one provides the message.
 void Session::NoteLoss(int number, std::string words) {
   ++m_commits.lost;
   m_lossNumber = number;
   m_lossWords = std::move(words);
 }
 
-// A failure is noted, not thrown. Throws what the callback throws, and std::bad_alloc before anything is
-// done.
+// Records a failure instead of throwing it. Throws what the callback throws, and std::bad_alloc before doing
+// anything.
 void Session::CommitGroup() {
   if (!m_inGroup) return;
   if (!IsLost()) m_streaming.Detach();  // a commit closes the cursors of open recordsets
@@ -368,7 +368,7 @@ void Session::UndoTransaction() {
   m_transactionOwner = nullptr;
   m_lockLimit = milliseconds(0);
   *m_texts = std::move(m_textsBefore);
-  ForgetPlans();  // the rollback may have changed saved queries back
+  ForgetPlans();  // the rollback may have restored saved queries
   Outcome outcome;
   try {
     outcome = m_connection.EndTransaction(false);

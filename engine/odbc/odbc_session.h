@@ -1,4 +1,4 @@
-// One connection to a server with its prepared statements, its open recordsets and its pending commit.
+// A connection to a server with its prepared statements, its open recordsets and its pending commit.
 #pragma once
 
 #include <chrono>
@@ -23,23 +23,23 @@
 
 namespace kxrestore::engine::odbc {
 
-// What the sessions of one user action share.
+// Shared by the sessions of one user action.
 struct ActionState {
   explicit ActionState(std::chrono::milliseconds lockWaits) : locks(lockWaits) {}
   LockBudget locks;
   std::map<std::string, std::shared_ptr<SavedTexts>> texts;  // by connect string
 };
 
-// Errors of every function that talks to the server: those of Connection::Run, and the driver's, see
+// Every function that accesses the server raises the errors of Connection::Run, and the driver's, see
 // RaiseOdbc.
 class Session {
  public:
-  // `connect` begins with "ODBC;". `action`: of the user action that the session is kept for, in which
-  // updates may wait for a common commit; null for a session that stands alone. `waiting`: what to call while
-  // the server takes long; null for nothing.
+  // `connect` begins with "ODBC;". `action`: the user action that the session is kept for, in which updates
+  // may wait for a common commit; null for a standalone session. `waiting`: callback while the server takes
+  // long, or null.
   explicit Session(std::string_view connect, std::shared_ptr<ActionState> action = nullptr,
                    std::shared_ptr<const Waiting> waiting = nullptr, const Waits& waits = {});
-  ~Session();  // undoes what is not committed
+  ~Session();  // rolls back what is not committed
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
@@ -50,54 +50,55 @@ class Session {
   const jet_sql::ServerDialect& Dialect() const { return *m_dialect; }
   Schema& Tables() { return m_schema; }
   bool IsLost() const { return m_connection.IsLost(); }  // the server is gone; a new session is needed
-  // Whether changes wait for their commit, or were lost without a report so far.
+  // Whether changes are uncommitted, or were lost and not yet reported.
   bool HasUntold() const { return !m_group.empty() || m_lossNumber != 0; }
 
   using Use = StatementUse;
-  // The plan for a statement, whose values are in Values() until the next call.
+  // The plan for a statement. Its values are in Values() until the next call.
   std::shared_ptr<Plan> FindPlan(const Sql& sql, Use use, const ColumnNames& read = {});
   const std::vector<Value>& Values() const { return m_plans.Values(); }
   std::unique_ptr<OdbcStatement> Acquire(Plan& plan);
   static void Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) noexcept;
   void ForgetPlans();  // after a change of the schema
 
-  // Whether the next result is fetched from the server in pieces, which costs round trips and saves memory,
-  // where the driver would otherwise fetch all rows at once.
+  // Whether the next result is fetched in pieces, which costs round trips but saves memory where the driver
+  // would otherwise fetch all rows at once.
   void FetchPiecewise(bool piecewise);
   bool FetchesPiecewise() const { return m_piecewise; }
   // A new name for a prepared statement; empty where the server does not prepare by name.
   std::string NameForPrepared();
 
-  // Makes a call of the driver, see Connection::Run. A stop cancels `statement` unless that would undo more
+  // Makes a driver call, see Connection::Run. A stop cancels `statement` unless that would roll back more
   // than the statement.
   Outcome Run(Connection::Call call, const std::shared_ptr<StatementData>& statement);
   void GiveTurn() { m_connection.GiveTurn(); }
   [[noreturn]] void RaiseFailure(const Outcome& outcome, std::string_view piece) const;
 
-  // Executes a reading statement. False when the tables have changed since it was prepared; then `failed`
+  // Executes a reading statement. False when the tables have changed since it was prepared; `failed` then
   // holds the driver's error.
   bool RunRead(OdbcStatement& statement, const std::vector<Value>& values, Outcome& failed);
-  // Executes a writing statement, in the group or at once; the number of rows changed.
+  // Executes a writing statement, in the group or with a commit of its own. Returns the number of rows
+  // changed.
   std::int64_t RunWrite(OdbcStatement& statement, const std::vector<Value>& values);
-  // Runs statements that belong together and change the schema; all of them or none.
+  // Runs statements that change the schema, as one transaction.
   void RunSchemaChange(const std::vector<std::string>& statements);
-  // Rows of a short question to the server itself, as texts.
+  // Rows of a short query on the server itself, as texts.
   std::vector<std::vector<std::string>> Ask(const std::string& sql, const std::vector<Value>& values = {});
   // Rows of one of the driver's catalog functions.
   RowReader& ReadCatalog(OdbcStatement& statement, StatementData::CatalogFunction function);
 
   StreamingList& Streaming() { return m_streaming; }
 
-  // The transaction of one database. No group is committed while it lasts, and it may outlive the action.
+  // The transaction of a database. No group is committed during it, and it may outlast the action.
   void BeginTransaction(const Database& owner);
   void CommitTransaction();
   void UndoTransaction();
   const Database* TransactionOwner() const { return m_transactionOwner; }
 
-  // A commit that fails, and changes that were lost with the connection, are raised by one of these, once.
-  void Idle();       // commits what has waited long enough
+  // Each raises, once, a failed commit and changes that were lost with the connection.
+  void Idle();       // commits groups that are due
   void Flush();      // commits
-  void EndGroups();  // commits for good
+  void EndGroups();  // commits and ends grouping
   CommitCounts Commits() const;
 
  private:
@@ -120,7 +121,7 @@ class Session {
   void CommitIfDue();
   void NoteLoss(int number, std::string words);
   void TellLoss();
-  void DetachStreaming();  // error 3059 when the user stops it
+  void DetachStreaming();  // error 3059 when the user stops
   void Replay(const std::vector<GroupedWrite>& writes);
   void WriteAgain(const GroupedWrite& write);
   bool MayTryAgain(Failure failure, int tried) const;
@@ -133,20 +134,20 @@ class Session {
   Connection m_connection;
   bool m_piecewise = false;
   int m_namesGiven = 0;
-  std::chrono::milliseconds m_lockLimit{0};  // what the server was told; 0 for nothing
-  Clock::duration m_usualTime{};             // the shortest time of a statement so far
+  std::chrono::milliseconds m_lockLimit{0};  // as set on the server; 0: not set
+  Clock::duration m_usualTime{};             // shortest execution time so far
   ServerFacts m_facts;
   std::unique_ptr<jet_sql::ServerDialect> m_dialect;
   Schema m_schema;
   StreamingList m_streaming;
   PlanCache<Plan> m_plans;
   const Database* m_transactionOwner = nullptr;
-  SavedTexts m_textsBefore;  // as they were when the transaction began
+  SavedTexts m_textsBefore;  // at the start of the transaction
   bool m_inGroup = false;
   std::vector<GroupedWrite> m_group;
   Clock::time_point m_due;
   CommitCounts m_commits;
-  int m_lossNumber = 0;  // of a lost group that nobody has been told of; 0 for none
+  int m_lossNumber = 0;  // of a lost group that is not yet reported; 0: none
   std::string m_lossWords;
 };
 

@@ -1,4 +1,4 @@
-// A statement of a session: prepared once, executed with values, its rows fetched in blocks.
+// A statement of a session: prepared once, executed with values, rows fetched in blocks.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,8 @@ namespace kxrestore::engine::odbc {
 
 class Session;
 
-// Must not outlive its session. Errors of the functions that execute: those of Session::Run; an error of the
-// driver is in the outcome.
+// Must not outlive its session. Functions that execute raise the errors of Session::Run; a driver's error is
+// returned in the outcome.
 class OdbcStatement {
  public:
   OdbcStatement(Session& session, std::string_view sql);
@@ -26,17 +26,17 @@ class OdbcStatement {
 
   const std::string& Sql() const { return m_data->Sql(); }
 
-  // Executes, preparing first if that has not been done.
+  // Executes; prepares first if necessary.
   Outcome Execute(const std::vector<Value>& values);
-  // The same for a statement that returns rows: its first block is fetched as well.
+  // The same for a statement that returns rows; also fetches the first block.
   Outcome ExecuteReading(const std::vector<Value>& values);
-  // Executes without preparing, for statements that servers do not prepare.
+  // Executes without preparing, for statements that servers cannot prepare.
   Outcome ExecuteDirect();
   // Calls one of the driver's catalog functions instead.
   Outcome ExecuteCatalog(StatementData::CatalogFunction function);
 
   std::int64_t RowCount() const { return m_data->ChangedRows(); }
-  // The rows of the execution; they stand before the first.
+  // The rows of the execution, positioned before the first.
   RowReader& Rows();
   void CloseCursor() noexcept;
 

@@ -10,12 +10,12 @@ namespace kxrestore::engine::odbc {
 namespace {
 
 constexpr std::string_view kHidden = "***";
-// A shorter piece of a password says too little, and hiding it would make the text unreadable.
+// A shorter part of a password reveals too little, and removing it would make texts unreadable.
 constexpr std::size_t kMinPiece = 3;
 
 struct Character {
   char32_t folded;
-  std::size_t end;  // the byte behind it
+  std::size_t end;  // the byte after it
 };
 
 std::vector<Character> Characters(std::string_view text) {
@@ -43,7 +43,7 @@ bool IsPasswordKeyword(std::string_view keyword) {
   return EqualIgnoringCase(Trimmed(keyword), "PWD") || EqualIgnoringCase(Trimmed(keyword), "PASSWORD");
 }
 
-// Whether a piece between semicolons is a setting of its own rather than the rest of a password.
+// Whether a part between semicolons is a setting of its own rather than the rest of a password.
 bool NamesKeyword(std::string_view piece) {
   if (piece.find('=') == std::string_view::npos) return false;
   const std::string_view keyword = Trimmed(SplitAt(piece, '=').first);
@@ -74,7 +74,7 @@ bool NamesKeyword(std::string_view piece) {
                      [&](const char* known) { return EqualIgnoringCase(known, keyword); });
 }
 
-// A value in braces up to its closing brace, a doubled one being part of the value; empty when there is none.
+// A value in braces up to its closing brace; a doubled brace is part of the value. Empty when there is none.
 std::string_view Braced(std::string_view value) {
   if (value.empty() || value.front() != '{') return {};
   for (std::size_t i = 1; i < value.size(); ++i) {
@@ -100,8 +100,8 @@ int HexDigit(char32_t character) {
   return -1;
 }
 
-// The folded character that is percent-encoded at `at`, and how many characters of the text it takes; 0 for
-// none.
+// The case-folded character that is percent-encoded at `at`, and how many characters of the text it takes; 0
+// for none.
 std::pair<char32_t, std::size_t> PercentDecoded(const std::vector<Character>& text, std::size_t at) {
   std::string bytes;
   for (std::size_t i = at; bytes.size() < 4 && i + 2 < text.size() && text[i].folded == U'%'; i += 3) {
@@ -115,8 +115,8 @@ std::pair<char32_t, std::size_t> PercentDecoded(const std::vector<Character>& te
   return {FoldCase(character), used * 3};
 }
 
-// Where the value ends that begins at `at`; `at` itself when it does not stand there. A text that ends within
-// the value counts as soon as `kMinPiece` characters of it are there.
+// The end of the value that begins at `at`; `at` itself when it does not occur there. A text that ends within
+// the value counts if at least `kMinPiece` characters of it are present.
 std::size_t MatchEnd(const std::vector<Character>& text, std::size_t at, std::u32string_view value) {
   constexpr std::u32string_view kQuoted = U"}'\"]\\`";
   std::size_t i = at;
@@ -161,7 +161,7 @@ Password::Password(std::string_view connect) {
                    [](const std::u32string& a, const std::u32string& b) { return a.size() > b.size(); });
 }
 
-// `values`: the connect string behind "PWD=".
+// `values`: the connect string after "PWD=".
 void Password::AddPieces(std::string_view values) {
   Add(SplitAt(values, ';').first, 1);
   std::size_t size = 0;  // of the whole password

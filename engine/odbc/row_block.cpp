@@ -13,7 +13,7 @@ using jet_sql::ValueKind;
 
 constexpr std::size_t kBlockBytes = 1 << 21;
 constexpr std::size_t kMinBlockRows = 16, kMaxBlockRows = 512;
-constexpr std::size_t kMaxBoundText = 512;  // characters; longer columns are bound for what is usual
+constexpr std::size_t kMaxBoundText = 512;  // characters; longer columns get a buffer of the usual size
 constexpr std::size_t kUsualText = 256;
 constexpr std::size_t kFlagCharacters = 8;
 
@@ -88,8 +88,8 @@ Outcome RowBlock::Begin(StatementHandle& statement) {
     if (outcome.Failed()) return outcome;
     m_isBound = true;
   }
-  // The block's size is set after the execution: asked for before it, some drivers would open a cursor on the
-  // server instead of sending the rows.
+  // Set the block's size after the execution: if it is set before, some drivers open a cursor on the server
+  // instead of sending the rows.
   outcome = statement.SetAttribute(SQL_ATTR_ROW_ARRAY_SIZE, m_maxRows);
   if (outcome.Failed() || count == 0) return outcome;
   return Fetch(statement);
@@ -130,7 +130,7 @@ Outcome RowBlock::Bind(StatementHandle& statement) {
     }
     rowBytes += column.width + sizeof(SQLLEN);
   }
-  // A power of two, so that no block spans two of the pieces that the driver fetches from the server.
+  // A power of two, so that no block spans two of the portions that the driver fetches from the server.
   m_maxRows =
       m_isPiecewise ? 1 : std::bit_floor(std::clamp(kBlockBytes / rowBytes, kMinBlockRows, kMaxBlockRows));
   Outcome outcome = statement.SetFetchedCount(&m_fetched);
@@ -168,8 +168,8 @@ Outcome RowBlock::ReadPiecewise(StatementHandle& statement) {
   return {};
 }
 
-// In UTF-16 even where bytes are bound: the driver's later pieces of bytes end in a zero that is not the
-// text's.
+// UTF-16 even where bytes are bound: the driver's further pieces of bytes end in a zero that is not part of
+// the text.
 Outcome RowBlock::ReadLongText(StatementHandle& statement, std::size_t column, std::size_t row) {
   std::array<char16_t, 2048> piece;
   std::u16string& whole = m_columns[column].longText;
@@ -192,7 +192,7 @@ Outcome RowBlock::ReadLongText(StatementHandle& statement, std::size_t column, s
     whole.append(piece.data(), more ? piece.size() - 1 : static_cast<std::size_t>(left) / sizeof(char16_t));
     if (!more) break;
   }
-  // In blocks the buffer still says that the text did not fit.
+  // In blocks, the buffer still records that the text did not fit.
   if (m_isPiecewise) size = static_cast<SQLLEN>(whole.size() * sizeof(char16_t));
   return {};
 }

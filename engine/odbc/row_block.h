@@ -1,6 +1,6 @@
-// The columns of an executed statement and a block of its rows, in the buffers that the driver fills. Kept
-// from execution to execution. The thread of the connection calls the functions; between its calls anybody
-// may read.
+// The columns of an executed statement and a block of its rows, in the buffers that the driver fills. Reused
+// from execution to execution. The functions are called on the connection's thread; between its calls any
+// thread may read.
 #pragma once
 
 #include <cstdint>
@@ -20,11 +20,11 @@ struct ColumnType {
   jet_sql::ValueKind kind = jet_sql::ValueKind::kUnknown;
   bool isInteger = false;      // of numbers
   bool isShort = false;        // of at most 32 bits
-  bool isPlainText = false;    // PostgreSQL's types that hold nothing but a text
-  std::size_t characters = 0;  // of texts; 0 when they may have any length
+  bool isPlainText = false;    // PostgreSQL's plain text types
+  std::size_t characters = 0;  // maximum length of texts; 0: unlimited
 };
 
-// The kind of a column by its type's number and name: drivers differ in how they tell Booleans.
+// The kind of a column from its type's number and name: drivers differ in how they report Booleans.
 jet_sql::ValueKind KindOfType(SQLSMALLINT type, std::string_view typeName);
 
 struct ColumnBuffer {
@@ -42,18 +42,18 @@ class RowBlock {
   RowBlock(bool textsAsBytes, bool readsPartsInBlocks)
       : m_textsAsBytes(textsAsBytes), m_readsPartsInBlocks(readsPartsInBlocks) {}
 
-  // After each execution: describes and binds the columns if their number is another, and fetches the first
-  // block.
+  // Call after each execution: describes and binds the columns if their number has changed, and fetches the
+  // first block.
   Outcome Begin(StatementHandle& statement);
   Outcome Fetch(StatementHandle& statement);
-  // Reads a text that did not fit its buffer into `longText`, null or not into `sizes`.
+  // Reads a text that did not fit its buffer into `longText`, and whether it is null into `sizes`.
   Outcome ReadLongText(StatementHandle& statement, std::size_t column, std::size_t row);
 
   const std::vector<ColumnType>& Types() const { return m_types; }
   const ColumnBuffer& Column(std::size_t index) const { return m_columns[index]; }
   std::size_t RowCount() const { return m_isAtEnd ? 0 : m_isPiecewise ? 1 : m_fetched; }
   bool IsLast() const { return m_isAtEnd || (!m_isPiecewise && m_fetched < m_maxRows); }
-  // Whether the driver hands out long texts only column by column, row by row.
+  // Whether the driver returns long texts only column by column and row by row.
   bool IsPiecewise() const { return m_isPiecewise; }
 
  private:

@@ -23,7 +23,7 @@ std::string Terminated(std::string_view sql) {
   return std::string(sql) + ";";
 }
 
-// The server's own text of a view: a CREATE VIEW statement, or what stands behind its AS.
+// The server's own text of a view: a CREATE VIEW statement, or what follows its AS.
 std::string Definition(Session& session, const Schema::Entry& entry) {
   const ServerFacts& facts = session.Facts();
   std::vector<Value> values = {entry.name};
@@ -59,7 +59,7 @@ std::string EmptyBody(const Session& session, const std::vector<std::string>& co
   return (body.empty() ? "SELECT NULL AS Expr1000" : body) + " WHERE 1 = 0";
 }
 
-// The view's name, followed by its column names where those have to be folded like it.
+// The view's name, followed by its column names if they have to be folded like it.
 std::string NameWithColumns(Session& session, const std::string& quoted,
                             const std::vector<std::string>& columns) {
   if (columns.empty() || !session.Tables().IsFolded()) return quoted;
@@ -142,7 +142,7 @@ void CreateSavedQuery(Session& session, std::string_view name, std::string_view 
   const bool freed = texts.freed.contains(folded);
   for (int tried = 1;; ++tried) {
     const Schema::Entry* entry = session.Tables().FindEntry(name, true);
-    // Another dialog may have made its own query of that name since this one deleted it.
+    // Another dialog may have created its own query of that name since this one deleted it.
     const bool replaces = entry != nullptr && freed && !entry->isTable &&
                           session.Tables().FindStoredText(entry->name) != nullptr;
     if (entry != nullptr && !replaces) {

@@ -1,12 +1,12 @@
-// Saved queries of a server catalog. Each is a view, so that other programs see it. Its body reads tables and
-// views of other programs only: a saved query of ours that it names is written out in it. So a query can be
-// deleted while others of ours name it. Deleting never takes another program's view along: a view that such a
-// view depends on is not deleted, and the server's words are the error.
+// Saved queries of a server catalog. Each is a view, so that other programs see it. Its body refers to tables
+// and other programs' views only: saved queries of ours are expanded in it, so that a query can be deleted
+// while others refer to it. Deleting never drops another program's view: if one depends on the query's view,
+// the query is not deleted, and the server's message is the error.
 //
-// On PostgreSQL the view's comment keeps the query's own text, and a query that names something missing is a
-// view without rows. Changes of the schema are short transactions that wait for each other, and within one
-// user action a query is read by its text. So two dialogs that make queries of the same name do not disturb
-// each other; the view that remains is that of the later one.
+// On PostgreSQL the view's comment holds the query's own text, and a query that refers to something missing
+// is a view without rows. Schema changes are short, serialised transactions, and within one user action a
+// query is read by its text. So two dialogs that create queries of the same name do not affect each other;
+// the later view remains.
 #pragma once
 
 #include <map>
@@ -17,7 +17,7 @@
 
 namespace kxrestore::engine::odbc {
 
-// What the server itself shows of a view, in the catalog's dialect.
+// The definition of a view as the server reports it, in the catalog's dialect.
 std::string ViewText(Session& session, const Schema::Entry& view);
 
 std::string SavedQueryText(Session& session, std::string_view name);

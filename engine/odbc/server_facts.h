@@ -1,4 +1,4 @@
-// What a driver reports of its server, as far as statements and cursors depend on it.
+// Properties of the server, as reported by its driver, that statements and cursors depend on.
 #pragma once
 
 #include <memory>
@@ -12,17 +12,17 @@ constexpr std::size_t kQueryTimeout = 60;  // seconds
 
 struct ServerFacts {
   std::string dbms;                    // SQL_DBMS_NAME
-  bool foldsToLower = false;           // names that are not quoted
+  bool foldsToLower = false;           // unquoted names
   bool onlyOneActive = false;          // one statement at a time may have rows to fetch
   bool fetchesAllAtOnce = false;       // the driver fetches a whole result unless told otherwise
   bool textsAsBytes = false;           // texts can be fetched in UTF-8, without conversion from UTF-16
-  bool serverKeepsTime = false;        // the server itself ends a statement that takes too long
-  bool preparesByName = false;         // by statements of the server's own, see StatementData
+  bool serverKeepsTime = false;        // the server enforces time limits of statements
+  bool preparesByName = false;         // with the server's PREPARE, see StatementData
   bool readsPartsInBlocks = false;     // long texts can be read out of a block of rows
-  bool undoesStatementsAlone = false;  // a statement that fails leaves the rest of its transaction intact
+  bool undoesStatementsAlone = false;  // a failing statement does not abort its transaction
   // Of PostgreSQL
   jet_sql::PostgresDialect::Order order = jet_sql::PostgresDialect::Order::kOwn;
-  bool foldsAsciiOnly = false;  // it knows no case of other letters, but has a collation that does
+  bool foldsAsciiOnly = false;  // its lower() folds ASCII only, but a collation folds all
   std::string patternEscape;    // of the catalog functions
   // Of SQL Server
   bool mindsCase = false;  // the database's collation is case-sensitive
@@ -33,7 +33,7 @@ struct ServerFacts {
   bool IsSqlServer() const { return dbms == "Microsoft SQL Server"; }
 };
 
-// The one place where a server's dialect is chosen; error 3146 for a server of another make.
+// The only place where a server's dialect is chosen; error 3146 for an unsupported server.
 std::unique_ptr<jet_sql::ServerDialect> MakeDialect(const ServerFacts& facts);
 
 }  // namespace kxrestore::engine::odbc

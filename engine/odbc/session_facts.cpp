@@ -1,4 +1,4 @@
-// The part of Session that asks the driver and the server what they can do, and configures them.
+// The part of Session that queries the properties of driver and server, and configures them.
 #include <array>
 
 #include "engine/odbc/odbc_session.h"
@@ -21,7 +21,7 @@ struct DriverReport {
   std::uint32_t identifierCase = 0, activities = 0, parts = 0;
 };
 
-// Drivers may lack any of these facts; only the server's name is indispensable.
+// Drivers may lack any of these properties; only the server's name is required.
 Outcome ReadReport(DriverHandles& handles, DriverReport& report) {
   const ConnectionHandle& connection = handles.connection;
   connection.GetInfo(SQL_DRIVER_NAME, report.driver).Ignore();
@@ -47,8 +47,8 @@ Outcome ReadBytes(StatementHandle& statement, std::string_view sql, std::string&
 
 }  // namespace
 
-// Whether a text that is fetched as bytes comes in UTF-8: a driver may convert it to the encoding of the
-// process, or not hand out bytes at all.
+// Whether a text that is fetched as bytes is UTF-8: a driver may convert it to the encoding of the process,
+// or not return bytes at all.
 bool Session::HandsOutUtf8() {
   constexpr std::string_view kEveryKind = "a\xC3\xA4\xD0\xB6\xE2\x82\xAC\xE6\xBC\xA2\xF0\x9F\x98\x80";
   const auto bytes = std::make_shared<std::string>();
@@ -95,7 +95,8 @@ void Session::ReadPostgresFacts(bool isPsqlodbc) {
   if (isPsqlodbc) {
     m_facts.fetchesAllAtOnce = m_facts.preparesByName = m_facts.serverKeepsTime = true;
     m_facts.undoesStatementsAlone = true;
-    // The driver sends a prepared statement behind a savepoint of its own, plain text together with one.
+    // The driver sends a savepoint before a prepared statement separately, before plain text together with
+    // it.
     const auto choose = [](DriverHandles& handles) {
       Outcome outcome = handles.connection.SetAttribute(kPostgresServerSidePrepare, 0);
       if (outcome.Failed()) return outcome;
@@ -108,13 +109,12 @@ void Session::ReadPostgresFacts(bool isPsqlodbc) {
   const auto rows = Ask(
       "SELECT current_schema(), datcollate, datctype, (SELECT count(*) FROM pg_catalog.pg_collation WHERE "
       "collname = 'und-x-icu'), current_setting('client_encoding'), current_setting('server_encoding'), "
-      // Plan for whole listings, not for their first rows.
+      // Optimise for whole listings, not for their first rows.
       "set_config('cursor_tuple_fraction', '1', false), "
       "set_config('lock_timeout', '" +
       std::to_string(m_lockLimit.count()) +
       "', false), "
-      // The server notices within about a minute that the network has lost this program, and unlocks its
-      // rows.
+      // Within about a minute the server notices a broken network connection and unlocks this program's rows.
       "set_config('tcp_keepalives_idle', '30', false), set_config('tcp_keepalives_interval', '10', false), "
       "set_config('tcp_keepalives_count', '3', false), "
       // A server that is compiling a statement does not react to a cancel.
@@ -147,8 +147,8 @@ void Session::FetchPiecewise(bool piecewise) {
   m_piecewise = piecewise;
 }
 
-// Tells the server how long the next statement may wait for a lock. Servers without such a setting are bound
-// by the time of the statement.
+// Sets the time that the next statement may wait for a lock. Servers without this setting are bound by the
+// time limit of the statement.
 void Session::LimitLockWaits() {
   const milliseconds left = std::max(m_action->locks.Left(), milliseconds(1));
   if (m_lockLimit.count() > 0 && std::chrono::abs(m_lockLimit - left) < kLockStep && left > kLockStep) return;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kMaxShortText = 4000;  // characters
 
-// $1, $2... in the place of the markers.
+// Replaces the markers by $1, $2...
 std::string WithNumberedMarkers(std::string_view sql) {
   std::string numbered;
   int count = 0;
@@ -96,7 +96,7 @@ Outcome StatementData::Prepare(DriverHandles& handles, const std::shared_ptr<Sta
   Outcome outcome = self->m_handle.Allocate(handles.connection);
   if (outcome.Failed()) return outcome;
   handles.statements.push_back(self);
-  // A driver that cannot keep the time leaves it to the limit of the call.
+  // A driver without time limits is bound by the limit of the call.
   if (self->m_timeout > 0) self->m_handle.SetAttribute(SQL_ATTR_QUERY_TIMEOUT, self->m_timeout).Ignore();
   return {};
 }
@@ -110,7 +110,7 @@ Outcome StatementData::Give(Text text) {
   return outcome;
 }
 
-// A statement that the server does not prepare is executed as it stands, and that tells what is wrong with
+// A statement that the server does not prepare is executed as plain text, which reports what is wrong with
 // it.
 void StatementData::PrepareByName(DriverHandles& handles) {
   const std::string name = std::exchange(m_name, {});
@@ -136,7 +136,7 @@ Outcome StatementData::Execute(DriverHandles& handles, const std::shared_ptr<Sta
   if (outcome.Failed()) return outcome;
   outcome = data.m_handle.Execute();
   if (outcome.Failed() && named && FailureOf(outcome.Diagnostics()) == Failure::kStatement) {
-    // A value may not fit its parameter where it could be compared as plain text.
+    // A value may not fit its parameter's type although it could be compared as plain text.
     data.m_namable = false;
     data.m_call.clear();
     outcome = data.Give(Text::kOwn);

@@ -1,6 +1,5 @@
-// A statement as the thread of its connection works on it: the handle, the values bound to its parameters and
-// the rows that come back. It lives until that thread has freed the handle, whoever else lets go of it
-// before.
+// A statement as the connection's thread uses it: the handle, the values bound to its parameters, and its
+// rows. It exists until that thread has freed the handle, even if all other owners have released it before.
 #pragma once
 
 #include <atomic>
@@ -21,7 +20,7 @@ namespace kxrestore::engine::odbc {
 
 struct DriverHandles;
 
-// Values of a statement's parameters, where the driver finds them while it executes.
+// Values of a statement's parameters, at the addresses where the driver reads them during execution.
 class BoundValues {
  public:
   void Set(const std::vector<Value>& values);
@@ -44,10 +43,9 @@ class BoundValues {
   std::size_t m_count = 0;
 };
 
-// The driver for PostgreSQL sends a statement that it has prepared on the server behind a savepoint, which
-// costs a round trip of its own; plain text goes together with its savepoint, but the server plans it anew
-// each time. So a statement that is executed again is prepared by name with the server's PREPARE, and the
-// plain text is its EXECUTE.
+// PostgreSQL's driver sends a separate savepoint, and so a round trip, before a statement prepared on the
+// server. Plain text is sent together with its savepoint, but the server plans it each time. So a statement
+// that is executed again is prepared by name with the server's PREPARE, and its plain text is EXECUTE.
 class StatementData {
  public:
   using CatalogFunction = std::function<Outcome(StatementHandle&)>;
@@ -61,7 +59,7 @@ class StatementData {
   void SetValues(const std::vector<Value>& values) { m_values.Set(values); }
   const RowBlock& Rows() const { return m_rows; }
   std::int64_t ChangedRows() const { return m_changedRows; }
-  // Both are carried out by the thread before its next call.
+  // Both are done by the thread before its next call.
   void AskToClose() { m_closing = true; }
   void AskToFree() { m_freeing = true; }
 
@@ -77,11 +75,11 @@ class StatementData {
   }
   StatementHandle& RawHandle() { return m_handle; }
   Outcome Cancel() { return m_handle.Cancel(); }
-  // What was asked for; whether the statement is to be forgotten.
+  // Carries out pending requests; returns whether the statement is to be dropped.
   bool Tidy(Outcome& outcome);
 
  private:
-  enum class Text { kNone, kOwn, kCall };  // what the driver was given
+  enum class Text { kNone, kOwn, kCall };  // what was passed to the driver
 
   static Outcome Prepare(DriverHandles& handles, const std::shared_ptr<StatementData>& self);
   Outcome Give(Text text);

@@ -30,7 +30,7 @@ const KnownRelation* OdbcTableFacts::FindTable(const std::string& name) {
   return relation != nullptr && relation->isTable ? relation : nullptr;
 }
 
-// Null when there is none, and when several columns differ in case only.
+// Null when there is none, or when several columns differ only in case.
 const KnownColumn* OdbcTableFacts::FindColumn(const std::string& table, const std::string& column) {
   const KnownRelation* relation = FindTable(table);
   const KnownColumn* found = nullptr;
@@ -43,7 +43,7 @@ const KnownColumn* OdbcTableFacts::FindColumn(const std::string& table, const st
   return found;
 }
 
-// Whether other tables of PostgreSQL's inherit from it.
+// Whether other PostgreSQL tables inherit from it.
 bool OdbcTableFacts::HasHeirs(const std::string& table) {
   const Schema::Entry* entry = m_session.Tables().FindEntry(table);
   if (entry == nullptr) return false;
@@ -61,7 +61,7 @@ bool OdbcTableFacts::IsRowKey(const std::string& table, const std::string& colum
   const KnownColumn* key = FindColumn(table, column);
   if (key == nullptr || !key->isWhole) return false;
   if (m_session.Tables().PrimaryKeyOf(*FindTable(table)) != std::vector<std::string>{key->name}) return false;
-  // A query also reads the rows of inheriting tables, which the key does not cover.
+  // A query also returns the rows of inheriting tables, which the key does not cover.
   return !m_session.Facts().IsPostgres() || !HasHeirs(table);
 }
 
@@ -70,7 +70,7 @@ bool OdbcTableFacts::ComparesExactly(const std::string& table, const std::string
   return known != nullptr && known->isWhole;
 }
 
-// On other servers texts that differ in trailing blanks may be equal.
+// On other servers texts that differ only in trailing blanks may be equal.
 bool OdbcTableFacts::MasksKeepGroups() const {
   return m_session.Facts().IsPostgres();
 }

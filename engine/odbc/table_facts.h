@@ -1,4 +1,4 @@
-// What a server says of its tables and views.
+// Properties of a server's tables and views.
 #pragma once
 
 #include "engine/jet_sql/meaning/table_facts.h"

@@ -1,4 +1,4 @@
-// How long the back end waits for a server.
+// Time limits for a server.
 #pragma once
 
 #include <chrono>
@@ -6,9 +6,9 @@
 namespace kxrestore::engine::odbc {
 
 struct Waits {
-  std::chrono::milliseconds login{22'000};  // the driver is told two seconds less
-  std::chrono::milliseconds call{65'000};   // the server is told five seconds less for a statement
-  std::chrono::milliseconds locks{3'000};   // for the locks of others, all waits of one user action together
+  std::chrono::milliseconds login{22'000};  // the driver's own limit is two seconds less
+  std::chrono::milliseconds call{65'000};   // the server's limit for a statement is five seconds less
+  std::chrono::milliseconds locks{3'000};   // others' locks, in total for one user action
 };
 
 }  // namespace kxrestore::engine::odbc

@@ -1,4 +1,4 @@
-// The automation back end itself: which engine it takes, what it says, and what it makes of the answers.
+// The automation back end: which engine version it selects, what it calls, and how it interprets results.
 #include <limits>
 
 #include "engine/dao/dao_backend.h"
@@ -115,7 +115,7 @@ TEST_F(Dao, BlocksOfASnapshot) {
   for (const std::size_t i : {0, 499, 500, 999, 1000, 1199}) {
     EXPECT_EQ(rows[i], std::to_string(i + 1) + "|tëxt " + std::to_string(i + 1));
   }
-  // A row that cannot be read is an error where it stands, not an early end.
+  // A row that cannot be read is an error at its position, not an early end.
   test.Run("UPDATE Numbers SET T = 'unreadable' WHERE N = 700");
   const auto recordset = database->OpenRecordset(all, RecordsetType::kSnapshot);
   for (int n = 1; n < 700; ++n, recordset->MoveNext()) ASSERT_EQ(recordset->Fields("N").Integer(), n);

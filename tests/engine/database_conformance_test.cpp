@@ -99,7 +99,7 @@ TEST_P(SavedQueryConformance, LivesAndDies) {
   EXPECT_EQ(Rows(*m_database, "SELECT P FROM Mine ORDER BY ID"), (Strings{"none", "Exchange Server"}));
   EXPECT_EQ(m_database->QueryText("MINE").back(), ';');
   EXPECT_EQ(m_test->Ask("SELECT P FROM Mine ORDER BY ID"), "none") << "other programs can read it";
-  // The text that is handed back makes the same query again.
+  // The returned text creates the same query again.
   const std::string text = m_database->QueryText("Mine");
   m_database->DeleteQueryDef("mINE");
   ExpectError(error_number::kTableNotFound, "Mine",

@@ -92,7 +92,7 @@ TEST_P(MaskConformance, EveryKindOfDatabaseFindsTheSame) {
               doubled(text, '\'') + "');";
   }
   m_test->Run(insert);
-  // The stand-in for the desktop engine keeps its queries in such a file, too.
+  // The stand-in for the desktop engine stores its queries in such a file, too.
   const bool isFile = GetParam().name == "Sqlite" || GetParam().name == "Dao";
   for (const MaskCase& one : MaskCases()) {
     const std::string condition = "File Like \"" + doubled(one.mask, '"') + "\"";

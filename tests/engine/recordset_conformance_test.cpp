@@ -63,7 +63,7 @@ TEST_P(RecordsetConformance, ColumnsThatNobodyReads) {
        {"Files"},
        1},
       {"SELECT Count(*) AS Files, 1 AS One FROM Catalog", {"One"}, 2},
-      // Rows that are told apart by all their columns, and columns that cannot be told apart.
+      // Rows identified by all their columns, and columns with the same name.
       {"SELECT DISTINCT Filename, ID FROM Catalog", {"Filename"}, 2},
       {"SELECT Filename, ID FROM Catalog UNION SELECT Name, ID FROM SetNames", {"Filename"}, 2},
       {"SELECT Catalog.ID, SetNames.* FROM SetNames INNER JOIN Catalog ON Catalog.SetNameID = SetNames.ID",
@@ -193,7 +193,7 @@ TEST_P(RecordsetConformance, ExecuteTellsHowManyRows) {
   const std::pair<std::string, int> cases[] = {
       {mark + "3));", 1},
       {mark + "-3));", 0},
-      {clear, 3},  // 1 and 7 both count as true, and what was just set
+      {clear, 3},  // 1 and 7 both count as true, and so does the row just set
       {clear, 0},
       {"INSERT INTO SetNames (ID, Name) VALUES (9, 'it''s \"new\"')", 1},
       {"DELETE FROM SetNames WHERE Name = 'it''s \"new\"'", 1}};
@@ -367,7 +367,7 @@ TEST_P(RecordsetConformance, ReadOnlyDatabase) {
   ExpectError(error_number::kReadOnly, "", [&] { dynaset->Edit(); });
 }
 
-// The desktop engine works on the calling thread and gives nobody a turn.
+// The desktop engine works on the calling thread and does not invoke the callback.
 TEST_P(RecordsetConformance, GivesTurnsWhileAStatementWorksAndCanBeStopped) {
   if (GetParam().name == "Dao") return;
   const char* const kLong =
@@ -379,7 +379,8 @@ TEST_P(RecordsetConformance, GivesTurnsWhileAStatementWorksAndCanBeStopped) {
   ExpectError(error_number::kCanceled, "canceled", [&] { Rows(*m_database, kLong); });
   EXPECT_GE(turns, 3);
   turns = -1'000'000;
-  m_database = m_workspace->OpenDatabase(m_test->Request());  // a server that is slow to stop is left behind
+  m_database = m_workspace->OpenDatabase(
+      m_test->Request());  // the connection of a server that is slow to stop is abandoned
   EXPECT_EQ(Rows(*m_database, kLong), Strings{"5764801"});
   EXPECT_GT(turns, -1'000'000);
   // What is left of a listing is read before a row is written.

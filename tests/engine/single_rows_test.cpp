@@ -164,7 +164,7 @@ TEST_P(SingleRows, AskedOfAServer) {
   ExpectAsked(2);
 }
 
-// Every kind but the desktop engine, which has nobody to ask.
+// Every kind but the desktop engine, which has no callback.
 std::vector<testing::TestDatabaseKind> Kinds() {
   auto kinds = testing::TestDatabaseKinds();
   std::erase_if(kinds, [](const testing::TestDatabaseKind& kind) { return kind.name == "Dao"; });

@@ -95,7 +95,7 @@ TEST_F(SqliteCommit, ABlockedCommitIsTriedAgainAndToldAtTheEnd) {
   m_workspace->EndAction();
   EXPECT_EQ(Marked(), "3,4");
 
-  // While marking goes on, no mark is told of what befalls those before it.
+  // During marking, no mark reports the loss of earlier ones.
   m_workspace->BeginAction();
   m_test->Run("BEGIN; SELECT count(*) FROM Catalog");
   Mark(1);

@@ -223,7 +223,7 @@ TEST_F(SqliteFile, ACatalogDoesNothingOfItsOwn) {
               [&] { database->Execute("UPDATE SetNames SET Name = 'x' WHERE ID = 1", kFailOnError); });
 }
 
-// A page that lies about its cells is found before it is used.
+// A page with inconsistent cells is detected before it is used.
 TEST_F(SqliteFile, CellsAreChecked) {
   m_test->Run("PRAGMA journal_mode = DELETE; VACUUM");
   const int page = std::stoi(m_test->Ask("SELECT rootpage FROM sqlite_schema WHERE name = 'SetNames'"));

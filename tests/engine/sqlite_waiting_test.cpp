@@ -34,7 +34,7 @@ class SqliteWaiting : public ::testing::Test {
     return m_test->Ask("SELECT group_concat(ID) FROM Catalog WHERE Restore = 1 ORDER BY ID");
   }
 
-  // From now on the program has its turns, and wants to go after `patience`.
+  // From now on the callback is invoked, and requests a stop after `patience`.
   void Watch(Clock::duration patience) {
     m_start = m_last = Clock::now();
     m_longest = {};

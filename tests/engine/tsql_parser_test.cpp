@@ -23,7 +23,7 @@ class TsqlParser : public ::testing::Test {
     }
   }
 
-  // "ok" or what is wrong, for each statement.
+  // "ok" or the problem, for each statement.
   Strings Check(const Strings& statements) const {
     const testing::TemporaryFolder folder;
     const std::string input = folder.File("statements"), output = folder.File("answers");
