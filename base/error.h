@@ -26,7 +26,7 @@ class Error : public std::exception {
 
 // The exception being handled, as an Error: error 7 for lack of memory, error 51 for any other foreign
 // exception. Call it in a catch block only.
-Error CurrentError() noexcept;
+[[nodiscard]] Error CurrentError() noexcept;
 
 // Numbers that code outside the engine raises or tests for. engine/error_numbers.h has the engine's own.
 namespace error_number {

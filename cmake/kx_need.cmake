@@ -2,8 +2,9 @@
 # names WHAT is missing, the group of scripts/setup.sh that installs it, and the variable to set otherwise.
 function(kx_need variable what group)
   if(NOT ${variable})
-    message(FATAL_ERROR "${what} is missing. On Debian scripts/setup.sh ${group} installs it; elsewhere install it or "
-                        "set ${variable}.")
+    string(REGEX REPLACE ".*_FOUND$" "CMAKE_PREFIX_PATH" place ${variable})
+    message(FATAL_ERROR "${what} is missing. On Debian scripts/setup.sh ${group} installs it; elsewhere install it and, "
+                        "if it is not found, set ${place}.")
   endif()
 endfunction()
 

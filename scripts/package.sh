@@ -18,7 +18,7 @@ while [[ $# -gt 0 ]]; do
     --password-file) passwordFile=${2:-} ;;
     *) fail "usage: package.sh [--sign CERTIFICATE.p12 --password-file FILE]" ;;
   esac
-  shift 2 || fail "an option wants a value"
+  shift 2 || fail "an option needs a value"
 done
 [[ -z $certificate || (-r $certificate && -r $passwordFile) ]] || fail "the certificate or its password cannot be read"
 

@@ -84,7 +84,7 @@ int Run(const std::vector<std::string>& words, Host& host) {
     }
     return RunCommand(options, host);
   } catch (const UsageError& error) {
-    host.err << "kxrestore: " << error.what() << "\nkxrestore --help tells more." << std::endl;
+    host.err << "kxrestore: " << error.what() << "\nSee kxrestore --help." << std::endl;
     return ExitCode::kUsage;
   } catch (const std::exception& error) {
     host.err << "kxrestore: " << error.what() << std::endl;

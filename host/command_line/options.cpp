@@ -10,47 +10,47 @@ const char kHelp[] =
     R"(usage: kxrestore COMMAND [OPTION...] --catalog FILE
        kxrestore COMMAND [OPTION...] --server SERVER --database NAME [--user NAME]
 
-Chooses what a backup catalog restores, by the rules of the restore dialog.
+Selects what a backup catalog restores, by the rules of the restore dialog.
 
-commands that look:
-  sets              the backup sets
-  runs SET          the completed runs of a set, the newest first
-  types             the file types that there are, the most frequent first
-  find [MASK]       the files whose original name holds the mask
-  versions NAME     every version of one file, the newest first
-  list              what is marked to be restored
-  count [MASK]      how many files and bytes are marked; with criteria, how many meet them
+commands that read:
+  sets              backup sets with completed runs
+  runs SET          completed runs of a set, newest first
+  types             file types in the catalog, most frequent first
+  find [MASK]       files whose original name contains the mask
+  versions NAME     all versions of one file, newest first
+  list              files marked to be restored
+  count [MASK]      number and bytes of marked files; with criteria, of matching files
 commands that write:
-  mark [MASK]       marks files to be restored; marks that are there stay
-  unmark [MASK]     takes marks away
-  clear             takes every mark of the catalog away
-  copy TO           copies a catalog file, its marks included: into a new file, or into a server's empty
-                    catalog by its connect string ("ODBC;...")
+  mark [MASK]       mark files to be restored; existing marks stay
+  unmark [MASK]     clear the marks of matching files
+  clear             clear all marks
+  copy TO           copy a catalog file with its marks into a new file, or into an empty catalog on a
+                    server (TO is then its connect string, "ODBC;...")
 
-criteria; all that are given must be met:
+criteria (a file must meet all that are given):
   MASK              * any text, ? one character, # one digit, [a-c] [!a-c] one of a list
   --set SET         a set, by number or name
   --run RUN         one run of that set, by its extension
-  --up-to RUN       that run and the older ones
-  --type TYPE       a file type (doc); may be given several times; not with MASK
-  --under PATH      a folder with all that is below it
+  --up-to RUN       that run and older ones
+  --type TYPE       a file type (doc); may be repeated to allow several; not with MASK
+  --under PATH      a folder with everything below it
   --names FILE      original names, one a line; - reads the standard input
-  --newest          of each name only the newest version
-  --as-of DATE      the state on a date (YYYY-MM-DD, also with a time): of each name the newest
-                    version in the runs that there were
+  --newest          only the newest version of each name
+  --as-of DATE      the state at a date (YYYY-MM-DD, optionally with a time): the newest version of each
+                    name in the runs up to then
 
 options:
-  --json            one JSON object a line instead of a table
-  --dry-run         shows what mark, unmark or clear would do, and does nothing
-  --user NAME       of the server; without one the connection is a trusted one
-  --password-file FILE   its first line is the password. Without it the environment variable
-                    KXRESTORE_PASSWORD is taken, and a terminal is asked
+  --json            print one JSON object a line instead of a table
+  --dry-run         show what mark, unmark or clear would change, without changing it
+  --user NAME       user of the server; without it the connection is a trusted one
+  --password-file FILE   file with the password in its first line; default: the environment variable
+                    KXRESTORE_PASSWORD, or a prompt on a terminal
   --help, --version
 
-The environment variable KXRESTORE_CATALOG stands in for --catalog.
+The environment variable KXRESTORE_CATALOG is the default of --catalog.
 
-exit codes: 0 done; 1 error of the catalog, what could be done is done; 2 wrong command line;
-            3 stopped by Ctrl+C, what is marked by then stays; 4 nothing found, or not every name
+exit codes: 0 success; 1 error in the catalog, the rest is done; 2 invalid command line;
+            3 stopped by Ctrl+C, marks made so far stay; 4 nothing found, or not every name
 )";
 
 namespace {
@@ -84,7 +84,7 @@ bool Writes(Command command) {
 // A date without a time means the end of that day.
 engine::DateTime DateOf(const std::string& text) {
   const auto date = engine::ToDateTime(std::string_view(text));
-  if (!date) throw UsageError("no date: " + text + " (wanted: YYYY-MM-DD or \"YYYY-MM-DD HH:MM:SS\")");
+  if (!date) throw UsageError("not a date: " + text + " (expected YYYY-MM-DD or \"YYYY-MM-DD HH:MM:SS\")");
   engine::DateTime moment = *date;
   if (text.size() == std::string_view("YYYY-MM-DD").size()) {
     moment.hour = 23;
@@ -96,28 +96,32 @@ engine::DateTime DateOf(const std::string& text) {
 void Check(const Options& options) {
   const Criteria& criteria = options.criteria;
   if (options.argument.empty()) {
-    if (options.command == Command::kRuns) throw UsageError("runs wants a set");
-    if (options.command == Command::kVersions) throw UsageError("versions wants a name");
-    if (options.command == Command::kCopy) throw UsageError("copy wants the target");
+    if (options.command == Command::kRuns) throw UsageError("runs needs a set");
+    if (options.command == Command::kVersions) throw UsageError("versions needs a name");
+    if (options.command == Command::kCopy) throw UsageError("copy needs a target");
   }
-  if (options.command == Command::kCopy && options.catalog.empty()) throw UsageError("copy wants --catalog");
+  if (options.command == Command::kCopy && options.catalog.empty()) throw UsageError("copy needs --catalog");
   if (!criteria.Empty() && !TakesCriteria(options.command))
-    throw UsageError("this command takes no criteria");
+    throw UsageError("this command accepts no criteria");
   if (options.command == Command::kVersions && (criteria.newest || criteria.asOf || !criteria.types.empty() ||
                                                 !criteria.names.empty() || !criteria.under.empty()))
-    throw UsageError("versions takes --set, --run and --up-to alone");
-  if (options.dryRun && !Writes(options.command)) throw UsageError("--dry-run is for mark, unmark and clear");
+    throw UsageError("versions accepts only --set, --run and --up-to");
+  if (options.dryRun && !Writes(options.command))
+    throw UsageError("--dry-run applies to mark, unmark and clear only");
   if ((options.command == Command::kMark || options.command == Command::kUnmark) && criteria.Empty())
-    throw UsageError("say what to " + std::string(options.command == Command::kMark
-                                                      ? "mark; a mask of * means every file"
-                                                      : "unmark; clear takes every mark away"));
+    throw UsageError("specify what to " + std::string(options.command == Command::kMark
+                                                          ? "mark; the mask * matches every file"
+                                                          : "unmark; clear removes all marks"));
   if (criteria.set.empty() && !(criteria.run.empty() && criteria.upTo.empty()))
-    throw UsageError("--run and --up-to want --set");
-  if (!criteria.run.empty() && !criteria.upTo.empty()) throw UsageError("either --run or --up-to");
-  if (!criteria.mask.empty() && !criteria.types.empty()) throw UsageError("either MASK or --type");
+    throw UsageError("--run and --up-to need --set");
+  if (!criteria.run.empty() && !criteria.upTo.empty())
+    throw UsageError("--run and --up-to exclude each other");
+  if (!criteria.mask.empty() && !criteria.types.empty())
+    throw UsageError("MASK and --type exclude each other");
   if (options.catalog.empty() && options.server.empty()) throw UsageError("--catalog or --server is missing");
-  if (!options.catalog.empty() && !options.server.empty()) throw UsageError("either --catalog or --server");
-  if (!options.server.empty() && options.database.empty()) throw UsageError("--server wants --database");
+  if (!options.catalog.empty() && !options.server.empty())
+    throw UsageError("--catalog and --server exclude each other");
+  if (!options.server.empty() && options.database.empty()) throw UsageError("--server needs --database");
 }
 
 }  // namespace
@@ -169,10 +173,10 @@ Options ParseCommandLine(const std::vector<std::string>& words) {
     if (known == texts.end() && word != "--type" && word != "--as-of")
       throw UsageError("unknown option " + word);
     if (!value) {
-      if (i + 1 == words.size()) throw UsageError(word + " wants a value");
+      if (i + 1 == words.size()) throw UsageError(word + " needs a value");
       value = words[++i];
     }
-    if (value->empty()) throw UsageError(word + " wants a value");
+    if (value->empty()) throw UsageError(word + " needs a value");
     if (word == "--type") {
       criteria.types.push_back(*value);
     } else if (word == "--as-of") {
@@ -185,7 +189,7 @@ Options ParseCommandLine(const std::vector<std::string>& words) {
 
   if (plain.empty()) throw UsageError("no command");
   options.command = CommandOf(plain[0]);
-  if (plain.size() > 2) throw UsageError("unexpected " + plain[2] + "; an argument with blanks wants quotes");
+  if (plain.size() > 2) throw UsageError("unexpected " + plain[2] + "; quote arguments that contain blanks");
   if (plain.size() == 2) {
     if (options.command == Command::kRuns || options.command == Command::kVersions ||
         options.command == Command::kCopy) {

@@ -68,7 +68,8 @@ std::vector<BackupRun> RunsOfSet(const std::vector<BackupRun>& runs, const std::
   }
   if (found.empty()) throw UsageError("there is no set " + set + " with a completed run");
   for (const BackupRun& run : found)
-    if (run.setId != found[0].setId) throw UsageError("several sets are called " + set + "; use the number");
+    if (run.setId != found[0].setId)
+      throw UsageError("there are several sets named " + set + "; use the number");
   return found;
 }
 

@@ -29,11 +29,13 @@ class Session {
   const std::unique_ptr<engine::Workspace> workspace;
   catalog::ConnectionSettings connection;
 
-  std::unique_ptr<engine::Database> OpenCatalog() { return catalog::OpenCatalog(*workspace, connection); }
+  [[nodiscard]] std::unique_ptr<engine::Database> OpenCatalog() {
+    return catalog::OpenCatalog(*workspace, connection);
+  }
 
   // Call before each row of a walk: commits marks that are due and shows progress. False when Ctrl+C was
   // pressed.
-  bool Next();
+  [[nodiscard]] bool Next();
   // Handles the error of an intermediate commit; without a handler the error ends the walk.
   std::function<void(const Error& error)> onCommitError;
   bool Stopped() const { return m_stopped; }

@@ -1,4 +1,4 @@
-// What the command line chooses beyond the dialog, says and answers.
+// Selections of the command line beyond the dialog's, its output and its exit codes.
 #include <filesystem>
 #include <fstream>
 
@@ -52,7 +52,7 @@ TEST_F(CommandLineTest, FoldersListsAndDatesChooseRows) {
   ExpectMarks({1, 2, 3}, {"mark", "--under=C:\\Data\\a.txt"});
   ExpectMarks({3, 5}, {"mark", "--under=C:\\Data", "--set=Set 1", "--run=003"});
 
-  // The runs that there were by then decide; a version of no listed run goes by its own date.
+  // The runs up to that date decide; a version without a listed run is dated by itself.
   ExpectMarks({1, 4, 7}, {"mark", "--as-of=2026-01-10"});
   ExpectMarks({7}, {"mark", "--as-of", "2026-01-10 07:59:59"});
   ExpectMarks({2}, {"mark", "a.txt", "--as-of=2026-03-10T07:00"});
