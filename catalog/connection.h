@@ -26,7 +26,7 @@ std::string BuildConnectString(std::string_view database, std::string_view serve
 
 // Never null. Raises error 91, Object variable or With block variable not set, for any other DBType, and the
 // errors of Workspace::OpenDatabase.
-std::unique_ptr<engine::Database> OpenCatalog(engine::Workspace& workspace,
-                                              const ConnectionSettings& settings);
+[[nodiscard]] std::unique_ptr<engine::Database> OpenCatalog(engine::Workspace& workspace,
+                                                            const ConnectionSettings& settings);
 
 }  // namespace kxrestore::catalog

@@ -14,7 +14,7 @@ inline constexpr std::string_view kHiddenExtension = "x01";
 
 // The completed runs of every set, by set name and then the newest first: Name, DateStamp, SetNameID,
 // Extension, Permanent, Status.
-std::unique_ptr<engine::Recordset> OpenRuns(engine::Database& database);
+[[nodiscard]] std::unique_ptr<engine::Recordset> OpenRuns(engine::Database& database);
 
 // Appends a run to a list of runs, and turns such a list into the extension filter that BuildRestoreQuery
 // takes.
@@ -23,7 +23,7 @@ std::string RunFilter(std::string_view list);
 
 // The marked rows: SetNameID, OrigSize, DateStamp, Extension, Filename, File, Restore, StoreMethod, Plugin,
 // StoreName, RestoreFile (the long path where there is one, else the file name) and the set's Name.
-std::unique_ptr<engine::Recordset> OpenSelections(engine::Database& database,
-                                                  const engine::ColumnNames& read);
+[[nodiscard]] std::unique_ptr<engine::Recordset> OpenSelections(engine::Database& database,
+                                                                const engine::ColumnNames& read);
 
 }  // namespace kxrestore::catalog

@@ -19,7 +19,7 @@ RestoreMarks::RestoreMarks(engine::Workspace& workspace, const ConnectionSetting
                            const CurrentRun& current, Report report)
     : m_workspace(workspace), m_settings(settings), m_current(current), m_report(std::move(report)) {}
 
-template <typename Operation, typename Tag>
+template <std::predicate Operation, std::invocable Tag>
 MarkResult RestoreMarks::Run(Operation operation, Tag tag) {
   try {
     return operation() ? MarkResult::kDone : MarkResult::kNoRow;

@@ -6,6 +6,7 @@
 // error stay. Nothing is thrown but what the report throws.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -23,10 +24,10 @@ struct CurrentRun {
   std::string extension;
 };
 
-enum class MarkResult {
-  kDone,
-  kNoRow,   // no row matched and nothing was changed; not an error
-  kFailed,  // reported
+enum class [[nodiscard]] MarkResult{
+    kDone,
+    kNoRow,   // no row matched and nothing was changed; not an error
+    kFailed,  // reported
 };
 
 class RestoreMarks {
@@ -39,26 +40,26 @@ class RestoreMarks {
                Report report);
 
   // Marks one version.
-  [[nodiscard]] MarkResult UpdateByID(std::int32_t id);
+  MarkResult UpdateByID(std::int32_t id);
 
   // Marks or unmarks every version of a file: all rows of the set and extension whose File is exactly
   // `fileName`. Reads every row of that set and extension.
-  [[nodiscard]] MarkResult UpdateSelectionByFile(std::string_view fileName, bool restoreValue,
-                                                 std::int32_t setNameId, std::string_view extension);
+  MarkResult UpdateSelectionByFile(std::string_view fileName, bool restoreValue, std::int32_t setNameId,
+                                   std::string_view extension);
 
   // Marks or unmarks the first row of the set and extension whose Filename is `fileName`, and no other.
   //
   // Set 0 means the current set, an empty extension the current one. The extension is inserted into the
   // statement verbatim: an apostrophe in it makes the statement fail.
-  [[nodiscard]] MarkResult UpdateSelectionByFileName(std::string_view fileName, bool restoreValue,
-                                                     std::int32_t setNameId, std::string_view extension);
+  MarkResult UpdateSelectionByFileName(std::string_view fileName, bool restoreValue, std::int32_t setNameId,
+                                       std::string_view extension);
 
   // Both clear every mark of every set, and commit that.
-  [[nodiscard]] MarkResult CancelAll();
-  [[nodiscard]] MarkResult ClearSelections();
+  MarkResult CancelAll();
+  MarkResult ClearSelections();
 
  private:
-  template <typename Operation, typename Tag>
+  template <std::predicate Operation, std::invocable Tag>
   MarkResult Run(Operation operation, Tag tag);
   MarkResult ClearAll(const char* tag);
   void BeginSelect(std::string_view columns, std::int32_t setNameId, std::string_view extension);

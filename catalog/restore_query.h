@@ -27,8 +27,10 @@ void CreateLatestQueries(engine::Database& database);
 // - `read` names the columns that will be read, see Database::OpenRecordset.
 //
 // Raises the engine's errors; 3265 when `latest` and a set are requested of a catalog without FullCatalog.
-std::unique_ptr<engine::Recordset> BuildRestoreQuery(engine::Database& database, std::int32_t setId,
-                                                     bool latest, std::string_view mask, std::string_view ext,
-                                                     const engine::ColumnNames& read = {});
+[[nodiscard]] std::unique_ptr<engine::Recordset> BuildRestoreQuery(engine::Database& database,
+                                                                   std::int32_t setId, bool latest,
+                                                                   std::string_view mask,
+                                                                   std::string_view ext,
+                                                                   const engine::ColumnNames& read = {});
 
 }  // namespace kxrestore::catalog

@@ -15,7 +15,7 @@ namespace kxrestore::catalog {
 
 // Query for the endings of the names of live entries, from their last dot on, and their number: columns
 // FileType and Files. A database without InStrRev returns whole names.
-std::unique_ptr<engine::Recordset> OpenTypes(engine::Database& database);
+[[nodiscard]] std::unique_ptr<engine::Recordset> OpenTypes(engine::Database& database);
 
 class TypeCensus {
  public:

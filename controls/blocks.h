@@ -1,4 +1,4 @@
-// A sequence that grows by blocks of 2^kShift elements: elements never move, growing copies nothing, and at
+// A sequence that grows in blocks of 2^kShift elements: elements never move, growing copies nothing, and at
 // most one block is spare. Elements are plain data.
 #pragma once
 

@@ -1,4 +1,4 @@
-// The errors that controls raise, with the texts that go with their numbers.
+// The errors that controls raise, with their texts.
 #pragma once
 
 #include "base/error.h"

@@ -1,7 +1,9 @@
-// Numbers found by the hash of a text. The texts stand elsewhere: the caller compares them. Open addressing,
-// eight bytes a slot; the hash is kept with the number, so that neither growing nor most misses touch a text.
+// Finds numbers by the hash of a text. The texts are stored elsewhere, and the caller compares them. Open
+// addressing, eight bytes a slot; the hash is stored with the number, so neither growing nor most misses
+// access a text.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -17,8 +19,8 @@ class HashIndex {
     return static_cast<std::uint32_t>(hash ^ (hash >> 32));
   }
 
-  // The number under `hash` for which `equal(number)` holds, or 0.
-  template <typename Equal>
+  // The number with this hash for which `equal(number)` holds, or 0.
+  template <std::predicate<std::uint32_t> Equal>
   std::uint32_t Find(std::uint32_t hash, Equal equal) const {
     if (m_slots.empty()) return 0;
     for (std::size_t at = hash & Mask();; at = (at + 1) & Mask()) {
@@ -28,7 +30,7 @@ class HashIndex {
     }
   }
 
-  void Insert(std::uint32_t hash, std::uint32_t number);  // a number above 0 that is not in yet
+  void Insert(std::uint32_t hash, std::uint32_t number);  // `number` is above 0 and not yet contained
   void MakeRoom();                                        // the next Insert cannot fail
 
   std::size_t MemoryUsed() const { return m_slots.capacity() * sizeof(Slot); }

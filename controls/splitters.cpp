@@ -13,7 +13,7 @@ constexpr std::uint32_t kDragColor = 0x80000003;
 constexpr int kDragBorder = 0;
 constexpr std::int32_t kDefaultMin = 5;
 
-// What one control refuses does not keep the others from being laid out.
+// A control that refuses its new size does not keep the others from being laid out.
 template <typename Statement>
 void SkipError(Statement statement) {
   try {

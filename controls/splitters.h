@@ -1,8 +1,8 @@
-// Bars that the user drags to share room between two groups of controls. `splitbar` is dragged up and down,
-// `SplitVertical` left and right; both are the same bar turned through a right angle.
+// Bars that the user drags to divide the space between two groups of controls. `splitbar` is dragged up and
+// down, `SplitVertical` left and right; both share one implementation.
 //
-// Lengths are twips of the container. While it is dragged only the bar moves, and a move that would bring it
-// too close to the far edge of a group is refused; on release `update` lays the groups out against the bar.
+// Lengths are twips of the container. During a drag only the bar moves, and a move too close to the far edge
+// of a group is refused; on release `update` lays the groups out against the bar.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@
 
 namespace kxrestore::controls {
 
-// Properties that a bar keeps with its form, by name.
+// Properties that the form persists for a bar, by name.
 using PropertyBag = std::map<std::string, std::int32_t>;
 
 class SplitBar : public Control {

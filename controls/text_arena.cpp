@@ -16,7 +16,7 @@ char* TextArena::NewBlock(std::size_t size) {
 
 char* TextArena::Allocate(std::size_t size) {
   if (size > m_left) {
-    // A long text gets a block of its own, so that it does not waste the rest of the current one.
+    // A long text gets its own block, so that the rest of the current one is not wasted.
     if (size > kBlockSize / 8) return NewBlock(size);
     m_next = NewBlock(kBlockSize);
     m_left = kBlockSize;

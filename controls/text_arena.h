@@ -1,4 +1,4 @@
-// Room for many short texts that are given back all at once, with the arena. Texts never move.
+// Storage for many short texts, freed all at once with the arena. Texts never move.
 #pragma once
 
 #include <cstddef>

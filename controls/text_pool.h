@@ -1,4 +1,4 @@
-// Texts kept once each and named by number, from 1; 0 is the empty text.
+// Interned texts, identified by number from 1; 0 is the empty text.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@ namespace kxrestore::controls {
 
 class TextPool {
  public:
-  // The number of the text, which is copied into `arena` when it is new.
+  // The number of the text; a new text is copied into `arena`.
   std::uint32_t Number(std::string_view text, TextArena& arena);
   std::string_view Text(std::uint32_t number) const {
     if (number == 0) return {};
@@ -29,7 +29,7 @@ class TextPool {
 
   Blocks<Piece, 8> m_pieces;
   HashIndex m_index;
-  std::uint32_t m_last = 0;  // rows that follow each other mostly share their texts
+  std::uint32_t m_last = 0;  // consecutive rows mostly share their texts
 };
 
 }  // namespace kxrestore::controls

@@ -1,4 +1,4 @@
-// Rows of the table ArchiveHeader, whatever its columns are, as texts that can be compared and inserted.
+// Rows of the table ArchiveHeader, whatever its columns, as texts that can be compared and inserted.
 #pragma once
 
 #include <cstddef>
@@ -10,19 +10,19 @@
 
 namespace kxrestore::dialog {
 
-// The columns of an archive, but for a number that it gives its rows itself (ID).
+// The columns of an archive except ID, which numbers the rows automatically.
 std::vector<std::string> HeaderColumns(const engine::Recordset& rows);
 
-// Reads the current row of a recordset of headers, in the order of `columns` and whatever the order of its
-// own.
+// Reads the current row of a recordset of headers, in the order of `columns`, whatever the recordset's own
+// order.
 class HeaderValues {
  public:
-  // Error 3265, which names them, when the recordset lacks columns or has others.
+  // Error 3265, naming the columns, when the recordset lacks columns or has others.
   HeaderValues(const engine::Recordset& rows, const std::vector<std::string>& columns);
 
-  // Equal for rows that hold the same, also where two tables keep a number, a date or a text differently.
+  // Equal for rows with equal content, even if two tables store a number, a date or a text differently.
   std::string Key() const;
-  // The list of the values as the dialect writes them.
+  // The values as a list in the SQL dialect.
   std::string Literals() const;
 
  private:
@@ -30,7 +30,7 @@ class HeaderValues {
   std::vector<std::size_t> m_positions;
 };
 
-// The statement that adds a row with these values.
+// The statement that inserts a row with these values.
 std::string InsertHeader(const std::vector<std::string>& columns, std::string_view values);
 
 }  // namespace kxrestore::dialog

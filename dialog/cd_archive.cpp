@@ -71,7 +71,7 @@ void CdArchive::LoadUpArchives(controls::Node node) {
         if (error.Number() == engine::error_number::kCanceled) {
           m_current = {};
         } else {
-          m_context.MessageBox(kNoArchive, platform::kOkOnly, "");
+          m_context.MessageBox(kNoArchive, platform::MessageStyle::kPlain, "");
         }
       });
 }
@@ -154,7 +154,7 @@ void CdArchive::cmdCD_Click() {
   }
   const std::string result = Say(Phrase::kArchiveAdded, {std::to_string(added)});
   ShowMessage(result);
-  m_context.MessageBox(result, platform::kOkOnly, "");
+  m_context.MessageBox(result, platform::MessageStyle::kPlain, "");
   if (added > 0) ShowBranchAnew();
 }
 

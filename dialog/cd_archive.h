@@ -1,4 +1,4 @@
-// Backups on CD: the archive branch of the set tree, read from an archive database of its own, and the panel
+// Backups on CD: the archive branch of the set tree, read from a separate archive database, and the panel
 // that adds a disc's backups to that database.
 #pragma once
 
@@ -11,24 +11,24 @@ namespace kxrestore::dialog {
 
 class CdArchive {
  public:
-  // Takes over the events of the panel.
+  // Handles the events of the panel.
   explicit CdArchive(FormContext& context);
 
-  // Adds the root "Archive Sets" behind the backup sets, on machines that have a CD-ROM drive or the archive
-  // database. Nothing of the database is read yet.
+  // Adds the root "Archive Sets" after the backup sets, on machines with a CD-ROM drive or the archive
+  // database. Does not read the database yet.
   void AddBranch();
-  // "Archive Sets" was opened or chosen: fills it the first time.
+  // "Archive Sets" was opened or selected: fills it the first time.
   void OpenBranch(controls::Node node);
 
-  // Fills the branch with volumes, years, months and set names. Reports its own errors; nodes added before
-  // one stay.
+  // Fills the branch with volumes, years, months and set names. Reports its own errors; nodes added before an
+  // error stay.
   void LoadUpArchives(controls::Node node);
 
   void DriveCD_Change();
   bool IsArchiveDisc(const std::string& drive);
 
-  // Adds the disc's headers that the archive database does not hold yet, all of them or none, and shows the
-  // branch anew. Reports its own errors.
+  // Adds those of the disc's headers that the archive database lacks, all or none, and refreshes the branch.
+  // Reports its own errors.
   void cmdCD_Click();
 
  private:
@@ -40,7 +40,7 @@ class CdArchive {
 
   FormContext& m_context;
   controls::Node m_branch;   // "Archive Sets"
-  controls::Node m_current;  // the node added last; nothing until the branch is loaded
+  controls::Node m_current;  // the last node added; nothing until the branch is loaded
 };
 
 }  // namespace kxrestore::dialog

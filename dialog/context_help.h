@@ -1,4 +1,5 @@
-// The help label: explains whatever the pointer is over. The label's Tag holds the key of what is shown.
+// The help label: explains the control under the pointer. The label's Tag contains the key of the current
+// text.
 #pragma once
 
 #include <string_view>
@@ -9,10 +10,10 @@ namespace kxrestore::dialog {
 
 class ContextHelp {
  public:
-  // Listens to the pointer over the form, the lists and the buttons.
+  // Handles pointer movements over the form, the lists and the buttons.
   explicit ContextHelp(FormContext& context);
 
-  // Shows the text of the key in the label's Tag; an unknown key changes nothing.
+  // Shows the text for the key in the label's Tag; an unknown key changes nothing.
   void ShowContextHelp();
 
  private:

@@ -34,11 +34,12 @@ void FormContext::ShowError(const Error& error, std::string_view routine) {
   Skipping([&] {
     std::string text("(");
     text.append(std::to_string(error.Number())).append(") ").append(error.Description());
-    platform.desktop.MessageBox(text, platform::kExclamation, std::string(routine));
+    platform.desktop.MessageBox(text, platform::MessageStyle::kWarning, std::string(routine));
   });
 }
 
-int FormContext::MessageBox(const std::string& text, int style, const std::string& title) {
+platform::Answer FormContext::MessageBox(const std::string& text, platform::MessageStyle style,
+                                         const std::string& title) {
   Commit(m_routine);
   return platform.desktop.MessageBox(text, style, title);
 }

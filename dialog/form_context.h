@@ -5,6 +5,7 @@
 // engine and let no error out. Only this class, MarkingWalk and RestoreMarks catch errors.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -19,6 +20,7 @@
 #include "dialog/form_controls.h"
 #include "dialog/parameters.h"
 #include "engine/database.h"
+#include "platform/desktop.h"
 #include "platform/platform.h"
 
 namespace kxrestore::dialog {
@@ -66,7 +68,9 @@ class FormContext {
   void ListingMarks() { m_commitLost = false; }
   void CommitLost() { m_commitLost = true; }
 
-  std::unique_ptr<engine::Database> OpenCatalog() { return catalog::OpenCatalog(workspace, connection); }
+  [[nodiscard]] std::unique_ptr<engine::Database> OpenCatalog() {
+    return catalog::OpenCatalog(workspace, connection);
+  }
 
   // Shows an error: "(number) description" under the routine's name. The interruption by which the user's
   // stop ends a statement is no error and is not shown.
@@ -75,20 +79,21 @@ class FormContext {
   void ShowError(const Error& error, std::string_view routine);
   bool IsStop(const Error& error) const;
   // Shows a question or a message once everything written so far is committed. Returns the answer.
-  int MessageBox(const std::string& text, int style, const std::string& title);
+  platform::Answer MessageBox(const std::string& text, platform::MessageStyle style,
+                              const std::string& title);
   // Commits everything written so far. A failure is shown under the routine's name, and the restore list is
   // filled anew when the event ends. Whether it is committed.
   bool Commit(const char* routine);
 
   // Runs `body` up to its first error, which is shown under the routine's name. Whether there was none.
-  template <class Body>
+  template <std::invocable Body>
   bool Reporting(const char* routine, Body&& body) {
     const std::optional<Error> error = Trap(body);
     if (error) ReportError(*error, routine);
     return !error;
   }
   // The same with a step of its own, which is given the error, before that is shown.
-  template <class Body, class Before>
+  template <std::invocable Body, std::invocable<const Error&> Before>
   bool Reporting(const char* routine, Body&& body, Before&& before) {
     const std::optional<Error> error = Trap(body);
     if (error) {
@@ -98,12 +103,12 @@ class FormContext {
     return !error;
   }
   // Runs `body` up to its first error, which nobody hears of. Whether there was none.
-  template <class Body>
+  template <std::invocable Body>
   bool Skipping(Body&& body) {
     return !Trap(body);
   }
   // The same where there is no form yet.
-  template <class Body>
+  template <std::invocable Body>
   static bool Skip(Body&& body) {
     return !Trap(body);
   }
@@ -112,7 +117,7 @@ class FormContext {
   // and a failed commit are shown under the routine's name. From the first event to the end of the last one
   // that came in while it ran, the form is busy: the engine lets pending messages run while it works or
   // waits, and the user can stop it.
-  template <class Body>
+  template <std::invocable Body>
   void Event(const char* routine, Body&& body) {
     if (m_hostHasControl || !ui.form.IsOpen()) return;
     EnterEvent(routine);
@@ -122,7 +127,7 @@ class FormContext {
   }
   // The same for events that start work. While the form is busy the work is deferred until the form is idle;
   // only the last deferred command runs.
-  template <class Body>
+  template <std::invocable Body>
   void Command(const char* routine, Body&& body) {
     if (!Busy()) {
       Event(routine, body);
@@ -142,7 +147,7 @@ class FormContext {
    public:
     explicit Walk(FormContext& context) : m_context(context) {}
 
-    bool Next() {
+    [[nodiscard]] bool Next() {
       m_context.DoEvents();
       return !m_context.Stopped();
     }
@@ -167,7 +172,7 @@ class FormContext {
   void StopThen(std::function<void()> step);
 
  private:
-  template <class Body>
+  template <std::invocable Body>
   static std::optional<Error> Trap(Body& body) {
     try {
       body();

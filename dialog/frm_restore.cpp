@@ -76,7 +76,7 @@ frmRestore::frmRestore(const platform::Platform& platform, engine::Workspace& wo
 frmRestore::~frmRestore() = default;
 
 // A member that fails is skipped.
-template <class Body>
+template <std::invocable Body>
 void frmRestore::Skipping(Body&& body) {
   FormContext::Skip(body);
 }

@@ -1,11 +1,12 @@
-// The restore form: the parameters of a run, loading and showing the dialog, and its two events. There is one
-// form a process; it outlives the dialogs that it shows. Each load makes the controls anew, as designed; when
-// the dialog has closed they are gone, while the parameters stay.
+// The restore form: its parameters, loading and showing the dialog, and its two events. There is one form in
+// a process; it outlives the dialogs that it shows. Each load creates the controls as designed; closing the
+// dialog destroys them, while the parameters stay.
 //
 // One thread. What touches the form or a control loads the form first. An error of a member is skipped; only
 // Controls() may throw.
 #pragma once
 
+#include <concepts>
 #include <functional>
 #include <memory>
 #include <string>
@@ -23,15 +24,15 @@ class frmRestore {
   frmRestore(const frmRestore&) = delete;
   frmRestore& operator=(const frmRestore&) = delete;
 
-  Parameters parameters;  // what a host sets counts from the next load on
+  Parameters parameters;  // changes take effect at the next load
 
   void setWindowCaption(const std::string& sCaption);
   void setButtonCaption(const std::string& sCaption);
   void setLabelCaption(const std::string& sCaption);
   void setLabelInVisible(bool bVisible);
 
-  // Appends one line to the log: date, time, " R ", version, a blank and the record. Nothing where there is
-  // no log.
+  // Appends one line to the log: date, time, " R ", version, a blank and the record. Does nothing without a
+  // log.
   void SessionLogEntry(const std::string& sRecord);
   static std::string StripNulls(const std::string& text);
 
@@ -39,10 +40,10 @@ class frmRestore {
   std::function<void()> CommenceRestore;
   std::function<void()> CancelRestore;
 
-  void Load();       // nothing when it is loaded
+  void Load();       // does nothing when it is already loaded
   void ShowModal();  // returns when the dialog has closed
 
-  // Held by whoever runs a dialog; only one can.
+  // Held while a dialog runs; only one can be.
   class Run {
    public:
     explicit Run(frmRestore& form) : m_form(form.m_running ? nullptr : &form) {
@@ -67,7 +68,7 @@ class frmRestore {
   void LoadSequence();
   void ReadClientPath();
   void SetUpIcon();
-  template <class Body>
+  template <std::invocable Body>
   void Skipping(Body&& body);
 
   platform::Platform m_platform;

@@ -28,7 +28,7 @@ LookIn ReadLookIn(FormContext& context, SetTree& setTree, const controls::Option
   LookIn lookIn;
   if (!thisSet.Value()) return lookIn;
   const controls::Node node = context.choice.m_nodCurrent;
-  if (node) static_cast<void>(SetTree::SetOf(node));  // one that does not fit 32 bits is no set to look in
+  if (node) static_cast<void>(SetTree::SetOf(node));  // raises an error for a set number beyond 32 bits
   lookIn.setId = context.choice.m_lngSetID;
   if (node && !node.Tag().empty()) lookIn.runs = catalog::RunFilter(setTree.ListRunExtensions(node));
   return lookIn;

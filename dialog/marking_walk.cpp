@@ -95,7 +95,7 @@ MarkingWalk::End MarkingWalk::Finish() {
   TakeCommits();
   if (!m_notMarked.empty()) {
     m_context.MessageBox(Say(Phrase::kCouldNotBeMarked, {std::to_string(m_notMarked.size())}),
-                         platform::kExclamation, m_routine);
+                         platform::MessageStyle::kWarning, m_routine);
   }
   return Stopped() ? End::kStopped : End::kDone;
 }

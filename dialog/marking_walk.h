@@ -6,12 +6,14 @@
 // failure of every mark in its group.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -31,7 +33,7 @@ class MarkingWalk {
 
   // Runs `body`, which walks and marks, up to its first error, then ends the walk. A stop is answered by
   // kStopped, with the marks made so far committed.
-  template <class Body>
+  template <std::invocable Body>
   End Run(Body&& body) {
     try {
       body();
@@ -41,15 +43,15 @@ class MarkingWalk {
     return Finish();
   }
 
-  // Lets pending messages run. Whether to go on: false after a stop.
+  // Processes pending messages. False after a stop.
   bool Next();
   bool Stopped() const { return m_context.Stopped(); }
   // The database cannot be reached: nothing more is tried, and what is left counts as not marked.
   bool IsHopeless() const { return m_hopeless; }
 
-  // Marks one item by `operation`, which returns a MarkResult and may throw. An item is a number of the
-  // caller's own.
+  // Marks one item by `operation`, which may throw. `item` is the caller's own number for it.
   template <class Operation>
+  requires std::is_invocable_r_v<catalog::MarkResult, Operation&>
   void Mark(std::size_t item, Operation&& operation) {
     if (m_hopeless) return CannotMark(item);
     catalog::MarkResult result = catalog::MarkResult::kFailed;

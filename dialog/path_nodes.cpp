@@ -9,7 +9,7 @@ namespace kxrestore::dialog {
 
 namespace {
 
-// Where the components of a path begin.
+// The start of each component of a path.
 std::size_t AfterFirstBackslash(std::string_view path) {
   const std::size_t backslash = path.find('\\');
   return backslash == std::string_view::npos ? path.size() : backslash + 1;

@@ -1,5 +1,5 @@
-// Builds the drive and folder nodes of paths, each once. Rows of a run mostly come folder by folder, so the
-// nodes of the previous path are remembered and only what differs from it is looked up.
+// Creates the drive and folder nodes of paths, each once. The rows of a run are mostly ordered by folder, so
+// the nodes of the previous path are cached and only the differing part is looked up.
 #pragma once
 
 #include <string>
@@ -13,11 +13,11 @@ namespace kxrestore::dialog {
 // The first three characters of a path.
 std::string_view GetDrive(std::string_view path);
 
-// The part after the last backslash, trailing backslashes left out; the whole path when it has no component.
+// The part after the last backslash, ignoring trailing backslashes; the whole path when it has no component.
 std::string_view LastComponent(std::string_view path);
 
 // The text of a path's own node: the part after its last backslash. A path that ends in a backslash is a
-// folder backed up as an entry of its own; its node stands inside the folder and is called "(this folder)".
+// folder that is itself a catalog entry; its node is inside the folder and is called "(this folder)".
 std::string_view EntryText(std::string_view path);
 
 class PathNodes {
@@ -27,9 +27,9 @@ class PathNodes {
   };
   PathNodes(controls::TreeView& tree, Images images) : m_tree(tree), m_images(images) {}
 
-  // Adds the node of a path, with the text that EntryText gives, and before it the drive and folder nodes
-  // that are not there yet. A folder's key is the drive text and every component down to it, each followed by
-  // a backslash; components without a name are left out. An empty path adds nothing.
+  // Adds the node of a path, with the text of EntryText, and the missing drive and folder nodes above it. A
+  // folder's key is the drive text and every component down to it, each followed by a backslash; empty
+  // components are skipped. An empty path adds nothing.
   controls::Node AddPathNodes(std::string_view path, std::string_view tag);
 
  private:

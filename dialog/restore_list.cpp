@@ -186,8 +186,8 @@ RestoreList::Clearing RestoreList::ClearAfterQuestion() {
 }
 
 void RestoreList::Clear() {
-  if (m_context.MessageBox("Clear All Selected Files? ", platform::kYesNo | platform::kQuestion,
-                           "Clear Selection? ") != platform::kAnswerYes) {
+  if (m_context.MessageBox("Clear All Selected Files? ", platform::MessageStyle::kQuestion,
+                           "Clear Selection? ") != platform::Answer::kYes) {
     return;
   }
   m_context.ui.asRestoreList.Clear();
@@ -202,8 +202,8 @@ void RestoreList::Clear() {
 bool RestoreList::ConfirmCancel() {
   return m_context.MessageBox("You have selected files to " + m_context.parameters.Action() +
                                   ", Cancel will clear your selections, Cancel?",
-                              platform::kYesNo | platform::kQuestion,
-                              "Clear Selection?") == platform::kAnswerYes;
+                              platform::MessageStyle::kQuestion,
+                              "Clear Selection?") == platform::Answer::kYes;
 }
 
 void RestoreList::UnloadByCommand() {

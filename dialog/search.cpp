@@ -47,7 +47,7 @@ void Search::AdvancedSearch() {
     controls::ComboBox& cboMask = m_context.ui.cboMask;
     const std::string mask = cboMask.Text();
     if (mask.empty()) {
-      m_context.MessageBox("No Search String Defined.", platform::kOkOnly, "");
+      m_context.MessageBox("No Search String Defined.", platform::MessageStyle::kPlain, "");
       cboMask.SetFocus();
       return;
     }

@@ -60,7 +60,7 @@ std::string cCD::GetVolumeLabel(const std::string& CDPath) {
   return label.find_first_not_of(' ') == std::string::npos ? "(no label)" : label;
 }
 
-// The result is taken over at the end: pending messages may ask this object while it looks.
+// Assign the result at the end: pending messages may query this object during the scan.
 void cCD::ScanCDDrives() {
   const std::string drives = m_drives.LogicalDriveStrings(kDriveStringsCapacity);
   std::vector<std::string> found(1);

@@ -1,6 +1,6 @@
-// Finds the machine's CD-ROM drives, reads volume labels, and moves the tray of the default CD device. Raises
-// no errors: what cannot be read is empty. Each property but the count looks at the machine anew, and lets
-// pending messages run once for each CD-ROM drive that it finds.
+// Finds the machine's CD-ROM drives, reads volume labels, and opens and closes the tray of the default CD
+// device. Raises no errors: what cannot be read is empty. Every property but the count scans the machine
+// again, processing pending messages once for each CD-ROM drive.
 #pragma once
 
 #include <cstdint>

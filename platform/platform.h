@@ -1,4 +1,4 @@
-// Everything the dialog asks of the machine it runs on. All members outlive the form.
+// The dialog's interfaces to its machine. All members outlive the form.
 #pragma once
 
 namespace kxrestore::platform {

@@ -24,7 +24,7 @@ class OpenedKey {
 }  // namespace
 
 // One box for one failing call, however persistent the error is: the routine goes on behind its work.
-template <typename Work>
+template <std::invocable Work>
 void CProgramSettings::Guarded(const char* routine, Work work) const {
   int number = 0;
   std::string description;
@@ -38,7 +38,8 @@ void CProgramSettings::Guarded(const char* routine, Work work) const {
     number = error_number::kOutOfMemory;
     description = "Out of memory";
   }
-  m_desktop.MessageBox("Error: " + std::to_string(number) + ". " + description, kOkOnly, routine);
+  m_desktop.MessageBox("Error: " + std::to_string(number) + ". " + description, MessageStyle::kPlain,
+                       routine);
 }
 
 std::string CProgramSettings::KeyPath() const {
@@ -106,7 +107,7 @@ void CProgramSettings::SetKeyValue(std::uint32_t root, const std::string& path, 
       if (text != nullptr) data.assign(text->begin(), text->end());
       data.push_back(0);
     }
-    m_registry.SetValue(key, name, type, data);
+    static_cast<void>(m_registry.SetValue(key, name, type, data));  // a setting that cannot be saved is lost
   });
 }
 

@@ -1,8 +1,9 @@
 // Reads and writes the product's settings: string values under one registry key, whose path is joined from
-// four parts. What the registry refuses is silent: a read gives the default, a write is lost. An error raised
-// on the way shows one message box and the work goes on.
+// four parts. A refused access is silent: reading returns the default, a write is lost. An exception is shown
+// in one message box, and the work continues.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <string>
 #include <variant>
@@ -39,7 +40,7 @@ class CProgramSettings {
   void SetKeyValue(std::uint32_t root, const std::string& path, const std::string& name,
                    const Value& value) const;
 
-  template <typename Work>
+  template <std::invocable Work>
   void Guarded(const char* routine, Work work) const;
 
   Registry& m_registry;

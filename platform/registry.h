@@ -1,4 +1,4 @@
-// Registry calls, one for one. Handles are opaque; results are Windows error codes, 0 for success.
+// Registry calls, mapped one to one. Handles are opaque; results are Windows error codes, 0 for success.
 #pragma once
 
 #include <cstdint>
@@ -18,14 +18,17 @@ class Registry {
   using Key = std::uintptr_t;
   virtual ~Registry() = default;
 
-  virtual long OpenKey(std::uint32_t root, const std::string& path, std::uint32_t access, Key& key) = 0;
-  virtual long CreateKey(std::uint32_t root, const std::string& path, std::uint32_t access, Key& key) = 0;
+  [[nodiscard]] virtual long OpenKey(std::uint32_t root, const std::string& path, std::uint32_t access,
+                                     Key& key) = 0;
+  [[nodiscard]] virtual long CreateKey(std::uint32_t root, const std::string& path, std::uint32_t access,
+                                       Key& key) = 0;
   // Type and size of a value, without its data.
-  virtual long QueryValue(Key key, const std::string& name, std::uint32_t& type, std::uint32_t& size) = 0;
-  // The data: for strings the bytes as stored (converted to UTF-8), NUL included where one is stored.
-  virtual long ReadValue(Key key, const std::string& name, std::vector<std::uint8_t>& data) = 0;
-  virtual long SetValue(Key key, const std::string& name, std::uint32_t type,
-                        const std::vector<std::uint8_t>& data) = 0;
+  [[nodiscard]] virtual long QueryValue(Key key, const std::string& name, std::uint32_t& type,
+                                        std::uint32_t& size) = 0;
+  // The data: for strings the bytes as stored (converted to UTF-8), including a NUL if one is stored.
+  [[nodiscard]] virtual long ReadValue(Key key, const std::string& name, std::vector<std::uint8_t>& data) = 0;
+  [[nodiscard]] virtual long SetValue(Key key, const std::string& name, std::uint32_t type,
+                                      const std::vector<std::uint8_t>& data) = 0;
   virtual void CloseKey(Key key) = 0;
 };
 

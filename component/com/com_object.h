@@ -7,7 +7,9 @@
 #include <wrl/client.h>
 
 #include <atomic>
+#include <concepts>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 #include "component/com/module.h"
@@ -18,7 +20,8 @@ using Microsoft::WRL::ComPtr;
 
 // Every COM method ends here: runs the body and turns an exception into an HRESULT.
 template <class Body>
-HRESULT Guard(Body&& body) noexcept {
+requires std::is_invocable_r_v<HRESULT, Body&> HRESULT Guard(Body&& body)
+noexcept {
   try {
     return body();
   } catch (const std::bad_alloc&) {
@@ -29,7 +32,7 @@ HRESULT Guard(Body&& body) noexcept {
 }
 
 // The same for members whose errors must never reach the host: the failing step is skipped.
-template <class Body>
+template <std::invocable Body>
 HRESULT SkipErrors(Body&& body) noexcept {
   Guard([&] {
     body();

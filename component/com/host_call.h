@@ -6,6 +6,8 @@
 //   cannot unwind through another module and terminates the process.
 #pragma once
 
+#include <concepts>
+
 namespace kxrestore::component::com {
 
 namespace detail {
@@ -18,7 +20,7 @@ extern "C" int kxrestore_call_host(Routine routine,
 
 // Runs `body` and ignores its result. False when a C++ exception ended it. Any other structured exception,
 // such as an access violation, propagates.
-template <class Body>
+template <std::invocable Body>
 bool CallHost(Body&& body) noexcept {
   struct Call {
     Body& body;

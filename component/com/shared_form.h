@@ -29,7 +29,7 @@ class SharedForm final : public FormProvider {
   void ApplySetting(std::function<void()> change) override;
 
   // Runs a dialog and returns its result; 0 at once when one is running.
-  std::int16_t Run(const std::function<std::int16_t()>& dialog);
+  [[nodiscard]] std::int16_t Run(const std::function<std::int16_t()>& dialog);
 
  private:
   void Finish() noexcept;

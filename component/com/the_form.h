@@ -13,6 +13,6 @@ SharedForm& TheForm();
 void DropTheForm();
 
 // Creates a form that uses this machine's desktop, registry, regional settings and drives.
-std::unique_ptr<FormProvider> MakeWindowsForm();
+[[nodiscard]] std::unique_ptr<FormProvider> MakeWindowsForm();
 
 }  // namespace kxrestore::component::com

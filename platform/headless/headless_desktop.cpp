@@ -7,19 +7,16 @@
 
 namespace kxrestore::platform {
 
-namespace {
-constexpr int kButtonsMask = 15;
-}
-
-int HeadlessDesktop::MessageBox(const std::string& text, int style, const std::string& title) {
-  Message& message = messages.emplace_back(Message{ShownLines(text), style, Shown(title), kAnswerOk});
+Answer HeadlessDesktop::MessageBox(const std::string& text, MessageStyle style, const std::string& title) {
+  Message& message = messages.emplace_back(Message{ShownLines(text), style, Shown(title), Answer::kOk});
   if (onMessage) onMessage(message);
-  if ((style & kButtonsMask) == kOkOnly) return kAnswerOk;
-  message.answer = 0;
-  if (answers.empty()) throw std::logic_error("nobody answers the question \"" + text + "\"");
-  message.answer = answers.front();
+  if (style != MessageStyle::kQuestion) return Answer::kOk;
+  message.answer.reset();
+  if (answers.empty()) throw std::logic_error("unexpected question \"" + text + "\"");
+  const Answer answer = answers.front();
+  message.answer = answer;
   answers.pop_front();
-  return message.answer;
+  return answer;
 }
 
 void HeadlessDesktop::DoEventsWhileWaiting() {

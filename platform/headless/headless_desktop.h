@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,16 +16,16 @@ class HeadlessDesktop : public Desktop {
  public:
   struct Message {
     std::string text;
-    int style = 0;
+    MessageStyle style = MessageStyle::kPlain;
     std::string title;
-    int answer = 0;
+    std::optional<Answer> answer;  // none: a question without an answer
   };
 
-  // A box that only says something is answered with OK. A question takes the next of `answers`;
-  // without one it throws std::logic_error, because nobody expected it.
-  int MessageBox(const std::string& text, int style, const std::string& title) override;
-  std::deque<int> answers;
-  std::vector<Message> messages;                  // as people would see them
+  // A message is answered with OK, a question with the next of `answers`. An unexpected question throws
+  // std::logic_error.
+  Answer MessageBox(const std::string& text, MessageStyle style, const std::string& title) override;
+  std::deque<Answer> answers;
+  std::vector<Message> messages;                  // as displayed
   std::function<void(const Message&)> onMessage;  // before it is answered
 
   void DoEvents() override;

@@ -1,4 +1,4 @@
-// Drives as a test describes them.
+// Drives defined by a test.
 #pragma once
 
 #include <optional>
@@ -25,7 +25,7 @@ class HeadlessDrives : public Drives {
   unsigned DriveType(const std::string& root) override;
   std::optional<std::string> VolumeLabel(const std::string& root, std::uint32_t capacity) override;
   void MciCommand(const std::string& command) override { mciCommands.push_back(command); }
-  // Repeated separators count as one, letters match in either case; "*" and "?" in the last component.
+  // Repeated separators count as one; letters match in either case; "*" and "?" work in the last component.
   bool FileMatches(const std::string& pattern) override { return !FirstFile(pattern).empty(); }
   std::string FirstFile(const std::string& pattern) override;
 

@@ -1,4 +1,4 @@
-// All of the platform without a desktop, ready to be handed to the dialog.
+// The complete platform without a desktop.
 #pragma once
 
 #include <optional>
@@ -11,7 +11,7 @@
 
 namespace kxrestore::platform {
 
-// The fixed forms, with a clock that can be stopped.
+// Fixed formats, with a clock that can be stopped.
 class HeadlessRegional : public FixedRegional {
  public:
   CivilTime Now() const override { return now ? *now : FixedRegional::Now(); }

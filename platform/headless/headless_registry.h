@@ -23,15 +23,16 @@ class HeadlessRegistry : public Registry {
     std::vector<std::uint8_t> data;
   };
 
-  // Puts a value in place, making its key. A string is stored with its NUL.
+  // Stores a value, creating its key. A string is stored with its NUL.
   void Put(std::uint32_t root, const std::string& path, const std::string& name, Value value);
   void Put(std::uint32_t root, const std::string& path, const std::string& name, const std::string& text);
   const Value* Get(std::uint32_t root, const std::string& path, const std::string& name) const;
 
-  // Grants only these rights of a key from now on; opening it with others is refused.
+  // Grants only these rights on a key from now on; opening it with others is refused.
   void Grant(std::uint32_t root, const std::string& path, std::uint32_t access);
 
-  // Asked before each operation, by its name; what is not 0 is the operation's result. It may throw.
+  // Called before each operation with its name; a result other than 0 becomes the operation's result. It may
+  // throw.
   std::function<long(std::string_view operation)> fault;
 
   std::size_t OpenKeys() const { return m_open.size(); }

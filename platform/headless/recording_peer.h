@@ -1,4 +1,4 @@
-// Peers that write down what they are told, for tests of the control models and of the form's code.
+// Peers that record their notifications, for tests of the control models and of the form's code.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 namespace kxrestore::platform {
 
-// What a peer was told. It belongs to the test and outlives the peer.
+// The notifications of a peer. Owned by the test; outlives the peer.
 struct PeerLog {
   std::vector<controls::Property> changed;
   std::vector<std::pair<std::uint32_t, controls::NodeProperty>> nodesChanged;
@@ -20,14 +20,14 @@ struct PeerLog {
   std::vector<std::pair<std::size_t, std::size_t>> ticksChanged;
   std::size_t entries = 0;
   int cleared = 0, broughtToFront = 0, focused = 0, refreshed = 0;
-  int frozen = 0;  // how deep
+  int frozen = 0;  // nesting depth
 
   std::size_t Count(controls::Property property) const {
     return static_cast<std::size_t>(std::count(changed.begin(), changed.end(), property));
   }
 };
 
-// One peer class for each base it stands in for.
+// One peer class for each interface that it implements.
 template <typename Base>
 class RecordingPeerOf : public Base {
  public:
@@ -68,7 +68,7 @@ class RecordingListPeer : public RecordingPeerOf<controls::ListPeer> {
   }
 };
 
-// Attaches the recorder that the control needs.
+// Attaches the matching recorder to a control.
 inline void Record(controls::Control& control, PeerLog& log) {
   switch (control.GetKind()) {
     case controls::Kind::kTreeView:

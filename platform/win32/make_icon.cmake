@@ -1,4 +1,4 @@
-# Turns a drawing into an icon of the sizes that displays of 96 to 288 dots an inch ask for.
+# Converts a drawing to an icon in the sizes used by displays of 96 to 288 dpi.
 set(images "")
 foreach(pixels 16 20 24 32 40 48)
   set(image ${ICON}.${pixels}.png)

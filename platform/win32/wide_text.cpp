@@ -35,7 +35,7 @@ std::string ToAnsi(std::string_view utf8) {
 std::string FromAnsi(std::string_view ansi) {
   if (ansi.empty()) return {};
   const int length = static_cast<int>(ansi.size());
-  std::wstring wide(ansi.size(), L'\0');  // never more units than bytes
+  std::wstring wide(ansi.size(), L'\0');  // at most one unit for each byte
   wide.resize(MultiByteToWideChar(CP_ACP, 0, ansi.data(), length, wide.data(), length));
   return Narrow(wide);
 }

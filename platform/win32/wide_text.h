@@ -1,5 +1,5 @@
-// Conversions at the Win32 edge: UTF-8 inside, UTF-16 or the ANSI code page outside. What the code page lacks
-// becomes its replacement character; see base/utf16.h for odd UTF-16.
+// Text conversion for Win32: UTF-8 inside, UTF-16 or the ANSI code page outside. Characters missing in the
+// code page become its replacement character; base/utf16.h specifies invalid UTF-16.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ namespace kxrestore::win32 {
 std::wstring Wide(std::string_view utf8);
 std::string Narrow(std::wstring_view utf16);
 
-// What is drawn of a text: see Shown and ShownLines in base/text.h.
+// The displayed form of a text, see Shown and ShownLines in base/shown_text.h.
 std::wstring WideShown(std::string_view utf8);
 std::wstring WideShownLines(std::string_view utf8);
 

@@ -1,4 +1,4 @@
-// The system's headers, without the macros that rename members of the neutral interfaces.
+// The system's headers without the macros that rename members of the portable interfaces.
 #pragma once
 
 #include <windows.h>

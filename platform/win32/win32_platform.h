@@ -1,4 +1,4 @@
-// Everything the dialog asks of the machine, for real: desktop, registry, regional settings, drives.
+// The dialog's interfaces to the real machine: desktop, registry, regional settings, drives.
 #pragma once
 
 #include "platform/platform.h"
@@ -11,7 +11,7 @@ namespace kxrestore::win32 {
 
 class Win32Platform {
  public:
-  // `module` holds the manifest of the common controls as resource 2.
+  // `module` contains the manifest for the common controls as resource 2.
   explicit Win32Platform(HINSTANCE module) : m_desktop(module) {}
   Win32Platform(const Win32Platform&) = delete;
   Win32Platform& operator=(const Win32Platform&) = delete;

@@ -1,4 +1,4 @@
-// A small catalog file of a test's own rows, and what was marked in it.
+// A small catalog file with a test's own rows, and access to the marks in it.
 #pragma once
 
 #include <sqlite3.h>
@@ -17,7 +17,7 @@
 
 namespace kxrestore::catalog_test {
 
-// A live row of set 1 and run "001" with what most tests do not care about filled in.
+// A live row of set 1 and run "001" with defaults for what most tests ignore.
 inline sample::FileRow Live(std::int64_t id, std::string origName) {
   sample::FileRow row;
   row.id = id;

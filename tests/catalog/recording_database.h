@@ -1,4 +1,4 @@
-// A database that does nothing but write down what it is asked, in order, and fail where a test wants it to.
+// A database that only records its calls, in order, and fails where a test wants it to.
 #pragma once
 
 #include <map>

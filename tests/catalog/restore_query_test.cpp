@@ -26,7 +26,7 @@ class RestoreQuery : public ::testing::Test {
   // The statement that lists.
   std::string Listing(std::int32_t setId, bool latest, std::string_view mask, std::string_view ext) {
     m_script->calls.clear();
-    BuildRestoreQuery(m_database, setId, latest, mask, ext);
+    static_cast<void>(BuildRestoreQuery(m_database, setId, latest, mask, ext));
     EXPECT_TRUE(m_script->calls.back().starts_with("open 4 "));
     return m_script->calls.back().substr(7);
   }

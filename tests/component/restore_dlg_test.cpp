@@ -60,7 +60,7 @@ TEST_F(RestoreDlgTest, ResultTellsACommitFromACancel) {
     Click(dialog_test::kRefresh);
     Click(dialog_test::kCancel);
   });
-  desktop.answers = {platform::kAnswerYes};
+  desktop.answers = {platform::Answer::kYes};
   EXPECT_EQ(second.DefineRestoreSet(), 0);
   ExpectReports({"Clear Selection?: "});
   EXPECT_EQ(catalog->Marked(), Ids{});

@@ -102,7 +102,7 @@ TEST_F(ControlTest, FreezingNestsAndAPeerThatComesLateIsFrozenToo) {
 
 TEST_F(ControlTest, ThePeerHearsOfRealChangesOnly) {
   Label label("label", &form, "text");
-  label.SetFocus();  // nobody shows it
+  label.SetFocus();  // it has no peer
   Record(label, log);
   label.SetFocus();
   label.SetCaption("text");

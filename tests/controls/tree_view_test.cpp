@@ -17,7 +17,7 @@ namespace {
 
 class TreeViewTest : public ::testing::Test {
  protected:
-  // The texts of the tree, each branch in brackets behind its node.
+  // The texts of the tree, each branch in brackets after its node.
   static std::string Shape(Node first) {
     std::string shape;
     for (Node node = first; node; node = node.Next()) {

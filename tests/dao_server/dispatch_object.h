@@ -20,7 +20,7 @@ namespace kxrestore::dao_server {
 using Microsoft::WRL::ComPtr;
 using Arguments = std::span<const VARIANT>;  // in the order they are written
 
-// What all objects of one server share: what was called, and the errors of the last call that failed.
+// State shared by all objects of a server: recorded calls, and the errors of the last failed call.
 struct Journal {
   struct Entry {
     int number;
@@ -31,7 +31,7 @@ struct Journal {
   std::vector<Entry> errors;
   std::string innerCause;  // of the failures to come
   int liveObjects = 0;
-  bool bareErrors = false;  // failures name their number only; the list says the rest
+  bool bareErrors = false;  // failures give only their number; the list has the rest
   bool Called(std::string_view call) const;
 };
 

@@ -188,7 +188,7 @@ TEST_F(CdArchiveTest, StartAddsWhatTheArchiveLacks) {
   Open();
   EXPECT_EQ(Branch().size(), 5u);
   ShowDisc();
-  DuringWalk(1, [this] { ChooseNode("Volume A"); });  // of the branch that is made anew
+  DuringWalk(1, [this] { ChooseNode("Volume A"); });  // of the branch that is rebuilt
   ui().cmdCD.UserClick();
   ExpectReports({": 2 archived backup(s) added."});
   EXPECT_EQ(
@@ -222,12 +222,12 @@ TEST_F(CdArchiveTest, AddingADiscOfOtherTypesTwiceAddsItOnce) {
             "A|2026|1|S|2026-03-01 08:09:10|0.25|1");
 }
 
-// Whatever comes between, the archive and its branch stay as they were, and the panel says so.
+// Whatever interrupts it, the archive and its branch stay as they were, and the panel shows why.
 TEST_F(CdArchiveTest, ADiscIsAddedAsAWholeOrNotAtAll) {
   constexpr int kHeaders = 3000;
   PutArchive(Insert("('A', '2025', '11', 'Office')"));
   PutDisc(ManyHeaders(kHeaders));
-  engine::testing::WatchedFiles watched;  // for what is opened from here on
+  engine::testing::WatchedFiles watched;  // for files opened from here on
   const auto rename = [](const std::string& what, const std::string& to) {
     return [=] { Sql(kDisc, "ALTER TABLE ArchiveHeader RENAME " + what + " TO " + to); };
   };
@@ -265,7 +265,7 @@ TEST_F(CdArchiveTest, ADiscIsAddedAsAWholeOrNotAtAll) {
        },
        "cmdCD.Click: (3317) ", [] { Sql(kArchive, "DROP TRIGGER Refuse"); }},
   };
-  Start();  // shows the panel; nobody shall think that the faults keep it from working
+  Start();  // shows the panel before faults are injected
   ExpectReports({": 3000 archived backup(s) added."});
   Sql(kArchive, "DELETE FROM ArchiveHeader WHERE Volume <> 'A'");
   const Strings branch = Branch();

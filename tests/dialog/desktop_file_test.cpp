@@ -42,7 +42,7 @@ class Desk : public DialogTest {
     NoteMarks("types");
     Click(kRefresh);
     Note("selected", {Selected()});
-    desktop.answers = {platform::kAnswerYes};
+    desktop.answers = {platform::Answer::kYes};
     Click(kCancel);
     NoteMarked("cancel");
     return std::move(m_seen);

@@ -39,7 +39,7 @@ class FaultSweep : public DialogTest {
     std::size_t commenced = 0;
     dialog.CommenceRestore = [&] { ++commenced; };
     FormControls& controls = dialog.Controls();
-    desktop.answers.assign(20, platform::kAnswerYes);
+    desktop.answers.assign(20, platform::Answer::kYes);
     Prepare(step, controls);
 
     desktop.messages.clear();
@@ -60,7 +60,7 @@ class FaultSweep : public DialogTest {
     end.stopped = key != Key::kNone;
     if (end.stopped && controls.form.IsOpen()) {
       // A stop lists nothing; leaving does, so that its question is asked.
-      desktop.answers.assign(2, platform::kAnswerNo);
+      desktop.answers.assign(2, platform::Answer::kNo);
       desktop.messages.clear();
       controls.cmdRestore[kCancel].UserClick();
       EXPECT_EQ(Asked(), end.marked.empty() ? 0u : 1u);

@@ -86,8 +86,8 @@ class FaultyDatabase : public PassThroughDatabase {
   std::size_t& m_marks;
 };
 
-// While it lives, connections of the embedded database that are opened in this process fail their commits
-// where the injection says so.
+// During its lifetime, connections of the embedded database opened in this process fail their commits as the
+// injection specifies.
 class FaultyBackend : public engine::Backend {
  public:
   FaultyBackend(std::unique_ptr<engine::Backend> backend, Injection& injection)

@@ -41,7 +41,7 @@ TEST_F(FormTest, EachLoadStartsAsDesignedKeepsTheParametersAndIsLogged) {
   ChooseRun();
   TickAll();
   Apply();
-  desktop.answers = {platform::kAnswerNo};
+  desktop.answers = {platform::Answer::kNo};
   ui().form.UserClose();
   ExpectReports({"Clear Selection?: "});
 
@@ -54,7 +54,7 @@ TEST_F(FormTest, EachLoadStartsAsDesignedKeepsTheParametersAndIsLogged) {
   EXPECT_EQ(ui().tvwDetails.Count(), 0u);
   EXPECT_EQ(ui().tvwSets.Count(), 7u);
   Click(kRefresh);
-  desktop.answers = {platform::kAnswerNo};
+  desktop.answers = {platform::Answer::kNo};
   Click(kCancel);
   ExpectReports({"Clear Selection?: You have selected files to verify, Cancel"});
   EXPECT_EQ(ReadFile(Path("session.log")),
@@ -109,7 +109,7 @@ TEST_F(FormTest, CatalogsThatCannotBeUsedAreReportedAndLeftAlone) {
     form.parameters.DBType = type;
     ui();
     ASSERT_EQ(desktop.messages.size(), 1u);
-    EXPECT_EQ(desktop.messages[0].style, platform::kExclamation);
+    EXPECT_EQ(desktop.messages[0].style, platform::MessageStyle::kWarning);
     // The steps after it were taken, and the dialog can be used and left.
     EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To: (Original Path)");
     Click(kRefresh);

@@ -134,7 +134,7 @@ struct Ending {
   bool Reported(std::string_view title = {}) const {
     if (told == Told::kNoMemory) return true;
     return std::any_of(messages.begin(), messages.end(), [&](const auto& message) {
-      return message.style == platform::kExclamation &&
+      return message.style == platform::MessageStyle::kWarning &&
              (told == Told::kSomehow || message.title.starts_with(title));
     });
   }

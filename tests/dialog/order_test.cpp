@@ -52,7 +52,7 @@ constexpr std::pair<std::string_view, std::string_view> kStatements[] = {
     {"picTabs thawed\ntbsOptions thawed\ncommit\n", ""},
     {"lblMask to front\ncboMask to front\nchk(1) to front\n", "SEARCH to front\n"},
     {"lblRestorePath to front\npicCounts to front\n", "LOWER to front\n"},
-    {"flush\nbox 36 \"Clear Selection?\" \"You have selected files to restore, Cancel will clear your "
+    {"flush\nbox question \"Clear Selection?\" \"You have selected files to restore, Cancel will clear your "
      "selections, "
      "Cancel?\"\n",
      "QUESTION\n"},
@@ -68,7 +68,9 @@ class OrderTest : public JournalHolder, public DialogTest {
       if (const auto path = text.find(catalog->Path()); path != std::string::npos) {
         text.replace(path, catalog->Path().size(), "the catalog");
       }
-      journal.Note("box " + std::to_string(box.style) + " \"" + box.title + "\" \"" + text + "\"");
+      constexpr const char* kStyles[] = {"plain", "warning", "question"};
+      journal.Note("box " + std::string(kStyles[static_cast<int>(box.style)]) + " \"" + box.title + "\" \"" +
+                   text + "\"");
     };
     form.CommenceRestore = [this] { journal.Note("CommenceRestore"); };
     form.CancelRestore = [this] { journal.Note("CancelRestore"); };
@@ -229,7 +231,7 @@ lblSearchCount "2 File(s)" | commit
 )--");
   Find("");
   EXPECT_EQ(WrittenDown(), R"--(
-flush | box 0 "" "No Search String Defined." | cboMask focused | commit
+flush | box plain "" "No Search String Defined." | cboMask focused | commit
 )--");
   ui().asSearch.UserTick(2, true);
   journal.Take();
@@ -260,22 +262,22 @@ row written | events | flush | LIST | events | asRestoreList + C:\d\b.docx
 lblCounts(0) "1 file(s) selected" | LISTED | commit
 )--");
   catalog->Execute("UPDATE Catalog SET Restore = 1");  // of every set, and two that are not listed
-  desktop.answers = {platform::kAnswerNo, platform::kAnswerYes, platform::kAnswerNo};
+  desktop.answers = {platform::Answer::kNo, platform::Answer::kYes, platform::Answer::kNo};
   Click(kClearList);
   EXPECT_EQ(catalog->Marked().size(), 3u);
   EXPECT_EQ(WrittenDown(), R"--(
-flush | box 36 "Clear Selection? " "Clear All Selected Files? " | commit
+flush | box question "Clear Selection? " "Clear All Selected Files? " | commit
 )--");
   Click(kClearList);
   EXPECT_EQ(WrittenDown(), R"--(
-flush | box 36 "Clear Selection? " "Clear All Selected Files? " | asRestoreList cleared
+flush | box question "Clear Selection? " "Clear All Selected Files? " | asRestoreList cleared
 open catalog | execute clear all | flush | lblCounts(0) "0 file(s) selected"
 cmdRestore(0) disabled | commit
 )--");
   EXPECT_EQ(catalog->Marked(), Ids{});
   Click(kClearList);
   EXPECT_EQ(WrittenDown(), R"--(
-flush | box 36 "Clear Selection? " "Clear All Selected Files? " | commit
+flush | box question "Clear Selection? " "Clear All Selected Files? " | commit
 )--") << "asked with an empty list, too";
 }
 
@@ -283,22 +285,23 @@ TEST_F(OrderTest, Leaving) {
   const struct {
     const char* name;
     bool marked;
-    int answer;
+    platform::Answer answer;
     std::function<void()> leave;
-  } cases[] = {{"Restore Now", true, 0, [&] { Click(kRestoreNow); }},
-               {"Cancel, no", true, platform::kAnswerNo, [&] { Click(kCancel); }},
-               {"Cancel, yes", true, platform::kAnswerYes, [&] { Click(kCancel); }},
-               {"Esc, yes", true, platform::kAnswerYes, [&] { Escape(); }},
-               {"Cancel without a selection", false, 0, [&] { Click(kCancel); }},
-               {"close box, no", true, platform::kAnswerNo, [&] { ui().form.UserClose(); }},
-               {"close box, yes", true, platform::kAnswerYes, [&] { ui().form.UserClose(); }},
-               {"close box without a selection", false, 0, [&] { ui().form.UserClose(); }},
-               {"Cancel, yes, and the marks cannot be cleared", true, platform::kAnswerYes, [&] {
-                  catalog->Execute(
-                      "CREATE TRIGGER Refuse BEFORE UPDATE ON Catalog BEGIN SELECT raise(ABORT, 'no'); END");
-                  Click(kCancel);
-                  catalog->Execute("DROP TRIGGER Refuse; UPDATE Catalog SET Restore = 0");
-                }}};
+  } cases[] = {
+      {"Restore Now", true, platform::Answer::kOk, [&] { Click(kRestoreNow); }},
+      {"Cancel, no", true, platform::Answer::kNo, [&] { Click(kCancel); }},
+      {"Cancel, yes", true, platform::Answer::kYes, [&] { Click(kCancel); }},
+      {"Esc, yes", true, platform::Answer::kYes, [&] { Escape(); }},
+      {"Cancel without a selection", false, platform::Answer::kOk, [&] { Click(kCancel); }},
+      {"close box, no", true, platform::Answer::kNo, [&] { ui().form.UserClose(); }},
+      {"close box, yes", true, platform::Answer::kYes, [&] { ui().form.UserClose(); }},
+      {"close box without a selection", false, platform::Answer::kOk, [&] { ui().form.UserClose(); }},
+      {"Cancel, yes, and the marks cannot be cleared", true, platform::Answer::kYes, [&] {
+         catalog->Execute(
+             "CREATE TRIGGER Refuse BEFORE UPDATE ON Catalog BEGIN SELECT raise(ABORT, 'no'); END");
+         Click(kCancel);
+         catalog->Execute("DROP TRIGGER Refuse; UPDATE Catalog SET Restore = 0");
+       }}};
   std::string all;
   for (const auto& [name, marked, answer, leave] : cases) {
     Watch();
@@ -309,7 +312,7 @@ TEST_F(OrderTest, Leaving) {
     desktop.answers = {answer};
     leave();
     all.append("\n").append(name).append(":").append(WrittenDown());
-    EXPECT_EQ(catalog->Marked().size(), marked && answer != platform::kAnswerYes ? 1u : 0u) << name;
+    EXPECT_EQ(catalog->Marked().size(), marked && answer != platform::Answer::kYes ? 1u : 0u) << name;
   }
   EXPECT_EQ(all, R"--(
 Restore Now:
@@ -341,8 +344,8 @@ frmRestore closed | commit
 
 Cancel, yes, and the marks cannot be cleared:
 QUESTION | open catalog | execute clear all | flush
-box 48 "CancelAll" "(3317) A rule of the table refuses the value (no) in 'the catalog'." | commit
-CancelRestore | frmRestore closed | commit
+box warning "CancelAll" "(3317) A rule of the table refuses the value (no) in 'the catalog'."
+commit | CancelRestore | frmRestore closed | commit
 )--");
 }
 

@@ -30,7 +30,7 @@ class PassThroughRecordset : public engine::Recordset {
   std::unique_ptr<engine::Recordset> m_rows;
 };
 
-// OpenRecordset is left to whoever derives: it decides what the rows go through.
+// OpenRecordset is left to the derived class, which decides how the rows are wrapped.
 class PassThroughDatabase : public engine::Database {
  public:
   explicit PassThroughDatabase(std::unique_ptr<engine::Database> database)

@@ -121,7 +121,7 @@ TEST_F(RestoreListTest, RestoreNowRaisesOnceWithTheMarksCommittedAndTheCatalogFr
 TEST_F(RestoreListTest, CancelAndCloseDuringAWalkTakeTheirStepsOnceItHasEnded) {
   Show();
   Mark("1, 2, 3");
-  desktop.answers = {platform::kAnswerNo, platform::kAnswerNo};
+  desktop.answers = {platform::Answer::kNo, platform::Answer::kNo};
   DuringWalk(2, [this] {
     Click(kCancel);
     EXPECT_TRUE(desktop.messages.empty()) << "asked in the middle of the walk";

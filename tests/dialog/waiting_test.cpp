@@ -100,7 +100,7 @@ TEST_F(WaitingTest, NothingKeepsTheWindowWaiting) {
   m_stopAfter = 0;
 
   // One statement takes all marks back; messages run until it commits.
-  desktop.answers = {platform::kAnswerYes};
+  desktop.answers = {platform::Answer::kYes};
   catalog->Execute("UPDATE Catalog SET Restore = 1");
   desktop.doEventsCount = 0;
   Click(kClearList);

@@ -50,7 +50,7 @@ class ComponentDll {
   HMODULE m_module;
 };
 
-// An event sink that counts, and does what the test wants when the event comes.
+// An event sink that counts events and runs the test's code in them.
 class CountingSink final : public IDispatch {
  public:
   static ComPtr<CountingSink> Make(std::function<void()> onEvent = {});

@@ -14,7 +14,7 @@ using component::com::ToWide;
 using driver::Ask;
 using driver::DialogDriver;
 
-// Pixels; what is too small becomes the minimum.
+// Pixels; smaller sizes become the minimum.
 constexpr SIZE kSizes[] = {{1, 1}, {1024, 768}, {2560, 1440}};
 
 // The longest that each changing label has to show.

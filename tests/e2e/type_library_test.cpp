@@ -101,7 +101,7 @@ TEST_F(TypeLibraryTest, TheInterfaceIsDualWithItsMembersInOrder) {
   EXPECT_EQ(TKIND_DISPATCH, lateAttributes->typekind);
   EXPECT_TRUE(lateAttributes->wTypeFlags & TYPEFLAG_FDUAL);
 
-  // The early-bound half, whose functions are the table of the object behind those of IDispatch.
+  // The early-bound half, whose functions follow those of IDispatch in the vtable.
   HREFTYPE half = 0;
   ComPtr<ITypeInfo> early;
   ASSERT_EQ(S_OK, late->GetRefTypeOfImplType(static_cast<UINT>(-1), &half));

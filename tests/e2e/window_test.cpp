@@ -1,5 +1,5 @@
-// The dialog's window in its user's hands: bars dragged with the mouse, tabs that switch without flicker, and
-// what a screen reader is told.
+// The dialog's window in use: splitters dragged with the mouse, tabs that switch without flicker, and
+// information for screen readers.
 #include <gtest/gtest.h>
 
 #include <oleacc.h>
@@ -148,8 +148,7 @@ TEST_F(WindowTest, EveryControlHasANameForScreenReaders) {
     for (const HWND window : driver::Inner(dialog.WaitForForm())) {
       const std::string control = driver::NameOf(window), kind = driver::ClassOf(window);
       const bool field = kind == "Edit" || kind == "ComboBox";
-      const bool ground =
-          control.starts_with("p") || control == "lblTreeCount";  // says something once it counts
+      const bool ground = control.starts_with("p") || control == "lblTreeCount";  // has text once it counts
       if (control.empty() || ground || field) continue;
       const std::string name = SpokenName(window);
       EXPECT_GT(name.size(), 3u) << control;

@@ -21,7 +21,8 @@ constexpr const char* kFailingNames[] = {"nothing", "memory", "the database's me
 // Memory of the test's own does not fail.
 class CalmDesktop : public platform::HeadlessDesktop {
  public:
-  int MessageBox(const std::string& text, int style, const std::string& title) override {
+  platform::Answer MessageBox(const std::string& text, platform::MessageStyle style,
+                              const std::string& title) override {
     const Pause pause;
     return HeadlessDesktop::MessageBox(text, style, title);
   }
@@ -55,7 +56,7 @@ class DialogFaults : public testing::Test {
     std::size_t commenced = 0;
     dialog.CommenceRestore = [&] { ++commenced; };
     m_desktop.messages.clear();
-    m_desktop.answers.assign(20, platform::kAnswerYes);
+    m_desktop.answers.assign(20, platform::Answer::kYes);
     const auto fail = [&](const auto& body) {
       Arm(failing, at, forever);
       const bool passes = Passes(body);
@@ -93,7 +94,7 @@ class DialogFaults : public testing::Test {
                                  << kFailingNames[static_cast<int>(failing)] << " at call " << at
                                  << (forever ? " and on: " : ": ") << wrong;
     }
-    m_desktop.answers.assign(20, platform::kAnswerNo);
+    m_desktop.answers.assign(20, platform::Answer::kNo);
     if (controls.form.IsOpen()) controls.form.Unload();
     return outcome.first;
   }
@@ -141,7 +142,7 @@ TEST_F(DialogFaults, DamagedPages) {
     const auto workspace = engine::MakeDefaultWorkspace();
     dialog::frmRestore dialog(m_machine, *workspace);
     dialog.parameters.DBName = m_catalog.Path();
-    m_desktop.answers.assign(20, platform::kAnswerNo);
+    m_desktop.answers.assign(20, platform::Answer::kNo);
     FormControls& controls = dialog.Controls();
     if (NodeFrom(controls.tvwSets.FirstRoot(), "1 003")) Start(Step::kChoose, controls);
     Prepare(Step::kSearchApply, controls);

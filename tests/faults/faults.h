@@ -20,7 +20,7 @@ long Disarm();
 // Whether any call has failed since Arm.
 bool HasFailed();
 
-// While it lives, nothing of this thread fails or counts: for what stands around the code under test.
+// During its lifetime, nothing on this thread fails or counts: for code around the code under test.
 class Pause {
  public:
   Pause();

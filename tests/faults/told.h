@@ -1,8 +1,8 @@
 // How the campaign is driven and what it leaves: a sample of each sweep in a test run, more of it when the
 // environment asks, and a line a case for the table.
 //
-//   KX_FAULTS_SEED   what random choices begin with; 1 unless told
-//   KX_FAULTS_TIMES  how many times as dense as the sample; 1 unless told
+//   KX_FAULTS_SEED   seed of random choices (default 1)
+//   KX_FAULTS_TIMES  density relative to the sample (default 1)
 //   KX_FAULTS_TABLE  a file to which "case<tab>tried<tab>held" is added at the end of the program
 #pragma once
 
@@ -14,7 +14,7 @@ unsigned Seed();
 unsigned Times();
 // The distance of neighbouring tries: `sample` in a sample, less in a whole run, at least 1.
 unsigned Sparsely(unsigned sample);
-// One try of a case, and whether what is promised held.
+// One trial of a case, and whether the guarantees held.
 void Tell(const std::string& name, bool held);
 
 }  // namespace kxrestore::faults

@@ -1,4 +1,4 @@
-// The generator without a database: what it hands to a sink.
+// The generator without a database: the rows that it passes to a sink.
 #include "host/catalog_maker/generator.h"
 
 #include <gtest/gtest.h>

@@ -114,7 +114,7 @@ TEST_F(ProgramSettingsTest, ARaisedErrorShowsOneBox) {
   EXPECT_EQ("default", Read());
   std::vector<std::string> told;
   for (const auto& box : desktop.messages) {
-    told.push_back(box.title + ", " + std::to_string(box.style) + ": " + box.text);
+    told.push_back(box.title + ", " + std::to_string(static_cast<int>(box.style)) + ": " + box.text);
   }
   EXPECT_EQ(std::vector<std::string>({"GetKeyValue, 0: Error: 70. Permission denied",
                                       "SetKeyValue, 0: Error: 70. Permission denied",

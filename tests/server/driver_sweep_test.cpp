@@ -56,7 +56,7 @@ class DriverSweep : public DialogTest {
     std::size_t commenced = 0, calls = 0;
     dialog.CommenceRestore = [&] { ++commenced; };
     desktop.messages.clear();
-    desktop.answers.assign(20, platform::kAnswerYes);
+    desktop.answers.assign(20, platform::Answer::kYes);
     std::optional<DriverDouble> twin;
     if (step == Step::kLoad) twin.emplace(fault, at);
     FormControls& controls = dialog.Controls();  // loads the form

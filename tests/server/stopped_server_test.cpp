@@ -105,7 +105,7 @@ class StoppedServer : public ::testing::Test {
     EXPECT_LT(late, kStopTime) << name;
     return errorNumber;
   }
-  // How often a loss is told until the action has ended.
+  // How often a loss is reported before the action has ended.
   static int Told(Workspace& workspace) {
     int told = 0;
     const std::function<void()> ways[] = {[&] { workspace.Idle(); }, [&] { workspace.Flush(); },
@@ -177,7 +177,7 @@ class StoppedServer : public ::testing::Test {
     EXPECT_NO_THROW(Mark(*workspace, 3));
     EXPECT_NO_THROW(workspace->EndAction());
     EXPECT_TRUE(IsMarked(3));
-    // A mark that nobody was told of as lost is there.
+    // A mark that was not reported as lost is there.
     EXPECT_TRUE(!waits || told > 0 || isTold || IsMarked(1));
   }
 
@@ -210,7 +210,7 @@ TEST_F(StoppedServer, KilledAndRestarted) {
   TryAll(Trouble::kKill);
 }
 
-// Nobody stops anything, and nobody waits for ever.
+// Without a stop, no wait is endless.
 TEST_F(StoppedServer, WaitsAreBounded) {
   const auto workspace = MakeWorkspace({.login = milliseconds(3000), .call = milliseconds(700)});
   const auto database = Open(*workspace);
@@ -246,7 +246,7 @@ TEST_F(StoppedServer, LocksOfOthersAreWaitedForThreeSecondsAnAction) {
   workspace->EndAction();
   for (int id = 10; id <= 13; ++id) EXPECT_TRUE(IsMarked(id)) << id;
 
-  // A stop ends one wait, and what was marked before stays.
+  // A stop ends one wait, and earlier marks stay.
   workspace->BeginAction();
   Mark(*workspace, 20);
   EXPECT_EQ(Stopped([&] { Mark(*workspace, 1); }, "locked mark"), number::kCanceled);

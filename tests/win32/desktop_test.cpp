@@ -114,11 +114,12 @@ TEST_F(Desktop, WhatFormCodeThrowsIsReportedAndTheFormLives) {
        [&] {
          EXPECT_TRUE(ui.form.IsOpen());
          ExpectBox("Clear Selection? : Gr\xC3\xBC\xC3\x9F?", IDYES);
-         EXPECT_EQ(TheDesktop().MessageBox("Gr\xC3\xBC\xC3\x9F?", platform::kYesNo | platform::kQuestion,
+         EXPECT_EQ(TheDesktop().MessageBox("Gr\xC3\xBC\xC3\x9F?", platform::MessageStyle::kQuestion,
                                            "Clear Selection? "),
-                   platform::kAnswerYes);
+                   platform::Answer::kYes);
          ExpectBox("T\u240D: Two\r\nlines, a\u240D name [U+202E]fdp.exe");
-         TheDesktop().MessageBox("Two\r\nlines, a\r name \u202Efdp.exe", platform::kOkOnly, "T\r");
+         TheDesktop().MessageBox("Two\r\nlines, a\r name \u202Efdp.exe", platform::MessageStyle::kPlain,
+                                 "T\r");
          ui.label.SetCaption("Set \u202E1");
        },
        [&] { EXPECT_EQ(WindowText(WindowOf(ui.label)), "Set [U+202E]1"); }});

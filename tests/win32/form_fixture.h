@@ -61,7 +61,7 @@ struct SampleForm {
   controls::PictureBox picBottom{"picBottom", &form};
 };
 
-// A top-level window that stands for the host's.
+// A top-level window in place of the host's.
 class HostWindow {
  public:
   explicit HostWindow(bool enabled = true)
@@ -98,7 +98,7 @@ class FormTest : public testing::Test {
   }
   void Run(std::deque<std::function<void()>> steps) { Run(ui.form, std::move(steps)); }
 
-  // Within a step: deals with what was posted.
+  // Within a step: processes posted messages.
   void Wait() {
     for (int round = 0; round < 3; ++round) {
       Sleep(16);

@@ -97,7 +97,7 @@ TEST_F(FormKeys, ArrowsAndEnterWorkTheControlThatHasTheFocus) {
     Wait();
     EXPECT_EQ(Focused(), "bar");
     ExpectBox("KXRestore: Text");
-    TheDesktop().MessageBox("Text", platform::kOkOnly, "");
+    TheDesktop().MessageBox("Text", platform::MessageStyle::kPlain, "");
     EXPECT_EQ(Focused(), "bar") << "a message box takes the focus and gives it back";
   }});
 }

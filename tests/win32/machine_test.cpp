@@ -28,7 +28,7 @@ std::vector<std::uint8_t> Bytes(const std::string& text) {
   return {text.begin(), text.end()};
 }
 
-// A file of phrases beside this program, which says what it is called.
+// A file of phrases beside this program, named after it.
 class PhrasesFile {
  public:
   explicit PhrasesFile(const std::wstring& ending) {

@@ -376,8 +376,8 @@ TEST_F(TreeWindowTest, AMillionNodes) {
             3'000);
   EXPECT_LT(TakeLongest(), 400);
   const std::size_t ahead = Held();
-  EXPECT_GE(ahead, TreeItems::kMostAhead);
-  EXPECT_LT(ahead, TreeItems::kMostAhead + 200);
+  EXPECT_GE(ahead, TreeItems::kMaxAhead);
+  EXPECT_LT(ahead, TreeItems::kMaxAhead + 200);
 
   // Behind that, what comes into view is made.
   Select(Root());

@@ -1,4 +1,4 @@
-// Names for screen readers on windows whose text is something else.
+// Accessible names for windows whose text is something else.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace kxrestore::win32 {
 
-// Nothing happens on a system without the annotation service, or when COM is not initialised on this thread.
+// Does nothing on a system without the annotation service, or when COM is not initialised on this thread.
 void AnnotateName(HWND window, const std::wstring& name);
 
 }  // namespace kxrestore::win32

@@ -1,4 +1,4 @@
-// Boxes with a text: one to type into, one with a list to pick from as well, and the list of drives.
+// Text boxes, combo boxes and the list of drives.
 #pragma once
 
 #include "controls/widgets.h"

@@ -36,7 +36,7 @@ class CommandButtonWindow final : public ButtonWindow<controls::CommandButton> {
   CommandButtonWindow(WindowContext& context, controls::CommandButton& button, HWND parent)
       : ButtonWindow(context, button, parent, BS_PUSHBUTTON) {}
 
-  // The button that Enter would press looks like it.
+  // Draws the button that Enter would press as the default button.
   std::optional<LRESULT> OnMessage(UINT message, WPARAM /*wide*/, LPARAM /*extra*/) override {
     if (message == WM_SETFOCUS) SendMessageW(Handle(), BM_SETSTYLE, BS_DEFPUSHBUTTON, TRUE);
     if (message == WM_KILLFOCUS) SendMessageW(Handle(), BM_SETSTYLE, BS_PUSHBUTTON, TRUE);

@@ -25,7 +25,7 @@ class PictureBoxWindow final : public WindowPeer<controls::Peer> {
   RECT PixelBounds() const override { return SizedBounds(); }
 };
 
-// Draws its border itself: a group box as a child would cover what lies inside it.
+// Draws its border itself: a group box as a child window would cover its contents.
 class FrameWindow final : public WindowPeer<controls::Peer> {
  public:
   FrameWindow(WindowContext& context, controls::Frame& frame, HWND parent)

@@ -1,4 +1,4 @@
-// Windows that hold others: plain areas, and frames with a caption around them.
+// Windows that contain others: plain areas, and frames with a caption.
 #pragma once
 
 #include "controls/widgets.h"

@@ -10,7 +10,7 @@ namespace {
 
 constexpr LONG_PTR kStyleMask = SS_TYPEMASK | SS_NOPREFIX;
 
-// Text that does not fit ends in an ellipsis, and the whole of it is shown as a tool tip.
+// Text that does not fit ends in an ellipsis; a tool tip shows all of it.
 class LabelWindow final : public WindowPeer<controls::Peer> {
  public:
   LabelWindow(WindowContext& context, controls::Label& label, HWND parent)
@@ -50,7 +50,7 @@ class LabelWindow final : public WindowPeer<controls::Peer> {
     }
     if ((flags & (kCaptionFlag | kGeometryFlag | kAppearanceFlag)) != 0) Measure();
     if ((flags & kCaptionFlag) != 0) SetWindowTextW(Handle(), WideShownLines(m_label.Caption()).c_str());
-    // Text that is aligned or broken by the width must not be copied along.
+    // Text that is aligned or wrapped by the width must be repainted, not copied.
     if ((flags & (kGeometryFlag | kAppearanceFlag)) != 0 || m_cut) InvalidateRect(Handle(), nullptr, TRUE);
   }
 

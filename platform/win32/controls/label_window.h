@@ -1,5 +1,5 @@
-// A text on the form. Form code may change it once a row of a long walk; it is shown about ten times a
-// second.
+// A text on the form. Form code may change it for every row of a long walk; the display is updated about ten
+// times a second.
 #pragma once
 
 #include "controls/widgets.h"

@@ -1,4 +1,4 @@
-// How far a long work has come; shown about ten times a second.
+// The progress of a long operation, updated about ten times a second.
 #pragma once
 
 #include "controls/widgets.h"

@@ -6,7 +6,7 @@ namespace kxrestore::win32 {
 
 namespace {
 
-constexpr int kNudge = 120;  // twips an arrow key moves the bar
+constexpr int kNudge = 120;  // twips for each arrow key
 constexpr int kSizeNS = 7;   // the pointers' numbers
 constexpr int kSizeWE = 9;
 constexpr int kMiddleButton = 4;  // beside the control's left and right
@@ -49,7 +49,7 @@ class SplitWindow final : public WindowPeer<controls::Peer> {
         if (GetCapture() == Handle()) ReleaseCapture();
         m_bar.UserMouseUp();
         return 0;
-      case WM_CAPTURECHANGED:  // the drag was taken away
+      case WM_CAPTURECHANGED:  // the drag was interrupted
         if (std::exchange(m_dragging, false)) m_bar.UserMouseUp();
         return 0;
       case WM_SETCURSOR:

@@ -1,4 +1,4 @@
-// The tab strip. The panels are siblings that lie above its body.
+// The tab strip. The panels are siblings on top of its body.
 #pragma once
 
 #include "controls/widgets.h"

@@ -1,4 +1,4 @@
-// A visual theme's data for one class of controls; nothing where the system has no theme.
+// A visual theme's data for one class of controls; empty on a system without themes.
 #pragma once
 
 #include <memory>

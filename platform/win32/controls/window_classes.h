@@ -1,5 +1,5 @@
-// The window classes of this component. They are registered while a form is shown and taken away afterwards,
-// so that a DLL that is unloaded leaves nothing behind. All of them leave every message to the windows'
+// The window classes of this component. They are registered while a form is shown and unregistered
+// afterwards, so that an unloaded DLL leaves nothing behind. All of them pass every message to the windows'
 // peers.
 #pragma once
 

@@ -1,12 +1,13 @@
-// What the windows of one form share: module, resolution, fonts, and the list of windows whose controls have
-// changed since they were last brought into line.
+// Shared by the windows of one form: module, resolution, fonts, and the list of windows whose controls have
+// changed since they were last updated.
 //
-// Form code changes properties far more often than anybody can see, so windows do not follow each change. A
-// changed window puts itself on a list (`Later`), and the list is worked off when a message has been handled
-// (`Flush`) or, for what may change once a row of a long walk (captions, progress), about ten times a second
-// (`FlushThrottled`).
+// Form code changes properties far more often than anyone can see, so windows do not follow each change. A
+// changed window puts itself on a list (`Later`), which is processed after a message has been handled
+// (`Flush`) or, for properties that may change for every row of a long walk (captions, progress), about ten
+// times a second (`FlushThrottled`).
 #pragma once
 
+#include <concepts>
 #include <exception>
 #include <functional>
 #include <map>
@@ -28,8 +29,8 @@ struct FontDeleter {
 };
 using FontHandle = std::unique_ptr<std::remove_pointer_t<HFONT>, FontDeleter>;
 
-// Common controls version 6 for the windows created while it lives; the host's own windows keep the host's
-// choice.
+// Uses common controls version 6 for windows created during its lifetime; the host's own windows keep the
+// host's version.
 class ActivationScope {
  public:
   explicit ActivationScope(HANDLE activationContext);
@@ -60,18 +61,18 @@ class WindowContext {
   int ToPixels(int twips) const { return MulDiv(twips, m_dpi, 1440); }
   int ToTwips(int pixels) const { return MulDiv(pixels, 1440, m_dpi); }
 
-  // The system's message font at the form's resolution, or its like in another face or weight. Owned by the
-  // context.
+  // The system's message font at the form's resolution, or a variant with another face or weight. Owned by
+  // the context.
   HFONT Font(const std::string& face = {}, bool bold = false);
 
-  // The pointer that the whole form shows, nullptr for each window's own.
+  // The pointer for the whole form; nullptr: each window's own.
   HCURSOR FormPointer() const { return m_formPointer; }
   void SetFormPointer(HCURSOR pointer) { m_formPointer = pointer; }
 
   // The form's window, once it exists.
   HWND FormHandle() const { return m_form; }
   void SetFormHandle(HWND form) { m_form = form; }
-  // Moves the keyboard focus on when the window that has it is about to be hidden or disabled.
+  // Moves the keyboard focus on when the focused window is about to be hidden or disabled.
   std::function<void(ControlWindow&)> MoveFocusOff;
 
   void Later(ControlWindow& window, When when);
@@ -80,7 +81,7 @@ class WindowContext {
   void FlushThrottled();  // when it is due
   void FlushAll();
 
-  // Brackets the handling of a message; when the outermost one has been handled, what it changed is shown.
+  // Brackets the handling of a message; after the outermost one, pending changes are displayed.
   class MessageScope {
    public:
     explicit MessageScope(WindowContext& context) : m_context(context) { ++context.m_depth; }
@@ -96,7 +97,7 @@ class WindowContext {
 
   // Runs code of the form from a window procedure or callback: nothing may be thrown through those, so an
   // exception is kept here until the message loop takes it out and reports it.
-  template <class Call>
+  template <std::invocable Call>
   void Guarded(Call&& call) noexcept {
     try {
       std::forward<Call>(call)();

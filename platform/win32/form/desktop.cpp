@@ -16,7 +16,7 @@ namespace {
 
 constexpr char kTitle[] = "KXRestore";
 constexpr DWORD kPendingMilliseconds = 15;
-constexpr DWORD kMostPendingMilliseconds = 100;  // that one round may take, whatever keeps arriving
+constexpr DWORD kMaxPendingMilliseconds = 100;  // that one round may take, whatever keeps arriving
 
 // The thread's other windows that a user could work with, disabled for a while. They are enabled again before
 // the form's window goes, so that the system hands the activation back to one of them.
@@ -112,17 +112,38 @@ struct Win32Desktop::Modal {
   std::optional<int> quitCode;
 };
 
-int Win32Desktop::MessageBox(const std::string& text, int style, const std::string& title) {
+namespace {
+
+UINT NativeStyle(platform::MessageStyle style) {
+  switch (style) {
+    case platform::MessageStyle::kWarning:
+      return MB_OK | MB_ICONEXCLAMATION;
+    case platform::MessageStyle::kQuestion:
+      return MB_YESNO | MB_ICONQUESTION;
+    default:
+      return MB_OK;
+  }
+}
+
+platform::Answer AnswerOf(int button) {
+  if (button == IDYES) return platform::Answer::kYes;
+  return button == IDNO ? platform::Answer::kNo : platform::Answer::kOk;
+}
+
+}  // namespace
+
+platform::Answer Win32Desktop::MessageBox(const std::string& text, platform::MessageStyle style,
+                                          const std::string& title) {
   HWND owner = GetActiveWindow();
   if (m_modal != nullptr) {
     m_modal->context.FlushAll();
     owner = m_modal->window->Handle();
   }
-  const UINT flags = static_cast<UINT>(style) | (owner == nullptr ? MB_TASKMODAL | MB_SETFOREGROUND : 0U);
-  const int answer = MessageBoxW(owner, WideShownLines(text).c_str(),
+  const UINT flags = NativeStyle(style) | (owner == nullptr ? MB_TASKMODAL | MB_SETFOREGROUND : 0U);
+  const int button = MessageBoxW(owner, WideShownLines(text).c_str(),
                                  WideShown(title.empty() ? kTitle : title).c_str(), flags);
   m_lastPending = GetTickCount();
-  return answer;
+  return AnswerOf(button);
 }
 
 void Win32Desktop::DoEvents() {
@@ -148,7 +169,7 @@ void Win32Desktop::RunPending() {
       return;
     }
     Process(message);
-    if (GetTickCount() - start > kMostPendingMilliseconds) break;
+    if (GetTickCount() - start > kMaxPendingMilliseconds) break;
   }
   if (m_modal != nullptr) m_modal->context.Flush();
 }
@@ -161,7 +182,7 @@ void Win32Desktop::Process(MSG& message) {
 
 void Win32Desktop::ReportErrors() {
   while (const std::exception_ptr error = m_modal->context.TakeError()) {
-    MessageBox(Describe(error), platform::kExclamation, {});
+    MessageBox(Describe(error), platform::MessageStyle::kWarning, {});
   }
 }
 

@@ -14,7 +14,8 @@ class Win32Desktop final : public platform::Desktop {
   // `module` holds the manifest of the common controls as resource 2.
   explicit Win32Desktop(HINSTANCE module) : m_module(module) {}
 
-  int MessageBox(const std::string& text, int style, const std::string& title) override;
+  platform::Answer MessageBox(const std::string& text, platform::MessageStyle style,
+                              const std::string& title) override;
   // Free but for a look at the clock while the last time is less than 15 ms ago.
   void DoEvents() override;
   // Throws kxrestore::Error when the windows cannot be made. A form that is already showing is left alone.

@@ -1,6 +1,8 @@
 // Gives every control of a form its native window, and takes the windows away again.
 #pragma once
 
+#include <concepts>
+
 #include "controls/control.h"
 #include "platform/win32/controls/window_context.h"
 
@@ -13,7 +15,7 @@ void MakeChildWindows(WindowContext& context, controls::Container& container, HW
 void TakeChildWindows(controls::Container& container);
 
 // Calls `visit(Control&)` for every control inside `container`, in the order of the Tab key.
-template <class Visit>
+template <std::invocable<controls::Control&> Visit>
 void ForEachControl(controls::Container& container, Visit&& visit) {
   for (controls::Control* const child : container.Children()) {
     visit(*child);

@@ -1,4 +1,4 @@
-// The machine's drives. Looking at an empty drive never raises the system's own "no disk" box.
+// The machine's drives. Accessing an empty drive never shows the system's "no disk" message.
 #pragma once
 
 #include "platform/drives.h"

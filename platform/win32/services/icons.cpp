@@ -16,7 +16,7 @@ IconHandle LoadDrawing(HINSTANCE module, std::string_view name, int pixels) {
       static_cast<HICON>(LoadImageW(module, resource.c_str(), IMAGE_ICON, pixels, pixels, LR_DEFAULTCOLOR)));
 }
 
-// Nothing but a mask of set bits, which are see-through; its rows are padded to 16 bits.
+// An icon of only a mask with set bits, which are transparent; rows are padded to 16 bits.
 IconHandle BlankIcon(int pixels) {
   const std::size_t bytes =
       static_cast<std::size_t>((pixels + 15) / 16 * 2) * static_cast<std::size_t>(pixels);

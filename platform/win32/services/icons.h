@@ -1,5 +1,5 @@
-// The pictures of trees and of the form. They are drawn in platform/win32/icons/*.svg; the build turns each
-// into an icon of several sizes, a resource of the module that is named "kx_" and the drawing's name.
+// The images of trees and of the form. They are drawn in platform/win32/icons/*.svg; the build converts each
+// to an icon of several sizes, a resource of the module named "kx_" and the drawing's name.
 #pragma once
 
 #include <memory>
@@ -20,14 +20,14 @@ struct ImageListDeleter {
 };
 using ImageListHandle = std::unique_ptr<std::remove_pointer_t<HIMAGELIST>, ImageListDeleter>;
 
-// The images of a list in the order of its keys, so that image index i stands at position i - 1. A key
-// without a drawing, in whatever case, gets an empty image.
+// The images of a list in the order of its keys, so image index i is at position i - 1. A key without a
+// drawing (ignoring case) gets an empty image.
 ImageListHandle MakeImageList(HINSTANCE module, const controls::ImageList& images, int pixels);
 
-// That many empty images.
+// That number of empty images.
 ImageListHandle MakeBlankList(int count, int pixels);
 
-// The icon of a form that names none of its own.
+// The icon of a form that has none of its own.
 IconHandle LoadFormIcon(HINSTANCE module, int pixels);
 
 }  // namespace kxrestore::win32

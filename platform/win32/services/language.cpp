@@ -12,7 +12,7 @@ namespace kxrestore::win32 {
 
 namespace {
 
-constexpr std::uintmax_t kMostBytes = 1 << 20;  // a file that is larger holds no phrases
+constexpr std::uintmax_t kMaxBytes = 1 << 20;  // a file that is larger holds no phrases
 
 std::string LocaleText(LCID locale, LCTYPE type) {
   std::array<wchar_t, 16> buffer{};
@@ -23,7 +23,7 @@ std::string LocaleText(LCID locale, LCTYPE type) {
 std::string Contents(const std::filesystem::path& path) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
-  if (error || size > kMostBytes) return {};
+  if (error || size > kMaxBytes) return {};
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }

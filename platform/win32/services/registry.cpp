@@ -57,7 +57,7 @@ long Win32Registry::ReadValue(Key key, const std::string& name, std::vector<std:
   DWORD size = 0;
   long result = RegQueryValueExA(Handle(key), ansiName.c_str(), nullptr, &type, nullptr, &size);
   if (result != ERROR_SUCCESS) return result;
-  do {  // somebody may be writing a longer value
+  do {  // another program may be writing a longer value
     data.resize(size);
     result = RegQueryValueExA(Handle(key), ansiName.c_str(), nullptr, &type, data.data(), &size);
   } while (result == ERROR_MORE_DATA);

@@ -1,4 +1,4 @@
-// The machine's registry through the calls that take text of the ANSI code page.
+// The machine's registry, through the calls for text in the ANSI code page.
 #pragma once
 
 #include "platform/registry.h"

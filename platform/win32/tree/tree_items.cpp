@@ -9,7 +9,7 @@ using controls::NodeProperty;
 
 namespace {
 
-constexpr std::size_t kMostChanges = 16;  // beyond, making everything anew is quicker
+constexpr std::size_t kMaxChanges = 16;  // beyond, making everything anew is quicker
 constexpr std::size_t kRemovedAtOnce = 10'000;
 
 class Counted {
@@ -78,7 +78,7 @@ void TreeItems::NodeChanged(std::uint32_t node, NodeProperty property) {
   if (ItemOf(node) == nullptr) return;
   m_stirred = true;
   if (m_rebuild) return;
-  if (m_changes.size() < kMostChanges) {
+  if (m_changes.size() < kMaxChanges) {
     m_changes.push_back({node, property});
   } else {
     m_rebuild = true;
@@ -164,7 +164,7 @@ HTREEITEM TreeItems::Reach(std::uint32_t node) {
   std::uint32_t parent = 0;
   for (; !path.empty(); path.pop_back()) {
     while (ItemOf(path.back()) == nullptr) {
-      if (m_count > kMostAhead) return nullptr;
+      if (m_count > kMaxAhead) return nullptr;
       if (!Has(parent, kOpened)) {
         OpenPiece(parent, Clock::time_point::max());
       } else if (Has(parent, kFilesMissing)) {

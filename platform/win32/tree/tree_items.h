@@ -1,7 +1,7 @@
 // Which nodes of a tree have an item in the native control, and making and removing those items.
 //
 // An item is made when it can be seen: the top nodes, and the children of nodes that are expanded. When much
-// is expanded at once, items are made ahead up to kMostAhead, in slices; what lies beyond follows when the
+// is expanded at once, items are made ahead up to kMaxAhead, in slices; what lies beyond follows when the
 // user comes near it (`Painted`). Of a very long folder a piece is shown at first, and the next when its end
 // comes into view. Removing many items takes long on some systems, so that is done in slices, too.
 //
@@ -25,7 +25,7 @@ class TreeItems {
  public:
   using Clock = std::chrono::steady_clock;
 
-  static constexpr std::size_t kMostAhead = 120'000;
+  static constexpr std::size_t kMaxAhead = 120'000;
   static constexpr std::uint32_t kFirstPiece = 10'000;  // children shown when a folder is opened
   static constexpr std::uint32_t kNextPiece = 2'000;    // and when its end comes into view
 

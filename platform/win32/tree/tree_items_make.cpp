@@ -7,7 +7,7 @@ using controls::Node;
 
 namespace {
 
-constexpr std::uint32_t kLeastPiece = 256;  // more than a window shows
+constexpr std::uint32_t kMinPiece = 256;  // more than a window shows
 constexpr auto kOpeningTime = std::chrono::milliseconds(50);
 
 }  // namespace
@@ -80,7 +80,7 @@ void TreeItems::MakeRest(std::uint32_t node, std::uint32_t most, Clock::time_poi
     MakeItem(index, ParentItem(node), TVI_LAST);
     rest->second.last = index;
     if (WantsOpening(index)) m_ahead.push_back(index);
-    if (++made % 64 == 0 && made >= kLeastPiece && Clock::now() >= until) most = made;
+    if (++made % 64 == 0 && made >= kMinPiece && Clock::now() >= until) most = made;
   }
   if (child) {
     rest->second.next = child.Index();
@@ -129,7 +129,7 @@ void TreeItems::MakeNear(Clock::time_point until) {
 }
 
 void TreeItems::MakeAhead(Clock::time_point until) {
-  while (m_aheadFiles < m_ahead.size() && m_count < kMostAhead) {
+  while (m_aheadFiles < m_ahead.size() && m_count < kMaxAhead) {
     if (Clock::now() >= until) return;
     if (m_aheadFolders < m_ahead.size()) {
       const std::uint32_t node = m_ahead[m_aheadFolders++];
