@@ -15,8 +15,8 @@ namespace kxrestore::engine::jet_sql {
 void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>& columns,
                            const std::vector<std::string_view>& read);
 
-// Removes the columns of nested statements in FROM that the statement around them does not read. Databases carry
-// such columns through every sort of a group.
+// Removes the columns of nested statements in FROM that the statement around them does not read. Databases
+// carry such columns through every sort of a group.
 void LeaveOutUnreadNestedColumns(SelectStatement& statement);
 
 }  // namespace kxrestore::engine::jet_sql
