@@ -1,5 +1,5 @@
-// A server catalog when things go wrong: who may not, what is not there, a server that goes away. And what the
-// back end asks of the server: round trips, rows in blocks.
+// A server catalog when things go wrong: who may not, what is not there, a server that goes away. And what
+// the back end asks of the server: round trips, rows in blocks.
 #include <cstdlib>
 
 #include "engine/jet_sql/printing/server_dialects.h"
