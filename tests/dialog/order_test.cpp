@@ -191,13 +191,14 @@ lblTreeCount hidden | commit
   ChooseRun();
   EXPECT_TRUE(ui().lblTreeCount.Visible());
   EXPECT_EQ(WrittenDown().find("bold"), std::string::npos) << "chosen again it stays as it is";
-  ui().optLookIn[2].SetValue(true);  // neither touches the other panel's choice
-  journal.Take();
-  for (const char* node : {"Set 2", "Online Backups"}) ChooseNode(node);
+  ChooseNode("Set 2");
+  ui().optLookIn[2].SetValue(true);
+  ChooseNode("Online Backups");  // leaves the other panel's choice alone, as a set does
   EXPECT_EQ(WrittenDown(), R"--(
 tvwSets 3/1/2026 8:00:00 AM (P) bold | tvwSets Set 2 bold | optLookIn(1) not chosen
-optLookIn(0) chosen | lblSetName "Set 2" | commit | tvwSets Set 2 bold | tvwSets Online Backups bold
-lblSetName "(All)" | optLookIn(0) not chosen | optLookIn(1) chosen | optLookIn(0) disabled | commit
+optLookIn(0) chosen | lblSetName "Set 2" | commit | optLookIn(3) not chosen | optLookIn(2) chosen
+tvwSets Set 2 bold | tvwSets Online Backups bold | lblSetName "(All)" | optLookIn(0) not chosen
+optLookIn(1) chosen | optLookIn(0) disabled | commit
 )--");
 }
 
