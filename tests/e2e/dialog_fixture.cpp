@@ -1,5 +1,6 @@
 #include "tests/e2e/dialog_fixture.h"
 
+#include <atomic>
 #include <thread>
 
 namespace kxrestore::e2e {
@@ -24,6 +25,7 @@ void ForgetPlacement() {
 
 short RunDialog(_RestoreDlg* object, const Steps& steps) {
   std::string failure;
+  std::atomic<bool> returned = false;
   std::thread worker([&] {
     const driver::DialogDriver driver(std::chrono::seconds(15));
     try {
@@ -31,11 +33,13 @@ short RunDialog(_RestoreDlg* object, const Steps& steps) {
       driver.WaitUntilClosed();
     } catch (const std::exception& error) {
       failure = error.what();
-      EndDialogs();
+      // The window may come up late: what ends it is tried until it is gone.
+      for (; !returned; Sleep(50)) EndDialogs();
     }
   });
   short result = -1;
   EXPECT_EQ(S_OK, object->DefineRestoreSet(&result));
+  returned = true;
   worker.join();
   if (!failure.empty()) {
     ADD_FAILURE() << failure;
