@@ -1,5 +1,6 @@
 #include "engine/value.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -134,11 +135,8 @@ bool ToBoolean(const ValueView& value) {
     bool operator()(double number) const { return number != 0; }
     bool operator()(std::string_view text) const {
       const auto is = [text](std::string_view word) {
-        if (text.size() != word.size()) return false;
-        for (std::size_t i = 0; i < text.size(); ++i) {
-          if ((text[i] | 0x20) != word[i]) return false;
-        }
-        return true;
+        return std::equal(text.begin(), text.end(), word.begin(), word.end(),
+                          [](char written, char lower) { return (written | 0x20) == lower; });
       };
       if (is("true")) return true;
       if (is("false")) return false;

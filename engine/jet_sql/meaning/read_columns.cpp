@@ -178,7 +178,7 @@ void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>
     for (std::size_t count = IsStar(item) ? ofStar : 1; count > 0; --count) {
       ResultColumn& column = columns[places.size()];
       if (wanted[places.size()] || !CanGo(item)) {
-        items.push_back(IsStar(item) ? ColumnOfStar(item, column) : Named(std::move(item), column));
+        items.push_back(IsStar(item) ? ColumnOfStar(item, column) : Named(std::exchange(item, {}), column));
         kept.push_back(std::move(column));
       }
       places.push_back(items.size());
