@@ -72,6 +72,12 @@ TEST_F(FormTest, EachLoadStartsAsDesignedKeepsTheParametersAndIsLogged) {
 
 TEST_F(FormTest, IconComesFromTheClientFolder) {
   MakeCatalog({});
+  platform.drives.files = {"C:\\Client\\kxicon.ico"};
+  form.parameters.RestorePath = " ";
+  EXPECT_EQ(ui().form.IconPath(), "") << "no folder is known";
+  EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To:  ") << "a blank is a path";
+  ui().form.UserClose();
+  platform.drives.files.clear();
   PutSetting(platform::kHkeyLocalMachine, "ClientDB", std::string("C:\\Client\0old", 13));
   EXPECT_EQ(ui().form.IconPath(), "") << "no such file";
   ui().form.UserClose();
