@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "bench/bare_sqlite.h"
+#include "bench/desktop_file.h"
 #include "bench/harness.h"
 #include "bench/loaded_dialog.h"
 #include "bench/marker.h"
 #include "host/catalog_maker/generator.h"
-#include "tests/desktop_maker/desktop_file.h"
 
 namespace kxrestore::bench {
 namespace {
@@ -29,7 +29,7 @@ std::string BenchDesktopFile(std::int64_t rows) {
       std::filesystem::path(BenchCatalog(rows)).parent_path() / ("one_run_" + std::to_string(rows) + ".mdb");
   if (!std::filesystem::exists(path)) {
     const std::string unfinished = path.string() + ".new";
-    testing::DesktopFile file(KX_TEST_DATA "/desktop/telling-2003.mdb", unfinished);
+    DesktopFile file(KX_TEST_DATA "/desktop/telling-2003.mdb", unfinished);
     sample::Generate({.rows = static_cast<std::uint64_t>(rows), .oneRun = true}, file);
     file.Finish();
     std::filesystem::rename(unfinished, path);

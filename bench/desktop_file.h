@@ -1,0 +1,77 @@
+// Makes files of the desktop engine for tests and benchmarks: a sample, and in it the rows of one's own. The
+// rows are written onto new pages at the end of the file, and the maps of its tables then name those pages
+// only. Indexes stay as they were: they are of no use to anybody.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <fstream>
+#include <initializer_list>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/jet_file/jet_file.h"
+#include "engine/value.h"
+#include "host/catalog_maker/table_writer.h"
+
+namespace kxrestore::bench {
+
+class DesktopFile : public sample::TableWriter {
+ public:
+  enum class Texts { kCompressed, kPlain, kMixed };  // kCompressed where the characters allow it
+  enum class Memos { kInRow, kOnePage, kChain };     // where memos lie
+  struct Style {
+    Texts texts = Texts::kCompressed;
+    Memos memos = Memos::kInRow;
+    int moveEvery = 0;  // each so-manieth row lies on another page, behind a pointer
+  };
+
+  // Copies the sample, one of a format from 2000 on, to `path`.
+  DesktopFile(const std::string& sample, const std::string& path);
+
+  void SetStyle(const Style& style) { m_style = style; }
+  // A row with a value for each column, in the order of the table's definition.
+  void Add(const std::string& table, const std::vector<engine::Value>& row);
+  // Writes what is left. Tables that no row was added to keep what the sample has.
+  void Finish();
+
+ private:
+  struct Output {
+    const engine::jet_file::TableDefinition* definition = nullptr;
+    std::vector<std::uint32_t> pages;
+    std::vector<std::string> rows;     // of the page in the making
+    std::vector<std::uint16_t> flags;  // of their slots
+    std::vector<std::string> moved;    // rows of the page of moved ones
+    std::uint32_t movedPage = 0;
+    std::size_t room = 0, movedRoom = 0;
+    std::uint32_t count = 0;
+  };
+
+  void Insert(sample::Table table, std::initializer_list<sample::Cell> row) override;
+  Output& OutputOf(const std::string& table);
+  std::string Encoded(const engine::jet_file::TableDefinition& definition,
+                      const std::vector<engine::Value>& row);
+  std::string EncodedText(std::string_view text) const;
+  std::string EncodedMemo(const std::string& text);
+  void Put(Output& output, std::string row, std::uint16_t flag);
+  void FinishPage(Output& output);
+  void FinishMoved(Output& output);
+  std::uint32_t PutLongValue(const std::string& bytes);
+  std::uint32_t NewPage();
+  void WriteDataPage(std::uint32_t page, std::uint32_t owner, const std::vector<std::string>& rows,
+                     const std::vector<std::uint16_t>& flags);
+  void WritePage(std::uint32_t page, const std::string& bytes);
+  void WriteMap(const Output& output);
+
+  engine::jet_file::JetFile m_sample;
+  std::fstream m_file;
+  std::uint32_t m_pages = 0;
+  Style m_style;
+  std::map<std::string, Output> m_outputs;
+  std::int64_t m_runs = 0;
+};
+
+}  // namespace kxrestore::bench
