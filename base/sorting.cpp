@@ -90,4 +90,41 @@ int CompareForSorting(std::string_view left, std::string_view right) {
   return static_cast<int>(i < left.size()) - static_cast<int>(j < right.size());
 }
 
+namespace {
+
+bool IsDigit(char character) {
+  return character >= '0' && character <= '9';
+}
+
+// Takes what the text begins with: digits, or everything up to the next digit.
+std::string_view TakePiece(std::string_view& text) {
+  const bool digits = IsDigit(text.front());
+  std::size_t length = 1;
+  while (length < text.size() && IsDigit(text[length]) == digits) ++length;
+  const std::string_view piece = text.substr(0, length);
+  text.remove_prefix(length);
+  return piece;
+}
+
+int CompareNumbers(std::string_view left, std::string_view right) {
+  left.remove_prefix(std::min(left.find_first_not_of('0'), left.size()));
+  right.remove_prefix(std::min(right.find_first_not_of('0'), right.size()));
+  if (left.size() != right.size()) return left.size() < right.size() ? -1 : 1;
+  return left.compare(right);
+}
+
+}  // namespace
+
+int CompareAsPeopleCount(std::string_view left, std::string_view right) {
+  std::string_view leftRest = left, rightRest = right;
+  while (!leftRest.empty() && !rightRest.empty()) {
+    const std::string_view a = TakePiece(leftRest), b = TakePiece(rightRest);
+    const int order =
+        IsDigit(a.front()) && IsDigit(b.front()) ? CompareNumbers(a, b) : CompareForSorting(a, b);
+    if (order != 0) return order;
+  }
+  if (leftRest.empty() != rightRest.empty()) return leftRest.empty() ? -1 : 1;
+  return CompareForSorting(left, right);  // zeros in front of a number
+}
+
 }  // namespace kxrestore

@@ -32,5 +32,7 @@ bool ContainsIgnoringCase(std::string_view text, std::string_view piece);
 // Collation for lists that people read: accented letters sort beside plain ones, and accents decide only
 // between texts that are otherwise equal. Negative, positive, or zero for texts that differ in case only.
 int CompareForSorting(std::string_view left, std::string_view right);
+// The same with digits counted as the number that they write: "Archive 2" before "Archive 10".
+int CompareAsPeopleCount(std::string_view left, std::string_view right);
 
 }  // namespace kxrestore

@@ -33,4 +33,9 @@ std::unique_ptr<engine::Recordset> OpenSelections(engine::Database& database,
       engine::RecordsetType::kSnapshot, read);
 }
 
+std::unique_ptr<engine::Recordset> CountSelections(engine::Database& database) {
+  return database.OpenRecordset("SELECT Count(*) AS Files FROM [Catalog] WHERE (((Catalog.Restore)=True));",
+                                engine::RecordsetType::kSnapshot);
+}
+
 }  // namespace kxrestore::catalog

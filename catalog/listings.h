@@ -26,4 +26,7 @@ std::string RunFilter(std::string_view list);
 [[nodiscard]] std::unique_ptr<engine::Recordset> OpenSelections(engine::Database& database,
                                                                 const engine::ColumnNames& read);
 
+// How many rows are marked: Files.
+std::unique_ptr<engine::Recordset> CountSelections(engine::Database& database);
+
 }  // namespace kxrestore::catalog

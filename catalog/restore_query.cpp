@@ -185,4 +185,12 @@ std::unique_ptr<engine::Recordset> BuildRestoreQuery(engine::Database& database,
   return database.OpenRecordset(ListingText(table, setId, mask, ext), engine::RecordsetType::kSnapshot, read);
 }
 
+std::unique_ptr<engine::Recordset> OpenNames(engine::Database& database, std::int32_t setId, bool latest,
+                                             std::string_view ext) {
+  constexpr std::string_view kPoint = ".";
+  if (latest) return BuildRestoreQuery(database, setId, latest, kPoint, ext, {"OrigName"});
+  return database.OpenRecordset(ListingText(query::kAll, setId, kPoint, ext),
+                                engine::RecordsetType::kSnapshot, {"OrigName"});
+}
+
 }  // namespace kxrestore::catalog

@@ -33,4 +33,9 @@ void CreateLatestQueries(engine::Database& database);
                                                                    std::string_view ext,
                                                                    const engine::ColumnNames& read = {});
 
+// Opens the names (OrigName) of the rows that BuildRestoreQuery lists for masks that begin with a point, and
+// maybe of others. Makes saved queries only where it has to, which is for the latest versions.
+std::unique_ptr<engine::Recordset> OpenNames(engine::Database& database, std::int32_t setId, bool latest,
+                                             std::string_view ext);
+
 }  // namespace kxrestore::catalog

@@ -205,6 +205,15 @@ std::size_t AutoSelect::MemoryUsed() const {
          m_store->texts.MemoryUsed() + m_store->pool.MemoryUsed();
 }
 
+void AutoSelect::SetSize(std::size_t number, std::int64_t size, bool known) {
+  CheckNumber(number);
+  auto& record = m_store->records[number - 1];
+  record.size = size;
+  record.flags = static_cast<std::uint8_t>(known ? record.flags | Store::kSizeKnown
+                                                 : record.flags & ~unsigned{Store::kSizeKnown});
+  if (List() != nullptr) List()->TicksChanged(number, number);
+}
+
 void AutoSelect::UserTick(std::size_t number, bool ticked) {
   if (number < 1 || number > m_store->Count() || !AcceptsUser()) return;
   SetTicked(number, ticked);

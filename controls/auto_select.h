@@ -58,6 +58,8 @@ class AutoSelect : public Control {
   // A group passes its tick on to its members; a member's tick leaves its group ticked when all members are.
   void SetTicked(std::size_t number, bool ticked);
   void TickAll(bool ticked);
+  // Another size, of a file type whose files were counted anew.
+  void SetSize(std::size_t number, std::int64_t size, bool known);
 
   // The stored names of the ticked entries that are no groups, or the names of those that have none, each
   // followed by ";".

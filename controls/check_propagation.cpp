@@ -53,4 +53,14 @@ void CheckChildren(Node node) {
   }
 }
 
+void ShowMixed(Node node) {
+  for (Node above = node.Parent(); above; above = above.Parent()) {
+    bool mixed = false;
+    for (Node child = above.Child(); child && !mixed; child = child.Next()) {
+      mixed = child.Mixed() || child.Checked() != above.Checked();
+    }
+    above.SetMixed(mixed);
+  }
+}
+
 }  // namespace kxrestore::controls

@@ -14,4 +14,24 @@ void CheckParents(Node node);
 // Every node below gets the node's own check.
 void CheckChildren(Node node);
 
+// Calls `expand(folder)`, which returns whether to go on, for a node and every one below it that has children
+// and is not expanded, parents first.
+template <class Expand>
+void ExpandBelow(const Node top, Expand&& expand) {
+  Node node = top;
+  while (node) {
+    if (node.HasChildren() && !node.Expanded() && !expand(node)) return;
+    if (const Node child = node.Child()) {
+      node = child;
+      continue;
+    }
+    while (node && !(node == top) && !node.Next()) node = node.Parent();
+    if (!node || node == top) return;
+    node = node.Next();
+  }
+}
+
+// Makes the nodes above one show whether what is below them is checked in part.
+void ShowMixed(Node node);
+
 }  // namespace kxrestore::controls

@@ -94,6 +94,16 @@ void Control::UserMouseMove() {
   if (MouseMove && AcceptsUser()) MouseMove();
 }
 
+void Control::UserKeyboardEnter() {
+  if (KeyboardEnter && AcceptsUser()) KeyboardEnter();
+}
+
+void Control::SetEmptyText(std::string text) {
+  if (m_emptyText == text) return;
+  m_emptyText = std::move(text);
+  Notify(Property::kEmptyText);
+}
+
 void Control::UserMenu(Menu& menu) {
   if (FillMenu && AcceptsUser()) FillMenu(menu);
 }

@@ -73,6 +73,10 @@ class Control {
   const std::string& AccessibleName() const { return m_accessibleName; }
   void SetAccessibleName(std::string name) { m_accessibleName = std::move(name); }
 
+  // What a list or tree says while it holds nothing.
+  const std::string& EmptyText() const { return m_emptyText; }
+  void SetEmptyText(std::string text);
+
   void BringToFront();
   void SetFocus();
   void Refresh();
@@ -82,6 +86,10 @@ class Control {
   // or hidden.
   std::function<void()> MouseMove;
   void UserMouseMove();
+
+  // The keyboard moved to the control.
+  std::function<void()> KeyboardEnter;
+  void UserKeyboardEnter();
 
   // The user asked for the menu of the control, or of what the menu's subject names: fills it. The front end
   // shows what it is given and calls Menu::UserChoose; nothing is shown where nothing was filled in.
@@ -114,6 +122,7 @@ class Control {
   std::string m_tag;
   std::string m_toolTipText;
   std::string m_accessibleName;
+  std::string m_emptyText;
   int m_freezes = 0;
   std::unique_ptr<Peer> m_peer;
 };

@@ -46,6 +46,12 @@ void Form::SetMousePointer(controls::MousePointer pointer) {
   Notify(Property::kAppearance);
 }
 
+void Form::SetTaskProgress(const TaskProgress& progress) {
+  if (m_taskProgress == progress) return;
+  m_taskProgress = progress;
+  Notify(Property::kTaskProgress);
+}
+
 void Form::SetIconPath(std::string path) {
   if (m_iconPath == path) return;
   m_iconPath = std::move(path);
@@ -77,6 +83,10 @@ void Form::UserClose() {
   } else {
     Unload();
   }
+}
+
+void Form::UserShown() {
+  if (m_open && Shown && AcceptsUser()) Shown();
 }
 
 void Form::UserResize(int width, int height, controls::WindowState state) {

@@ -36,6 +36,16 @@ class Form : public Container {
   controls::MousePointer MousePointer() const { return m_mousePointer; }
   void SetMousePointer(controls::MousePointer pointer);
 
+  // What the task bar's button shows of the work that is going on: nothing, how much of it is done (0 to 1),
+  // or, with a negative share, that something goes on.
+  struct TaskProgress {
+    bool shown = false;
+    double share = 0;
+    bool operator==(const TaskProgress&) const = default;
+  };
+  const TaskProgress& GetTaskProgress() const { return m_taskProgress; }
+  void SetTaskProgress(const TaskProgress& progress);
+
   // Path of an icon file that replaces the designed icon; an empty path keeps that.
   const std::string& IconPath() const { return m_iconPath; }
   void SetIconPath(std::string path);
@@ -51,6 +61,9 @@ class Form : public Container {
   std::function<void()> CloseRequest;  // when set, UserClose raises it instead of unloading at once
   void UserKey(Key key);
   void UserClose();
+  // The window has come up.
+  std::function<void()> Shown;
+  void UserShown();
   // The outer size, as the window now has it; a minimized window keeps the size that it will be restored to.
   // Raises Resize when the size or the state changed, and is taken whether or not the form takes other input.
   void UserResize(int width, int height, controls::WindowState state);
@@ -80,6 +93,7 @@ class Form : public Container {
   int m_frameWidth = 240, m_frameHeight = 510;
   controls::WindowState m_windowState = controls::WindowState::kNormal;
   controls::MousePointer m_mousePointer = controls::MousePointer::kDefault;
+  TaskProgress m_taskProgress;
   bool m_open = true;
   bool m_unloading = false;
 };

@@ -34,6 +34,8 @@ enum class Property {
   kItems,       // entries of combo boxes, tabs
   kAppearance,  // colours, border, mouse pointer, font, icon
   kWindowState,
+  kTaskProgress,  // of the form
+  kEmptyText,     // of lists and trees
 };
 
 class Peer {
@@ -46,7 +48,7 @@ class Peer {
   virtual void FreezeRedraw(bool /*frozen*/) {}
 };
 
-enum class NodeProperty { kText, kImage, kChecked, kExpanded, kBold, kSelected };
+enum class NodeProperty { kText, kImage, kChecked, kExpanded, kBold, kSelected, kMixed };
 
 // Nodes are named by their index in the tree, from 1.
 class TreePeer : public Peer {
@@ -55,6 +57,8 @@ class TreePeer : public Peer {
   virtual void NodeRemoved(std::uint32_t node) = 0;  // told for the top of a removed branch, before it goes
   virtual void NodeChanged(std::uint32_t node, NodeProperty property) = 0;
   virtual void Cleared() = 0;
+  // What TreeView::Badge says may have changed, of any node.
+  virtual void BadgesChanged() {}
 };
 
 // Entries are named by their number in the list, from 1.

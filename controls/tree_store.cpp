@@ -4,9 +4,16 @@
 #include <cstring>
 #include <limits>
 
+#include "base/text.h"
 #include "controls/errors.h"
 
 namespace kxrestore::controls {
+
+namespace {
+
+constexpr std::size_t kMostOrdered = 200'000;  // children; more would take longer than a click may
+
+}  // namespace
 
 namespace {
 
@@ -96,8 +103,8 @@ void TreeView::Store::SetTexts(Record& record, const Texts& texts) {
 
   // A key of its own takes the place of one made from the parent's.
   const unsigned keyed = key.empty() ? record.flags & kFolder : unsigned{kHasKey};
-  record.flags = static_cast<std::uint8_t>((record.flags & ~(kTextEndsTag | kHasKey | kFolder)) | keyed |
-                                           (textEndsTag ? kTextEndsTag : 0));
+  record.flags = static_cast<std::uint16_t>((record.flags & ~(kTextEndsTag | kHasKey | kFolder)) | keyed |
+                                            (textEndsTag ? kTextEndsTag : 0));
 }
 
 void TreeView::Store::SetTag(std::uint32_t node, std::string_view tag) {
@@ -226,6 +233,29 @@ void TreeView::Store::Remove(std::uint32_t node) {
     m_records[record.parent].firstChild = record.next;
     current = record.next != 0 ? record.next : record.parent;
   }
+}
+
+// Names mostly come in their order, so that is looked at first.
+void TreeView::Store::OrderChildren(std::uint32_t parent) {
+  const auto before = [this](std::uint32_t left, std::uint32_t right) {
+    const Record &a = m_records[left], &b = m_records[right];
+    if ((a.firstChild != 0) != (b.firstChild != 0)) return a.firstChild != 0;
+    return CompareAsPeopleCount(TextsOf(a).text, TextsOf(b).text) < 0;
+  };
+  std::vector<std::uint32_t> children;
+  for (std::uint32_t child = m_records[parent].firstChild; child != 0; child = m_records[child].next) {
+    children.push_back(child);
+  }
+  if (children.size() > kMostOrdered || std::is_sorted(children.begin(), children.end(), before)) return;
+  std::stable_sort(children.begin(), children.end(), before);
+  std::uint32_t previous = 0;
+  for (const std::uint32_t child : children) {
+    m_records[child].previous = previous;
+    (previous != 0 ? m_records[previous].next : m_records[parent].firstChild) = child;
+    previous = child;
+  }
+  m_records[previous].next = 0;
+  m_records[parent].lastChild = previous;
 }
 
 std::size_t TreeView::Store::MemoryUsed() const {

@@ -14,7 +14,7 @@
 namespace kxrestore::controls {
 
 struct TreeView::Store {
-  enum Flag : std::uint8_t {
+  enum Flag : std::uint16_t {
     kNoFlag = 0,
     kChecked = 1,
     kExpanded = 2,
@@ -23,6 +23,8 @@ struct TreeView::Store {
     kHasKey = 16,  // a key of its own, kept with the texts
     kFolder = 32,  // a key made from that of its parent
     kRemoved = 64,
+    kMixed = 128,
+    kOrdered = 256,  // its children stand in their order
   };
 
   // Record 0 stands above the top nodes; its links make them siblings like any others.
@@ -30,8 +32,9 @@ struct TreeView::Store {
     const char* texts;  // lengths, tag, text and key, as SetTexts lays them out
     std::uint32_t parent, firstChild, lastChild, previous, next;
     std::int16_t image;
-    std::uint8_t flags;
+    std::uint16_t flags;
   };
+  static_assert(sizeof(Record) <= 32);
   struct Texts {
     std::string_view tag, text, key;  // the key is empty unless the node has one of its own
   };
@@ -55,6 +58,8 @@ struct TreeView::Store {
                     std::string_view tag);
   std::uint32_t FindOrAddFolder(std::uint32_t parent, std::string_view text, int image);
   void Remove(std::uint32_t node);
+  // Puts the children of a node into the order of folders first and names as people count.
+  void OrderChildren(std::uint32_t parent);
 
   static Texts TextsOf(const Record& record);
   void SetText(std::uint32_t node, std::string_view text);

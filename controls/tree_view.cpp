@@ -23,11 +23,14 @@ std::string_view Node::Tag() const {
 int Node::Image() const {
   return Nodes().At(m_index).image;
 }
-bool Node::Has(std::uint8_t flag) const {
+bool Node::Has(std::uint16_t flag) const {
   return (Nodes().At(m_index).flags & flag) != 0;
 }
 bool Node::Checked() const {
   return Has(TreeView::Store::kChecked);
+}
+bool Node::Mixed() const {
+  return Has(TreeView::Store::kMixed);
 }
 bool Node::Expanded() const {
   return Has(TreeView::Store::kExpanded);
@@ -40,8 +43,8 @@ void Node::Changed(NodeProperty property) const {
   if (TreePeer* const peer = m_tree->Tree()) peer->NodeChanged(m_index, property);
 }
 
-bool Node::Put(std::uint8_t flag, bool set, NodeProperty property) {
-  std::uint8_t& flags = Nodes().At(m_index).flags;
+bool Node::Put(std::uint16_t flag, bool set, NodeProperty property) {
+  std::uint16_t& flags = Nodes().At(m_index).flags;
   if (((flags & flag) != 0) == set) return false;
   flags ^= flag;
   Changed(property);
@@ -65,7 +68,11 @@ void Node::SetImage(int image) {
   Changed(NodeProperty::kImage);
 }
 
+void Node::SetMixed(bool mixed) {
+  Put(TreeView::Store::kMixed, mixed, NodeProperty::kMixed);
+}
 void Node::SetChecked(bool checked) {
+  SetMixed(false);
   Put(TreeView::Store::kChecked, checked, NodeProperty::kChecked);
 }
 void Node::SetBold(bool bold) {
@@ -74,6 +81,7 @@ void Node::SetBold(bool bold) {
 
 void Node::SetExpanded(bool expanded) {
   if (!Put(TreeView::Store::kExpanded, expanded, NodeProperty::kExpanded) || !HasChildren()) return;
+  if (expanded) m_tree->InOrder(*this);
   const auto& event = expanded ? m_tree->Expand : m_tree->Collapse;
   if (event) event(*this);
 }
@@ -113,6 +121,7 @@ Node TreeView::Add(Node parent, std::string_view key, std::string_view text, int
                    std::string_view tag) {
   if (parent && parent.m_tree != this) ThrowElementNotFound();
   const std::uint32_t node = m_store->Add(parent.m_index, key, text, image, tag);
+  if (parent && parent.Checked()) AddedBelowTicked(parent);
   if (Tree() != nullptr) Tree()->NodeAdded(node);
   return {this, node};
 }
@@ -121,8 +130,14 @@ Node TreeView::FindOrAddFolder(Node parent, std::string_view text, int image) {
   if (parent && parent.m_tree != this) ThrowElementNotFound();
   const std::uint32_t highest = m_store->Highest();
   const std::uint32_t node = m_store->FindOrAddFolder(parent.m_index, text, image);
+  if (node > highest && parent && parent.Checked()) AddedBelowTicked(parent);
   if (node > highest && Tree() != nullptr) Tree()->NodeAdded(node);
   return {this, node};
+}
+
+// What is new is not ticked, and so the nodes above are no longer ticked as a whole.
+void TreeView::AddedBelowTicked(Node parent) {
+  for (; parent && !parent.Mixed(); parent = parent.Parent()) parent.SetMixed(true);
 }
 
 void TreeView::Remove(Node node) {
@@ -177,6 +192,23 @@ void TreeView::SetSelectedItem(Node node) {
 
 std::size_t TreeView::MemoryUsed() const {
   return m_store->MemoryUsed();
+}
+
+Node TreeView::InOrder(Node node) {
+  auto& flags = m_store->At(node.m_index).flags;
+  if (m_naturalOrder && (flags & Store::kOrdered) == 0) {
+    flags |= Store::kOrdered;
+    m_store->OrderChildren(node.m_index);
+  }
+  return node.Child();
+}
+
+std::string TreeView::UserTip(Node node) {
+  return Tip && AcceptsUserOn(node) ? Tip(node) : std::string();
+}
+
+void TreeView::BadgesChanged() {
+  if (Tree() != nullptr) Tree()->BadgesChanged();
 }
 
 // A front end may report on a node that has gone in the meantime.

@@ -34,13 +34,16 @@ class Node {
   std::string_view Tag() const;
   int Image() const;
   bool Checked() const;
+  // Of what is below it some is checked and some is not: drawn as a third state, which Checked does not know.
+  bool Mixed() const;
   bool Expanded() const;
   bool Bold() const;
 
   void SetText(std::string_view text);
   void SetTag(std::string_view tag);
   void SetImage(int image);
-  void SetChecked(bool checked);    // raises nothing
+  void SetChecked(bool checked);  // raises nothing; the node is not mixed then
+  void SetMixed(bool mixed);
   void SetExpanded(bool expanded);  // raises Expand or Collapse when it changes on a node with children
   void SetBold(bool bold);
 
@@ -54,8 +57,8 @@ class Node {
  private:
   friend class TreeView;
   auto& Nodes() const;
-  bool Has(std::uint8_t flag) const;
-  bool Put(std::uint8_t flag, bool set, NodeProperty property);
+  bool Has(std::uint16_t flag) const;
+  bool Put(std::uint16_t flag, bool set, NodeProperty property);
   void Changed(NodeProperty property) const;
 
   TreeView* m_tree = nullptr;
@@ -84,6 +87,14 @@ class TreeView : public Control {
   void Remove(Node node);
   void Clear();
 
+  // Whether the children of a node stand in the order of folders first and names as people count ("Archive 2"
+  // before "Archive 10"), instead of that of adding. It is made when a node is first expanded, or asked for
+  // by InOrder; top nodes, what is added afterwards and very long folders stay as they come. Indexes never
+  // change.
+  void SetNaturalOrder(bool natural) { m_naturalOrder = natural; }
+  // The first child of a node, once its children stand in their order.
+  Node InOrder(Node node);
+
   std::size_t Count() const;
   Node Find(std::string_view key) const;  // nothing when there is none
   Node Item(std::string_view key) const;  // error 35601 when there is none
@@ -94,6 +105,14 @@ class TreeView : public Control {
 
   // Bytes held for the nodes and their texts.
   std::size_t MemoryUsed() const;
+
+  // What is said of a node when the pointer rests on it; nothing where there is nothing to say. It may take
+  // some milliseconds.
+  std::function<std::string(Node)> Tip;
+  std::string UserTip(Node node);
+  // Whether a node wears the badge of what is done already; asked whenever the node is painted.
+  std::function<bool(Node)> Badge;
+  void BadgesChanged();
 
   std::function<void(Node)> NodeClick;  // the user chose it, by pointer or key
   std::function<void(Node)> NodeCheck;  // the user changed its check
@@ -110,8 +129,10 @@ class TreeView : public Control {
   TreePeer* Tree() const { return static_cast<TreePeer*>(GetPeer()); }
   Node Handle(std::uint32_t node) const;
   bool AcceptsUserOn(Node node) const;
+  static void AddedBelowTicked(Node parent);
 
   bool m_checkBoxes;
+  bool m_naturalOrder = false;
   const ImageList* m_images = nullptr;
   Node m_selected;
   std::unique_ptr<Store> m_store;

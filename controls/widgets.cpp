@@ -132,6 +132,10 @@ void ProgressBar::SetValue(double value) {
   if (Replace(m_value, value)) Notify(Property::kValue);
 }
 
+void ProgressBar::SetIndeterminate(bool indeterminate) {
+  if (Replace(m_indeterminate, indeterminate)) Notify(Property::kAppearance);
+}
+
 int ImageList::Index(std::string_view key) const {
   const auto place = std::find(m_keys.begin(), m_keys.end(), key);
   if (place == m_keys.end()) ThrowElementNotFound();

@@ -168,8 +168,12 @@ class ProgressBar : public Control {
   void SetMax(double max);
   double Value() const { return m_value; }
   void SetValue(double value);  // error 380 outside 0..Max
+  // Whether it only shows that something goes on.
+  bool Indeterminate() const { return m_indeterminate; }
+  void SetIndeterminate(bool indeterminate);
 
  private:
+  bool m_indeterminate = false;
   double m_max = 100;
   double m_value = 0;
 };

@@ -1,6 +1,7 @@
 // The auto-select tab: marks every file of the ticked types.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,12 @@ class AutoSelectPanel {
 
   void cmdAuto_Click(int index);
 
+  // Counts for each type the files that its pattern would mark in what is looked in, where that is not known:
+  // on the first visit of the tab, and again when one of the choices has changed. The user is not kept
+  // waiting for it, see FormContext::InBackground; a count that was cut off is taken up when the form is idle
+  // again, one that the user stopped when the tab is next visited or a choice changes.
+  void CountWhereDue();
+
   // Marks what the ticked types stand for and lists what is marked now. Reports its own errors; marks made
   // before one stay. A stopped one lists nothing.
   void ApplyAutoSelect();
@@ -31,6 +38,17 @@ class AutoSelectPanel {
   void MarkTypes(MarkingWalk& walk, std::string_view types);
   void MarkType(MarkingWalk& walk, const LookIn& lookIn, std::string_view pattern);
 
+  // What the counts in the list are of.
+  struct Counted {
+    LookIn lookIn;
+    bool latest = false;
+    bool operator==(const Counted&) const = default;
+  };
+  bool CountTypes(const Counted& what);
+  void ForgetCounts();
+  std::size_t FilesToMark() const;
+
+  std::optional<Counted> m_counted, m_stopped;
   FormContext& m_context;
   SetTree& m_setTree;
   RestoreList& m_restoreList;

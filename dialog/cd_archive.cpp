@@ -77,7 +77,7 @@ void CdArchive::LoadUpArchives(controls::Node node) {
 }
 
 void CdArchive::ReadBranch(controls::Node branch) {
-  FormContext::Walk walk(m_context);
+  FormContext::Walk walk(m_context, Work::kListing);
   const auto database = m_context.workspace.OpenDatabase({.name = kArchivePath});
   const auto rows = database->OpenRecordset(kHeaders, engine::RecordsetType::kSnapshot);
   const engine::Field volumes = rows->Fields("Volume"), years = rows->Fields("YYYY"),
@@ -161,13 +161,13 @@ void CdArchive::cmdCD_Click() {
 // Whether the user let it come to its end. The disc is read before the archive is locked: discs are slow, and
 // others want to write.
 bool CdArchive::Append(const std::string& disc, std::size_t& added) {
-  FormContext::Walk walk(m_context);
   const auto archive = m_context.workspace.OpenDatabase({.name = kArchivePath});
   const auto source = m_context.workspace.OpenDatabase({.name = disc, .readOnly = true});
   const auto columns = HeaderColumns(*archive->OpenRecordset(kHeaders, engine::RecordsetType::kSnapshot));
 
   controls::ProgressBar& progress = m_context.ui.ProgressBar1;
   progress.SetMax(std::max(1.0, 2 * CountHeaders(*source) + CountHeaders(*archive)));
+  FormContext::Walk walk(m_context, Work::kAdding, static_cast<std::int64_t>(progress.Max()));
   // The tables may have grown since.
   const auto advance = [&] { progress.SetValue(std::min(progress.Value() + 1, progress.Max())); };
 

@@ -89,7 +89,7 @@ ContextHelp::ContextHelp(FormContext& context) : m_context(context) {
 
 // `key` must live as long as the form.
 void ContextHelp::Explain(controls::Control& source, std::string_view key) {
-  source.MouseMove = [this, key] {
+  source.MouseMove = source.KeyboardEnter = [this, key] {
     controls::Label& help = m_context.ui.lblHelp;
     if (help.Tag() == key) return;
     m_context.Skipping([&] {

@@ -39,7 +39,7 @@ void DetailActions::cmdAction_Click(int index) {
 void DetailActions::AddToSetSelections() {
   controls::Label& lblTreeCount = m_context.ui.lblTreeCount;
   lblTreeCount.SetVisible(true);
-  MarkingWalk walk(m_context, "AddToSetSelections");
+  MarkingWalk walk(m_context, "AddToSetSelections", Work::kMarking, m_context.ui.tvwDetails.Count());
   if (walk.Run([&] { MarkTicked(walk); }) == MarkingWalk::End::kStopped) return;
   ListCurrentSelections();
   lblTreeCount.SetVisible(false);
@@ -86,7 +86,7 @@ void DetailActions::ClearAll() {
 
 void DetailActions::ExpandAllDetails(bool expand) {
   controls::TreeView& tree = m_context.ui.tvwDetails;
-  FormContext::Walk walk(m_context);
+  FormContext::Walk walk(m_context, Work::kExpanding, static_cast<std::int64_t>(tree.Count()));
   const int count = static_cast<int>(tree.Count());
   for (int index = 1; index <= count && walk.Next(); ++index) {
     m_context.Skipping([&] {

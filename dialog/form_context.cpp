@@ -1,5 +1,7 @@
 #include "dialog/form_context.h"
 
+#include "base/phrases.h"
+#include "dialog/advice.h"
 #include "engine/error_numbers.h"
 #include "platform/desktop.h"
 
@@ -11,6 +13,7 @@ FormContext::FormContext(Parameters& parametersOfRun, FormControls& controlsOfFo
       ui(controlsOfForm),
       platform(platformOfHost),
       workspace(workspaceOfHost),
+      progress(controlsOfForm, platformOfHost),
       marks(workspace, connection, shownRun,
             [this](const Error& error, const std::string& routine) { onMarkError(error, routine); }),
       onMarkError([this](const Error& error, const std::string& routine) { ReportError(error, routine); }) {}
@@ -34,14 +37,20 @@ void FormContext::ShowError(const Error& error, std::string_view routine) {
   Skipping([&] {
     std::string text("(");
     text.append(std::to_string(error.Number())).append(") ").append(error.Description());
+    text.append("\n\n").append(Say(AdviceFor(error.Number())));
+    const std::int64_t before = progress.Now();
     platform.desktop.MessageBox(text, platform::MessageStyle::kWarning, std::string(routine));
+    progress.LeaveOut(progress.Now() - before);
   });
 }
 
 platform::Answer FormContext::MessageBox(const std::string& text, platform::MessageStyle style,
                                          const std::string& title) {
   Commit(m_routine);
-  return platform.desktop.MessageBox(text, style, title);
+  const std::int64_t before = progress.Now();
+  const platform::Answer answer = platform.desktop.MessageBox(text, style, title);
+  progress.LeaveOut(progress.Now() - before);
+  return answer;
 }
 
 bool FormContext::Commit(const char* routine) {
@@ -58,8 +67,10 @@ void FormContext::DoEvents() {
 void FormContext::EnterEvent(const char* routine) {
   if (m_events++ > 0) return;
   m_routine = routine;
+  if (!m_aside) Skipping([this] { progress.BeginAction(); });
   Skipping([this] { workspace.BeginAction(); });
   workspace.SetWaiting([this] {
+    Skipping([this] { progress.Wait(); });
     platform.desktop.DoEventsWhileWaiting();
     return !Stopped();
   });
@@ -70,6 +81,7 @@ void FormContext::LeaveEvent() {
     if (!Reporting(m_routine, [this] { workspace.EndAction(); })) m_commitLost = true;
     workspace.SetWaiting({});
     parameters.StopRequested = false;
+    if (!m_aside) Skipping([this] { progress.EndAction(); });
   }
   if (--m_events > 0 || m_runningPutOff) return;
   RunWhatWasPutOff();
@@ -78,14 +90,22 @@ void FormContext::LeaveEvent() {
 // Steps that come in meanwhile are taken, too, one after the other.
 void FormContext::RunWhatWasPutOff() {
   m_runningPutOff = true;
+  bool aside = std::exchange(m_aside, false);
   if (std::exchange(m_commitLost, false) && ListMarksAnew) Event(m_routine, [this] { ListMarksAnew(); });
   while (m_putOff && ui.form.IsOpen()) {
     const auto step = std::exchange(m_putOff, nullptr);
+    aside = false;
     Skipping(step);
     if (std::exchange(m_commitLost, false) && ListMarksAnew) Event(m_routine, [this] { ListMarksAnew(); });
   }
   m_putOff = nullptr;
   m_runningPutOff = false;
+  if (aside || m_idling) return;
+  m_idling = true;
+  for (const auto& call : whenIdle) {
+    if (ui.form.IsOpen()) Skipping(call);
+  }
+  m_idling = false;
 }
 
 bool FormContext::RaiseToHost(const char* routine, const std::function<void()>& event, bool evenThen) {

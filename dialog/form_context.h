@@ -13,12 +13,14 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "base/error.h"
 #include "catalog/connection.h"
 #include "catalog/restore_marks.h"
 #include "dialog/form_controls.h"
 #include "dialog/parameters.h"
+#include "dialog/progress.h"
 #include "engine/database.h"
 #include "platform/desktop.h"
 #include "platform/platform.h"
@@ -52,6 +54,7 @@ class FormContext {
   // The run whose files the detail tree shows; the choice may have moved on since. Marks that name no set or
   // extension go to this one. The lists put an entry's own run here while they mark it.
   catalog::CurrentRun shownRun;
+  Progress progress;
   catalog::ConnectionSettings connection;  // set up while the form loads
   catalog::RestoreMarks marks;             // reports through onMarkError
 
@@ -133,8 +136,35 @@ class FormContext {
       Event(routine, body);
     } else if (!m_hostHasControl) {
       Skipping([&] { PutOff([this, routine, body] { Event(routine, body); }); });
+      if (m_background != nullptr) *m_background = parameters.StopRequested = true;
     }
   }
+
+  // The same for what is looked up on the side, a tip say: what was last said about progress stays.
+  template <class Body>
+  void Aside(const char* routine, Body&& body) {
+    const bool before = std::exchange(m_aside, true);
+    Event(routine, [&] { Skipping(body); });
+    m_aside = before;
+  }
+  // The same for work that nobody asked for. A command that comes in meanwhile stops it and runs at once.
+  // False when that has happened.
+  template <class Body>
+  bool InBackground(const char* routine, Body&& body) {
+    if (Busy()) return true;
+    bool cutOff = false;
+    Event(routine, [&] {
+      m_background = &cutOff;
+      Skipping(body);
+      m_background = nullptr;
+    });
+    return !cutOff;
+  }
+  // Called whenever the form has become idle; what they do makes it idle again, and they are not called for
+  // that.
+  std::vector<std::function<void()>> whenIdle;
+  // The restore list was filled anew, or cleared.
+  std::function<void()> onMarksListed;
 
   // Raises an event to the form's owner. The user action ends first, so that the host finds everything
   // committed and nothing open; whatever the user does until the host returns is ignored. A commit that fails
@@ -145,21 +175,30 @@ class FormContext {
   // says whether to go on. A statement that the user stops ends with an error for which IsStop holds.
   class Walk {
    public:
-    explicit Walk(FormContext& context) : m_context(context) {}
+    // `total`: the number of items, 0 where nobody knows it.
+    Walk(FormContext& context, Work work, std::int64_t total = 0)
+        : m_context(context), m_progress(context.progress, work, total) {}
 
     [[nodiscard]] bool Next() {
+      m_context.StepProgress();
       m_context.DoEvents();
       return !m_context.Stopped();
     }
 
    private:
     FormContext& m_context;
+    Progress::Walk m_progress;
   };
 
   bool Busy() const { return m_events > 0; }
   bool IsOutermostEvent() const { return m_events == 1; }
   // Whether the user has asked to end what is going on. Holds until the outermost event ends.
   bool Stopped() const { return parameters.StopRequested; }
+
+  // One more item of the walk is done.
+  void StepProgress() {
+    Skipping([this] { progress.Step(); });
+  }
 
   // Lets pending messages run, and pending commits have their chance.
   void DoEvents();
@@ -191,6 +230,9 @@ class FormContext {
   bool m_hostHasControl = false;
   bool m_commitLost = false;
   bool m_runningPutOff = false;
+  bool m_aside = false;
+  bool* m_background = nullptr;  // while such work is going on: whether it is cut off
+  bool m_idling = false;
   std::function<void()> m_putOff;
 };
 

@@ -65,6 +65,7 @@ FormControls::FormControls() {
   DriveCD.SetAccessibleName(Say(Phrase::kNameDrive));
   txtVL.SetAccessibleName(Say(Phrase::kNameVolume));
   ProgressBar1.SetAccessibleName(Say(Phrase::kNameProgress));
+  barProgress.SetAccessibleName(Say(Phrase::kNameProgress));
   tbsOptions.SetAccessibleName(Say(Phrase::kNameTabs));
   SplitV.SetAccessibleName(Say(Phrase::kNameSetsWidth));
   splitH.SetAccessibleName(Say(Phrase::kNameUpperHeight));
@@ -77,6 +78,7 @@ FormControls::FormControls() {
   panel[1].SetVisible(false);
   panel[2].SetVisible(false);
   frLoadCD.SetVisible(false);
+  picProgress.SetVisible(false);
   for (int index : {1, 3, 5}) optLookIn[index].SetValue(true);
   optLookIn[0].SetEnabled(false);
   optLookIn[2].SetEnabled(false);

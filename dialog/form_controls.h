@@ -118,6 +118,11 @@ struct FormControls {
   Label lblCurrSet{"lblCurrSet", &picTopButtons, "Current Set:"};
   Label lblSetName{"lblSetName", &picTopButtons, "(none)"};
   Label lblHelp{"lblHelp", &form, ""};
+
+  // What takes long says so in the place of the help.
+  PictureBox picProgress{"picProgress", &form};
+  Label lblProgress{"lblProgress", &picProgress, ""};
+  controls::ProgressBar barProgress{"barProgress", &picProgress};
 };
 
 }  // namespace kxrestore::dialog

@@ -9,7 +9,10 @@
 #include "dialog/cd_archive.h"
 #include "dialog/context_help.h"
 #include "dialog/detail_actions.h"
+#include "dialog/hints.h"
 #include "dialog/layout.h"
+#include "dialog/node_info.h"
+#include "dialog/node_menu.h"
 #include "dialog/restore_list.h"
 #include "dialog/search.h"
 #include "dialog/set_detail.h"
@@ -39,6 +42,8 @@ struct frmRestore::Loaded {
         setTree(context),
         setDetail(context),
         detailActions(context),
+        nodeInfo(context),
+        nodeMenu(context, nodeInfo),
         restoreList(context,
                     {[&form] { Raise(form.CommenceRestore); }, [&form] { Raise(form.CancelRestore); }}),
         search(context, setTree, restoreList),
@@ -48,6 +53,12 @@ struct frmRestore::Loaded {
         placement(ui, layout, form.m_platform) {
     setTree.LoadBackupSetDetail = [this](controls::Node run) { setDetail.LoadBackupSetDetail(run); };
     setTree.ArchiveNode = [this](controls::Node node) { cdArchive.OpenBranch(node); };
+    setDetail.RunChanged = [this] { nodeInfo.RunChanged(); };
+    nodeMenu.ChooseDay = [this](controls::Node node) { setTree.ChooseDay(node); };
+    context.onMarksListed = [this] { nodeInfo.MarksListed(); };
+    ui.form.Shown = [this] {
+      if (catalogRead) restoreList.TellEarlierMarks();
+    };
     detailActions.ListCurrentSelections = [this] { restoreList.ListCurrentSelections(); };
     layout.InitializeFileTypes = [this] { return autoSelect.LoadTypes(); };
   }
@@ -57,11 +68,14 @@ struct frmRestore::Loaded {
   }
 
   FormControls ui;
+  bool catalogRead = false;
   FormContext context;
   Layout layout;
   SetTree setTree;
   SetDetail setDetail;
   DetailActions detailActions;
+  NodeInfo nodeInfo;
+  NodeMenu nodeMenu;
   RestoreList restoreList;
   Search search;
   AutoSelectPanel autoSelect;
@@ -95,6 +109,7 @@ void frmRestore::Load() {
 void frmRestore::LoadSequence() {
   FormControls& ui = m_loaded->ui;
   SessionLogEntry("Loading " + parameters.Action() + " Dialog ... ");
+  hints::BeforeAnything(ui);
   m_loaded->placement.RestoreWindow();
   m_loaded->layout.PlaceInitially();
   m_loaded->placement.RestoreSplitters();
@@ -108,7 +123,7 @@ void frmRestore::LoadSequence() {
     connection.connect = catalog::BuildConnectString(parameters.DBDatabase, parameters.DBServer,
                                                      parameters.DBUser, parameters.DBPass);
   }
-  m_loaded->setTree.LoadBackupSetTree();
+  m_loaded->catalogRead = m_loaded->setTree.LoadBackupSetTree();
   m_loaded->cdArchive.AddBranch();
 
   if (parameters.RestorePath.empty()) {

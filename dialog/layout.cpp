@@ -44,6 +44,8 @@ constexpr int kBoxInRow = 2300;
 constexpr int kChoicesInRow = kOptionsInRow + kGap + kBoxInRow;
 constexpr int kLeastField = 2000;
 constexpr int kArchiveLabel = 1350;
+constexpr int kProgressLines = 4;
+constexpr int kProgressBar = 180;
 
 int ButtonTop(int row) {
   return kRow + row * kButtonPitch;
@@ -168,7 +170,13 @@ void Layout::PlaceRightColumn() {
 void Layout::PlaceHelp() {
   const auto& column = m_ui.picTopButtons;
   const int top = column.Top() + column.Height();
-  Place(m_ui.lblHelp, column.Left() + kEdge, top, column.Width() - kEdge, m_ui.picBottom.Top() - top);
+  const int width = column.Width() - kEdge;
+  const int height = m_ui.picBottom.Top() - top;
+  Place(m_ui.lblHelp, column.Left() + kEdge, top, width, height);
+  Place(m_ui.picProgress, column.Left() + kEdge, top, width, height);
+  const int text = std::min(kProgressLines * kLineHeight, height - kProgressBar - kEdge);
+  Place(m_ui.lblProgress, 0, 0, width, text);
+  Place(m_ui.barProgress, 0, text + kEdge / 2, width, kProgressBar);
 }
 
 void Layout::picTop_Resize() {

@@ -16,6 +16,7 @@ namespace kxrestore::dialog {
 struct LookIn {
   std::int32_t setId = 0;  // 0: all sets
   std::string runs;        // the filter on Extension, as catalog::BuildRestoreQuery takes it
+  bool operator==(const LookIn&) const = default;
 };
 LookIn ReadLookIn(FormContext& context, SetTree& setTree, const controls::OptionButton& thisSet);
 

@@ -3,6 +3,7 @@
 #include "base/phrases.h"
 #include "engine/error_numbers.h"
 #include "platform/desktop.h"
+#include "platform/regional.h"
 
 namespace kxrestore::dialog {
 
@@ -27,8 +28,12 @@ bool IsUnreachable(int number) {
 
 }  // namespace
 
-MarkingWalk::MarkingWalk(FormContext& context, const char* routine)
-    : m_context(context), m_routine(routine), m_commits(context.workspace.Commits()) {
+MarkingWalk::MarkingWalk(FormContext& context, const char* routine, Work work, std::size_t total)
+    : m_context(context),
+      m_routine(routine),
+      m_work(work),
+      m_progress(context.progress, work, static_cast<std::int64_t>(total)),
+      m_commits(context.workspace.Commits()) {
   m_reportBefore = std::exchange(
       m_context.onMarkError, [this](const Error& error, const std::string& name) { Report(error, name); });
 }
@@ -38,6 +43,7 @@ MarkingWalk::~MarkingWalk() {
 }
 
 bool MarkingWalk::Next() {
+  m_context.StepProgress();
   try {
     m_context.DoEvents();
   } catch (...) {
@@ -51,6 +57,7 @@ void MarkingWalk::Marked(std::size_t item, catalog::MarkResult result) {
   using catalog::MarkResult;
   if (result == MarkResult::kDone) {
     m_waiting.push_back(item);
+    ++m_made;
     m_context.unlistedMarks = true;
   } else if (!std::exchange(m_interrupted, false)) {
     CannotMark(item);
@@ -62,6 +69,7 @@ void MarkingWalk::Marked(std::size_t item, catalog::MarkResult result) {
 void MarkingWalk::TakeCommits() {
   const engine::CommitCounts now = m_context.workspace.Commits();
   if (now.lost != m_commits.lost) {
+    m_made -= static_cast<std::int64_t>(m_waiting.size());
     m_notMarked.insert(m_notMarked.end(), m_waiting.begin(), m_waiting.end());
     m_waiting.clear();
     m_context.CommitLost();
@@ -97,7 +105,11 @@ MarkingWalk::End MarkingWalk::Finish() {
     m_context.MessageBox(Say(Phrase::kCouldNotBeMarked, {std::to_string(m_notMarked.size())}),
                          platform::MessageStyle::kWarning, m_routine);
   }
-  return Stopped() ? End::kStopped : End::kDone;
+  if (!Stopped()) return End::kDone;
+  const Phrase phrase = m_work == Work::kUnmarking ? Phrase::kStoppedUnmarked : Phrase::kStoppedMarked;
+  m_context.Skipping(
+      [&] { m_context.progress.SayAtEnd(Say(phrase, {m_context.platform.regional.Grouped(m_made)})); });
+  return End::kStopped;
 }
 
 }  // namespace kxrestore::dialog

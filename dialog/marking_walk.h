@@ -25,8 +25,9 @@ class MarkingWalk {
  public:
   enum class End { kDone, kStopped };
 
-  // `routine`: the name under which the walk itself reports. There is one marking walk at a time.
-  MarkingWalk(FormContext& context, const char* routine);
+  // `routine`: the name under which the walk itself reports. `work`: kMarking or kUnmarking. `total`: the
+  // number of items that it walks over, 0 where nobody knows it. There is one marking walk at a time.
+  MarkingWalk(FormContext& context, const char* routine, Work work, std::size_t total = 0);
   ~MarkingWalk();
   MarkingWalk(const MarkingWalk&) = delete;
   MarkingWalk& operator=(const MarkingWalk&) = delete;
@@ -77,8 +78,11 @@ class MarkingWalk {
 
   FormContext& m_context;
   const char* m_routine;
+  Work m_work;
+  Progress::Walk m_progress;
   FormContext::ErrorReport m_reportBefore;
   engine::CommitCounts m_commits;
+  std::int64_t m_made = 0;             // marks, without those that were lost
   std::vector<std::size_t> m_waiting;  // marked, but not committed yet
   std::vector<std::size_t> m_notMarked;
   std::set<std::pair<int, std::string>> m_shown;  // errors of this walk

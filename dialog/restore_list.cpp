@@ -5,6 +5,7 @@
 
 #include "catalog/listings.h"
 #include "dialog/catalog_entries.h"
+#include "dialog/hints.h"
 #include "dialog/marking_walk.h"
 #include "platform/desktop.h"
 
@@ -60,7 +61,7 @@ RestoreList::Listing RestoreList::List() {
   const auto keptUnticked = std::exchange(m_keptUnticked, {});
   m_context.Reporting("ListCurrentSelections", [&] {
     controls::AutoSelect& list = m_context.ui.asRestoreList;
-    FormContext::Walk walk(m_context);
+    FormContext::Walk walk(m_context, Work::kListing);
     const auto database = m_context.OpenCatalog();
     const auto rows = catalog::OpenSelections(*database, CatalogEntries::Columns("RestoreFile", "Name"));
     const controls::RedrawFreeze freeze(list);
@@ -77,6 +78,7 @@ RestoreList::Listing RestoreList::List() {
       list.SetTicked(number, false);
     }
     m_incomplete = m_context.unlistedMarks = false;
+    hints::NothingMarked(m_context.ui);
     m_hadSelections = list.Count() > 0;
     UpdateCounts();
     rows->Close();
@@ -86,8 +88,19 @@ RestoreList::Listing RestoreList::List() {
   return m_context.Stopped() ? Listing::kStopped : Listing::kFailed;
 }
 
+// On opening: the list is empty until somebody asks for it, whatever is marked.
+void RestoreList::TellEarlierMarks() {
+  m_context.InBackground("Form.Shown", [this] {
+    const auto database = m_context.OpenCatalog();
+    const auto rows = catalog::CountSelections(*database);
+    const std::int64_t marked = rows->Fields("Files").Integer();
+    if (marked > 0 && m_context.ui.asRestoreList.Count() == 0) hints::EarlierMarks(m_context, marked);
+  });
+}
+
 void RestoreList::UpdateCounts() {
   FormControls& ui = m_context.ui;
+  if (m_context.onMarksListed) m_context.onMarksListed();
   m_context.Skipping([&] {
     const std::size_t selected = ui.asRestoreList.Count();
     ui.lblCounts[0].SetCaption(std::to_string(selected) + " file(s) selected");
@@ -105,7 +118,7 @@ void RestoreList::Update() {
 bool RestoreList::ApplyListChanges() {
   const controls::AutoSelect& list = m_context.ui.asRestoreList;
   catalog::RestoreMarks& marks = m_context.marks;
-  MarkingWalk walk(m_context, "ApplyListChanges");
+  MarkingWalk walk(m_context, "ApplyListChanges", Work::kUnmarking, list.Count());
   const RunOfEntries run(m_context);
   std::size_t reached = 0;
   const MarkingWalk::End end = walk.Run([&] {
@@ -177,6 +190,7 @@ RestoreList::Clearing RestoreList::ClearAfterQuestion() {
   if (ListUnlistedMarks() == Listing::kStopped) return Clearing::kStopped;
   if (!HasSelections()) return Clearing::kNothingSelected;
   if (!ConfirmCancel()) return Clearing::kRefused;
+  const Progress::Walk clearing(m_context.progress, Work::kClearing);
   // The user's stop leaves every mark, and the form open. Marks that cannot be cleared are reported, and the
   // form closes all the same.
   if (m_context.marks.CancelAll() == catalog::MarkResult::kFailed && m_context.Stopped())
@@ -190,11 +204,13 @@ void RestoreList::Clear() {
                            "Clear Selection? ") != platform::Answer::kYes) {
     return;
   }
+  const Progress::Walk clearing(m_context.progress, Work::kClearing);
   m_context.ui.asRestoreList.Clear();
   if (m_context.marks.ClearSelections() == catalog::MarkResult::kFailed) {
     m_context.CommitLost();  // the marks are still there
   } else {
     m_incomplete = m_context.unlistedMarks = m_hadSelections = false;
+    hints::NothingMarked(m_context.ui);
   }
   UpdateCounts();
 }

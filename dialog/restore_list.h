@@ -23,6 +23,9 @@ class RestoreList {
   void ListCurrentSelections() { List(); }
   // Brings the captions of the counts, and Restore Now, in line with the lists.
   void UpdateCounts();
+
+  // Says in the empty list how many files an earlier time has left marked.
+  void TellEarlierMarks();
   // Writes entries without a tick back as not to be restored, and refills the list, unless the user stops it.
   // What could not be written back is listed without a tick still.
   void Update();

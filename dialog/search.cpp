@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dialog/catalog_entries.h"
+#include "dialog/hints.h"
 #include "dialog/listing.h"
 #include "platform/desktop.h"
 
@@ -31,6 +32,7 @@ void Search::cmdSearch_Click(int index) {
       break;
     case 1:
       m_context.ui.asSearch.Clear();
+      hints::BeforeSearch(m_context.ui);
       m_restoreList.UpdateCounts();
       break;
     case 2:
@@ -64,7 +66,7 @@ void Search::RememberMask(const std::string& mask) {
 
 void Search::List(const std::string& mask) {
   FormControls& ui = m_context.ui;
-  FormContext::Walk walk(m_context);
+  FormContext::Walk walk(m_context, Work::kSearching);
   const bool latest = ui.chk1.Value() == 1;
   const LookIn lookIn = ReadLookIn(m_context, m_setTree, ui.optLookIn[0]);
   const auto database = m_context.OpenCatalog();
@@ -77,6 +79,7 @@ void Search::List(const std::string& mask) {
     entries.AddCurrentRow(ui.asSearch, false);
     if (++count % kCaptionEvery == 0) ui.lblSearchCount.SetCaption(std::to_string(count) + " File(s)");
   }
+  if (rows->Eof()) hints::NothingFound(ui, mask, lookIn.setId != 0);
   rows->Close();
   database->Close();
 }
@@ -85,7 +88,7 @@ void Search::AddToSearchSelections() {
   // Marking makes each entry's run the current one; what the set tree shows as chosen is current again
   // afterwards.
   const Choice before = m_context.choice;
-  MarkingWalk walk(m_context, "AddToSearchSelections");
+  MarkingWalk walk(m_context, "AddToSearchSelections", Work::kMarking, m_context.ui.asSearch.Count());
   const RunOfEntries run(m_context);
   const MarkingWalk::End end = walk.Run([&] { MarkTicked(walk, run); });
   Choice& now = m_context.choice;

@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "controls/check_propagation.h"
 #include "dialog/catalog_entries.h"
+#include "dialog/hints.h"
 #include "dialog/set_tree.h"
 
 namespace kxrestore::dialog {
@@ -58,6 +59,7 @@ int PluginImage(std::string_view text, std::string_view path) {
 
 SetDetail::SetDetail(FormContext& context) : m_context(context) {
   controls::TreeView& tree = m_context.ui.tvwDetails;
+  tree.SetNaturalOrder(true);
   const controls::ImageList& images = m_context.ui.imlRestore;
   // These come by the hundred thousand when everything is expanded, so they are no events of their own to the
   // database; nothing in them can fail.
@@ -67,6 +69,7 @@ SetDetail::SetDetail(FormContext& context) : m_context(context) {
     m_context.Event("tvwDetails.NodeCheck", [&] {
       m_context.Skipping([&] { controls::CheckParents(node); });
       m_context.Skipping([&] { controls::CheckChildren(node); });
+      m_context.Skipping([&] { controls::ShowMixed(node); });
     });
   };
 }
@@ -80,6 +83,7 @@ void SetDetail::LoadBackupSetDetail(controls::Node run) {
     ui.lblTreeCount.SetCaption("Loading Please Wait ...");
     controls::RedrawFreeze freeze(ui.tvwDetails);
     ui.tvwDetails.Clear();
+    ui.tvwDetails.SetEmptyText({});
     m_context.shownRun = {};
     const std::string extension(TagExtension(run.Tag()));
     m_context.shownRun = {TagSetNumber(run.Tag()), extension};
@@ -92,7 +96,7 @@ void SetDetail::LoadBackupSetDetail(controls::Node run) {
         "FROM LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID "
         "WHERE (((Catalog.SetNameID)=" +
         setID + ") AND ((Catalog.Extension)='" + extension + "') AND ((Catalog.Status)=2));";
-    FormContext::Walk walk(m_context);
+    FormContext::Walk walk(m_context, Work::kLoading);
     const auto database = m_context.OpenCatalog();
     const auto rows = database->OpenRecordset(sql, engine::RecordsetType::kSnapshot,
                                               {"RestoreFile", "Plugin", "File", "Filename"});
@@ -100,6 +104,12 @@ void SetDetail::LoadBackupSetDetail(controls::Node run) {
     rows->Close();
     database->Close();
   });
+  m_context.Skipping([&] {
+    hints::AfterLoad(ui, complete              ? hints::Loaded::kWhole
+                         : m_context.Stopped() ? hints::Loaded::kStopped
+                                               : hints::Loaded::kFailed);
+  });
+  if (RunChanged) RunChanged();
   // A part of a run must not look like the whole of it.
   ui.lblTreeCount.SetCaption(complete              ? std::to_string(m_count) + " file(s)."
                              : m_context.Stopped() ? "Stopped after " + std::to_string(m_count) + " file(s)"

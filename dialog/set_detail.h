@@ -19,6 +19,8 @@ class SetDetail {
 
   // Refills the tree from the run that a node of the set tree names. Reports its own errors; a load that is
   // stopped or fails leaves the tree as far as it was filled.
+  std::function<void()> RunChanged;  // another run's files are in the tree
+
   void LoadBackupSetDetail(controls::Node run);
 
  private:

@@ -1,10 +1,13 @@
 #include "dialog/set_tree.h"
 
+#include <algorithm>
 #include <charconv>
 
+#include "base/phrases.h"
 #include "catalog/listings.h"
 #include "dialog/catalog_entries.h"
 #include "dialog/listing.h"
+#include "platform/desktop.h"
 
 namespace kxrestore::dialog {
 
@@ -64,8 +67,9 @@ SetTree::SetTree(FormContext& context) : m_context(context) {
   };
 }
 
-void SetTree::LoadBackupSetTree() {
-  m_context.Reporting("LoadBackupSetTree", [this] {
+bool SetTree::LoadBackupSetTree() {
+  m_runTimes.clear();
+  return m_context.Reporting("LoadBackupSetTree", [this] {
     controls::TreeView& tree = m_context.ui.tvwSets;
     const auto database = m_context.OpenCatalog();
     const auto rows = catalog::OpenRuns(*database);
@@ -91,6 +95,7 @@ void SetTree::LoadBackupSetTree() {
       const std::string date =
           time ? platform::DateAndTime(m_context.platform.regional, *time) : dateStamp.Text();
       controls::Node run = tree.Add(set, date, permanent.Boolean() ? date + " (P)" : date);
+      if (time) m_runTimes.emplace_back(run.Index(), platform::TimeNumber(*time));
       run.SetTag(setNameID.Text() + " " + runExtension);
     }
     choice.m_nodRoot.SetExpanded(true);
@@ -106,6 +111,43 @@ controls::Node SetTree::SetNode(const std::string& name) {
   const std::string key = std::string(kSetKeyPrefix) + name;
   const controls::Node node = tree.Find(key);
   return node ? node : tree.Add(m_context.choice.m_nodRoot, key, name);
+}
+
+// 0 for one whose date is none.
+std::int64_t SetTree::TimeOf(controls::Node run) const {
+  const auto known =
+      std::lower_bound(m_runTimes.begin(), m_runTimes.end(), std::pair(run.Index(), std::int64_t{0}));
+  return known != m_runTimes.end() && known->first == run.Index() ? known->second : 0;
+}
+
+void SetTree::ChooseDay(controls::Node node) {
+  controls::Node set = node.Tag().empty() ? node : node.Parent();
+  std::int64_t oldest = 0, newest = 0;
+  for (controls::Node run = set.Child(); run; run = run.Next()) {
+    const std::int64_t time = TimeOf(run);
+    if (time == 0) continue;
+    if (newest == 0) newest = time;
+    oldest = time;
+  }
+  if (oldest == 0) return;
+  const platform::CivilTime now = m_context.platform.regional.Now();
+  const auto day =
+      m_context.platform.desktop.AskDay(Say(Phrase::kAskDay, {set.Text()}), platform::TimeOfNumber(oldest),
+                                        platform::TimeOfNumber(std::max(newest, platform::TimeNumber(now))));
+  if (!day) return;
+  const std::int64_t end = platform::TimeNumber({day->year, day->month, day->day, 23, 59, 59});
+  for (controls::Node run = set.Child(); run; run = run.Next()) {
+    const std::int64_t time = TimeOf(run);
+    if (time == 0 || time > end) continue;
+    set.SetExpanded(true);
+    m_context.ui.tvwSets.SetSelectedItem(run);
+    tvwSets_NodeClick(run);
+    return;
+  }
+  const platform::CivilTime first = platform::TimeOfNumber(oldest);
+  m_context.MessageBox(
+      Say(Phrase::kNoBackupThen, {set.Text(), platform::DateAndTime(m_context.platform.regional, first)}),
+      platform::MessageStyle::kWarning, "");
 }
 
 std::string SetTree::ListRunExtensions(controls::Node node) {

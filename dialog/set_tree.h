@@ -5,6 +5,8 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "dialog/form_context.h"
 
@@ -25,8 +27,12 @@ class SetTree {
   NodeHandler LoadBackupSetDetail;  // fills the detail tree from a run
   NodeHandler ArchiveNode;          // the node "Archive Sets" was opened or chosen
 
-  // Fills the tree, which must be empty.
-  void LoadBackupSetTree();
+  // Fills the tree, which must be empty. Whether the catalog could be read.
+  bool LoadBackupSetTree();
+
+  // Asks for a day and chooses the latest run of a set up to its end, if there is one. `node`: the set or one
+  // of its runs.
+  void ChooseDay(controls::Node node);
 
   // The runs that a chosen run covers, itself and the older ones, each in double quotes, separated by ", ".
   // Counts them in m_intRunCount; error 6 beyond 32,767.
@@ -47,7 +53,10 @@ class SetTree {
   void HideArchiveFrame();
   void EnableActions(bool enabled);
 
+  std::int64_t TimeOf(controls::Node run) const;
+
   FormContext& m_context;
+  std::vector<std::pair<std::uint32_t, std::int64_t>> m_runTimes;  // by the run's index, platform::TimeNumber
 };
 
 }  // namespace kxrestore::dialog

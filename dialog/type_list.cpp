@@ -2,11 +2,32 @@
 
 #include <array>
 #include <string>
+#include <vector>
+
+#include "base/phrases.h"
 
 namespace kxrestore::dialog {
 
 using catalog::FileKind;
 using catalog::TypeCensus;
+
+namespace {
+
+// Types that begin with this one are found by its pattern, too.
+std::string OthersFoundBy(std::string_view extension, const std::vector<TypeCensus::Counted>& types) {
+  constexpr int kMostNamed = 3;
+  std::string others;
+  int named = 0;
+  for (const TypeCensus::Counted& other : types) {
+    if (other.type.extension.size() <= extension.size() || !other.type.extension.starts_with(extension))
+      continue;
+    if (named++ == kMostNamed) return others + ", ...";
+    others.append(others.empty() ? "." : ", .").append(other.type.extension);
+  }
+  return others;
+}
+
+}  // namespace
 
 void ListTypes(const TypeCensus& census, controls::AutoSelect& list) {
   const auto types = census.Types();
@@ -25,14 +46,19 @@ void ListTypes(const TypeCensus& census, controls::AutoSelect& list) {
     group.size = kinds[kind];
     list.Add(group);
   }
-  std::string name;
+  std::string name, description;
   for (const TypeCensus::Counted& counted : types) {
+    description = counted.type.description;
+    if (const std::string others = OthersFoundBy(counted.type.extension, types); !others.empty()) {
+      description = description.empty() ? Say(Phrase::kTypeTakesOnly, {others})
+                                        : Say(Phrase::kTypeTakes, {description, others});
+    }
     name.assign(1, '.').append(counted.type.extension);
     const std::string pattern = catalog::TypePattern(counted.type.extension);
     controls::AutoSelect::Entry entry;
     entry.name = name;
     entry.storedName = pattern;
-    entry.extension = counted.type.description;
+    entry.extension = description;
     entry.size = counted.files;
     if (counted.type.kind != FileKind::kOther) entry.setId = groupOf(counted.type.kind);
     list.Add(entry);

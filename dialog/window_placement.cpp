@@ -58,11 +58,14 @@ void WriteNumbers(platform::Platform& platform, const char* entry, const std::ar
 }  // namespace
 
 void WindowPlacement::RestoreWindow() {
-  const auto window = ReadNumbers<5>(m_platform, kWindowEntry);
-  if (!window) return;
-  const auto [left, top, width, height, maximized] = *window;
-  if (width <= 0 || height <= 0) return;
   controls::Form& form = m_ui.form;
+  const auto window = ReadNumbers<5>(m_platform, kWindowEntry);
+  if (!window || (*window)[2] <= 0 || (*window)[3] <= 0) {
+    const platform::WindowSize size = m_platform.desktop.SizeToStartWith({form.Width(), form.Height()});
+    form.Move(form.Left(), form.Top(), size.width, size.height);
+    return;
+  }
+  const auto [left, top, width, height, maximized] = *window;
   form.Move(form.Left(), form.Top(), width, height);
   form.placement = {true, left, top};
   if (maximized != 0) form.SetWindowState(controls::WindowState::kMaximized);

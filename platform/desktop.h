@@ -2,7 +2,11 @@
 // without any.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
+
+#include "platform/regional.h"
 
 namespace kxrestore::controls {
 class Form;
@@ -13,6 +17,10 @@ namespace kxrestore::platform {
 // Kinds of message boxes. A question has the buttons Yes and No, the others have OK.
 enum class MessageStyle { kPlain, kWarning, kQuestion };
 enum class Answer { kOk, kYes, kNo };
+
+struct WindowSize {
+  int width = 0, height = 0;
+};
 
 class Desktop {
  public:
@@ -26,6 +34,18 @@ class Desktop {
   virtual void DoEvents() = 0;
   // The same while the engine works or waits, between the items of a walk.
   virtual void DoEventsWhileWaiting() { DoEvents(); }
+
+  // Puts a text onto the clipboard.
+  virtual void CopyText(const std::string& text) = 0;
+  // Asks for a day, from `first` to `last`; nothing when the user thinks better of it.
+  virtual std::optional<CivilTime> AskDay(const std::string& question, const CivilTime& first,
+                                          const CivilTime& last) = 0;
+  // The outer size, in twips, in which a window that would be as large as this by design comes up; the same
+  // where there is no screen to ask.
+  virtual WindowSize SizeToStartWith(const WindowSize& designed) const { return designed; }
+
+  // A clock that only goes forward.
+  virtual std::int64_t Milliseconds() const = 0;
 
   // Creates the form's windows, disables the thread's other windows, and returns when the form has closed.
   // The form's windows are destroyed on return.

@@ -16,7 +16,8 @@ class Regional {
   virtual std::string ShortDate(const CivilTime& time) const = 0;  // 11/16/2026
   virtual std::string LongTime(const CivilTime& time) const = 0;   // 2:25:30 AM
   virtual std::string Grouped(std::int64_t number) const = 0;      // 1,234,567
-  virtual CivilTime Now() const = 0;                               // local time
+  virtual std::string DecimalPoint() const { return "."; }
+  virtual CivilTime Now() const = 0;  // local time
 };
 
 // Short date, blank, long time; the date alone at midnight.

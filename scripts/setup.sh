@@ -23,7 +23,7 @@ declare -A kPackages=(
              g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64-tools libwine-dev
              librsvg2-bin icoutils dpkg-dev xz-utils tcl faketime"
   # Wine loads the X libraries at run time, so its package does not depend on them.
-  [wine]="wine wine64 fonts-wine fonts-liberation fontconfig xvfb x11-utils xdotool imagemagick libxrender1 libxcomposite1
+  [wine]="wine wine64 fonts-wine fonts-liberation fonts-vlgothic fonts-symbola fontconfig xvfb x11-utils xdotool imagemagick libxrender1 libxcomposite1
           libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxxf86vm1"
   [package]="wixl msitools osslsigncode openssl zip python3-minimal mono-mcs libmono-microsoft-csharp4.0-cil"
   [wine32]="mmdebstrap arch-test bubblewrap"

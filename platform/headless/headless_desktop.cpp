@@ -19,6 +19,16 @@ Answer HeadlessDesktop::MessageBox(const std::string& text, MessageStyle style, 
   return answer;
 }
 
+std::optional<CivilTime> HeadlessDesktop::AskDay(const std::string& question, const CivilTime& first,
+                                                 const CivilTime& last) {
+  const FixedRegional regional;
+  dayAsked = question + " " + regional.ShortDate(first) + "-" + regional.ShortDate(last);
+  if (days.empty()) return std::nullopt;
+  const CivilTime day = days.front();
+  days.pop_front();
+  return day;
+}
+
 void HeadlessDesktop::DoEventsWhileWaiting() {
   if (m_inDoEvents) return;
   --walkItems;
@@ -41,6 +51,7 @@ void HeadlessDesktop::DoEvents() {
 
 void HeadlessDesktop::ShowModal(controls::Form& form) {
   ++showCount;
+  form.UserShown();
   if (user) user(form);
   if (form.IsOpen()) form.UserClose();
   if (form.IsOpen()) throw std::logic_error("the form \"" + form.Caption() + "\" cannot be closed");

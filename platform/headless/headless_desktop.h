@@ -35,6 +35,17 @@ class HeadlessDesktop : public Desktop {
   bool engineWorks = false;          // while they run
   std::function<void()> onDoEvents;  // what pending messages do; it is not entered again from inside itself
 
+  std::int64_t Milliseconds() const override { return milliseconds; }
+  std::int64_t milliseconds = 0;  // the clock, which goes by hand
+
+  void CopyText(const std::string& text) override { clipboard = text; }
+  std::string clipboard;
+  // Answered by the next of `days`; without one the user thinks better of it.
+  std::optional<CivilTime> AskDay(const std::string& question, const CivilTime& first,
+                                  const CivilTime& last) override;
+  std::deque<CivilTime> days;
+  std::string dayAsked;  // the question with the days to choose among
+
   // Runs `user` and then closes a form that is still open the way its close box does. A form that even then
   // stays open throws std::logic_error, so that nothing waits for ever.
   void ShowModal(controls::Form& form) override;

@@ -76,5 +76,30 @@ TEST(Text, SortsAsPeopleRead) {
   }
 }
 
+TEST(SortingTest, DigitsCountAsTheNumberThatTheyWrite) {
+  const char* const inOrder[] = {"",
+                                 "2",
+                                 "10",
+                                 "archive",
+                                 "Archive 2",
+                                 "archive 2b",
+                                 "Archive 002c",
+                                 "Archive 10",
+                                 "archive 10.1",
+                                 "archive 10.12",
+                                 "b1",
+                                 "b99999999999999999999999",
+                                 "b100000000000000000000000"};
+  for (std::size_t i = 0; i < std::size(inOrder); ++i) {
+    for (std::size_t j = 0; j < std::size(inOrder); ++j) {
+      const int order = CompareAsPeopleCount(inOrder[i], inOrder[j]);
+      EXPECT_EQ(order < 0, i < j) << inOrder[i] << " / " << inOrder[j];
+      EXPECT_EQ(order == 0, i == j) << inOrder[i] << " / " << inOrder[j];
+    }
+  }
+  EXPECT_NE(CompareAsPeopleCount("a01", "a1"), 0);  // one order for both ways of asking
+  EXPECT_EQ(CompareAsPeopleCount("a01", "a1"), -CompareAsPeopleCount("a1", "a01"));
+}
+
 }  // namespace
 }  // namespace kxrestore

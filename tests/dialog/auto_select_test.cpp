@@ -158,5 +158,83 @@ TEST_F(AutoSelectTab, StoppingAndFailingKeepTheMarksThatAreMade) {
   ExpectReports({"ApplyAutoSelect: ("});
 }
 
+Strings Counts(const AutoSelect& list) {
+  Strings counts;
+  for (std::size_t number = 1; number <= list.Count(); ++number) {
+    const AutoSelect::Entry entry = list.At(number);
+    counts.push_back(std::string(entry.name) + (entry.sizeKnown ? " " + std::to_string(entry.size) : " ?"));
+  }
+  std::sort(counts.begin(), counts.end());
+  return counts;
+}
+
+class TypeCountsTest : public AutoSelectTab {
+ protected:
+  void SetUp() override {
+    MakeCatalog({Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.DOCX"), Row(3, 1, "002", "C:\\a.doc"),
+                 Row(4, 1, "003", "C:\\x.doc.bak"), Row(5, 2, "001", "C:\\c.xls"),
+                 Row(6, 2, "001", "C:\\d.docs\\e"), Dead(Row(7, 1, "003", "C:\\dead.doc"))});
+  }
+};
+
+TEST_F(TypeCountsTest, ACountIsWhatThePatternMarksInWhatIsLookedIn) {
+  ShowTab(3);
+  EXPECT_EQ(Counts(Types()), (Strings{".bak 1", ".doc 5", ".docx 1", ".xls 1", "Documents 6"}));
+  ui().chk2.UserClick();  // the newest of each
+  EXPECT_EQ(Counts(Types()), (Strings{".bak 1", ".doc 4", ".docx 1", ".xls 1", "Documents 5"}));
+  ui().chk2.UserClick();
+  ChooseRun("1 003");
+  ui().optLookIn[2].UserClick();
+  EXPECT_EQ(Counts(Types()), (Strings{".bak 1", ".doc 4", ".docx 1", ".xls 0", "Documents 4"}));
+  ChooseRun("1 002");  // looks in that run and those before it
+  EXPECT_EQ(Counts(Types()), (Strings{".bak 0", ".doc 1", ".docx 0", ".xls 0", "Documents 1"}));
+  Tick(Types(), ".doc");
+  ApplyTypes();
+  EXPECT_EQ(catalog->Marked(), Ids{3});
+}
+
+TEST_F(TypeCountsTest, ATypeSaysWhichOthersItTakes) {
+  ShowTab(3);
+  Strings said;
+  for (std::size_t number = 1; number <= Types().Count(); ++number)
+    said.emplace_back(Types().At(number).extension);
+  EXPECT_EQ(std::count(said.begin(), said.end(), "Text document; takes .docx, too"), 1);
+  EXPECT_EQ(std::count(said.begin(), said.end(), "Text document"), 1);
+}
+
+// Counting keeps nobody waiting: a click cuts it off, and it is taken up again afterwards; Esc ends it.
+TEST_F(TypeCountsTest, CountingGivesWayToTheUser) {
+  ShowTab(3);
+  bool clicked = false;
+  desktop.onDoEvents = [&] {
+    if (desktop.engineWorks || std::exchange(clicked, true)) return;
+    EXPECT_EQ(Counts(Types())[0], ".bak ?");
+    Click(kRefresh);
+    EXPECT_EQ(Counts(Types())[0], ".bak ?");
+  };
+  ui().chk2.UserClick();
+  desktop.onDoEvents = nullptr;
+  EXPECT_TRUE(clicked);
+  EXPECT_EQ(Counts(Types())[1], ".doc 4");
+
+  EscapeAt(2);
+  ui().chk2.UserClick();
+  desktop.onDoEvents = nullptr;
+  EXPECT_EQ(Counts(Types())[1], ".doc ?");
+  EXPECT_TRUE(ui().form.IsOpen());
+  Click(kRefresh);  // is not taken up by what has nothing to do with it
+  EXPECT_EQ(Counts(Types())[1], ".doc ?");
+  ui().chk2.UserClick();
+  EXPECT_EQ(Counts(Types())[1], ".doc 4");
+}
+
+TEST_F(TypeCountsTest, AFailedCountSaysNothing) {
+  ShowTab(3);
+  catalog->HideTable();
+  ui().chk2.UserClick();
+  EXPECT_EQ(Counts(Types())[1], ".doc ?");
+  catalog->ShowTable();
+}
+
 }  // namespace
 }  // namespace kxrestore::dialog_test

@@ -44,7 +44,7 @@ TEST(DesignedForm, ControlsInTheirContainersAsTheUserMeetsThem) {
   const FormControls ui;
   EXPECT_EQ("\n" + List(ui.form), R"--(
 frmRestore "Select Files to Restore": | picTop | picTopButtons | splitH (Height of the upper area)
-picBottom | lblHelp ""
+picBottom | lblHelp "" | picProgress hidden
 picTop:
 tbsOptions "&Backup Sets=BackupSets" "Advanced &Search=Search" "&Auto-Select=" (Ways to choose files)
 tvwSets (Backup sets) | SplitV (Width of the backup sets) | picTabs
@@ -73,6 +73,7 @@ picBottom: | lblList "Files Selected to Restore: " | lblRestorePath "Restore To:
 asRestoreList (Files selected to restore) | cmdRestore(2) "&Refresh" | cmdRestore(3) "&Update"
 cmdRestore(4) "C&lear " | picCounts
 picCounts: | lblCounts(0) "Files: 0 " | lblCounts(1) "Bytes: 0 " hidden
+picProgress hidden: | lblProgress "" | barProgress (Progress)
 )--");
   EXPECT_EQ(ui.imlFiles.Keys(),
             (Strings{"cfolder", "file", "ofolder", "drive", "boxCheck", "box", "boxX", "check", "uncheck"}));

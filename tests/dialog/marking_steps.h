@@ -69,8 +69,16 @@ inline void Prepare(Step step, FormControls& ui) {
       break;
     case Step::kApply:
       ui.tvwSets.UserClickNode(NodeFrom(ui.tvwSets.FirstRoot(), "1 003"));
+      // Some by their boxes, the others by the menu.
       for (const std::int64_t id : kTicked) {
-        ui.tvwDetails.UserCheck(NodeFrom(ui.tvwDetails.FirstRoot(), FileOf(id)), true);
+        const controls::Node file = NodeFrom(ui.tvwDetails.FirstRoot(), FileOf(id));
+        if (id % 2 == 0) {
+          ui.tvwDetails.UserCheck(file, true);
+          continue;
+        }
+        controls::Menu menu(file.Index());
+        ui.tvwDetails.UserMenu(menu);
+        menu.UserChoose(0);
       }
       break;
     case Step::kSearch:

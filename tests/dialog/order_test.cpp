@@ -151,7 +151,11 @@ TAB | panel(0) hidden | panel(1) shown | panel(1) to front | SEARCH to front | T
 panel(2) shown | panel(2) to front | asFiles cleared | open catalog
 snapshot SELECT Mid([OrigName],InStrRev([OrigName],".")) AS FileType, Count(*) AS Files FROM [Catalog] WHERE (((Catalog.Status)=2) AND ((Catalog.OrigName) Like "*.*")) GROUP BY Mid([OrigName],InStrRev([OrigName],"."));
 events | events | events | close rows | close catalog | asFiles + Documents | asFiles + .doc
-asFiles + .docx | asFiles + .txt | TAB | panel(1) shown | panel(1) to front | SEARCH to front
+asFiles + .docx | asFiles + .txt | asFiles ticks | asFiles ticks | asFiles ticks | asFiles ticks
+open catalog
+snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "*.*") AND (FullCatalog.Status = 2) );
+events | events | events | close rows | close catalog | asFiles ticks | asFiles ticks
+asFiles ticks | asFiles ticks | commit | TAB | panel(1) shown | panel(1) to front | SEARCH to front
 panel(2) hidden | TAB | panel(1) hidden | panel(2) shown | panel(2) to front | TAB | panel(0) shown
 panel(0) to front | tvwDetails refreshed | panel(2) hidden | picBottom refreshed | picTop refreshed
 )--");
@@ -197,8 +201,8 @@ lblTreeCount hidden | commit
   EXPECT_EQ(WrittenDown(), R"--(
 tvwSets 3/1/2026 8:00:00 AM (P) bold | tvwSets Set 2 bold | optLookIn(1) not chosen
 optLookIn(0) chosen | lblSetName "Set 2" | commit | optLookIn(3) not chosen | optLookIn(2) chosen
-tvwSets Set 2 bold | tvwSets Online Backups bold | lblSetName "(All)" | optLookIn(0) not chosen
-optLookIn(1) chosen | optLookIn(0) disabled | commit
+commit | tvwSets Set 2 bold | tvwSets Online Backups bold | lblSetName "(All)"
+optLookIn(0) not chosen | optLookIn(1) chosen | optLookIn(0) disabled | commit
 )--");
 }
 
@@ -345,8 +349,9 @@ frmRestore closed | commit
 
 Cancel, yes, and the marks cannot be cleared:
 QUESTION | open catalog | execute clear all | flush
-box warning "CancelAll" "(3317) A rule of the table refuses the value (no) in 'the catalog'."
-commit | CancelRestore | frmRestore closed | commit
+box warning "CancelAll" "(3317) A rule of the table refuses the value (no) in 'the catalog'.
+Try again. If it stays, tell whoever looks after your backups this number and text." | commit
+CancelRestore | frmRestore closed | commit
 )--");
 }
 

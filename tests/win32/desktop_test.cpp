@@ -131,4 +131,53 @@ TEST_F(Desktop, AWindowThatIsDestroyedEndsTheDialog) {
   EXPECT_EQ(ui.apply.GetPeer(), nullptr);
 }
 
+// Answers the question for a day once its window is there.
+struct DayAnswer {
+  static inline UINT answer = 0;
+  static inline SYSTEMTIME offered{};
+  static void CALLBACK Give(HWND, UINT, UINT_PTR timer, DWORD) {
+    const HWND dialog = FindWindowW(nullptr, L"State of a day");
+    if (dialog == nullptr) return;
+    KillTimer(nullptr, timer);
+    const HWND day = FindWindowExW(dialog, nullptr, DATETIMEPICK_CLASSW, nullptr);
+    SendMessageW(day, DTM_GETSYSTEMTIME, 0, reinterpret_cast<LPARAM>(&offered));
+    SYSTEMTIME wanted{2026, 2, 0, 3};
+    SendMessageW(day, DTM_SETSYSTEMTIME, GDT_VALID, reinterpret_cast<LPARAM>(&wanted));
+    PostMessageW(dialog, WM_COMMAND, answer, 0);
+  }
+};
+
+TEST_F(Desktop, ADayIsAskedForInAWindowOfItsOwn) {
+  const auto ask = [this](UINT answer) {
+    DayAnswer::answer = answer;
+    SetTimer(nullptr, 0, 20, DayAnswer::Give);
+    return TheDesktop().AskDay("Which?", {2026, 1, 1}, {2026, 11, 16, 9, 30});
+  };
+  const auto day = ask(IDOK);
+  ASSERT_TRUE(day);
+  EXPECT_EQ(DayAnswer::offered.wMonth, 11);
+  EXPECT_EQ(DayAnswer::offered.wDay, 16);
+  EXPECT_EQ(day->year * 10000 + day->month * 100 + day->day, 20260203);
+  EXPECT_FALSE(ask(IDCANCEL));
+}
+
+TEST_F(Desktop, AWindowComesUpLargeEnoughAndNotLargerThanTheScreen) {
+  const platform::WindowSize usual = TheDesktop().SizeToStartWith({100, 100});
+  const platform::WindowSize all = TheDesktop().SizeToStartWith({1'000'000, 1'000'000});
+  EXPECT_NEAR(usual.width, all.width * 0.7, 15);
+  EXPECT_NEAR(usual.height, all.height * 0.7, 15);
+  const platform::WindowSize designed = TheDesktop().SizeToStartWith({usual.width + 30, 100});
+  EXPECT_EQ(designed.width, usual.width + 30);
+}
+
+TEST_F(Desktop, ATextIsCopiedWhole) {
+  TheDesktop().CopyText("C:\\Gr\xC3\xBCn");
+  ASSERT_TRUE(OpenClipboard(nullptr));
+  const HANDLE data = GetClipboardData(CF_UNICODETEXT);
+  ASSERT_NE(data, nullptr);
+  EXPECT_EQ(std::wstring(static_cast<const wchar_t*>(GlobalLock(data))), L"C:\\Gr\xFCn");
+  GlobalUnlock(data);
+  CloseClipboard();
+}
+
 }  // namespace kxrestore::win32::test

@@ -74,7 +74,11 @@ class ComboWindow : public WindowPeer<controls::Peer> {
 
   void OnFlush(unsigned flags) override {
     WindowPeer::OnFlush(flags);
-    if ((flags & kGeometryFlag) != 0) FitField();
+    if ((flags & kGeometryFlag) == 0) return;
+    FitField();
+    // While it was moved it was as high as with its list open; what it covered then must be painted anew.
+    RedrawWindow(GetAncestor(Handle(), GA_PARENT), nullptr, nullptr,
+                 RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
   }
 
   void AppendItem(const std::string& item) {

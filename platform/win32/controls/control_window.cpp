@@ -273,6 +273,12 @@ void ControlWindow::PeerChanged(controls::Property property) {
     case Property::kWindowState:
       flag = kAppearanceFlag;
       break;
+    case Property::kTaskProgress:
+      flag = kTaskProgressFlag;
+      break;
+    case Property::kEmptyText:
+      flag = kEmptyTextFlag | kRefreshFlag;
+      break;
   }
   Later(flag, Urgency(property));
 }

@@ -92,6 +92,8 @@ class ControlWindow {
     kItemsFlag = 32,
     kAppearanceFlag = 64,
     kRefreshFlag = 128,
+    kTaskProgressFlag = 256,
+    kEmptyTextFlag = 512,
     kFirstOwnFlag = 1024,
   };
   void Later(unsigned flags, WindowContext::When when = WindowContext::When::kSoon);

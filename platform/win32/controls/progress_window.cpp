@@ -6,7 +6,8 @@ namespace kxrestore::win32 {
 
 namespace {
 
-constexpr int kSteps = 10000;  // of the native bar, whatever the control's own maximum
+constexpr LPARAM kMarqueeStep = 50;  // milliseconds
+constexpr int kSteps = 10000;        // of the native bar, whatever the control's own maximum
 
 class ProgressWindow final : public WindowPeer<controls::Peer> {
  public:
@@ -14,6 +15,7 @@ class ProgressWindow final : public WindowPeer<controls::Peer> {
       : WindowPeer(context, bar), m_bar(bar) {
     Create(parent, PROGRESS_CLASSW, {}, PBS_SMOOTH);
     SendMessageW(Handle(), PBM_SETRANGE32, 0, kSteps);
+    ShowKind();
     ShowValue();
   }
   bool TakesFocus() const override { return false; }
@@ -25,10 +27,20 @@ class ProgressWindow final : public WindowPeer<controls::Peer> {
   }
   void OnFlush(unsigned flags) override {
     WindowPeer::OnFlush(flags);
+    if ((flags & kAppearanceFlag) != 0) ShowKind();
     if ((flags & kValueFlag) != 0) ShowValue();
   }
 
  private:
+  void ShowKind() {
+    const LONG_PTR style = GetWindowLongPtrW(Handle(), GWL_STYLE);
+    const LONG_PTR wanted = m_bar.Indeterminate() ? style | PBS_MARQUEE : style & ~LONG_PTR{PBS_MARQUEE};
+    if (wanted == style) return;
+    SetWindowLongPtrW(Handle(), GWL_STYLE, wanted);
+    SendMessageW(Handle(), PBM_SETMARQUEE, m_bar.Indeterminate() ? TRUE : FALSE, kMarqueeStep);
+    InvalidateRect(Handle(), nullptr, TRUE);
+  }
+
   void ShowValue() {
     const auto position = static_cast<WPARAM>(std::lround(m_bar.Value() / m_bar.Max() * kSteps));
     SendMessageW(Handle(), PBM_SETPOS, position, 0);

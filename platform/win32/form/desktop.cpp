@@ -1,11 +1,14 @@
 #include "platform/win32/form/desktop.h"
 
+#include <algorithm>
+#include <cstring>
 #include <optional>
 #include <vector>
 
 #include "base/error.h"
 #include "base/phrases.h"
 #include "platform/win32/controls/window_classes.h"
+#include "platform/win32/form/day_dialog.h"
 #include "platform/win32/form/form_window.h"
 #include "platform/win32/form/make_windows.h"
 #include "platform/win32/wide_text.h"
@@ -146,6 +149,59 @@ platform::Answer Win32Desktop::MessageBox(const std::string& text, platform::Mes
   return AnswerOf(button);
 }
 
+void Win32Desktop::CopyText(const std::string& text) {
+  const HWND owner = m_modal != nullptr ? m_modal->window->Handle() : nullptr;
+  const std::wstring wide = Wide(text);
+  const std::size_t size = (wide.size() + 1) * sizeof(wchar_t);
+  const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
+  if (memory == nullptr) return;
+  if (void* const place = GlobalLock(memory)) {
+    std::memcpy(place, wide.c_str(), size);
+    GlobalUnlock(memory);
+  }
+  if (!OpenClipboard(owner)) {
+    GlobalFree(memory);
+    return;
+  }
+  EmptyClipboard();
+  if (SetClipboardData(CF_UNICODETEXT, memory) == nullptr) GlobalFree(memory);
+  CloseClipboard();
+}
+
+std::optional<platform::CivilTime> Win32Desktop::AskDay(const std::string& question,
+                                                        const platform::CivilTime& first,
+                                                        const platform::CivilTime& last) {
+  HWND owner = GetActiveWindow();
+  if (m_modal != nullptr) {
+    m_modal->context.FlushAll();
+    owner = m_modal->window->Handle();
+  }
+  const ActivationScope scope(m_modal != nullptr ? m_modal->context.ActivationContext()
+                                                 : INVALID_HANDLE_VALUE);
+  const auto day = ShowDayDialog(m_module, owner, question, first, last);
+  m_lastPending = GetTickCount();
+  return day;
+}
+
+platform::WindowSize Win32Desktop::SizeToStartWith(const platform::WindowSize& designed) const {
+  constexpr int kPercent = 70;
+  const HWND host = OtherWindows().Host();
+  const WindowContext context(m_module);
+  const int hostDpi = host == nullptr ? 0 : WindowDpi(host);
+  const int dpi = hostDpi != 0 ? hostDpi : context.Dpi();
+  MONITORINFO monitor{sizeof monitor};
+  const POINT origin{};
+  const HMONITOR screen = host != nullptr ? MonitorFromWindow(host, MONITOR_DEFAULTTONEAREST)
+                                          : MonitorFromPoint(origin, MONITOR_DEFAULTTOPRIMARY);
+  if (!GetMonitorInfoW(screen, &monitor)) return designed;
+  const auto along = [dpi](LONG pixels, int design) {
+    const int room = MulDiv(static_cast<int>(pixels), 1440, dpi);
+    return std::min(std::max(room * kPercent / 100, design), room);
+  };
+  return {along(monitor.rcWork.right - monitor.rcWork.left, designed.width),
+          along(monitor.rcWork.bottom - monitor.rcWork.top, designed.height)};
+}
+
 void Win32Desktop::DoEvents() {
   if (GetTickCount() - m_lastPending < kPendingMilliseconds) return;
   RunPending();
@@ -195,6 +251,7 @@ void Win32Desktop::ShowModal(controls::Form& form) {
   {
     Modal modal(m_module, form, m_modal);
     modal.window->Show();
+    modal.context.Guarded([&form] { form.UserShown(); });
     RunLoop(modal);
     quitCode = modal.quitCode;
   }

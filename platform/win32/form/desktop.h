@@ -18,6 +18,13 @@ class Win32Desktop final : public platform::Desktop {
                               const std::string& title) override;
   // Free but for a look at the clock while the last time is less than 15 ms ago.
   void DoEvents() override;
+  void CopyText(const std::string& text) override;
+  std::optional<platform::CivilTime> AskDay(const std::string& question, const platform::CivilTime& first,
+                                            const platform::CivilTime& last) override;
+  // About 70 % of the work area of the screen on which the host's window stands, and not less than designed
+  // where there is room.
+  platform::WindowSize SizeToStartWith(const platform::WindowSize& designed) const override;
+  std::int64_t Milliseconds() const override { return static_cast<std::int64_t>(GetTickCount64()); }
   // Throws kxrestore::Error when the windows cannot be made. A form that is already showing is left alone.
   void ShowModal(controls::Form& form) override;
 

@@ -77,6 +77,7 @@ void FocusByKey(Control& control) {
   ControlWindow* const window = ControlWindow::Of(control);
   if (window == nullptr || window->Handle() == nullptr) return;
   SetFocus(window->Handle());
+  control.UserKeyboardEnter();
 }
 
 }  // namespace

@@ -18,14 +18,6 @@ constexpr DWORD kExStyle = WS_EX_CONTROLPARENT | WS_EX_APPWINDOW;
 constexpr UINT kComeForward = WM_APP + 1;
 constexpr UINT kDpiChanged = 0x02E0;  // WM_DPICHANGED, which older headers lack
 
-// 0 on systems where all windows share one resolution.
-int WindowDpi(HWND window) {
-  using GetDpi = UINT(WINAPI*)(HWND);
-  const auto getDpi = reinterpret_cast<GetDpi>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "GetDpiForWindow")));
-  return getDpi == nullptr ? 0 : static_cast<int>(getDpi(window));
-}
-
 RECT WorkArea(const RECT& bounds) {
   MONITORINFO monitor{sizeof monitor};
   GetMonitorInfoW(MonitorFromRect(&bounds, MONITOR_DEFAULTTONEAREST), &monitor);
@@ -42,6 +34,13 @@ BOOL CALLBACK SendOn(HWND window, LPARAM message) {
 }
 
 }  // namespace
+
+int WindowDpi(HWND window) {
+  using GetDpi = UINT(WINAPI*)(HWND);
+  const auto getDpi = reinterpret_cast<GetDpi>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "GetDpiForWindow")));
+  return getDpi == nullptr ? 0 : static_cast<int>(getDpi(window));
+}
 
 FormWindow::FormWindow(WindowContext& context, controls::Form& form, HWND host)
     : WindowPeer(context, form), m_form(form), m_keys(context, form) {
@@ -170,6 +169,7 @@ void FormWindow::OnFlush(unsigned flags) {
     const SIZE size = SizeOf(PixelBounds());
     SetWindowPos(Handle(), nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
   }
+  if ((flags & kTaskProgressFlag) != 0) m_taskbar.Show(Handle(), m_form.GetTaskProgress());
   if ((flags & kRefreshFlag) != 0) InvalidateRect(Handle(), nullptr, TRUE);
 }
 

@@ -4,9 +4,13 @@
 #include "controls/form.h"
 #include "platform/win32/controls/control_window.h"
 #include "platform/win32/form/form_keys.h"
+#include "platform/win32/form/taskbar_progress.h"
 #include "platform/win32/services/icons.h"
 
 namespace kxrestore::win32 {
+
+// The resolution of a window; 0 on systems where all windows share one.
+int WindowDpi(HWND window);
 
 class FormWindow final : public WindowPeer<controls::Peer> {
  public:
@@ -23,6 +27,10 @@ class FormWindow final : public WindowPeer<controls::Peer> {
  protected:
   void OnFlush(unsigned flags) override;
   RECT PixelBounds() const override;
+  WindowContext::When Urgency(controls::Property property) const override {
+    return property == controls::Property::kTaskProgress ? WindowContext::When::kThrottled
+                                                         : WindowContext::When::kSoon;
+  }
 
  private:
   void Place(HWND host);
@@ -37,6 +45,7 @@ class FormWindow final : public WindowPeer<controls::Peer> {
 
   controls::Form& m_form;
   FormKeys m_keys;
+  TaskbarProgress m_taskbar;
   IconHandle m_smallIcon;
   IconHandle m_largeIcon;
   HWND m_focus = nullptr;  // while the window is not active

@@ -78,6 +78,10 @@ std::string Win32Regional::Grouped(std::int64_t number) const {
   return Narrow({buffer.data(), static_cast<std::size_t>(length - 1)});
 }
 
+std::string Win32Regional::DecimalPoint() const {
+  return Narrow(LocaleText(LOCALE_SDECIMAL).c_str());
+}
+
 platform::CivilTime Win32Regional::Now() const {
   SYSTEMTIME now{};
   GetLocalTime(&now);

@@ -11,6 +11,7 @@ class Win32Regional final : public platform::Regional {
   std::string ShortDate(const platform::CivilTime& time) const override;
   std::string LongTime(const platform::CivilTime& time) const override;
   std::string Grouped(std::int64_t number) const override;
+  std::string DecimalPoint() const override;
   platform::CivilTime Now() const override;
 };
 

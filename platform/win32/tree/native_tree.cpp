@@ -81,6 +81,13 @@ bool NativeTree::TextBounds(HTREEITEM item, RECT& bounds) const {
   return Send(TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&bounds)) != 0;
 }
 
+void NativeTree::Announce(HTREEITEM item) const {
+  if (item == nullptr) return;
+  const LRESULT child = Send(TVM_MAPHTREEITEMTOACCID, reinterpret_cast<WPARAM>(item));
+  NotifyWinEvent(EVENT_OBJECT_STATECHANGE, m_window, OBJID_CLIENT,
+                 child != 0 ? static_cast<LONG>(child) : CHILDID_SELF);
+}
+
 NativeTree::Pause::Pause(NativeTree& tree) : m_tree(tree) {
   if (m_tree.m_pauses++ > 0) return;
   m_tree.m_shown = HasVisibleStyle(m_tree.m_window);

@@ -49,6 +49,9 @@ class NativeTree {
   TVHITTESTINFO HitTest(POINT point) const;
   bool TextBounds(HTREEITEM item, RECT& bounds) const;
 
+  // Tells screen readers that the state of an item has changed.
+  void Announce(HTREEITEM item) const;
+
   // Layout and painting wait while one of these lives; what the window shows stays.
   class Pause {
    public:

@@ -33,7 +33,7 @@ bool CheckBoxes::FindPlace(const RECT& row, const RECT& text) {
   return true;
 }
 
-void CheckBoxes::Draw(const NMCUSTOMDRAW& draw, bool checked) {
+void CheckBoxes::Draw(const NMCUSTOMDRAW& draw, int image) {
   RECT text;
   if (!m_shown || !m_native.TextBounds(reinterpret_cast<HTREEITEM>(draw.dwItemSpec), text)) return;
   const RECT row{draw.rc.left, text.top, draw.rc.right, text.bottom};
@@ -49,11 +49,12 @@ void CheckBoxes::Draw(const NMCUSTOMDRAW& draw, bool checked) {
   // nodes expand.
   if (!m_theme) m_theme.emplace(OpenThemeData(nullptr, L"BUTTON"));
   if (*m_theme) {
-    DrawThemeBackground(m_theme->get(), draw.hdc, BP_CHECKBOX,
-                        checked ? CBS_CHECKEDNORMAL : CBS_UNCHECKEDNORMAL, &box, nullptr);
+    constexpr int kStates[] = {CBS_UNCHECKEDNORMAL, CBS_CHECKEDNORMAL, CBS_MIXEDNORMAL};
+    DrawThemeBackground(m_theme->get(), draw.hdc, BP_CHECKBOX, kStates[image - kClear], &box, nullptr);
   } else {
     DrawFrameControl(draw.hdc, &box, DFC_BUTTON,
-                     DFCS_BUTTONCHECK | DFCS_FLAT | (checked ? DFCS_CHECKED : 0U));
+                     (image == kMixed ? DFCS_BUTTON3STATE : DFCS_BUTTONCHECK) | DFCS_FLAT |
+                         (image != kClear ? DFCS_CHECKED : 0U));
   }
 }
 

@@ -4,6 +4,8 @@
 
 #include <optional>
 
+#include "controls/tree_view.h"
+
 #include "platform/win32/controls/theme.h"
 #include "platform/win32/services/icons.h"
 #include "platform/win32/tree/native_tree.h"
@@ -15,6 +17,12 @@ class CheckBoxes {
   // State images as the rest of the world knows them.
   static constexpr int kClear = 1;
   static constexpr int kTicked = 2;
+  static constexpr int kMixed = 3;
+
+  static int ImageOf(controls::Node node) {
+    if (node.Mixed()) return kMixed;
+    return node.Checked() ? kTicked : kClear;
+  }
 
   CheckBoxes(NativeTree& native, bool shown) : m_native(native), m_shown(shown) {}
 
@@ -23,10 +31,10 @@ class CheckBoxes {
 
   void MakeImages(int pixels);
   void ThemeChanged() { m_theme.reset(); }
-  void Draw(const NMCUSTOMDRAW& draw, bool checked);
+  void Draw(const NMCUSTOMDRAW& draw, int image);
 
  private:
-  static constexpr int kBlank = 3;
+  static constexpr int kBlank = 3;  // of the items, whatever their node's state
 
   bool FindPlace(const RECT& row, const RECT& text);
 

@@ -265,6 +265,7 @@ void TreeItems::Apply(const Change& change) {
     }
     case NodeProperty::kImage:
     case NodeProperty::kChecked:
+    case NodeProperty::kMixed:
     case NodeProperty::kSelected:
       break;
   }

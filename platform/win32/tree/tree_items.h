@@ -89,7 +89,7 @@ class TreeItems {
 
   controls::Node At(std::uint32_t node) const { return {&m_tree, node}; }
   controls::Node FirstChild(std::uint32_t node) const {
-    return node == 0 ? m_tree.FirstRoot() : At(node).Child();
+    return node == 0 ? m_tree.FirstRoot() : m_tree.InOrder(At(node));
   }
   HTREEITEM ParentItem(std::uint32_t node) const { return node == 0 ? TVI_ROOT : m_items[node]; }
   bool Has(std::uint32_t node, Flag flag) const {

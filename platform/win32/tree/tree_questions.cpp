@@ -49,7 +49,7 @@ std::optional<LRESULT> TreeQuestions::Answer(UINT message, WPARAM wide, LPARAM e
 UINT TreeQuestions::TrueState(HTREEITEM item, UINT state, UINT mask) const {
   const std::uint32_t node = m_tree.CheckBoxes() ? m_items.NodeOf(item) : 0;
   if (node == 0 || (state & TVIS_STATEIMAGEMASK & mask) == 0) return state;
-  const UINT image = INDEXTOSTATEIMAGEMASK(At(node).Checked() ? CheckBoxes::kTicked : CheckBoxes::kClear);
+  const UINT image = INDEXTOSTATEIMAGEMASK(CheckBoxes::ImageOf(At(node)));
   return (state & ~TVIS_STATEIMAGEMASK) | (image & mask);
 }
 

@@ -1,9 +1,13 @@
 #include "platform/win32/tree/tree_window.h"
 
+#include "controls/check_propagation.h"
+#include "platform/win32/controls/empty_text.h"
 #include "platform/win32/services/icons.h"
+#include "platform/win32/tree/tree_badge.h"
 #include "platform/win32/tree/tree_check_boxes.h"
 #include "platform/win32/tree/tree_items.h"
 #include "platform/win32/tree/tree_questions.h"
+#include "platform/win32/tree/tree_tips.h"
 
 namespace kxrestore::win32 {
 
@@ -29,11 +33,13 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
         m_tree(tree),
         m_checkBoxes(m_native, tree.CheckBoxes()),
         m_items(tree, m_native, m_checkBoxes.ItemState()),
-        m_questions(tree, m_native, m_items) {
+        m_questions(tree, m_native, m_items),
+        m_tips(context, tree, m_native, m_items) {
     m_questions.Toggled = [this](std::uint32_t node) { Report(kToggled, node); };
     m_questions.Expanded = [this](std::uint32_t node, bool expanded) { Report(kExpansion, node, expanded); };
     DWORD style = WS_TABSTOP | TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS |
                   TVS_DISABLEDRAGDROP;
+    if (tree.Tip) style |= TVS_NOTOOLTIPS;  // the tip says the whole name, too
     Create(parent, WC_TREEVIEWW, {}, style, WS_EX_CLIENTEDGE);
     m_native.Attach(Handle());
     MakeImages();
@@ -72,9 +78,10 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
       return;
     }
     if (m_items.ItemOf(node) == nullptr) return;
-    if (property == NodeProperty::kImage || property == NodeProperty::kChecked) {
+    if (property == NodeProperty::kImage || property == NodeProperty::kChecked ||
+        property == NodeProperty::kMixed) {
       Context().Guarded([&] {
-        if (property == NodeProperty::kChecked && m_announced.size() < kMostAnnounced)
+        if (property != NodeProperty::kImage && m_announced.size() < kMostAnnounced)
           m_announced.push_back(node);
       });
       Later(kRepaintFlag);
@@ -91,6 +98,8 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     Context().Guarded([&] { m_items.Cleared(); });
     Later(kWorkFlag | kRepaintFlag);
   }
+
+  void BadgesChanged() override { Later(kRepaintFlag); }
 
   // --- ControlWindow
 
@@ -124,10 +133,14 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   }
 
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wide, LPARAM extra) override {
+    m_tips.See(message, extra);
     switch (message) {
       case WM_LBUTTONDOWN:
       case WM_LBUTTONDBLCLK:
         return OnPress(message, wide, extra);
+      case WM_SIZE:
+        if (m_tree.Count() == 0) InvalidateRect(Handle(), nullptr, TRUE);
+        return std::nullopt;
       case WM_RBUTTONDOWN:
         return HandledByControl(message, wide, extra);
       case WM_KEYDOWN:
@@ -147,9 +160,9 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
         m_checkBoxes.ThemeChanged();
         return std::nullopt;
       case WM_PAINT:
-        if (!m_native.Paused()) return std::nullopt;
+        if (!m_native.Paused()) return Paint(wide, extra);
         if (m_items.Emptying()) {
-          PaintEmpty();
+          PaintBlank(Handle());  // nobody shall look for a second at what is no longer there
         } else {
           ValidateRect(Handle(), nullptr);
         }
@@ -180,6 +193,22 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     }
   }
 
+  std::optional<MenuRequest> MenuAt(std::optional<POINT> pointer) override {
+    MenuRequest request;
+    HTREEITEM item = m_native.Selected();
+    if (pointer) {
+      POINT place = *pointer;
+      ScreenToClient(Handle(), &place);
+      item = m_native.HitTest(place).hItem;
+      request.place = *pointer;
+    } else if (RECT text{}; item != nullptr && m_native.TextBounds(item, text)) {
+      request.place = {text.left, text.bottom};
+      ClientToScreen(Handle(), &request.place);
+    }
+    request.subject = m_items.NodeOf(item);
+    return request;
+  }
+
   void OnDpiChanged() override {
     WindowPeer::OnDpiChanged();
     MakeImages();
@@ -191,7 +220,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     if ((flags & kWorkFlag) != 0) Work();
     if ((flags & kRepaintFlag) == 0) return;
     if (!Frozen() || m_items.Emptying()) InvalidateRect(Handle(), nullptr, FALSE);
-    for (const std::uint32_t node : std::exchange(m_announced, {})) Announce(node);
+    for (const std::uint32_t node : std::exchange(m_announced, {})) m_native.Announce(m_items.ItemOf(node));
   }
 
   void SetRedraw(bool redraw) override {
@@ -211,20 +240,12 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   }
 
   void MakeImages() {
-    const int pixels = MulDiv(kImagePixels, Context().Dpi(), USER_DEFAULT_SCREEN_DPI);
+    const int pixels = m_imagePixels = MulDiv(kImagePixels, Context().Dpi(), USER_DEFAULT_SCREEN_DPI);
     m_checkBoxes.MakeImages(pixels);
     if (m_tree.Images() == nullptr) return;
     ImageListHandle images = MakeImageList(Context().Module(), *m_tree.Images(), pixels);
     m_native.Send(TVM_SETIMAGELIST, TVSIL_NORMAL, reinterpret_cast<LPARAM>(images.get()));
     m_images = std::move(images);
-  }
-
-  // Nobody shall look for a second at what is no longer there.
-  void PaintEmpty() const {
-    PAINTSTRUCT paint{};
-    const HDC dc = BeginPaint(Handle(), &paint);
-    FillRect(dc, &paint.rcPaint, GetSysColorBrush(COLOR_WINDOW));
-    EndPaint(Handle(), &paint);
   }
 
   void Describe(TVITEMW& item) const {
@@ -246,9 +267,13 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
         if (item == nullptr || m_items.ItemOf(node) != item) return CDRF_DODEFAULT;
         m_items.Painted(node);
         if (m_items.HasWork(!Frozen())) Later(kWorkFlag);
-        return m_tree.CheckBoxes() ? CDRF_NOTIFYPOSTPAINT : CDRF_DODEFAULT;
+        return m_tree.CheckBoxes() || m_tree.Badge ? CDRF_NOTIFYPOSTPAINT : CDRF_DODEFAULT;
       case CDDS_ITEMPOSTPAINT:
-        if (m_items.ItemOf(node) == item) m_checkBoxes.Draw(draw.nmcd, At(node).Checked());
+        if (m_items.ItemOf(node) != item) return CDRF_DODEFAULT;
+        m_checkBoxes.Draw(draw.nmcd, CheckBoxes::ImageOf(At(node)));
+        if (RECT text{}; m_tree.Badge && m_tree.Badge(At(node)) && m_native.TextBounds(item, text)) {
+          DrawBadge(draw.nmcd.hdc, text, m_imagePixels);
+        }
         return CDRF_DODEFAULT;
       default:
         return CDRF_DODEFAULT;
@@ -287,26 +312,10 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
         m_tree.UserExpand(At(node), (extra & 1) != 0);
         break;
       default:
-        ExpandBranch(At(node));
-    }
-  }
-
-  void ExpandBranch(const Node top) {
-    const auto alive = m_alive;
-    const LPARAM generation = m_generation;
-    Node node = top;
-    while (node) {
-      if (node.HasChildren() && !node.Expanded()) {
-        m_tree.UserExpand(node, true);
-        if (!*alive || generation != m_generation) return;
-      }
-      if (const Node child = node.Child()) {
-        node = child;
-        continue;
-      }
-      while (node && node != top && !node.Next()) node = node.Parent();
-      if (!node || node == top) return;
-      node = node.Next();
+        controls::ExpandBelow(At(node), [this, alive = m_alive, generation = m_generation](Node folder) {
+          m_tree.UserExpand(folder, true);
+          return *alive && generation == m_generation;
+        });
     }
   }
 
@@ -330,14 +339,28 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
       Report(kToggled, m_items.NodeOf(hit.hItem));
       return 0;
     }
-    const bool again = message == WM_LBUTTONDOWN && hit.hItem != nullptr &&
-                       (hit.flags & (TVHT_ONITEMICON | TVHT_ONITEMLABEL)) != 0 &&
-                       hit.hItem == m_native.Selected();
+    const bool onName = (hit.flags & (TVHT_ONITEMICON | TVHT_ONITEMLABEL)) != 0;
+    const std::uint32_t node = m_items.NodeOf(hit.hItem);
+    if (message == WM_LBUTTONDBLCLK && onName && node != 0 && m_tree.CheckBoxes() &&
+        !At(node).HasChildren()) {
+      Report(kToggled, node);
+      return 0;
+    }
+    const bool again =
+        message == WM_LBUTTONDOWN && hit.hItem != nullptr && onName && hit.hItem == m_native.Selected();
     const LPARAM generation = m_generation;
     const auto alive = m_alive;
     const LRESULT result = HandledByControl(message, wide, extra);
     // The control says nothing about a click on what is selected already.
     if (*alive && again && generation == m_generation) Report(kClicked, m_items.NodeOf(hit.hItem));
+    return result;
+  }
+
+  LRESULT Paint(WPARAM wide, LPARAM extra) {
+    const LRESULT result = m_native.Send(WM_PAINT, wide, extra);
+    if (m_tree.Count() == 0 && !m_tree.EmptyText().empty()) {
+      DrawEmptyText(Handle(), Context().Font(), m_tree.EmptyText());
+    }
     return result;
   }
 
@@ -360,8 +383,6 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     ShowSelection();
     return m_questions.Answer(message, wide, extra);
   }
-
-  // --- bringing the window into line
 
   void Work() {
     m_items.Work(TreeItems::Clock::now() + kSlice, !Frozen());
@@ -401,21 +422,14 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     if (const HTREEITEM item = m_items.NearestShown(node)) m_native.ScrollTo(item);
   }
 
-  // Tells screen readers.
-  void Announce(std::uint32_t node) {
-    const HTREEITEM item = m_items.ItemOf(node);
-    if (item == nullptr) return;
-    const LRESULT child = m_native.Send(TVM_MAPHTREEITEMTOACCID, reinterpret_cast<WPARAM>(item));
-    NotifyWinEvent(EVENT_OBJECT_STATECHANGE, Handle(), OBJID_CLIENT,
-                   child != 0 ? static_cast<LONG>(child) : CHILDID_SELF);
-  }
-
   controls::TreeView& m_tree;
   NativeTree m_native;
   CheckBoxes m_checkBoxes;
   TreeItems m_items;
   TreeQuestions m_questions;
+  TreeTips m_tips;
   ImageListHandle m_images;
+  int m_imagePixels = kImagePixels;
   std::optional<NativeTree::Pause> m_frozen;
   std::vector<std::uint32_t> m_announced;
   LPARAM m_generation = 0;

@@ -1,0 +1,10 @@
+// What a user can do about an error.
+#pragma once
+
+#include "base/phrases.h"
+
+namespace kxrestore::dialog {
+
+Phrase AdviceFor(int errorNumber);
+
+}  // namespace kxrestore::dialog

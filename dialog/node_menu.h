@@ -1,0 +1,28 @@
+// The menus of the two trees.
+#pragma once
+
+#include <functional>
+
+#include "dialog/form_context.h"
+#include "dialog/node_info.h"
+
+namespace kxrestore::dialog {
+
+class NodeMenu {
+ public:
+  // Takes over the menus of both trees. Whoever wants to add to one calls the FillMenu that was there first.
+  NodeMenu(FormContext& context, NodeInfo& info);
+
+  // "Choose the state of a day" was chosen on a set or on one of its runs.
+  std::function<void(controls::Node)> ChooseDay;
+
+ private:
+  void FillDetails(controls::Menu& menu);
+  void FillSets(controls::Menu& menu);
+  void Expand(controls::Node branch, bool expanded);
+
+  FormContext& m_context;
+  NodeInfo& m_info;
+};
+
+}  // namespace kxrestore::dialog

@@ -1,0 +1,137 @@
+// What the dialog says while something takes long, and where it was stopped.
+#include "dialog/progress.h"
+
+#include "tests/dialog/dialog_fixture.h"
+
+namespace kxrestore::dialog_test {
+namespace {
+
+class ProgressTest : public DialogTest {
+ protected:
+  void SetUp() override {
+    std::vector<sample::FileRow> rows;
+    for (int i = 0; i < kFiles; ++i)
+      rows.push_back(Row(i + 1, 1, "003", "C:\\" + std::to_string(i) + ".doc"));
+    MakeCatalog(rows);
+    ChooseRun();
+  }
+
+  // Runs `action` while the clock goes on by so much an item, and returns the different texts that were
+  // shown.
+  template <typename Action>
+  Strings Said(std::int64_t milliseconds, Action action) {
+    Strings said;
+    desktop.onDoEvents = [&] {
+      desktop.milliseconds += milliseconds;
+      if (!ui().picProgress.IsShown()) return;
+      std::string text = ui().lblProgress.Caption();
+      std::erase(text, '\r');
+      if (said.empty() || said.back() != text) said.push_back(text);
+    };
+    action();
+    desktop.onDoEvents = nullptr;
+    return said;
+  }
+
+  static constexpr int kFiles = 1200;
+};
+
+TEST_F(ProgressTest, TellsHowMuchOfHowMuchAndHowMuchLonger) {
+  TickAll();
+  // 1,201 nodes of 10 ms: shown from the first second on, anew every tenth of one.
+  const Strings said = Said(10, [this] { Apply(); });
+  ASSERT_GT(said.size(), 100U);
+  EXPECT_TRUE(said.front().starts_with("Marking\n10")) << said.front();
+  EXPECT_NE(said.front().find(" of 1,201\n0:01, about 0:1"), std::string::npos) << said.front();
+  EXPECT_TRUE(said.front().ends_with(" left\nEsc stops"));
+  EXPECT_NE(said[50].find(" of 1,201\n0:06, about 0:0"), std::string::npos) << said[50];
+  EXPECT_EQ(said.back().substr(0, 8), "Listing\n") << said.back();
+  EXPECT_FALSE(ui().picProgress.IsShown());
+  EXPECT_FALSE(ui().form.GetTaskProgress().shown);
+  EXPECT_TRUE(ui().lblHelp.IsShown());
+}
+
+TEST_F(ProgressTest, BarAndTaskBarShowTheShare) {
+  TickAll();
+  Said(10, [this] {
+    DuringWalk(601, [this] {
+      EXPECT_FALSE(ui().barProgress.Indeterminate());
+      EXPECT_EQ(ui().barProgress.Max(), kFiles + 1);
+      EXPECT_NEAR(ui().barProgress.Value(), 601, 10);
+      EXPECT_NEAR(ui().form.GetTaskProgress().share, 0.5, 0.01);
+    });
+    const auto check = desktop.onDoEvents;
+    desktop.onDoEvents = [this, check] {
+      desktop.milliseconds += 10;
+      check();
+    };
+    Apply();
+  });
+  // Nobody knows how many files a run has.
+  bool looked = false;
+  DuringWalk(300, [&] {
+    looked = true;
+    EXPECT_TRUE(ui().barProgress.Indeterminate());
+    EXPECT_LT(ui().form.GetTaskProgress().share, 0);
+  });
+  const auto check = desktop.onDoEvents;
+  desktop.onDoEvents = [this, check] {
+    desktop.milliseconds += 10;
+    check();
+  };
+  ChooseRun();
+  EXPECT_TRUE(looked);
+}
+
+TEST_F(ProgressTest, EveryWalkSaysWhatItIsAndNoneThatIsOverSoon) {
+  const auto first = [this](auto action) {
+    const Strings said = Said(10, action);
+    return said.empty() ? std::string() : said.front().substr(0, said.front().find('\n'));
+  };
+  EXPECT_EQ(first([this] { ChooseRun(); }), "Loading files");
+  TickAll();
+  EXPECT_EQ(first([this] { Apply(); }), "Marking");
+  EXPECT_EQ(first([this] { Click(kRefresh); }), "Listing");
+  EXPECT_EQ(first([this] { ui().cmdAction[kExpandAll].UserClick(); }), "Opening and closing");
+  ui().asRestoreList.TickAll(false);
+  EXPECT_EQ(first([this] { Click(kUpdate); }), "Unmarking");
+  ShowTab(2);
+  EXPECT_EQ(first([this] { Find("*.doc"); }), "Searching");
+  ui().asSearch.TickAll(true);
+  EXPECT_EQ(first([this] { ui().cmdSearch[kApplyFound].UserClick(); }), "Marking");
+  ShowTab(3);
+  ui().asFiles.TickAll(true);
+  EXPECT_EQ(first([this] { ui().cmdAuto[kApplyTypes].UserClick(); }), "Marking");
+  EXPECT_EQ(Said(0, [this] { Click(kRefresh); }), Strings());
+}
+
+TEST_F(ProgressTest, AStopSaysWhatWasDoneUntilTheNextAction) {
+  TickAll();
+  EscapeAt(701);
+  Apply();
+  EXPECT_TRUE(ui().picProgress.IsShown());
+  EXPECT_FALSE(ui().barProgress.Visible());
+  EXPECT_EQ(ui().lblProgress.Caption(), "Stopped: " + std::to_string(catalog->Marked().size()) + " marked.");
+  EXPECT_FALSE(ui().form.GetTaskProgress().shown);
+  Click(kRefresh);
+  EXPECT_FALSE(ui().picProgress.IsShown());
+
+  ui().asRestoreList.TickAll(false);
+  EscapeAt(301);
+  Click(kUpdate);
+  EXPECT_EQ(ui().lblProgress.Caption(), "Stopped: 300 unmarked.");
+}
+
+TEST_F(ProgressTest, TimeThatTheUserTakesForAnAnswerIsNotCounted) {
+  Tick("0.doc");
+  Apply();
+  desktop.onMessage = [this](const auto&) { desktop.milliseconds += 3'600'000; };
+  desktop.answers = {platform::Answer::kYes};
+  EXPECT_EQ(Said(0, [this] { Click(kClearList); }), Strings());
+  desktop.messages.clear();
+  EXPECT_EQ(dialog::Duration(59), "0:59");
+  EXPECT_EQ(dialog::Duration(3723), "1:02:03");
+}
+
+}  // namespace
+}  // namespace kxrestore::dialog_test

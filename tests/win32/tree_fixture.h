@@ -1,0 +1,141 @@
+// A tree in a window, what the control holds of it, and what can be seen.
+#pragma once
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "platform/win32/tree/tree_window.h"
+#include "tests/win32/control_host.h"
+
+namespace kxrestore::win32 {
+
+using controls::Node;
+using controls::RedrawFreeze;
+using controls::TreeView;
+
+class TreeWindowTest : public ControlHost {
+ protected:
+  TreeWindowTest() {
+    Place(tree);
+    tree.SetImages(&images);
+    tree.AttachPeer(MakeTreeWindow(context, tree, Host()));
+    window = HandleOf(tree);
+    ::SetFocus(window);
+    Pump();
+    tree.NodeClick = [this](Node node) { clicked.push_back(node.Index()); };
+    tree.NodeCheck = [this](Node node) { checked.push_back(node.Index()); };
+  }
+
+  // A drive with folders, each with files; and a file before, between and behind the folders.
+  void Fill(int folders, int files) {
+    const RedrawFreeze freeze(tree);
+    tree.Clear();
+    const Node drive = tree.Add({}, "C:\\", "C:\\", 4);
+    tree.Add(drive, {}, "before", 3);
+    for (int folder = 0; folder < folders; ++folder) {
+      const Node parent = tree.Add(drive, {}, "folder " + std::to_string(folder), 1);
+      for (int file = 0; file < files; ++file) {
+        tree.Add(parent, {}, "file " + std::to_string(file) + ".doc", 3, "tag");
+      }
+      if (folder % 2 == 0) tree.Add(drive, {}, "between", 3);
+    }
+  }
+  void ExpandAll(bool expanded) {
+    const auto count = static_cast<std::uint32_t>(tree.Count());
+    for (std::uint32_t index = 1; index <= count; ++index) {
+      Node node = tree.Item(index);
+      if (node.HasChildren() && node.Expanded() != expanded) node.SetExpanded(expanded);
+    }
+  }
+
+  int DrawnPixels(const RECT& area) const {
+    const HDC dc = GetDC(window);
+    int drawn = 0;
+    for (int x = area.left; x < area.right; ++x) {
+      for (int y = area.top; y < area.bottom; ++y) drawn += GetRValue(GetPixel(dc, x, y)) < 0xE0 ? 1 : 0;
+    }
+    ReleaseDC(window, dc);
+    return drawn;
+  }
+
+  // What the control holds. Asking the window would make it finish what it has put off.
+  std::size_t Held() const {
+    const auto procedure = reinterpret_cast<WNDPROC>(GetClassLongPtrW(window, GCLP_WNDPROC));
+    return static_cast<std::size_t>(CallWindowProcW(procedure, window, TVM_GETCOUNT, 0, 0));
+  }
+  // Lets messages run until the control holds that many, or, without a number, no longer changes.
+  void Settle(std::size_t wanted = 0) {
+    std::size_t held = Held();
+    DWORD since = GetTickCount();
+    EXPECT_TRUE(PumpUntil([&] {
+      if (std::exchange(held, Held()) != held) since = GetTickCount();
+      return wanted != 0 ? held == wanted : GetTickCount() - since > 300;
+    })) << held;
+  }
+
+  HTREEITEM Next(UINT relation, HTREEITEM item = nullptr) const {
+    return reinterpret_cast<HTREEITEM>(
+        SendMessageW(window, TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+  }
+  void Select(HTREEITEM item) const {
+    SendMessageW(window, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(item));
+  }
+  HTREEITEM Root() const { return Next(TVGN_ROOT); }
+  HTREEITEM Below(HTREEITEM parent, int position) const {
+    HTREEITEM item = Next(TVGN_CHILD, parent);
+    for (; position > 0; --position) item = Next(TVGN_NEXT, item);
+    return item;
+  }
+  std::uint32_t NodeOf(HTREEITEM item) const {
+    TVITEMW query{TVIF_PARAM | TVIF_HANDLE};
+    query.hItem = item;
+    SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&query));
+    return static_cast<std::uint32_t>(query.lParam);
+  }
+  std::wstring TextOf(HTREEITEM item) const {
+    wchar_t text[MAX_PATH] = L"";
+    TVITEMW query{TVIF_TEXT | TVIF_HANDLE};
+    query.hItem = item;
+    query.pszText = text;
+    query.cchTextMax = MAX_PATH;
+    SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&query));
+    return query.pszText;
+  }
+  UINT State(HTREEITEM item, UINT mask) const {
+    return static_cast<UINT>(SendMessageW(window, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), mask));
+  }
+  int Box(HTREEITEM item) const { return static_cast<int>(State(item, TVIS_STATEIMAGEMASK) >> 12); }
+
+  POINT PointOn(HTREEITEM item, UINT part) const {
+    RECT row;
+    std::memcpy(&row, &item, sizeof item);
+    SendMessageW(window, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&row));
+    TVHITTESTINFO hit{};
+    hit.pt.y = (row.top + row.bottom) / 2;
+    for (; hit.pt.x < row.right; ++hit.pt.x) {
+      SendMessageW(window, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+      if (hit.flags == part) return {hit.pt.x + 2, hit.pt.y};
+    }
+    ADD_FAILURE() << "the item has no such part";
+    return {};
+  }
+
+  // Compares what is below an item with the model, as far as nodes are expanded.
+  void ExpectSameBelow(HTREEITEM parent, Node first) {
+    HTREEITEM item = parent == nullptr ? Root() : Next(TVGN_CHILD, parent);
+    for (Node node = first; node; node = node.Next(), item = Next(TVGN_NEXT, item)) {
+      ASSERT_EQ(NodeOf(item), node.Index());
+      ASSERT_EQ(State(item, TVIS_EXPANDED) != 0, node.Expanded()) << node.Text();
+      if (node.Expanded()) ExpectSameBelow(item, node.Child());
+    }
+    ASSERT_EQ(item, nullptr);
+  }
+
+  controls::ImageList images{{"cfolder", "ofolder", "file", "drive"}};
+  TreeView tree{"tvwDetails", &form, true};
+  HWND window = nullptr;
+  std::vector<std::uint32_t> clicked, checked;
+};
+
+}  // namespace kxrestore::win32
