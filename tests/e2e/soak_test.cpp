@@ -141,7 +141,7 @@ TEST_F(DialogTest, AHostThatRunsForWeeksKeepsNothing) {
   EXPECT_LE(last.windows, first.windows + slack);
   EXPECT_LE(last.drawing, first.drawing + slack);
   // Wine keeps one block of 24 bytes for each label that there was.
-  constexpr int kLabels = 14;
+  constexpr int kLabels = 16;
   EXPECT_LE(last.blocks, first.blocks + kLabels * (runs - settled) + 10 * slack);
 }
 

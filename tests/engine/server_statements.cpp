@@ -134,10 +134,10 @@ std::vector<ServerStatement> ServerStatements() {
   catalog_test::RecordingDatabase database(script);
   const std::string masks[] = {"", "*.doc", "100%_[!a-c^]#\\it's \"new\"", "Ärger"};
   for (const std::string& mask : masks) {
-    catalog::BuildRestoreQuery(database, 3, true, mask, "In (\"001\", \"002\")");
-    catalog::BuildRestoreQuery(database, 3, false, mask, "= '001'");
-    catalog::BuildRestoreQuery(database, 3, true, mask, "");
-    if (!mask.empty()) catalog::BuildRestoreQuery(database, 0, true, mask, "");
+    static_cast<void>(catalog::BuildRestoreQuery(database, 3, true, mask, "In (\"001\", \"002\")"));
+    static_cast<void>(catalog::BuildRestoreQuery(database, 3, false, mask, "= '001'"));
+    static_cast<void>(catalog::BuildRestoreQuery(database, 3, true, mask, ""));
+    if (!mask.empty()) static_cast<void>(catalog::BuildRestoreQuery(database, 0, true, mask, ""));
   }
 
   Workspace workspace({nullptr, std::make_unique<catalog_test::RecordingBackend>(script), nullptr});
