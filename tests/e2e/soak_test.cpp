@@ -30,6 +30,11 @@ int CountHandles() {
   return count;
 }
 
+BOOL CALLBACK CountChild(HWND, LPARAM count) {
+  ++*reinterpret_cast<int*>(count);
+  return TRUE;
+}
+
 // All windows of this process: top-level ones and those that only take messages, with their children.
 int CountWindows() {
   int count = 0;
@@ -38,8 +43,7 @@ int CountWindows() {
     GetWindowThreadProcessId(window, &process);
     if (process != GetCurrentProcessId()) return;
     ++count;
-    const auto addChild = [](HWND, LPARAM to) -> BOOL { return ++*reinterpret_cast<int*>(to), TRUE; };
-    EnumChildWindows(window, addChild, reinterpret_cast<LPARAM>(&count));
+    EnumChildWindows(window, CountChild, reinterpret_cast<LPARAM>(&count));
   };
   for (const HWND parent : {static_cast<HWND>(nullptr), HWND_MESSAGE}) {
     for (HWND window = nullptr; (window = FindWindowExW(parent, window, nullptr, nullptr)) != nullptr;) {
