@@ -106,7 +106,7 @@ host_restores() {
 }
 
 command_line_answers() {
-  timeout 60 wine "$1" sets --catalog "$(windows_path "$work/catalog.db")" {kxWineLock}>&- >"$work/output.txt"
+  timeout 180 wine "$1" sets --catalog "$(windows_path "$work/catalog.db")" {kxWineLock}>&- >"$work/output.txt"
   cat "$work/output.txt"
   grep -q 'Daily Documents' "$work/output.txt"
 }
