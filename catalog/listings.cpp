@@ -21,6 +21,58 @@ std::string RunFilter(std::string_view list) {
   return std::string("In (").append(list).append(")");
 }
 
+namespace {
+
+// The name by which the versions of a file know each other.
+std::string OriginalName(engine::Database& database, std::int64_t setId, std::string_view extension,
+                         std::string_view filename) {
+  engine::Sql sql("SELECT Catalog.OrigName FROM [Catalog] WHERE (((Catalog.SetNameID)=");
+  sql.AddNumber(setId).Add(") AND ((Catalog.Extension)=").AddText(extension);
+  sql.Add(") AND ((Catalog.Filename)=").AddText(filename).Add("));");
+  const auto rows = database.OpenRecordset(sql, engine::RecordsetType::kSnapshot);
+  std::string name = rows->Eof() ? std::string() : rows->Fields("OrigName").Text();
+  rows->Close();
+  return name.empty() ? std::string(filename) : name;
+}
+
+// A pattern that a name alone matches, in either case, as "latest" takes names for the same.
+std::string Exactly(std::string_view name) {
+  std::string pattern = "\"" + NameAsMask(name);
+  for (std::size_t quote = pattern.find('"', 1); quote != std::string::npos;
+       quote = pattern.find('"', quote + 2)) {
+    pattern.insert(quote, 1, '"');
+  }
+  return pattern += '"';
+}
+
+}  // namespace
+
+std::string NameAsMask(std::string_view name) {
+  std::string mask;
+  for (const char character : name) {
+    if (character == '*' || character == '?' || character == '#' || character == '[') {
+      mask.append("[").append(1, character).append("]");
+    } else {
+      mask += character;
+    }
+  }
+  return mask;
+}
+
+std::unique_ptr<engine::Recordset> OpenVersions(engine::Database& database, std::int64_t setId,
+                                                std::string_view extension, std::string_view storedName,
+                                                bool aggregate, const engine::ColumnNames& read) {
+  std::string sql = "SELECT FullCatalog.* FROM FullCatalog WHERE (((FullCatalog.";
+  if (aggregate) {
+    sql.append("File) Like ").append(Exactly(storedName));
+    sql.append(") AND ((FullCatalog.Plugin) Like \"Exchange Server*\"");
+  } else {
+    sql.append("OrigName) Like ").append(Exactly(OriginalName(database, setId, extension, storedName)));
+  }
+  sql.append(") AND ((FullCatalog.Status)=2)) ORDER BY FullCatalog.DateStamp DESC, FullCatalog.ID DESC;");
+  return database.OpenRecordset(sql, engine::RecordsetType::kSnapshot, read);
+}
+
 std::unique_ptr<engine::Recordset> OpenSelections(engine::Database& database,
                                                   const engine::ColumnNames& read) {
   return database.OpenRecordset(

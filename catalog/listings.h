@@ -1,6 +1,7 @@
 // The fixed queries on a catalog: its completed runs, and its marked rows.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -28,5 +29,15 @@ std::string RunFilter(std::string_view list);
 
 // How many rows are marked: Files.
 std::unique_ptr<engine::Recordset> CountSelections(engine::Database& database);
+
+// A name as a mask that stands for itself.
+std::string NameAsMask(std::string_view name);
+
+// Every listed version of the file that an entry stands for, in all sets, the newest first, with the columns
+// of FullCatalog. The entry is named as for marking: `storedName` is Filename or, of an aggregate, File,
+// within a run. A file whose row is gone is looked for under its stored name.
+std::unique_ptr<engine::Recordset> OpenVersions(engine::Database& database, std::int64_t setId,
+                                                std::string_view extension, std::string_view storedName,
+                                                bool aggregate, const engine::ColumnNames& read);
 
 }  // namespace kxrestore::catalog

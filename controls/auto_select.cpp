@@ -1,123 +1,18 @@
 #include "controls/auto_select.h"
 
-#include <algorithm>
-#include <cstring>
 #include <limits>
-#include <unordered_map>
-#include <vector>
 
-#include "controls/blocks.h"
+#include "controls/auto_select_store.h"
 #include "controls/errors.h"
-#include "controls/text_arena.h"
-#include "controls/text_pool.h"
+#include "controls/list_rows.h"
 
 namespace kxrestore::controls {
-
-struct AutoSelect::Store {
-  enum Flag : std::uint8_t { kSizeKnown = 1, kGroup = 2, kSharedNames = 4 };
-
-  struct Record {
-    const char* names;  // the shown name, then the stored one; where one ends the other, the longer of them
-    std::int64_t size, time, setId;
-    std::uint32_t nameLength, storedLength;
-    std::uint32_t extension, setName, date;  // numbers in `pool`
-    std::uint8_t flags;
-  };
-
-  std::size_t Count() const { return records.Size(); }
-  void Add(const Entry& entry, bool ticked);
-  Entry At(std::size_t number) const;
-  bool IsGroup(std::size_t number) const { return (records[number - 1].flags & kGroup) != 0; }
-
-  struct Group {
-    std::size_t number = 0, members = 0, ticked = 0;
-  };
-  // The group's own tick says whether all of its members are ticked. Returns the group when its tick changed.
-  std::size_t Tick(std::size_t number, bool ticked);
-
-  Blocks<Record, 10> records;
-  std::vector<bool> ticks;
-  TextArena texts;
-  TextPool pool;
-  std::unordered_map<std::int64_t, Group> groups;  // of file types, by their number
-};
-
-void AutoSelect::Store::Add(const Entry& entry, bool ticked) {
-  constexpr std::size_t kLongest = std::numeric_limits<std::uint32_t>::max();
-  if (std::max(entry.name.size(), entry.storedName.size()) > kLongest) ThrowInvalidPropertyValue();
-
-  const std::string_view longer = std::max(entry.name, entry.storedName,
-                                           [](auto left, auto right) { return left.size() < right.size(); });
-  const bool shared = longer.ends_with(entry.name) && longer.ends_with(entry.storedName);
-  char* const names = texts.Allocate(shared ? longer.size() : entry.name.size() + entry.storedName.size());
-  const auto put = [](char* place, std::string_view text) {
-    if (!text.empty()) std::memcpy(place, text.data(), text.size());
-  };
-  put(names, shared ? longer : entry.name);
-  if (!shared) put(names + entry.name.size(), entry.storedName);
-
-  Record record{};
-  record.names = names;
-  record.size = entry.size;
-  record.time = entry.time;
-  record.nameLength = static_cast<std::uint32_t>(entry.name.size());
-  record.storedLength = static_cast<std::uint32_t>(entry.storedName.size());
-  record.extension = pool.Number(entry.extension, texts);
-  record.setName = pool.Number(entry.setName, texts);
-  record.date = pool.Number(entry.date, texts);
-  record.setId = entry.setId;
-  record.flags = static_cast<std::uint8_t>((entry.sizeKnown ? kSizeKnown : 0) | (entry.isGroup ? kGroup : 0) |
-                                           (shared ? kSharedNames : 0));
-  ticks.push_back(false);
-  records.Append(record);
-  if (entry.isGroup) {
-    groups[entry.setId].number = Count();
-  } else if (const auto group = groups.find(entry.setId); group != groups.end()) {
-    ++group->second.members;
-  }
-  if (ticked) Tick(Count(), true);
-}
-
-AutoSelect::Entry AutoSelect::Store::At(std::size_t number) const {
-  const Record& record = records[number - 1];
-  Entry entry;
-  if ((record.flags & kSharedNames) != 0) {
-    const char* const end = record.names + std::max(record.nameLength, record.storedLength);
-    entry.name = {end - record.nameLength, record.nameLength};
-    entry.storedName = {end - record.storedLength, record.storedLength};
-  } else {
-    entry.name = {record.names, record.nameLength};
-    entry.storedName = {record.names + record.nameLength, record.storedLength};
-  }
-  entry.size = record.size;
-  entry.sizeKnown = (record.flags & kSizeKnown) != 0;
-  entry.extension = pool.Text(record.extension);
-  entry.setId = record.setId;
-  entry.setName = pool.Text(record.setName);
-  entry.time = record.time;
-  entry.date = pool.Text(record.date);
-  entry.isGroup = (record.flags & kGroup) != 0;
-  return entry;
-}
-
-std::size_t AutoSelect::Store::Tick(std::size_t number, bool ticked) {
-  if (ticks[number - 1] == ticked) return 0;
-  ticks[number - 1] = ticked;
-  if (groups.empty()) return 0;
-  const auto found = groups.find(records[number - 1].setId);
-  if (found == groups.end() || IsGroup(number)) return 0;
-  Group& group = found->second;
-  group.ticked = ticked ? group.ticked + 1 : group.ticked - 1;
-  const bool whole = group.ticked == group.members;
-  if (ticks[group.number - 1] == whole) return 0;
-  ticks[group.number - 1] = whole;
-  return group.number;
-}
 
 AutoSelect::AutoSelect(std::string name, Container* container, Style style)
     : Control(Kind::kAutoSelect, std::move(name), container),
       m_style(style),
-      m_store(std::make_unique<Store>()) {}
+      m_store(std::make_unique<Store>()),
+      m_rows(std::make_unique<ListRows>(*this)) {}
 
 AutoSelect::~AutoSelect() {
   AttachPeer(nullptr);
@@ -126,11 +21,13 @@ AutoSelect::~AutoSelect() {
 void AutoSelect::Clear() {
   m_current = 0;
   m_store = std::make_unique<Store>();
+  m_rows->Cleared();
   if (List() != nullptr) List()->Cleared();
 }
 
 std::size_t AutoSelect::Add(const Entry& entry, bool ticked) {
   m_store->Add(entry, ticked);
+  m_rows->Added();
   const std::size_t count = m_store->Count();
   if (List() != nullptr) List()->EntriesAdded(count);
   return count;
@@ -185,8 +82,28 @@ void AutoSelect::SetTicked(std::size_t number, bool ticked) {
 }
 
 void AutoSelect::TickAll(bool ticked) {
-  m_store->ticks.assign(m_store->ticks.size(), ticked);
-  for (auto& [number, group] : m_store->groups) group.ticked = ticked ? group.members : 0;
+  m_store->TickAll(ticked);
+  if (List() != nullptr && m_store->Count() != 0) List()->TicksChanged(1, m_store->Count());
+}
+
+bool AutoSelect::PendingAt(std::size_t number) const {
+  CheckNumber(number);
+  return m_store->IsPending(number);
+}
+
+std::size_t AutoSelect::PendingCount() const {
+  return m_store->pending;
+}
+
+void AutoSelect::Settle(std::size_t number, bool ticked) {
+  CheckNumber(number);
+  if (m_store->settled[number - 1] == ticked) return;
+  m_store->Settle(number, ticked);
+  if (List() != nullptr) List()->TicksChanged(number, number);
+}
+
+void AutoSelect::SettleAll(bool ticked) {
+  for (std::size_t number = 1; number <= m_store->Count(); ++number) m_store->Settle(number, ticked);
   if (List() != nullptr && m_store->Count() != 0) List()->TicksChanged(1, m_store->Count());
 }
 
@@ -201,13 +118,22 @@ std::string AutoSelect::TickedTypes() const {
 }
 
 std::size_t AutoSelect::MemoryUsed() const {
-  return sizeof *m_store + m_store->records.MemoryUsed() + m_store->ticks.capacity() / 8 +
-         m_store->texts.MemoryUsed() + m_store->pool.MemoryUsed();
+  return sizeof *m_store + m_store->records.MemoryUsed() + m_store->ticks.MemoryUsed() +
+         m_store->settled.MemoryUsed() + m_store->selected.MemoryUsed() + m_store->several.MemoryUsed() +
+         m_store->newest.MemoryUsed() + m_store->texts.MemoryUsed() + m_store->pool.MemoryUsed() +
+         m_rows->MemoryUsed();
 }
 
 void AutoSelect::SetSize(std::size_t number, std::int64_t size, bool known) {
   CheckNumber(number);
   auto& record = m_store->records[number - 1];
+  if (!m_store->IsGroup(number)) {
+    const bool wasKnown = (record.flags & Store::kSizeKnown) != 0;
+    const std::int64_t more = (known ? size : 0) - (wasKnown ? record.size : 0);
+    m_store->all.size += more;
+    if (m_store->selected[number - 1]) m_store->ofSelected.size += more;
+    if (m_rows->Filtered() && m_rows->Shows(number)) m_rows->m_sum.size += more;
+  }
   record.size = size;
   record.flags = static_cast<std::uint8_t>(known ? record.flags | Store::kSizeKnown
                                                  : record.flags & ~unsigned{Store::kSizeKnown});

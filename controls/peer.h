@@ -30,9 +30,9 @@ enum class Property {
   kEnabled,
   kCaption,  // also the text of text and combo boxes
   kToolTipText,
-  kValue,       // check and option boxes, progress bar, selected tab, chosen drive
+  kValue,       // check and option boxes, progress bar, selected tab, chosen drive, a list's filter line
   kItems,       // entries of combo boxes, tabs
-  kAppearance,  // colours, border, mouse pointer, font, icon
+  kAppearance,  // colours, border, mouse pointer, font, icon, a list's columns
   kWindowState,
   kTaskProgress,  // of the form
   kEmptyText,     // of lists and trees
@@ -65,7 +65,9 @@ class TreePeer : public Peer {
 class ListPeer : public Peer {
  public:
   virtual void EntriesAdded(std::size_t newCount) = 0;
-  virtual void TicksChanged(std::size_t first, std::size_t last) = 0;
+  virtual void TicksChanged(std::size_t first, std::size_t last) = 0;  // or whether they are pending
+  virtual void RowsChanged() {}       // other entries are seen, or in another order
+  virtual void SelectionChanged() {}  // by the user; the window shows it already
   virtual void Cleared() = 0;
 };
 

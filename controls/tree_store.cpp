@@ -103,14 +103,17 @@ void TreeView::Store::SetTexts(Record& record, const Texts& texts) {
 
   // A key of its own takes the place of one made from the parent's.
   const unsigned keyed = key.empty() ? record.flags & kFolder : unsigned{kHasKey};
-  record.flags = static_cast<std::uint16_t>((record.flags & ~(kTextEndsTag | kHasKey | kFolder)) | keyed |
-                                            (textEndsTag ? kTextEndsTag : 0));
+  const unsigned kept = record.flags & ~(kTextEndsTag | kHasKey | kFolder | kTagged);
+  record.flags = static_cast<std::uint16_t>(kept | keyed | (textEndsTag ? kTextEndsTag : 0) |
+                                            (tag.empty() ? 0 : kTagged));
 }
 
 void TreeView::Store::SetTag(std::uint32_t node, std::string_view tag) {
   Record& record = m_records[node];
   const Texts texts = TextsOf(record);
+  CountOut(record);
   SetTexts(record, {tag, texts.text, texts.key});
+  CountIn(record);
 }
 
 // A folder's key stays what it was: from here on it is one of its own.
@@ -173,6 +176,7 @@ std::uint32_t TreeView::Store::Append(std::uint32_t parent, const Texts& texts, 
   record.image = CheckedImage(image);
   record.flags = kind;
   SetTexts(record, texts);
+  CountIn(record);
   const auto node = static_cast<std::uint32_t>(m_records.Size());
   m_records.Append(record);
 
@@ -227,6 +231,7 @@ void TreeView::Store::Remove(std::uint32_t node) {
   for (;;) {
     while (m_records[current].firstChild != 0) current = m_records[current].firstChild;
     Record& record = m_records[current];
+    CountOut(record);
     record.flags = kRemoved;
     --m_count;
     if (current == node) return;

@@ -24,7 +24,9 @@ struct TreeView::Store {
     kFolder = 32,  // a key made from that of its parent
     kRemoved = 64,
     kMixed = 128,
-    kOrdered = 256,  // its children stand in their order
+    kOrdered = 256,   // its children stand in their order
+    kSettled = 1024,  // the catalog has its check
+    kTagged = 2048,   // it has a tag, as nodes that stand for files do
   };
 
   // Record 0 stands above the top nodes; its links make them siblings like any others.
@@ -69,9 +71,22 @@ struct TreeView::Store {
   std::uint32_t Find(std::string_view key) const;
   std::size_t MemoryUsed() const;
 
+  // Takes a node out of the counts of files, or puts it in again: around what may change how it counts.
+  void CountOut(const Record& record) { CountBy<-1>(record); }
+  void CountIn(const Record& record) { CountBy<1>(record); }
+  FileCounts files;
+
   static std::int16_t CheckedImage(int image);  // error 380 beyond 16 bit
 
  private:
+  template <int by>
+  void CountBy(const Record& record) {
+    if ((record.flags & kTagged) == 0) return;
+    files.all += static_cast<std::size_t>(by);
+    if ((record.flags & kChecked) == 0) return;
+    files.checked += static_cast<std::size_t>(by);
+    if ((record.flags & kSettled) == 0) files.pending += static_cast<std::size_t>(by);
+  }
   [[noreturn]] static void ThrowGone(std::uint32_t node);
   void SetTexts(Record& record, const Texts& texts);
   std::uint32_t Append(std::uint32_t parent, const Texts& texts, int image, Flag kind);

@@ -44,9 +44,12 @@ void Node::Changed(NodeProperty property) const {
 }
 
 bool Node::Put(std::uint16_t flag, bool set, NodeProperty property) {
-  std::uint16_t& flags = Nodes().At(m_index).flags;
-  if (((flags & flag) != 0) == set) return false;
-  flags ^= flag;
+  auto& nodes = Nodes();
+  auto& record = nodes.At(m_index);
+  if (((record.flags & flag) != 0) == set) return false;
+  nodes.CountOut(record);
+  record.flags ^= flag;
+  nodes.CountIn(record);
   Changed(property);
   return true;
 }
@@ -74,6 +77,9 @@ void Node::SetMixed(bool mixed) {
 void Node::SetChecked(bool checked) {
   SetMixed(false);
   Put(TreeView::Store::kChecked, checked, NodeProperty::kChecked);
+}
+void Node::Settle(bool settled) {
+  Put(TreeView::Store::kSettled, settled, NodeProperty::kChecked);
 }
 void Node::SetBold(bool bold) {
   Put(TreeView::Store::kBold, bold, NodeProperty::kBold);
@@ -188,6 +194,10 @@ void TreeView::SetSelectedItem(Node node) {
   const Node told = node ? node : m_selected;
   m_selected = node;
   told.Changed(NodeProperty::kSelected);
+}
+
+TreeView::FileCounts TreeView::Files() const {
+  return m_store->files;
 }
 
 std::size_t TreeView::MemoryUsed() const {

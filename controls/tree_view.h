@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "controls/control.h"
+#include "controls/footer.h"
 #include "controls/widgets.h"
 
 namespace kxrestore::controls {
@@ -46,6 +47,8 @@ class Node {
   void SetMixed(bool mixed);
   void SetExpanded(bool expanded);  // raises Expand or Collapse when it changes on a node with children
   void SetBold(bool bold);
+  // Says whether the catalog has the node's check, or no longer has it.
+  void Settle(bool settled);
 
   Node Parent() const;
   Node Child() const;         // the first
@@ -103,6 +106,12 @@ class TreeView : public Control {
   Node SelectedItem() const { return m_selected; }
   void SetSelectedItem(Node node);  // raises nothing
 
+  // Nodes with a tag, which stand for files: all, those that are checked, and of these the ones that the
+  // catalog does not have yet. Kept; asking costs nothing.
+  struct FileCounts {
+    std::size_t all = 0, checked = 0, pending = 0;
+  };
+  FileCounts Files() const;
   // Bytes held for the nodes and their texts.
   std::size_t MemoryUsed() const;
 
@@ -113,6 +122,8 @@ class TreeView : public Control {
   // Whether a node wears the badge of what is done already; asked whenever the node is painted.
   std::function<bool(Node)> Badge;
   void BadgesChanged();
+  // The line below the tree; none without it.
+  std::function<FooterText()> DescribeFooter;
 
   std::function<void(Node)> NodeClick;  // the user chose it, by pointer or key
   std::function<void(Node)> NodeCheck;  // the user changed its check

@@ -95,6 +95,14 @@ void ComboBox::UserType(std::string text) {
   if (AcceptsUser()) m_text = std::move(text);
 }
 
+void ComboBox::UserEnter() {
+  if (Enter && AcceptsUser()) Enter();
+}
+
+bool ComboBox::UserDown() {
+  return Down && AcceptsUser() && Down();
+}
+
 void TabStrip::SetSelectedIndex(int index) {
   if (index < 1 || static_cast<std::size_t>(index) > m_tabs.size()) ThrowIndexOutOfBounds();
   if (!Replace(m_selected, index)) return;
@@ -102,9 +110,10 @@ void TabStrip::SetSelectedIndex(int index) {
   if (Click) Click();
 }
 
-void TabStrip::UserSelect(int index) {
-  if (index < 1 || static_cast<std::size_t>(index) > m_tabs.size()) return;
-  if (AcceptsUser()) SetSelectedIndex(index);
+void TabStrip::UserSelect(int index, bool goIn) {
+  if (index < 1 || static_cast<std::size_t>(index) > m_tabs.size() || !AcceptsUser()) return;
+  SetSelectedIndex(index);
+  if (goIn && GoIn) GoIn();
 }
 
 void DriveListBox::SetDrives(std::vector<std::string> drives) {

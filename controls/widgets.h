@@ -118,6 +118,11 @@ class ComboBox : public Control {
   const std::vector<std::string>& Items() const { return m_items; }
   void AddItem(std::string item);
   void UserType(std::string text);
+  // Keys in the closed box: Enter, and Down, which is the list's unless the form's code takes it and says so.
+  std::function<void()> Enter;
+  std::function<bool()> Down;
+  void UserEnter();
+  bool UserDown();
 
  private:
   std::string m_text;
@@ -136,7 +141,9 @@ class TabStrip : public Control {
   int SelectedIndex() const { return m_selected; }  // from 1
   void SetSelectedIndex(int index);                 // raises Click when it changes; error 35600 outside
   std::function<void()> Click;
-  void UserSelect(int index);
+  // The user went to the tab to work there, rather than passing by with the arrow keys.
+  std::function<void()> GoIn;
+  void UserSelect(int index, bool goIn = true);
 
  private:
   std::vector<Tab> m_tabs;

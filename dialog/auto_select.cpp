@@ -130,7 +130,14 @@ std::size_t AutoSelectPanel::FilesToMark() const {
 void AutoSelectPanel::ApplyAutoSelect() {
   MarkingWalk walk(m_context, "ApplyAutoSelect", Work::kMarking, FilesToMark());
   const auto markTypes = [&] { MarkTypes(walk, m_context.ui.asFiles.TickedTypes()); };
-  if (walk.Run(markTypes) == MarkingWalk::End::kDone) m_restoreList.ListCurrentSelections();
+  const MarkingWalk::End end = walk.Run(markTypes);
+  controls::AutoSelect& types = m_context.ui.asFiles;
+  if (end == MarkingWalk::End::kDone && walk.NotMarked().empty()) {
+    for (std::size_t number = 1; number <= types.Count(); ++number) {
+      if (types.TickedAt(number)) types.Settle(number, true);
+    }
+  }
+  if (end == MarkingWalk::End::kDone) m_restoreList.ListCurrentSelections();
 }
 
 void AutoSelectPanel::MarkTypes(MarkingWalk& walk, std::string_view types) {

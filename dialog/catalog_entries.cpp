@@ -18,6 +18,12 @@ std::optional<std::int64_t> NumberOf(const engine::Field& field) {
 
 }  // namespace
 
+std::string IdentityOf(const controls::AutoSelect::Entry& entry) {
+  std::string identity = IsAggregateName(entry.name) ? "a" : "f";
+  identity.append(std::to_string(entry.setId)).append(" ");
+  return identity.append(entry.extension).append(1, '\0').append(entry.storedName);
+}
+
 std::string_view TextOf(const engine::Field& field, std::string& buffer) {
   const engine::ValueView value = field.Value();
   if (const auto* text = std::get_if<std::string_view>(&value)) return *text;

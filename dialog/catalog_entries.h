@@ -16,6 +16,9 @@ using catalog::IsAggregateName;
 using catalog::IsMailServer;
 using catalog::kMailServer;
 
+// What marking knows an entry by, as one text: two entries that have the same are marked together.
+std::string IdentityOf(const controls::AutoSelect::Entry& entry);
+
 // The set of an entry as marking takes it: error 6 beyond 32 bits, 13 when the catalog holds no number there.
 std::int32_t SetIdOf(const controls::AutoSelect::Entry& entry);
 

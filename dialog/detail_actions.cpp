@@ -5,6 +5,7 @@
 
 #include "controls/check_propagation.h"
 #include "dialog/catalog_entries.h"
+#include "dialog/settling.h"
 
 namespace kxrestore::dialog {
 
@@ -40,7 +41,10 @@ void DetailActions::AddToSetSelections() {
   controls::Label& lblTreeCount = m_context.ui.lblTreeCount;
   lblTreeCount.SetVisible(true);
   MarkingWalk walk(m_context, "AddToSetSelections", Work::kMarking, m_context.ui.tvwDetails.Count());
-  if (walk.Run([&] { MarkTicked(walk); }) == MarkingWalk::End::kStopped) return;
+  m_reached = 0;
+  const MarkingWalk::End end = walk.Run([&] { MarkTicked(walk); });
+  SettleMarked(m_context.ui.tvwDetails, walk, m_reached);
+  if (end == MarkingWalk::End::kStopped) return;
   ListCurrentSelections();
   lblTreeCount.SetVisible(false);
 }
@@ -53,6 +57,7 @@ void DetailActions::MarkTicked(MarkingWalk& walk) {
   std::int64_t scanned = 0;
   const int count = static_cast<int>(ui.tvwDetails.Count());
   for (int index = 1; index <= count; ++index) {
+    m_reached = static_cast<std::size_t>(index) - 1;
     if (!walk.IsHopeless() && !walk.Next()) return;
     const controls::Node node = ui.tvwDetails.Item(index);
     const std::string_view tag = node.Tag();
@@ -71,6 +76,7 @@ void DetailActions::MarkTicked(MarkingWalk& walk) {
                                         : marks.UpdateSelectionByFileName(tag, true, 0, "");
     });
   }
+  m_reached = static_cast<std::size_t>(count);
 }
 
 // Every top node with its subtree: a run has several, one a drive and one a plug-in.

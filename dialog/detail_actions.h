@@ -26,6 +26,7 @@ class DetailActions {
   void ClearAll();
 
   FormContext& m_context;
+  std::size_t m_reached = 0;  // nodes that the last walk is done with
 };
 
 }  // namespace kxrestore::dialog

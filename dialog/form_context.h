@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -70,6 +71,12 @@ class FormContext {
   std::function<void()> ListMarksAnew;
   void ListingMarks() { m_commitLost = false; }
   void CommitLost() { m_commitLost = true; }
+
+  // The date of each completed run, by its set, a blank and its extension, as platform::TimeNumber.
+  std::unordered_map<std::string, std::int64_t> runTimes;
+  // Whether ticks wait to be applied; brings the sum of bytes in line with the restore list.
+  std::function<bool()> AnythingPending;
+  std::function<void()> ShowSums;
 
   [[nodiscard]] std::unique_ptr<engine::Database> OpenCatalog() {
     return catalog::OpenCatalog(workspace, connection);

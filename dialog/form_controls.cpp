@@ -41,11 +41,10 @@ FormControls::FormControls() {
   Size(lblRestorePath, 4000, 215);
   Size(lblCurrSet, kButtonWidth, kLineHeight);
   Size(lblSetName, kButtonWidth, 3 * kLineHeight);
-  Size(picCounts, kButtonWidth, 3 * kLineHeight);
+  Size(picCounts, kButtonWidth, 4 * kLineHeight);
   Size(picTopButtons, 2830, 1400);
   Size(chkShowZero, 1900, kBoxHeight);
   for (auto& frame : frLookin) Size(frame, 2325, 525);
-  lblCounts[1].SetVisible(false);  // nobody counts bytes
   splitH.ReadProperties({{"BackColor", kButtonFace}});
   SplitV.ReadProperties({{"BackColor", kButtonFace}, {"MousePointer", kSizeWE}});
 

@@ -9,8 +9,11 @@
 #include "dialog/cd_archive.h"
 #include "dialog/context_help.h"
 #include "dialog/detail_actions.h"
+#include "dialog/file_history.h"
+#include "dialog/footers.h"
 #include "dialog/hints.h"
 #include "dialog/layout.h"
+#include "dialog/list_memory.h"
 #include "dialog/node_info.h"
 #include "dialog/node_menu.h"
 #include "dialog/restore_list.h"
@@ -50,7 +53,10 @@ struct frmRestore::Loaded {
         autoSelect(context, setTree, restoreList),
         cdArchive(context),
         help(context),
-        placement(ui, layout, form.m_platform) {
+        footers(context),
+        fileHistory(context, setTree, restoreList),
+        placement(ui, layout, form.m_platform),
+        listMemory(ui, form.m_platform) {
     setTree.LoadBackupSetDetail = [this](controls::Node run) { setDetail.LoadBackupSetDetail(run); };
     setTree.ArchiveNode = [this](controls::Node node) { cdArchive.OpenBranch(node); };
     setDetail.RunChanged = [this] { nodeInfo.RunChanged(); };
@@ -81,7 +87,10 @@ struct frmRestore::Loaded {
   AutoSelectPanel autoSelect;
   CdArchive cdArchive;
   ContextHelp help;
+  Footers footers;
+  FileHistory fileHistory;
   WindowPlacement placement;
+  ListMemory listMemory;
 };
 
 frmRestore::frmRestore(const platform::Platform& platform, engine::Workspace& workspace)
@@ -113,6 +122,7 @@ void frmRestore::LoadSequence() {
   m_loaded->placement.RestoreWindow();
   m_loaded->layout.PlaceInitially();
   m_loaded->placement.RestoreSplitters();
+  m_loaded->listMemory.Restore();
   ReadClientPath();
   SetUpIcon();
 
@@ -154,6 +164,7 @@ void frmRestore::ShowModal() {
   if (!m_loaded) return;
   Skipping([this] { m_platform.desktop.ShowModal(m_loaded->ui.form); });
   Skipping([this] { m_loaded->placement.Remember(); });
+  Skipping([this] { m_loaded->listMemory.Remember(); });
   m_loaded.reset();
 }
 

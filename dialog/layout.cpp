@@ -13,8 +13,8 @@ constexpr double kTopShare = 0.4;  // of the upper area when the form loads
 
 // What the areas need at least for the controls on them.
 constexpr int kLeastTop = 3360;
-constexpr int kLeastBottom = 1830;
-constexpr int kCountsBelow = 2130;  // the lower area, with the counts below its buttons
+constexpr int kLeastBottom = 2040;
+constexpr int kCountsBelow = 2580;  // the lower area, with the counts below its buttons
 constexpr int kLeastTree = 1300;
 constexpr int kLeastTabs = 3360;
 
@@ -206,7 +206,7 @@ void Layout::picBottom_Resize() {
   auto& buttons = m_ui.cmdRestore;
   const int column = area.Width() - buttons[2].Width() - kColumnEdge;
   const bool countsBelow = area.Height() >= kCountsBelow;
-  const int firstButton = countsBelow ? kListTop : 15 + 2 * kLineHeight;
+  const int firstButton = countsBelow ? kListTop : 15 + 3 * kLineHeight;
   for (int row = 0; row < 3; ++row) {
     Place(buttons[2 + row], column, firstButton + row * kButtonPitch, kButtonWidth, kButtonHeight);
   }
@@ -220,9 +220,13 @@ void Layout::picBottom_Resize() {
         m_ui.lblList.Height() - 25);
   m_ui.lblRestorePath.BringToFront();
 
-  Place(m_ui.picCounts, column, countsBelow ? kListTop + 3 * kButtonPitch : 0, kButtonWidth, 2 * kLineHeight);
+  // Each count may take two lines; where there are three in all, the bytes have one.
+  const int bytes = countsBelow ? 2 * kLineHeight : kLineHeight;
+  Place(m_ui.picCounts, column, countsBelow ? kListTop + 3 * kButtonPitch : 0, kButtonWidth,
+        2 * kLineHeight + bytes);
   m_ui.picCounts.BringToFront();
-  for (auto& label : m_ui.lblCounts) Place(label, 0, 0, kButtonWidth, 2 * kLineHeight);
+  Place(m_ui.lblCounts[0], 0, 0, kButtonWidth, 2 * kLineHeight);
+  Place(m_ui.lblCounts[1], 0, 2 * kLineHeight, kButtonWidth, bytes);
   PlaceHelp();
 }
 

@@ -3,10 +3,12 @@
 #include <string>
 #include <utility>
 
+#include "base/phrases.h"
 #include "catalog/listings.h"
 #include "dialog/catalog_entries.h"
 #include "dialog/hints.h"
 #include "dialog/marking_walk.h"
+#include "dialog/settling.h"
 #include "platform/desktop.h"
 
 namespace kxrestore::dialog {
@@ -14,13 +16,6 @@ namespace kxrestore::dialog {
 namespace {
 
 constexpr const char* kClick = "cmdRestore.Click";
-
-// What marking knows an entry by, as one text.
-std::string IdentityOf(const controls::AutoSelect::Entry& entry) {
-  std::string identity = IsAggregateName(entry.name) ? "a" : "f";
-  identity.append(std::to_string(entry.setId)).append(" ");
-  return identity.append(entry.extension).append(1, '\0').append(entry.storedName);
-}
 
 }  // namespace
 
@@ -46,7 +41,10 @@ RestoreList::RestoreList(FormContext& context, Events events)
     if (key == controls::Key::kF5) {
       m_context.Command(kClick, [this] { cmdRestore_Click(2); });
     } else if (!m_context.Stop()) {
-      cancel();
+      if (!m_context.AnythingPending || !m_context.AnythingPending()) return cancel();
+      m_context.Command(kClick, [this] {
+        if (ConfirmLosingTicks()) cmdRestore_Click(1);
+      });
     }
   };
   m_context.ListMarksAnew = [this] { ListCurrentSelections(); };
@@ -105,6 +103,7 @@ void RestoreList::UpdateCounts() {
     const std::size_t selected = ui.asRestoreList.Count();
     ui.lblCounts[0].SetCaption(std::to_string(selected) + " file(s) selected");
     ui.cmdRestore[0].SetEnabled(selected >= 1);
+    if (m_context.ShowSums) m_context.ShowSums();
   });
   m_context.Skipping([&] { ui.lblSearchCount.SetCaption(std::to_string(ui.asSearch.Count()) + " File(s)"); });
 }
@@ -119,9 +118,9 @@ bool RestoreList::ApplyListChanges() {
   const controls::AutoSelect& list = m_context.ui.asRestoreList;
   catalog::RestoreMarks& marks = m_context.marks;
   MarkingWalk walk(m_context, "ApplyListChanges", Work::kUnmarking, list.Count());
-  const RunOfEntries run(m_context);
   std::size_t reached = 0;
   const MarkingWalk::End end = walk.Run([&] {
+    const RunOfEntries run(m_context);
     for (const std::size_t count = list.Count(); reached < count; ++reached) {
       const std::size_t number = reached + 1;
       if (!walk.IsHopeless() && !walk.Next()) return;
@@ -133,6 +132,7 @@ bool RestoreList::ApplyListChanges() {
       });
     }
   });
+  SettleUnmarked(m_context, walk, reached);
   m_keptUnticked.clear();
   for (const std::size_t number : walk.NotMarked()) ++m_keptUnticked[IdentityOf(list.At(number))];
   for (std::size_t number = reached + 1; number <= list.Count(); ++number) {
@@ -211,6 +211,7 @@ void RestoreList::Clear() {
   } else {
     m_incomplete = m_context.unlistedMarks = m_hadSelections = false;
     hints::NothingMarked(m_context.ui);
+    SettleNothingMarked(m_context.ui);
   }
   UpdateCounts();
 }
@@ -220,6 +221,11 @@ bool RestoreList::ConfirmCancel() {
                                   ", Cancel will clear your selections, Cancel?",
                               platform::MessageStyle::kQuestion,
                               "Clear Selection?") == platform::Answer::kYes;
+}
+
+bool RestoreList::ConfirmLosingTicks() {
+  return m_context.MessageBox(Say(Phrase::kLosingTicks), platform::MessageStyle::kQuestion,
+                              Say(Phrase::kLosingTicksTitle)) == platform::Answer::kYes;
 }
 
 void RestoreList::UnloadByCommand() {

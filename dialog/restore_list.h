@@ -47,6 +47,7 @@ class RestoreList {
   Clearing ClearAfterQuestion();
   bool HasSelections() const;
   bool ConfirmCancel();
+  bool ConfirmLosingTicks();
   void UnloadByCommand();
 
   FormContext& m_context;

@@ -5,6 +5,7 @@
 #include "dialog/catalog_entries.h"
 #include "dialog/hints.h"
 #include "dialog/listing.h"
+#include "dialog/settling.h"
 #include "platform/desktop.h"
 
 namespace kxrestore::dialog {
@@ -17,7 +18,17 @@ constexpr std::size_t kCaptionEvery = 64;  // rows; the count need not be painte
 
 Search::Search(FormContext& context, SetTree& setTree, RestoreList& restoreList)
     : m_context(context), m_setTree(setTree), m_restoreList(restoreList) {
-  auto& buttons = m_context.ui.cmdSearch;
+  FormControls& ui = m_context.ui;
+  ui.cboMask.Enter = [this] { m_context.Command("cmdSearch.Click", [this] { cmdSearch_Click(2); }); };
+  ui.cboMask.Down = [&ui] {
+    if (ui.asSearch.Count() == 0) return false;
+    ui.asSearch.SetFocus();
+    return true;
+  };
+  ui.tbsOptions.GoIn = [&ui] {
+    if (ui.tbsOptions.SelectedIndex() == 2) ui.cboMask.SetFocus();
+  };
+  auto& buttons = ui.cmdSearch;
   for (int index = 0; index < static_cast<int>(buttons.size()); ++index) {
     buttons[index].Click = [this, index] {
       m_context.Command("cmdSearch.Click", [this, index] { cmdSearch_Click(index); });
@@ -90,7 +101,9 @@ void Search::AddToSearchSelections() {
   const Choice before = m_context.choice;
   MarkingWalk walk(m_context, "AddToSearchSelections", Work::kMarking, m_context.ui.asSearch.Count());
   const RunOfEntries run(m_context);
+  m_reached = 0;
   const MarkingWalk::End end = walk.Run([&] { MarkTicked(walk, run); });
+  SettleMarked(m_context.ui.asSearch, walk, m_reached);
   Choice& now = m_context.choice;
   if (now.m_nodCurrent == before.m_nodCurrent) {
     now.m_lngSetID = before.m_lngSetID;
@@ -103,6 +116,7 @@ void Search::MarkTicked(MarkingWalk& walk, const RunOfEntries& run) {
   FormControls& ui = m_context.ui;
   const std::size_t count = ui.asSearch.Count();
   for (std::size_t number = 1; number <= count; ++number) {
+    m_reached = number - 1;
     if (!walk.IsHopeless() && !walk.Next()) return;
     ui.asSearch.SetCurrent(number);
     ui.lblSearchCount.SetCaption("Scanning " + std::to_string(number));
@@ -110,6 +124,7 @@ void Search::MarkTicked(MarkingWalk& walk, const RunOfEntries& run) {
     walk.Mark(number, [&] { return MarkCurrent(run); });
     m_restoreList.UpdateCounts();
   }
+  m_reached = count;
 }
 
 catalog::MarkResult Search::MarkCurrent(const RunOfEntries& run) {

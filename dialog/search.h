@@ -32,6 +32,7 @@ class Search {
   FormContext& m_context;
   SetTree& m_setTree;
   RestoreList& m_restoreList;
+  std::size_t m_reached = 0;  // entries that the last walk is done with
 };
 
 }  // namespace kxrestore::dialog

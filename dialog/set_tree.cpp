@@ -97,6 +97,7 @@ bool SetTree::LoadBackupSetTree() {
       controls::Node run = tree.Add(set, date, permanent.Boolean() ? date + " (P)" : date);
       if (time) m_runTimes.emplace_back(run.Index(), platform::TimeNumber(*time));
       run.SetTag(setNameID.Text() + " " + runExtension);
+      if (time) m_context.runTimes.emplace(run.Tag(), platform::TimeNumber(*time));
     }
     choice.m_nodRoot.SetExpanded(true);
     tree.SetSelectedItem(choice.m_nodRoot);

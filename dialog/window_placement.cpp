@@ -6,9 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/desktop.h"
-#include "platform/program_settings.h"
-#include "platform/registry.h"
+#include "dialog/user_settings.h"
 
 namespace kxrestore::dialog {
 
@@ -17,16 +15,6 @@ namespace {
 constexpr const char* kWindowEntry = "RestoreWindow";        // left, top, width, height, maximized
 constexpr const char* kSplittersEntry = "RestoreSplitters";  // top of splitH, left of SplitV
 constexpr int kMost = 200000;                                // twips; no screen is larger
-
-platform::CProgramSettings UserSettings(platform::Platform& platform) {
-  platform::CProgramSettings settings(platform.registry, platform.desktop);
-  settings.SetRootKey(platform::kHkeyCurrentUser);
-  settings.SetMainBranch("Software");
-  settings.SetRegBase("Brellick Labs, Inc.");
-  settings.SetProgram("Tarvane");
-  settings.SetSection("Settings");
-  return settings;
-}
 
 // Numbers separated by blanks; nothing unless there are exactly as many as asked for, all of a sensible size.
 template <std::size_t count>

@@ -177,6 +177,64 @@ void TickList(benchmark::State& state) {
   for (auto _ : state) list.TickAll(ticked = !ticked);
 }
 
+// A word that nothing but one entry in ten thousand holds, typed at once, and the filter opened again.
+void FilterList(benchmark::State& state) {
+  Form form("form");
+  AutoSelect list("list", &form, AutoSelect::Style::kFiles);
+  Fill(list, static_cast<int>(state.range(0)));
+  ListFilter filter;
+  filter.words = "9999";
+  for (auto _ : state) {
+    list.SetFilter(filter);
+    benchmark::DoNotOptimize(list.Shown().entries);
+    state.PauseTiming();
+    list.SetFilter({});
+    state.ResumeTiming();
+  }
+  ReportBytes(state, list.MemoryUsed());
+}
+
+void SortList(benchmark::State& state) {
+  Form form("form");
+  AutoSelect list("list", &form, AutoSelect::Style::kFiles);
+  Fill(list, static_cast<int>(state.range(0)));
+  bool descending = false;
+  for (auto _ : state) list.SortBy(ListColumn::kName, descending = !descending);
+}
+
+void FindVersions(benchmark::State& state) {
+  for (auto _ : state) {
+    state.PauseTiming();
+    Form form("form");
+    auto list = std::make_unique<AutoSelect>("list", &form, AutoSelect::Style::kFiles);
+    Fill(*list, static_cast<int>(state.range(0)));
+    state.ResumeTiming();
+    list->FindVersions();
+    state.PauseTiming();
+    list.reset();
+    state.ResumeTiming();
+  }
+}
+
+// What a footer asks for: nothing of it may depend on the number of entries.
+void Sums(benchmark::State& state) {
+  Form form("form");
+  AutoSelect list("list", &form, AutoSelect::Style::kFiles);
+  Fill(list, static_cast<int>(state.range(0)));
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(list.All().size + list.Shown().size + list.Selected().size);
+    benchmark::DoNotOptimize(list.PendingCount());
+  }
+}
+
+void SelectAll(benchmark::State& state) {
+  Form form("form");
+  AutoSelect list("list", &form, AutoSelect::Style::kFiles);
+  Fill(list, static_cast<int>(state.range(0)));
+  bool selected = false;
+  for (auto _ : state) list.UserSelect(0, list.Count() - 1, selected = !selected);
+}
+
 BENCHMARK(FillTree)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(FillDeep)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(TickRoot)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
@@ -185,6 +243,11 @@ BENCHMARK(FindKey)->Arg(1'000'000);
 BENCHMARK(ClearTree)->Arg(1'000'000)->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK(FillList)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(TickList)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(FilterList)->Arg(1'000'000)->Unit(benchmark::kMillisecond)->Iterations(5);
+BENCHMARK(SortList)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(FindVersions)->Arg(1'000'000)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(Sums)->Arg(1'000)->Arg(1'000'000);
+BENCHMARK(SelectAll)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace kxrestore::controls

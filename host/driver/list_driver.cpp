@@ -4,6 +4,12 @@
 
 namespace kxrestore::driver {
 
+namespace {
+
+constexpr int kFolder = 1;  // the column of a list of files that holds what comes before the name
+
+}  // namespace
+
 std::string ListDriver::Text(int row, int column) const {
   wchar_t text[1024] = L"";
   LVITEMW ask{};
@@ -24,7 +30,7 @@ int ListDriver::Find(const std::string& text) const {
   WaitFor(m_timeout, "the list entry " + Quoted(text), [&] {
     const int count = Count();
     for (int row = 0; row < count && found < 0; ++row) {
-      if (Text(row) == text) found = row;
+      if (Text(row) == text || Text(row, kFolder) + Text(row) == text) found = row;
     }
     return found >= 0;
   });

@@ -18,8 +18,9 @@ class ListDriver {
   int Count() const { return static_cast<int>(Ask(m_list, LVM_GETITEMCOUNT)); }
   std::string Text(int row, int column = 0) const;  // rows and columns from 0
   bool Ticked(int row) const;
-  int Find(const std::string& text) const;  // the row with this text in its first column
-  void Toggle(int row) const;               // its tick box; returns when it has changed
+  // The row with this text in its first column or, in a list of files, in folder and name together.
+  int Find(const std::string& text) const;
+  void Toggle(int row) const;  // its tick box; returns when it has changed
 
  private:
   HWND m_list;

@@ -72,7 +72,7 @@ lblCurrSet "Current Set:" in Arial | lblSetName "(none)" in Arial
 picBottom: | lblList "Files Selected to Restore: " | lblRestorePath "Restore To:"
 asRestoreList (Files selected to restore) | cmdRestore(2) "&Refresh" | cmdRestore(3) "&Update"
 cmdRestore(4) "C&lear " | picCounts
-picCounts: | lblCounts(0) "Files: 0 " | lblCounts(1) "Bytes: 0 " hidden
+picCounts: | lblCounts(0) "Files: 0 " | lblCounts(1) "Bytes: 0 "
 picProgress hidden: | lblProgress "" | barProgress (Progress)
 )--");
   EXPECT_EQ(ui.imlFiles.Keys(),

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/headless/headless_menu.h"
 #include "tests/dialog/dialog_fixture.h"
 
 namespace kxrestore::dialog_test {
@@ -22,15 +23,18 @@ enum class Step {
   kLatest,
   kApply,
   kSearchApply,
+  kTickShown,
   kAutoSelect,
+  kVersions,
   kUpdate,
   kClear,
   kCancel,
   kRestoreNow
 };
-inline constexpr const char* kStepNames[] = {"load",  "choose",        "search",      "search the latest",
-                                             "Apply", "search, Apply", "auto-select", "Update",
-                                             "Clear", "Cancel",        "Restore Now"};
+inline constexpr const char* kStepNames[] = {
+    "load",          "choose",         "search",      "search the latest", "Apply",
+    "search, Apply", "Tick all shown", "auto-select", "All versions",      "Update",
+    "Clear",         "Cancel",         "Restore Now"};
 inline constexpr std::size_t kSteps = std::size(kStepNames);
 inline const Ids kAllFiles{1, 2, 3, 4, 5, 6, 7}, kTicked{2, 3, 4, 5, 6};
 
@@ -84,12 +88,22 @@ inline void Prepare(Step step, FormControls& ui) {
     case Step::kSearch:
     case Step::kLatest:
     case Step::kSearchApply:
+    case Step::kTickShown:
+    case Step::kVersions:
       ui.tbsOptions.UserSelect(2);
       ui.cboMask.UserType(".doc");
       ui.chk1.SetValue(step == Step::kLatest ? 1 : 0);
-      if (step != Step::kSearchApply) break;
+      if (step == Step::kSearch || step == Step::kLatest) break;
       ui.cmdSearch[kFind].UserClick();
-      tick(ui.asSearch, true);
+      if (step == Step::kTickShown) {
+        controls::ListFilter sizesOfTicked;
+        sizesOfTicked.leastSize = 102;
+        sizesOfTicked.mostSize = 106;
+        ui.asSearch.UserFilter(sizesOfTicked);
+        platform::HeadlessMenu(ui.asSearch).Choose("Tick all shown");
+      } else {
+        tick(ui.asSearch, true);
+      }
       break;
     case Step::kAutoSelect:
       ui.tbsOptions.UserSelect(3);
@@ -115,7 +129,11 @@ inline void Start(Step step, FormControls& ui) {
     case Step::kApply:
       return ui.cmdAction[kApply].UserClick();
     case Step::kSearchApply:
+    case Step::kTickShown:
       return ui.cmdSearch[kApplyFound].UserClick();
+    case Step::kVersions:
+      platform::HeadlessMenu(ui.asSearch, 3).Choose("All versions of this file");
+      return;
     case Step::kAutoSelect:
       return ui.cmdAuto[kApplyTypes].UserClick();
     default:
@@ -200,8 +218,16 @@ inline std::string Wrong(Step step, FormControls& ui, const Ending& end) {
                FilesIn(ui.asRestoreList, false) == missed,
            "what could not be unmarked is ticked again");
       break;
+    case Step::kVersions:
+      hold(end.marked.empty(), "a file is marked that nobody applied");
+      // What was found before stays, with its ticks, where the search does not come to its hits.
+      hold(ui.asSearch.Count() == 1 || end.stopped ||
+               (end.Reported() && (ui.asSearch.Count() == 0 || ui.asSearch.PendingCount() == kTicked.size())),
+           "versions are missing, or ticks lost");
+      return wrong;
     case Step::kApply:
     case Step::kSearchApply:
+    case Step::kTickShown:
     case Step::kAutoSelect:
       wanted = step == Step::kAutoSelect ? kAllFiles : kTicked;
       std::set_difference(wanted.begin(), wanted.end(), end.marked.begin(), end.marked.end(),

@@ -132,13 +132,14 @@ SplitV at 3260 470 60 2976 | picTop at 0 0 8610 3396 | tvwSets at 60 470 3200 29
 SplitV at 3260 470 60 2926 | picTabs at 3320 360 5200 2976 | SEARCH to front | frLookin(1) to front
 picTopButtons at 8640 110 2830 1455 | picTopButtons to front | picTopButtons to front
 picBottom at 0 3512 11640 4944 | LOWER to front | splitH at 0 3396 8610 60 | picBottom refreshed
-picTop refreshed | picTopButtons to front | OpenKey | OpenKey | QueryValue | ReadValue
-frmRestore arrow or icon | open catalog | snapshot of the sets$ | tvwSets + Online Backups
-tvwSets + Set 1 | tvwSets + 3/1/2026 8:00:00 AM (P) | tvwSets + 2/1/2026 2:25:30 PM
-tvwSets + 1/1/2026 | tvwSets + Set 2 | tvwSets + 2/15/2026 10:30:00 AM
-tvwSets Online Backups expanded | tvwSets Online Backups selected | close rows | close catalog
-tvwSets + Archive Sets | tvwSets + Append new Archive CD ... | DriveCD items
-lblRestorePath "Restore To: D:\Back" | lblRestorePath tip "Restore To: D:\Back" | commit
+picTop refreshed | picTopButtons to front | OpenKey | OpenKey | OpenKey | OpenKey | OpenKey
+OpenKey | QueryValue | ReadValue | frmRestore arrow or icon | open catalog | snapshot of the sets$
+tvwSets + Online Backups | tvwSets + Set 1 | tvwSets + 3/1/2026 8:00:00 AM (P)
+tvwSets + 2/1/2026 2:25:30 PM | tvwSets + 1/1/2026 | tvwSets + Set 2
+tvwSets + 2/15/2026 10:30:00 AM | tvwSets Online Backups expanded | tvwSets Online Backups selected
+close rows | close catalog | tvwSets + Archive Sets | tvwSets + Append new Archive CD ...
+DriveCD items | lblRestorePath "Restore To: D:\Back" | lblRestorePath tip "Restore To: D:\Back"
+commit
 )--");
 }
 
@@ -147,8 +148,8 @@ TEST_F(OrderTest, SwitchingTabsAndMinimizing) {
   for (const int tab : {2, 3, 2, 3, 1}) ShowTab(tab);
   ui().form.UserResize(160, 30, controls::WindowState::kMinimized);
   EXPECT_EQ(WrittenDown(), R"--(
-TAB | panel(0) hidden | panel(1) shown | panel(1) to front | SEARCH to front | TAB | panel(1) hidden
-panel(2) shown | panel(2) to front | asFiles cleared | open catalog
+TAB | panel(0) hidden | panel(1) shown | panel(1) to front | SEARCH to front | cboMask focused | TAB
+panel(1) hidden | panel(2) shown | panel(2) to front | asFiles cleared | open catalog
 snapshot SELECT Mid([OrigName],InStrRev([OrigName],".")) AS FileType, Count(*) AS Files FROM [Catalog] WHERE (((Catalog.Status)=2) AND ((Catalog.OrigName) Like "*.*")) GROUP BY Mid([OrigName],InStrRev([OrigName],"."));
 events | events | events | close rows | close catalog | asFiles + Documents | asFiles + .doc
 asFiles + .docx | asFiles + .txt | asFiles ticks | asFiles ticks | asFiles ticks | asFiles ticks
@@ -156,8 +157,9 @@ open catalog
 snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "*.*") AND (FullCatalog.Status = 2) );
 events | events | events | close rows | close catalog | asFiles ticks | asFiles ticks
 asFiles ticks | asFiles ticks | commit | TAB | panel(1) shown | panel(1) to front | SEARCH to front
-panel(2) hidden | TAB | panel(1) hidden | panel(2) shown | panel(2) to front | TAB | panel(0) shown
-panel(0) to front | tvwDetails refreshed | panel(2) hidden | picBottom refreshed | picTop refreshed
+panel(2) hidden | cboMask focused | TAB | panel(1) hidden | panel(2) shown | panel(2) to front | TAB
+panel(0) shown | panel(0) to front | tvwDetails refreshed | panel(2) hidden | picBottom refreshed
+picTop refreshed
 )--");
   controls::Control* const shown[] = {&ui().lblMask, &ui().cboMask, &ui().chk1, &ui().tvwDetails};
   for (controls::Control* const control : shown) control->SetVisible(false);
@@ -188,8 +190,9 @@ events | events | events | lblTreeCount "Scanning 1" | open catalog
 dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\a.doc')); $
 row written | events | lblTreeCount "Scanning 2" | open catalog
 dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
-row written | flush | LIST | events | asRestoreList + C:\d\a.doc | events
-asRestoreList + C:\d\b.docx | lblCounts(0) "2 file(s) selected" | cmdRestore(0) enabled | LISTED
+row written | flush | tvwDetails a.doc checked | tvwDetails b.docx checked | flush | LIST | events
+asRestoreList + C:\d\a.doc | events | asRestoreList + C:\d\b.docx
+lblCounts(0) "2 file(s) selected" | cmdRestore(0) enabled | lblCounts(1) "Bytes: 203" | LISTED
 lblTreeCount hidden | commit
 )--");
   ChooseRun();
@@ -217,8 +220,9 @@ snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "**.doc*") 
 frmRestore arrow or icon | open catalog
 execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=1)); | events
 open catalog | execute UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=2));
-events | close rows | close catalog | flush | LIST | events | asRestoreList + C:\d\a.doc | events
-asRestoreList + C:\d\b.docx | lblCounts(0) "2 file(s) selected" | cmdRestore(0) enabled | LISTED
+events | close rows | close catalog | flush | asFiles ticks | flush | LIST | events
+asRestoreList + C:\d\a.doc | events | asRestoreList + C:\d\b.docx
+lblCounts(0) "2 file(s) selected" | cmdRestore(0) enabled | lblCounts(1) "Bytes: 203" | LISTED
 commit
 )--");
 }
@@ -232,7 +236,7 @@ cboMask items | open catalog | frmRestore hourglass
 snapshot SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like "*doc*") AND (FullCatalog.Status = 2) );
 frmRestore arrow or icon | asSearch cleared | events | asSearch + C:\d\a.doc | events
 asSearch + C:\d\b.docx | close rows | close catalog | lblCounts(0) "0 file(s) selected"
-lblSearchCount "2 File(s)" | commit
+lblCounts(1) "Bytes: 0" | lblSearchCount "2 File(s)" | commit
 )--");
   Find("");
   EXPECT_EQ(WrittenDown(), R"--(
@@ -244,8 +248,9 @@ flush | box plain "" "No Search String Defined." | cboMask focused | commit
   EXPECT_EQ(WrittenDown(), R"--(
 events | lblSearchCount "Scanning 1" | events | lblSearchCount "Scanning 2" | open catalog
 dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\b.docx')); $
-row written | lblSearchCount "2 File(s)" | flush | LIST | events | asRestoreList + C:\d\b.docx
-lblCounts(0) "1 file(s) selected" | cmdRestore(0) enabled | LISTED | commit
+row written | lblSearchCount "2 File(s)" | flush | asSearch ticks | flush | LIST | events
+asRestoreList + C:\d\b.docx | lblCounts(0) "1 file(s) selected" | cmdRestore(0) enabled
+lblCounts(1) "Bytes: 102" | LISTED | commit
 )--");
 }
 
@@ -255,7 +260,8 @@ TEST_F(OrderTest, TheRestoreList) {
   Click(kRefresh);
   EXPECT_EQ(WrittenDown(), R"--(
 flush | LIST | events | asRestoreList + C:\d\a.doc | events | asRestoreList + C:\d\b.docx
-lblCounts(0) "2 file(s) selected" | cmdRestore(0) enabled | LISTED | commit
+lblCounts(0) "2 file(s) selected" | cmdRestore(0) enabled | lblCounts(1) "Bytes: 203" | LISTED
+commit
 )--");
   ui().asRestoreList.UserTick(1, false);
   journal.Take();
@@ -264,7 +270,7 @@ lblCounts(0) "2 file(s) selected" | cmdRestore(0) enabled | LISTED | commit
 events | open catalog
 dynaset of a name where 1) AND ((Catalog.Extension)='003') AND ((Catalog.Filename)='C:\d\a.doc')); $
 row written | events | flush | LIST | events | asRestoreList + C:\d\b.docx
-lblCounts(0) "1 file(s) selected" | LISTED | commit
+lblCounts(0) "1 file(s) selected" | lblCounts(1) "Bytes: 102" | LISTED | commit
 )--");
   catalog->Execute("UPDATE Catalog SET Restore = 1");  // of every set, and two that are not listed
   desktop.answers = {platform::Answer::kNo, platform::Answer::kYes, platform::Answer::kNo};
@@ -277,7 +283,7 @@ flush | box question "Clear Selection? " "Clear All Selected Files? " | commit
   EXPECT_EQ(WrittenDown(), R"--(
 flush | box question "Clear Selection? " "Clear All Selected Files? " | asRestoreList cleared
 open catalog | execute clear all | flush | lblCounts(0) "0 file(s) selected"
-cmdRestore(0) disabled | commit
+cmdRestore(0) disabled | lblCounts(1) "Bytes: 0" | commit
 )--");
   EXPECT_EQ(catalog->Marked(), Ids{});
   Click(kClearList);

@@ -123,7 +123,8 @@ TEST_F(TreeGuideTest, TheMenuTicksExpandsAndCopies) {
                      "C&ollapse all below", "", "&Add up the sizes", "&Copy the path"}));
   EXPECT_TRUE(Detail("z.doc").Checked());
   EXPECT_TRUE(Detail("Data").Mixed());
-  EXPECT_EQ(Menu(tree, "z.doc", "&Untick"), (Strings{"[&Tick]", "&Untick", "", "&Copy the path"}));
+  EXPECT_EQ(Menu(tree, "z.doc", "&Untick"),
+            (Strings{"[&Tick]", "&Untick", "", "&Copy the path", "", "All &versions of this file"}));
   EXPECT_EQ(Menu(tree, "Archive 2", "&Tick this branch")[1], "&Untick this branch");  // it is ticked in part
   Menu(tree, "C:\\", "&Expand all below");
   EXPECT_TRUE(Detail("Archive 10").Expanded());

@@ -61,8 +61,9 @@ TEST_F(WindowTest, TheMouseDragsBothBarsAndBothSidesFollow) {
 
     const RECT tree = at("tvwSets"), details = at("tvwDetails");
     Drag(dialog.Control("SplitV"), 80, 0);
-    driver::WaitFor(std::chrono::seconds(5), "the set tree to grow",
-                    [&] { return at("tvwSets").right >= tree.right + 75; });
+    driver::WaitFor(std::chrono::seconds(5), "the set tree to grow and the other one to follow", [&] {
+      return at("tvwSets").right >= tree.right + 75 && at("tvwDetails").right <= details.right + 2;
+    });
     EXPECT_NEAR(at("tvwDetails").left, details.left + 80, 6);
     EXPECT_NEAR(at("tvwDetails").right, details.right, 2);
     dialog.Close();

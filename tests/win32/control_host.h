@@ -9,6 +9,7 @@
 
 #include "controls/form.h"
 #include "platform/win32/controls/control_window.h"
+#include "platform/win32/controls/window_classes.h"
 
 namespace kxrestore::win32 {
 
@@ -91,6 +92,7 @@ class ControlHost : public testing::Test {
     Pump();
   }
 
+  WindowClasses classes{GetModuleHandleW(nullptr)};
   WindowContext context{GetModuleHandleW(nullptr)};
   controls::Form form{"frmRestore"};
 

@@ -1,14 +1,19 @@
 #include "platform/win32/list/list_window.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
+#include "controls/list_menu.h"
+#include "controls/list_rows.h"
+#include "platform/win32/wide_text.h"
 #include "tests/win32/control_host.h"
 
 namespace kxrestore::win32 {
 namespace {
 
 using controls::AutoSelect;
+using controls::ListColumn;
 
 class ListWindowTest : public ControlHost {
  protected:
@@ -85,6 +90,24 @@ class ListWindowTest : public ControlHost {
     return entry;
   }
 
+  static std::wstring Caption(HWND of) {
+    wchar_t text[200] = L"";
+    GetWindowTextW(of, text, 200);
+    return text;
+  }
+  static std::wstring ClassOf(HWND of) {
+    wchar_t text[40] = L"";
+    GetClassNameW(of, text, 40);
+    return text;
+  }
+  static int Top(HWND of) {
+    RECT bounds{};
+    GetWindowRect(of, &bounds);
+    return bounds.top;
+  }
+
+  enum Column { kName, kFolder, kSize, kDate, kVersion, kBackup, kSet, kExtension };
+
   HWND window = nullptr;
 };
 
@@ -95,7 +118,7 @@ TEST_F(ListWindowTest, RowsTicksAndOrderFollowTheModel) {
   list.Add(Entry("Alpha", 1'234'567), true);
   list.Add(Entry("alpha", 30));
   PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 3; });
-  EXPECT_NE(Text(1, 1), L"1234567");
+  EXPECT_NE(Text(1, kSize), L"1234567");
   const auto rows = [&] {  // with the tick of the first one
     return Text(0, 0) + L' ' + Text(1, 0) + L' ' + Text(2, 0) + (Box(0) == 2 ? L" +" : L" -");
   };
@@ -104,7 +127,7 @@ TEST_F(ListWindowTest, RowsTicksAndOrderFollowTheModel) {
   EXPECT_EQ(rows(), L"Alpha alpha beta +");
   SortBy(0);
   EXPECT_EQ(rows().substr(0, 4), L"beta");
-  SortBy(1);
+  SortBy(kSize);
   EXPECT_EQ(rows(), L"beta alpha Alpha -");
 
   // A tick by the pointer and by the key reaches the entry, whatever its row; entry numbers stay.
@@ -147,6 +170,7 @@ TEST_F(ListWindowTest, SelectedEntriesAreCopiedTickedAndFollowedThroughASort) {
   EXPECT_EQ(Clipboard(), L"a\r\nb\r\n");
 
   // The menu's keys: tick, then untick, what is selected.
+  list.FillMenu = [&](controls::Menu& menu) { controls::AddTickItems(menu, list); };
   const auto choose = [&](wchar_t key) {
     PostMessageW(window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(window), -1);
     PostMessageW(window, WM_CHAR, key, 1);
@@ -180,7 +204,7 @@ TEST_F(ListWindowTest, WhatCannotBeSeenIsDrawnAsAStandInAndCopiedAsItIs) {
   list.Add(entry);
   PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 1; });
   EXPECT_EQ(Text(0, 0), L"invoice[U+202E]fdp.exe[U+D800]");
-  EXPECT_EQ(Text(0, 3), L"Set\u240A1");
+  EXPECT_EQ(Text(0, kSet), L"Set\u240A1");
   Select(0);
   WithControl('C');
   EXPECT_EQ(Clipboard(), L"invoice\u202Efdp.exe\xD800\r\n");
@@ -190,11 +214,11 @@ TEST_F(ListWindowTest, WhatCannotBeSeenIsDrawnAsAStandInAndCopiedAsItIs) {
 TEST_F(ListWindowTest, ColumnsKeepTheWidthsTheyWereGiven) {
   AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
   Show(list);
-  const int name = Width(0), size = Width(1);
-  list.Move(0, 0, 12'000, 7'500);
+  const int folder = Width(kFolder), size = Width(kSize);
+  list.Move(0, 0, 18'000, 7'500);
   Pump();
-  EXPECT_GT(Width(0), name) << "the names take what there is";
-  EXPECT_EQ(Width(1), size);
+  EXPECT_GT(Width(kFolder), folder) << "the folders take what there is";
+  EXPECT_EQ(Width(kSize), size);
   const auto header = reinterpret_cast<HWND>(Ask(LVM_GETHEADER));
   HDITEMW dragged{HDI_WIDTH};
   dragged.cxy = 33;
@@ -202,7 +226,120 @@ TEST_F(ListWindowTest, ColumnsKeepTheWidthsTheyWereGiven) {
   list.Move(0, 0, 9'000, 7'500);
   Pump();
   EXPECT_NEAR(Width(0), 33, 1);
-  EXPECT_EQ(Width(1), size);
+  EXPECT_EQ(Width(kSize), size);
+
+  // The model knows the arrangement, and another window of the same list takes it over.
+  int order[8] = {kSize, 0, 1, 3, 4, 5, 6, 7};
+  Ask(LVM_SETCOLUMNORDERARRAY, 8, reinterpret_cast<LPARAM>(order));
+  dragged.cxy = 44;
+  SendMessageW(header, HDM_SETITEMW, kSize, reinterpret_cast<LPARAM>(&dragged));
+  Pump();
+  list.SortBy(ListColumn::kSet, true);
+  EXPECT_EQ(list.Look().columns.front().column, ListColumn::kSize);
+  list.AttachPeer(nullptr);
+  Show(list);
+  EXPECT_NEAR(Width(kSize), 44, 1);
+  EXPECT_NEAR(Width(0), 33, 1);
+  int shown[8] = {};
+  Ask(LVM_GETCOLUMNORDERARRAY, 8, reinterpret_cast<LPARAM>(shown));
+  EXPECT_TRUE(std::equal(order, order + 8, shown));
+  HDITEMW arrow{HDI_FORMAT};
+  SendMessageW(reinterpret_cast<HWND>(Ask(LVM_GETHEADER)), HDM_GETITEMW, kSet,
+               reinterpret_cast<LPARAM>(&arrow));
+  EXPECT_NE(arrow.fmt & HDF_SORTDOWN, 0);
+  list.AttachPeer(nullptr);
+}
+
+TEST_F(ListWindowTest, AFooterSaysWhatIsPendingAndSelected) {
+  AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
+  list.DescribeFooter = [&] {
+    return controls::FooterText{std::to_string(list.PendingCount()) + " pending",
+                                std::to_string(list.Shown().entries) + " shown",
+                                std::to_string(list.Selected().size) + " selected"};
+  };
+  Show(list);
+  const HWND around = GetParent(window),
+             footer = FindWindowExW(around, nullptr, WC_STATICW, L"0 pending; 0 shown; 0 selected");
+  ASSERT_NE(footer, nullptr);
+  for (int i = 0; i < 5; ++i) list.Add(Entry(std::string(1, static_cast<char>('a' + i)), 1 << i));
+  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 5; });
+  Select(0);
+  Select(2);
+  Pump();
+  EXPECT_EQ(Narrow(Caption(footer)), "0 pending; 5 shown; 5 selected");
+  Key(window, VK_SPACE);
+  EXPECT_EQ(list.PendingCount(), 2u);
+  Select(-1);
+  Key(window, VK_DELETE);
+  EXPECT_EQ(Narrow(Caption(footer)), "0 pending; 5 shown; 31 selected");
+
+  RECT rows{}, line{};
+  GetWindowRect(window, &rows);
+  GetWindowRect(footer, &line);
+  EXPECT_EQ(rows.bottom, line.top);
+  list.Move(0, 0, 3'000, 700);
+  Pump();
+  EXPECT_FALSE(IsWindowVisible(footer)) << "where there is no room for both";
+  list.SetVisible(false);
+  Pump();
+  EXPECT_FALSE(IsWindowVisible(window));
+  list.AttachPeer(nullptr);
+  EXPECT_FALSE(IsWindow(around));
+}
+
+TEST_F(ListWindowTest, TheFilterLineNarrowsTheRowsDown) {
+  AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
+  Show(list);
+  AutoSelect::Entry entry = Entry("C:\\Data\\Report.doc", 20 << 20);
+  entry.setId = 1;
+  entry.setName = "One";
+  list.Add(entry);
+  entry = Entry("C:\\Data\\Other.doc", 1);
+  entry.setId = 2;
+  entry.setName = "Two";
+  list.Add(entry);
+  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 2; });
+  const int top = Top(window);
+  WithControl('F');
+  const HWND words = GetFocus();
+  EXPECT_EQ(ClassOf(words), L"Edit");
+  EXPECT_GT(Top(window), top);
+  EXPECT_EQ(ControlWindow::Enclosing(words), ControlWindow::Of(list));
+  SetWindowTextW(words, L"rep");
+  Pump();
+  EXPECT_EQ(Ask(LVM_GETITEMCOUNT), 1);
+  EXPECT_EQ(Text(0, 0), L"Report.doc");
+
+  // Tab goes through the fields to the rows, Shift+Tab back.
+  ControlWindow& control = *ControlWindow::Of(list);
+  std::vector<std::wstring> way;
+  while (GetFocus() != window && way.size() < 9) {
+    EXPECT_TRUE(control.HandleKey(VK_TAB));
+    way.push_back(ClassOf(GetFocus()));
+  }
+  EXPECT_EQ(way, (std::vector<std::wstring>{L"SysDateTimePick32", L"SysDateTimePick32", L"ComboBox",
+                                            L"ComboBox", L"Button", L"SysListView32"}));
+  EXPECT_FALSE(control.HandleKey(VK_TAB)) << "on to the next control";
+  EXPECT_EQ(control.TabTarget(false), words);
+
+  // Sizes and sets by choice.
+  SetWindowTextW(words, L"");
+  const HWND sizes = FindWindowExW(GetParent(window), nullptr, WC_COMBOBOXW, nullptr);
+  SendMessageW(sizes, CB_SETCURSEL, 3, 0);
+  SendMessageW(GetParent(window), WM_COMMAND, MAKEWPARAM(0, CBN_SELCHANGE), reinterpret_cast<LPARAM>(sizes));
+  Pump();
+  EXPECT_EQ(Text(0, 0) + L" " + std::to_wstring(Ask(LVM_GETITEMCOUNT)), L"Report.doc 1");
+  ::SetFocus(words);
+  EXPECT_TRUE(control.HandleKey(VK_RETURN));
+  EXPECT_EQ(GetFocus(), window);
+  EXPECT_TRUE(list.SelectedAt(1)) << "Enter goes on into the rows";
+  ::SetFocus(words);
+  EXPECT_TRUE(control.HandleKey(VK_ESCAPE));
+  Pump();
+  EXPECT_EQ(GetFocus(), window);
+  EXPECT_EQ(Ask(LVM_GETITEMCOUNT), 2) << "and the filter is open again";
+  EXPECT_EQ(Top(window), top);
+  EXPECT_FALSE(control.HandleKey(VK_ESCAPE));
   list.AttachPeer(nullptr);
 }
 
@@ -235,9 +372,9 @@ TEST_F(ListWindowTest, AMillionEntries) {
   });
   EXPECT_LT(add, 4'000);
   EXPECT_LT(Measure([&] { SortBy(0); }), 12'000);
-  EXPECT_EQ(Text(0, 0), L"C:\\Data\\Reports\\folder 0\\File 0.doc");
-  EXPECT_LT(Measure([&] { SortBy(1); }), 6'000);
-  EXPECT_EQ(Text(999'999, 0), L"C:\\Data\\Reports\\folder 528\\File 999999.doc");
+  EXPECT_EQ(Text(0, kFolder) + Text(0, 0), L"C:\\Data\\Reports\\folder 0\\File 0.doc");
+  EXPECT_LT(Measure([&] { SortBy(kSize); }), 6'000);
+  EXPECT_EQ(Text(999'999, kFolder) + Text(999'999, 0), L"C:\\Data\\Reports\\folder 528\\File 999999.doc");
   list.TickAll(true);
   EXPECT_EQ(Box(777'777), 2);
   list.AttachPeer(nullptr);

@@ -50,7 +50,8 @@ class ComboWindow : public WindowPeer<controls::Peer> {
   using WindowPeer::WindowPeer;
 
   bool WantsKey(WPARAM key) override {
-    return (key == VK_ESCAPE || key == VK_RETURN) && SendMessageW(Handle(), CB_GETDROPPEDSTATE, 0, 0);
+    return (key == VK_ESCAPE || key == VK_RETURN || key == VK_DOWN) &&
+           SendMessageW(Handle(), CB_GETDROPPEDSTATE, 0, 0);
   }
   void OnDpiChanged() override {
     WindowPeer::OnDpiChanged();

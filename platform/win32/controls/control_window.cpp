@@ -7,6 +7,7 @@
 #include "base/phrases.h"
 #include "platform/win32/controls/accessible_name.h"
 #include "platform/win32/controls/popup_menu.h"
+#include "platform/win32/controls/window_classes.h"
 #include "platform/win32/wide_text.h"
 
 namespace kxrestore::win32 {
@@ -77,6 +78,10 @@ void ControlWindow::Destroy() {
   Windows().Set(handle, {nullptr, Windows().Get(handle).procedure});
   UnnameWindow(handle);
   DestroyWindow(handle);
+  if (const HWND around = std::exchange(m_around, nullptr)) {
+    Windows().Set(around, {nullptr, DefWindowProcW});
+    DestroyWindow(around);
+  }
 }
 
 ControlWindow* ControlWindow::Of(controls::Control& control) {
@@ -95,10 +100,33 @@ ControlWindow* ControlWindow::Enclosing(HWND handle) {
   return nullptr;
 }
 
+HWND ControlWindow::CreateAround(HWND parent) {
+  const RECT bounds = PixelBounds();
+  m_around =
+      CreateWindowExW(WS_EX_CONTROLPARENT, kContainerClass, L"",
+                      WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN | (m_control.Visible() ? WS_VISIBLE : 0),
+                      bounds.left, bounds.top, bounds.right - bounds.left, bounds.bottom - bounds.top, parent,
+                      nullptr, m_context.Module(), nullptr);
+  if (m_around == nullptr) {
+    throw Error(static_cast<int>(GetLastError()), Say(Phrase::kWindowNotMade, {m_control.Name()}),
+                "KXRestore");
+  }
+  Windows().Set(m_around, {this, DefWindowProcW});
+  SetWindowLongPtrW(m_around, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
+  return m_around;
+}
+
+void ControlWindow::Arrange() {
+  if (m_around == nullptr || m_handle == nullptr) return;
+  RECT area{};
+  GetClientRect(m_around, &area);
+  OnArrange(area.right, area.bottom);
+}
+
 void ControlWindow::Create(HWND parent, const wchar_t* windowClass, const std::wstring& text, DWORD style,
                            DWORD exStyle) {
   style |= WS_CHILD | WS_CLIPSIBLINGS;
-  if (m_control.Visible()) style |= WS_VISIBLE;
+  if (m_control.Visible() || m_around != nullptr) style |= WS_VISIBLE;
   if (!m_control.Enabled()) style |= WS_DISABLED;
   const RECT bounds = PixelBounds();
   const ActivationScope scope(m_context.ActivationContext());
@@ -199,19 +227,20 @@ void ControlWindow::OnFlush(unsigned flags) {
   }
   if ((flags & kGeometryFlag) != 0) {
     const RECT bounds = PixelBounds();
-    SetWindowPos(m_handle, nullptr, bounds.left, bounds.top, bounds.right - bounds.left,
+    SetWindowPos(Placed(), nullptr, bounds.left, bounds.top, bounds.right - bounds.left,
                  bounds.bottom - bounds.top, kMoveFlags | (Frozen() ? SWP_NOREDRAW : 0U));
     m_movedWhileFrozen |= Frozen();
   }
+  if ((flags & kArrangeFlag) != 0) Arrange();
   if ((flags & kVisibleFlag) != 0 && !Frozen()) ApplyVisibility();
   if ((flags & kRefreshFlag) != 0 && !Frozen()) InvalidateRect(m_handle, nullptr, TRUE);
 }
 
 void ControlWindow::ApplyVisibility() {
   const bool visible = m_control.Visible();
-  if (HasVisibleStyle(m_handle) == visible) return;
-  if (!visible && HoldsFocus(m_handle) && m_context.MoveFocusOff) m_context.MoveFocusOff(*this);
-  ShowWindow(m_handle, visible ? SW_SHOWNA : SW_HIDE);
+  if (HasVisibleStyle(Placed()) == visible) return;
+  if (!visible && HoldsFocus(Placed()) && m_context.MoveFocusOff) m_context.MoveFocusOff(*this);
+  ShowWindow(Placed(), visible ? SW_SHOWNA : SW_HIDE);
 }
 
 // WM_SETREDRAW takes WS_VISIBLE away from most windows and gives it back, to hidden ones too, so it is sent
@@ -285,7 +314,7 @@ void ControlWindow::PeerChanged(controls::Property property) {
 
 void ControlWindow::PeerBringToFront() {
   if (m_handle != nullptr)
-    SetWindowPos(m_handle, HWND_TOP, 0, 0, 0, 0,
+    SetWindowPos(Placed(), HWND_TOP, 0, 0, 0, 0,
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
 }
 
@@ -313,8 +342,8 @@ bool ControlWindow::ShowMenu(LPARAM where) {
   const auto request = MenuAt(pointer);
   if (!request) return false;
   controls::Menu menu(request->subject);
-  AddToMenu(menu);
   m_control.UserMenu(menu);
+  AddToMenu(menu);
   if (menu.Empty()) return false;
   ShowPopupMenu(m_handle, menu, request->place);
   return true;
@@ -331,25 +360,54 @@ LRESULT CALLBACK ControlWindow::Procedure(HWND handle, UINT message, WPARAM wide
   WindowContext& context = entry.window->m_context;
   const WindowContext::MessageScope scope(context);
   std::optional<LRESULT> result;
-  context.Guarded([&] { result = entry.window->Dispatch(message, wide, extra); });
+  context.Guarded([&] {
+    result = handle == entry.window->m_around ? entry.window->DispatchAround(message, wide, extra)
+                                              : entry.window->Dispatch(message, wide, extra);
+  });
   return result ? *result : CallWindowProcW(entry.procedure, handle, message, wide, extra);
+}
+
+// What the window of another control, or the own one from inside the window around it, tells its parent.
+std::optional<LRESULT> ControlWindow::FromChild(UINT message, LPARAM extra, unsigned code) {
+  if (message == WM_COMMAND) {
+    ControlWindow* const child = FromHandle(reinterpret_cast<HWND>(extra));
+    if (child == nullptr) return std::nullopt;
+    child->OnCommand(code);
+    return 0;
+  }
+  auto& header = *reinterpret_cast<NMHDR*>(extra);
+  ControlWindow* const child = FromHandle(header.hwndFrom);
+  if (child == nullptr) return std::nullopt;
+  return child->OnNotify(header).value_or(0);
+}
+
+std::optional<LRESULT> ControlWindow::DispatchAround(UINT message, WPARAM wide, LPARAM extra) {
+  switch (message) {
+    case WM_NOTIFY:
+    case WM_COMMAND:
+      if (const auto result = FromChild(message, extra, HIWORD(wide))) return result;
+      break;
+    case WM_SIZE:
+      Arrange();
+      break;
+    case WM_NCDESTROY:
+      m_around = nullptr;
+      return std::nullopt;
+    default:
+      break;
+  }
+  return OnAroundMessage(message, wide, extra);
 }
 
 std::optional<LRESULT> ControlWindow::Dispatch(UINT message, WPARAM wide, LPARAM extra) {
   switch (message) {
     case WM_COMMAND:
-      if (ControlWindow* const child = FromHandle(reinterpret_cast<HWND>(extra))) {
-        child->OnCommand(HIWORD(wide));
-        return 0;
-      }
+      if (const auto result = FromChild(message, extra, HIWORD(wide))) return result;
       break;
-    case WM_NOTIFY: {
-      auto& header = *reinterpret_cast<NMHDR*>(extra);
-      if (ControlWindow* const child = FromHandle(header.hwndFrom)) {
-        if (child != this) return child->OnNotify(header).value_or(0);
-      }
+    case WM_NOTIFY:
+      if (reinterpret_cast<NMHDR*>(extra)->hwndFrom == m_handle) break;
+      if (const auto result = FromChild(message, extra, 0)) return result;
       break;
-    }
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN:
       if (ControlWindow* const child = FromHandle(reinterpret_cast<HWND>(extra))) {

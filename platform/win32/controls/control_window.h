@@ -49,6 +49,10 @@ class ControlWindow {
   // Whether the window itself wants a key (of a WM_KEYDOWN) that otherwise means something to the form: Esc,
   // Enter, Tab and the like.
   virtual bool WantsKey(WPARAM /*key*/) { return false; }
+  // Handles a key (of a WM_KEYDOWN) before anybody else; nobody hears of it then. Whether it did.
+  virtual bool HandleKey(WPARAM /*key*/) { return false; }
+  // The window that gets the focus when Tab arrives here, or Shift+Tab when going `back`.
+  virtual HWND TabTarget(bool /*back*/) const { return m_handle; }
   // What the user asks the control's menu about, and where on the screen the menu belongs. `pointer`: on the
   // screen, nothing when it was asked for by the keyboard. Nothing: there is no menu here.
   struct MenuRequest {
@@ -56,7 +60,7 @@ class ControlWindow {
     POINT place{};
   };
   virtual std::optional<MenuRequest> MenuAt(std::optional<POINT> pointer);
-  // Puts the window's own items into the menu, before those of the form's code.
+  // Puts the window's own items into the menu, behind those of the form's code.
   virtual void AddToMenu(controls::Menu& /*menu*/) {}
   virtual bool TakesFocus() const { return true; }  // by Tab, while shown and enabled
 
@@ -75,6 +79,16 @@ class ControlWindow {
               DWORD exStyle = 0);
   // Takes over a window that a derived class made itself.
   void Attach(HWND handle);
+  // For a control that shares its room with other windows, a footer say: makes a window that takes the
+  // control's place, and is the parent for Create and for the others. OnArrange places all of them.
+  HWND CreateAround(HWND parent);
+  HWND Around() const { return m_around; }
+  virtual void OnArrange(int /*width*/, int /*height*/) {}  // pixels
+  void ArrangeLater() { Later(kArrangeFlag); }
+  // Messages of the window around; those about the control's own window are not among them.
+  virtual std::optional<LRESULT> OnAroundMessage(UINT /*message*/, WPARAM /*wide*/, LPARAM /*extra*/) {
+    return std::nullopt;
+  }
   // For the destructors of derived classes whose On... members must not be called any more.
   void Destroy();
 
@@ -94,7 +108,8 @@ class ControlWindow {
     kRefreshFlag = 128,
     kTaskProgressFlag = 256,
     kEmptyTextFlag = 512,
-    kFirstOwnFlag = 1024,
+    kArrangeFlag = 1024,
+    kFirstOwnFlag = 2048,
   };
   void Later(unsigned flags, WindowContext::When when = WindowContext::When::kSoon);
   // Applies what the base knows (geometry, visibility, enabled, refresh); peers override it for the rest,
@@ -130,6 +145,11 @@ class ControlWindow {
 
  private:
   static LRESULT CALLBACK Procedure(HWND handle, UINT message, WPARAM wide, LPARAM extra);
+  std::optional<LRESULT> DispatchAround(UINT message, WPARAM wide, LPARAM extra);
+  std::optional<LRESULT> FromChild(UINT message, LPARAM extra, unsigned code);
+  void Arrange();
+  // The window that stands in the control's place.
+  HWND Placed() const { return m_around != nullptr ? m_around : m_handle; }
   bool ShowMenu(LPARAM where);
   std::optional<LRESULT> Dispatch(UINT message, WPARAM wide, LPARAM extra);
   void NameWindow();
@@ -140,6 +160,7 @@ class ControlWindow {
   WindowContext& m_context;
   controls::Control& m_control;
   HWND m_handle = nullptr;
+  HWND m_around = nullptr;
   ATOM m_name = 0;
   std::string m_toolTip;
   friend class WindowContext;

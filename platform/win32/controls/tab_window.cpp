@@ -31,7 +31,7 @@ class TabWindow final : public WindowPeer<controls::Peer> {
   std::optional<LRESULT> OnNotify(NMHDR& header) override {
     if (header.code == TCN_SELCHANGE) {
       const int chosen = static_cast<int>(SendMessageW(Handle(), TCM_GETCURSEL, 0, 0)) + 1;
-      if (chosen >= 1) m_tabs.UserSelect(chosen);
+      if (chosen >= 1) m_tabs.UserSelect(chosen, !ByArrow());
       ShowSelected();  // the control may have refused
     }
     return 0;
@@ -45,6 +45,11 @@ class TabWindow final : public WindowPeer<controls::Peer> {
   }
 
  private:
+  static bool ByArrow() {
+    return GetKeyState(VK_LEFT) < 0 || GetKeyState(VK_RIGHT) < 0 || GetKeyState(VK_UP) < 0 ||
+           GetKeyState(VK_DOWN) < 0 || GetKeyState(VK_HOME) < 0 || GetKeyState(VK_END) < 0;
+  }
+
   void ShowTabs() {
     SendMessageW(Handle(), TCM_DELETEALLITEMS, 0, 0);
     int index = 0;

@@ -64,7 +64,7 @@ WindowContext::WindowContext(HINSTANCE module)
     : m_module(module), m_activationContext(MakeActivationContext(module)), m_dpi(SystemDpi()) {
   const ActivationScope scope(m_activationContext);
   INITCOMMONCONTROLSEX classes{sizeof classes, ICC_TREEVIEW_CLASSES | ICC_LISTVIEW_CLASSES | ICC_TAB_CLASSES |
-                                                   ICC_PROGRESS_CLASS | ICC_BAR_CLASSES |
+                                                   ICC_PROGRESS_CLASS | ICC_BAR_CLASSES | ICC_DATE_CLASSES |
                                                    ICC_STANDARD_CLASSES};
   InitCommonControlsEx(&classes);
 }

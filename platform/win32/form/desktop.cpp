@@ -1,12 +1,12 @@
 #include "platform/win32/form/desktop.h"
 
 #include <algorithm>
-#include <cstring>
 #include <optional>
 #include <vector>
 
 #include "base/error.h"
 #include "base/phrases.h"
+#include "platform/win32/controls/clipboard.h"
 #include "platform/win32/controls/window_classes.h"
 #include "platform/win32/form/day_dialog.h"
 #include "platform/win32/form/form_window.h"
@@ -150,22 +150,7 @@ platform::Answer Win32Desktop::MessageBox(const std::string& text, platform::Mes
 }
 
 void Win32Desktop::CopyText(const std::string& text) {
-  const HWND owner = m_modal != nullptr ? m_modal->window->Handle() : nullptr;
-  const std::wstring wide = Wide(text);
-  const std::size_t size = (wide.size() + 1) * sizeof(wchar_t);
-  const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
-  if (memory == nullptr) return;
-  if (void* const place = GlobalLock(memory)) {
-    std::memcpy(place, wide.c_str(), size);
-    GlobalUnlock(memory);
-  }
-  if (!OpenClipboard(owner)) {
-    GlobalFree(memory);
-    return;
-  }
-  EmptyClipboard();
-  if (SetClipboardData(CF_UNICODETEXT, memory) == nullptr) GlobalFree(memory);
-  CloseClipboard();
+  win32::CopyText(m_modal != nullptr ? m_modal->window->Handle() : nullptr, Wide(text));
 }
 
 std::optional<platform::CivilTime> Win32Desktop::AskDay(const std::string& question,

@@ -73,10 +73,10 @@ bool IsTabStop(Control& control) {
   return window != nullptr && window->Handle() != nullptr && window->TakesFocus() && AcceptsUser(control);
 }
 
-void FocusByKey(Control& control) {
+void FocusByKey(Control& control, bool back = false) {
   ControlWindow* const window = ControlWindow::Of(control);
   if (window == nullptr || window->Handle() == nullptr) return;
-  SetFocus(window->Handle());
+  SetFocus(window->TabTarget(back));
   control.UserKeyboardEnter();
 }
 
@@ -112,6 +112,7 @@ bool FormKeys::Handle(const MSG& message) {
 }
 
 bool FormKeys::KeyDown(WPARAM key, ControlWindow* focused) {
+  if (focused != nullptr && focused->HandleKey(key)) return true;
   if (focused != nullptr && focused->WantsKey(key)) return false;
   const Kind kind = focused == nullptr ? Kind::kForm : focused->GetControl().GetKind();
   switch (key) {
@@ -122,6 +123,7 @@ bool FormKeys::KeyDown(WPARAM key, ControlWindow* focused) {
       m_form.UserKey(controls::Key::kF5);
       return true;
     case VK_RETURN:
+      if (kind == Kind::kComboBox) static_cast<controls::ComboBox&>(focused->GetControl()).UserEnter();
       if (kind == Kind::kCommandButton)
         static_cast<controls::CommandButton&>(focused->GetControl()).UserClick();
       return kind != Kind::kTreeView && kind != Kind::kAutoSelect;
@@ -130,8 +132,12 @@ bool FormKeys::KeyDown(WPARAM key, ControlWindow* focused) {
       if (IsDown(VK_CONTROL)) return NextTab(IsDown(VK_SHIFT));
       MoveFocus(focused, IsDown(VK_SHIFT));
       return true;
-    case VK_UP:
     case VK_DOWN:
+      if (kind == Kind::kComboBox && !IsDown(VK_MENU)) {
+        return static_cast<controls::ComboBox&>(focused->GetControl()).UserDown();
+      }
+      [[fallthrough]];
+    case VK_UP:
     case VK_LEFT:
     case VK_RIGHT:
       return kind == Kind::kOptionButton && Arrow(key, focused->GetControl());
@@ -149,7 +155,7 @@ void FormKeys::MoveFocus(const ControlWindow* from, bool back) {
   if (place != all.end()) std::rotate(all.begin(), place + 1, all.end());
   for (Control* const control : all) {
     if (control == start || !IsTabStop(*control) || IsSkippedOption(*control)) continue;
-    FocusByKey(*control);
+    FocusByKey(*control, back);
     return;
   }
 }

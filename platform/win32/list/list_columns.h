@@ -1,5 +1,6 @@
-// The columns of a list window: their headings, their widths, and the arrow of the one it is sorted by. One
-// of them takes what the others leave, until the user moves a divider; then all stay as they are.
+// The columns of a list window: their headings, widths and order, and the arrow of the one it is sorted by.
+// One of them takes what the others leave, until the user moves a divider; then all stay as they are. How the
+// user arranged them is the model's (AutoSelect::Look).
 #pragma once
 
 #include <windows.h>
@@ -7,23 +8,25 @@
 #include <commctrl.h>
 
 #include <span>
-#include <vector>
 
 #include "base/phrases.h"
 #include "controls/auto_select.h"
 #include "platform/win32/controls/window_context.h"
-#include "platform/win32/list/list_order.h"
 
 namespace kxrestore::win32 {
 
+using controls::ListColumn;
+
 class ListColumns {
  public:
-  ListColumns(WindowContext& context, controls::AutoSelect::Style style);
+  ListColumns(WindowContext& context, controls::AutoSelect& list);
 
   void Make(HWND list);
   void Fit(HWND list);                    // after the list or the scale changed
+  void Arrange(HWND list);                // as the model says
   void Changed(const NMHEADERW& change);  // what the heading tells its list
-  void ShowArrow(HWND list, const ListOrder& order) const;
+  void ReportOrder(HWND list);            // after a column was dragged
+  void ShowArrow(HWND list) const;
 
   bool Exists(int index) const { return index >= 0 && index < static_cast<int>(m_columns.size()); }
   bool IsRightAligned(int index) const {
@@ -38,12 +41,14 @@ class ListColumns {
     int width;  // twips; 0: what the others leave
     bool rightAligned;
   };
-  static const Column kFiles[5];
+  static const Column kFiles[8];
   static const Column kTypes[3];
+  const controls::ListLook::Column* OfUser(ListColumn column) const;
 
   WindowContext& m_context;
+  controls::AutoSelect& m_list;
   std::span<const Column> m_columns;
-  std::vector<int> m_ofUser;  // twips; empty until the user moves a divider
+  std::vector<controls::ListLook::Column> m_ofUser;  // empty until the user arranges them
   bool m_fitting = false;
 };
 

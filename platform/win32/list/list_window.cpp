@@ -3,8 +3,16 @@
 #include <algorithm>
 #include <vector>
 
+#include "base/phrases.h"
 #include "base/text.h"
+#include "controls/list_rows.h"
+#include "platform/win32/controls/clipboard.h"
+#include "platform/win32/controls/footer_strip.h"
+#include "platform/win32/list/filter_line.h"
 #include "platform/win32/list/list_columns.h"
+#include "platform/win32/list/list_painter.h"
+#include "platform/win32/list/list_selection.h"
+#include "platform/win32/list/list_text.h"
 #include "platform/win32/services/regional.h"
 #include "platform/win32/wide_text.h"
 
@@ -14,34 +22,54 @@ using controls::AutoSelect;
 
 namespace {
 
-constexpr UINT_PTR kSortTimer = 0x4B59;
-constexpr UINT kSettled = 200;                   // milliseconds without a new entry after which a
-                                                 // sorted list is sorted again
-constexpr std::size_t kMostReselected = 10'000;  // rows; selecting one more costs more and more
+constexpr UINT_PTR kSettledTimer = 0x4B59;
+constexpr UINT kSettled = 200;  // milliseconds without a new entry after which a list is put in order
+constexpr UINT_PTR kVersionsTimer = 0x4B5A;
+constexpr UINT kPause = 10;             // milliseconds between slices of work, for input and painting
+constexpr std::size_t kSlice = 20'000;  // entries
+constexpr UINT_PTR kFilterTimer = 0x4B5B;
+constexpr UINT kTypingPause = 120;        // milliseconds after which a long list is filtered
+constexpr std::size_t kQuickly = 20'000;  // entries that are filtered at every letter
+constexpr int kLeastHeight = 600;         // twips, that strips leave to the entries
 
 class ListWindow final : public WindowPeer<controls::ListPeer> {
  public:
   ListWindow(WindowContext& context, AutoSelect& list, HWND parent)
-      : WindowPeer(context, list), m_list(list), m_columns(context, list.GetStyle()), m_order(list) {
-    Create(parent, WC_LISTVIEWW, {}, WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS,
+      : WindowPeer(context, list),
+        m_list(list),
+        m_columns(context, list),
+        m_filter(context, list),
+        m_footer(context),
+        m_painter(context, list),
+        m_selection(list) {
+    const HWND around = CreateAround(parent);
+    Create(around, WC_LISTVIEWW, {}, WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS,
            WS_EX_CLIENTEDGE);
-    constexpr DWORD kStyle =
-        LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_INFOTIP | LVS_EX_LABELTIP;
+    constexpr DWORD kStyle = LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_INFOTIP |
+                             LVS_EX_LABELTIP | LVS_EX_HEADERDRAGDROP;
     Send(LVM_SETEXTENDEDLISTVIEWSTYLE, kStyle, kStyle);
     Send(LVM_SETCALLBACKMASK, LVIS_STATEIMAGEMASK);
+    m_selection.Attach(Handle());
+    m_filter.Create(around);
+    m_filter.Close = [this] { CloseFilter(); };
+    if (m_list.DescribeFooter) m_footer.Create(around);
     m_columns.Make(Handle());
+    m_columns.ShowArrow(Handle());
     ShowCount();
+    Later(kArrangeFlag | kFooterFlag);
   }
   ~ListWindow() override { Destroy(); }
 
   // --- ListPeer
 
   void EntriesAdded(std::size_t /*newCount*/) override { Later(kItemsFlag, WindowContext::When::kThrottled); }
-  void TicksChanged(std::size_t /*first*/, std::size_t /*last*/) override { Later(kTicksFlag); }
-  void Cleared() override {
-    m_order.Clear();
-    Later(kItemsFlag);
+  void TicksChanged(std::size_t /*first*/, std::size_t /*last*/) override {
+    Later(kTicksFlag | kFooterFlag, WindowContext::When::kThrottled);
+    Later(kTicksFlag);
   }
+  void RowsChanged() override { Later(kRowsFlag | kFooterFlag); }
+  void SelectionChanged() override { Later(kFooterFlag, WindowContext::When::kThrottled); }
+  void Cleared() override { Later(kItemsFlag | kRowsFlag | kFooterFlag); }
 
   // --- ControlWindow
 
@@ -55,6 +83,12 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
       case LVN_COLUMNCLICK:
         Sort(reinterpret_cast<NMLISTVIEW&>(header).iSubItem);
         return 0;
+      case LVN_ITEMCHANGED:
+        m_selection.Changed(reinterpret_cast<NMLISTVIEW&>(header));
+        return 0;
+      case LVN_ODSTATECHANGED:
+        m_selection.Changed(reinterpret_cast<NMLVODSTATECHANGE&>(header));
+        return 0;
       case NM_CLICK:
       case NM_DBLCLK:
         ClickAt(reinterpret_cast<NMITEMACTIVATE&>(header).ptAction);
@@ -63,17 +97,15 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
         Key(reinterpret_cast<NMLVKEYDOWN&>(header).wVKey);
         return 0;
       case NM_CUSTOMDRAW:
-        return Draw(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
+        return m_painter.Draw(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
       default:
         return std::nullopt;
     }
   }
 
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wide, LPARAM extra) override {
-    if (message == WM_TIMER && wide == kSortTimer) {
-      KillTimer(Handle(), kSortTimer);
-      m_order.Renew();
-      InvalidateRect(Handle(), nullptr, FALSE);
+    if (message == WM_TIMER && (wide == kSettledTimer || wide == kVersionsTimer || wide == kFilterTimer)) {
+      OnTimer(wide);
       return 0;
     }
     if (message == WM_SIZE) m_columns.Fit(Handle());
@@ -81,13 +113,57 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     return std::nullopt;
   }
 
+  std::optional<LRESULT> OnAroundMessage(UINT message, WPARAM wide, LPARAM extra) override {
+    switch (message) {
+      case WM_COMMAND:
+        if (m_filter.OnCommand(reinterpret_cast<HWND>(extra), HIWORD(wide))) FilterSoon();
+        return 0;
+      case WM_NOTIFY:
+        if (m_filter.OnNotify(*reinterpret_cast<const NMHDR*>(extra))) FilterSoon();
+        return 0;
+      case WM_DRAWITEM:
+        if (m_footer.Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(extra))) return TRUE;
+        return std::nullopt;
+      default:
+        return std::nullopt;
+    }
+  }
+
+  // The filter line is a part of the control: Tab goes through it to the entries, Esc closes it.
+  bool HandleKey(WPARAM key) override {
+    if (GetKeyState(VK_CONTROL) < 0) {
+      if (key != 'F') return false;
+      ShowFilter();
+      return true;
+    }
+    switch (m_filter.OnKey(key, GetKeyState(VK_SHIFT) < 0, Handle())) {
+      case FilterLine::KeyAnswer::kNotMine:
+        return false;
+      case FilterLine::KeyAnswer::kDone:
+        break;
+      case FilterLine::KeyAnswer::kClose:
+        CloseFilter();
+        break;
+      case FilterLine::KeyAnswer::kIntoEntries:
+        FilterNow();
+        FocusFirst();
+        break;
+    }
+    return true;
+  }
+  HWND TabTarget(bool back) const override { return m_filter.Shown() && !back ? m_filter.First() : Handle(); }
+  bool WantsKey(WPARAM key) override {
+    // Inside a field every key is its own, but for those above.
+    return m_filter.Holds(GetFocus()) &&
+           (m_filter.IsOpen(GetFocus()) || (key != VK_ESCAPE && key != VK_TAB && key != VK_F5));
+  }
+
   // Of the selected rows, beside the focused one when it was asked for by the keyboard.
   std::optional<MenuRequest> MenuAt(std::optional<POINT> pointer) override {
     const LRESULT focused = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
     MenuRequest request;
     if (focused >= 0) {
-      const std::size_t number = m_order.Entry(static_cast<std::size_t>(focused));
-      if (Exists(number)) request.subject = number;
+      request.subject = EntryOf(focused);
     }
     if (pointer) {
       request.place = *pointer;
@@ -101,27 +177,65 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     return request;
   }
   void AddToMenu(controls::Menu& menu) override {
-    if (Send(LVM_GETSELECTEDCOUNT) == 0) return;
-    menu.Add("&Tick selected", [this] { TickSelected(true); });
-    menu.Add("&Untick selected", [this] { TickSelected(false); });
     menu.AddLine();
-    menu.Add("&Copy", [this] { CopySelected(); }).keys = "Ctrl+C";
-    menu.AddLine();
+    if (Send(LVM_GETSELECTEDCOUNT) != 0) {
+      menu.Add(Say(Phrase::kMenuCopy), [this] { CopySelected(); }).keys = Say(Phrase::kKeyCopy);
+    }
+    controls::Menu::Item& filter = menu.Add(Say(Phrase::kMenuFilter), [this] {
+      if (m_list.FilterShown()) {
+        CloseFilter();
+      } else {
+        ShowFilter();
+      }
+    });
+    filter.keys = Say(Phrase::kKeyFilter);
+    filter.checked = m_list.FilterShown();
   }
 
   void OnDpiChanged() override {
     WindowPeer::OnDpiChanged();
+    m_painter.OnDpiChanged();
+    m_filter.OnDpiChanged();
+    if (m_footer.Handle() != nullptr) m_footer.OnDpiChanged();
+    ArrangeLater();
     m_columns.Fit(Handle());
   }
 
  protected:
-  static constexpr unsigned kTicksFlag = kFirstOwnFlag;
+  static constexpr unsigned kTicksFlag = kFirstOwnFlag, kRowsFlag = kFirstOwnFlag << 1,
+                            kFooterFlag = kFirstOwnFlag << 2;
 
   void OnFlush(unsigned flags) override {
     WindowPeer::OnFlush(flags);
-    if ((flags & kItemsFlag) != 0) ShowCount();
-    if ((flags & (kTicksFlag | unsigned{kItemsFlag})) != 0) InvalidateRect(Handle(), nullptr, FALSE);
-    if ((flags & kItemsFlag) != 0 && m_order.Sorted()) SetTimer(Handle(), kSortTimer, kSettled, nullptr);
+    if ((flags & kAppearanceFlag) != 0) m_columns.Arrange(Handle());
+    if ((flags & kValueFlag) != 0) {
+      m_filter.Fill();
+      ArrangeLater();
+    }
+    if ((flags & (kItemsFlag | kRowsFlag)) != 0) {
+      ShowRows((flags & kRowsFlag) != 0);
+      m_columns.ShowArrow(Handle());
+    }
+    if ((flags & (kTicksFlag | kRowsFlag | unsigned{kItemsFlag})) != 0) {
+      InvalidateRect(Handle(), nullptr, FALSE);
+    }
+    if ((flags & kItemsFlag) != 0) {
+      KillTimer(Handle(), kVersionsTimer);
+      SetTimer(Handle(), kSettledTimer, kSettled, nullptr);
+    }
+    if ((flags & (kFooterFlag | kRowsFlag | unsigned{kItemsFlag})) != 0) ShowFooter();
+  }
+
+  // From top to bottom: filter line, entries, footer. What has no room is left out, the footer first.
+  void OnArrange(int width, int height) override {
+    const int least = Context().ToPixels(kLeastHeight);
+    const int rows = std::max(1, (height - least) / std::max(1, Context().ToPixels(375)));
+    const int line = m_filter.Place(m_list.FilterShown(), width, rows);
+    int footer = m_footer.Handle() == nullptr ? 0 : m_footer.Height();
+    if (height - line - footer < least) footer = 0;
+    const int list = std::max(0, height - line - footer);
+    SetWindowPos(Handle(), nullptr, 0, line, width, list, SWP_NOZORDER | SWP_NOACTIVATE);
+    if (m_footer.Handle() != nullptr) m_footer.Place(0, line + list, width, footer);
   }
 
  private:
@@ -129,54 +243,108 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     return SendMessageW(Handle(), message, wide, extra);
   }
   bool Types() const { return m_list.GetStyle() == AutoSelect::Style::kTypes; }
+  // The entry of a row; 0 where there is none.
+  std::size_t EntryOf(LRESULT row) const {
+    return row < 0 ? 0 : m_list.Rows().Entry(static_cast<std::size_t>(row));
+  }
+  LRESULT FocusedRow() const { return Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED); }
+
+  void ShowFooter() {
+    if (m_footer.Handle() != nullptr && m_list.DescribeFooter) m_footer.Show(m_list.DescribeFooter());
+  }
 
   void ShowCount() {
-    const WPARAM count = std::min<std::size_t>(m_list.Count(), 100'000'000);
+    const WPARAM count = std::min<std::size_t>(m_list.Rows().Count(), 100'000'000);
     if (static_cast<WPARAM>(Send(LVM_GETITEMCOUNT)) == count) return;
     const bool fewer = static_cast<WPARAM>(Send(LVM_GETITEMCOUNT)) > count;
     Send(LVM_SETITEMCOUNT, count, fewer ? 0 : LVSICF_NOSCROLL | LVSICF_NOINVALIDATEALL);
     m_columns.Fit(Handle());  // the scroll bar may have come or gone
   }
 
-  bool Exists(std::size_t number) const { return number >= 1 && number <= m_list.Count(); }
+  void ShowRows(bool otherRows) {
+    if (!otherRows) return ShowCount();
+    m_selection.BeforeOtherRows();
+    ShowCount();
+    m_selection.AfterOtherRows();
+  }
+
+  void OnTimer(UINT_PTR timer) {
+    KillTimer(Handle(), timer);
+    if (timer == kFilterTimer) {
+      FilterNow();
+      return;
+    }
+    if (timer == kSettledTimer) m_list.SortAddedIn();
+    m_list.FindVersions(kSlice);
+    if (!m_list.VersionsFound()) SetTimer(Handle(), kVersionsTimer, kPause, nullptr);
+  }
+
+  // --- the filter line
+
+  void ShowFilter() {
+    m_list.UserShowFilter(true);
+    m_filter.FillSets();
+    FlushNow();
+    FlushNow();  // the fields have their places now
+    ::SetFocus(m_filter.First());
+    SendMessageW(m_filter.First(), EM_SETSEL, 0, -1);
+  }
+
+  void CloseFilter() {
+    if (m_filter.Holds(GetFocus())) ::SetFocus(Handle());
+    m_list.UserShowFilter(false);
+  }
+
+  void FilterSoon() {
+    if (m_list.Count() <= kQuickly) {
+      FilterNow();
+    } else {
+      SetTimer(Handle(), kFilterTimer, kTypingPause, nullptr);
+    }
+  }
+
+  void FilterNow() {
+    KillTimer(Handle(), kFilterTimer);
+    if (m_list.FilterShown()) m_list.UserFilter(m_filter.Read());
+  }
+
+  void FocusFirst() {
+    FlushNow();
+    ::SetFocus(Handle());
+    m_selection.SelectOnly(0);
+  }
+
+  // --- what the native control asks
 
   void Answer(LVITEMW& item) const {
-    const std::size_t number = m_order.Entry(static_cast<std::size_t>(item.iItem));
-    const bool exists = Exists(number);
+    const std::size_t number = EntryOf(item.iItem);
     if ((item.mask & LVIF_STATE) != 0) {
-      const bool ticked = exists && m_list.TickedAt(number);
+      const bool ticked = number != 0 && m_list.TickedAt(number);
       item.state = (item.state & ~LVIS_STATEIMAGEMASK) | INDEXTOSTATEIMAGEMASK(ticked ? 2u : 1u);
       item.stateMask |= LVIS_STATEIMAGEMASK;
     }
     if ((item.mask & LVIF_IMAGE) != 0) item.iImage = I_IMAGENONE;
-    if ((item.mask & LVIF_TEXT) != 0 && item.pszText != nullptr && item.cchTextMax > 0) {
-      std::wstring text = exists ? WideShown(TextOf(m_list.At(number), item.iSubItem)) : std::wstring();
-      // Right-aligned text may lose the last column of its last digit to the column's edge.
-      if (m_columns.IsRightAligned(item.iSubItem)) text += L' ';
-      lstrcpynW(item.pszText, text.c_str(), item.cchTextMax);
+    if ((item.mask & LVIF_TEXT) == 0 || item.pszText == nullptr || item.cchTextMax <= 0) return;
+    std::wstring text;
+    if (number != 0 && m_columns.Exists(item.iSubItem)) {
+      text = WideShown(CellText(m_list, number, m_columns.At(item.iSubItem), m_regional));
+      // While rows are painted a folder that is too long loses its middle; whoever asks at other times gets
+      // the whole text.
+      if (m_columns.At(item.iSubItem) == ListColumn::kFolder) {
+        text =
+            m_painter.Fit(std::move(text), static_cast<int>(Send(LVM_GETCOLUMNWIDTH, item.iSubItem)), number);
+      }
     }
-  }
-
-  std::string TextOf(const AutoSelect::Entry& entry, int column) const {
-    if (!m_columns.Exists(column)) return {};
-    switch (m_columns.At(column)) {
-      case ListColumn::kSize:
-        return entry.sizeKnown ? m_regional.Grouped(entry.size) : std::string();
-      case ListColumn::kExtension:
-        return std::string(entry.extension);
-      case ListColumn::kSet:
-        return std::string(entry.setName);
-      case ListColumn::kDate:
-        return entry.time == AutoSelect::kNoTime
-                   ? std::string(entry.date)
-                   : DateAndTime(m_regional, platform::TimeOfNumber(entry.time));
-      default:
-        return std::string(entry.name);
-    }
+    // Right-aligned text may lose the last column of its last digit to the column's edge.
+    if (m_columns.IsRightAligned(item.iSubItem)) text += L' ';
+    lstrcpynW(item.pszText, text.c_str(), item.cchTextMax);
   }
 
   void HeadingTells(const NMHDR& header) {
     if (header.code == HDN_ITEMCHANGEDW) m_columns.Changed(reinterpret_cast<const NMHEADERW&>(header));
+    if (header.code == HDN_ENDDRAG) m_dragged = true;
+    // The new order holds once the mouse has been let go.
+    if (header.code == NM_RELEASEDCAPTURE && std::exchange(m_dragged, false)) m_columns.ReportOrder(Handle());
   }
 
   // Type-ahead: the next row whose name begins with what was typed.
@@ -185,13 +353,14 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
       return -1;
     }
     const std::string typed = FoldCase(Narrow(wanted.lvfi.psz));
-    const std::size_t count = m_list.Count();
+    const std::size_t count = m_list.Rows().Count();
     const std::size_t start = wanted.iStart < 0 ? 0 : static_cast<std::size_t>(wanted.iStart);
     std::string folded;  // a folded text may be longer or shorter than the text
     for (std::size_t step = 0; step < count; ++step) {
       const std::size_t row = (start + step) % count;
       folded.clear();
-      AppendFolded(folded, m_list.At(m_order.Entry(row)).name.substr(0, typed.size() * 4));
+      const std::string_view name = m_list.At(m_list.Rows().Entry(row)).name;
+      AppendFolded(folded, (Types() ? name : controls::SplitPath(name).name).substr(0, typed.size() * 4));
       if (folded.starts_with(typed)) return static_cast<LRESULT>(row);
     }
     return -1;
@@ -200,43 +369,10 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
   void Sort(int column) {
     if (!m_columns.Exists(column)) return;
     const HCURSOR before = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
-    KeepingSelection([&] { m_order.Choose(m_columns.At(column)); });
+    m_selection.KeepFocus();
+    m_list.UserSort(m_columns.At(column));
+    FlushNow();
     SetCursor(before);
-    m_columns.ShowArrow(Handle(), m_order);
-    InvalidateRect(Handle(), nullptr, FALSE);
-  }
-
-  // What the window keeps selected are rows; what the user selected are entries.
-  template <class Change>
-  void KeepingSelection(Change&& change) {
-    const LRESULT focusedRow = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
-    const std::size_t focused = focusedRow < 0 ? 0 : m_order.Entry(static_cast<std::size_t>(focusedRow));
-    const auto count = static_cast<std::size_t>(Send(LVM_GETSELECTEDCOUNT));
-    const bool all = count == m_list.Count();
-    std::vector<std::size_t> selected;
-    if (!all && count <= kMostReselected) selected = Selected();
-    std::sort(selected.begin(), selected.end());
-
-    change();
-    if (all && focused == 0) return;
-    if (!all) SetState(static_cast<WPARAM>(-1), 0, LVIS_SELECTED | LVIS_FOCUSED);
-    for (std::size_t row = 0; row < m_list.Count(); ++row) {
-      const std::size_t number = m_order.Entry(row);
-      if (std::binary_search(selected.begin(), selected.end(), number)) {
-        SetState(row, LVIS_SELECTED, LVIS_SELECTED);
-      }
-      if (number == focused) {
-        SetState(row, LVIS_FOCUSED, LVIS_FOCUSED);
-        Send(LVM_ENSUREVISIBLE, row, FALSE);
-      }
-    }
-  }
-
-  void SetState(WPARAM row, UINT state, UINT mask) const {
-    LVITEMW item{};
-    item.state = state;
-    item.stateMask = mask;
-    Send(LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
   }
 
   void ClickAt(POINT place) {
@@ -244,8 +380,8 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     hit.pt = place;
     const LRESULT row = Send(LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
     if (row < 0 || (hit.flags & LVHT_ONITEM) != LVHT_ONITEMSTATEICON) return;
-    const std::size_t number = m_order.Entry(static_cast<std::size_t>(row));
-    if (!Exists(number)) return;
+    const std::size_t number = EntryOf(row);
+    if (number == 0) return;
     m_list.UserTick(number, !m_list.TickedAt(number));
     Announce(row);
   }
@@ -253,28 +389,21 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
   void Key(WORD key) {
     const bool control = GetKeyState(VK_CONTROL) < 0;
     if (key == VK_SPACE && !control) {
-      const LRESULT focused = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
-      if (focused < 0 || !Exists(m_order.Entry(static_cast<std::size_t>(focused)))) return;
-      TickSelected(!m_list.TickedAt(m_order.Entry(static_cast<std::size_t>(focused))));
+      if (const std::size_t number = EntryOf(FocusedRow())) TickSelected(!m_list.TickedAt(number));
+    } else if (key == VK_DELETE) {
+      TickSelected(false);
     } else if (key == 'A' && control) {
-      SetState(static_cast<WPARAM>(-1), LVIS_SELECTED, LVIS_SELECTED);
+      m_selection.SelectAll();
     } else if (key == 'C' && control) {
       CopySelected();
+    } else if (key == 'F' && control) {
+      ShowFilter();
     }
-  }
-
-  std::vector<std::size_t> Selected() const {
-    std::vector<std::size_t> numbers;
-    for (LRESULT row = -1; (row = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED)) >= 0;) {
-      const std::size_t number = m_order.Entry(static_cast<std::size_t>(row));
-      if (Exists(number)) numbers.push_back(number);
-    }
-    return numbers;
   }
 
   void TickSelected(bool ticked) {
-    for (const std::size_t number : Selected()) m_list.UserTick(number, ticked);
-    Announce(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
+    m_list.UserTickSelected(ticked);
+    Announce(FocusedRow());
   }
 
   void Announce(LRESULT row) const {
@@ -284,35 +413,18 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
 
   void CopySelected() const {
     std::wstring text;
-    for (const std::size_t number : Selected()) text += Wide(m_list.At(number).name) + L"\r\n";
-    if (text.empty() || !OpenClipboard(Handle())) return;
-    EmptyClipboard();
-    const SIZE_T bytes = (text.size() + 1) * sizeof(wchar_t);
-    if (const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes)) {
-      if (void* const target = GlobalLock(memory)) {
-        CopyMemory(target, text.c_str(), bytes);
-        GlobalUnlock(memory);
-      }
-      if (SetClipboardData(CF_UNICODETEXT, memory) == nullptr) GlobalFree(memory);
-    }
-    CloseClipboard();
-  }
-
-  // Groups of file types stand out.
-  LRESULT Draw(NMLVCUSTOMDRAW& draw) {
-    if (!Types()) return CDRF_DODEFAULT;
-    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
-    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT) return CDRF_DODEFAULT;
-    const std::size_t number = m_order.Entry(draw.nmcd.dwItemSpec);
-    if (!Exists(number) || !m_list.At(number).isGroup) return CDRF_DODEFAULT;
-    SelectObject(draw.nmcd.hdc, Context().Font({}, true));
-    return CDRF_NEWFONT;
+    for (const std::size_t number : m_list.SelectedEntries()) text += Wide(m_list.At(number).name) + L"\r\n";
+    if (!text.empty()) CopyText(Handle(), text);
   }
 
   AutoSelect& m_list;
   ListColumns m_columns;
-  ListOrder m_order;
+  FilterLine m_filter;
+  FooterStrip m_footer;
+  ListPainter m_painter;
+  ListSelection m_selection;
   Win32Regional m_regional;
+  bool m_dragged = false;  // a column has been dragged
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "controls/check_propagation.h"
 #include "platform/win32/controls/empty_text.h"
+#include "platform/win32/controls/footer_strip.h"
 #include "platform/win32/services/icons.h"
 #include "platform/win32/tree/tree_badge.h"
 #include "platform/win32/tree/tree_check_boxes.h"
@@ -34,12 +35,18 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
         m_checkBoxes(m_native, tree.CheckBoxes()),
         m_items(tree, m_native, m_checkBoxes.ItemState()),
         m_questions(tree, m_native, m_items),
-        m_tips(context, tree, m_native, m_items) {
+        m_tips(context, tree, m_native, m_items),
+        m_footer(context) {
     m_questions.Toggled = [this](std::uint32_t node) { Report(kToggled, node); };
     m_questions.Expanded = [this](std::uint32_t node, bool expanded) { Report(kExpansion, node, expanded); };
     DWORD style = WS_TABSTOP | TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS |
                   TVS_DISABLEDRAGDROP;
     if (tree.Tip) style |= TVS_NOTOOLTIPS;  // the tip says the whole name, too
+    if (tree.DescribeFooter) {
+      parent = CreateAround(parent);
+      m_footer.Create(parent);
+      Later(kArrangeFlag | kFooterFlag);
+    }
     Create(parent, WC_TREEVIEWW, {}, style, WS_EX_CLIENTEDGE);
     m_native.Attach(Handle());
     MakeImages();
@@ -56,6 +63,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   // --- TreePeer
 
   void NodeAdded(std::uint32_t node) override {
+    FooterLater();
     Context().Guarded([&] {
       m_items.NodeAdded(node);
       if (m_items.HasWork(!Frozen())) Later(kWorkFlag);
@@ -72,6 +80,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   }
 
   void NodeChanged(std::uint32_t node, NodeProperty property) override {
+    if (property == NodeProperty::kChecked) FooterLater();
     if (property == NodeProperty::kSelected) {
       m_selectionChanged = true;
       Later(kWorkFlag);
@@ -92,6 +101,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   }
 
   void Cleared() override {
+    FooterLater();
     ++m_generation;
     m_announced.clear();
     m_selectionChanged = true;
@@ -211,6 +221,8 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
 
   void OnDpiChanged() override {
     WindowPeer::OnDpiChanged();
+    if (m_footer.Handle() != nullptr) m_footer.OnDpiChanged();
+    ArrangeLater();
     MakeImages();
   }
 
@@ -218,9 +230,22 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   void OnFlush(unsigned flags) override {
     WindowPeer::OnFlush(flags);
     if ((flags & kWorkFlag) != 0) Work();
+    if ((flags & kFooterFlag) != 0 && m_footer.Handle() != nullptr) m_footer.Show(m_tree.DescribeFooter());
     if ((flags & kRepaintFlag) == 0) return;
     if (!Frozen() || m_items.Emptying()) InvalidateRect(Handle(), nullptr, FALSE);
     for (const std::uint32_t node : std::exchange(m_announced, {})) m_native.Announce(m_items.ItemOf(node));
+  }
+
+  void OnArrange(int width, int height) override {
+    const int footer = std::min(m_footer.Height(), height);
+    SetWindowPos(Handle(), nullptr, 0, 0, width, height - footer, SWP_NOZORDER | SWP_NOACTIVATE);
+    m_footer.Place(0, height - footer, width, footer);
+  }
+  std::optional<LRESULT> OnAroundMessage(UINT message, WPARAM /*wide*/, LPARAM extra) override {
+    if (message != WM_DRAWITEM || !m_footer.Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(extra))) {
+      return std::nullopt;
+    }
+    return TRUE;
   }
 
   void SetRedraw(bool redraw) override {
@@ -229,7 +254,12 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   }
 
  private:
-  enum : unsigned { kWorkFlag = kFirstOwnFlag, kRepaintFlag = kFirstOwnFlag << 1 };
+  static constexpr unsigned kWorkFlag = kFirstOwnFlag, kRepaintFlag = kFirstOwnFlag << 1,
+                            kFooterFlag = kFirstOwnFlag << 2;
+
+  void FooterLater() {
+    if (m_footer.Handle() != nullptr) Later(kFooterFlag, WindowContext::When::kThrottled);
+  }
 
   Node At(std::uint32_t node) const { return {&m_tree, node}; }
 
@@ -428,6 +458,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   TreeItems m_items;
   TreeQuestions m_questions;
   TreeTips m_tips;
+  FooterStrip m_footer;
   ImageListHandle m_images;
   int m_imagePixels = kImagePixels;
   std::optional<NativeTree::Pause> m_frozen;

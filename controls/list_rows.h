@@ -1,0 +1,67 @@
+// Which entries of a list are seen, and in which order: as they come or sorted by a column, groups of file
+// types always first, less those that the filter keeps out. Sorting costs four bytes an entry, a filter four
+// bytes a row and a bit an entry; without them rows are entries.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "controls/auto_select_store.h"
+
+namespace kxrestore::controls {
+
+class ListRows {
+ public:
+  explicit ListRows(const AutoSelect& list) : m_list(list) {}
+
+  std::size_t Count() const;
+  // Entry number of a row (from 0), 0 where there is none. Rows behind those sorted so far show the entries
+  // in the order of adding.
+  std::size_t Entry(std::size_t row) const;
+  bool Shows(std::size_t number) const { return !Filtered() || m_passing[number - 1]; }
+
+  bool Sorted() const { return m_sorted; }
+  ListColumn Column() const { return m_column; }
+  bool Descending() const { return m_descending; }
+  // Whether entries were added since the rows were sorted.
+  bool Stale() const { return m_sorted && m_order.size() != m_list.Count(); }
+  void Renew();  // sorts them in
+
+  bool Filtered() const { return m_filtered; }
+  const ListFilter& Filter() const { return m_filter; }
+  const AutoSelect::Sum& Sum() const { return m_sum; }  // of what the filter lets pass, while there is one
+
+  std::size_t MemoryUsed() const;
+
+ private:
+  friend class AutoSelect;  // which tells of every change
+  void SortBy(ListColumn column, bool descending);
+  void Unsort();
+  void SetFilter(const ListFilter& filter);
+  void Added();    // the last entry
+  void Cleared();  // order and filter stay
+
+  const AutoSelect::Store& Entries() const { return *m_list.m_store; }
+  bool Passes(const ListMatcher& matcher, std::size_t number) const;
+  void Pass(std::size_t number);
+  void CollectRows();
+  void SortNumbers();
+  void SortTexts();
+
+  const AutoSelect& m_list;
+  bool m_sorted = false;
+  bool m_descending = false;
+  ListColumn m_column = ListColumn::kName;
+  std::ptrdiff_t m_groups = 0;         // that stay on top
+  std::vector<std::uint32_t> m_order;  // entry numbers, while sorted
+
+  bool m_filtered = false;
+  ListFilter m_filter;
+  ListMatcher m_matcher{ListFilter()};
+  Bits m_passing;                      // an entry, while filtered
+  std::vector<std::uint32_t> m_shown;  // entry numbers, while filtered
+  AutoSelect::Sum m_sum;
+};
+
+}  // namespace kxrestore::controls

@@ -1,0 +1,36 @@
+// The line below a list or tree: what waits to be applied stands out, then the sums, and those of the
+// selected rows at the right. What does not fit ends in an ellipsis and is shown as a tool tip.
+#pragma once
+
+#include "controls/footer.h"
+#include "platform/win32/controls/window_context.h"
+
+namespace kxrestore::win32 {
+
+class FooterStrip {
+ public:
+  explicit FooterStrip(WindowContext& context) : m_context(context) {}
+  ~FooterStrip();
+  FooterStrip(const FooterStrip&) = delete;
+  FooterStrip& operator=(const FooterStrip&) = delete;
+
+  void Create(HWND parent);
+  HWND Handle() const { return m_handle; }
+  int Height() const;  // pixels
+  void Show(const controls::FooterText& text);
+  void Place(int left, int top, int width, int height);
+  void OnDpiChanged();
+  // Of the parent's WM_DRAWITEM. Whether it was this strip that asked.
+  bool Draw(const DRAWITEMSTRUCT& draw) const;
+
+ private:
+  int WidthOf(HDC dc, const std::wstring& text, bool bold) const;
+  void ShowTip();
+
+  WindowContext& m_context;
+  HWND m_handle = nullptr;
+  std::wstring m_pending, m_sums, m_selected;
+  std::string m_whole;
+};
+
+}  // namespace kxrestore::win32
