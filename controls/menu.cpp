@@ -12,11 +12,11 @@ Menu::Item& Menu::Add(std::string text, std::function<void()> chosen) {
   return item;
 }
 
-void Menu::UserChoose(std::size_t place) const {
+void Menu::UserChoose(std::size_t place) {
   if (place >= m_items.size()) return;
-  const Item& item = m_items[place];
+  Item& item = m_items[place];
   if (!item.enabled || !item.chosen) return;
-  const auto chosen = item.chosen;  // the menu may be gone before it returns
+  const auto chosen = std::exchange(item.chosen, nullptr);
   chosen();
 }
 

@@ -1,5 +1,8 @@
 #include "dialog/file_history.h"
 
+#include <memory>
+#include <utility>
+
 #include "base/phrases.h"
 #include "catalog/listings.h"
 #include "controls/list_menu.h"
@@ -16,6 +19,8 @@ namespace {
 
 constexpr const char* kVersions = "AllVersions";
 constexpr const char* kInBackup = "ShowInBackup";
+constexpr const char* kListMenu = "List.Menu";
+constexpr const char* kTreeMenu = "tvwDetails.Menu";
 
 }  // namespace
 
@@ -24,29 +29,37 @@ FileHistory::FileHistory(FormContext& context, SetTree& setTree, RestoreList& re
   FormControls& ui = m_context.ui;
   for (AutoSelect* const list : {&ui.asRestoreList, &ui.asSearch}) {
     list->FillMenu = [this, list](Menu& menu) {
-      controls::AddTickItems(menu, *list);
-      if (menu.Subject() != 0 && menu.Subject() <= list->Count()) {
-        AddFileItems(menu, FileOf(list->At(menu.Subject())), true);
-      }
+      m_context.Reporting(kListMenu, [&] {
+        controls::AddTickItems(menu, *list);
+        if (menu.Subject() != 0 && menu.Subject() <= list->Count()) {
+          AddFileItems(menu, FileOf(list->At(menu.Subject())), true);
+        }
+      });
     };
   }
-  ui.asFiles.FillMenu = [&ui](Menu& menu) { controls::AddTickItems(menu, ui.asFiles); };
+  ui.asFiles.FillMenu = [this](Menu& menu) {
+    m_context.Reporting(kListMenu, [&] { controls::AddTickItems(menu, m_context.ui.asFiles); });
+  };
   ui.tvwDetails.FillMenu = [this, before = ui.tvwDetails.FillMenu](Menu& menu) {
     if (before) before(menu);
-    if (menu.Subject() == 0) return;
-    const Node node = m_context.ui.tvwDetails.Item(static_cast<std::uint32_t>(menu.Subject()));
-    if (node.Tag().empty()) return;
-    menu.AddLine();
-    AddFileItems(menu, FileOf(node), false);
+    m_context.Reporting(kTreeMenu, [&] {
+      if (menu.Subject() == 0) return;
+      const Node node = m_context.ui.tvwDetails.Item(static_cast<std::uint32_t>(menu.Subject()));
+      if (node.Tag().empty()) return;
+      menu.AddLine();
+      AddFileItems(menu, FileOf(node), false);
+    });
   };
 }
 
-void FileHistory::AddFileItems(Menu& menu, const File& file, bool inItsBackup) {
+// The items share the file, so that choosing one takes no memory before its command reports errors.
+void FileHistory::AddFileItems(Menu& menu, File file, bool inItsBackup) {
+  const auto shared = std::make_shared<const File>(std::move(file));
   menu.Add(Say(Phrase::kMenuAllVersions),
-           [this, file] { m_context.Command(kVersions, [this, file] { ShowAllVersions(file); }); });
+           [this, shared] { m_context.Command(kVersions, [this, shared] { ShowAllVersions(*shared); }); });
   if (!inItsBackup) return;
   menu.Add(Say(Phrase::kMenuShowInBackup),
-           [this, file] { m_context.Command(kInBackup, [this, file] { ShowInBackup(file); }); });
+           [this, shared] { m_context.Command(kInBackup, [this, shared] { ShowInBackup(*shared); }); });
 }
 
 FileHistory::File FileHistory::FileOf(const AutoSelect::Entry& entry) {

@@ -33,7 +33,7 @@ class FileHistory {
   void ShowInBackup(const File& file);
 
  private:
-  void AddFileItems(controls::Menu& menu, const File& file, bool inItsBackup);
+  void AddFileItems(controls::Menu& menu, File file, bool inItsBackup);
   static File FileOf(const controls::AutoSelect::Entry& entry);
   File FileOf(controls::Node node) const;
   void ListVersions(const File& file);

@@ -16,10 +16,10 @@ constexpr const char* kSetsMenu = "tvwSets.Menu";
 
 NodeMenu::NodeMenu(FormContext& context, NodeInfo& info) : m_context(context), m_info(info) {
   m_context.ui.tvwDetails.FillMenu = [this](controls::Menu& menu) {
-    m_context.Skipping([&] { FillDetails(menu); });
+    m_context.Reporting(kDetailsMenu, [&] { FillDetails(menu); });
   };
   m_context.ui.tvwSets.FillMenu = [this](controls::Menu& menu) {
-    m_context.Skipping([&] { FillSets(menu); });
+    m_context.Reporting(kSetsMenu, [&] { FillSets(menu); });
   };
 }
 

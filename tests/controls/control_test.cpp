@@ -280,7 +280,7 @@ TEST_F(ControlTest, AMenuIsFilledWhenItIsAskedForAndDoesWhatIsChosen) {
     menu.Add("&Gone", [&chosen] { chosen.emplace_back("gone"); }).enabled = false;
     menu.AddLine();
   };
-  const HeadlessMenu menu(box, 7);
+  HeadlessMenu menu(box, 7);
   EXPECT_EQ(menu.Texts(), (Texts{"Open", "-", "*All", "Gone (off)"}));
   EXPECT_TRUE(menu.Choose("Open") && menu.Choose("All"));
   EXPECT_FALSE(menu.Choose("Gone"));

@@ -127,7 +127,7 @@ TEST_F(FileHistoryTest, MenusOfferWhatCanBeDone) {
   AutoSelect& list = ui().asSearch;
   EXPECT_EQ(HeadlessMenu(list).Texts(), (Strings{"Tick all shown", "Untick all shown"}));
   list.UserSelect(0, 0, true);
-  const HeadlessMenu menu(list, 1);
+  HeadlessMenu menu(list, 1);
   EXPECT_EQ(menu.Texts(), (Strings{"Tick selected", "Untick selected", "-", "Tick all shown",
                                    "Untick all shown", "-", kVersions, kInBackup}));
   EXPECT_TRUE(menu.Choose("Tick selected"));

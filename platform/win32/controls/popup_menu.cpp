@@ -16,7 +16,7 @@ using MenuHandle = std::unique_ptr<std::remove_pointer_t<HMENU>, MenuDeleter>;
 
 }  // namespace
 
-void ShowPopupMenu(HWND owner, const controls::Menu& menu, POINT place) {
+void ShowPopupMenu(HWND owner, controls::Menu& menu, POINT place) {
   if (menu.Empty()) return;
   const MenuHandle popup(CreatePopupMenu());
   UINT_PTR number = 0;  // of an item, from 1; 0 is the answer when nothing was chosen

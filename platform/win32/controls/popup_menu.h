@@ -8,6 +8,6 @@ namespace kxrestore::win32 {
 
 // `place`: on the screen, where the menu's corner goes. Returns once the menu has closed and what was chosen
 // has run; an empty menu returns at once.
-void ShowPopupMenu(HWND owner, const controls::Menu& menu, POINT place);
+void ShowPopupMenu(HWND owner, controls::Menu& menu, POINT place);
 
 }  // namespace kxrestore::win32
