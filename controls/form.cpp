@@ -86,6 +86,7 @@ void Form::UserClose() {
 }
 
 void Form::UserShown() {
+  m_hasBeenShown = true;
   if (m_open && Shown && AcceptsUser()) Shown();
 }
 

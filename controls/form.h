@@ -64,6 +64,7 @@ class Form : public Container {
   // The window has come up.
   std::function<void()> Shown;
   void UserShown();
+  bool HasBeenShown() const { return m_hasBeenShown; }
   // The outer size, as the window now has it; a minimized window keeps the size that it will be restored to.
   // Raises Resize when the size or the state changed, and is taken whether or not the form takes other input.
   void UserResize(int width, int height, controls::WindowState state);
@@ -95,6 +96,7 @@ class Form : public Container {
   controls::MousePointer m_mousePointer = controls::MousePointer::kDefault;
   TaskProgress m_taskProgress;
   bool m_open = true;
+  bool m_hasBeenShown = false;
   bool m_unloading = false;
 };
 

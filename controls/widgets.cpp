@@ -18,12 +18,17 @@ bool Replace(T& value, T replacement) {
 
 }  // namespace
 
-void Captioned::SetCaption(std::string caption) {
-  if (Replace(m_caption, std::move(caption))) Notify(Property::kCaption);
+// A walk shows its count at every item, so the text takes no new memory.
+void Captioned::SetCaption(std::string_view caption) {
+  if (m_caption == caption) return;
+  m_caption.assign(caption);
+  Notify(Property::kCaption);
 }
 
-void Frame::SetCaption(std::string caption) {
-  if (Replace(m_caption, std::move(caption))) Notify(Property::kCaption);
+void Frame::SetCaption(std::string_view caption) {
+  if (m_caption == caption) return;
+  m_caption.assign(caption);
+  Notify(Property::kCaption);
 }
 
 void Label::SetFontName(std::string name) {

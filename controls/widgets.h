@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "controls/control.h"
 
@@ -22,7 +23,7 @@ class Captioned : public Control {
   Captioned(Kind kind, std::string name, Container* container, std::string caption)
       : Control(kind, std::move(name), container), m_caption(std::move(caption)) {}
   const std::string& Caption() const { return m_caption; }
-  void SetCaption(std::string caption);
+  void SetCaption(std::string_view caption);
 
  private:
   std::string m_caption;
@@ -33,7 +34,7 @@ class Frame : public Container {
   Frame(std::string name, Container* container, std::string caption)
       : Container(Kind::kFrame, std::move(name), container), m_caption(std::move(caption)) {}
   const std::string& Caption() const { return m_caption; }
-  void SetCaption(std::string caption);
+  void SetCaption(std::string_view caption);
 
  private:
   std::string m_caption;

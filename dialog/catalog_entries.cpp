@@ -6,11 +6,12 @@ namespace kxrestore::dialog {
 
 namespace {
 
-// The number in a field; nothing where there is none.
-std::optional<std::int64_t> NumberOf(const engine::Field& field) {
-  if (field.IsNull()) return std::nullopt;
+// The number in a value; nothing where there is none.
+std::optional<std::int64_t> NumberOf(const engine::ValueView& value) {
+  if (const auto* number = std::get_if<std::int64_t>(&value)) return *number;
+  if (engine::IsNull(value)) return std::nullopt;
   try {
-    return field.Integer();
+    return engine::ToInteger(value);
   } catch (const Error&) {
     return std::nullopt;
   }
@@ -69,12 +70,13 @@ std::size_t CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticke
   controls::AutoSelect::Entry entry;
   entry.name = aggregate ? std::string_view(*aggregate) : TextOf(m_name, buffers[2]);
   if (entry.name.empty()) entry.name = filename;
-  const auto size = NumberOf(m_size);
+  const auto size = NumberOf(m_size.Value());
   entry.sizeKnown = size.has_value();
   entry.size = size.value_or(0);
   entry.extension = TextOf(m_extension, buffers[3]);
   // No set is set 0, as it is for the statements that mark.
-  entry.setId = m_setId.IsNull() ? 0 : NumberOf(m_setId).value_or(controls::AutoSelect::kNoSetId);
+  const engine::ValueView setId = m_setId.Value();
+  entry.setId = engine::IsNull(setId) ? 0 : NumberOf(setId).value_or(controls::AutoSelect::kNoSetId);
   entry.setName = TextOf(m_setName, buffers[4]);
   if (const auto time = CivilTimeOf(m_date.Value())) {
     entry.time = platform::TimeNumber(*time);

@@ -126,7 +126,7 @@ bool CdArchive::IsArchiveDisc(const std::string& drive) {
 
 void CdArchive::ShowMessage(std::string message) {
   controls::Label& label = m_context.ui.lblCD[2];
-  label.SetCaption(std::move(message));
+  label.SetCaption(message);
   label.SetVisible(true);
 }
 

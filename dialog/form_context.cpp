@@ -61,7 +61,9 @@ bool FormContext::Commit(const char* routine) {
 
 void FormContext::DoEvents() {
   platform.desktop.DoEvents();
-  workspace.Idle();
+  // What writes commits by itself when that is due; this is for walks that have stopped writing.
+  constexpr unsigned kItemsBetweenCommits = 16;
+  if (++m_itemsWalked % kItemsBetweenCommits == 0) workspace.Idle();
 }
 
 void FormContext::EnterEvent(const char* routine) {

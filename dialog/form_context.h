@@ -240,6 +240,7 @@ class FormContext {
   bool m_aside = false;
   bool* m_background = nullptr;  // while such work is going on: whether it is cut off
   bool m_idling = false;
+  unsigned m_itemsWalked = 0;
   std::function<void()> m_putOff;
 };
 

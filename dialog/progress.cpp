@@ -1,6 +1,7 @@
 #include "dialog/progress.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/phrases.h"
 #include "platform/desktop.h"
@@ -13,6 +14,7 @@ namespace {
 // Milliseconds.
 constexpr std::int64_t kShownAfter = 1000;
 constexpr std::int64_t kShownEvery = 100;
+constexpr std::int64_t kBusyShownAfter = 2000;  // where there is no window yet
 constexpr std::int64_t kEstimatedAfter = 1000;
 constexpr std::int64_t kQuickLook = 5;
 constexpr std::int64_t kSlowLook = 50;
@@ -78,6 +80,7 @@ void Progress::BeginAction() {
 void Progress::EndAction() {
   m_inAction = false;
   if (m_lastWord.empty()) return Hide();
+  HideBusy();
   m_shown = true;
   m_ui.barProgress.SetVisible(false);
   m_ui.lblProgress.SetCaption(m_lastWord);
@@ -91,6 +94,11 @@ void Progress::Hide() {
   m_shown = false;
   m_ui.picProgress.SetVisible(false);
   m_ui.form.SetTaskProgress({});
+  HideBusy();
+}
+
+void Progress::HideBusy() {
+  if (std::exchange(m_busyShown, false)) m_platform.desktop.HideBusy();
 }
 
 // Items that go fast are looked at in larger strides, so that the clock costs next to nothing.
@@ -128,7 +136,11 @@ void Progress::Show(std::int64_t now) {
     text += "\r\n" + regional.Grouped(m_walk.done);
   }
   text += "\r\n" + Times(now) + "\r\n" + Say(Phrase::kEscStops);
-  m_ui.lblProgress.SetCaption(std::move(text));
+  if (!m_ui.form.HasBeenShown() && now - m_actionStarted >= kBusyShownAfter) {
+    m_busyShown = true;
+    m_platform.desktop.ShowBusy(m_ui.form, text);
+  }
+  m_ui.lblProgress.SetCaption(text);
 
   controls::ProgressBar& bar = m_ui.barProgress;
   bar.SetIndeterminate(!known);

@@ -2,7 +2,8 @@
 // action busy for longer than a second shows up in one place and one way: what is done, how much of how much,
 // for how long and how much longer, and that Esc stops it; the task bar's button shows the same bar. The
 // place is that of the help text. It is free again when the action has ended, or, where something was to be
-// said at the end, with the next action.
+// said at the end, with the next action. While the form has no window yet, the desktop shows the same in a
+// small one, after two seconds.
 #pragma once
 
 #include <cstdint>
@@ -75,6 +76,7 @@ class Progress {
   void Look();
   void Show(std::int64_t now);
   void Hide();
+  void HideBusy();
   std::string Times(std::int64_t now) const;
 
   FormControls& m_ui;
@@ -85,6 +87,7 @@ class Progress {
   std::int64_t m_stride = 1, m_untilLook = 1;  // items between two looks at the clock
   bool m_inAction = false;
   bool m_shown = false;
+  bool m_busyShown = false;
   std::string m_lastWord;
 };
 

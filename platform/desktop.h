@@ -44,6 +44,11 @@ class Desktop {
   // where there is no screen to ask.
   virtual WindowSize SizeToStartWith(const WindowSize& designed) const { return designed; }
 
+  // Tells what a form that has no window yet is busy with, and lets the user stop it: that is the form's Esc.
+  // Called again as the text changes.
+  virtual void ShowBusy(controls::Form& form, const std::string& text) = 0;
+  virtual void HideBusy() = 0;
+
   // A clock that only goes forward.
   virtual std::int64_t Milliseconds() const = 0;
 

@@ -1,7 +1,9 @@
 #include "engine/odbc/driver_thread.h"
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
+#include <limits>
 #include <mutex>
 #include <optional>
 #include <system_error>
@@ -31,6 +33,33 @@ void KeepModuleLoaded() noexcept {
 #endif
 }
 
+// To fall asleep and be woken up takes both threads longer than a short call to a server near by, so each looks
+// for the other a little while first. Where that is in vain, because the server or the machine is slow, the
+// next calls do without, more and more of them.
+class Lookout {
+ public:
+  void LookFor(const std::atomic<bool>& flag) {
+    if (m_without > 0) {
+      --m_without;
+      return;
+    }
+    const auto until = Clock::now() + kAwake;
+    while (!flag.load(std::memory_order_acquire)) {
+      if (Clock::now() < until) continue;
+      m_pause = std::min(2 * m_pause, kLongestPause);
+      m_without = m_pause;
+      return;
+    }
+    m_pause = kShortestPause;
+  }
+
+ private:
+  static constexpr std::chrono::microseconds kAwake{100};
+  static constexpr int kShortestPause = 8, kLongestPause = 1024;  // calls
+  int m_pause = kShortestPause;
+  int m_without = std::thread::hardware_concurrency() < 2 ? std::numeric_limits<int>::max() : 0;
+};
+
 }  // namespace
 
 struct DriverThread::State {
@@ -43,6 +72,8 @@ struct DriverThread::State {
   bool finishing = false;  // no further calls
   bool ended = false;
   bool canceling = false;  // the call is being canceled
+  std::atomic<bool> requested = false, answered = false;  // the latest call, for the lookouts
+  Lookout forRequest, forAnswer;
 
   bool IsSettled() const { return !busy && !canceling; }
 };
@@ -81,6 +112,9 @@ DriverThread::~DriverThread() {
 void DriverThread::Serve(State& state) {
   std::unique_lock lock(state.mutex);
   for (;;) {
+    lock.unlock();
+    state.forRequest.LookFor(state.requested);
+    lock.lock();
     state.work.wait(lock, [&] { return state.busy || state.untidy || state.finishing; });
     const bool asked = state.busy;
     if (!asked && !state.untidy) break;
@@ -104,6 +138,8 @@ void DriverThread::Serve(State& state) {
       state.failure = std::move(failure);
     }
     state.busy = false;
+    state.requested = false;
+    state.answered = true;
     state.done.notify_all();
   }
   state.work.wait(lock, [&] { return !state.canceling; });
@@ -150,7 +186,12 @@ DriverThread::Ending DriverThread::Run(Work call, const Limits& limits) {
   std::unique_lock lock(state.mutex);
   state.call = std::move(call);
   state.busy = true;
+  state.answered = false;
+  state.requested = true;
   state.work.notify_one();
+  lock.unlock();
+  state.forAnswer.LookFor(state.answered);
+  lock.lock();
   const auto timeOut = Clock::now() + limits.wait;
   while (!state.done.wait_for(lock, kTurnInterval, [&] { return state.IsSettled(); })) {
     lock.unlock();

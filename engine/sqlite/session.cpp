@@ -61,6 +61,7 @@ void Session::RunWrite(Statement& statement, Write kind, std::string_view piece)
   if (InGroup() && !kind.bounded && m_groupHolds && !CommitGroup()) {
     std::rethrow_exception(m_groupLost);
   }
+  if (!kind.schema) m_connection.PrepareForWriting();
   const bool inTransaction = InTransaction();
   for (bool retried = false;; retried = true) {
     Outcome outcome = m_grouping && !InTransaction() ? Begin() : Outcome(SQLITE_OK);
@@ -105,7 +106,7 @@ SchemaEntry Session::FindEntry(std::string_view name) {
 void Session::ChangeSchema(const std::string& sql) {
   ForgetPlans();
   Statement statement = m_connection.Prepare(sql, Doing::kWriting);
-  RunWrite(statement, {true, true}, sql);
+  RunWrite(statement, {.bounded = true, .schema = true}, sql);
   ForgetPlans();
 }
 
@@ -198,7 +199,6 @@ void Session::BeginGroup() {
 }
 
 Outcome Session::Begin() {
-  m_connection.PrepareForWriting();
   const Outcome outcome = m_begin.Step(Stop::kWaits);
   m_begin.Reset();
   if (!outcome.IsDone()) return outcome;

@@ -47,6 +47,7 @@ class Session {
   struct Write {
     bool disturbs = true;  // dynasets must be protected as well
     bool bounded = false;  // see Connection::IsBounded
+    bool schema = false;   // a saved query, not rows
   };
   void RunWrite(Statement& statement, Write kind, std::string_view piece);
 

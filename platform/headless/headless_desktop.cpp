@@ -29,6 +29,11 @@ std::optional<CivilTime> HeadlessDesktop::AskDay(const std::string& question, co
   return day;
 }
 
+void HeadlessDesktop::ShowBusy(controls::Form& form, const std::string& text) {
+  busy = text;
+  if (onBusy) onBusy(form);
+}
+
 void HeadlessDesktop::DoEventsWhileWaiting() {
   if (m_inDoEvents) return;
   --walkItems;

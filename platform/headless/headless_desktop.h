@@ -46,6 +46,11 @@ class HeadlessDesktop : public Desktop {
   std::deque<CivilTime> days;
   std::string dayAsked;  // the question with the days to choose among
 
+  void ShowBusy(controls::Form& form, const std::string& text) override;
+  void HideBusy() override { busy.clear(); }
+  std::string busy;                             // what is shown; empty for nothing
+  std::function<void(controls::Form&)> onBusy;  // after it is shown
+
   // Runs `user` and then closes a form that is still open the way its close box does. A form that even then
   // stays open throws std::logic_error, so that nothing waits for ever.
   void ShowModal(controls::Form& form) override;

@@ -122,6 +122,27 @@ TEST_F(ProgressTest, AStopSaysWhatWasDoneUntilTheNextAction) {
   EXPECT_EQ(ui().lblProgress.Caption(), "Stopped: 300 unmarked.");
 }
 
+// The runs never end; there is no window yet that could tell.
+TEST_F(ProgressTest, ALoadThatTakesLongOffersAStopBeforeThereIsAWindow) {
+  catalog->Execute(
+      "ALTER TABLE SetNames RENAME TO Sets; CREATE VIEW SetNames AS WITH RECURSIVE n(i) AS "
+      "(SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT 1 AS ID, 'set ' || i AS Name FROM n");
+  form.ShowModal();
+  desktop.onDoEvents = [this] { desktop.milliseconds += 100; };
+  Strings busy;
+  desktop.onBusy = [&](controls::Form& loading) {
+    if (busy.empty()) EXPECT_LT(std::abs(desktop.milliseconds - 2000), 300);
+    busy.push_back(desktop.busy);
+    if (busy.size() == 3) loading.UserKey(controls::Key::kEscape);
+  };
+  std::string shown = "never";
+  desktop.user = [&](controls::Form&) { shown = desktop.busy; };
+  form.ShowModal();
+  ASSERT_EQ(busy.size(), 3U);
+  EXPECT_TRUE(busy.front().ends_with("0:02\r\nEsc stops")) << busy.front();
+  EXPECT_EQ(shown, "") << "once the window is there";
+}
+
 TEST_F(ProgressTest, TimeThatTheUserTakesForAnAnswerIsNotCounted) {
   Tick("0.doc");
   Apply();

@@ -67,6 +67,24 @@ TEST_F(WalksTest, RestoreNowPressedDuringAnApplyTakesEffectWhenThatHasEnded) {
   EXPECT_EQ(1, m_sink->events);
 }
 
+// The names never end, so the window cannot come up before the user has stopped the load.
+TEST_F(WalksTest, ALoadWithoutEndCanBeStoppedBeforeThereIsAWindow) {
+  m_catalog.Query(
+      "ALTER TABLE SetNames RENAME TO Sets; CREATE VIEW SetNames AS WITH RECURSIVE n(i) AS "
+      "(SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT 1 AS ID, 'set ' || i AS Name FROM n");
+  EXPECT_EQ(0, RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
+              HWND busy = nullptr;
+              driver::WaitFor(kWait, "the offer to stop",
+                              [&] { return (busy = driver::VisibleWindow(L"#32770")) != nullptr; });
+              EXPECT_EQ(nullptr, driver::VisibleWindow(kFormClass));
+              EXPECT_EQ(driver::TextOf(GetDlgItem(busy, IDCANCEL)), "Stop");
+              PostMessageW(busy, WM_COMMAND, IDCANCEL, 0);
+              dialog.WaitForForm();
+              EXPECT_FALSE(IsWindow(busy));
+              dialog.Close();
+            }));
+}
+
 // A reader keeps the commit from its file: it is reported, the list shows the mark that is still there,
 // without its tick, and nothing is restored that nobody asked for.
 TEST_F(WalksTest, AnUpdateWhoseCommitFailsSaysSoAndListsWhatIsMarked) {

@@ -25,6 +25,7 @@ const std::vector<MaskCase>& MaskCases() {
                                               {"ab*ba", {"abba"}, {"aba"}},
                                               {"*a*b*", {"xaxb"}, {"xbxa"}},
                                               {"**a**", {"xax"}, {"x"}},
+                                              {"*axb*", {"xaXb", "äxaxb", "x axxaxbx"}, {"ax", "xb", "äxb", "axä"}},
                                               {"?", {"ä", "漢"}, {"", "äö"}},
                                               {"[a-c]x", {"Bx"}, {"dx"}},
                                               {"[A-C]x", {"Bx", "bx"}, {"dx", "_x"}},

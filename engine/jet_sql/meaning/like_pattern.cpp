@@ -25,25 +25,62 @@ LikePattern::LikePattern(std::string_view mask) : m_elements(ParseMask(FoldCase(
   ChooseNeeded();
 }
 
-// Rejects most texts early: one that matches must contain the rarest letter of the mask, and memchr finds one
+// Most texts are rejected early: one that matches contains the rarest letter of the mask, and memchr finds one
 // byte faster than any other test. K and S are excluded because characters beyond ASCII fold to them.
 void LikePattern::ChooseNeeded() {
   constexpr std::string_view kByRarity = "zqjxvywbhgpfum0123456789cldronitae";
   std::size_t rarest = kByRarity.size();
-  for (const std::string& piece : m_pieces) {
-    for (const char character : piece) rarest = std::min(rarest, kByRarity.find(character));
+  for (std::size_t piece = 0; piece < m_pieces.size(); ++piece) {
+    for (std::size_t at = 0; at < m_pieces[piece].size(); ++at) {
+      const std::size_t rank = kByRarity.find(m_pieces[piece][at]);
+      if (rank >= rarest) continue;
+      rarest = rank;
+      m_needed = kByRarity[rank];
+      m_neededPiece = piece;
+      m_neededAt = at;
+    }
   }
-  if (rarest < kByRarity.size()) m_needed = kByRarity[rarest];
 }
 
-bool LikePattern::HoldsNeeded(std::string_view text) const {
+bool LikePattern::MayMatch(std::string_view text) const {
   if (text.empty()) return false;
-  if (std::memchr(text.data(), m_needed, text.size()) != nullptr) return true;
-  return m_needed >= 'a' && std::memchr(text.data(), m_needed - 'a' + 'A', text.size()) != nullptr;
+  for (const char letter : {m_needed, m_needed >= 'a' ? static_cast<char>(m_needed - 'a' + 'A') : '\0'}) {
+    if (letter == '\0') break;
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    for (const char* from = begin; from < end; ++from) {
+      from = static_cast<const char*>(std::memchr(from, letter, static_cast<std::size_t>(end - from)));
+      if (from == nullptr) break;
+      if (MayStandAt(text, static_cast<std::size_t>(from - begin))) return true;
+    }
+  }
+  return false;
+}
+
+// Whether the piece of the needed letter can stand where a text has that letter, as far as the text around it
+// is ASCII.
+bool LikePattern::MayStandAt(std::string_view text, std::size_t needed) const {
+  const std::string& piece = m_pieces[m_neededPiece];
+  const auto isAscii = [](char character) { return static_cast<unsigned char>(character) < 0x80; };
+  const auto isSame = [](char character, char folded) {
+    return character == folded ||
+           (character >= 'A' && character <= 'Z' && character - 'A' + 'a' == folded);
+  };
+  for (std::size_t i = 1; i <= m_neededAt; ++i) {
+    if (i > needed) return false;
+    if (!isAscii(text[needed - i])) break;
+    if (!isSame(text[needed - i], piece[m_neededAt - i])) return false;
+  }
+  for (std::size_t i = 1; m_neededAt + i < piece.size(); ++i) {
+    if (needed + i >= text.size()) return false;
+    if (!isAscii(text[needed + i])) break;
+    if (!isSame(text[needed + i], piece[m_neededAt + i])) return false;
+  }
+  return true;
 }
 
 bool LikePattern::Matches(std::string_view text) const {
-  if (m_needed != '\0' && !HoldsNeeded(text)) return false;
+  if (m_needed != '\0' && !MayMatch(text)) return false;
   m_folded.clear();
   AppendFolded(m_folded, text);
   return m_simple ? MatchesPieces(m_folded) : MatchesGeneral(m_folded);

@@ -17,7 +17,8 @@ class LikePattern {
 
  private:
   void ChooseNeeded();
-  bool HoldsNeeded(std::string_view text) const;
+  bool MayMatch(std::string_view text) const;
+  bool MayStandAt(std::string_view text, std::size_t needed) const;
   bool MatchesPieces(std::string_view folded) const;
   bool MatchesGeneral(std::string_view folded) const;
   static bool MatchesOne(const MaskElement& element, char32_t character);
@@ -25,7 +26,9 @@ class LikePattern {
   std::vector<MaskElement> m_elements;
   bool m_simple;                      // nothing but * and plain characters
   std::vector<std::string> m_pieces;  // the text between the *
-  char m_needed = '\0';               // a letter (in either case) or digit that every match contains
+  // A letter (in either case) or digit that every match contains, and where: in which piece, at which place.
+  char m_needed = '\0';
+  std::size_t m_neededPiece = 0, m_neededAt = 0;
   mutable std::string m_folded;       // a buffer that is reused from row to row
 };
 

@@ -8,6 +8,7 @@
 #include "base/phrases.h"
 #include "platform/win32/controls/clipboard.h"
 #include "platform/win32/controls/window_classes.h"
+#include "platform/win32/form/busy_window.h"
 #include "platform/win32/form/day_dialog.h"
 #include "platform/win32/form/form_window.h"
 #include "platform/win32/form/make_windows.h"
@@ -115,6 +116,26 @@ struct Win32Desktop::Modal {
   std::optional<int> quitCode;
 };
 
+// The window of a form that has none yet. The other windows are enabled again before it goes, so that the
+// system hands the activation back to one of them.
+struct Win32Desktop::Busy {
+  Busy(HINSTANCE module, controls::Form& form)
+      : window(module, others.Host(), form.Caption().empty() ? kTitle : form.Caption(),
+               [&form] { form.UserKey(controls::Key::kEscape); }) {
+    if (window.Window() != nullptr) others.Disable();
+  }
+  ~Busy() { others.Enable(); }
+  Busy(const Busy&) = delete;
+  Busy& operator=(const Busy&) = delete;
+
+  OtherWindows others;
+  BusyWindow window;
+};
+
+Win32Desktop::Win32Desktop(HINSTANCE module) : m_module(module) {}
+
+Win32Desktop::~Win32Desktop() = default;
+
 namespace {
 
 UINT NativeStyle(platform::MessageStyle style) {
@@ -147,6 +168,15 @@ platform::Answer Win32Desktop::MessageBox(const std::string& text, platform::Mes
                                  WideShown(title.empty() ? kTitle : title).c_str(), flags);
   m_lastPending = GetTickCount();
   return AnswerOf(button);
+}
+
+void Win32Desktop::ShowBusy(controls::Form& form, const std::string& text) {
+  if (!m_busy) m_busy = std::make_unique<Busy>(m_module, form);
+  m_busy->window.Show(text);
+}
+
+void Win32Desktop::HideBusy() {
+  m_busy.reset();
 }
 
 void Win32Desktop::CopyText(const std::string& text) {
@@ -217,6 +247,7 @@ void Win32Desktop::RunPending() {
 
 void Win32Desktop::Process(MSG& message) {
   if (m_modal != nullptr && m_modal->window->Keys().Handle(message)) return;
+  if (m_busy && m_busy->window.Handle(message)) return;
   TranslateMessage(&message);
   DispatchMessageW(&message);
 }
