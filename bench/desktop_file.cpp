@@ -83,12 +83,16 @@ DesktopFile::DesktopFile(const std::string& sample, const std::string& path) : m
   m_pages = m_sample.Pages().PageCount();
 }
 
+const TableDefinition& DesktopFile::Definition(const std::string& table) const {
+  const Table* found = m_sample.FindTable(table);
+  if (found == nullptr) throw std::runtime_error("the sample has no table " + table);
+  return found->Definition();
+}
+
 DesktopFile::Output& DesktopFile::OutputOf(const std::string& table) {
   Output& output = m_outputs[table];
   if (output.definition == nullptr) {
-    const Table* found = m_sample.FindTable(table);
-    if (found == nullptr) throw std::runtime_error("the sample has no table " + table);
-    output.definition = &found->Definition();
+    output.definition = &Definition(table);
     output.room = kPageSize - kHeader;
   }
   return output;

@@ -35,7 +35,10 @@ class DesktopFile : public sample::TableWriter {
   void SetStyle(const Style& style) { m_style = style; }
   // A row with a value for each column, in the order of the table's definition.
   void Add(const std::string& table, const std::vector<engine::Value>& row);
-  // Writes what is left. Tables that no row was added to keep what the sample has.
+  // The table loses the rows that the sample has in it. Adding a row does the same.
+  void Empty(const std::string& table) { OutputOf(table); }
+  const engine::jet_file::TableDefinition& Definition(const std::string& table) const;
+  // Writes what is left. Other tables keep what the sample has.
   void Finish();
 
  private:

@@ -108,13 +108,13 @@ TEST_P(CatalogConformance, SavedQueriesNameEachOtherAndStay) {
     EXPECT_EQ(found, listed);
     m_database->Close();
     m_workspace->EndAction();
-    EXPECT_EQ(m_test->Ask("SELECT count(*) FROM FullCatalogLatestBySet"), std::to_string(listed.size()))
-        << "afterwards, and to other programs";
+    EXPECT_EQ(AskQuery("SELECT count(*) FROM FullCatalogLatestBySet"), std::to_string(listed.size()))
+        << "afterwards, and to others";
   }
 }
 
 TEST_P(CatalogConformance, WithoutFullCatalogNothingIsListed) {
-  m_test->Run("DROP VIEW FullCatalog");
+  m_database->DeleteQueryDef("FullCatalog");
   for (const auto& [setId, latest] : {std::pair(1, true), std::pair(0, true), std::pair(1, false)}) {
     EXPECT_THROW(List(setId, latest, "a"), Error) << setId << latest;
   }

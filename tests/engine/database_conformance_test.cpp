@@ -56,7 +56,7 @@ TEST_P(TransactionConformance, IsUndoneAsAWhole) {
         m_database->OpenRecordset("SELECT Restore FROM Catalog WHERE ID < 3", RecordsetType::kSnapshot);
     snapshot->MoveNext();
     Mark(3);
-    ExpectError(error_number::kDuplicateKey, "",
+    ExpectError(WritingError(error_number::kDuplicateKey), "",
                 [&] { m_database->Execute("INSERT INTO SetNames (ID) VALUES (1)", kFailOnError); });
     end();
     EXPECT_TRUE(snapshot->Fields("Restore").Boolean()) << "a snapshot stays what it was";
@@ -85,6 +85,7 @@ TEST_P(TransactionConformance, Misuse) {
 KX_CONFORMANCE(TransactionConformance);
 
 using SavedQueryConformance = testing::ConformanceTest;
+class StoredQueryConformance : public testing::ConformanceTest {};  // of queries that are in the database
 
 TEST_P(SavedQueryConformance, LivesAndDies) {
   ExpectError(error_number::kItemNotFound, "Mine", [&] { m_database->QueryText("Mine"); });
@@ -98,7 +99,7 @@ TEST_P(SavedQueryConformance, LivesAndDies) {
               [&] { m_database->CreateQueryDef("Catalog", "SELECT 1"); });
   EXPECT_EQ(Rows(*m_database, "SELECT P FROM Mine ORDER BY ID"), (Strings{"none", "Exchange Server"}));
   EXPECT_EQ(m_database->QueryText("MINE").back(), ';');
-  EXPECT_EQ(m_test->Ask("SELECT P FROM Mine ORDER BY ID"), "none") << "other programs can read it";
+  EXPECT_EQ(AskQuery("SELECT P FROM Mine ORDER BY ID"), "none") << "others can read it";
   // The returned text creates the same query again.
   const std::string text = m_database->QueryText("Mine");
   m_database->DeleteQueryDef("mINE");
@@ -121,7 +122,7 @@ TEST_P(SavedQueryConformance, RefusesTexts) {
   ExpectError(error_number::kTableNotFound, "NotThereYet", [&] { Rows(*m_database, "later"); });
 }
 
-TEST_P(SavedQueryConformance, ReadsTextsOfOtherPrograms) {
+TEST_P(StoredQueryConformance, ReadsTextsOfOtherPrograms) {
   m_test->Run(
       "CREATE VIEW \"Odd One\" AS -- the files\n  SELECT \"Catalog\".\"ID\" AS \"Order\", /* x */ Name FROM "
       "\"Catalog\" LEFT OUTER JOIN SetNames ON SetNames.ID = Catalog.SetNameID WHERE Filename LIKE "
@@ -160,6 +161,7 @@ TEST_P(SavedQueryConformance, ChangesOfOthersAreSeen) {
 }
 
 KX_CONFORMANCE(SavedQueryConformance);
+KX_CONFORMANCE_OF(StoredQueryConformance, testing::WritableDatabaseKinds());
 
 }  // namespace
 }  // namespace kxrestore::engine

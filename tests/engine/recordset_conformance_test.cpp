@@ -10,6 +10,7 @@ namespace {
 using testing::ExpectError;
 using testing::Rows;
 using RecordsetConformance = testing::ConformanceTest;
+class WritingConformance : public testing::ConformanceTest {};
 using Strings = std::vector<std::string>;
 
 TEST_P(RecordsetConformance, WalksRowsAndFields) {
@@ -103,15 +104,17 @@ TEST_P(RecordsetConformance, ColumnsThatNobodyReads) {
 TEST_P(RecordsetConformance, ValuesHaveTheirTypes) {
   const char* const rows =
       "SELECT Restore, OrigSize, Plugin, Filename FROM Catalog WHERE ID >= 4 ORDER BY ID";
-  EXPECT_EQ(Rows(*m_database, rows), (Strings{"True|13|NULL|C:\\it's.txt", "True|NULL||D:\\Ärger.txt",
-                                              "False|15||D:\\gone.txt", "NULL|16|Exchange Server|mail"}))
+  const bool hasNull = !GetParam().onlyMarks;
+  EXPECT_EQ(Rows(*m_database, rows),
+            (Strings{"True|13|NULL|C:\\it's.txt", "True|NULL||D:\\Ärger.txt", "False|15||D:\\gone.txt",
+                     std::string(hasNull ? "NULL" : "False") + "|16|Exchange Server|mail"}))
       << "any number other than 0 is true";
   const auto recordset = m_database->OpenRecordset(rows, RecordsetType::kSnapshot);
   EXPECT_EQ(recordset->FieldValue(0), ValueView(true));
   EXPECT_EQ(recordset->FieldValue(1), ValueView(std::int64_t{13}));
   EXPECT_EQ(recordset->Fields("Plugin").TextView(), "");
   for (int i = 0; i < 3; ++i) recordset->MoveNext();
-  EXPECT_TRUE(recordset->Fields("Restore").IsNull());
+  EXPECT_EQ(recordset->Fields("Restore").IsNull(), hasNull);
   EXPECT_FALSE(recordset->Fields("Restore").Boolean());
 }
 
@@ -123,7 +126,7 @@ TEST_P(RecordsetConformance, ConditionsAndBooleans) {
       Rows(*m_database,
            "SELECT IIf(Restore,'to restore','not') FROM Catalog WHERE (Restore = IsNull(Plugin)) And ID > 3 "
            "ORDER BY ID"),
-      (Strings{"to restore", "not"}));
+      GetParam().onlyMarks ? (Strings{"to restore", "not", "not"}) : (Strings{"to restore", "not"}));
 }
 
 TEST_P(RecordsetConformance, FunctionsAtTheirEdges) {
@@ -179,7 +182,7 @@ TEST_P(RecordsetConformance, StatementsThatAreRefused) {
       {error_number::kSelectNotExecutable, "SELECT", "SELECT ID FROM Catalog"},
       {error_number::kSyntax, "DROP", "DROP TABLE Catalog"},
       {error_number::kTableNotFound, "Missing", "UPDATE Missing SET a = 1"},
-      {error_number::kDuplicateKey, "", "INSERT INTO SetNames (ID, Name) VALUES (1, 'again')"}};
+      {WritingError(error_number::kDuplicateKey), "", "INSERT INTO SetNames (ID, Name) VALUES (1, 'again')"}};
   for (const auto& [number, piece, sql] : executed) {
     ExpectError(number, piece, [&, text = sql] { m_database->Execute(text, kFailOnError); });
   }
@@ -194,10 +197,15 @@ TEST_P(RecordsetConformance, ExecuteTellsHowManyRows) {
       {mark + "3));", 1},
       {mark + "-3));", 0},
       {clear, 3},  // 1 and 7 both count as true, and so does the row just set
-      {clear, 0},
-      {"INSERT INTO SetNames (ID, Name) VALUES (9, 'it''s \"new\"')", 1},
-      {"DELETE FROM SetNames WHERE Name = 'it''s \"new\"'", 1}};
+      {clear, 0}};
   for (const auto& [sql, count] : cases) EXPECT_EQ(m_database->Execute(sql), count) << sql;
+}
+
+TEST_P(WritingConformance, RowsComeAndGo) {
+  for (const char* sql : {"INSERT INTO SetNames (ID, Name) VALUES (9, 'it''s \"new\"')",
+                          "DELETE FROM SetNames WHERE Name = 'it''s \"new\"'"}) {
+    EXPECT_EQ(m_database->Execute(sql), 1) << sql;
+  }
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM SetNames"), "3");
 }
 
@@ -206,7 +214,12 @@ TEST_P(RecordsetConformance, WhatThePanelsAskFor) {
     if (rows.empty()) continue;
     Strings found = Rows(*m_database, text);
     if (text.find("ORDER BY") == std::string::npos) std::sort(found.begin(), found.end());
-    EXPECT_EQ(found, rows) << text;
+    Strings wanted = rows;
+    for (std::string& row : wanted) {
+      const std::size_t flag = GetParam().onlyMarks ? row.find("|NULL|6") : std::string::npos;
+      if (flag != std::string::npos) row.replace(flag, 7, "|False|6");
+    }
+    EXPECT_EQ(found, wanted) << text;
   }
 }
 
@@ -265,7 +278,9 @@ TEST_P(RecordsetConformance, SnapshotStaysWhatItWas) {
       visited += id + (snapshot->Fields("Restore").Boolean() ? "! " : " ");
       database->Execute("UPDATE Catalog SET Restore = True WHERE ID >= " + id);
       EXPECT_EQ(snapshot->Fields("ID").Text(), id);
-      database->Execute("INSERT INTO Catalog (ID, Filename) VALUES (10" + id + ", 'n')");
+      if (!GetParam().onlyMarks) {
+        database->Execute("INSERT INTO Catalog (ID, Filename) VALUES (10" + id + ", 'n')");
+      }
       m_workspace->Flush();
     }
     EXPECT_EQ(visited, "1 2 3 4 5 6 7 ");
@@ -287,11 +302,12 @@ TEST_P(RecordsetConformance, DynasetWritesRows) {
   ExpectError(error_number::kUpdateWithoutEdit, "", [&] { dynaset->Fields("Restore").Set(false); });
   dynaset->Edit();
   dynaset->Fields("Restore").Set(false);
-  dynaset->Fields("Filename").Set(std::string("C:\\new's.txt"));
+  const std::string name = GetParam().onlyMarks ? "C:\\it's.txt" : "C:\\new's.txt";
+  if (!GetParam().onlyMarks) dynaset->Fields("Filename").Set(name);
   dynaset->Update();
   EXPECT_FALSE(dynaset->Fields("Restore").Boolean()) << "the row shows what was written";
   EXPECT_EQ(m_test->Ask("SELECT Restore FROM Catalog WHERE ID = 4"), "0");
-  EXPECT_EQ(m_test->Ask("SELECT Filename FROM Catalog WHERE ID = 4"), "C:\\new's.txt");
+  EXPECT_EQ(m_test->Ask("SELECT Filename FROM Catalog WHERE ID = 4"), name);
   dynaset->Edit();
   ExpectError(error_number::kReadOnly, "", [&] {
     dynaset->Fields("LongPath").Set(std::string("x"));
@@ -303,7 +319,7 @@ TEST_P(RecordsetConformance, DynasetWritesRows) {
 }
 
 // Moving every row forward in the order that the statement walks in must not meet one twice.
-TEST_P(RecordsetConformance, DynasetVisitsEachRowOnce) {
+TEST_P(WritingConformance, DynasetVisitsEachRowOnce) {
   m_test->Run("CREATE INDEX CatalogBySize ON Catalog (OrigSize)");
   int visits = 0;
   const auto dynaset = m_database->OpenRecordset("SELECT ID, OrigSize FROM Catalog WHERE OrigSize > 0",
@@ -370,18 +386,19 @@ TEST_P(RecordsetConformance, ReadOnlyDatabase) {
 // The desktop engine works on the calling thread and does not invoke the callback.
 TEST_P(RecordsetConformance, GivesTurnsWhileAStatementWorksAndCanBeStopped) {
   if (GetParam().name == "Dao") return;
-  const char* const kLong =
-      "SELECT Count(*) AS n FROM Catalog AS a, Catalog AS b, Catalog AS c, Catalog AS d, Catalog AS e, "
-      "Catalog AS f, Catalog AS g, Catalog AS h WHERE a.ID + b.ID + c.ID + d.ID + e.ID + f.ID + g.ID + h.ID "
-      "> 0";
+  const bool fewer = GetParam().onlyMarks;  // such files are read some times more slowly
+  const std::string all =
+      std::string("SELECT Count(*) AS n FROM Catalog AS a, Catalog AS b, Catalog AS c, Catalog AS d, ") +
+      "Catalog AS e, Catalog AS f, Catalog AS g" + (fewer ? "" : ", Catalog AS h") +
+      " WHERE a.ID + b.ID + c.ID + d.ID + e.ID + f.ID + g.ID > 0";
   int turns = 0;
   m_workspace->SetWaiting([&] { return ++turns < 3; });
-  ExpectError(error_number::kCanceled, "canceled", [&] { Rows(*m_database, kLong); });
+  ExpectError(error_number::kCanceled, "canceled", [&] { Rows(*m_database, all); });
   EXPECT_GE(turns, 3);
   turns = -1'000'000;
   m_database = m_workspace->OpenDatabase(
       m_test->Request());  // the connection of a server that is slow to stop is abandoned
-  EXPECT_EQ(Rows(*m_database, kLong), Strings{"5764801"});
+  EXPECT_EQ(Rows(*m_database, all), Strings{fewer ? "823543" : "5764801"});
   EXPECT_GT(turns, -1'000'000);
   // What is left of a listing is read before a row is written.
   m_workspace->BeginAction();
@@ -397,13 +414,14 @@ TEST_P(RecordsetConformance, GivesTurnsWhileAStatementWorksAndCanBeStopped) {
   }
   m_workspace->EndAction();
   m_workspace->SetWaiting([]() -> bool { throw std::runtime_error("a turn failed"); });
-  EXPECT_THROW(Rows(*m_database, kLong), std::runtime_error);
+  EXPECT_THROW(Rows(*m_database, all), std::runtime_error);
   m_workspace->SetWaiting({});
   m_database = m_workspace->OpenDatabase(m_test->Request());
   EXPECT_EQ(Rows(*m_database, "SELECT ID FROM Catalog WHERE ID = 1"), Strings{"1"});
 }
 
 KX_CONFORMANCE(RecordsetConformance);
+KX_CONFORMANCE_OF(WritingConformance, testing::WritableDatabaseKinds());
 
 }  // namespace
 }  // namespace kxrestore::engine

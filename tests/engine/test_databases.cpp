@@ -10,6 +10,8 @@
 #ifdef _WIN32
 #include "tests/engine/dao_test_database.h"
 #endif
+#include "tests/engine/desktop_samples.h"
+#include "tests/engine/jet_test_database.h"
 #include "tests/engine/odbc_test_database.h"
 
 namespace kxrestore::engine::testing {
@@ -93,6 +95,13 @@ std::unique_ptr<Workspace> MakeImpatientWorkspace() {
 const std::vector<TestDatabaseKind>& TestDatabaseKinds() {
   static const std::vector<TestDatabaseKind> kinds = [] {
     std::vector<TestDatabaseKind> found = {{"Sqlite", [] { return MakeSqliteFile(); }}};
+    using Style = bench::DesktopFile::Style;
+    const auto add = [&](const char* name, const char* sample, const Style& style) {
+      found.push_back({name, [=] { return std::make_unique<JetTestDatabase>(sample, style); }, true});
+    };
+    add("File2003", "telling-2003.mdb", {});
+    add("File2019", "telling-2019.accdb",
+        {bench::DesktopFile::Texts::kMixed, bench::DesktopFile::Memos::kChain, 2});
 #ifdef _WIN32
     if (!dao_server::DaoServer::RealOneIsInstalled()) {
       found.push_back({"Dao", [] { return std::make_unique<DaoTestDatabase>(); }});
@@ -105,6 +114,16 @@ const std::vector<TestDatabaseKind>& TestDatabaseKinds() {
     return found;
   }();
   return kinds;
+}
+
+std::vector<TestDatabaseKind> WritableDatabaseKinds() {
+  auto kinds = TestDatabaseKinds();
+  std::erase_if(kinds, [](const TestDatabaseKind& kind) { return kind.onlyMarks; });
+  return kinds;
+}
+
+std::unique_ptr<Workspace> MakeWorkspace(const TestDatabaseKind& kind) {
+  return kind.onlyMarks ? MakeReaderWorkspace() : MakeDefaultWorkspace();
 }
 
 std::string CatalogSchema() {

@@ -43,10 +43,16 @@ class TestDatabase {
 struct TestDatabaseKind {
   std::string name;
   std::function<std::unique_ptr<TestDatabase>()> make;
+  // Rows are marked and never added, deleted or otherwise changed; Booleans are never NULL; and queries are
+  // saved for this program only.
+  bool onlyMarks = false;
   friend void PrintTo(const TestDatabaseKind& kind, std::ostream* out) { *out << kind.name; }
 };
 
 const std::vector<TestDatabaseKind>& TestDatabaseKinds();
+std::vector<TestDatabaseKind> WritableDatabaseKinds();  // those that do more than marking
+// A workspace that opens databases of this kind.
+std::unique_ptr<Workspace> MakeWorkspace(const TestDatabaseKind& kind);
 // Of a file that is there already, or of a new one.
 std::unique_ptr<TestDatabase> MakeSqliteFile(const std::string& path = {});
 
@@ -83,14 +89,24 @@ class ConformanceTest : public ::testing::TestWithParam<TestDatabaseKind> {
     m_test->Run(CatalogSchema() + CatalogRows());
     m_database = m_workspace->OpenDatabase(m_test->Request());
   }
+  // Reads through a saved query beside the engine; where queries are not stored, in a workspace of its own.
+  std::string AskQuery(const std::string& sql) {
+    if (!GetParam().onlyMarks) return m_test->Ask(sql);
+    return Rows(*MakeWorkspace(GetParam())->OpenDatabase(m_test->Request()), sql).at(0);
+  }
+  // What a statement ends in that adds or deletes rows, and otherwise in `number`.
+  int WritingError(int number) const {
+    return GetParam().onlyMarks ? error_number::kCannotCreateObject : number;
+  }
 
   std::unique_ptr<TestDatabase> m_test = GetParam().make();
-  std::unique_ptr<Workspace> m_workspace = MakeDefaultWorkspace();
+  std::unique_ptr<Workspace> m_workspace = MakeWorkspace(GetParam());
   std::unique_ptr<Database> m_database;
 };
 
-#define KX_CONFORMANCE(suite)                                                                         \
-  INSTANTIATE_TEST_SUITE_P(Engines, suite, ::testing::ValuesIn(engine::testing::TestDatabaseKinds()), \
+#define KX_CONFORMANCE_OF(suite, kinds)                                \
+  INSTANTIATE_TEST_SUITE_P(Engines, suite, ::testing::ValuesIn(kinds), \
                            [](const auto& kind) { return kind.param.name; })
+#define KX_CONFORMANCE(suite) KX_CONFORMANCE_OF(suite, engine::testing::TestDatabaseKinds())
 
 }  // namespace kxrestore::engine::testing
