@@ -20,18 +20,20 @@ class SystemCodePage final : public CodePage {
     std::string source(stored.Text());
     char* from = source.data();
     std::size_t left = source.size();
-    char buffer[256];
-    while (left > 0) {
+    // The last call delivers a character that was held back because an accent could have followed.
+    for (bool last = false; !last;) {
+      last = left == 0;
+      char buffer[256];
       char* to = buffer;
       std::size_t room = sizeof buffer;
-      const std::size_t result = iconv(m_converter, &from, &left, &to, &room);
+      const std::size_t result =
+          iconv(m_converter, last ? nullptr : &from, last ? nullptr : &left, &to, &room);
       out.append(buffer, sizeof buffer - room);
-      if (result == static_cast<std::size_t>(-1) && errno != E2BIG) {
-        AppendCharacter(out, 0xFFFD);
-        if (left == 0) return;
-        ++from;
-        --left;
-      }
+      if (last || result != static_cast<std::size_t>(-1) || errno == E2BIG) continue;
+      AppendCharacter(out, 0xFFFD);
+      if (left == 0) continue;
+      ++from;
+      --left;
     }
   }
 

@@ -44,10 +44,15 @@ JetFile::JetFile(std::string path)
   }
 }
 
-// A damaged table does not make the others unusable.
+// A damaged table does not make the others unusable. A definition belongs to one table, which also bounds
+// what all definitions together can take.
 void JetFile::AddTable(const FileObject& object) {
   if (FindTable(object.name) != nullptr) return;
   try {
+    if (!m_definitions.insert(object.page).second) {
+      m_pages.RaiseDamaged("the definition on page " + std::to_string(object.page) +
+                           " belongs to two tables");
+    }
     m_tables.push_back(std::make_unique<Table>(
         m_pages, *m_codePage, ReadTableDefinition(m_pages, *m_codePage, object.page, object.name)));
   } catch (const Error& problem) {

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,6 +47,7 @@ class JetFile {
   std::unique_ptr<CodePage> m_codePage;
   std::vector<std::unique_ptr<Table>> m_tables;
   std::vector<FileQuery> m_queries;
+  std::set<std::uint32_t> m_definitions;    // pages on which a table's definition starts
   std::map<std::string, Error> m_problems;  // by folded name
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "engine/error_numbers.h"
 
@@ -35,6 +36,24 @@ bool Marks::At(const FoundRow& found, const Column& column) const {
   return found.row.Bit(column);
 }
 
+// The file's time does not tell of a change by another program that was made within one tick of the file
+// system's clock, which can be two seconds. The first change to a page therefore compares it with the file.
+void Marks::CheckPage(const Page& page) {
+  if (m_checked.contains(page.Number())) return;
+  const Bytes& known = page.Content();
+  m_page.resize(known.Size());
+  const std::uint64_t start = std::uint64_t{page.Number()} * known.Size();
+  const std::size_t size = m_access->Data().ReadAt(start, m_page.data(), m_page.size());
+  if (size == known.Size() && std::equal(m_page.begin(), m_page.end(), known.Data())) {
+    m_checked.insert(page.Number());
+    return;
+  }
+  m_readAgain = true;
+  Raise(error_number::kDataHasChanged, "The data has changed: another program has changed page " +
+                                           std::to_string(page.Number()) + " of '" + m_file.Pages().Path() +
+                                           "'. Try again.");
+}
+
 void Marks::Set(const Table& table, const FoundRow& found, const Column& column, bool value) {
   if (At(found, column) == value) return;
   if (!found.row.HasBit(column)) {
@@ -43,6 +62,7 @@ void Marks::Set(const Table& table, const FoundRow& found, const Column& column,
               "' in '" + m_file.Pages().Path() + "' was stored before the column '" + column.name +
               "' was made and has no room for it. Only the desktop database engine can change it.");
   }
+  CheckPage(found.page);
   const std::uint64_t place = PlaceOf(found, column);
   const auto [at, isNew] = m_byPlace.try_emplace(place, m_changes.size());
   m_steps.push_back({at->second, isNew, !value});
@@ -117,10 +137,12 @@ void Marks::End() {
   m_steps.clear();
   m_savepoints.clear();
   m_byPlace.clear();
+  m_checked.clear();
   if (m_kept || !m_access) return;
   // Some systems report a write only when the file is closed; do not take that for another program's.
   m_access->CloseData();
   m_file.Pages().RememberStamp();
+  if (std::exchange(m_readAgain, false)) m_file.Pages().ForgetStamp();
   m_access.reset();
 }
 

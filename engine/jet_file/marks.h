@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "engine/jet_file/jet_file.h"
@@ -26,7 +27,7 @@ class Marks {
 
   // The value including pending changes.
   bool At(const FoundRow& found, const Column& column) const;
-  // Error 3027 for a row without this bit.
+  // Error 3027 for a row without this bit, 3197 when the row's page is no longer what was read.
   void Set(const Table& table, const FoundRow& found, const Column& column, bool value);
 
   // Changes since a savepoint can be rolled back. Savepoints are numbered from 0.
@@ -45,6 +46,7 @@ class Marks {
     bool value;
   };
   static std::uint64_t PlaceOf(const FoundRow& found, const Column& column);
+  void CheckPage(const Page& page);
   void WritePage(std::size_t first, std::size_t last);
 
   JetFile& m_file;
@@ -60,6 +62,8 @@ class Marks {
   std::vector<Step> m_steps;
   std::vector<std::size_t> m_savepoints;                     // how many steps there were
   std::unordered_map<std::uint64_t, std::size_t> m_byPlace;  // offset * 8 + bit number
+  std::unordered_set<std::uint32_t> m_checked;               // pages
+  bool m_readAgain = false;                                  // a page was not what was read
   std::vector<std::uint8_t> m_page;
 };
 

@@ -79,6 +79,7 @@ class PageFile {
   // Updates the cache with a byte that this program has just written.
   void Written(std::uint64_t offset, std::uint8_t byte);
   void RememberStamp() { m_stamp = m_file->Stamp(); }  // the latest change is this program's own
+  void ForgetStamp() { m_stamp = {}; }                 // the next Refresh finds a change
 
   [[noreturn]] void RaiseDamaged(const std::string& what) const;
 

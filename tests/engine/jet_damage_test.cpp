@@ -3,8 +3,10 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <random>
 
+#include "engine/jet_file/table.h"
 #include "tests/engine/desktop_samples.h"
 
 namespace kxrestore::engine {
@@ -47,6 +49,33 @@ TEST(DesktopDamage, IsToldWithItsPlace) {
   EXPECT_EQ(Rows(*zeroed, "SetNames").size(), 9u) << "other tables are sound";
   ExpectError(error_number::kDamaged, "behind its end",
               [&] { workspace->OpenDatabase({.name = testing::DesktopSample("truncated-2003.mdb")}); });
+}
+
+TEST(DesktopDamage, OfADefinitionThatTwoTablesClaim) {
+  const SampleCopy copy("telling-2003.mdb");
+  testing::FileBytes bytes = copy.Original();
+  {
+    const jet_file::PageFile pages(copy.Path());
+    const auto codePage = jet_file::CodePage::Find(1252);
+    jet_file::Table objects(pages, *codePage,
+                            jet_file::ReadTableDefinition(pages, *codePage, 2, "MSysObjects"));
+    const jet_file::Column &id = *objects.Definition().Find("Id"), &name = *objects.Definition().Find("Name");
+    std::map<std::string, std::size_t> places;  // of the page numbers of definitions
+    jet_file::FoundRow row;
+    for (jet_file::Table::Walk walk(objects); walk.Next(row);) {
+      const auto place = row.row.Stored(id)->Data() - row.page.Content().Data();
+      std::string text;
+      objects.AppendText(text, name, *row.row.Stored(name));
+      places[text] = row.page.Number() * std::size_t{4096} + static_cast<std::size_t>(place);
+    }
+    std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(places.at("SetNames")), 4,
+                bytes.begin() + static_cast<std::ptrdiff_t>(places.at("LongPaths")));
+  }
+  testing::WriteBytes(copy.Path(), bytes);
+  const auto workspace = testing::MakeReaderWorkspace();
+  const auto database = workspace->OpenDatabase(copy.Request());
+  EXPECT_EQ(Rows(*database, "SetNames").size(), 9u);
+  ExpectError(error_number::kDamaged, "belongs to two tables", [&] { Rows(*database, "LongPaths"); });
 }
 
 TEST(DesktopDamage, OfHeadersIsRefused) {

@@ -42,6 +42,7 @@ void Use(const std::string& path) {
     std::string text;
     for (const auto& table : file.Tables()) {
       try {
+        marks.Begin();
         jet_file::FoundRow found;
         for (jet_file::Table::Walk walk(*table); walk.Next(found);) {
           for (const jet_file::Column& column : table->Definition().columns) {
@@ -52,11 +53,10 @@ void Use(const std::string& path) {
             }
           }
         }
-        marks.Begin();
         marks.Write();
-        marks.End();
       } catch (const kxrestore::Error&) {
       }
+      marks.End();
     }
   } catch (const kxrestore::Error&) {
   }
