@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Shows the system at work: demo.sh [--scripted] [--rows N]
+# Shows the system at work: demo.sh [--scripted] [--rows N] [--tour]
 #
 # Builds the command line and a sample catalog, and queries the catalog. Then builds the component and its sample host,
 # registers the component, and lets the host run the restore dialog. With a display you work the dialog yourself.
 # Without one, or with --scripted, a script selects a run, ticks a folder, applies, searches by a mask, marks a file
 # type, appends an archive disc and presses "Restore Now", on an X server of its own. Screenshots of the steps and the
-# host's output go to build/demo/.
+# host's output go to build/demo/. --tour works the dialog through the tasks of docs/tour.md instead, and takes its
+# pictures.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -17,15 +18,20 @@ kScriptLimit=180  # seconds for the whole scripted dialog
 
 scripted=no
 rows=20000
+steps=$kxRoot/scripts/demo_steps.txt
 while [[ $# -gt 0 ]]; do
   case $1 in
     --scripted) scripted=yes ;;
+    --tour)
+      scripted=yes
+      steps=$kxRoot/scripts/tour_steps.txt
+      ;;
     --rows)
       [[ ${2:-} =~ ^[0-9]+$ ]] || fail "--rows wants a number"
       rows=$2
       shift
       ;;
-    *) fail "usage: demo.sh [--scripted] [--rows N]" ;;
+    *) fail "usage: demo.sh [--scripted] [--rows N] [--tour]" ;;
   esac
   shift
 done
@@ -59,7 +65,7 @@ run_host() {
   local arguments=(--catalog "$(windows_path "$demo/catalog.db")" --log "$(windows_path "$demo/session.log")")
   local limit=()
   if [[ $scripted == yes ]]; then
-    arguments+=(--script "$(windows_path "$kxRoot/scripts/demo_steps.txt")" --shots "$(windows_path "$demo")")
+    arguments+=(--script "$(windows_path "$steps")" --shots "$(windows_path "$demo")")
     limit=(timeout --kill-after=10 "$kScriptLimit")
   fi
   "${limit[@]}" wine "$windowsBuild/host/restore_host.exe" "${arguments[@]}" {kxWineLock}>&- | follow_host |
@@ -73,7 +79,7 @@ check_scripted() {
   grep -q '^DefineRestoreSet = 1$' "$demo/output.txt" || fail "the dialog did not end with 1"
   while read -r name; do
     [[ -s $demo/$name.png ]] || fail "the screenshot $name is missing"
-  done < <(sed -n 's/^shot //p' "$kxRoot/scripts/demo_steps.txt" | tr -d '\r')
+  done < <(sed -n 's/^shot //p' "$steps" | tr -d '\r')
 }
 
 # Prints a command line and the first lines of its output.

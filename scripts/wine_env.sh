@@ -25,7 +25,7 @@ if [[ ! -w ${HOME:-/nonexistent} ]]; then
   mkdir -p "$HOME"
 fi
 
-kKxPrefixVersion=3
+kKxPrefixVersion=5
 kKxDisc=$WINEPREFIX/disc  # content of the CD-ROM drive, Z:
 kxXvfbPid=
 kxWineLock=
@@ -67,12 +67,16 @@ wine_make_prefix() {
   mkdir -p "$WINEPREFIX"
   # Without a display no dialog can block.
   local desktop='HKCU\Control Panel\Desktop' log=$kxBuild/log/wine-prefix.log
+  # Scripts that the font of the dialogs does not have.
+  local fontLinks='HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink'
   (
     unset DISPLAY
     logged "$log" timeout 180 wine wineboot -i &&
       logged "$log" timeout 60 wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f &&
       logged "$log" timeout 60 wine reg add "$desktop" /v FontSmoothing /d 2 /f &&
       logged "$log" timeout 60 wine reg add "$desktop" /v FontSmoothingType /t REG_DWORD /d 2 /f &&
+      logged "$log" timeout 60 wine reg add "$fontLinks" /v Tahoma /t REG_MULTI_SZ /f \
+        /d 'VL-PGothic-Regular.ttf,VL PGothic\0Symbola_hint.ttf,Symbola' &&
       logged "$log" timeout 60 wine reg add 'HKLM\Software\Wine\Drives' /v z: /d cdrom /f
   ) {kxWineLock}>&- || fail "the Wine prefix cannot be made"
   # A server that was started without a display cannot create windows.

@@ -13,6 +13,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr wchar_t kFormClass[] = L"KXRestore.frmRestore";
 constexpr wchar_t kMessageClass[] = L"#32770";
+constexpr wchar_t kMenuClass[] = L"#32768";
+constexpr UINT kGetMenu = 0x01E1;  // of a menu: its handle
 constexpr int kMessageTextId = 0xFFFF;
 
 // Labels that count during a walk change about ten times a second; text that stays unchanged this long is
@@ -137,13 +139,56 @@ bool DialogDriver::NodeTicked(const std::string& path) const {
   return details.Ticked(details.Find(Split(path)));
 }
 
+int DialogDriver::Row(const ListDriver& entries, const std::string& list, const std::string& which) const {
+  const auto number = Number(which);
+  if (!number) return entries.Find(which);
+  WaitFor(m_timeout, "entry " + which + " of " + list, [&] { return entries.Count() >= *number; });
+  return *number - 1;
+}
+
 void DialogDriver::TickEntry(const std::string& list, const std::string& which) const {
   const ListDriver entries(Usable(list), m_timeout);
-  const auto number = Number(which);
-  if (number) {
-    WaitFor(m_timeout, "entry " + which + " of " + list, [&] { return entries.Count() >= *number; });
+  entries.Toggle(Row(entries, list, which));
+}
+
+void DialogDriver::SelectEntry(const std::string& list, const std::string& which) const {
+  const ListDriver entries(Usable(list), m_timeout);
+  entries.Click(Row(entries, list, which));
+}
+
+void DialogDriver::ChooseFromMenu(const std::string& control, const std::string& item) const {
+  const HWND owner = Usable(control);
+  PostMessageW(owner, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(owner), -1);  // as the menu key does
+  HWND popup = nullptr;
+  WaitFor(m_timeout, "the menu of " + control,
+          [&] { return (popup = VisibleWindow(kMenuClass, m_process)) != nullptr; });
+  const auto menu = reinterpret_cast<HMENU>(Ask(popup, kGetMenu));
+  int down = 0;  // how often, until the item is selected
+  bool found = false;
+  for (int place = 0; place < GetMenuItemCount(menu) && !found; ++place) {
+    wchar_t text[256] = L"";
+    if (GetMenuStringW(menu, static_cast<UINT>(place), text, 256, MF_BYPOSITION) == 0) continue;  // a line
+    std::string shown = FromWide(text);
+    shown.resize(std::min(shown.size(), shown.find('\t')));
+    std::erase(shown, '&');
+    ++down;
+    found = shown == item;
   }
-  entries.Toggle(number ? *number - 1 : entries.Find(which));
+  if (!found) PostMessageW(owner, WM_KEYDOWN, VK_ESCAPE, 1);
+  for (; found && down > 0; --down) PostMessageW(owner, WM_KEYDOWN, VK_DOWN, 1);
+  if (found) PostMessageW(owner, WM_KEYDOWN, VK_RETURN, 1);
+  WaitFor(m_timeout, "the end of the menu", [&] { return !IsWindow(popup) || !IsWindowVisible(popup); });
+  if (!found) throw DriverError("the menu of " + control + " has no item " + Quoted(item));
+}
+
+void DialogDriver::Filter(const std::string& list, const std::string& words) const {
+  const HWND entries = Usable(list);
+  HWND edit = nullptr;
+  WaitFor(m_timeout, "the filter line of " + list, [&] {
+    edit = FindWindowExW(GetParent(entries), nullptr, WC_EDITW, nullptr);
+    return edit != nullptr && IsWindowVisible(edit);
+  });
+  Ask(edit, WM_SETTEXT, 0, ToWide(words).c_str());
 }
 
 void DialogDriver::Click(const std::string& button) const {
@@ -197,8 +242,10 @@ void DialogDriver::Close() const {
 
 HWND DialogDriver::Message() const {
   HWND box = nullptr;
-  WaitFor(m_timeout, "a message box",
-          [&] { return (box = VisibleWindow(kMessageClass, m_process)) != nullptr; });
+  WaitFor(m_timeout, "a message box", [&] {
+    box = VisibleWindow(kMessageClass, m_process);
+    return box != nullptr && GetDlgItem(box, kMessageTextId) != nullptr;
+  });
   return box;
 }
 

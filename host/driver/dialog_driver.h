@@ -35,6 +35,13 @@ class DialogDriver {
   // Toggles the tick box of a list entry, given by its text or its number from 1.
   void TickEntry(const std::string& list, const std::string& which) const;
 
+  // Clicks an entry of a list, which selects it and gives the list the focus.
+  void SelectEntry(const std::string& list, const std::string& which) const;
+  // Asks for the menu of a tree or list, about what is selected in it, and chooses the item of this text.
+  void ChooseFromMenu(const std::string& control, const std::string& item) const;
+  // Types into the words of the filter line above a list; the line must be open.
+  void Filter(const std::string& list, const std::string& words) const;
+
   void Click(const std::string& button) const;                         // also check boxes and option buttons
   void Tab(int number) const;                                          // from 1
   void Type(const std::string& field, const std::string& text) const;  // replaces the text
@@ -69,6 +76,7 @@ class DialogDriver {
 
  private:
   HWND Usable(const std::string& name) const;
+  int Row(const ListDriver& entries, const std::string& list, const std::string& which) const;
   HWND Message() const;
 
   Timeout m_timeout;

@@ -37,6 +37,19 @@ int ListDriver::Find(const std::string& text) const {
   return found;
 }
 
+void ListDriver::Click(int row) const {
+  Ask(m_list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), LPARAM{FALSE});
+  RECT label{};
+  label.left = LVIR_LABEL;
+  if (!Ask(m_list, LVM_GETITEMRECT, static_cast<WPARAM>(row), &label)) {
+    throw DriverError("there is no list entry " + std::to_string(row + 1));
+  }
+  PostClick(m_list, {label.left + 8, (label.top + label.bottom) / 2});
+  WaitFor(m_timeout, "the list entry " + std::to_string(row + 1) + " to be selected", [&] {
+    return Ask(m_list, LVM_GETITEMSTATE, static_cast<WPARAM>(row), LPARAM{LVIS_SELECTED}) == LVIS_SELECTED;
+  });
+}
+
 void ListDriver::Toggle(int row) const {
   const bool before = Ticked(row);
   Ask(m_list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), LPARAM{FALSE});

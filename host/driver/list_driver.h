@@ -20,6 +20,7 @@ class ListDriver {
   bool Ticked(int row) const;
   // The row with this text in its first column or, in a list of files, in folder and name together.
   int Find(const std::string& text) const;
+  void Click(int row) const;   // on its text; returns when it is selected
   void Toggle(int row) const;  // its tick box; returns when it has changed
 
  private:

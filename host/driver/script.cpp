@@ -81,6 +81,9 @@ class Commands {
     m_plain["click"] = m_plain["check"] = m_plain["option"] = [=](auto& button) { d->Click(button); };
     m_plain["shot"] = [=, &out](auto& name) { Shoot(out, folder, name); };
     m_named["tick-entry"] = [=](auto& list, auto& which) { d->TickEntry(list, which); };
+    m_named["select-entry"] = [=](auto& list, auto& which) { d->SelectEntry(list, which); };
+    m_named["menu"] = [=](auto& control, auto& item) { d->ChooseFromMenu(control, item); };
+    m_named["filter"] = [=](auto& list, auto& words) { d->Filter(list, words); };
     m_named["choose"] = [=](auto& box, auto& item) { d->Choose(box, item); };
     m_named["type"] = [=](auto& field, auto& text) { d->Type(field, text); };
     m_named["expect-caption"] = [=](auto& control, auto& text) { d->ExpectText(control, text); };

@@ -3,7 +3,8 @@
 //
 //   wait-form | wait-closed | close | dump | key ESC | tab 2 | answer YES | expect-message TEXT
 //   select-run 1 | select-run TEXT | select-set NAME | select-node TEXT\TEXT
-//   tick C:\Folder\File | tick-entry LIST NUMBER-OR-TEXT
+//   tick C:\Folder\File | tick-entry LIST NUMBER-OR-TEXT | select-entry LIST NUMBER-OR-TEXT
+//   menu TREE-OR-LIST ITEM | filter LIST WORDS
 //   click cmdAction(0) | check chk(1) | option optLookIn(1) | type cboMask TEXT
 //   expect-settled CONTROL ENDING | expect-caption CONTROL TEXT | expect-enabled CONTROL YES
 //   expect-visible CONTROL NO | expect-count LIST 3 | shot NAME

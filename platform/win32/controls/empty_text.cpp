@@ -11,7 +11,7 @@ constexpr int kTopDivisor = 5;      // of the height
 
 }  // namespace
 
-void DrawEmptyText(HWND window, HFONT font, const std::string& text) {
+void DrawEmptyText(HWND window, HFONT font, const std::string& text, int top) {
   RECT area{};
   GetClientRect(window, &area);
   const HDC dc = GetDC(window);
@@ -20,6 +20,7 @@ void DrawEmptyText(HWND window, HFONT font, const std::string& text) {
   SelectObject(dc, font);
   SetBkMode(dc, TRANSPARENT);
   SetTextColor(dc, GetSysColor(COLOR_GRAYTEXT));
+  area.top += top;
   InflateRect(&area, -static_cast<int>(area.right) / kMarginDivisor, 0);
   const std::wstring wide = WideShownLines(text);
   constexpr UINT kFormat = DT_CENTER | DT_WORDBREAK | DT_NOPREFIX;
@@ -27,7 +28,7 @@ void DrawEmptyText(HWND window, HFONT font, const std::string& text) {
   DrawTextW(dc, wide.c_str(), static_cast<int>(wide.size()), &needed, kFormat | DT_CALCRECT);
   const LONG height = needed.bottom - needed.top;
   // Lower down only where there is room to spare.
-  if (height < area.bottom) area.top += (area.bottom - height) / kTopDivisor;
+  if (height < area.bottom - area.top) area.top += (area.bottom - area.top - height) / kTopDivisor;
   DrawTextW(dc, wide.c_str(), static_cast<int>(wide.size()), &area, kFormat);
   RestoreDC(dc, state);
   ReleaseDC(window, dc);

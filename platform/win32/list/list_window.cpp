@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "controls/list_rows.h"
 #include "platform/win32/controls/clipboard.h"
+#include "platform/win32/controls/empty_text.h"
 #include "platform/win32/controls/footer_strip.h"
 #include "platform/win32/list/filter_line.h"
 #include "platform/win32/list/list_columns.h"
@@ -108,7 +109,11 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
       OnTimer(wide);
       return 0;
     }
-    if (message == WM_SIZE) m_columns.Fit(Handle());
+    if (message == WM_PAINT && m_list.Rows().Count() == 0) return PaintEmpty(wide, extra);
+    if (message == WM_SIZE) {
+      m_columns.Fit(Handle());
+      if (m_list.Rows().Count() == 0) InvalidateRect(Handle(), nullptr, TRUE);  // the text moves
+    }
     if (message == WM_NOTIFY) HeadingTells(*reinterpret_cast<const NMHDR*>(extra));
     return std::nullopt;
   }
@@ -234,11 +239,22 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     int footer = m_footer.Handle() == nullptr ? 0 : m_footer.Height();
     if (height - line - footer < least) footer = 0;
     const int list = std::max(0, height - line - footer);
-    SetWindowPos(Handle(), nullptr, 0, line, width, list, SWP_NOZORDER | SWP_NOACTIVATE);
+    // What stood there before, a field of the filter line say, must not move along.
+    SetWindowPos(Handle(), nullptr, 0, line, width, list, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
     if (m_footer.Handle() != nullptr) m_footer.Place(0, line + list, width, footer);
+    RedrawWindow(Around(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
   }
 
  private:
+  LRESULT PaintEmpty(WPARAM wide, LPARAM extra) {
+    const LRESULT result = PassOn(WM_PAINT, wide, extra);
+    const std::string text = m_list.Count() == 0 ? m_list.EmptyText() : Say(Phrase::kFilterNothing);
+    RECT headings{};
+    GetClientRect(reinterpret_cast<HWND>(Send(LVM_GETHEADER)), &headings);
+    if (!text.empty()) DrawEmptyText(Handle(), Context().Font(), text, headings.bottom);
+    return result;
+  }
+
   LRESULT Send(UINT message, WPARAM wide = 0, LPARAM extra = 0) const {
     return SendMessageW(Handle(), message, wide, extra);
   }
