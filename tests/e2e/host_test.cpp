@@ -130,6 +130,7 @@ TEST_F(HostTest, ExamplesReadTheMarksAndSomeTakeThemAway) {
   } cases[] = {
       {L'"' + HostFolder() + L"restore_example.exe\"",
        "CommenceRestore\n{\"size\":", "DefineRestoreSet = 1\n", false},
+      {L'"' + HostFolder() + L"restore_import_example.exe\"", "DefineRestoreSet = 1\n", "", false},
       {L"cscript //nologo \"" + HostFolder() + L"restore.vbs\"", "SET NAME", "C:\\Mail\\box.pst", true},
       {L"cscript //nologo \"" + HostFolder() + L"restore.js\"", "DefineRestoreSet = 1\n", "", false},
   };
