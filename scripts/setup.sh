@@ -6,7 +6,8 @@
 #   windows  cross-build of the DLL and its tests, SQLite's source for it
 #   wine     running Windows programs, with and without a display
 #   wine32   making the root in which 32-bit ones run
-#   package  making the installers and signing them, checking the sample hosts
+#   package  making the installers and signing them
+#   hosts    checking the sample hosts in other languages, a grammar of PowerShell
 #   bench    the benchmarks
 #   server   the database server and the ODBC drivers that the tests need, no server is left running; a grammar of T-SQL
 #
@@ -25,28 +26,30 @@ declare -A kPackages=(
   # Wine loads the X libraries at run time, so its package does not depend on them.
   [wine]="wine wine64 fonts-wine fonts-liberation fonts-vlgothic fonts-symbola fontconfig xvfb x11-utils xdotool imagemagick libxrender1 libxcomposite1
           libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxxf86vm1"
-  [package]="wixl msitools osslsigncode openssl zip python3-minimal mono-mcs libmono-microsoft-csharp4.0-cil"
+  [package]="wixl msitools osslsigncode openssl zip"
+  [hosts]="python3-minimal mono-mcs libmono-microsoft-csharp4.0-cil"
   [wine32]="mmdebstrap arch-test bubblewrap"
   [bench]="build-essential cmake ninja-build libsqlite3-dev libbenchmark-dev unixodbc-dev libpq-dev"
   [server]="postgresql unixodbc odbc-postgresql libsqliteodbc"
 )
 
 wanted=("$@")
-[[ $# -gt 0 ]] || wanted=(native checks windows wine wine32 package bench server)
+[[ $# -gt 0 ]] || wanted=(native checks windows wine wine32 package hosts bench server)
 
 packages=()
 needsSqlite=no
-needsGrammar=no
+grammars=()
 for group in "${wanted[@]}"; do
   [[ -n ${kPackages[$group]:-} ]] || fail "no group '$group'; there are: ${!kPackages[*]}"
   read -r -d '' -a more <<<"${kPackages[$group]}" || true
   packages+=("${more[@]}")
   [[ $group != windows ]] || needsSqlite=yes
-  [[ $group != server ]] || needsGrammar=yes
+  [[ $group != server ]] || grammars+=(tests/engine/tsql_parser)
+  [[ $group != hosts ]] || grammars+=(tests/host/powershell_parser)
 done
 
 # Node.js from another source often includes npm.
-if [[ $needsGrammar == yes ]] && ! command -v npm >/dev/null; then packages+=(nodejs npm); fi
+if [[ ${#grammars[@]} -gt 0 ]] && ! command -v npm >/dev/null; then packages+=(nodejs npm); fi
 
 # Queries the package database, because half of these packages contain no program.
 missing_packages() {
@@ -99,6 +102,4 @@ fi
 if [[ $needsSqlite == yes ]]; then
   "$kxRoot/scripts/sqlite_source.sh"
 fi
-if [[ $needsGrammar == yes ]]; then
-  "$kxRoot/scripts/tsql_parser.sh"
-fi
+for grammar in "${grammars[@]}"; do "$kxRoot/scripts/grammar.sh" "$grammar"; done

@@ -174,7 +174,7 @@ run_script() {
 }
 
 groups=(native checks server)
-[[ $windows == no ]] || groups+=(windows wine wine32 package)
+[[ $windows == no ]] || groups+=(windows wine wine32 package hosts)
 "$kxRoot/scripts/setup.sh" "${groups[@]}"
 
 # This shell owns the database server; a child runs the tests, because each needs its own exit trap.

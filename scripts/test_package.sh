@@ -191,7 +191,7 @@ signed_verifies() {
   done
 }
 
-"$kxRoot/scripts/setup.sh" native windows wine wine32 package
+"$kxRoot/scripts/setup.sh" native windows wine wine32 package hosts
 rm -rf "$work" "$package-older" "$package-signed"
 mkdir -p "$work"
 : >"$log"
@@ -205,6 +205,8 @@ check "the archive unpacks" env -C "$work" cmake -E tar xf "$package/KXRestore-$
 check "the archive holds what it should" archive_is_whole x86_64
 check "the C++ host builds for x64 with the archive alone" example_builds x86_64
 check "the C++ host builds for x86 with the archive alone" example_builds i686
+check "the PowerShell host parses" node "$kxRoot/tests/host/powershell_parser/check.mjs" \
+  "$kxBuild/deps/powershell_parser/node_modules" "$unpacked/host/examples/restore.ps1"
 check "the Python host compiles" python3 -m py_compile "$unpacked/host/examples/restore.py"
 check "the C# host compiles" mcs -r:Microsoft.CSharp -out:"$work/Restore.exe" "$unpacked/host/examples/Restore.cs"
 check "signed packages verify" signed_verifies
