@@ -15,8 +15,8 @@ minutes=${1:-30}
 end=$((SECONDS + minutes * 60))
 
 "$kxRoot/scripts/setup.sh" native server
-build_preset sanitize power_loss_tests dialog_faults_tests server_tests || fail "the build failed"
-programs=("$kxBuild/sanitize/tests/power_loss_tests" "$kxBuild/sanitize/tests/dialog_faults_tests")
+build_preset sanitize durability_tests dialog_faults_tests server_tests || fail "the build failed"
+programs=("$kxBuild/sanitize/tests/durability_tests" "$kxBuild/sanitize/tests/dialog_faults_tests")
 
 fuzzers=()
 if command -v clang++ >/dev/null; then

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <random>
 #include <set>
@@ -42,54 +43,70 @@ inline void AddRows(sample::CatalogSink& catalog, const std::vector<sample::File
   for (const auto& row : rows) catalog.AddFile(row);
 }
 
+// Runs statements on a SQLite file, which is made if need be, beside the engine under test. The rows,
+// "a|b|Null".
+inline std::vector<std::string> SqliteRows(const std::string& path, const std::string& sql) {
+  sqlite3* raw = nullptr;
+  const int opened = sqlite3_open(path.c_str(), &raw);
+  const std::unique_ptr<sqlite3, int (*)(sqlite3*)> database(raw, sqlite3_close);
+  sqlite3_busy_timeout(raw, 5000);
+  std::vector<std::string> rows;
+  const auto collect = [](void* target, int columns, char** values, char**) {
+    std::string& row = static_cast<std::vector<std::string>*>(target)->emplace_back();
+    for (int i = 0; i < columns; ++i) row.append(i == 0 ? "" : "|").append(values[i] ? values[i] : "Null");
+    return 0;
+  };
+  if (opened != SQLITE_OK || sqlite3_exec(raw, sql.c_str(), collect, &rows, nullptr) != SQLITE_OK) {
+    throw std::runtime_error(sqlite3_errmsg(raw));
+  }
+  return rows;
+}
+
+// In a folder of its own.
 class CatalogFile {
  public:
   explicit CatalogFile(const std::vector<sample::FileRow>& rows, const std::vector<sample::RunRow>& runs = {},
-                       const std::vector<sample::LongPathRow>& longPaths = {}) {
+                       const std::vector<sample::LongPathRow>& longPaths = {})
+      : CatalogFile([&](sample::CatalogSink& sink) { AddRows(sink, rows, runs, longPaths); }, u8"kxcatalog") {
+  }
+  explicit CatalogFile(const std::function<void(sample::CatalogSink&)>& fill, const std::u8string& folder) {
     static const std::uint32_t process = std::random_device()();  // several test programs run at a time
     static std::uint32_t number = 0;
-    m_path = std::filesystem::temp_directory_path() /
-             ("kxcatalog_" + std::to_string(process) + "_" + std::to_string(++number) + ".db");
-    sample::WriteCatalogFile(Path(),
-                             [&](sample::CatalogSink& sink) { AddRows(sink, rows, runs, longPaths); });
+    m_folder = std::filesystem::temp_directory_path() / folder;
+    m_folder += "_" + std::to_string(process) + "_" + std::to_string(++number);
+    std::filesystem::create_directories(m_folder);
+    sample::WriteCatalogFile(Path(), fill);
   }
   ~CatalogFile() {
     std::error_code ignored;
-    for (const char* suffix : {"", "-journal", "-wal", "-shm"}) {
-      std::filesystem::remove(Path() + suffix, ignored);
-    }
+    std::filesystem::remove_all(m_folder, ignored);
   }
   CatalogFile(const CatalogFile&) = delete;
   CatalogFile& operator=(const CatalogFile&) = delete;
 
-  std::string Path() const { return m_path.string(); }
+  std::string Path() const {  // UTF-8
+    const std::u8string path = (m_folder / "catalog.db").u8string();
+    return {path.begin(), path.end()};
+  }
 
-  void Execute(const std::string& sql) { Query(sql); }
+  void Execute(const std::string& sql) const { Query(sql); }
   // Without its table nothing of a catalog works. The saved queries stay as they are.
-  void HideTable() { Execute("PRAGMA legacy_alter_table=ON; ALTER TABLE Catalog RENAME TO Elsewhere"); }
-  void ShowTable() { Execute("PRAGMA legacy_alter_table=ON; ALTER TABLE Elsewhere RENAME TO Catalog"); }
+  void HideTable() const { Execute("PRAGMA legacy_alter_table=ON; ALTER TABLE Catalog RENAME TO Elsewhere"); }
+  void ShowTable() const { Execute("PRAGMA legacy_alter_table=ON; ALTER TABLE Elsewhere RENAME TO Catalog"); }
 
-  std::set<std::int64_t> Marked() { return Query("SELECT ID FROM Catalog WHERE Restore <> 0"); }
+  std::set<std::int64_t> Marked() const { return Query("SELECT ID FROM Catalog WHERE Restore <> 0"); }
 
-  // The integers of the first column, read beside the engine under test.
-  std::set<std::int64_t> Query(const std::string& sql) {
-    sqlite3* raw = nullptr;
-    const int opened = sqlite3_open_v2(Path().c_str(), &raw, SQLITE_OPEN_READWRITE, nullptr);
-    const std::unique_ptr<sqlite3, int (*)(sqlite3*)> database(raw, sqlite3_close);
-    sqlite3_busy_timeout(raw, 2000);
+  // The integers of the first column.
+  std::set<std::int64_t> Query(const std::string& sql) const {
     std::set<std::int64_t> found;
-    const auto collect = [](void* target, int, char** values, char**) {
-      if (values[0] != nullptr) static_cast<std::set<std::int64_t>*>(target)->insert(std::stoll(values[0]));
-      return 0;
-    };
-    if (opened != SQLITE_OK || sqlite3_exec(raw, sql.c_str(), collect, &found, nullptr) != SQLITE_OK) {
-      throw std::runtime_error(sqlite3_errmsg(raw));
+    for (const std::string& row : SqliteRows(Path(), sql)) {
+      if (!row.starts_with("Null")) found.insert(std::stoll(row));
     }
     return found;
   }
 
- private:
-  std::filesystem::path m_path;
+ protected:
+  std::filesystem::path m_folder;
 };
 
 }  // namespace kxrestore::catalog_test

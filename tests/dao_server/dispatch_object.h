@@ -1,85 +1,88 @@
-// An automation object made of a table of members, each with the types of its arguments. A call with another
-// name, another kind, another number, order or type of arguments is refused, and says what is wrong.
+// Automation objects made of tables of members. A call with another name, another kind, another number, order
+// or type of arguments is refused, and says what is wrong.
 #pragma once
-
-#include <windows.h>
-
-#include <oleauto.h>
-#include <wrl/client.h>
 
 #include <functional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
-#include "engine/value.h"
+#include "engine/dao/values.h"
 
 namespace kxrestore::dao_server {
 
-using Microsoft::WRL::ComPtr;
+using engine::dao::ComPtr;
+using engine::dao::Variant;
 using Arguments = std::span<const VARIANT>;  // in the order they are written
 
 // State shared by all objects of a server: recorded calls, and the errors of the last failed call.
 struct Journal {
   struct Entry {
     int number;
-    std::string description;
-    std::string source;
+    std::string description, source;
   };
   std::vector<std::string> calls;
   std::vector<Entry> errors;
   std::string innerCause;  // of the failures to come
   int liveObjects = 0;
   bool bareErrors = false;  // failures give only their number; the list has the rest
-  bool Called(std::string_view call) const;
 };
 
-constexpr VARTYPE kAnyType = VT_VARIANT;
-
-class DispatchObject : public IDispatch {
- public:
-  DispatchObject(Journal& journal, std::string name) : m_journal(journal), m_name(std::move(name)) {
-    ++m_journal.liveObjects;
+struct Member {
+  // `declaration`: "get NAME", "put NAME v", or "call NAME TYPES" with a letter for each argument: s a text,
+  // i a number, b a Boolean, v anything. `run` returns nothing, a value of the engine or an object.
+  template <class Run>
+  Member(std::string_view declaration, Run run)
+      : kind(declaration.substr(0, declaration.find(' '))),
+        name(declaration.substr(kind.size() + 1)),
+        run([run](Arguments arguments) {
+          using Result = decltype(run(arguments));
+          if constexpr (std::is_same_v<Result, Variant>) {
+            return run(arguments);
+          } else if constexpr (std::is_void_v<Result>) {
+            run(arguments);
+            return Variant();
+          } else {
+            return engine::dao::FromValue(engine::Value(run(arguments)));
+          }
+        }) {
+    if (const std::size_t blank = name.find(' '); blank != name.npos) {
+      types = name.substr(blank + 1);
+      name.resize(blank);
+    }
   }
-  DispatchObject(const DispatchObject&) = delete;
-  DispatchObject& operator=(const DispatchObject&) = delete;
 
-  using Handler = std::function<void(Arguments, VARIANT&)>;
-  void Method(const wchar_t* name, std::vector<VARTYPE> types, Handler handler);
-  void Property(const wchar_t* name, Handler handler);          // to read
-  void Property(const wchar_t* name, engine::Value value);      // that stays the same
-  void WritableProperty(const wchar_t* name, Handler handler);  // the value is the one argument
+  std::string kind, name, types;
+  std::function<Variant(Arguments)> run;
+};
 
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
+// A COM object with one interface of its own.
+template <class Interface>
+class ComObject : public Interface {
+ public:
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    const bool known = iid == IID_IUnknown || iid == __uuidof(Interface);
+    *object = known ? this : nullptr;
+    if (!known) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
   STDMETHODIMP_(ULONG) AddRef() override { return ++m_references; }
-  STDMETHODIMP_(ULONG) Release() override;
-  STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* identifiers) override;
-  STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD how, DISPPARAMS* parameters, VARIANT* result,
-                      EXCEPINFO* details, UINT*) override;
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --m_references;
+    if (left == 0) delete this;
+    return left;
+  }
 
  protected:
-  virtual ~DispatchObject() { --m_journal.liveObjects; }
-  Journal& m_journal;
+  virtual ~ComObject() = default;
 
  private:
-  struct Member {
-    std::wstring name;
-    WORD how;
-    std::vector<VARTYPE> types;
-    Handler handler;
-  };
-  void Run(DISPID member, WORD how, Arguments arguments, VARIANT& result);
-
-  std::string m_name;
-  std::vector<Member> m_members;
   ULONG m_references = 0;
 };
 
-void Answer(VARIANT& result, const engine::ValueView& value);
-void Answer(VARIANT& result, DispatchObject* object);
-std::string TextOf(const VARIANT& variant);
+Variant MakeObject(Journal& journal, std::string name, std::vector<Member> members);
 
 }  // namespace kxrestore::dao_server

@@ -2,8 +2,6 @@
 // "x.mdb" is answered from "x.db" beside it.
 #pragma once
 
-#include <memory>
-
 #include "engine/database.h"
 #include "tests/dao_server/dispatch_object.h"
 
@@ -12,6 +10,6 @@ namespace kxrestore::dao_server {
 // A text that no row can be read with: GetRows stops before it, its field raises error 3197.
 inline constexpr std::string_view kUnreadable = "unreadable";
 
-ComPtr<IDispatch> MakeDbEngine(Journal& journal, engine::Workspace& workspace);
+Variant MakeDbEngine(Journal& journal, engine::Workspace& workspace);
 
 }  // namespace kxrestore::dao_server

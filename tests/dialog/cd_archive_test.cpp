@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "tests/dialog/dialog_fixture.h"
-#include "tests/engine/watched_files.h"
+#include "tests/engine/hooked_files.h"
 
 namespace kxrestore::dialog_test {
 namespace {
@@ -26,22 +26,10 @@ std::string ManyHeaders(int count) {
          "printf('%1000s', '') FROM n;";
 }
 
-// Makes the file if need be; the answer is the first row of the last query, "a|b|c".
+// The first row of the last query.
 std::string Sql(const std::string& path, const std::string& sql) {
-  sqlite3* raw = nullptr;
-  const int opened = sqlite3_open(path.c_str(), &raw);
-  const std::unique_ptr<sqlite3, int (*)(sqlite3*)> database(raw, sqlite3_close);
-  std::string row;
-  const auto collect = [](void* target, int columns, char** values, char**) {
-    auto& text = *static_cast<std::string*>(target);
-    if (!text.empty()) return 0;
-    for (int i = 0; i < columns; ++i) text.append(i == 0 ? "" : "|").append(values[i] ? values[i] : "Null");
-    return 0;
-  };
-  if (opened != SQLITE_OK || sqlite3_exec(raw, sql.c_str(), collect, &row, nullptr) != SQLITE_OK) {
-    ADD_FAILURE() << sqlite3_errmsg(raw);
-  }
-  return row;
+  const Strings rows = catalog_test::SqliteRows(path, sql);
+  return rows.empty() ? std::string() : rows.front();
 }
 
 // A disc is a folder in the place of a drive's letter. Where names have no drives, those of the two databases
@@ -255,8 +243,8 @@ TEST_F(CdArchiveTest, ADiscIsAddedAsAWholeOrNotAtAll) {
        rename("COLUMN Part", "Share")},
       {"Esc while the disc is read", 10, [&] { Escape(); }, nullptr},
       {"Esc while headers are written", writing, [&] { Escape(); }, nullptr},
-      {"a full disk", writing, [&] { watched.SetDiskFull(true); }, "cmdCD.Click: (3026) ",
-       [&] { watched.SetDiskFull(false); }},
+      {"a full disk", writing, [&] { watched.diskFull = true; }, "cmdCD.Click: (3026) ",
+       [&] { watched.diskFull = false; }},
       {"a header that the archive refuses", 0,
        [] {
          Sql(kArchive,

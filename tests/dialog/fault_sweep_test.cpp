@@ -30,11 +30,8 @@ class FaultSweep : public DialogTest {
     SCOPED_TRACE(name.str());
     catalog->Execute(MarksBefore(step));
     Injection current;
-    engine::Workspace::Backends backends;
-    backends.sqlite = std::make_unique<FaultyBackend>(
-        engine::sqlite::MakeSqliteBackend(std::chrono::milliseconds(50)), current);
-    engine::Workspace faulty(std::move(backends));
-    dialog::frmRestore dialog(platform.Get(), faulty);
+    const FaultyEngine faulty(engine::sqlite::MakeSqliteBackend(std::chrono::milliseconds(50)), current);
+    dialog::frmRestore dialog(platform.Get(), *faulty.workspace);
     dialog.parameters.DBName = catalog->Path();
     std::size_t commenced = 0;
     dialog.CommenceRestore = [&] { ++commenced; };

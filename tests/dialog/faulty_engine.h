@@ -7,13 +7,12 @@
 
 #include <cstddef>
 #include <memory>
-#include <string_view>
+#include <string>
 #include <utility>
 
 #include "base/error.h"
-#include "engine/database.h"
 #include "engine/error_numbers.h"
-#include "tests/dialog/pass_through_engine.h"
+#include "tests/dialog/hooked_engine.h"
 
 namespace kxrestore::dialog_test {
 
@@ -36,82 +35,39 @@ struct Injection {
   }
 };
 
-class FaultyRecordset : public PassThroughRecordset {
+// A workspace with that fault. During its lifetime, connections of the embedded database opened in this
+// process fail their commits as the injection specifies.
+class FaultyEngine {
  public:
-  FaultyRecordset(std::unique_ptr<engine::Recordset> rows, Injection& injection, engine::Backend& backend,
-                  std::size_t& marks)
-      : PassThroughRecordset(std::move(rows)), m_injection(injection), m_backend(backend), m_marks(marks) {}
-
-  void MoveNext() override {
-    m_injection.Fail(Fault::kRow, engine::error_number::kDiskError, "Disk I/O error during read.");
-    PassThroughRecordset::MoveNext();
-  }
-  void Update() override {
-    m_injection.Fail(Fault::kMark, engine::error_number::kRowLocked, "Locked by another user.");
-    PassThroughRecordset::Update();
-    if (++m_marks % 2 == 0) m_backend.Flush();
-  }
-
- private:
-  Injection& m_injection;
-  engine::Backend& m_backend;
-  std::size_t& m_marks;
-};
-
-class FaultyDatabase : public PassThroughDatabase {
- public:
-  FaultyDatabase(std::unique_ptr<engine::Database> database, Injection& injection, engine::Backend& backend,
-                 std::size_t& marks)
-      : PassThroughDatabase(std::move(database)),
-        m_injection(injection),
-        m_backend(backend),
-        m_marks(marks) {}
-
-  std::unique_ptr<engine::Recordset> OpenRecordset(std::string_view source, engine::RecordsetType type,
-                                                   const engine::ColumnNames& read) override {
-    m_injection.Fail(Fault::kOpen, engine::error_number::kDamaged, "Unrecognized database format.");
-    return std::make_unique<FaultyRecordset>(m_database->OpenRecordset(source, type, read), m_injection,
-                                             m_backend, m_marks);
-  }
-  std::int64_t Execute(std::string_view sql, int options) override {
-    m_injection.Fail(Fault::kMark, engine::error_number::kRowLocked, "Locked by another user.");
-    const std::int64_t rows = m_database->Execute(sql, options);
-    if (++m_marks % 2 == 0) m_backend.Flush();
-    return rows;
-  }
-
- private:
-  Injection& m_injection;
-  engine::Backend& m_backend;
-  std::size_t& m_marks;
-};
-
-// During its lifetime, connections of the embedded database opened in this process fail their commits as the
-// injection specifies.
-class FaultyBackend : public engine::Backend {
- public:
-  FaultyBackend(std::unique_ptr<engine::Backend> backend, Injection& injection)
-      : m_backend(std::move(backend)), m_injection(injection) {
+  FaultyEngine(std::unique_ptr<engine::Backend> backend, Injection& injection) : m_injection(injection) {
     s_injection = &injection;
     sqlite3_auto_extension(reinterpret_cast<void (*)()>(HookCommits));
+    m_hooks.before = [this](const std::string& call) { Before(call); };
+    m_hooks.after = [this, &real = *backend](const std::string& call) {
+      if (IsMark(call) && ++m_marks % 2 == 0) real.Flush();
+    };
+    workspace = MakeHookedWorkspace(m_hooks, std::move(backend));
   }
-  ~FaultyBackend() override {
+  ~FaultyEngine() {
     sqlite3_cancel_auto_extension(reinterpret_cast<void (*)()>(HookCommits));
     s_injection = nullptr;
   }
-
-  std::unique_ptr<engine::Database> Open(const engine::OpenRequest& request) override {
-    m_injection.Fail(Fault::kReach, engine::error_number::kFileNotFound, "Could not find file.");
-    return std::make_unique<FaultyDatabase>(m_backend->Open(request), m_injection, *m_backend, m_marks);
-  }
-  void BeginAction() override { m_backend->BeginAction(); }
-  void Idle() override { m_backend->Idle(); }
-  void Flush() override { m_backend->Flush(); }
-  void EndAction() override { m_backend->EndAction(); }
-  void SetWaiting(const engine::Waiting& waiting) override { m_backend->SetWaiting(waiting); }
-  engine::CommitCounts Commits() const override { return m_backend->Commits(); }
+  FaultyEngine(const FaultyEngine&) = delete;
+  FaultyEngine& operator=(const FaultyEngine&) = delete;
 
  private:
+  static bool IsMark(const std::string& call) {
+    return call == "row written" || call.starts_with("execute ");
+  }
+  void Before(const std::string& call) {
+    using namespace engine::error_number;
+    if (call == "open catalog") m_injection.Fail(Fault::kReach, kFileNotFound, "Could not find file.");
+    if (call == "next row") m_injection.Fail(Fault::kRow, kDiskError, "Disk I/O error during read.");
+    if (IsMark(call)) m_injection.Fail(Fault::kMark, kRowLocked, "Locked by another user.");
+    if (call.starts_with("snapshot ") || call.starts_with("dynaset ")) {
+      m_injection.Fail(Fault::kOpen, kDamaged, "Unrecognized database format.");
+    }
+  }
   static int HookCommits(sqlite3* connection, char**, const void*) {
     sqlite3_commit_hook(
         connection, [](void*) { return s_injection != nullptr && s_injection->Hits(Fault::kCommit) ? 1 : 0; },
@@ -120,9 +76,12 @@ class FaultyBackend : public engine::Backend {
   }
 
   static inline Injection* s_injection = nullptr;
-  std::unique_ptr<engine::Backend> m_backend;
   Injection& m_injection;
+  EngineHooks m_hooks;
   std::size_t m_marks = 0;
+
+ public:
+  std::unique_ptr<engine::Workspace> workspace;  // gone before its hooks
 };
 
 }  // namespace kxrestore::dialog_test

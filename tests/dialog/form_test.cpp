@@ -4,7 +4,9 @@
 #include <fstream>
 #include <sstream>
 
+#include "engine/sqlite/sqlite_backend.h"
 #include "tests/dialog/dialog_fixture.h"
+#include "tests/dialog/hooked_engine.h"
 #include "tests/engine/test_databases.h"
 
 namespace kxrestore::dialog_test {
@@ -155,23 +157,11 @@ TEST_F(FormTest, ACatalogThatAnotherProgramHoldsCanBeUsedOnceItIsFree) {
   EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
 }
 
-// A back end that loses what was written when it is to commit it.
-class LosingBackend : public engine::Backend {
- public:
-  std::unique_ptr<engine::Database> Open(const engine::OpenRequest&) override { return nullptr; }
-  void Idle() override {}
-  void Flush() override { Lose(); }
-  void EndAction() override { Lose(); }
-
- private:
-  [[noreturn]] static void Lose() { throw Error(3026, "Disk full."); }
-};
-
 TEST_F(FormTest, LostCommitIsReportedKeepsTheHostWaitingAndIsListed) {
-  engine::Workspace::Backends backends;
-  backends.sqlite = std::make_unique<LosingBackend>();
-  engine::Workspace losing(std::move(backends));
-  BareContext bare(platform.Get(), losing);
+  // An engine that loses what was written when it is to commit it.
+  const EngineHooks losing{.before = [](const std::string&) { throw Error(3026, "Disk full."); }};
+  const auto databases = MakeHookedWorkspace(losing, engine::sqlite::MakeSqliteBackend());
+  BareContext bare(platform.Get(), *databases);
   dialog::FormContext& context = bare.context;
   int listed = 0, raised = 0;
   context.ListMarksAnew = [&] {
@@ -186,7 +176,7 @@ TEST_F(FormTest, LostCommitIsReportedKeepsTheHostWaitingAndIsListed) {
     EXPECT_EQ(raised, evenThen);
     EXPECT_EQ(listed, evenThen ? 2 : 1);
     ExpectReports({"Click: (3026) Disk full.", "Click: (3026) Disk full.", "Click: (3026) Disk full."});
-    EXPECT_FALSE(losing.InAction());
+    EXPECT_FALSE(databases->InAction());
   }
   context.Command("A", [&] { context.Reporting("B", [] { throw Error(6, "Overflow"); }); });
   ExpectReports({"B: (6) Overflow", "B: (3026) Disk full.", "A: (3026) Disk full.", "A: (3026) Disk full."});

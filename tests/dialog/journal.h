@@ -9,8 +9,7 @@
 #include <vector>
 
 #include "dialog/form_controls.h"
-#include "engine/database.h"
-#include "tests/dialog/pass_through_engine.h"
+#include "tests/dialog/hooked_engine.h"
 
 namespace kxrestore::dialog_test {
 
@@ -22,6 +21,14 @@ class Journal {
   }
   bool Empty() const { return m_lines.empty(); }
   std::vector<std::string> Take() { return std::exchange(m_lines, {}); }
+  // Notes what is asked of the engine.
+  EngineHooks Hooks() {
+    return {.before =
+                [this](const std::string& call) {
+                  if (call != "next row") Note(call);
+                },
+            .mindsTime = false};
+  }
   // Writes the changes of all controls down from here on; those of their places only for the areas.
   void Watch(dialog::FormControls& ui);
 
@@ -146,71 +153,5 @@ inline void WatchAll(Journal& journal, controls::Control& control) {
 inline void Journal::Watch(dialog::FormControls& ui) {
   WatchAll(*this, ui.form);
 }
-
-class JournalRecordset : public PassThroughRecordset {
- public:
-  JournalRecordset(Journal& journal, std::unique_ptr<engine::Recordset> rows)
-      : PassThroughRecordset(std::move(rows)), m_journal(journal) {}
-  void Update() override {
-    m_journal.Note("row written");
-    PassThroughRecordset::Update();
-  }
-  void Close() override {
-    m_journal.Note("close rows");
-    PassThroughRecordset::Close();
-  }
-
- private:
-  Journal& m_journal;
-};
-
-class JournalDatabase : public PassThroughDatabase {
- public:
-  JournalDatabase(Journal& journal, std::unique_ptr<engine::Database> database)
-      : PassThroughDatabase(std::move(database)), m_journal(journal) {}
-  std::unique_ptr<engine::Recordset> OpenRecordset(std::string_view source, engine::RecordsetType type,
-                                                   const engine::ColumnNames& read) override {
-    m_journal.Note((type == engine::RecordsetType::kSnapshot ? "snapshot " : "dynaset ") +
-                   std::string(source));
-    return std::make_unique<JournalRecordset>(m_journal, m_database->OpenRecordset(source, type, read));
-  }
-  std::int64_t Execute(std::string_view sql, int options) override {
-    m_journal.Note("execute " + std::string(sql));
-    return m_database->Execute(sql, options);
-  }
-  void Close() override {
-    m_journal.Note("close catalog");
-    m_database->Close();
-  }
-
- private:
-  Journal& m_journal;
-};
-
-// Nobody waits for a statement here: how often that would be depends on the machine.
-class JournalBackend : public engine::Backend {
- public:
-  JournalBackend(Journal& journal, std::unique_ptr<engine::Backend> backend)
-      : m_journal(journal), m_backend(std::move(backend)) {}
-  std::unique_ptr<engine::Database> Open(const engine::OpenRequest& request) override {
-    m_journal.Note("open catalog");
-    return std::make_unique<JournalDatabase>(m_journal, m_backend->Open(request));
-  }
-  void BeginAction() override { m_backend->BeginAction(); }
-  void Idle() override {}
-  void Flush() override {
-    m_journal.Note("flush");
-    m_backend->Flush();
-  }
-  void EndAction() override {
-    m_journal.Note("commit");
-    m_backend->EndAction();
-  }
-  engine::CommitCounts Commits() const override { return m_backend->Commits(); }
-
- private:
-  Journal& m_journal;
-  std::unique_ptr<engine::Backend> m_backend;
-};
 
 }  // namespace kxrestore::dialog_test

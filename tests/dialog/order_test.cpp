@@ -14,12 +14,8 @@ namespace {
 
 // Constructed before the form that writes into it.
 struct JournalHolder {
-  std::unique_ptr<engine::Workspace> JournaledWorkspace() {
-    engine::Workspace::Backends backends;
-    backends.sqlite = std::make_unique<JournalBackend>(journal, engine::sqlite::MakeSqliteBackend());
-    return std::make_unique<engine::Workspace>(std::move(backends));
-  }
   Journal journal;
+  EngineHooks hooks = journal.Hooks();
 };
 
 // How the statements begin, and what they are called here.
@@ -60,7 +56,7 @@ constexpr std::pair<std::string_view, std::string_view> kStatements[] = {
 
 class OrderTest : public JournalHolder, public DialogTest {
  protected:
-  OrderTest() : DialogTest(JournaledWorkspace()) {
+  OrderTest() : DialogTest(MakeHookedWorkspace(hooks, engine::sqlite::MakeSqliteBackend())) {
     MakeCatalog(
         {Row(1, 1, "003", "C:\\d\\a.doc"), Row(2, 1, "003", "C:\\d\\b.docx"), Row(3, 2, "001", "C:\\c.txt")});
     desktop.onMessage = [this](const auto& box) {

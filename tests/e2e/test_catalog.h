@@ -1,4 +1,5 @@
-// A small catalog file in a folder of its own, whose every row a test can name.
+// A small catalog file in a folder with a blank and characters outside the system's code page, as users have
+// them; a test can name its every row.
 //
 //   Documents   run 1, the newest: C:\Data\a.txt, C:\Data\Reports\b.doc, D:\y.txt, a row that is not live,
 //               and C:\Data\Reports\a very long name.xls
@@ -6,36 +7,46 @@
 //   Mail        run 3: C:\Mail\box.pst
 #pragma once
 
-#include <cstdint>
-#include <set>
-#include <string>
-
-#include "host/catalog_maker/model.h"
+#include "tests/catalog/catalog_file.h"
 
 namespace kxrestore::e2e {
 
 inline constexpr std::int64_t kNewA = 1, kNewB = 2, kNewLong = 3, kNewY = 4, kDead = 5, kOldA = 6, kBox = 7;
 
-class TestCatalog {
+class TestCatalog : public catalog_test::CatalogFile {
  public:
-  TestCatalog();
-  ~TestCatalog();
-  TestCatalog(const TestCatalog&) = delete;
-  TestCatalog& operator=(const TestCatalog&) = delete;
+  TestCatalog() : CatalogFile(AddRows, u8"kx e2e \u6F22") {}
 
-  static void AddRows(sample::CatalogSink& rows);  // the same rows for a catalog elsewhere
-
-  const std::wstring& Folder() const { return m_folder; }  // with its backslash
-  std::wstring Path() const { return m_folder + L"catalog.db"; }
-
-  std::set<std::int64_t> Marked() const { return Query("SELECT ID FROM Catalog WHERE Restore <> 0"); }
-  void Mark(std::int64_t id) const {
-    Query("UPDATE Catalog SET Restore = 1 WHERE ID = " + std::to_string(id));
+  static void AddRows(sample::CatalogSink& rows) {
+    rows.AddSet({1, "Documents"});
+    rows.AddSet({2, "Mail"});
+    rows.AddRun({1, "2026-11-01 02:25:30", "001", false, 6});
+    rows.AddRun({1, "2026-11-02 02:25:30", "002", false, 6});
+    rows.AddRun({2, "2026-11-03 00:00:00", "003", false, 6});
+    rows.AddLongPath({1, "C:\\Data\\Reports\\a very long name.xls"});
+    const auto add = [&](std::int64_t id, std::int64_t set, const char* extension, const std::string& path) {
+      sample::FileRow row = catalog_test::Live(id, path);
+      row.setId = set;
+      row.extension = extension;
+      row.file = path.substr(path.find_last_of('\\') + 1);
+      if (id == kDead) row.status = 3;
+      if (id == kNewLong) row.longPathId = 1;
+      rows.AddFile(row);
+    };
+    add(kNewA, 1, "002", "C:\\Data\\a.txt");
+    add(kNewB, 1, "002", "C:\\Data\\Reports\\b.doc");
+    add(kNewLong, 1, "002", "C:\\Data\\Reports\\AVERYL~1.XLS");
+    add(kNewY, 1, "002", "D:\\y.txt");
+    add(kDead, 1, "002", "C:\\Data\\dead.txt");
+    add(kOldA, 1, "001", "C:\\Data\\a.txt");
+    add(kBox, 2, "003", "C:\\Mail\\box.pst");
   }
-  std::set<std::int64_t> Query(const std::string& sql) const;  // integers of the first column
 
- private:
-  std::wstring m_folder;
+  std::wstring Folder() const { return m_folder.wstring() + L"\\"; }
+  std::wstring Path() const { return (m_folder / L"catalog.db").wstring(); }
+  void Mark(std::int64_t id) const {
+    Execute("UPDATE Catalog SET Restore = 1 WHERE ID = " + std::to_string(id));
+  }
 };
 
 }  // namespace kxrestore::e2e

@@ -70,6 +70,24 @@ TEST_F(WindowTest, TheMouseDragsBothBarsAndBothSidesFollow) {
   });
 }
 
+// The names never end, so the window cannot come up before the user has stopped the load.
+TEST_F(WindowTest, ALoadWithoutEndCanBeStoppedBeforeThereIsAWindow) {
+  m_catalog.Execute(
+      "ALTER TABLE SetNames RENAME TO Sets; CREATE VIEW SetNames AS WITH RECURSIVE n(i) AS "
+      "(SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT 1 AS ID, 'set ' || i AS Name FROM n");
+  EXPECT_EQ(0, RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
+              HWND busy = nullptr;
+              driver::WaitFor(std::chrono::seconds(60), "the offer to stop",
+                              [&] { return (busy = driver::VisibleWindow(L"#32770")) != nullptr; });
+              EXPECT_EQ(nullptr, driver::VisibleWindow(kFormClass));
+              EXPECT_EQ(driver::TextOf(GetDlgItem(busy, IDCANCEL)), "Stop");
+              PostMessageW(busy, WM_COMMAND, IDCANCEL, 0);
+              dialog.WaitForForm();
+              EXPECT_FALSE(IsWindow(busy));
+              dialog.Close();
+            }));
+}
+
 // Counts the paintings of each window of a thread.
 class PaintLog {
  public:

@@ -1,4 +1,5 @@
 // The automation back end: which engine version it selects, what it calls, and how it interprets results.
+#include <algorithm>
 #include <limits>
 
 #include "engine/dao/dao_backend.h"
@@ -16,16 +17,18 @@ using testing::Rows;
 class Dao : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (dao_server::DaoServer::RealOneIsInstalled()) GTEST_SKIP() << "this machine has a real engine";
+    if (DaoTestDatabase::RealOneIsInstalled()) GTEST_SKIP() << "this machine has a real engine";
   }
-  static bool Called(DaoTestDatabase& test, std::string_view call) { return test.Journal().Called(call); }
+  static bool Called(DaoTestDatabase& test, std::string_view call) {
+    return std::ranges::find(test.journal.calls, call) != test.journal.calls.end();
+  }
 };
 
 TEST_F(Dao, TheNewestThatCanBeMade) {
-  const dao_server::Installation now{L"DAO.DBEngine.120"}, broken{L"DAO.DBEngine.120", true},
-      old{L"DAO.DBEngine.36"}, oldest{L"DAO.DBEngine.35"};
+  const testing::Installation now{"DAO.DBEngine.120"}, broken{"DAO.DBEngine.120", true},
+      old{"DAO.DBEngine.36"}, oldest{"DAO.DBEngine.35"};
   const struct {
-    std::vector<dao_server::Installation> installed;
+    std::vector<testing::Installation> installed;
     const char* made;
   } cases[] = {{{oldest, old, now}, "made DAO.DBEngine.120"},
                {{oldest, old}, "made DAO.DBEngine.36"},
@@ -34,13 +37,13 @@ TEST_F(Dao, TheNewestThatCanBeMade) {
     DaoTestDatabase test(installed);
     test.Run("CREATE TABLE T (ID INTEGER)");
     MakeDefaultWorkspace()->OpenDatabase(test.Request());
-    EXPECT_EQ(test.Journal().calls.front(), made);
+    EXPECT_EQ(test.journal.calls.front(), made);
   }
 }
 
 TEST_F(Dao, NoneInstalled) {
-  for (const std::vector<dao_server::Installation>& installed :
-       {std::vector<dao_server::Installation>{}, {{L"DAO.DBEngine.36", true}}}) {
+  for (const std::vector<testing::Installation>& installed :
+       {std::vector<testing::Installation>{}, {{"DAO.DBEngine.36", true}}}) {
     DaoTestDatabase test(installed);
     for (const char* piece :
          {"mdb", "Install the", "x86", installed.empty() ? "" : "DAO.DBEngine.36 is registered"}) {
@@ -75,18 +78,18 @@ TEST_F(Dao, StatementsArriveUntouched) {
   workspace->EndAction();
   EXPECT_TRUE(Called(test, "DBEngine.Idle(8)")) << "and has written when the action ends";
   int made = 0;
-  for (const std::string& call : test.Journal().calls) made += call.starts_with("made");
+  for (const std::string& call : test.journal.calls) made += call.starts_with("made");
   EXPECT_EQ(made, 1) << "one engine serves an action";
-  EXPECT_GT(test.Journal().liveObjects, 0);
+  EXPECT_GT(test.journal.liveObjects, 0);
   database.reset();
-  EXPECT_EQ(test.Journal().liveObjects, 0) << "nothing of it outlives the action and what was opened in it";
+  EXPECT_EQ(test.journal.liveObjects, 0) << "nothing of it outlives the action and what was opened in it";
 }
 
 TEST_F(Dao, ErrorsKeepNumberDescriptionAndSource) {
   for (const bool bare : {false, true}) {
     DaoTestDatabase test;
     test.Run("CREATE TABLE T (ID INTEGER)");
-    test.Journal().bareErrors = bare;
+    test.journal.bareErrors = bare;
     const auto database = MakeDefaultWorkspace()->OpenDatabase(test.Request());
     try {
       database->QueryText("Nothing");
@@ -96,7 +99,7 @@ TEST_F(Dao, ErrorsKeepNumberDescriptionAndSource) {
       EXPECT_EQ(error.Description(), "Item not found in this collection: 'Nothing'.");
       EXPECT_EQ(error.Source(), "DAO.QueryDefs");
     }
-    test.Journal().innerCause = "the driver's words";
+    test.journal.innerCause = "the driver's words";
     ExpectError(error_number::kItemNotFound, "'Nothing'. (the driver's words)",
                 [&] { database->QueryText("Nothing"); });
   }

@@ -136,6 +136,16 @@ TEST_F(OdbcServer, AServerThatGoesAndComesBack) {
             (std::vector<std::string>{"1", "3", "4", "5"}));
 }
 
+TEST_F(OdbcServer, AFullDiskIsToldAsOne) {
+  m_test->Run(
+      "CREATE FUNCTION extend() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RAISE ''no space left'' USING "
+      "ERRCODE "
+      "= ''disk_full''; END'; CREATE TRIGGER full_disk BEFORE UPDATE ON Catalog FOR EACH ROW EXECUTE "
+      "FUNCTION "
+      "extend()");
+  ExpectError(error_number::kDiskFull, "no space left", [&] { Mark(*m_workspace, 1); });
+}
+
 TEST_F(OdbcServer, AStatementHasAMinute) {
   odbc::Session session(m_connect);
   for (const char* table : {"Catalog", "SetNames"}) {

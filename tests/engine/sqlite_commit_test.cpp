@@ -2,8 +2,8 @@
 #include <chrono>
 #include <thread>
 
+#include "tests/engine/hooked_files.h"
 #include "tests/engine/test_databases.h"
-#include "tests/engine/watched_files.h"
 
 namespace kxrestore::engine {
 namespace {
@@ -175,7 +175,7 @@ TEST_F(SqliteDisk, MarksShareTheirSyncs) {
       "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 2099) INSERT INTO Catalog "
       "(ID, Filename, SetNameID, Extension, Restore) SELECT i, 'C:\\file' || i, 1, '002', 0 FROM n");
   m_workspace->BeginAction();
-  m_files.ResetSyncs();
+  m_files.syncs = 0;
   const auto start = std::chrono::steady_clock::now();
   for (int id = 100; id < 2100; ++id) Mark(id);
   m_workspace->EndAction();
@@ -183,8 +183,8 @@ TEST_F(SqliteDisk, MarksShareTheirSyncs) {
       std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Catalog WHERE Restore = 1"), "2001");
   // A commit syncs the journal and the file, some file systems the folder too.
-  EXPECT_LE(m_files.Syncs(), 5 * (2 + spent.count() / 100));
-  EXPECT_GE(m_files.Syncs(), 1) << "nothing was made safe";
+  EXPECT_LE(m_files.syncs, 5 * (2 + spent.count() / 100));
+  EXPECT_GE(m_files.syncs, 1) << "nothing was made safe";
 }
 
 TEST_F(SqliteDisk, FullDiskKeepsWhatWasCommitted) {
@@ -192,18 +192,18 @@ TEST_F(SqliteDisk, FullDiskKeepsWhatWasCommitted) {
   Mark(1);
   m_workspace->Flush();
   Mark(2);
-  m_files.SetDiskFull(true);
+  m_files.diskFull = true;
   ExpectError(error_number::kDiskFull, "catälog.db", [&] { m_workspace->Flush(); });
   ExpectError(error_number::kDiskFull, "catälog.db", [&] {
     Mark(3);
     m_workspace->Flush();
   });
-  m_files.SetDiskFull(false);
+  m_files.diskFull = false;
   Mark(6);
-  m_files.SetDiskFull(true);
+  m_files.diskFull = true;
   ExpectError(error_number::kDiskFull, "catälog.db", [&] { m_workspace->EndAction(); });
   EXPECT_FALSE(m_workspace->InAction());
-  m_files.SetDiskFull(false);
+  m_files.diskFull = false;
   Mark(7);
   EXPECT_EQ(Marked(), "1,4,7");
 }
@@ -215,20 +215,20 @@ TEST_F(SqliteDisk, FullDiskWithinATransactionUndoesIt) {
   const auto database = Open();
   const std::string insert = "INSERT INTO Big (T) VALUES ('" + std::string(60000, 'x') + "')";
   database->BeginTrans();
-  m_files.SetDiskFull(true);
+  m_files.diskFull = true;
   ExpectError(error_number::kDiskFull, "catälog.db", [&] {
     for (int i = 0; i < 5000; ++i) database->Execute(insert, kFailOnError);
   });
-  m_files.SetDiskFull(false);
+  m_files.diskFull = false;
   ExpectError(error_number::kNoTransaction, "undone", [&] { database->Execute(insert, kFailOnError); });
   ExpectError(error_number::kNoTransaction, "undone", [&] { database->CommitTrans(); });
   database->Rollback();
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Big"), "0");
   database->BeginTrans();
   database->Execute(insert, kFailOnError);
-  m_files.SetDiskFull(true);
+  m_files.diskFull = true;
   ExpectError(error_number::kDiskFull, "catälog.db", [&] { database->CommitTrans(); });
-  m_files.SetDiskFull(false);
+  m_files.diskFull = false;
   database->Rollback();
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Big"), "0");
   m_workspace->EndAction();

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/engine/hooked_files.h"
 #include "tests/engine/test_databases.h"
-#include "tests/engine/watched_files.h"
 
 namespace kxrestore::engine {
 namespace {
@@ -201,7 +201,8 @@ TEST_F(SqliteWaiting, SlowFilesLeaveTurns) {
       "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 9000) INSERT INTO Catalog "
       "(ID, "
       "Filename, SetNameID, Restore) SELECT i, 'C:\\some\\longer\\folder\\file' || i, 1, 0 FROM n");
-  files.SetDelays(2ms, 60ms);
+  files.pageDelay = 2ms;
+  files.syncDelay = 60ms;
   m_workspace->BeginAction();
   Watch(kNever);
   const auto database = Open();
@@ -214,7 +215,7 @@ TEST_F(SqliteWaiting, SlowFilesLeaveTurns) {
   ExpectStopped("marking slowly", error_number::kCanceled, [&] {
     database->Execute("UPDATE Catalog SET Restore = True WHERE Filename Like '*9*'", kFailOnError);
   });
-  files.SetDelays(0ms, 0ms);
+  files.pageDelay = files.syncDelay = 0ms;
   m_workspace->EndAction();
   EXPECT_EQ(Marked(), "4,101");
 }

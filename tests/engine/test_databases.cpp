@@ -103,7 +103,7 @@ const std::vector<TestDatabaseKind>& TestDatabaseKinds() {
     add("File2019", "telling-2019.accdb",
         {bench::DesktopFile::Texts::kMixed, bench::DesktopFile::Memos::kChain, 2});
 #ifdef _WIN32
-    if (!dao_server::DaoServer::RealOneIsInstalled()) {
+    if (!DaoTestDatabase::RealOneIsInstalled()) {
       found.push_back({"Dao", [] { return std::make_unique<DaoTestDatabase>(); }});
     }
 #endif

@@ -4,9 +4,10 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <map>
 #include <new>
 #include <stdexcept>
+
+#include "tests/engine/hooked_files.h"
 
 namespace kxrestore::faults {
 namespace {
@@ -38,60 +39,15 @@ void* Reallocate(void* block, int size) {
 
 // ---- its files
 
-sqlite3_vfs* g_real = nullptr;
-sqlite3_vfs g_vfs;
-sqlite3_io_methods g_methods;                                    // of the system's, those that are replaced
-std::map<const sqlite3_io_methods*, sqlite3_io_methods> g_ours;  // with ours in them, by the system's
+using engine::testing::FileCall;
 
-int Read(sqlite3_file* file, void* to, int size, sqlite3_int64 at) {
-  return Fails(Failing::kFiles) ? SQLITE_IOERR_READ : g_methods.xRead(file, to, size, at);
-}
+constexpr int kErrors[] = {SQLITE_CANTOPEN,       SQLITE_IOERR_READ,   SQLITE_IOERR_WRITE,
+                           SQLITE_IOERR_TRUNCATE, SQLITE_IOERR_FSYNC,  SQLITE_IOERR_FSTAT,
+                           SQLITE_IOERR_LOCK,     SQLITE_IOERR_DELETE, SQLITE_IOERR_ACCESS};
 
-int Write(sqlite3_file* file, const void* from, int size, sqlite3_int64 at) {
-  if (Fails(Failing::kFullDisk)) return SQLITE_FULL;
-  return Fails(Failing::kFiles) ? SQLITE_IOERR_WRITE : g_methods.xWrite(file, from, size, at);
-}
-
-int Truncate(sqlite3_file* file, sqlite3_int64 size) {
-  return Fails(Failing::kFiles) ? SQLITE_IOERR_TRUNCATE : g_methods.xTruncate(file, size);
-}
-
-int Sync(sqlite3_file* file, int flags) {
-  return Fails(Failing::kFiles) ? SQLITE_IOERR_FSYNC : g_methods.xSync(file, flags);
-}
-
-int FileSize(sqlite3_file* file, sqlite3_int64* size) {
-  return Fails(Failing::kFiles) ? SQLITE_IOERR_FSTAT : g_methods.xFileSize(file, size);
-}
-
-int Lock(sqlite3_file* file, int level) {
-  return Fails(Failing::kFiles) ? SQLITE_IOERR_LOCK : g_methods.xLock(file, level);
-}
-
-int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* outFlags) {
-  file->pMethods = nullptr;
-  if (Fails(Failing::kFiles)) return SQLITE_CANTOPEN;
-  const int code = g_real->xOpen(g_real, name, file, flags, outFlags);
-  if (file->pMethods == nullptr) return code;
-  const Pause pause;
-  g_methods = *file->pMethods;
-  sqlite3_io_methods& ours = g_ours[file->pMethods] = g_methods;
-  ours.xRead = Read;
-  ours.xWrite = Write;
-  ours.xTruncate = Truncate;
-  ours.xSync = Sync;
-  ours.xFileSize = FileSize;
-  ours.xLock = Lock;
-  file->pMethods = &ours;
-  return code;
-}
-
-int Delete(sqlite3_vfs*, const char* name, int syncFolder) {
-  return Fails(Failing::kFiles) ? SQLITE_IOERR_DELETE : g_real->xDelete(g_real, name, syncFolder);
-}
-
-int Access(sqlite3_vfs*, const char* name, int flags, int* result) {
-  return Fails(Failing::kFiles) ? SQLITE_IOERR_ACCESS : g_real->xAccess(g_real, name, flags, result);
+int OnFileCall(const FileCall& call) {
+  if (call.kind == FileCall::kWrite && Fails(Failing::kFullDisk)) return SQLITE_FULL;
+  return Fails(Failing::kFiles) ? kErrors[call.kind] : SQLITE_OK;
 }
 
 void Need(int code) {
@@ -107,14 +63,7 @@ void InstallFaults() {
   ours.xRealloc = Reallocate;
   Need(sqlite3_config(SQLITE_CONFIG_MALLOC, &ours));
   Need(sqlite3_initialize());
-  g_real = sqlite3_vfs_find(nullptr);
-  g_vfs = *g_real;
-  g_vfs.zName = "faults";
-  g_vfs.pNext = nullptr;
-  g_vfs.xOpen = Open;
-  g_vfs.xDelete = Delete;
-  g_vfs.xAccess = Access;
-  Need(sqlite3_vfs_register(&g_vfs, 1));
+  new engine::testing::HookedFiles(OnFileCall);  // for as long as the program runs
 }
 
 void Arm(Failing failing, long at, bool forever) {

@@ -1,16 +1,6 @@
 #include "tests/faults/power_loss_disk.h"
 
-#include <fcntl.h>
-#include <sqlite3.h>
-#include <sys/stat.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <climits>
-#include <cstdarg>
-#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -18,8 +8,12 @@
 #include <random>
 #include <vector>
 
+#include "tests/engine/hooked_files.h"
+
 namespace kxrestore::faults {
 namespace {
+
+using engine::testing::FileCall;
 
 constexpr std::size_t kSector = 512;
 
@@ -48,125 +42,63 @@ struct PowerLossDisk::Model {
   std::string folder;
   std::function<void()> step;
   Names names, safeNames;
-  std::map<int, std::shared_ptr<File>> open;
+  std::map<const sqlite3_file*, std::shared_ptr<File>> open;
   std::size_t syncs = 0;
 
-  std::string NameOf(const char* path) const {
-    const std::string_view text(path);
-    return text.starts_with(folder) ? std::string(text.substr(folder.size())) : std::string();
-  }
-
-  void Opened(const char* path, int file) {
-    const std::string name = NameOf(path);
-    if (file < 0 || name.empty() || name.ends_with("-shm")) return;
+  // A file that is reopened may be another one.
+  void Opened(const FileCall& call, const std::string& name) {
+    open.erase(call.file);
+    if (name.empty() || (!names.contains(name) && (call.flags & SQLITE_OPEN_CREATE) == 0)) return;
     std::shared_ptr<File>& found = names[name];
     if (!found) found = std::make_shared<File>();
-    open[file] = found;
+    open[call.file] = found;
   }
 
-  void Written(int file, const void* bytes, std::size_t size, std::int64_t at) {
-    const auto found = open.find(file);
-    if (found == open.end() || size == 0) return;
-    step();
-    // A sector is written as a whole or not at all.
-    const char* const all = static_cast<const char*>(bytes);
-    for (std::size_t done = 0; done < size;) {
-      const std::size_t begin = static_cast<std::size_t>(at) + done;
-      const std::size_t piece = std::min(size - done, kSector - begin % kSector);
-      found->second->unsynced.push_back({begin, std::string(all + done, piece)});
-      done += piece;
+  // A sector is written as a whole or not at all.
+  static void Write(File& file, std::string_view bytes, std::size_t at) {
+    while (!bytes.empty()) {
+      const std::string_view piece = bytes.substr(0, kSector - at % kSector);
+      file.unsynced.push_back({at, std::string(piece)});
+      bytes.remove_prefix(piece.size());
+      at += piece.size();
     }
   }
 
-  void Cut(int file, std::int64_t size) {
-    const auto found = open.find(file);
-    if (found == open.end()) return;
-    step();
-    found->second->unsynced.push_back({static_cast<std::size_t>(size), {}});
-  }
-
-  void Synced(int file) {
-    if (const auto found = open.find(file); found != open.end()) {
-      step();
-      ++syncs;
-      for (const Change& change : found->second->unsynced)
-        Apply(found->second->safe, change.at, change.bytes);
-      found->second->unsynced.clear();
-      return;
-    }
-    std::array<char, PATH_MAX> path{};
-    const std::string link = "/proc/self/fd/" + std::to_string(file);
-    if (readlink(link.c_str(), path.data(), path.size() - 1) < 0) return;
-    if (std::string(path.data()) + "/" != folder) return;
+  void SyncFolder() {
     step();
     ++syncs;
     safeNames = names;
   }
 
-  void Deleted(const char* path) {
-    const std::string name = NameOf(path);
-    if (name.empty() || !names.contains(name)) return;
-    step();
-    names.erase(name);
+  // The first sync of a new file syncs its folder, too.
+  void Sync(File& file) {
+    ++syncs;
+    for (const Change& change : file.unsynced) Apply(file.safe, change.at, change.bytes);
+    file.unsynced.clear();
+    if (std::ranges::none_of(safeNames, [&](const auto& safe) { return safe.second.get() == &file; }))
+      SyncFolder();
   }
+
+  int OnCall(const FileCall& call) {
+    const std::string name(call.name.starts_with(folder) ? call.name.substr(folder.size()) : "");
+    if (call.kind == FileCall::kOpen) Opened(call, name);
+    if (call.kind == FileCall::kDelete && names.contains(name)) {
+      step();
+      names.erase(name);
+      if (call.flags != 0) SyncFolder();
+    }
+    const auto found = open.find(call.file);
+    if (found == open.end()) return SQLITE_OK;
+    const auto at = static_cast<std::size_t>(call.at);
+    if (call.kind >= FileCall::kWrite && call.kind <= FileCall::kSync) step();
+    if (call.kind == FileCall::kWrite) Write(*found->second, call.bytes, at);
+    if (call.kind == FileCall::kTruncate) found->second->unsynced.push_back({at, {}});
+    if (call.kind == FileCall::kSync) Sync(*found->second);
+    return SQLITE_OK;
+  }
+
+  engine::testing::HookedFiles files{[this](const FileCall& call) { return OnCall(call); }};
 };
-
-namespace {
-
-PowerLossDisk::Model* g_model = nullptr;
-
-using Call = sqlite3_syscall_ptr;
-std::map<std::string, Call> g_real;
-
-template <class Function>
-Function Real(const char* name) {
-  return reinterpret_cast<Function>(g_real.at(name));
-}
-
-int Open(const char* path, int flags, int mode) {
-  const int file = Real<int (*)(const char*, int, int)>("open")(path, flags, mode);
-  g_model->Opened(path, file);
-  return file;
-}
-
-int CloseFile(int file) {
-  g_model->open.erase(file);
-  return Real<int (*)(int)>("close")(file);
-}
-
-ssize_t WriteAt(int file, const void* bytes, std::size_t size, off_t at) {
-  g_model->Written(file, bytes, size, at);
-  return pwrite(file, bytes, size, at);
-}
-
-ssize_t Write(int file, const void* bytes, std::size_t size) {
-  g_model->Written(file, bytes, size, lseek(file, 0, SEEK_CUR));
-  return write(file, bytes, size);
-}
-
-int Truncate(int file, off_t size) {
-  g_model->Cut(file, size);
-  return ftruncate(file, size);
-}
-
-int Unlink(const char* path) {
-  g_model->Deleted(path);
-  return unlink(path);
-}
-
-const struct {
-  const char* name;
-  Call ours;
-} kCalls[] = {{"open", reinterpret_cast<Call>(Open)},      {"close", reinterpret_cast<Call>(CloseFile)},
-              {"pwrite", reinterpret_cast<Call>(WriteAt)}, {"pwrite64", reinterpret_cast<Call>(WriteAt)},
-              {"write", reinterpret_cast<Call>(Write)},    {"ftruncate", reinterpret_cast<Call>(Truncate)},
-              {"unlink", reinterpret_cast<Call>(Unlink)}};
-
-sqlite3_vfs* SystemsOwn() {
-  return sqlite3_vfs_find("unix");
-}
-
-}  // namespace
 
 PowerLossDisk::PowerLossDisk(std::string folder, std::function<void()> step)
     : m_model(std::make_unique<Model>()) {
@@ -180,21 +112,9 @@ PowerLossDisk::PowerLossDisk(std::string folder, std::function<void()> step)
     m_model->names[entry.path().filename().string()] = std::move(file);
   }
   m_model->safeNames = m_model->names;
-  g_model = m_model.get();
-  sqlite3_vfs* const vfs = SystemsOwn();
-  for (const auto& call : kCalls) {
-    if (vfs->xGetSystemCall(vfs, call.name) == nullptr) continue;  // this build does without
-    g_real[call.name] = vfs->xGetSystemCall(vfs, call.name);
-    vfs->xSetSystemCall(vfs, call.name, call.ours);
-  }
 }
 
-PowerLossDisk::~PowerLossDisk() {
-  sqlite3_vfs* const vfs = SystemsOwn();
-  for (const auto& [name, real] : g_real) vfs->xSetSystemCall(vfs, name.c_str(), real);
-  g_real.clear();
-  g_model = nullptr;
-}
+PowerLossDisk::~PowerLossDisk() = default;
 
 void PowerLossDisk::Fail(const std::string& target, Reached reached, unsigned seed) const {
   std::mt19937 random(seed);
@@ -223,19 +143,4 @@ std::size_t PowerLossDisk::Syncs() const {
   return m_model->syncs;
 }
 
-namespace detail {
-int WatchedSync(long number, int file) {
-  if (g_model != nullptr) g_model->Synced(file);
-  return static_cast<int>(syscall(number, file));
-}
-}  // namespace detail
-
 }  // namespace kxrestore::faults
-
-// The program's own definitions come before the system library's, for the shared database library too.
-extern "C" int fsync(int file) {
-  return kxrestore::faults::detail::WatchedSync(SYS_fsync, file);
-}
-extern "C" int fdatasync(int file) {
-  return kxrestore::faults::detail::WatchedSync(SYS_fdatasync, file);
-}

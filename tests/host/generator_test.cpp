@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -54,61 +52,32 @@ std::uint64_t Fingerprint(const Collected& rows) {
 TEST(Generator, SameSeedSameRowsOnEveryMachine) {
   // Known from another machine and compiler: screenshots and measurements of different machines can be
   // compared.
-  EXPECT_EQ(Fingerprint(Collect({.rows = 3000, .seed = 7})), 13876963731586908730ULL);
-  EXPECT_NE(Fingerprint(Collect({.rows = 3000, .seed = 8})), 13876963731586908730ULL);
+  const std::pair<SampleOptions, std::uint64_t> cases[] = {
+      {{.rows = 3000, .seed = 7}, 13876963731586908730ULL},
+      {{.rows = 3000, .seed = 8}, 8283861806182041946ULL},
+      {{.rows = 3000, .oneRun = true}, 2292255957687433431ULL},
+      {{.rows = 3000, .flat = true}, 7057175108156740759ULL},
+      {{.rows = 37}, 9858820230663208031ULL}};
+  for (const auto& [options, fingerprint] : cases) EXPECT_EQ(Fingerprint(Collect(options)), fingerprint);
 }
 
-TEST(Generator, HandsOutAsManyRowsAsAskedFor) {
-  for (const std::uint64_t rows : {1, 10, 37, 100, 150, 5000}) {
-    EXPECT_EQ(Collect({.rows = rows}).files.size(), rows);
-    EXPECT_EQ(Collect({.rows = rows, .oneRun = true}).files.size(), rows);
-    EXPECT_EQ(Collect({.rows = rows, .flat = true}).files.size(), rows);
+// What a fingerprint does not show to be right.
+TEST(Generator, RowsAreAsManyAsAskedForWithTheirOwnNumbersAndNames) {
+  for (const std::uint64_t rows : {1, 150, 30000}) {
+    for (const bool oneRun : {false, true}) {
+      const Collected all = Collect({.rows = rows, .oneRun = oneRun});
+      std::set<std::int64_t> ids;
+      std::set<std::string> names;
+      for (const FileRow& row : all.files) {
+        ids.insert(row.id);
+        names.insert(row.filename);
+      }
+      EXPECT_EQ(ids.size(), rows);
+      if (oneRun) {
+        EXPECT_EQ(names.size(), rows);
+      }
+    }
   }
-}
-
-TEST(Generator, OneRunHoldsOnlyLivePlainFilesOfDifferentNames) {
-  const Collected rows = Collect({.rows = 30000, .oneRun = true});
-  ASSERT_EQ(rows.runs.size(), 1u);
-  std::set<std::string> names, originals;
-  std::map<std::string, int> folders;
-  for (const FileRow& row : rows.files) {
-    EXPECT_EQ(row.setId, 1);
-    EXPECT_EQ(row.extension, rows.runs[0].extension);
-    EXPECT_EQ(row.status, 2);
-    EXPECT_TRUE(row.plugin.value_or("").empty());
-    names.insert(row.filename);
-    originals.insert(row.origName);
-    EXPECT_LE(++folders[row.origName.substr(0, row.origName.rfind('\\'))], 100);
-  }
-  EXPECT_EQ(names.size(), 30000u);
-  EXPECT_EQ(originals.size(), 30000u);
-  EXPECT_GT(rows.longPaths.size(), 30u);
-}
-
-TEST(Generator, IdentifiersAreUniqueAndVersionsOfAFileGrowInTime) {
-  const Collected rows = Collect({.rows = 20000});
-  std::map<std::string, std::string> runTime;  // of set 1
-  for (const RunRow& run : rows.runs) {
-    if (run.setId == 1) runTime[run.extension] = run.dateStamp;
-  }
-  std::int64_t lastId = 0;
-  std::map<std::string, std::string> lastRun;  // of a file
-  std::size_t versions = 0, newest = 0;
-  for (const FileRow& row : rows.files) {
-    EXPECT_GT(row.id, lastId);
-    lastId = row.id;
-    if (row.setId != 1) continue;
-    const std::string& run = runTime.at(row.extension);
-    std::string& last = lastRun[row.origName];
-    versions += !last.empty();
-    newest += row.extension == "005";
-    EXPECT_LE(last, run) << row.origName;
-    last = run;
-    EXPECT_LT(row.dateStamp.value_or(""), run) << row.origName;
-  }
-  EXPECT_GT(versions, 300u);
-  EXPECT_GT(newest, 19000u) << "the newest run holds most rows";
-  EXPECT_LT(newest, 20000u);
 }
 
 }  // namespace
