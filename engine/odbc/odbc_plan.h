@@ -25,8 +25,7 @@ struct RowUpdate {
 };
 
 struct Plan : CachedPlan {
-  std::string sql;
-  std::vector<std::int64_t> order;  // the number of each parameter's value, from 1
+  jet_sql::PrintedSql sql;
   std::vector<jet_sql::ParameterUse> uses;
   std::vector<jet_sql::ResultColumn> columns;  // in the order of the result, without the hidden ones
   bool columnsKnown = false;

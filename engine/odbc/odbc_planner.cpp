@@ -54,7 +54,7 @@ Value AsKind(const Value& value, ValueKind kind) {
 std::vector<Value> ParameterValues(const Plan& plan, const std::vector<Value>& values,
                                    const ServerDialect& dialect) {
   std::vector<Value> parameters;
-  for (const std::int64_t number : plan.order) {
+  for (const std::int64_t number : plan.sql.Parameters()) {
     const auto index = static_cast<std::size_t>(number - 1);
     const ParameterUse use = index < plan.uses.size() ? plan.uses[index] : ParameterUse();
     if (use.isMask) {
@@ -86,8 +86,7 @@ std::shared_ptr<Plan> MakePlan(Session& session, const Sql& sql, Session::Use us
   if (use == Session::Use::kDynaset && select != nullptr && plan->columnsKnown) {
     AddKeys(session, *select, resolution.tables, *plan);
   }
-  plan->sql = Print(statement, session.Dialect());
-  plan->order = ServerDialect::NumberParameters(plan->sql);
+  plan->sql = PrintWithParameters(statement, session.Dialect());
   return plan;
 }
 
@@ -97,12 +96,15 @@ RowUpdate& FindRowUpdate(Session& session, Plan& plan, const std::vector<std::si
   }
   const PlanTable& table = plan.tables[plan.columns[columns.front()].table];
   const Dialect& dialect = session.Dialect();
-  std::string sql = "UPDATE " + dialect.Identifier(table.name) + " SET ";
+  PrintedSql sql = "UPDATE " + dialect.Identifier(table.name) + " SET ";
+  std::int64_t values = 0;
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    sql += (i == 0 ? "" : ", ") + dialect.Identifier(plan.columns[columns[i]].baseName) + " = ?";
+    sql += (i == 0 ? "" : ", ") + dialect.Identifier(plan.columns[columns[i]].baseName) + " = ";
+    sql += dialect.Parameter(++values);
   }
   for (std::size_t i = 0; i < table.keys.size(); ++i) {
-    sql += (i == 0 ? " WHERE " : " AND ") + dialect.Identifier(table.keys[i]) + " = ?";
+    sql += (i == 0 ? " WHERE " : " AND ") + dialect.Identifier(table.keys[i]) + " = ";
+    sql += dialect.Parameter(++values);
   }
   auto update = std::make_unique<RowUpdate>();
   update->columns = columns;

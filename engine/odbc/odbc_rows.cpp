@@ -67,7 +67,7 @@ bool RowReader::Next() {
   m_isFirstBlock = false;
   const auto fetch = [statement = m_statement](DriverHandles&) { return statement->FetchBlock(); };
   const Outcome outcome = m_session.Run(fetch, m_statement);
-  if (outcome.Failed()) m_session.RaiseFailure(outcome, m_statement->Sql());
+  if (outcome.Failed()) m_session.RaiseFailure(outcome, m_statement->Sql().Text());
   return block.RowCount() > 0;
 }
 
@@ -76,7 +76,7 @@ void RowReader::ReadLongText(std::size_t column) const {
     return statement->ReadLongText(column, row);
   };
   const Outcome outcome = m_session.Run(read, m_statement);
-  if (outcome.Failed()) m_session.RaiseFailure(outcome, m_statement->Sql());
+  if (outcome.Failed()) m_session.RaiseFailure(outcome, m_statement->Sql().Text());
 }
 
 std::string_view RowReader::TextOf(std::size_t column) const {

@@ -90,7 +90,7 @@ bool Session::RunRead(OdbcStatement& statement, const std::vector<Value>& values
     if (!failed.Failed()) return true;
     const Failure failure = FailureOf(failed.Diagnostics());
     if (failure == Failure::kStale) return false;
-    if (m_inGroup || !MayTryAgain(failure, tried)) RaiseFailure(failed, statement.Sql());
+    if (m_inGroup || !MayTryAgain(failure, tried)) RaiseFailure(failed, statement.Sql().Text());
     PauseBeforeTry(tried);
   }
 }
@@ -111,7 +111,7 @@ std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value
     }
     const Failure failure = FailureOf(outcome.Diagnostics());
     if (failure == Failure::kConflict || failure == Failure::kLock) SpendLockWait(start, failure);
-    if (!MayTryAgain(failure, tried)) RaiseFailure(outcome, statement.Sql());
+    if (!MayTryAgain(failure, tried)) RaiseFailure(outcome, statement.Sql().Text());
     // Two connections waited for each other's rows. The statements of this group are repeated and committed
     // one by one, so that no row stays locked while waiting for another.
     if (m_inGroup) Replay(std::exchange(m_group, {}));
@@ -180,7 +180,7 @@ std::vector<std::vector<std::string>> Session::Ask(const std::string& sql, const
 RowReader& Session::ReadCatalog(OdbcStatement& statement, StatementData::CatalogFunction function) {
   FetchPiecewise(false);
   const Outcome outcome = statement.ExecuteCatalog(std::move(function));
-  if (outcome.Failed()) RaiseFailure(outcome, statement.Sql());
+  if (outcome.Failed()) RaiseFailure(outcome, statement.Sql().Text());
   return statement.Rows();
 }
 
@@ -258,7 +258,7 @@ void Session::WriteAgain(const GroupedWrite& write) {
     if (!outcome.Failed()) return;
     const Failure failure = FailureOf(outcome.Diagnostics());
     SpendLockWait(start, failure);
-    if (!MayTryAgain(failure, tried)) RaiseFailure(outcome, write.sql);
+    if (!MayTryAgain(failure, tried)) RaiseFailure(outcome, write.sql.Text());
     PauseBeforeTry(tried);
   }
 }

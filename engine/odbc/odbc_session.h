@@ -104,7 +104,7 @@ class Session {
  private:
   using Clock = std::chrono::steady_clock;
   struct GroupedWrite {
-    std::string sql;
+    jet_sql::PrintedSql sql;
     std::vector<Value> values;
   };
 

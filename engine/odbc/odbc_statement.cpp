@@ -6,9 +6,9 @@
 
 namespace kxrestore::engine::odbc {
 
-OdbcStatement::OdbcStatement(Session& session, std::string_view sql)
+OdbcStatement::OdbcStatement(Session& session, jet_sql::PrintedSql sql)
     : m_session(session),
-      m_data(std::make_shared<StatementData>(sql, session.Facts(), kQueryTimeout)),
+      m_data(std::make_shared<StatementData>(std::move(sql), session.Facts(), kQueryTimeout)),
       m_rows(session, m_data) {}
 
 OdbcStatement::~OdbcStatement() {

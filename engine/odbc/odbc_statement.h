@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "engine/odbc/odbc_rows.h"
@@ -19,12 +18,12 @@ class Session;
 // returned in the outcome.
 class OdbcStatement {
  public:
-  OdbcStatement(Session& session, std::string_view sql);
+  OdbcStatement(Session& session, jet_sql::PrintedSql sql);
   ~OdbcStatement();
   OdbcStatement(const OdbcStatement&) = delete;
   OdbcStatement& operator=(const OdbcStatement&) = delete;
 
-  const std::string& Sql() const { return m_data->Sql(); }
+  const jet_sql::PrintedSql& Sql() const { return m_data->Sql(); }
 
   // Executes; prepares first if necessary.
   Outcome Execute(const std::vector<Value>& values);

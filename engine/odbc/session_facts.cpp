@@ -159,7 +159,7 @@ void Session::LimitLockWaits() {
   } else if (m_facts.IsSqlServer()) {
     OdbcStatement statement(*this, "SET LOCK_TIMEOUT " + limit);
     const Outcome outcome = statement.ExecuteDirect();
-    if (outcome.Failed()) RaiseFailure(outcome, statement.Sql());
+    if (outcome.Failed()) RaiseFailure(outcome, statement.Sql().Text());
   }
   m_lockLimit = left;
 }

@@ -11,25 +11,6 @@ namespace {
 
 constexpr std::size_t kMaxShortText = 4000;  // characters
 
-// Replaces the markers by $1, $2...
-std::string WithNumberedMarkers(std::string_view sql) {
-  std::string numbered;
-  int count = 0;
-  char quote = 0;
-  for (const char c : sql) {
-    if (quote != 0) {
-      if (c == quote) quote = 0;
-    } else if (c == '\'' || c == '"') {
-      quote = c;
-    } else if (c == '?') {
-      numbered += "$" + std::to_string(++count);
-      continue;
-    }
-    numbered += c;
-  }
-  return numbered;
-}
-
 }  // namespace
 
 // ---- values
@@ -85,8 +66,8 @@ Outcome BoundValues::Bind(StatementHandle& statement) {
 
 // ---- statements
 
-StatementData::StatementData(std::string_view sql, const ServerFacts& facts, std::size_t timeout)
-    : m_sql(sql),
+StatementData::StatementData(jet_sql::PrintedSql sql, const ServerFacts& facts, std::size_t timeout)
+    : m_sql(std::move(sql)),
       m_timeout(facts.serverKeepsTime ? 0 : timeout),
       m_rows(facts.textsAsBytes, facts.readsPartsInBlocks) {}
 
@@ -103,7 +84,7 @@ Outcome StatementData::Prepare(DriverHandles& handles, const std::shared_ptr<Sta
 
 Outcome StatementData::Give(Text text) {
   if (m_given == text) return {};
-  WideText wide(text == Text::kCall ? m_call : m_sql);
+  WideText wide(text == Text::kCall ? m_call : m_sql.Text());
   m_given = Text::kNone;
   Outcome outcome = m_handle.Prepare(wide);
   if (!outcome.Failed()) m_given = text;
@@ -117,7 +98,7 @@ void StatementData::PrepareByName(DriverHandles& handles) {
   std::string call = "EXECUTE " + name;
   for (std::size_t i = 0; i < m_values.Count(); ++i) call += i == 0 ? " (?" : ", ?";
   if (m_values.Count() > 0) call += ")";
-  WideText prepare("PREPARE " + name + " AS " + WithNumberedMarkers(m_sql));
+  WideText prepare("PREPARE " + name + " AS " + m_sql.TextWithNumbers());
   StatementHandle statement;
   m_namable = !statement.Allocate(handles.connection).Failed() && !statement.ExecuteDirect(prepare).Failed();
   if (statement.Free().Failed()) m_namable = false;
@@ -151,7 +132,7 @@ Outcome StatementData::Execute(DriverHandles& handles, const std::shared_ptr<Sta
 Outcome StatementData::ExecuteDirect(DriverHandles& handles, const std::shared_ptr<StatementData>& self) {
   Outcome outcome = Prepare(handles, self);
   if (outcome.Failed()) return outcome;
-  WideText text(self->m_sql);
+  WideText text(self->m_sql.Text());
   return self->m_handle.ExecuteDirect(text);
 }
 

@@ -8,9 +8,9 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "engine/jet_sql/printing/printed_sql.h"
 #include "engine/odbc/driver.h"
 #include "engine/odbc/row_block.h"
 #include "engine/odbc/server_facts.h"
@@ -50,11 +50,13 @@ class StatementData {
  public:
   using CatalogFunction = std::function<Outcome(StatementHandle&)>;
 
-  StatementData(std::string_view sql, const ServerFacts& facts, std::size_t timeout);
+  StatementData(jet_sql::PrintedSql sql, const ServerFacts& facts, std::size_t timeout);
 
   // ---- for the session, between two calls
-  const std::string& Sql() const { return m_sql; }
-  bool WantsName() const { return m_executed && m_namable && m_call.empty(); }
+  const jet_sql::PrintedSql& Sql() const { return m_sql; }
+  bool WantsName() const {
+    return m_executed && m_namable && m_call.empty() && m_sql.Parameters().size() == m_values.Count();
+  }
   void SetName(std::string name) { m_name = std::move(name); }
   void SetValues(const std::vector<Value>& values) { m_values.Set(values); }
   const RowBlock& Rows() const { return m_rows; }
@@ -85,7 +87,8 @@ class StatementData {
   Outcome Give(Text text);
   void PrepareByName(DriverHandles& handles);
 
-  std::string m_sql, m_name;
+  jet_sql::PrintedSql m_sql;
+  std::string m_name;
   std::string m_call;  // EXECUTE, once it is prepared by name
   std::size_t m_timeout;
   StatementHandle m_handle;

@@ -25,10 +25,22 @@ struct ToValue {
   }
 };
 
+// A ? of the statement is a parameter.
+engine::jet_sql::PrintedSql WithParameters(std::string_view sql) {
+  using engine::jet_sql::PrintedSql;
+  PrintedSql result;
+  std::int64_t count = 0;
+  for (std::size_t mark; (mark = sql.find('?')) != sql.npos; sql.remove_prefix(mark + 1)) {
+    result += sql.substr(0, mark);
+    result += PrintedSql::Parameter(++count);
+  }
+  return result + sql;
+}
+
 class ServerWriter final : public TableWriter {
  public:
   explicit ServerWriter(odbc::Session& session) : m_session(session) {
-    for (const char* sql : kInsertStatements) m_inserts.emplace_back(session, sql);
+    for (const char* sql : kInsertStatements) m_inserts.emplace_back(session, WithParameters(sql));
   }
 
  private:

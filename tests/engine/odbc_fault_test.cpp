@@ -71,10 +71,10 @@ TEST_F(OdbcServer, AServerOfAnotherMakeIsRefused) {
 TEST_F(OdbcServer, PlainLettersToSortBy) {
   using jet_sql::PostgresDialect;
   const PostgresDialect dialect(PostgresDialect::Order::kPlainLetters, false);
-  EXPECT_EQ(
-      m_test->Ask("SELECT string_agg(n, ' ' ORDER BY " + dialect.SortKey("n", jet_sql::ValueKind::kText) +
-                  ", k) FROM (VALUES ('Zoo', 1), ('Ärzte', 1), ('ARZT', 2), ('arzt', 1)) AS v (n, k)"),
-      "arzt ARZT Ärzte Zoo");
+  EXPECT_EQ(m_test->Ask("SELECT string_agg(n, ' ' ORDER BY " +
+                        dialect.SortKey("n", jet_sql::ValueKind::kText).Text() +
+                        ", k) FROM (VALUES ('Zoo', 1), ('Ärzte', 1), ('ARZT', 2), ('arzt', 1)) AS v (n, k)"),
+            "arzt ARZT Ärzte Zoo");
 }
 
 TEST_F(OdbcServer, RightsThatLack) {

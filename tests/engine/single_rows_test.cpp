@@ -83,7 +83,7 @@ class SingleRows : public ::testing::TestWithParam<testing::TestDatabaseKind> {
     for (const Use use : {Use::kSnapshot, Use::kDynaset}) {
       const std::string sql =
           session.FindPlan(Sql("SELECT * FROM Latest WHERE Latest.OrigName Like \"a*\" AND Status = 2"), use)
-              ->sql;
+              ->sql.Text();
       int counted = 0;
       for (std::size_t at = 0; (at = sql.find("GROUP BY", at)) != std::string::npos; ++at) ++counted;
       EXPECT_EQ(counted, use == Use::kSnapshot ? groups : 2) << sql;

@@ -15,32 +15,31 @@ std::string Dialect::Date(const DateTime& date) const {
   return "'" + ToText(date) + "'";
 }
 
-std::string Dialect::EmptyIfNull(const std::string& operand) const {
-  return operand.front() == '\'' ? operand : "coalesce(" + operand + ", '')";
+PrintedSql Dialect::EmptyIfNull(const PrintedSql& operand) const {
+  return operand.Text().front() == '\'' ? operand : "coalesce(" + operand + ", '')";
 }
 
-std::string Dialect::BooleanTest(const std::string& operand, bool expected, ValueKind /*kind*/) const {
+PrintedSql Dialect::BooleanTest(const PrintedSql& operand, bool expected, ValueKind /*kind*/) const {
   return operand + (expected ? " <> 0" : " = 0");
 }
 
-std::string Dialect::BooleanExtreme(const std::string& operand, bool maximum) const {
+PrintedSql Dialect::BooleanExtreme(const PrintedSql& operand, bool maximum) const {
   return (maximum ? "max(" : "min(") + operand + ")";
 }
 
-std::string Dialect::Call(const Expression& call, const std::vector<std::string>& arguments) const {
+PrintedSql Dialect::Call(const Expression& call, const std::vector<PrintedSql>& arguments) const {
   for (const FunctionMapping& mapping : Functions()) {
     if (mapping.arguments != arguments.size() || mapping.function != call.function) continue;
-    std::string text;
-    for (std::size_t i = 0; i < mapping.text.size(); ++i) {
-      if (mapping.text[i] == '$') {
-        text += arguments[static_cast<std::size_t>(mapping.text[++i] - '1')];
-      } else {
-        text += mapping.text[i];
-      }
+    PrintedSql text;
+    std::string_view rest = mapping.text;
+    for (std::size_t sign; (sign = rest.find('$')) != rest.npos; rest.remove_prefix(sign + 2)) {
+      text += rest.substr(0, sign);
+      text += arguments[static_cast<std::size_t>(rest[sign + 1] - '1')];
     }
+    text += rest;
     return text;
   }
-  std::string text = call.text + "(";
+  PrintedSql text = call.text + "(";
   for (std::size_t i = 0; i < arguments.size(); ++i) text += (i == 0 ? "" : ", ") + arguments[i];
   return text + ")";
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/jet_sql/ast.h"
+#include "engine/jet_sql/printing/printed_sql.h"
 
 namespace kxrestore::engine::jet_sql {
 
@@ -27,39 +28,39 @@ class Dialect {
   virtual std::string Text(std::string_view text) const;  // in apostrophes, doubled inside
   virtual std::string Date(const DateTime& date) const;   // 'YYYY-MM-DD HH:MM:SS'
   virtual std::string Boolean(bool value) const = 0;
-  virtual std::string Parameter(std::int64_t number) const = 0;
+  virtual PrintedSql Parameter(std::int64_t number) const = 0;
 
   // operand = True / operand = False: any other number than 0 is true.
-  virtual std::string BooleanTest(const std::string& operand, bool expected, ValueKind kind) const;
+  virtual PrintedSql BooleanTest(const PrintedSql& operand, bool expected, ValueKind kind) const;
   // Whether the database has a Boolean type, so that a condition is a value and a Boolean value a condition.
   // Otherwise the printer converts between them; `number` is 1, 0 or Null.
   virtual bool HasBooleans() const { return true; }
-  virtual std::string BooleanValue(const std::string& number) const { return number; }
+  virtual PrintedSql BooleanValue(const PrintedSql& number) const { return number; }
   // Max and Min of a Boolean are Or and And.
-  virtual std::string BooleanExtreme(const std::string& operand, bool maximum) const;
+  virtual PrintedSql BooleanExtreme(const PrintedSql& operand, bool maximum) const;
 
   // `pattern` is the pattern as parsed, `printed` as printed.
-  virtual std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
-                           bool negated) const = 0;
+  virtual PrintedSql Like(const PrintedSql& operand, const Expression& pattern, const PrintedSql& printed,
+                          bool negated) const = 0;
   // Converts a mask that is bound as a parameter.
   virtual std::string Mask(std::string_view mask) const { return std::string(mask); }
 
   // left & right: Null counts as an empty text.
   virtual std::string_view ConcatenationSign() const { return "||"; }
-  virtual std::string EmptyIfNull(const std::string& operand) const;
-  virtual std::string Divide(const std::string& left, const std::string& right, bool whole) const = 0;
+  virtual PrintedSql EmptyIfNull(const PrintedSql& operand) const;
+  virtual PrintedSql Divide(const PrintedSql& left, const PrintedSql& right, bool whole) const = 0;
 
   // First(x) of a group. Any row of the group may supply the value.
-  virtual std::string First(const std::string& operand, ValueKind kind) const = 0;
+  virtual PrintedSql First(const PrintedSql& operand, ValueKind kind) const = 0;
   virtual bool FirstIsAggregate() const = 0;
 
   // A function that Functions() does not name keeps its name.
-  std::string Call(const Expression& call, const std::vector<std::string>& arguments) const;
+  PrintedSql Call(const Expression& call, const std::vector<PrintedSql>& arguments) const;
 
   // A column to sort by, so that texts come in the order that people expect.
-  virtual std::string SortKey(const std::string& column, ValueKind /*kind*/) const { return column; }
+  virtual PrintedSql SortKey(const PrintedSql& column, ValueKind /*kind*/) const { return column; }
   // A column to group by, so that texts which differ in case only are one group.
-  virtual std::string GroupKey(const std::string& column, ValueKind /*kind*/) const { return column; }
+  virtual PrintedSql GroupKey(const PrintedSql& column, ValueKind /*kind*/) const { return column; }
 
   // Whether the row limit is LIMIT n at the end of the statement rather than TOP n after SELECT.
   virtual bool LimitAtEnd() const = 0;
@@ -85,14 +86,14 @@ class SqliteDialect : public Dialect {
 
   std::string Identifier(std::string_view name) const override;
   std::string Boolean(bool value) const override { return value ? "1" : "0"; }
-  std::string Parameter(std::int64_t number) const override { return "?" + std::to_string(number); }
-  std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
-                   bool negated) const override;
-  std::string Divide(const std::string& left, const std::string& right, bool whole) const override;
-  std::string First(const std::string& operand, ValueKind /*kind*/) const override { return operand; }
+  PrintedSql Parameter(std::int64_t number) const override { return "?" + std::to_string(number); }
+  PrintedSql Like(const PrintedSql& operand, const Expression& pattern, const PrintedSql& printed,
+                  bool negated) const override;
+  PrintedSql Divide(const PrintedSql& left, const PrintedSql& right, bool whole) const override;
+  PrintedSql First(const PrintedSql& operand, ValueKind /*kind*/) const override { return operand; }
   bool FirstIsAggregate() const override { return false; }
-  std::string SortKey(const std::string& column, ValueKind kind) const override;
-  std::string GroupKey(const std::string& column, ValueKind kind) const override;
+  PrintedSql SortKey(const PrintedSql& column, ValueKind kind) const override;
+  PrintedSql GroupKey(const PrintedSql& column, ValueKind kind) const override;
   bool LimitAtEnd() const override { return true; }
 
  protected:

@@ -46,12 +46,12 @@ void AppendElement(std::string& regex, const MaskElement& element) {
 
 }  // namespace
 
-std::string PostgresDialect::BooleanTest(const std::string& operand, bool expected, ValueKind kind) const {
+PrintedSql PostgresDialect::BooleanTest(const PrintedSql& operand, bool expected, ValueKind kind) const {
   if (kind == ValueKind::kNumber) return operand + (expected ? " <> 0" : " = 0");
   return operand + (expected ? " = TRUE" : " = FALSE");
 }
 
-std::string PostgresDialect::BooleanExtreme(const std::string& operand, bool maximum) const {
+PrintedSql PostgresDialect::BooleanExtreme(const PrintedSql& operand, bool maximum) const {
   return (maximum ? "bool_or(" : "bool_and(") + operand + ")";
 }
 
@@ -70,44 +70,44 @@ std::string PostgresDialect::Mask(std::string_view mask) const {
   return regex;
 }
 
-std::string PostgresDialect::Like(const std::string& operand, const Expression& pattern,
-                                  const std::string& printed, bool negated) const {
-  const std::string text = "CAST(" + operand + " AS text)" + (m_collatesCase ? kIcuCollation : "");
+PrintedSql PostgresDialect::Like(const PrintedSql& operand, const Expression& pattern,
+                                 const PrintedSql& printed, bool negated) const {
+  const PrintedSql text = "CAST(" + operand + " AS text)" + (m_collatesCase ? kIcuCollation : "");
   if (pattern.kind == ExpressionKind::kText || pattern.kind == ExpressionKind::kParameter) {
-    const std::string regex = pattern.kind == ExpressionKind::kText ? Text(Mask(pattern.text)) : printed;
+    const PrintedSql regex = pattern.kind == ExpressionKind::kText ? Text(Mask(pattern.text)) : printed;
     return text + (negated ? " !~* " : " ~* ") + regex;
   }
   // The mask is computed on the server, so only * and ? are translated.
-  std::string mask = "CAST(" + printed + " AS text)";
+  PrintedSql mask = "CAST(" + printed + " AS text)";
   for (const char* change : {"'\\', '\\\\'", "'%', '\\%'", "'_', '\\_'", "'*', '%'", "'?', '_'"}) {
     mask = "replace(" + mask + ", " + change + ")";
   }
   return text + (negated ? " NOT ILIKE " : " ILIKE ") + mask;
 }
 
-std::string PostgresDialect::Divide(const std::string& left, const std::string& right, bool whole) const {
+PrintedSql PostgresDialect::Divide(const PrintedSql& left, const PrintedSql& right, bool whole) const {
   if (whole) return "CAST(" + left + " AS bigint) / CAST(" + right + " AS bigint)";
   return "CAST(" + left + " AS double precision) / " + right;
 }
 
-std::string PostgresDialect::First(const std::string& operand, ValueKind kind) const {
+PrintedSql PostgresDialect::First(const PrintedSql& operand, ValueKind kind) const {
   if (kind == ValueKind::kBoolean) return "bool_or(" + operand + ")";
   if (kind == ValueKind::kUnknown) return "(array_agg(" + operand + "))[1]";
   return "min(" + operand + ")";
 }
 
-std::string PostgresDialect::Lower(const std::string& operand) const {
+PrintedSql PostgresDialect::Lower(const PrintedSql& operand) const {
   return "lower(" + operand + (m_collatesCase ? kIcuCollation : "") + ")";
 }
 
-std::string PostgresDialect::SortKey(const std::string& column, ValueKind kind) const {
+PrintedSql PostgresDialect::SortKey(const PrintedSql& column, ValueKind kind) const {
   if (kind != ValueKind::kText) return column;
   if (m_order == Order::kOwn) return Lower(column);
   if (m_order == Order::kCollation) return Lower(column) + kIcuCollation;
   return "translate(" + Lower(column) + ", '" + kAccented + "', '" + kPlain + "')";
 }
 
-std::string PostgresDialect::GroupKey(const std::string& column, ValueKind kind) const {
+PrintedSql PostgresDialect::GroupKey(const PrintedSql& column, ValueKind kind) const {
   return kind == ValueKind::kText ? Lower(column) : column;
 }
 

@@ -100,12 +100,12 @@ class Printer {
                    const SelectCore* grouped = nullptr)
       : m_dialect(dialect), m_printedAs(printedAs), m_grouped(grouped) {}
 
-  std::string operator()(const SelectStatement& statement) const {
+  PrintedSql operator()(const SelectStatement& statement) const {
     return Select(statement, m_printedAs == PrintedAs::kStatement);
   }
 
-  std::string operator()(const UpdateStatement& statement) const {
-    std::string text = "UPDATE " + Table(statement.table) + " SET ";
+  PrintedSql operator()(const UpdateStatement& statement) const {
+    PrintedSql text = "UPDATE " + Table(statement.table) + " SET ";
     bool first = true;
     for (const auto& [column, expression] : statement.assignments) {
       if (!first) text += ", ";
@@ -115,8 +115,8 @@ class Printer {
     return text + Where(statement.where);
   }
 
-  std::string operator()(const InsertStatement& statement) const {
-    std::string text = "INSERT INTO " + m_dialect.Identifier(statement.table);
+  PrintedSql operator()(const InsertStatement& statement) const {
+    PrintedSql text = "INSERT INTO " + m_dialect.Identifier(statement.table);
     if (!statement.columns.empty()) {
       text += " (";
       for (std::size_t i = 0; i < statement.columns.size(); ++i) {
@@ -132,19 +132,19 @@ class Printer {
     return text;
   }
 
-  std::string operator()(const DeleteStatement& statement) const {
+  PrintedSql operator()(const DeleteStatement& statement) const {
     return "DELETE FROM " + Table(statement.table) + Where(statement.where);
   }
 
  private:
-  std::string Where(const ExpressionPtr& condition) const {
-    return condition ? " WHERE " + Condition(*condition) : std::string();
+  PrintedSql Where(const ExpressionPtr& condition) const {
+    return condition ? " WHERE " + Condition(*condition) : PrintedSql();
   }
 
   // ---- SELECT
 
-  std::string Select(const SelectStatement& statement, bool outermost = false) const {
-    std::string text;
+  PrintedSql Select(const SelectStatement& statement, bool outermost = false) const {
+    PrintedSql text;
     const bool needsTop = !outermost && !statement.orderBy.empty() && !m_dialect.OrdersWithin();
     for (std::size_t i = 0; i < statement.cores.size(); ++i) {
       if (i > 0) text += statement.unionAll[i - 1] ? " UNION ALL " : " UNION ";
@@ -167,7 +167,7 @@ class Printer {
     return text;
   }
 
-  std::string SortKey(const Expression& expression) const {
+  PrintedSql SortKey(const Expression& expression) const {
     const bool first = IsCall(expression, Function::kFirst, 1);
     const Expression& inner = first ? *expression.args.front() : expression;
     if (inner.kind != ExpressionKind::kColumn) return Value(expression);
@@ -189,8 +189,8 @@ class Printer {
     return first;
   }
 
-  std::string Core(const SelectCore& core, bool needsTop) const {
-    std::string text = core.distinct ? "SELECT DISTINCT " : "SELECT ";
+  PrintedSql Core(const SelectCore& core, bool needsTop) const {
+    PrintedSql text = core.distinct ? "SELECT DISTINCT " : "SELECT ";
     if (core.top && !m_dialect.LimitAtEnd()) {
       text += "TOP " + std::to_string(*core.top) + " ";
     } else if (needsTop) {
@@ -212,23 +212,23 @@ class Printer {
   }
 
   // Names every column, because engines name unnamed ones differently.
-  std::string Item(const SelectItem& item, std::size_t index) const {
+  PrintedSql Item(const SelectItem& item, std::size_t index) const {
     if (!item.expression) {
       return item.starQualifier.empty() ? "*" : m_dialect.Identifier(item.starQualifier) + ".*";
     }
     return Value(*item.expression) + " AS " + m_dialect.Identifier(ColumnName(item, index));
   }
 
-  std::string Table(const TableRef& table) const {
-    std::string text;
+  PrintedSql Table(const TableRef& table) const {
+    PrintedSql text;
     if (table.nested) return "(" + Chain(*table.nested) + ")";
     text = table.query ? "(" + Select(*table.query) + ")" : m_dialect.Identifier(table.name);
     if (!table.alias.empty()) text += " AS " + m_dialect.Identifier(table.alias);
     return text;
   }
 
-  std::string Chain(const JoinChain& chain) const {
-    std::string text = Table(chain.first);
+  PrintedSql Chain(const JoinChain& chain) const {
+    PrintedSql text = Table(chain.first);
     for (const Join& join : chain.joins) {
       text += join.type == JoinType::kLeft    ? " LEFT JOIN "
               : join.type == JoinType::kInner ? " INNER JOIN "
@@ -241,14 +241,14 @@ class Printer {
 
   // ---- expressions
 
-  std::string Condition(const Expression& expression) const {
+  PrintedSql Condition(const Expression& expression) const {
     if (m_dialect.HasBooleans() || IsCondition(expression)) return Text(expression);
     return m_dialect.BooleanTest(Operand(expression, kTestLevel), true, expression.valueKind);
   }
 
-  std::string Value(const Expression& expression) const {
+  PrintedSql Value(const Expression& expression) const {
     if (m_dialect.HasBooleans() || !IsCondition(expression)) return Text(expression);
-    const std::string condition = Text(expression);
+    const PrintedSql condition = Text(expression);
     if (IsNeverNull(expression)) {
       return m_dialect.BooleanValue("CASE WHEN " + condition + " THEN 1 ELSE 0 END");
     }
@@ -257,7 +257,7 @@ class Printer {
   }
 
   // Logical operators bind less tightly than those that take values.
-  std::string Operand(const Expression& expression, Level parent) const {
+  PrintedSql Operand(const Expression& expression, Level parent) const {
     if (!m_dialect.HasBooleans()) {
       if (parent < kTestLevel && !IsCondition(expression)) return Condition(expression);
       if (parent >= kTestLevel && IsCondition(expression)) return Value(expression);
@@ -267,8 +267,8 @@ class Printer {
     return brackets ? "(" + Text(expression) + ")" : Text(expression);
   }
 
-  std::string List(const std::vector<ExpressionPtr>& expressions, std::size_t from) const {
-    std::string text;
+  PrintedSql List(const std::vector<ExpressionPtr>& expressions, std::size_t from) const {
+    PrintedSql text;
     for (std::size_t i = from; i < expressions.size(); ++i) {
       if (i > from) text += ", ";
       text += Value(*expressions[i]);
@@ -276,16 +276,16 @@ class Printer {
     return text;
   }
 
-  std::string Text(const Expression& node) const {
-    std::string text = AnyText(node);
-    if (text.size() > kLongestExpression) {
-      Raise(error_number::kSyntax,
-            "Expression too complex in query expression '" + std::string(LeftCharacters(text, 100)) + "'.");
+  PrintedSql Text(const Expression& node) const {
+    PrintedSql text = AnyText(node);
+    if (text.Text().size() > kLongestExpression) {
+      Raise(error_number::kSyntax, "Expression too complex in query expression '" +
+                                       std::string(LeftCharacters(text.Text(), 100)) + "'.");
     }
     return text;
   }
 
-  std::string AnyText(const Expression& node) const {
+  PrintedSql AnyText(const Expression& node) const {
     switch (node.kind) {
       case ExpressionKind::kNull:
         return "NULL";
@@ -343,7 +343,7 @@ class Printer {
            m_dialect.Identifier(node.text);
   }
 
-  std::string GroupKey(const Expression& expression) const {
+  PrintedSql GroupKey(const Expression& expression) const {
     const Expression& column = GroupedExpression(expression);
     if (column.kind != ExpressionKind::kColumn) return Value(expression);
     return m_dialect.GroupKey(Column(column), column.valueKind);
@@ -353,32 +353,32 @@ class Printer {
   bool HasManySpellings(const Expression& column) const {
     if (m_grouped == nullptr || !m_dialect.FirstIsAggregate()) return false;
     return std::any_of(m_grouped->groupBy.begin(), m_grouped->groupBy.end(), [&](const ExpressionPtr& key) {
-      return IsSameColumn(*key, column) && GroupKey(*key) != Column(column);
+      return IsSameColumn(*key, column) && GroupKey(*key).Text() != Column(column);
     });
   }
 
   Printer Of(const SelectCore* grouped) const { return Printer(m_dialect, m_printedAs, grouped); }
 
-  std::string Operators(const Expression& node) const {
+  PrintedSql Operators(const Expression& node) const {
     const Level level = LevelOf(node);
-    std::string text = Operand(*node.args[0], level);
+    PrintedSql text = Operand(*node.args[0], level);
     for (std::size_t i = 0; i < node.operators.size(); ++i) {
       const Operator sign = node.operators[i];
-      const std::string right = Operand(*node.args[i + 1], level);
+      const PrintedSql right = Operand(*node.args[i + 1], level);
       if (sign == Operator::kConcatenate) {
         if (i == 0) text = m_dialect.EmptyIfNull(text);
-        text += " " + std::string(m_dialect.ConcatenationSign()) + " " + m_dialect.EmptyIfNull(right);
+        text += " " + PrintedSql(m_dialect.ConcatenationSign()) + " " + m_dialect.EmptyIfNull(right);
       } else if (sign == Operator::kDivide || sign == Operator::kDivideWhole) {
         text = m_dialect.Divide(i == 0 ? text : "(" + text + ")", right, sign == Operator::kDivideWhole);
       } else {
         const auto printed = sign == Operator::kStandardJoin ? m_dialect.ConcatenationSign() : SignOf(sign);
-        text.append(" ").append(printed).append(" ").append(right);
+        text += " " + std::string(printed) + " " + right;
       }
     }
     return text;
   }
 
-  std::string Compare(const Expression& node) const {
+  PrintedSql Compare(const Expression& node) const {
     const Operator sign = node.operators.front();
     const Expression& left = *node.args[0];
     const Expression& right = *node.args[1];
@@ -389,11 +389,10 @@ class Printer {
       const Expression& tested = leftBoolean ? right : left;
       return m_dialect.BooleanTest(Operand(tested, kTestLevel), expected, tested.valueKind);
     }
-    return Operand(left, kTestLevel).append(" ").append(SignOf(sign)).append(" ") +
-           Operand(right, kTestLevel);
+    return Operand(left, kTestLevel) + " " + SignOf(sign) + " " + Operand(right, kTestLevel);
   }
 
-  std::string Call(const Expression& node) const {
+  PrintedSql Call(const Expression& node) const {
     if (m_grouped != nullptr && IsAggregate(node)) return Of(nullptr).Call(node);
     if (IsCall(node, Function::kIsNull, 1)) return "(" + Operand(*node.args[0], kTestLevel) + " IS NULL)";
     if (IsCall(node, Function::kFirst, 1)) {
@@ -411,14 +410,14 @@ class Printer {
       return "CASE WHEN " + Condition(condition) + " THEN " + Value(*node.args[1]) + " ELSE " +
              Value(*node.args[2]) + " END";
     }
-    std::vector<std::string> arguments;
+    std::vector<PrintedSql> arguments;
     for (const ExpressionPtr& argument : node.args) arguments.push_back(Value(*argument));
-    if (node.distinct && !arguments.empty()) arguments.front().insert(0, "DISTINCT ");
+    if (node.distinct && !arguments.empty()) arguments.front() = "DISTINCT " + arguments.front();
     return m_dialect.Call(node, arguments);
   }
 
-  std::string Case(const Expression& node) const {
-    std::string text = "CASE";
+  PrintedSql Case(const Expression& node) const {
+    PrintedSql text = "CASE";
     std::size_t i = 0;
     if (node.hasBase) text += " " + Value(*node.args[i++]);
     for (; i + 1 < node.args.size(); i += 2) {
@@ -436,12 +435,16 @@ class Printer {
 
 }  // namespace
 
-std::string Print(const Statement& statement, const Dialect& dialect, PrintedAs printedAs) {
+PrintedSql PrintWithParameters(const Statement& statement, const Dialect& dialect, PrintedAs printedAs) {
   return std::visit(Printer(dialect, printedAs), statement);
 }
 
+std::string Print(const Statement& statement, const Dialect& dialect, PrintedAs printedAs) {
+  return PrintWithParameters(statement, dialect, printedAs).Text();
+}
+
 std::string PrintSelect(const SelectStatement& statement, const Dialect& dialect) {
-  return Printer(dialect)(statement);
+  return Printer(dialect)(statement).Text();
 }
 
 }  // namespace kxrestore::engine::jet_sql

@@ -10,6 +10,10 @@ namespace kxrestore::engine::jet_sql {
 
 enum class PrintedAs { kStatement, kView };
 
+// For drivers that number parameters by their order in the text.
+PrintedSql PrintWithParameters(const Statement& statement, const Dialect& dialect,
+                               PrintedAs printedAs = PrintedAs::kStatement);
+// The text alone.
 std::string Print(const Statement& statement, const Dialect& dialect,
                   PrintedAs printedAs = PrintedAs::kStatement);
 std::string PrintSelect(const SelectStatement& statement, const Dialect& dialect);

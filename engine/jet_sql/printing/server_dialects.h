@@ -6,18 +6,14 @@
 
 namespace kxrestore::engine::jet_sql {
 
-// Common base. Drivers number parameters by their order in the text, so a parameter first prints as a mark
-// with its number; NumberParameters turns the marks into "?".
+// Common base. Drivers number parameters by their order in the text.
 class ServerDialect : public Dialect {
  public:
   explicit ServerDialect(char openQuote, char closeQuote)
       : m_openQuote(openQuote), m_closeQuote(closeQuote) {}
 
   std::string Identifier(std::string_view name) const override;
-  std::string Parameter(std::int64_t number) const override;
-
-  // Returns the parameter numbers in the order of the text.
-  static std::vector<std::int64_t> NumberParameters(std::string& sql);
+  PrintedSql Parameter(std::int64_t number) const override { return PrintedSql::Parameter(number); }
 
  private:
   char m_openQuote, m_closeQuote;
@@ -31,23 +27,23 @@ class PostgresDialect final : public ServerDialect {
       : ServerDialect('"', '"'), m_order(order), m_collatesCase(collatesCase) {}
 
   std::string Boolean(bool value) const override { return value ? "TRUE" : "FALSE"; }
-  std::string BooleanTest(const std::string& operand, bool expected, ValueKind kind) const override;
-  std::string BooleanExtreme(const std::string& operand, bool maximum) const override;
-  std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
-                   bool negated) const override;
+  PrintedSql BooleanTest(const PrintedSql& operand, bool expected, ValueKind kind) const override;
+  PrintedSql BooleanExtreme(const PrintedSql& operand, bool maximum) const override;
+  PrintedSql Like(const PrintedSql& operand, const Expression& pattern, const PrintedSql& printed,
+                  bool negated) const override;
   std::string Mask(std::string_view mask) const override;
-  std::string Divide(const std::string& left, const std::string& right, bool whole) const override;
-  std::string First(const std::string& operand, ValueKind kind) const override;
+  PrintedSql Divide(const PrintedSql& left, const PrintedSql& right, bool whole) const override;
+  PrintedSql First(const PrintedSql& operand, ValueKind kind) const override;
   bool FirstIsAggregate() const override { return true; }
-  std::string SortKey(const std::string& column, ValueKind kind) const override;
-  std::string GroupKey(const std::string& column, ValueKind kind) const override;
+  PrintedSql SortKey(const PrintedSql& column, ValueKind kind) const override;
+  PrintedSql GroupKey(const PrintedSql& column, ValueKind kind) const override;
   bool LimitAtEnd() const override { return true; }
 
  protected:
   std::span<const FunctionMapping> Functions() const override;
 
  private:
-  std::string Lower(const std::string& operand) const;
+  PrintedSql Lower(const PrintedSql& operand) const;
 
   Order m_order;
   bool m_collatesCase;

@@ -63,8 +63,8 @@ std::string SqliteDialect::Identifier(std::string_view name) const {
   return quoted + "\"";
 }
 
-std::string SqliteDialect::Like(const std::string& operand, const Expression& pattern,
-                                const std::string& printed, bool negated) const {
+PrintedSql SqliteDialect::Like(const PrintedSql& operand, const Expression& pattern,
+                               const PrintedSql& printed, bool negated) const {
   if (m_savedQuery && pattern.kind == ExpressionKind::kText) {
     bool escaped = false;
     if (const auto plain = PlainLikePattern(pattern.text, escaped)) {
@@ -74,7 +74,7 @@ std::string SqliteDialect::Like(const std::string& operand, const Expression& pa
   return std::string(negated ? "NOT " : "") + kLikeFunction + "(" + operand + ", " + printed + ")";
 }
 
-std::string SqliteDialect::Divide(const std::string& left, const std::string& right, bool whole) const {
+PrintedSql SqliteDialect::Divide(const PrintedSql& left, const PrintedSql& right, bool whole) const {
   if (whole) return "CAST(" + left + " AS INTEGER) / CAST(" + right + " AS INTEGER)";
   return "CAST(" + left + " AS REAL) / " + right;
 }
@@ -99,12 +99,12 @@ std::span<const FunctionMapping> SqliteDialect::Functions() const {
   return kMappings;
 }
 
-std::string SqliteDialect::SortKey(const std::string& column, ValueKind /*kind*/) const {
+PrintedSql SqliteDialect::SortKey(const PrintedSql& column, ValueKind /*kind*/) const {
   return m_savedQuery ? column : column + " COLLATE " + kCollation;
 }
 
 // NOCASE folds ASCII only, but every SQLite has it.
-std::string SqliteDialect::GroupKey(const std::string& column, ValueKind /*kind*/) const {
+PrintedSql SqliteDialect::GroupKey(const PrintedSql& column, ValueKind /*kind*/) const {
   return m_savedQuery ? column + " COLLATE NOCASE" : kFoldFunction + ("(" + column + ")");
 }
 

@@ -68,17 +68,17 @@ std::string TsqlDialect::Date(const DateTime& date) const {
 }
 
 // A bit is compared in a form that can use an index.
-std::string TsqlDialect::BooleanTest(const std::string& operand, bool expected, ValueKind kind) const {
+PrintedSql TsqlDialect::BooleanTest(const PrintedSql& operand, bool expected, ValueKind kind) const {
   if (!expected) return operand + " = 0";
   return operand + (kind == ValueKind::kBoolean ? " = 1" : " <> 0");
 }
 
 // The server has no Min and Max of bits.
-std::string TsqlDialect::BooleanExtreme(const std::string& operand, bool maximum) const {
+PrintedSql TsqlDialect::BooleanExtreme(const PrintedSql& operand, bool maximum) const {
   return std::string("CAST(") + (maximum ? "max" : "min") + "(CAST(" + operand + " AS tinyint)) AS bit)";
 }
 
-std::string TsqlDialect::First(const std::string& operand, ValueKind kind) const {
+PrintedSql TsqlDialect::First(const PrintedSql& operand, ValueKind kind) const {
   return kind == ValueKind::kBoolean ? BooleanExtreme(operand, true) : "min(" + operand + ")";
 }
 
@@ -88,13 +88,13 @@ std::string TsqlDialect::Mask(std::string_view mask) const {
   return result;
 }
 
-std::string TsqlDialect::IgnoringCase(const std::string& operand) const {
+PrintedSql TsqlDialect::IgnoringCase(const PrintedSql& operand) const {
   return m_mindsCase ? "CAST(" + operand + " AS nvarchar(max)) COLLATE Latin1_General_CI_AS" : operand;
 }
 
-std::string TsqlDialect::Like(const std::string& operand, const Expression& pattern,
-                              const std::string& printed, bool negated) const {
-  std::string mask = printed;
+PrintedSql TsqlDialect::Like(const PrintedSql& operand, const Expression& pattern, const PrintedSql& printed,
+                             bool negated) const {
+  PrintedSql mask = printed;
   if (pattern.kind == ExpressionKind::kText) {
     mask = Text(Mask(pattern.text));
   } else if (pattern.kind != ExpressionKind::kParameter) {
@@ -107,16 +107,16 @@ std::string TsqlDialect::Like(const std::string& operand, const Expression& patt
   return IgnoringCase(operand) + (negated ? " NOT LIKE " : " LIKE ") + mask + kEscape;
 }
 
-std::string TsqlDialect::EmptyIfNull(const std::string& operand) const {
-  return IsLiteral(operand) ? operand : "coalesce(CAST(" + operand + " AS nvarchar(max)), '')";
+PrintedSql TsqlDialect::EmptyIfNull(const PrintedSql& operand) const {
+  return IsLiteral(operand.Text()) ? operand : "coalesce(CAST(" + operand + " AS nvarchar(max)), '')";
 }
 
-std::string TsqlDialect::Divide(const std::string& left, const std::string& right, bool whole) const {
+PrintedSql TsqlDialect::Divide(const PrintedSql& left, const PrintedSql& right, bool whole) const {
   if (whole) return "CAST(" + left + " AS bigint) / CAST(" + right + " AS bigint)";
   return "CAST(" + left + " AS float) / " + right;
 }
 
-std::string TsqlDialect::SortKey(const std::string& column, ValueKind kind) const {
+PrintedSql TsqlDialect::SortKey(const PrintedSql& column, ValueKind kind) const {
   return kind == ValueKind::kText ? IgnoringCase(column) : column;
 }
 

@@ -14,20 +14,20 @@ class TsqlDialect final : public ServerDialect {
   std::string Text(std::string_view text) const override;
   std::string Date(const DateTime& date) const override;
   std::string Boolean(bool value) const override { return value ? "1" : "0"; }
-  std::string BooleanTest(const std::string& operand, bool expected, ValueKind kind) const override;
+  PrintedSql BooleanTest(const PrintedSql& operand, bool expected, ValueKind kind) const override;
   bool HasBooleans() const override { return false; }
-  std::string BooleanValue(const std::string& number) const override { return "CAST(" + number + " AS bit)"; }
-  std::string BooleanExtreme(const std::string& operand, bool maximum) const override;
-  std::string Like(const std::string& operand, const Expression& pattern, const std::string& printed,
-                   bool negated) const override;
+  PrintedSql BooleanValue(const PrintedSql& number) const override { return "CAST(" + number + " AS bit)"; }
+  PrintedSql BooleanExtreme(const PrintedSql& operand, bool maximum) const override;
+  PrintedSql Like(const PrintedSql& operand, const Expression& pattern, const PrintedSql& printed,
+                  bool negated) const override;
   std::string Mask(std::string_view mask) const override;
   std::string_view ConcatenationSign() const override { return "+"; }
-  std::string EmptyIfNull(const std::string& operand) const override;
-  std::string Divide(const std::string& left, const std::string& right, bool whole) const override;
-  std::string First(const std::string& operand, ValueKind kind) const override;
+  PrintedSql EmptyIfNull(const PrintedSql& operand) const override;
+  PrintedSql Divide(const PrintedSql& left, const PrintedSql& right, bool whole) const override;
+  PrintedSql First(const PrintedSql& operand, ValueKind kind) const override;
   bool FirstIsAggregate() const override { return true; }
-  std::string SortKey(const std::string& column, ValueKind kind) const override;
-  std::string GroupKey(const std::string& column, ValueKind kind) const override {
+  PrintedSql SortKey(const PrintedSql& column, ValueKind kind) const override;
+  PrintedSql GroupKey(const PrintedSql& column, ValueKind kind) const override {
     return SortKey(column, kind);
   }
   bool LimitAtEnd() const override { return false; }
@@ -38,7 +38,7 @@ class TsqlDialect final : public ServerDialect {
   std::span<const FunctionMapping> Functions() const override;
 
  private:
-  std::string IgnoringCase(const std::string& operand) const;
+  PrintedSql IgnoringCase(const PrintedSql& operand) const;
 
   bool m_mindsCase;
 };

@@ -219,8 +219,8 @@ void ReplaceByIn(std::string& result, bool any) {
 class CatalogDialect final : public SqliteDialect {
  public:
   CatalogDialect() : SqliteDialect(true) {}
-  std::string Like(const std::string& operand, const Expression& /*pattern*/, const std::string& printed,
-                   bool negated) const override {
+  PrintedSql Like(const PrintedSql& operand, const Expression& /*pattern*/, const PrintedSql& printed,
+                  bool negated) const override {
     return operand + (negated ? " Not Like " : " Like ") + printed;
   }
 
