@@ -63,10 +63,17 @@ bool IsValidDate(int year, int month, int day) {
 }
 
 std::string ToText(const DateTime& date) {
-  char buffer[80];
-  std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day,
-                date.hour, date.minute, date.second);
-  return buffer;
+  std::string text = "0000-00-00 00:00:00";
+  const auto put = [&](std::size_t end, std::size_t digits, int number) {
+    for (; digits > 0; --digits, number /= 10) text[--end] = static_cast<char>('0' + number % 10);
+  };
+  put(4, 4, date.year);
+  put(7, 2, date.month);
+  put(10, 2, date.day);
+  put(13, 2, date.hour);
+  put(16, 2, date.minute);
+  put(19, 2, date.second);
+  return text;
 }
 
 ValueView ViewOf(const Value& value) {

@@ -1,5 +1,6 @@
 #include "host/command_line/output.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <ostream>
@@ -46,10 +47,10 @@ std::size_t CharacterLength(std::string_view text, char32_t& character) {
 // The text of a table cell. A line break in a file name must not start a row.
 void AppendPlain(std::string& line, const Cell& cell) {
   if (const auto* text = std::get_if<std::string_view>(&cell)) {
-    for (const char character : *text) {
-      const bool control = static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
-      line += control ? '?' : character;
-    }
+    const auto start = static_cast<std::ptrdiff_t>(line.size());
+    line += *text;
+    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
+    std::replace_if(line.begin() + start, line.end(), isControl, '?');
   } else if (const auto* number = std::get_if<std::int64_t>(&cell)) {
     AppendNumber(line, *number);
   } else if (const auto* flag = std::get_if<bool>(&cell)) {
@@ -89,18 +90,16 @@ void RowWriter::Heading() {
 }
 
 void RowWriter::TableRow(const std::vector<Cell>& cells) {
-  std::string cell;
   for (std::size_t i = 0; i < cells.size(); ++i) {
-    cell.clear();
-    AppendPlain(cell, cells[i]);
-    const std::size_t width = static_cast<std::size_t>(std::abs(m_columns[i].width));
-    const std::size_t characters = CharacterCount(cell);
+    const std::size_t start = m_line.size();
+    AppendPlain(m_line, cells[i]);
+    const bool last = i + 1 == cells.size(), toTheRight = m_columns[i].width < 0;
+    if (last && !toTheRight) break;
+    const auto width = static_cast<std::size_t>(std::abs(m_columns[i].width));
+    const std::size_t characters = CharacterCount(std::string_view(m_line).substr(start));
     const std::size_t blanks = width > characters ? width - characters : 0;
-    if (m_columns[i].width < 0) m_line.append(blanks, ' ');
-    m_line += cell;
-    if (i + 1 == cells.size()) break;
-    if (m_columns[i].width >= 0) m_line.append(blanks, ' ');
-    m_line += "  ";
+    m_line.insert(toTheRight ? start : m_line.size(), blanks, ' ');
+    if (!last) m_line += "  ";
   }
   m_line += '\n';
 }
