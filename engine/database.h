@@ -3,11 +3,12 @@
 // those of the desktop engine that the catalogs were made with; every failure is a kxrestore::Error with one
 // of engine/error_numbers.h.
 //
-// One thread. A database and its recordsets may be destroyed in any order; destroying closes. Destructors
-// neither throw nor commit: what a Flush, an EndAction or a CommitTrans has not returned for may be undone.
+// Not thread-safe. A database and its recordsets may be destroyed in any order, which closes them.
+// Destructors neither throw nor commit: changes that no Flush, EndAction or CommitTrans has committed may be
+// rolled back.
 //
-// Besides its errors every function may throw std::bad_alloc. What threw has changed nothing in the database,
-// and everything can be used on; only a recordset that failed to move stands at its end.
+// Every function may also throw std::bad_alloc. A call that throws has changed nothing in the database, and
+// all objects stay usable; only a recordset that failed to move is at its end.
 #pragma once
 
 #include <cstddef>
@@ -25,8 +26,8 @@
 namespace kxrestore::engine {
 
 enum class RecordsetType {
-  kDynaset = 2,   // rows can be edited; reads the rows as they are
-  kSnapshot = 4,  // rows stay what they were when the recordset was opened, whatever is written beside it
+  kDynaset = 2,   // rows can be edited; reads their current state
+  kSnapshot = 4,  // rows do not change after opening, whatever else is written meanwhile
 };
 
 // Option of Execute: an engine error is raised and undoes the statement.
@@ -61,8 +62,8 @@ class Recordset {
   virtual ~Recordset() = default;
 
   virtual bool Eof() const = 0;
-  // Error 3021 at the end. What keeps the next row from being read is raised here, also when that was met
-  // earlier, while rows were taken into memory because something was written beside them.
+  // Error 3021 at the end. Errors of reading the next row are raised here, including those that occurred
+  // earlier, when a write made the recordset buffer its remaining rows.
   virtual void MoveNext() = 0;
 
   virtual std::size_t FieldCount() const = 0;
@@ -84,18 +85,19 @@ class Database {
  public:
   virtual ~Database() = default;
 
-  // `source` is one reading statement or the name of a table or saved query. A writing statement or a second
-  // one is refused (3219, 3142). `read`: the columns that will be read, empty for all. The recordset may lack
-  // the others, so that nobody has to work them out and send them.
+  // `source` is a single SELECT or the name of a table or saved query; a writing statement raises 3219, a
+  // second statement 3142. `read`: the columns that will be read, empty for all. The recordset may omit the
+  // others, which saves computing and sending them.
   virtual std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type,
                                                    const ColumnNames& read = {}) = 0;
 
-  // One action statement (UPDATE, INSERT, DELETE). Returns the number of rows changed. One that fails or is
-  // stopped has changed nothing, and earlier updates of the group stay; where the failure undoes those as
-  // well (a full or broken disk, memory), the next Idle, Flush or EndAction raises it again for them.
+  // Executes one UPDATE, INSERT or DELETE and returns the number of rows changed. A statement that fails or
+  // is stopped has changed nothing, and earlier updates of the group stay. Where the failure rolls those back
+  // as well (disk full, I/O error, out of memory), the next Idle, Flush or EndAction raises it again for the
+  // group.
   virtual std::int64_t Execute(std::string_view sql, int options = 0) = 0;
 
-  // The same for a statement that carries its values. A back end that does not bind them gets the complete
+  // The same for a statement that carries its values. A back end that cannot bind them receives the complete
   // text.
   virtual std::unique_ptr<Recordset> OpenRecordset(const Sql& sql, RecordsetType type,
                                                    const ColumnNames& read = {}) {
@@ -103,16 +105,15 @@ class Database {
   }
   virtual std::int64_t Execute(const Sql& sql, int options = 0) { return Execute(sql.Printed(), options); }
 
-  // Saved queries. Their text ends in ";". Error 3265 when there is none of that name, 3012 when it is there
-  // already.
+  // Saved queries. Their text ends in ";". Error 3265 when none has that name, 3012 when the name is taken.
   virtual std::string QueryText(std::string_view name) = 0;
   virtual void CreateQueryDef(std::string_view name, std::string_view sql) = 0;
   virtual void DeleteQueryDef(std::string_view name) = 0;
 
-  // What is written between BeginTrans and CommitTrans is there as a whole or not at all, and no commit of a
-  // group comes between; what waited before is committed first. Rollback undoes it, and so does closing or
-  // destroying the database. A commit that fails has written nothing and leaves the transaction to Rollback.
-  // Error 3034 to end what was not begun, 3219 to begin a second one beside the first.
+  // An explicit transaction. BeginTrans commits the pending group first, and no group is committed before
+  // CommitTrans or Rollback. Closing or destroying the database rolls back. A commit that fails has written
+  // nothing and leaves the transaction open for Rollback. Error 3034 to end a transaction that was not begun,
+  // 3219 to begin a second one.
   virtual void BeginTrans() = 0;
   virtual void CommitTrans() = 0;
   virtual void Rollback() = 0;
@@ -120,7 +121,7 @@ class Database {
   virtual void Close() = 0;
 };
 
-// What OpenDatabase was asked for.
+// Arguments of OpenDatabase.
 struct OpenRequest {
   std::string name;  // file path; empty for a server
   bool exclusive = false;
@@ -128,15 +129,15 @@ struct OpenRequest {
   std::string connect;  // empty for a file, "ODBC;..." for a server
 };
 
-// Called about every 20 ms while a back end works or waits for other processes, whatever it does: opening,
-// reading, writing, committing, closing. Answers whether it is to go on. When not, the statement at work ends
-// with error 3059 within 200 ms and has changed nothing; a commit gives up waiting after the same time, which
-// is no cancellation but a failed commit. An exception ends the work like a refusal and comes out of the
-// call. Nothing of the engine may be used from inside.
+// The waiting callback, invoked about every 20 ms while a back end opens, reads, writes, commits, closes or
+// waits for other processes. It returns whether to continue. After false, the running statement ends with
+// error 3059 within 200 ms and has changed nothing; a commit stops waiting within the same time, which counts
+// as a failed commit. An exception stops the work in the same way and propagates from the call. The callback
+// must not use the engine.
 using Waiting = std::function<bool()>;
 
-// Groups of updates since the back end was made. A group is lost when its commit failed or its connection
-// went away; none of its updates is in the database then, and the next Idle, Flush or EndAction raises why.
+// Groups of updates since the back end was created. A group is lost when its commit fails or its connection
+// breaks: none of its updates is in the database, and the next Idle, Flush or EndAction raises the cause.
 struct CommitCounts {
   std::uint64_t committed = 0;
   std::uint64_t lost = 0;
@@ -148,35 +149,35 @@ struct CommitCounts {
   }
 };
 
-// One kind of database. A back end may keep sessions and statements warm between the databases that are
-// opened within one user action, and gather single updates into one commit; see Workspace.
+// One kind of database. A back end may keep sessions and prepared statements open between the databases that
+// are opened within one user action, and group single updates into one commit; see Workspace.
 class Backend {
  public:
   virtual ~Backend() = default;
   virtual std::unique_ptr<Database> Open(const OpenRequest& request) = 0;
-  virtual bool IsInstalled() const { return true; }  // what it needs of the machine
-  virtual void BeginAction() {}  // from here on sessions may stay warm and updates may wait
+  virtual bool IsInstalled() const { return true; }  // with everything it needs on this machine
+  virtual void BeginAction() {}  // from here on sessions may stay open and updates may be grouped
   // These raise a failed commit; see Workspace.
-  virtual void Idle() = 0;                                // commits what has waited 100 ms
-  virtual void Flush() = 0;                               // commits everything, keeps sessions
-  virtual void EndAction() = 0;                           // commits everything, lets every idle session go
-  virtual void SetWaiting(const Waiting& /*waiting*/) {}  // empty: nobody wants to know
-  virtual CommitCounts Commits() const { return {}; }     // zeros where updates never wait
+  virtual void Idle() = 0;                                // commits a group that is 100 ms old
+  virtual void Flush() = 0;                               // commits, keeps sessions
+  virtual void EndAction() = 0;                           // commits, closes idle sessions
+  virtual void SetWaiting(const Waiting& /*waiting*/) {}  // may be empty
+  virtual CommitCounts Commits() const { return {}; }     // zeros where updates are never grouped
 };
 
-// The default workspace. Single updates (Recordset::Update, Execute) made inside one user action are gathered
-// and committed at the latest every 100 ms, before the program waits for anything, and when the action ends.
-// Outside of an action every update is committed at once. Committing never happens in a destructor's silence.
+// The default workspace. Within a user action, single updates (Recordset::Update, Execute) are grouped and
+// committed at least every 100 ms, before the program waits for anything, and when the action ends. Outside
+// of an action every update is committed immediately. Destructors never commit.
 //
-// A commit that fails undoes its group: the updates since the last commit that succeeded are not in the
-// database, as if the statements had not been run. (When a disk fails at the very end of a commit they may be
-// there all the same; only reading tells.) It is raised once, by Idle, Flush or EndAction, whichever comes
-// first, never by the statement in whose course it was tried; its number is that of the cause: 3260 when
-// others held the file for longer than the engine waits or than the user wants to, 3026, 3043, 7. Everything
-// can be used on after it. When several databases fail at once, their descriptions are raised in one error.
+// A commit that fails rolls back its group: the updates since the last successful commit are not in the
+// database. (If a disk fails in the last step of a commit they may be there nevertheless; only reading
+// shows.) The failure is raised once, by the next Idle, Flush or EndAction, never by the statement that
+// attempted the commit. Its number is that of the cause: 3260 when other processes held the file for longer
+// than the engine or the user was willing to wait, else 3026, 3043 or 7. Everything stays usable. When
+// several databases fail at once, one error carries all descriptions.
 //
-// All waiting for other processes' locks between BeginAction and EndAction together ends after 3 s, outside
-// of an action that of each call.
+// Waiting for other processes' locks is limited to 3 s in total between BeginAction and EndAction, and to 3 s
+// a call outside of an action.
 class Workspace {
  public:
   struct Backends {
@@ -185,32 +186,32 @@ class Workspace {
     std::unique_ptr<Backend> dao;      // files of the desktop engine, through it; may be absent
     std::unique_ptr<Backend> jetFile;  // the same files without it; may be absent
   };
-  // Who opens files of the desktop engine: the engine where it is installed, else this program's own reader;
-  // or always the one or the other.
+  // What opens files of the desktop engine: the engine if it is installed, else the built-in reader; or
+  // always one of them.
   enum class DesktopFiles { kEngineIfInstalled, kEngine, kReader };
   explicit Workspace(Backends backends, DesktopFiles desktopFiles = DesktopFiles::kEngineIfInstalled);
   ~Workspace();
 
-  // A file is opened by the back end that its header asks for, whatever its extension; a server by its
-  // connect string. Errors: 3024 no such file, 3051 a directory or no permission, 3343 no database, 3049
-  // damaged, 429 desktop engine not installed, 3151 server not reached.
+  // The header of a file selects the back end, whatever its extension; a connect string selects the server's.
+  // Errors: 3024 no such file, 3051 a directory or no permission, 3343 no database, 3049 damaged, 429 desktop
+  // engine not installed, 3151 server not reached.
   std::unique_ptr<Database> OpenDatabase(const OpenRequest& request);
 
-  // Gives pending commits their chance: call it wherever pending messages are let through. Waits for nobody.
-  // Raises a failed commit, also one of an update's own course.
+  // Commits groups that are due, without waiting for other processes. Call it wherever pending messages are
+  // processed. Raises a failed commit, including one that an update attempted.
   void Idle();
-  // Commits everything now: call it before waiting for the user or the host. Raises a failed commit.
+  // Commits all groups. Call it before waiting for the user or the host. Raises a failed commit.
   void Flush();
-  // What became of the updates that waited, over all back ends. Compare two readings to see whether an update
-  // that was made between them is in the database, lost, or still waiting.
+  // The sum over all back ends. Comparing two readings shows whether an update made between them is
+  // committed, lost or pending.
   CommitCounts Commits() const;
 
-  // What to do while the engine works or waits; nothing when empty.
+  // Sets the waiting callback; may be empty.
   void SetWaiting(const Waiting& waiting);
 
-  // Brackets one user action; they nest, the outermost counts. EndAction commits, lets sessions go and raises
-  // a failed commit; the action has ended then, too. A workspace that is destroyed within an action undoes
-  // what has not been committed.
+  // Delimit one user action. They nest; only the outermost pair has an effect. EndAction commits, closes
+  // sessions and raises a failed commit, after which the action has ended as well. Destroying the workspace
+  // within an action rolls back the pending group.
   void BeginAction();
   void EndAction();
   bool InAction() const { return m_depth > 0; }
@@ -224,7 +225,7 @@ class Workspace {
   Backends m_backends;
   DesktopFiles m_desktopFiles;
   int m_depth = 0;
-  std::vector<std::pair<std::string, Backend*>> m_known;  // files whose header this action has read
+  std::vector<std::pair<std::string, Backend*>> m_known;  // back ends by file, for this action
 };
 
 // The workspace with every back end that this build has. The environment variable KXRESTORE_DESKTOP_FILES

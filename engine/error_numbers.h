@@ -1,5 +1,5 @@
-// Errors of the database engine, their numbers the same in every back end. Each comes with a description that
-// says what is wrong with which file, table, name or piece of text.
+// Error numbers of the engine, the same for every back end. An error's description names the file, table,
+// name or piece of text concerned.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// The failures of several steps of which each gets its turn, raised together at the end.
+// Collects the failures of several independent steps and raises them together at the end.
 #pragma once
 
 #include <exception>
@@ -22,7 +22,7 @@ class Failures {
     }
   }
 
-  // Raises the first failure, with what the others say as well; nothing when there was none.
+  // Raises the first failure with the descriptions of all. Does nothing if there was none.
   void Raise() {
     if (!m_first) return;
     if (m_more.empty()) std::rethrow_exception(std::exchange(m_first, nullptr));

@@ -1,5 +1,4 @@
-// The plans that a session keeps: a statement is translated once, and statements that differ in their values
-// only share one plan.
+// A session's cache of translated statements. Statements that differ only in their values share a plan.
 #pragma once
 
 #include <memory>
@@ -16,17 +15,17 @@ namespace kxrestore::engine {
 
 enum class StatementUse { kSnapshot, kDynaset, kAction };
 
-// What the plans of all back ends have. They also have `idle`, prepared statements that nobody uses, and
-// `updates`, one for each choice of columns.
+// Common to the plans of all back ends. A plan also has `idle`, the prepared statements that are not in use,
+// and `updates`, one for each set of updated columns.
 struct CachedPlan {
-  bool keepsPrepared = true;  // false where the server does not tell that a view is another now
-  bool current = true;        // false once the schema was changed under it
+  bool keepsPrepared = true;  // false if the server does not report that a view has changed
+  bool current = true;        // false once the schema has changed
 };
 
 template <class Plan>
 class PlanCache {
  public:
-  // The plan for the text of a statement and the columns that are read of its result, or what `make` returns.
+  // The cached plan for this text and these result columns; otherwise calls `make` and caches its result.
   template <class Make>
   std::shared_ptr<Plan> Find(const Sql& sql, StatementUse use, const ColumnNames& read, Make make) {
     m_values = sql.Values();
@@ -36,17 +35,17 @@ class PlanCache {
     const auto found = m_plans.find(m_key);
     if (found != m_plans.end()) return found->second;
     auto plan = make();
-    if (m_plans.size() >= kMostPlans) m_plans.clear();
+    if (m_plans.size() >= kMaxPlans) m_plans.clear();
     return m_plans.emplace(m_key, std::move(plan)).first->second;
   }
 
-  // Of the statement that a plan was looked for last.
+  // The values of the statement that was last passed to Find.
   const std::vector<Value>& Values() const { return m_values; }
 
-  // Takes back a prepared statement of the plan. Destructors call it: without memory the statement just goes.
+  // Returns a prepared statement to the plan. Called by destructors: without memory the statement is dropped.
   template <class Statement>
   static void Keep(Plan& plan, Statement statement) noexcept {
-    if (plan.updates.size() > kMostUpdates) plan.updates.clear();
+    if (plan.updates.size() > kMaxUpdates) plan.updates.clear();
     if (!plan.current || !plan.keepsPrepared || plan.idle.size() >= 2) return;
     try {
       plan.idle.push_back(std::move(statement));
@@ -63,7 +62,7 @@ class PlanCache {
   }
 
  private:
-  static constexpr std::size_t kMostPlans = 64, kMostUpdates = 16;
+  static constexpr std::size_t kMaxPlans = 64, kMaxUpdates = 16;
 
   std::unordered_map<std::string, std::shared_ptr<Plan>> m_plans;
   std::string m_key;

@@ -1,4 +1,4 @@
-// Rows kept in memory, packed: what a recordset still has to show when something is written beside it.
+// Packed rows in memory: the remaining rows of a recordset once something else is written.
 #pragma once
 
 #include <cstddef>
@@ -11,17 +11,17 @@ namespace kxrestore::engine {
 
 class RowStore {
  public:
-  // A row is begun, then its values are appended from left to right.
+  // Begin a row, then append its values from left to right.
   void BeginRow();
   void Append(const ValueView& value);
-  void DropRow();  // the row begun last
+  void DropRow();  // the most recent one
 
   // Moves to the next row and reads its values; false when there is none. The views hold until the next call.
   bool Next(std::vector<ValueView>& values, std::size_t columns);
 
  private:
-  std::vector<std::string> m_blocks;  // no row lies in two blocks
-  std::size_t m_rowStart = 0;         // of the row begun last
+  std::vector<std::string> m_blocks;  // no row spans two blocks
+  std::size_t m_rowStart = 0;         // of the most recent row
   std::size_t m_block = 0;
   std::size_t m_position = 0;
 };

@@ -1,8 +1,8 @@
-// What the databases of all back ends share: the session that several of them may use until they close, and
-// the transaction, which belongs to the database that began it.
+// Base of the databases of all back ends. Several databases may share a session until they close; a
+// transaction belongs to the database that began it.
 //
-// A Session has Place() for messages, BeginTransaction(owner), CommitTransaction(), UndoTransaction() and
-// TransactionOwner().
+// A Session provides Place() for messages, BeginTransaction(owner), CommitTransaction(), UndoTransaction()
+// and TransactionOwner().
 #pragma once
 
 #include <memory>
@@ -20,7 +20,7 @@ class SessionDatabase : public Database {
   ~SessionDatabase() override {
     try {
       SessionDatabase::Close();
-    } catch (...) {  // the back end undoes what nobody commits
+    } catch (...) {  // the back end rolls back
     }
   }
   SessionDatabase(const SessionDatabase&) = delete;
@@ -41,8 +41,8 @@ class SessionDatabase : public Database {
 
   bool IsReadOnly() const { return m_readOnly; }
 
-  // The session of a database that is open, that may be written to, or whose transaction has begun; else the
-  // error that says so.
+  // The session, if the database is open, writable, or in a transaction of its own, respectively; otherwise
+  // the corresponding error.
   const std::shared_ptr<Session>& Open() const {
     if (!m_session) {
       Raise(error_number::kObjectInvalid, "Object invalid or no longer set: the database.");

@@ -1,4 +1,4 @@
-// A statement as the catalog writes it: fixed text, and the values that stand in it.
+// A statement as the catalog builds it: fixed text with values in it.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,7 @@ namespace kxrestore::engine {
 // statement, for the desktop engine. Reuse an object to avoid allocations.
 class Sql {
  public:
-  static constexpr char kPlace = '\x01';  // in the text, where a value stands
+  static constexpr char kPlace = '\x01';  // the place of a value in the text
 
   Sql() = default;
   explicit Sql(std::string_view text) : m_text(text) {}
@@ -23,9 +23,9 @@ class Sql {
   void Clear();
   Sql& Add(std::string_view fixed);
   Sql& AddNumber(std::int64_t number);
-  // Prints between apostrophes, with those inside doubled.
+  // Printed in apostrophes, with apostrophes in the text doubled.
   Sql& AddText(std::string_view text);
-  // Prints between apostrophes as it stands. An apostrophe inside makes it a part of the fixed text, which
+  // Printed in apostrophes, unchanged. With an apostrophe in it, it becomes part of the fixed text, which
   // then fails to parse.
   Sql& AddRawText(std::string_view text);
 

@@ -1,5 +1,5 @@
-// What the recordsets of this program's own back ends share: rows that stream from a statement until they are
-// taken into memory, and the changes of the current row until they are written.
+// Base of the recordsets of this program's own back ends: rows that stream from a statement until they are
+// buffered, and pending changes of the current row.
 #pragma once
 
 #include <exception>
@@ -26,9 +26,8 @@ class StreamedRecordset : public Recordset {
   void Update() final;
   void Close() final;
 
-  // Takes the remaining rows into memory, where nothing that is written beside them changes them. When that
-  // fails on the way, or the user stops it, the rows up to there remain, and moving behind them raises why.
-  // False when the user has stopped it.
+  // Buffers the remaining rows, so that later writes do not change them. If that fails or the user stops it,
+  // the rows read so far remain, and moving past them raises the error. False if the user has stopped it.
   bool Detach();
   bool IsSnapshot() const { return m_type == RecordsetType::kSnapshot; }
 
@@ -37,14 +36,14 @@ class StreamedRecordset : public Recordset {
 
   StreamedRecordset(RecordsetType type, bool readOnly) : m_type(type), m_readOnly(readOnly) {}
 
-  // The statement stands on its first row, or had none. `hidden`: columns behind those that are shown.
+  // The statement is at its first row, or has none. `hidden`: the number of columns after the visible ones.
   void Begin(bool hasRow, std::size_t columns, std::size_t hidden);
-  // A value of the current row, also of a column behind those that are shown.
+  // A value of the current row, hidden columns included.
   ValueView RowValue(std::size_t index) const { return m_stored ? m_row[index] : Streamed(index); }
 
-  // Moves the statement to its next row; false at the end. `mayStop`: the user may end it.
+  // Moves the statement to its next row; false at the end. `mayStop`: the waiting callback may stop it.
   virtual bool Fetch(bool mayStop) = 0;
-  virtual void LetStatementGo() = 0;  // there is nothing more to fetch
+  virtual void LetStatementGo() = 0;  // all rows are fetched
   virtual ValueView Streamed(std::size_t index) const = 0;
   virtual std::string_view ColumnName(std::size_t index) const = 0;
 
@@ -66,20 +65,20 @@ class StreamedRecordset : public Recordset {
   State m_state = State::kAtEnd;
   std::size_t m_columns = 0, m_allColumns = 0;
   std::unique_ptr<RowStore> m_stored;  // once detached
-  std::exception_ptr m_cutOff;         // what has kept the rest of the rows out of it
+  std::exception_ptr m_cutOff;         // why the remaining rows could not be buffered
   std::vector<ValueView> m_row;        // of a stored row
   Changes m_pending;                   // set since Edit
   Changes m_written;                   // in the current row
 };
 
-// A session's recordsets that still fetch rows. Before anything that could take those away or change them,
-// they take the rest into memory.
+// A session's recordsets that still stream rows. They buffer the rest before anything that could change or
+// end the stream.
 class StreamingList {
  public:
   bool IsEmpty() const { return m_rows.empty(); }
   void Add(StreamedRecordset& rows) { m_rows.push_back(&rows); }
   void Remove(StreamedRecordset& rows) { std::erase(m_rows, &rows); }
-  // False when the user has stopped it; see StreamedRecordset::Detach.
+  // False if the user has stopped it; see StreamedRecordset::Detach.
   bool Detach(bool dynasetsToo = true);
 
  private:

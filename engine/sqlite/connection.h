@@ -1,7 +1,7 @@
-// A connection to a catalog file and the gate through which SQLite's results become errors of the engine.
+// A connection to a catalog file. Converts SQLite's result codes to errors of the engine.
 //
-// A catalog may come from anybody: its views, triggers and computed columns can read and compute and nothing
-// else, and what its pages say about themselves is checked. What a commit has returned for is on the disk.
+// Catalogs are untrusted: their views, triggers and computed columns may only read and compute, and page
+// structures are checked. A commit that has returned is on the disk.
 #pragma once
 
 #include <memory>
@@ -18,8 +18,8 @@ namespace kxrestore::engine::sqlite {
 
 class Connection {
  public:
-  // Opens a file that is there. `exclusive`: nobody else may use it. `tables`: what is served instead of the
-  // file's own content, when the file is not SQLite's.
+  // Opens an existing file. `exclusive`: locks out other processes. `tables`: served instead of the file's
+  // content if the file is not a SQLite database.
   Connection(std::string file, bool exclusive, std::shared_ptr<Waiter> waiter,
              std::shared_ptr<ForeignTables> tables = nullptr);
   ~Connection() = default;
@@ -33,17 +33,16 @@ class Connection {
   std::int64_t Changes() const { return sqlite3_changes64(Get()); }  // of the last statement, in rows
 
   Statement Prepare(std::string_view sql, Doing doing = Doing::kReading) const;
-  // Enlarges the page cache, once. Marks go to pages all over a catalog: they stay in memory from one mark to
-  // the next and wait there for the commit. Connections that only read do without, since to touch that much
-  // memory costs them more than it saves.
+  // Enlarges the page cache, once. Marks touch pages all over a catalog, which then stay in memory until the
+  // commit. For connections that only read, a large cache costs more than it saves.
   void PrepareForWriting();
-  // Passes success on and raises everything else. `piece` is the statement or the name at work.
+  // Raises the error of a failed outcome. `piece` is the statement or name concerned.
   void Check(Outcome outcome, Doing doing = Doing::kReading, std::string_view piece = {}) const {
     if (!outcome.IsOk()) Raise(outcome.Code(), doing, piece);
   }
   [[noreturn]] void Raise(int code, Doing doing, std::string_view piece = {}) const;
 
-  // What is declared of a column of a table or, unless `tablesOnly`, of a view; nothing when there is none.
+  // The declaration of a column of a table or, unless `tablesOnly`, of a view; nothing if there is none.
   struct Column {
     std::string type, collation;
     bool inKey = false;
@@ -51,8 +50,7 @@ class Connection {
   std::optional<Column> FindColumn(const std::string& table, const std::string& column,
                                    bool tablesOnly = false) const;
 
-  // Whether a writing statement's work has a small bound of its own: it loops over nothing and starts no
-  // trigger.
+  // Whether a writing statement does a small, bounded amount of work: no loops, no triggers.
   bool IsBounded(std::string_view sql) const;
 
   const std::string& RefusedTrigger() const { return m_refusedTrigger; }

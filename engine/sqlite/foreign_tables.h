@@ -1,5 +1,5 @@
-// Tables that a session serves although they are not in a file of SQLite's: they are attached to an empty
-// database in memory, and statements run over them as over any others.
+// Tables from a source other than a SQLite file. They are attached to an empty in-memory database, where
+// statements use them like any other tables.
 #pragma once
 
 struct sqlite3;
@@ -10,13 +10,14 @@ class ForeignTables {
  public:
   virtual ~ForeignTables() = default;
 
-  // Makes the tables in the database of this connection, which does not outlive this.
+  // Creates the tables in the database of this connection. The connection must not outlive this object.
   virtual void Attach(sqlite3* connection) = 0;
 
-  // A statement has failed with this message: raises the error behind it when the tables know of one.
+  // Called when a statement has failed with this message: raises the underlying error, if the tables have
+  // one.
   virtual void RaiseFailure(const char* message) = 0;
 
-  // What the plan of a table (xBestIndex) begins with when it finds one row at the most.
+  // Prefix of the idxStr of a plan (xBestIndex) that finds at most one row.
   static constexpr const char* kOneRow = "u";
 };
 

@@ -23,22 +23,22 @@ struct PlanColumn {
 
 struct PlanTable {
   std::string name;
-  std::string alias;          // what columns are qualified with
-  std::size_t rowColumn = 0;  // the hidden column that holds the row's number
+  std::string alias;          // qualifies columns
+  std::size_t rowColumn = 0;  // the hidden column with the row id
 };
 
-// UPDATE of some columns of one table by row number.
+// UPDATE of some columns of one table by row id.
 struct RowUpdate {
   std::vector<std::size_t> columns;
-  bool disturbs = false;  // may move the row in the order that an open statement walks
+  bool disturbs = false;  // may move the row within an index that an open statement uses
   bool bounded = false;   // see Connection::IsBounded
   Statement statement;
 };
 
 struct Plan : CachedPlan {
   std::string sql;
-  std::vector<PlanColumn> columns;  // what the caller sees
-  std::vector<PlanTable> tables;    // only of dynasets
+  std::vector<PlanColumn> columns;  // visible to the caller
+  std::vector<PlanTable> tables;    // for dynasets only
   std::vector<std::unique_ptr<RowUpdate>> updates;
   std::vector<Statement> idle;
   std::size_t allColumns = 0;  // with the hidden ones

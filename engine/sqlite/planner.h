@@ -1,4 +1,4 @@
-// Makes plans: translates a text and looks up what its columns are and where they can be changed.
+// Makes plans: translates a statement and finds out which table columns its result columns come from.
 #pragma once
 
 #include <memory>
@@ -13,7 +13,7 @@ namespace kxrestore::engine::sqlite {
 std::shared_ptr<Plan> MakePlan(const Connection& connection, const Sql& sql, StatementUse use,
                                const ColumnNames& read);
 
-// The update of these columns of one table, made at first use.
+// The UPDATE of these columns of one table, created on first use.
 RowUpdate& FindRowUpdate(const Connection& connection, Plan& plan, const std::vector<std::size_t>& columns);
 
 }  // namespace kxrestore::engine::sqlite

@@ -16,18 +16,17 @@
 
 namespace kxrestore::engine::sqlite {
 
-// A saved query or a table as the schema holds it; all empty when there is none.
+// A saved query or table in the schema; all fields are empty if there is none.
 struct SchemaEntry {
   std::string type, name, sql;
 };
 
 class Session {
  public:
-  // `grouping`: updates may wait for a common commit. `exclusive`: nobody else may use the file. `tables`:
-  // see Connection.
+  // `grouping`: updates are grouped into common commits. `exclusive` and `tables`: see Connection.
   Session(std::string file, bool exclusive, bool grouping, std::shared_ptr<Waiter> waiter,
           std::shared_ptr<ForeignTables> tables = nullptr);
-  ~Session() = default;  // what nobody has committed is undone
+  ~Session() = default;  // rolls back
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
@@ -38,12 +37,12 @@ class Session {
   using Use = StatementUse;
   std::shared_ptr<Plan> FindPlan(const Sql& sql, Use use, const ColumnNames& read = {});
 
-  // A statement of the plan with the values of the last FindPlan bound; give it back when done.
+  // A statement of the plan, bound to the values of the last FindPlan. Pass it to Release afterwards.
   Statement Acquire(Plan& plan);
   static void Release(Plan& plan, Statement statement) noexcept;
 
-  // Runs a writing statement to its end: waits for others, keeps streaming recordsets what they are, groups
-  // the commit. A statement that fails or is stopped has changed nothing.
+  // Runs a writing statement: waits for locks, makes streaming recordsets buffer their rows, groups the
+  // commit. A statement that fails or is stopped has changed nothing.
   struct Write {
     bool disturbs = true;  // dynasets must be protected as well
     bool bounded = false;  // see Connection::IsBounded
@@ -51,27 +50,27 @@ class Session {
   };
   void RunWrite(Statement& statement, Write kind, std::string_view piece);
 
-  // Saved queries. In a group a query that is to go stays until somebody could see the difference; when the
-  // same one is made before, nothing is written at all.
+  // Saved queries. Within a group, dropping a query is deferred until the difference could be observed; if
+  // the same query is created again before that, nothing is written.
   SchemaEntry FindEntry(std::string_view name);
   void CreateView(std::string_view name, const std::string& createText);  // error 3012
   void DropView(std::string_view name);                                   // error 3265
-  void Settle();  // before anything else that could see the difference
+  void Settle();                                                          // carries out a deferred drop
   bool IsDropped(std::string_view name) const;
 
   StreamingList& Streaming() { return m_streaming; }
-  void ForgetPlans() { m_plans.Forget(); }  // somebody has changed the schema
+  void ForgetPlans() { m_plans.Forget(); }  // after a change of the schema
 
-  // A transaction of a database's own, during which no group is committed; it goes on when the action ends.
+  // An explicit transaction. No group is committed during it, and it outlasts the user action.
   void BeginTransaction(const Database& owner);
   void CommitTransaction();
   void UndoTransaction();
   const Database* TransactionOwner() const { return m_transactionOwner; }
 
-  // Each raises, once, what has become of a group that could not be committed; its updates are undone then.
-  void Idle();       // commits what has waited long enough, without waiting for anybody
-  void Flush();      // commits; waits for others
-  void EndGroups();  // commits for good
+  // Each raises, once, the failure of a group that could not be committed and was rolled back.
+  void Idle();       // commits a group that is due, without waiting for locks
+  void Flush();      // commits; waits for locks
+  void EndGroups();  // commits and ends grouping
   const CommitCounts& Commits() const { return m_commits; }
 
  private:
@@ -99,7 +98,7 @@ class Session {
   PlanCache<Plan> m_plans;
   std::optional<SchemaEntry> m_dropped;
   const Database* m_transactionOwner = nullptr;
-  bool m_groupHolds = false;  // updates of statements that have ended well
+  bool m_groupHolds = false;  // contains updates of successful statements
   bool m_mustUndo = false;    // the rollback has failed
   std::exception_ptr m_groupLost;
   CommitCounts m_commits;

@@ -1,4 +1,4 @@
-// The one gate where SQLite's result codes become errors of the engine.
+// Maps SQLite's result codes to errors of the engine.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ namespace kxrestore::engine::sqlite {
 
 enum class Doing { kOpening, kReading, kWriting };
 
-// What an error is about.
+// The context of an error.
 struct ErrorPlace {
   const std::string& file;
   const std::string& refusedTrigger;  // empty: none

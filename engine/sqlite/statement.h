@@ -1,5 +1,4 @@
-// A prepared statement, owned. Every failure of binding, stepping and reading values is raised or returned;
-// none is passed over.
+// An owned prepared statement. Failures to bind, step and read values are raised or returned, never ignored.
 #pragma once
 
 #include <cstdint>
@@ -19,14 +18,14 @@ class Connection;
 class Statement {
  public:
   Statement() = default;
-  // `connection` outlives it.
+  // `connection` must outlive it.
   Statement(const Connection& connection, sqlite3_stmt* statement)
       : m_connection(&connection), m_statement(statement) {}
 
   explicit operator bool() const { return m_statement != nullptr; }
   sqlite3_stmt* Get() const { return m_statement.get(); }
 
-  // Parameters, from 1. A text is copied.
+  // Parameters are numbered from 1. Texts are copied.
   void Bind(int parameter, std::int64_t value);
   void Bind(int parameter, double value);
   void Bind(int parameter, std::string_view value);
@@ -34,11 +33,11 @@ class Statement {
 
   // To the next row or the end.
   Outcome Step(Stop stop);
-  // The same for short questions: whether there is a row; all else is raised.
+  // The same for short queries: whether there is a row. Raises failures.
   bool Next(std::string_view piece = {});
   void Reset() noexcept;
 
-  // Values of the current row. Views hold until the next step or reset.
+  // Values of the current row. Views are valid until the next step or reset.
   ValueView Read(int column) const;
   std::string Text(int column) const;  // "" for null
   std::int64_t Integer(int column) const { return sqlite3_column_int64(Get(), column); }
@@ -54,7 +53,7 @@ class Statement {
   std::unique_ptr<sqlite3_stmt, Finalizer> m_statement;
 };
 
-// Resets at the end of a block, whatever happens in it.
+// Resets the statement at the end of a scope.
 class ResetGuard {
  public:
   explicit ResetGuard(Statement& statement) : m_statement(statement) {}

@@ -1,4 +1,4 @@
-// What the catalog file says of its tables and views.
+// Facts about the tables and views of a catalog file.
 #pragma once
 
 #include "engine/jet_sql/meaning/table_facts.h"

@@ -1,10 +1,10 @@
-// File access for SQLite that gives the program its turns: reading, writing and syncing may take long where
-// SQLite itself comes to no place at which it would ask. All work is done by the system's own file access.
+// A VFS for SQLite that invokes the waiting callback during reads, writes and syncs, which may take long
+// while SQLite itself calls no progress handler. It forwards all work to the system's VFS.
 #pragma once
 
 namespace kxrestore::engine::sqlite {
 
-// Registers it, over what is the default at this time, and returns its name. SQLite's result code in `code`.
+// Registers it on top of the current default VFS and returns its name. SQLite's result code in `code`.
 const char* RegisterTurnVfs(int& code);
 
 }  // namespace kxrestore::engine::sqlite

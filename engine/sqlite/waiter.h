@@ -1,8 +1,8 @@
-// How the sessions of a back end wait: the program gets its turn every 20 ms, may end what goes on, and all
-// the waiting for other processes' locks in one user action has one bound.
+// Invokes the waiting callback every 20 ms while SQLite works, stops the work if it asks for that, and limits
+// the total time that one user action waits for other processes' locks.
 //
-// Every call of SQLite that may take long stands between Enter and Leave. Meanwhile SQLite's handlers and the
-// file access (turn_vfs.h) ask GoOn and WaitForLock.
+// Every SQLite call that may take long runs between Enter and Leave. During the call, SQLite's handlers and
+// the file access (turn_vfs.h) call GoOn and WaitForLock.
 #pragma once
 
 #include <chrono>
@@ -15,17 +15,18 @@
 
 namespace kxrestore::engine::sqlite {
 
-// What the program may end while a call is under way.
+// What the callback may stop during a call.
 enum class Stop {
   kNothing,
-  kWaits,    // waiting for others, but no work
+  kWaits,    // waiting for locks
   kWork,     // anything
-  kCommits,  // waiting for others, once that has taken a while; the call then fails as if time was up
+  kCommits,  // waiting for locks, after a grace period; the call fails as if its time had run out
 };
 
 class Waiter {
  public:
-  // `patience`: for others' locks, in one user action altogether; outside of one, in one call.
+  // `patience`: the time to wait for other processes' locks in one user action, or in one call outside of an
+  // action.
   Waiter(std::chrono::milliseconds patience, std::shared_ptr<const Waiting> waiting)
       : m_patience(patience), m_waiting(std::move(waiting)) {}
 
@@ -34,11 +35,10 @@ class Waiter {
   std::chrono::milliseconds Patience() const { return m_patience; }
 
   void Enter(Stop stop) noexcept;
-  // Turns a call that the program has ended into SQLITE_INTERRUPT; rethrows what the program's turn threw
-  // when that has ended it.
+  // Returns SQLITE_INTERRUPT for a call that the callback has stopped, or rethrows the callback's exception.
   Outcome Leave(int code);
   void LeaveQuietly() noexcept;  // for destructors
-  // While it lives, nobody is waited for.
+  // During its lifetime, locks are not waited for.
   class NoWaiting {
    public:
     explicit NoWaiting(Waiter& waiter) : m_waiter(waiter) { m_waiter.m_waits = false; }
@@ -50,19 +50,19 @@ class Waiter {
     Waiter& m_waiter;
   };
 
-  // The waiter of the call that this thread is in; null outside of one.
+  // The waiter of the call that runs on this thread; null if there is none.
   static Waiter* Current() noexcept;
 
-  // Gives the program its turn when that is due. False when the work under way is to end.
+  // Invokes the callback if it is due. False when the work is to stop.
   bool GoOn() noexcept;
-  void GiveTurn() noexcept;  // whatever it answers
-  // Waits a moment for another process; false when it is to be told that the file is locked. `first`: of the
-  // moments for one lock.
+  void GiveTurn() noexcept;  // invokes it without regard to its result
+  // Sleeps briefly before a lock is tried again; false when waiting is to end. `first`: the first try for
+  // this lock.
   bool WaitForLock(bool first) noexcept;
-  // SQLite's own pauses.
+  // Sleeps for SQLite (xSleep).
   void Sleep(std::chrono::microseconds time) noexcept;
-  // Does something of the operating system's that may take long and cannot be divided, as waiting for a disk,
-  // while the program has its turns. `work` must not throw.
+  // Runs a long, indivisible system call, such as a disk sync, on another thread while invoking the callback.
+  // `work` must not throw.
   void DoAside(const std::function<void()>& work) noexcept;
 
  private:
@@ -76,8 +76,8 @@ class Waiter {
   std::shared_ptr<const Waiting> m_waiting;
   bool m_inAction = false, m_inTurn = false, m_waits = true;
   Stop m_stop = Stop::kNothing;
-  bool m_answer = true;          // of the program's last turn
-  bool m_stopped = false;        // the call under way was told to end
+  bool m_answer = true;          // the callback's last result
+  bool m_stopped = false;        // the current call is to stop
   std::exception_ptr m_failure;  // no exception may pass through SQLite
   Clock::time_point m_nextTurn, m_entered, m_lockSeen;
   Clock::duration m_waited{};
