@@ -1,3 +1,4 @@
+#include "controls/auto_select.h"
 #include "tests/win32/form_fixture.h"
 
 namespace kxrestore::win32::test {
@@ -119,6 +120,35 @@ TEST_F(FormKeys, EscapeF5AndTheCloseBoxReachTheForm) {
     Press(VK_ESCAPE);
     EXPECT_EQ(seen, "Esc F5 close ");
     EXPECT_FALSE(Ask(ui.mask, CB_GETDROPPEDSTATE));
+  }});
+}
+
+TEST_F(FormKeys, TheListOfThePageCanBeReachedAndFiltered) {
+  controls::AutoSelect list("list", &ui.picBottom, controls::AutoSelect::Style::kFiles);
+  list.Move(0, 0, 8700, 1800);
+  for (const char* name : {"a.doc", "b.doc"}) {
+    controls::AutoSelect::Entry entry;
+    entry.name = entry.storedName = name;
+    list.Add(entry);
+  }
+  Run({[&] {
+    ui.apply.SetFocus();
+    BYTE keys[256]{};
+    GetKeyboardState(keys);
+    keys[VK_CONTROL] = 0x80;
+    SetKeyboardState(keys);
+    Press('F');
+    keys[VK_CONTROL] = 0;
+    SetKeyboardState(keys);
+    EXPECT_TRUE(list.FilterShown());
+    EXPECT_EQ(Focused(), "list");
+    list.ShowFilter(false);
+    Wait();
+    ui.apply.SetFocus();
+    list.SetFocus();
+    Press(VK_SPACE);
+    EXPECT_TRUE(list.TickedAt(1));
+    EXPECT_FALSE(list.TickedAt(2));
   }});
 }
 

@@ -132,6 +132,8 @@ bool FormKeys::KeyDown(WPARAM key, ControlWindow* focused) {
       if (IsDown(VK_CONTROL)) return NextTab(IsDown(VK_SHIFT));
       MoveFocus(focused, IsDown(VK_SHIFT));
       return true;
+    case 'F':
+      return IsDown(VK_CONTROL) && HandledByList(key);
     case VK_DOWN:
       if (kind == Kind::kComboBox && !IsDown(VK_MENU)) {
         return static_cast<controls::ComboBox&>(focused->GetControl()).UserDown();
@@ -144,6 +146,16 @@ bool FormKeys::KeyDown(WPARAM key, ControlWindow* focused) {
     default:
       return false;
   }
+}
+
+// A key that means the list of the page wherever the focus is; the restore list where the page has none.
+bool FormKeys::HandledByList(WPARAM key) const {
+  for (Control* const control : Reachable()) {
+    if (control->GetKind() != Kind::kAutoSelect) continue;
+    ControlWindow* const window = ControlWindow::Of(*control);
+    if (window != nullptr && window->HandleKey(key)) return true;
+  }
+  return false;
 }
 
 void FormKeys::MoveFocus(const ControlWindow* from, bool back) {

@@ -22,6 +22,7 @@ class FormKeys {
   bool Handle(const MSG& message);
 
   // To the next control that takes the focus, or back; the first one from nullptr.
+  bool HandledByList(WPARAM key) const;
   void MoveFocus(const ControlWindow* from, bool back);
 
  private:

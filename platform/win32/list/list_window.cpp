@@ -109,6 +109,7 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
       OnTimer(wide);
       return 0;
     }
+    if (message == WM_SETFOCUS && GetKeyState(VK_LBUTTON) >= 0) SelectFirst();
     if (message == WM_PAINT && m_list.Rows().Count() == 0) return PaintEmpty(wide, extra);
     if (message == WM_SIZE) {
       m_columns.Fit(Handle());
@@ -328,6 +329,13 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     FlushNow();
     ::SetFocus(Handle());
     m_selection.SelectOnly(0);
+  }
+
+  // The focus comes by the keyboard: the arrows and Space have a row to start from.
+  void SelectFirst() {
+    if (m_list.Rows().Count() == 0) return;
+    FlushNow();
+    if (Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED) < 0) m_selection.SelectOnly(0);
   }
 
   // --- what the native control asks
