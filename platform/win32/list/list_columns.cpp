@@ -25,7 +25,7 @@ const ListColumns::Column ListColumns::kFiles[] = {
     {Phrase::kColumnFolder, ListColumn::kFolder, 0, false},
     {Phrase::kColumnSize, ListColumn::kSize, 1050, true},
     {Phrase::kColumnDate, ListColumn::kDate, 2050, false},
-    {Phrase::kColumnVersion, ListColumn::kVersion, 800, false},
+    {Phrase::kColumnVersion, ListColumn::kVersion, 920, false},
     {Phrase::kColumnBackup, ListColumn::kBackup, 2050, false},
     {Phrase::kColumnSet, ListColumn::kSet, 1300, false},
     {Phrase::kColumnExtension, ListColumn::kExtension, 1050, false}};
