@@ -7,6 +7,7 @@
 #include "catalog/text_routines.h"
 #include "dialog/auto_select.h"
 #include "dialog/cd_archive.h"
+#include "dialog/client_settings.h"
 #include "dialog/context_help.h"
 #include "dialog/detail_actions.h"
 #include "dialog/file_history.h"
@@ -23,7 +24,6 @@
 #include "dialog/window_placement.h"
 #include "platform/desktop.h"
 #include "platform/drives.h"
-#include "platform/program_settings.h"
 #include "platform/regional.h"
 #include "platform/registry.h"
 
@@ -145,12 +145,7 @@ void frmRestore::LoadSequence() {
 }
 
 void frmRestore::ReadClientPath() {
-  platform::CProgramSettings settings(m_platform.registry, m_platform.desktop);
-  settings.SetRootKey(platform::kHkeyLocalMachine);
-  settings.SetMainBranch("Software");
-  settings.SetRegBase("Brellick Labs, Inc.");
-  settings.SetProgram("Tarvane");
-  settings.SetSection("Settings");
+  platform::CProgramSettings settings = ClientSettings(m_platform, platform::kHkeyLocalMachine);
   parameters.ClientPath = StripNulls(settings.ReadEntry("ClientDB", ""));
 }
 

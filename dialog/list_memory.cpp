@@ -4,7 +4,7 @@
 #include <charconv>
 #include <utility>
 
-#include "dialog/user_settings.h"
+#include "dialog/client_settings.h"
 
 namespace kxrestore::dialog {
 

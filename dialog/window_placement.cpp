@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "dialog/user_settings.h"
+#include "dialog/client_settings.h"
 
 namespace kxrestore::dialog {
 
