@@ -32,8 +32,8 @@ class Menu {
   const std::vector<Item>& Items() const { return m_items; }
   bool Empty() const { return m_items.empty(); }
 
-  // The user chose an item, by its place in Items(). Nothing happens where it is disabled or a line. A menu is
-  // chosen from once: the item's work leaves the menu, which may be gone before the work is done.
+  // The user chose an item, by its place in Items(). Nothing happens where it is disabled or a line. A menu
+  // is chosen from once: the item's work leaves the menu, which may be gone before the work is done.
   void UserChoose(std::size_t place);
 
  private:

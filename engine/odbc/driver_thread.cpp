@@ -33,9 +33,9 @@ void KeepModuleLoaded() noexcept {
 #endif
 }
 
-// To fall asleep and be woken up takes both threads longer than a short call to a server near by, so each looks
-// for the other a little while first. Where that is in vain, because the server or the machine is slow, the
-// next calls do without, more and more of them.
+// To fall asleep and be woken up takes both threads longer than a short call to a server near by, so each
+// looks for the other a little while first. Where that is in vain, because the server or the machine is slow,
+// the next calls do without, more and more of them.
 class Lookout {
  public:
   void LookFor(const std::atomic<bool>& flag) {
@@ -71,7 +71,7 @@ struct DriverThread::State {
   bool untidy = false;
   bool finishing = false;  // no further calls
   bool ended = false;
-  bool canceling = false;  // the call is being canceled
+  bool canceling = false;                                 // the call is being canceled
   std::atomic<bool> requested = false, answered = false;  // the latest call, for the lookouts
   Lookout forRequest, forAnswer;
 

@@ -25,8 +25,8 @@ LikePattern::LikePattern(std::string_view mask) : m_elements(ParseMask(FoldCase(
   ChooseNeeded();
 }
 
-// Most texts are rejected early: one that matches contains the rarest letter of the mask, and memchr finds one
-// byte faster than any other test. K and S are excluded because characters beyond ASCII fold to them.
+// Most texts are rejected early: one that matches contains the rarest letter of the mask, and memchr finds
+// one byte faster than any other test. K and S are excluded because characters beyond ASCII fold to them.
 void LikePattern::ChooseNeeded() {
   constexpr std::string_view kByRarity = "zqjxvywbhgpfum0123456789cldronitae";
   std::size_t rarest = kByRarity.size();
@@ -63,8 +63,7 @@ bool LikePattern::MayStandAt(std::string_view text, std::size_t needed) const {
   const std::string& piece = m_pieces[m_neededPiece];
   const auto isAscii = [](char character) { return static_cast<unsigned char>(character) < 0x80; };
   const auto isSame = [](char character, char folded) {
-    return character == folded ||
-           (character >= 'A' && character <= 'Z' && character - 'A' + 'a' == folded);
+    return character == folded || (character >= 'A' && character <= 'Z' && character - 'A' + 'a' == folded);
   };
   for (std::size_t i = 1; i <= m_neededAt; ++i) {
     if (i > needed) return false;

@@ -29,7 +29,7 @@ class LikePattern {
   // A letter (in either case) or digit that every match contains, and where: in which piece, at which place.
   char m_needed = '\0';
   std::size_t m_neededPiece = 0, m_neededAt = 0;
-  mutable std::string m_folded;       // a buffer that is reused from row to row
+  mutable std::string m_folded;  // a buffer that is reused from row to row
 };
 
 }  // namespace kxrestore::engine::jet_sql

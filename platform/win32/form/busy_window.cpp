@@ -20,8 +20,8 @@ BusyWindow::BusyWindow(HINSTANCE module, HWND owner, const std::string& title, s
   dialog.Item(SS_LEFT | SS_NOPREFIX, kText, {8, 8, 168, 46}, {}, DialogTemplate::kStatic);
   dialog.Item(WS_TABSTOP | BS_PUSHBUTTON, IDCANCEL, {118, 52, 168, 66}, Wide(Say(Phrase::kButtonStop)),
               DialogTemplate::kButton);
-  m_window = CreateDialogIndirectParamW(module, dialog.Get(), owner, Procedure,
-                                        reinterpret_cast<LPARAM>(this));
+  m_window =
+      CreateDialogIndirectParamW(module, dialog.Get(), owner, Procedure, reinterpret_cast<LPARAM>(this));
 }
 
 BusyWindow::~BusyWindow() {

@@ -51,7 +51,8 @@ std::optional<platform::CivilTime> ShowDayDialog(HINSTANCE module, HWND owner, c
   InitCommonControlsEx(&classes);
   // Dialog units.
   DialogTemplate dialog(Wide(Say(Phrase::kAskDayTitle)), WS_SYSMENU, 4, 196, 76);
-  dialog.Item(SS_LEFT | SS_NOPREFIX, kQuestion, {8, 8, 188, 26}, WideShown(question), DialogTemplate::kStatic);
+  dialog.Item(SS_LEFT | SS_NOPREFIX, kQuestion, {8, 8, 188, 26}, WideShown(question),
+              DialogTemplate::kStatic);
   dialog.Item(WS_TABSTOP | DTS_SHORTDATECENTURYFORMAT, kDay, {8, 30, 98, 44}, {}, DATETIMEPICK_CLASSW,
               sizeof DATETIMEPICK_CLASSW);
   dialog.Item(WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, {84, 56, 134, 70}, Wide(Say(Phrase::kButtonOk)),

@@ -24,8 +24,8 @@ void DialogTemplate::Item(DWORD style, WORD id, RECT place, const std::wstring& 
   Item(style, id, place, text, words, sizeof words);
 }
 
-void DialogTemplate::Item(DWORD style, WORD id, RECT place, const std::wstring& text,
-                          const void* windowClass, std::size_t size) {
+void DialogTemplate::Item(DWORD style, WORD id, RECT place, const std::wstring& text, const void* windowClass,
+                          std::size_t size) {
   if (m_bytes.size() % 4 != 0) Word(0);
   const DLGITEMTEMPLATE item{style | WS_CHILD | WS_VISIBLE,
                              0,

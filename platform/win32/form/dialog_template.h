@@ -1,5 +1,5 @@
-// A dialog template in memory, as the system reads it: words, each item on a boundary of four bytes. Places are
-// in dialog units.
+// A dialog template in memory, as the system reads it: words, each item on a boundary of four bytes. Places
+// are in dialog units.
 #pragma once
 
 #include <string>
