@@ -70,7 +70,7 @@ base_commit() {
 
 # Of the files that are named on standard input, those that the native build in $1 compiles.
 compiled_files() {
-  grep -oP '"file": "\K[^"]+' "$1/compile_commands.json" | sed "s|^$kxRoot/||" | sort -u | comm -12 - <(sort -u)
+  grep -oP '"file": "\K[^"]+' "$1/compile_commands.json" | sed "s|^$kxRoot/||" | LC_ALL=C sort -u | LC_ALL=C comm -12 - <(LC_ALL=C sort -u)
 }
 
 check_tidy() {

@@ -63,7 +63,8 @@ void InstallFaults() {
   ours.xRealloc = Reallocate;
   Need(sqlite3_config(SQLITE_CONFIG_MALLOC, &ours));
   Need(sqlite3_initialize());
-  new engine::testing::HookedFiles(OnFileCall);  // for as long as the program runs
+  // For as long as the program runs.
+  [[maybe_unused]] static const auto* const files = new engine::testing::HookedFiles(OnFileCall);
 }
 
 void Arm(Failing failing, long at, bool forever) {
