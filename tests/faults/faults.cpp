@@ -63,8 +63,7 @@ void InstallFaults() {
   ours.xRealloc = Reallocate;
   Need(sqlite3_config(SQLITE_CONFIG_MALLOC, &ours));
   Need(sqlite3_initialize());
-  // For as long as the program runs.
-  [[maybe_unused]] static const auto* const files = new engine::testing::HookedFiles(OnFileCall);
+  static const engine::testing::HookedFiles files(OnFileCall);  // for as long as the program runs
 }
 
 void Arm(Failing failing, long at, bool forever) {
