@@ -199,6 +199,7 @@ void Session::BeginGroup() {
 }
 
 Outcome Session::Begin() {
+  NoticeLostGroup();
   const Outcome outcome = m_begin.Step(Stop::kWaits);
   m_begin.Reset();
   if (!outcome.IsDone()) return outcome;
@@ -209,6 +210,7 @@ Outcome Session::Begin() {
 }
 
 Outcome Session::TryCommit(bool waiting) {
+  NoticeLostGroup();
   if (m_mustUndo) RollBack();
   if (m_mustUndo || !InTransaction()) return Outcome(SQLITE_OK);
   std::optional<Waiter::NoWaiting> hurry;
@@ -245,7 +247,20 @@ void Session::LoseGroup(std::exception_ptr why) {
   if (!m_groupLost) m_groupLost = std::move(why);
 }
 
+// A statement without memory, or whose file fails, can end the transaction beneath the group; one that only
+// reads, too.
+void Session::NoticeLostGroup() {
+  if (!m_groupHolds || InTransaction()) return;
+  try {
+    engine::Raise(error_number::kDiskError,
+                  "Disk or memory error on '" + Place() + "': its last changes were undone.");
+  } catch (...) {
+    LoseGroup(std::current_exception());
+  }
+}
+
 void Session::TellLostGroup() {
+  NoticeLostGroup();
   if (m_groupLost) std::rethrow_exception(std::exchange(m_groupLost, nullptr));
 }
 

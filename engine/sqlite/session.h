@@ -85,6 +85,7 @@ class Session {
   void CommitIfDue();
   bool CommitGroup();
   void LoseGroup(std::exception_ptr why);
+  void NoticeLostGroup();
   void TellLostGroup();
   void RollBack() noexcept;
   void NeedUndone();
