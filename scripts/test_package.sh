@@ -117,13 +117,23 @@ script_creates() {
   timeout 60 wine cscript //nologo "$(windows_path "$work/late.vbs")" {kxWineLock}>&- | grep created >/dev/null
 }
 
+# regsvr32 ARGUMENT... Right after an installer has ended, Wine may refuse to start a program.
+register() {
+  local try
+  for try in 1 2 3; do
+    wine_do regsvr32 "$@" && return
+    sleep "$try"
+  done
+  return 1
+}
+
 same_keys_as_regsvr32() {
   registry_keys_without_place >"$work/installed.keys"
   [[ -s $work/installed.keys ]] || return 1
   msi /x "$installer" && nothing_left || return 1
-  wine_do regsvr32 /s "$(windows_path "$unpacked/$platform/KXRestore.dll")" || return 1
+  register /s "$(windows_path "$unpacked/$platform/KXRestore.dll")" || return 1
   registry_keys_without_place >"$work/registered.keys"
-  wine_do regsvr32 /u /s "$(windows_path "$unpacked/$platform/KXRestore.dll")" && nothing_left || return 1
+  register /u /s "$(windows_path "$unpacked/$platform/KXRestore.dll")" && nothing_left || return 1
   diff "$work/installed.keys" "$work/registered.keys" && msi /i "$installer"
 }
 
