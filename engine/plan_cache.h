@@ -28,19 +28,20 @@ class PlanCache {
   // The cached plan for this text and these result columns; otherwise calls `make` and caches its result.
   template <class Make>
   std::shared_ptr<Plan> Find(const Sql& sql, StatementUse use, const ColumnNames& read, Make make) {
-    m_values = sql.Values();
     m_key = sql.Text();
     m_key.push_back(static_cast<char>('0' + static_cast<int>(use)));
     for (const std::string_view name : read) m_key.append(name).push_back('\0');
-    const auto found = m_plans.find(m_key);
-    if (found != m_plans.end()) return found->second;
-    auto plan = make();
-    if (m_plans.size() >= kMaxPlans) m_plans.clear();
-    return m_plans.emplace(m_key, std::move(plan)).first->second;
+    if (m_latest && m_key == m_latestKey) return m_latest;  // marking asks for the same again and again
+    auto found = m_plans.find(m_key);
+    if (found == m_plans.end()) {
+      auto plan = make();
+      if (m_plans.size() >= kMaxPlans) m_plans.clear();
+      found = m_plans.emplace(m_key, std::move(plan)).first;
+    }
+    m_latest = found->second;
+    m_latestKey = m_key;
+    return m_latest;
   }
-
-  // The values of the statement that was last passed to Find.
-  const std::vector<Value>& Values() const { return m_values; }
 
   // Returns a prepared statement to the plan. Called by destructors: without memory the statement is dropped.
   template <class Statement>
@@ -59,6 +60,7 @@ class PlanCache {
       plan->idle.clear();
     }
     m_plans.clear();
+    m_latest.reset();
   }
 
  private:
@@ -66,7 +68,8 @@ class PlanCache {
 
   std::unordered_map<std::string, std::shared_ptr<Plan>> m_plans;
   std::string m_key;
-  std::vector<Value> m_values;
+  std::shared_ptr<Plan> m_latest;
+  std::string m_latestKey;
 };
 
 }  // namespace kxrestore::engine

@@ -25,7 +25,7 @@ std::int64_t OdbcDatabase::Execute(const Sql& sql, int /*options*/) {
   OpenForWriting();
   auto statement = session.Acquire(*plan);
   const std::int64_t rows =
-      session.RunWrite(*statement, ParameterValues(*plan, session.Values(), session.Dialect()));
+      session.RunWrite(*statement, ParameterValues(*plan, sql.Values(), session.Dialect()));
   Session::Release(*plan, std::move(statement));
   return rows;
 }

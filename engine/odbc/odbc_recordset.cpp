@@ -65,7 +65,7 @@ bool OdbcRecordset::TryOpen(const Sql& sql, const ColumnNames& read, Outcome& fa
   m_plan = m_session->FindPlan(sql, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
   m_statement = m_session->Acquire(*m_plan);
   m_session->FetchPiecewise(!m_plan->isShort);
-  const auto values = ParameterValues(*m_plan, m_session->Values(), m_session->Dialect());
+  const auto values = ParameterValues(*m_plan, sql.Values(), m_session->Dialect());
   if (!m_session->RunRead(*m_statement, values, failed)) return false;
   m_rows = &m_statement->Rows();
   return !m_plan->columnsKnown || m_rows->Columns().size() == m_plan->columns.size() + m_plan->hidden;

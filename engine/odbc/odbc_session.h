@@ -54,9 +54,8 @@ class Session {
   bool HasUntold() const { return !m_group.empty() || m_lossNumber != 0; }
 
   using Use = StatementUse;
-  // The plan for a statement. Its values are in Values() until the next call.
+  // The plan for a statement.
   std::shared_ptr<Plan> FindPlan(const Sql& sql, Use use, const ColumnNames& read = {});
-  const std::vector<Value>& Values() const { return m_plans.Values(); }
   std::unique_ptr<OdbcStatement> Acquire(Plan& plan);
   static void Release(Plan& plan, std::unique_ptr<OdbcStatement> statement) noexcept;
   void ForgetPlans();  // after a change of the schema

@@ -34,7 +34,7 @@ std::shared_ptr<Plan> Session::FindPlan(const Sql& sql, Use use, const ColumnNam
   return m_plans.Find(sql, use, read, [&] { return MakePlan(m_connection, sql, use, read); });
 }
 
-Statement Session::Acquire(Plan& plan) {
+Statement Session::Acquire(Plan& plan, const std::vector<Value>& values) {
   Statement statement;
   if (plan.idle.empty()) {
     statement = m_connection.Prepare(plan.sql);
@@ -43,7 +43,7 @@ Statement Session::Acquire(Plan& plan) {
     plan.idle.pop_back();
   }
   int parameter = 0;
-  for (const Value& value : m_plans.Values()) statement.Bind(++parameter, value);
+  for (const Value& value : values) statement.Bind(++parameter, value);
   return statement;
 }
 

@@ -37,8 +37,8 @@ class Session {
   using Use = StatementUse;
   std::shared_ptr<Plan> FindPlan(const Sql& sql, Use use, const ColumnNames& read = {});
 
-  // A statement of the plan, bound to the values of the last FindPlan. Pass it to Release afterwards.
-  Statement Acquire(Plan& plan);
+  // A statement of the plan, bound to these values. Pass it to Release afterwards.
+  Statement Acquire(Plan& plan, const std::vector<Value>& values);
   static void Release(Plan& plan, Statement statement) noexcept;
 
   // Runs a writing statement: waits for locks, makes streaming recordsets buffer their rows, groups the

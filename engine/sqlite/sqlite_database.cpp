@@ -44,7 +44,7 @@ std::int64_t SqliteDatabase::Execute(const Sql& sql, int /*options*/) {
   Session& session = *OpenSettled();
   const std::shared_ptr<Plan> plan = session.FindPlan(sql, Session::Use::kAction);
   OpenForWriting();
-  Statement statement = session.Acquire(*plan);
+  Statement statement = session.Acquire(*plan, sql.Values());
   session.RunWrite(statement, {true, plan->bounded}, plan->sql);
   const std::int64_t changes = session.Link().Changes();
   Session::Release(*plan, std::move(statement));

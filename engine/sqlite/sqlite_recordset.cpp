@@ -40,7 +40,7 @@ SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, const Sql& sq
 
 Outcome SqliteRecordset::Open(const Sql& sql, const ColumnNames& read) {
   m_plan = m_session->FindPlan(sql, IsSnapshot() ? Session::Use::kSnapshot : Session::Use::kDynaset, read);
-  m_statement = m_session->Acquire(*m_plan);
+  m_statement = m_session->Acquire(*m_plan, sql.Values());
   return m_statement.Step(Stop::kWork);
 }
 
