@@ -54,7 +54,7 @@ class Lookout {
   }
 
  private:
-  static constexpr std::chrono::microseconds kAwake{100};
+  static constexpr std::chrono::microseconds kAwake{250};
   static constexpr int kShortestPause = 8, kLongestPause = 1024;  // calls
   int m_pause = kShortestPause;
   int m_without = std::thread::hardware_concurrency() < 2 ? std::numeric_limits<int>::max() : 0;
