@@ -1,3 +1,5 @@
+#include "base/sorting.h"
+
 #include <algorithm>
 #include <iterator>
 #include <string_view>
@@ -106,25 +108,29 @@ std::string_view TakePiece(std::string_view& text) {
   return piece;
 }
 
-int CompareNumbers(std::string_view left, std::string_view right) {
-  left.remove_prefix(std::min(left.find_first_not_of('0'), left.size()));
-  right.remove_prefix(std::min(right.find_first_not_of('0'), right.size()));
-  if (left.size() != right.size()) return left.size() < right.size() ? -1 : 1;
-  return left.compare(right);
+// A number sorts where its first digit would, shorter ones before longer ones.
+void AppendNumber(std::string& key, std::string_view digits) {
+  digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
+  AppendCharacter(key, U'0' + 1);
+  for (int shift = 24; shift >= 0; shift -= 8) key.push_back(static_cast<char>(digits.size() >> shift));
+  key.append(digits);
 }
 
 }  // namespace
 
-int CompareAsPeopleCount(std::string_view left, std::string_view right) {
-  std::string_view leftRest = left, rightRest = right;
-  while (!leftRest.empty() && !rightRest.empty()) {
-    const std::string_view a = TakePiece(leftRest), b = TakePiece(rightRest);
-    const int order =
-        IsDigit(a.front()) && IsDigit(b.front()) ? CompareNumbers(a, b) : CompareForSorting(a, b);
-    if (order != 0) return order;
+// The letters, then the folded text: marks and leading zeros decide between texts of the same letters.
+void AppendSortKey(std::string& key, std::string_view text) {
+  for (std::string_view rest = text; !rest.empty();) {
+    const std::string_view piece = TakePiece(rest);
+    if (IsDigit(piece.front())) {
+      AppendNumber(key, piece);
+      continue;
+    }
+    PlainLetters letters(piece);
+    while (const char32_t letter = letters.Next()) AppendCharacter(key, letter);
   }
-  if (leftRest.empty() != rightRest.empty()) return leftRest.empty() ? -1 : 1;
-  return CompareForSorting(left, right);  // zeros in front of a number
+  key.push_back('\0');
+  AppendFolded(key, text);
 }
 
 }  // namespace kxrestore

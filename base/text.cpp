@@ -103,7 +103,7 @@ void AppendCharacter(std::string& text, char32_t character) {
 namespace {
 
 // Folds the ASCII letters, eight bytes at a time. True when there was nothing but ASCII.
-bool FoldAscii(char* text, std::size_t size) {
+bool FoldAsciiLetters(char* text, std::size_t size) {
   constexpr std::uint64_t kEach = 0x0101010101010101;
   std::uint64_t seen = 0;
   std::size_t i = 0;
@@ -119,9 +119,8 @@ bool FoldAscii(char* text, std::size_t size) {
     std::memcpy(text + i, &bytes, sizeof bytes);
   }
   for (; i < size; ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    seen |= byte;
-    if (byte >= 'A' && byte <= 'Z') text[i] = static_cast<char>(byte + 32);
+    seen |= static_cast<unsigned char>(text[i]);
+    text[i] = FoldAscii(text[i]);
   }
   return (seen & (0x80 * kEach)) == 0;
 }
@@ -151,7 +150,7 @@ void AppendFolded(std::string& folded, std::string_view text) {
   const std::size_t before = folded.size();
   folded.append(text);
   char* const out = folded.data() + before;
-  if (FoldAscii(out, text.size()) || FoldInPlace(out, text)) return;
+  if (FoldAsciiLetters(out, text.size()) || FoldInPlace(out, text)) return;
   folded.resize(before);
   for (std::size_t position = 0; position < text.size();) {
     const char32_t character = NextFolded(text, position);
@@ -175,6 +174,18 @@ bool EqualIgnoringCase(std::string_view left, std::string_view right) {
     if (NextFolded(left, i) != NextFolded(right, j)) return false;
   }
   return i == left.size() && j == right.size();
+}
+
+bool IsAscii(std::string_view text) {
+  std::uint64_t seen = 0;
+  std::size_t i = 0;
+  for (; i + sizeof seen <= text.size(); i += sizeof seen) {
+    std::uint64_t bytes;
+    std::memcpy(&bytes, text.data() + i, sizeof bytes);
+    seen |= bytes;
+  }
+  for (; i < text.size(); ++i) seen |= ByteAt(text, i);
+  return (seen & 0x8080808080808080) == 0;
 }
 
 bool ContainsIgnoringCase(std::string_view text, std::string_view piece) {

@@ -2,6 +2,8 @@
 // points. A byte that is not valid UTF-8 counts as one character and compares as itself.
 #pragma once
 
+#include <algorithm>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -29,10 +31,21 @@ void AppendFolded(std::string& folded, std::string_view text);  // for callers t
 bool EqualIgnoringCase(std::string_view left, std::string_view right);
 bool ContainsIgnoringCase(std::string_view text, std::string_view piece);
 
-// Collation for lists that people read: accented letters sort beside plain ones, and accents decide only
-// between texts that are otherwise equal. Negative, positive, or zero for texts that differ in case only.
-int CompareForSorting(std::string_view left, std::string_view right);
-// The same with digits counted as the number that they write: "Archive 2" before "Archive 10".
-int CompareAsPeopleCount(std::string_view left, std::string_view right);
+bool IsAscii(std::string_view text);
+
+// Folds an ASCII letter; any other byte stays as it is.
+constexpr char FoldAscii(char byte) {
+  return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+}
+
+// Calls `call` with each non-empty piece of a text between separators.
+template <std::invocable<std::string_view> Call>
+void ForEachPiece(std::string_view text, char separator, Call&& call) {
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find(separator), text.size());
+    if (end > 0) call(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+}
 
 }  // namespace kxrestore

@@ -17,7 +17,7 @@ namespace {
 
 constexpr double kMaxRatio = 1.3;
 constexpr double kMaxMarkRatio = 1.1;
-constexpr std::int64_t kFewest = 80'000, kMost = 120'000;  // files that the mask finds
+constexpr std::int64_t kMin = 80'000, kMax = 120'000;  // files that the mask finds
 constexpr const char* kMask = "*.pdf";
 #define KX_BENCH_FOUND "Status = 2 AND OrigName LIKE '%.pdf'"
 
@@ -75,7 +75,7 @@ class Marked : public Comparison {
  private:
   void Agree() {
     const std::int64_t marked = CountMarks(m_path);
-    Expect(marked > kFewest && marked < kMost, std::to_string(marked) + " files were marked");
+    Expect(marked > kMin && marked < kMax, std::to_string(marked) + " files were marked");
     Expect(m_marked == 0 || marked == m_marked, "other files were marked");
     m_marked = marked;
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/sorting.h"
 #include "base/text.h"
 #include "catalog/text_routines.h"
 #include "engine/error_numbers.h"

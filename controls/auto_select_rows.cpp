@@ -47,7 +47,7 @@ void AutoSelect::SortAddedIn() {
   RowsChanged();
 }
 
-// What is no longer seen is no longer selected: nobody would know of it.
+// Hidden entries lose their selection: the user could not see what a command would act on.
 void AutoSelect::SetFilter(const ListFilter& filter) {
   if (filter == m_rows->Filter()) return;
   m_rows->SetFilter(filter);
@@ -81,9 +81,9 @@ void AutoSelect::SetLook(const ListLook& look) {
   Notify(Property::kAppearance);
 }
 
-void AutoSelect::FindVersions(std::size_t most) {
+void AutoSelect::FindVersions(std::size_t max) {
   if (VersionsFound()) return;
-  m_store->FindVersions(most);
+  m_store->FindVersions(max);
   if (VersionsFound() && List() != nullptr) List()->RowsChanged();
 }
 
@@ -97,12 +97,12 @@ AutoSelect::Version AutoSelect::VersionAt(std::size_t number) const {
   return m_store->newest[number - 1] ? Version::kNewest : Version::kOlder;
 }
 
-template <class Choose>
+template <std::predicate<std::size_t> Choose>
 void AutoSelect::UserTickWhere(bool ticked, Choose&& choose) {
   if (!AcceptsUser()) return;
   for (std::size_t number = 1; number <= m_store->Count(); ++number) {
     if (!choose(number)) continue;
-    // A group takes its members along; where they are chosen one by one, it follows them.
+    // A group ticks its members. Under a filter the members are ticked one by one and the group follows them.
     if (m_store->IsGroup(number)) {
       if (!m_rows->Filtered()) SetTicked(number, ticked);
     } else {

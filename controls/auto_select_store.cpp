@@ -35,7 +35,7 @@ void AutoSelect::Store::Add(const Entry& entry, bool ticked) {
   record.setId = entry.setId;
   record.flags =
       static_cast<std::uint8_t>((entry.sizeKnown ? kSizeKnown : 0) | (entry.isGroup ? kGroup : 0) |
-                                (shared ? kSharedNames : 0) | (IsPlain(entry.name) ? kPlainName : 0));
+                                (shared ? kSharedNames : 0) | (IsAscii(entry.name) ? kAsciiName : 0));
   ticks.Append(false);
   settled.Append(ticked);
   selected.Append(false);
@@ -58,14 +58,8 @@ void AutoSelect::Store::Add(const Entry& entry, bool ticked) {
 AutoSelect::Entry AutoSelect::Store::At(std::size_t number) const {
   const Record& record = records[number - 1];
   Entry entry;
-  if ((record.flags & kSharedNames) != 0) {
-    const char* const end = record.names + std::max(record.nameLength, record.storedLength);
-    entry.name = {end - record.nameLength, record.nameLength};
-    entry.storedName = {end - record.storedLength, record.storedLength};
-  } else {
-    entry.name = {record.names, record.nameLength};
-    entry.storedName = {record.names + record.nameLength, record.storedLength};
-  }
+  entry.name = record.Name();
+  entry.storedName = record.StoredName();
   entry.size = record.size;
   entry.sizeKnown = (record.flags & kSizeKnown) != 0;
   entry.extension = pool.Text(record.extension);
@@ -132,39 +126,29 @@ std::size_t AutoSelect::Store::SetPlace(const Record& record) const {
   return m_lastSet;
 }
 
-// The name with its case folded, in `folded`.
-std::string_view AutoSelect::Store::FoldedName(std::size_t number, std::string& folded) const {
-  const std::string_view name = NameAt(number);
-  if ((records[number - 1].flags & kPlainName) == 0) {
-    folded.clear();
-    AppendFolded(folded, name);
-    return folded;
-  }
-  folded.assign(name);
-  for (char& character : folded) {
-    if (character >= 'A' && character <= 'Z') character = static_cast<char>(character - 'A' + 'a');
-  }
-  return folded;
-}
-
-// The table of names is thrown away once every entry has been seen.
-void AutoSelect::Store::FindVersions(std::size_t most) {
+// Looks at names with their case folded. The table of names is dropped once every entry has been seen.
+void AutoSelect::Store::FindVersions(std::size_t max) {
   if (!search) {
     search = std::make_unique<VersionSearch>();
     versioned = 0;
     several.Clear();
     newest.Clear();
   }
-  const std::size_t end = std::min(Count() - versioned, most) + versioned;
+  const std::size_t end = std::min(Count() - versioned, max) + versioned;
   std::string mine, other;
+  const auto fold = [this](std::size_t number, std::string& folded) -> const std::string& {
+    folded.clear();
+    AppendFolded(folded, records[number - 1].Name());
+    return folded;
+  };
   for (std::size_t number = versioned + 1; number <= end; ++number) {
     several.Append(false);
     newest.Append(false);
     if (IsGroup(number)) continue;
-    const std::string_view name = FoldedName(number, mine);
+    const std::string_view name = fold(number, mine);
     const std::uint32_t hash = HashIndex::HashOf(name);
-    const std::uint32_t first = search->names.Find(
-        hash, [&](std::uint32_t candidate) { return FoldedName(candidate, other) == name; });
+    const std::uint32_t first =
+        search->names.Find(hash, [&](std::uint32_t candidate) { return fold(candidate, other) == name; });
     if (first == 0) {
       search->names.Insert(hash, static_cast<std::uint32_t>(number));
       continue;

@@ -1,6 +1,8 @@
-// The entries of a list and what is kept of each of them, without order, filter, peers or events.
+// The entries of a list and what is stored for each of them. Order, filter, peers and events are elsewhere.
 #pragma once
 
+#include <algorithm>
+#include <memory>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -15,31 +17,38 @@
 namespace kxrestore::controls {
 
 struct AutoSelect::Store {
-  enum Flag : std::uint8_t { kSizeKnown = 1, kGroup = 2, kSharedNames = 4, kPlainName = 8 };
+  enum Flag : std::uint8_t { kSizeKnown = 1, kGroup = 2, kSharedNames = 4, kAsciiName = 8 };
 
   struct Record {
-    const char* names;  // the shown name, then the stored one; where one ends the other, the longer of them
+    const char* names;  // the shown name, then the stored one; only the longer when it ends with the other
     std::int64_t size, time, setId;
     std::uint32_t nameLength, storedLength;
     std::uint32_t extension, setName, date;  // numbers in `pool`
     std::uint8_t flags;
+
+    std::string_view Name() const { return {names + Skipped(nameLength), nameLength}; }
+    std::string_view StoredName() const {
+      const bool shared = (flags & kSharedNames) != 0;
+      return {names + (shared ? Skipped(storedLength) : nameLength), storedLength};
+    }
+
+   private:
+    // Of names that share their end, what stands before the shorter one.
+    std::uint32_t Skipped(std::uint32_t length) const {
+      const bool shared = (flags & kSharedNames) != 0;
+      return shared ? std::max(nameLength, storedLength) - length : 0;
+    }
   };
 
   std::size_t Count() const { return records.Size(); }
   void Add(const Entry& entry, bool ticked);
   Entry At(std::size_t number) const;
-  std::string_view NameAt(std::size_t number) const {
-    const Record& record = records[number - 1];
-    const bool ended = (record.flags & kSharedNames) != 0 && record.storedLength > record.nameLength;
-    return {record.names + (ended ? record.storedLength - record.nameLength : 0), record.nameLength};
-  }
-  std::string_view FoldedName(std::size_t number, std::string& folded) const;
   bool IsGroup(std::size_t number) const { return (records[number - 1].flags & kGroup) != 0; }
 
   struct Group {
     std::size_t number = 0, members = 0, ticked = 0;
   };
-  // The group's own tick says whether all of its members are ticked. Returns the group when its tick changed.
+  // A group is ticked when all of its members are. Returns the group when its tick changed, 0 otherwise.
   std::size_t Tick(std::size_t number, bool ticked);
   void TickAll(bool ticked);
 
@@ -54,7 +63,7 @@ struct AutoSelect::Store {
   // The set of an entry's record, as a place in `sets`.
   std::size_t SetPlace(const Record& record) const;
 
-  void FindVersions(std::size_t most);
+  void FindVersions(std::size_t max);
 
   Blocks<Record, 10> records;
   Bits ticks;
@@ -67,18 +76,19 @@ struct AutoSelect::Store {
   TextArena texts;
   TextPool pool;
 
-  // Of the first `versioned` entries: whether others are of the same file, and whether it is the newest.
+  // For each of the first `versioned` entries: whether other entries are versions of the same file, and
+  // whether it is the newest of them.
   std::size_t versioned = 0;
   Bits several, newest;
   struct VersionSearch {
-    HashIndex names;                                          // of the first entry of each name
-    std::unordered_map<std::uint32_t, std::uint32_t> newest;  // by that entry, where there are more
+    HashIndex names;                                          // finds the first entry of each name
+    std::unordered_map<std::uint32_t, std::uint32_t> newest;  // by that entry, where it has several versions
   };
-  std::unique_ptr<VersionSearch> search;  // while not every entry has been seen
+  std::unique_ptr<VersionSearch> search;  // until every entry has been seen
 
  private:
   std::unordered_map<std::int64_t, std::size_t> m_setPlaces;
-  mutable std::size_t m_lastSet = 0;  // entries that follow each other mostly are of one set
+  mutable std::size_t m_lastSet = 0;  // consecutive entries mostly belong to one set
 };
 
 }  // namespace kxrestore::controls

@@ -1,5 +1,5 @@
-// The line below a list or tree. The front end asks for it when it is about to show it, so that it costs
-// nothing while entries are added.
+// The text of the line below a list or tree. The front end asks for it before drawing, so it costs nothing
+// while entries are added.
 #pragma once
 
 #include <string>
@@ -7,9 +7,9 @@
 namespace kxrestore::controls {
 
 struct FooterText {
-  std::string pending;   // what waits to be applied; stands out
-  std::string sums;      // of everything that is shown
-  std::string selected;  // of the selected rows
+  std::string pending;   // ticks not yet applied; drawn in bold
+  std::string sums;      // totals of the visible entries
+  std::string selected;  // totals of the selected rows
 };
 
 }  // namespace kxrestore::controls

@@ -1,4 +1,4 @@
-// The columns of a list, and how the user has arranged them.
+// The columns of a list and the user's arrangement of them.
 #pragma once
 
 #include <cstdint>
@@ -9,13 +9,13 @@ namespace kxrestore::controls {
 
 enum class ListColumn : std::uint8_t {
   kName,       // the last component of a path; a file type
-  kFolder,     // what comes before it
-  kSize,       // bytes; of a file type the number of its files
-  kExtension,  // of the run; of a file type its description
+  kFolder,     // the path before that
+  kSize,       // bytes; for a file type the number of its files
+  kExtension,  // of the run; for a file type its description
   kSet,
-  kDate,     // of the version
-  kBackup,   // the date of the run
-  kVersion,  // where several versions of a file are listed, which of them is the newest
+  kDate,     // of the file
+  kBackup,   // date of the run
+  kVersion,  // newest or older, where several versions of a file are listed
 };
 inline constexpr int kListColumns = 8;
 
@@ -32,8 +32,8 @@ struct ListLook {
   friend bool operator==(const ListLook&, const ListLook&) = default;
 };
 
-// A path's last component and what comes before it, with the backslash. A trailing backslash belongs to the
-// name; a text without another backslash is all name.
+// Splits a path before its last component; the folder keeps its backslash. A trailing backslash belongs to
+// the name. A text without any other backslash is all name.
 struct SplitName {
   std::string_view folder, name;
 };

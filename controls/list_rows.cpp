@@ -4,9 +4,8 @@
 #include <numeric>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
-
-#include "base/text.h"
 
 namespace kxrestore::controls {
 
@@ -83,7 +82,7 @@ void ListRows::Renew() {
   CollectRows();
 }
 
-// What is compared is laid out beforehand: a million entries are compared twenty million times.
+// The keys are computed once: sorting a million entries compares some twenty million times.
 void ListRows::SortNumbers() {
   std::vector<std::int64_t> keys(m_order.size() + 1);
   for (const std::uint32_t number : m_order) keys[number] = NumberOf(m_list, number, m_column);
@@ -92,17 +91,30 @@ void ListRows::SortNumbers() {
   });
 }
 
-// Texts that are the same but for their case stand by their exact text, and by their folder.
+// Entries of equal keys are ordered by their exact text, then by their whole path. A name is mostly the only
+// one of its kind; folders, sets and extensions are few, so their keys are made once.
 void ListRows::SortTexts() {
-  std::string folded;
-  std::vector<std::size_t> starts(m_order.size() + 2);
+  struct Range {
+    std::size_t start, size;
+  };
+  std::string keys;
+  std::vector<Range> ranges(m_order.size() + 1);
+  std::unordered_map<std::string_view, Range> known;
   for (const std::uint32_t number : m_order) {
-    starts[number] = folded.size();
-    AppendFolded(folded, TextOf(m_list, m_list.At(number), m_column));
+    const std::string_view text = TextOf(m_list, m_list.At(number), m_column);
+    if (m_column != ListColumn::kName) {
+      if (const auto found = known.find(text); found != known.end()) {
+        ranges[number] = found->second;
+        continue;
+      }
+    }
+    const std::size_t start = keys.size();
+    m_list.m_sortKey(keys, text);
+    ranges[number] = {start, keys.size() - start};
+    if (m_column != ListColumn::kName) known.emplace(text, ranges[number]);
   }
-  starts[m_order.size() + 1] = folded.size();
   const auto key = [&](std::uint32_t number) {
-    return std::string_view(folded).substr(starts[number], starts[number + 1] - starts[number]);
+    return std::string_view(keys).substr(ranges[number].start, ranges[number].size);
   };
   std::sort(m_order.begin() + m_groups, m_order.end(), [&](std::uint32_t left, std::uint32_t right) {
     if (const int order = key(left).compare(key(right)); order != 0) return order < 0;
@@ -114,12 +126,11 @@ void ListRows::SortTexts() {
   });
 }
 
-// A filter that only asks for more than the one before looks at what passed that.
+// A filter that only narrows the previous one looks at the entries that passed that.
 void ListRows::SetFilter(const ListFilter& filter) {
-  if (filter == m_filter) return;
   const ListFilter before = std::exchange(m_filter, filter);
   const bool narrower = m_filtered && before.from == filter.from && before.to == filter.to &&
-                        before.leastSize == filter.leastSize && before.mostSize == filter.mostSize &&
+                        before.minSize == filter.minSize && before.maxSize == filter.maxSize &&
                         before.setId == filter.setId && filter.words.starts_with(before.words);
   m_matcher = ListMatcher(filter);
   m_filtered = !filter.IsOpen();
@@ -138,25 +149,25 @@ void ListRows::SetFilter(const ListFilter& filter) {
     if (Passes(m_matcher, number)) passing.Set(number - 1, true);
   }
   m_passing = std::move(passing);
-  m_passing.ForEach([this](std::size_t place) { Pass(place + 1); });
+  m_passing.ForEach([this](std::size_t place) { AddToSum(place + 1); });
   CollectRows();
 }
 
-// A group of file types shows its members, so it stays with them.
+// The filter keeps groups: they are the headings of their members.
 bool ListRows::Passes(const ListMatcher& matcher, std::size_t number) const {
-  const AutoSelect::Store::Record& record = Entries().records[number - 1];
   using Store = AutoSelect::Store;
+  const Store::Record& record = Entries().records[number - 1];
   if ((record.flags & Store::kGroup) != 0) return true;
   if (!matcher.MatchesNumbers(record.time, record.time != AutoSelect::kNoTime, record.size,
                               (record.flags & Store::kSizeKnown) != 0, record.setId)) {
     return false;
   }
   return !matcher.AsksForName() ||
-         matcher.MatchesName(Entries().NameAt(number), (record.flags & Store::kPlainName) != 0);
+         matcher.MatchesName(record.Name(), (record.flags & Store::kAsciiName) != 0);
 }
 
-// Counts one that passes.
-void ListRows::Pass(std::size_t number) {
+// Adds an entry that passes to the sums.
+void ListRows::AddToSum(std::size_t number) {
   const AutoSelect::Store::Record& record = Entries().records[number - 1];
   if ((record.flags & AutoSelect::Store::kGroup) != 0) return;
   ++m_sum.entries;
@@ -181,7 +192,7 @@ void ListRows::Added() {
   const bool passes = Passes(m_matcher, number);
   m_passing.Append(passes);
   if (!passes) return;
-  Pass(number);
+  AddToSum(number);
   m_shown.push_back(static_cast<std::uint32_t>(number));
 }
 

@@ -1,6 +1,6 @@
-// Which entries of a list are seen, and in which order: as they come or sorted by a column, groups of file
-// types always first, less those that the filter keeps out. Sorting costs four bytes an entry, a filter four
-// bytes a row and a bit an entry; without them rows are entries.
+// Which entries of a list are visible, and in which order: as added or sorted by a column, groups of file
+// types always first, without those that the filter hides. Sorting costs four bytes per entry, a filter four
+// bytes per row and one bit per entry; without them rows are entries.
 #pragma once
 
 #include <cstddef>
@@ -16,8 +16,8 @@ class ListRows {
   explicit ListRows(const AutoSelect& list) : m_list(list) {}
 
   std::size_t Count() const;
-  // Entry number of a row (from 0), 0 where there is none. Rows behind those sorted so far show the entries
-  // in the order of adding.
+  // Entry number of a row (from 0), 0 where there is none. Entries added since the last sort follow the
+  // sorted rows in the order of adding.
   std::size_t Entry(std::size_t row) const;
   bool Shows(std::size_t number) const { return !Filtered() || m_passing[number - 1]; }
 
@@ -26,25 +26,25 @@ class ListRows {
   bool Descending() const { return m_descending; }
   // Whether entries were added since the rows were sorted.
   bool Stale() const { return m_sorted && m_order.size() != m_list.Count(); }
-  void Renew();  // sorts them in
+  void Renew();  // sorts them again
 
   bool Filtered() const { return m_filtered; }
   const ListFilter& Filter() const { return m_filter; }
-  const AutoSelect::Sum& Sum() const { return m_sum; }  // of what the filter lets pass, while there is one
+  const AutoSelect::Sum& Sum() const { return m_sum; }  // of the entries that pass, while filtered
 
   std::size_t MemoryUsed() const;
 
  private:
-  friend class AutoSelect;  // which tells of every change
+  friend class AutoSelect;  // reports every change
   void SortBy(ListColumn column, bool descending);
   void Unsort();
   void SetFilter(const ListFilter& filter);
-  void Added();    // the last entry
+  void Added();    // an entry, the last one
   void Cleared();  // order and filter stay
 
   const AutoSelect::Store& Entries() const { return *m_list.m_store; }
   bool Passes(const ListMatcher& matcher, std::size_t number) const;
-  void Pass(std::size_t number);
+  void AddToSum(std::size_t number);
   void CollectRows();
   void SortNumbers();
   void SortTexts();
@@ -53,13 +53,13 @@ class ListRows {
   bool m_sorted = false;
   bool m_descending = false;
   ListColumn m_column = ListColumn::kName;
-  std::ptrdiff_t m_groups = 0;         // that stay on top
+  std::ptrdiff_t m_groups = 0;         // how many; they stay on top
   std::vector<std::uint32_t> m_order;  // entry numbers, while sorted
 
   bool m_filtered = false;
   ListFilter m_filter;
   ListMatcher m_matcher{ListFilter()};
-  Bits m_passing;                      // an entry, while filtered
+  Bits m_passing;                      // one per entry, while filtered
   std::vector<std::uint32_t> m_shown;  // entry numbers, while filtered
   AutoSelect::Sum m_sum;
 };

@@ -11,7 +11,7 @@ namespace kxrestore::controls {
 
 namespace {
 
-constexpr std::size_t kMostOrdered = 200'000;  // children; more would take longer than a click may
+constexpr std::size_t kMaxOrdered = 200'000;  // children; more would take longer than a click may
 
 }  // namespace
 
@@ -240,25 +240,32 @@ void TreeView::Store::Remove(std::uint32_t node) {
   }
 }
 
-// Names mostly come in their order, so that is looked at first.
-void TreeView::Store::OrderChildren(std::uint32_t parent) {
-  const auto before = [this](std::uint32_t left, std::uint32_t right) {
-    const Record &a = m_records[left], &b = m_records[right];
-    if ((a.firstChild != 0) != (b.firstChild != 0)) return a.firstChild != 0;
-    return CompareAsPeopleCount(TextsOf(a).text, TextsOf(b).text) < 0;
+void TreeView::Store::OrderChildren(std::uint32_t parent, const SortKey& sortKey) {
+  struct Child {
+    std::uint32_t node;
+    bool isFile;
+    std::size_t key, size;  // range of `keys`
   };
-  std::vector<std::uint32_t> children;
-  for (std::uint32_t child = m_records[parent].firstChild; child != 0; child = m_records[child].next) {
-    children.push_back(child);
+  std::vector<Child> children;
+  std::string keys;
+  for (std::uint32_t node = m_records[parent].firstChild; node != 0; node = m_records[node].next) {
+    if (children.size() == kMaxOrdered) return;
+    const std::size_t start = keys.size();
+    sortKey(keys, TextsOf(m_records[node]).text);
+    children.push_back({node, m_records[node].firstChild == 0, start, keys.size() - start});
   }
-  if (children.size() > kMostOrdered || std::is_sorted(children.begin(), children.end(), before)) return;
-  std::stable_sort(children.begin(), children.end(), before);
+  std::stable_sort(children.begin(), children.end(), [&](const Child& left, const Child& right) {
+    if (left.isFile != right.isFile) return right.isFile;
+    return std::string_view(keys).substr(left.key, left.size) <
+           std::string_view(keys).substr(right.key, right.size);
+  });
   std::uint32_t previous = 0;
-  for (const std::uint32_t child : children) {
+  for (const auto& [child, isFile, key, size] : children) {
     m_records[child].previous = previous;
     (previous != 0 ? m_records[previous].next : m_records[parent].firstChild) = child;
     previous = child;
   }
+  if (previous == 0) return;
   m_records[previous].next = 0;
   m_records[parent].lastChild = previous;
 }

@@ -20,18 +20,18 @@ struct TreeView::Store {
     kExpanded = 2,
     kBold = 4,
     kTextEndsTag = 8,
-    kHasKey = 16,  // a key of its own, kept with the texts
-    kFolder = 32,  // a key made from that of its parent
+    kHasKey = 16,  // the key is stored with the texts
+    kFolder = 32,  // the key is built from the parent's
     kRemoved = 64,
     kMixed = 128,
-    kOrdered = 256,   // its children stand in their order
-    kSettled = 1024,  // the catalog has its check
-    kTagged = 2048,   // it has a tag, as nodes that stand for files do
+    kOrdered = 256,   // its children are sorted
+    kSettled = 1024,  // marked in the catalog
+    kTagged = 2048,   // has a tag, as nodes for files do
   };
 
-  // Record 0 stands above the top nodes; its links make them siblings like any others.
+  // Record 0 is the parent of the top nodes.
   struct Record {
-    const char* texts;  // lengths, tag, text and key, as SetTexts lays them out
+    const char* texts;  // lengths, tag, text and key, in the layout of SetTexts
     std::uint32_t parent, firstChild, lastChild, previous, next;
     std::int16_t image;
     std::uint16_t flags;
@@ -46,7 +46,7 @@ struct TreeView::Store {
   bool Lives(std::uint32_t node) const {
     return node != 0 && node < m_records.Size() && (m_records[node].flags & kRemoved) == 0;
   }
-  // The record of a node that must live: error 91 for nothing, 35601 for a node that is gone.
+  // Error 91 for no node, 35601 for a removed one.
   Record& At(std::uint32_t node) {
     if (!Lives(node)) ThrowGone(node);
     return m_records[node];
@@ -60,18 +60,18 @@ struct TreeView::Store {
                     std::string_view tag);
   std::uint32_t FindOrAddFolder(std::uint32_t parent, std::string_view text, int image);
   void Remove(std::uint32_t node);
-  // Puts the children of a node into the order of folders first and names as people count.
-  void OrderChildren(std::uint32_t parent);
+  // Sorts the children of a node, folders first.
+  void OrderChildren(std::uint32_t parent, const SortKey& sortKey);
 
   static Texts TextsOf(const Record& record);
   void SetText(std::uint32_t node, std::string_view text);
   void SetTag(std::uint32_t node, std::string_view tag);
-  std::string Key(std::uint32_t node) const;  // of a node that lives
+  std::string Key(std::uint32_t node) const;
 
   std::uint32_t Find(std::string_view key) const;
   std::size_t MemoryUsed() const;
 
-  // Takes a node out of the counts of files, or puts it in again: around what may change how it counts.
+  // Bracket a change to a node that may affect the counts of files.
   void CountOut(const Record& record) { CountBy<-1>(record); }
   void CountIn(const Record& record) { CountBy<1>(record); }
   FileCounts files;
@@ -98,13 +98,13 @@ struct TreeView::Store {
 
   Blocks<Record, 10> m_records;
   TextArena m_texts;
-  HashIndex m_keys;  // nodes that are gone stay in it: no key equals theirs
+  HashIndex m_keys;  // removed nodes stay in it; no key equals theirs
   std::size_t m_count = 0;
 
-  // The hash of the key of the folder that was asked for last, so that a path costs one step a level.
+  // The key hash of the last folder looked up, so that a path costs one step per level.
   std::uint32_t m_hashedFolder = 0;
   std::uint64_t m_folderHash = 0;
-  std::vector<std::uint32_t> m_unhashed;  // kept for its room
+  std::vector<std::uint32_t> m_unhashed;  // a member to reuse its memory
 };
 
 }  // namespace kxrestore::controls

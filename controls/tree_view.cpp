@@ -206,9 +206,9 @@ std::size_t TreeView::MemoryUsed() const {
 
 Node TreeView::InOrder(Node node) {
   auto& flags = m_store->At(node.m_index).flags;
-  if (m_naturalOrder && (flags & Store::kOrdered) == 0) {
+  if (m_sortKey && (flags & Store::kOrdered) == 0) {
     flags |= Store::kOrdered;
-    m_store->OrderChildren(node.m_index);
+    m_store->OrderChildren(node.m_index, m_sortKey);
   }
   return node.Child();
 }

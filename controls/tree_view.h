@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/sorting.h"
 #include "controls/control.h"
 #include "controls/footer.h"
 #include "controls/widgets.h"
@@ -90,12 +91,11 @@ class TreeView : public Control {
   void Remove(Node node);
   void Clear();
 
-  // Whether the children of a node stand in the order of folders first and names as people count ("Archive 2"
-  // before "Archive 10"), instead of that of adding. It is made when a node is first expanded, or asked for
-  // by InOrder; top nodes, what is added afterwards and very long folders stay as they come. Indexes never
-  // change.
-  void SetNaturalOrder(bool natural) { m_naturalOrder = natural; }
-  // The first child of a node, once its children stand in their order.
+  // Sorts the children of a node, folders first, when it is first expanded or InOrder asks for them. Top
+  // nodes, nodes added later and very large folders stay in the order of adding, as do all nodes without a
+  // sort key. Indexes never change.
+  void SetSortKey(SortKey sortKey) { m_sortKey = std::move(sortKey); }
+  // Sorts the children of a node and returns the first.
   Node InOrder(Node node);
 
   std::size_t Count() const;
@@ -143,7 +143,7 @@ class TreeView : public Control {
   static void AddedBelowTicked(Node parent);
 
   bool m_checkBoxes;
-  bool m_naturalOrder = false;
+  SortKey m_sortKey;
   const ImageList* m_images = nullptr;
   Node m_selected;
   std::unique_ptr<Store> m_store;

@@ -8,27 +8,23 @@ namespace kxrestore::controls {
 
 namespace {
 
-// Takes a new value over; whether it was another one.
-template <typename T>
-bool Replace(T& value, T replacement) {
+// Assigns a value. Whether that changed it.
+template <typename T, typename U>
+bool Replace(T& value, U&& replacement) {
   if (value == replacement) return false;
-  value = std::move(replacement);
+  value = std::forward<U>(replacement);
   return true;
 }
 
 }  // namespace
 
-// A walk shows its count at every item, so the text takes no new memory.
+// A walk sets its count at every item. Assigning a view reuses the caption's memory.
 void Captioned::SetCaption(std::string_view caption) {
-  if (m_caption == caption) return;
-  m_caption.assign(caption);
-  Notify(Property::kCaption);
+  if (Replace(m_caption, caption)) Notify(Property::kCaption);
 }
 
 void Frame::SetCaption(std::string_view caption) {
-  if (m_caption == caption) return;
-  m_caption.assign(caption);
-  Notify(Property::kCaption);
+  if (Replace(m_caption, caption)) Notify(Property::kCaption);
 }
 
 void Label::SetFontName(std::string name) {

@@ -1,5 +1,4 @@
-// From one file to where it stands in the backups: all its versions as search hits, or its place in the tree
-// of its backup. The menus of the lists and of the detail tree lead there.
+// The menu commands on one file: list all its versions, and show it in its backup.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +13,7 @@ namespace kxrestore::dialog {
 
 class FileHistory {
  public:
-  // A file as an entry or a node stands for it.
+  // The file of an entry or of a node.
   struct File {
     std::int64_t setId = 0;
     std::string extension;
@@ -26,10 +25,10 @@ class FileHistory {
   // Fills the menus of the file lists, and adds to that of the detail tree.
   FileHistory(FormContext& context, SetTree& setTree, RestoreList& restoreList);
 
-  // Searches all sets for exactly this file and lists its versions as hits, the newest first.
+  // Searches all sets for exactly this file; the search list shows its versions, newest first.
   void ShowAllVersions(const File& file);
-  // Chooses the file's run and selects the file in the detail tree. The run is not loaded anew when the tree
-  // shows it; ticks that wait to be applied are not lost without a question.
+  // Chooses the file's run, loading it unless the tree shows it already, and selects the file there. Asks
+  // before pending ticks in the tree are lost.
   void ShowInBackup(const File& file);
 
  private:

@@ -18,13 +18,6 @@ Footers::Footers(FormContext& context) : m_context(context) {
   ui.tvwDetails.DescribeFooter = [this] { return OfTree(); };
   m_context.AnythingPending = [this] { return AnythingPending(); };
   m_context.ShowSums = [this] { ShowBytes(); };
-  for (AutoSelect* const list : {&ui.asRestoreList, &ui.asSearch}) {
-    list->RunTime = [this](const AutoSelect::Entry& entry) {
-      const auto run =
-          m_context.runTimes.find(std::to_string(entry.setId).append(" ").append(entry.extension));
-      return run == m_context.runTimes.end() ? AutoSelect::kNoTime : run->second;
-    };
-  }
 }
 
 std::string Footers::Pending(const AutoSelect& list, Phrase phrase) const {
@@ -41,7 +34,7 @@ std::string Footers::Files(const AutoSelect::Sum& sum) const {
   return Say(Phrase::kSumFiles, {regional.Grouped(static_cast<std::int64_t>(sum.entries)), size});
 }
 
-// A filter shows how many of how many; several sets are worth saying, one is not.
+// Under a filter it says how many of how many. A single set is not mentioned.
 FooterText Footers::OfFiles(const AutoSelect& list) const {
   const platform::Regional& regional = m_context.platform.regional;
   const bool marked = &list == &m_context.ui.asRestoreList;

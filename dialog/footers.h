@@ -1,5 +1,5 @@
-// What the lines below the lists and the detail tree say: ticks that wait to be applied, and sums in people's
-// units; and the sum of bytes beside the restore list. The lists learn the dates of their entries' runs, too.
+// The footers of the lists and of the detail tree: ticks not yet applied, and totals of files and sizes. Also
+// the total of bytes beside the restore list.
 #pragma once
 
 #include <string>
@@ -13,9 +13,9 @@ class Footers {
  public:
   explicit Footers(FormContext& context);
 
-  // Brings "Bytes: " in line with the restore list.
+  // Updates the "Bytes: " label from the restore list.
   void ShowBytes();
-  // Whether any tick waits to be applied or updated.
+  // Whether any tick has not been applied yet.
   bool AnythingPending() const;
 
  private:

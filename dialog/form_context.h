@@ -72,11 +72,11 @@ class FormContext {
   void ListingMarks() { m_commitLost = false; }
   void CommitLost() { m_commitLost = true; }
 
-  // The date of each completed run, by its set, a blank and its extension, as platform::TimeNumber.
+  // The date of each completed run as platform::TimeNumber, by the tag of its node in the set tree: the set's
+  // number, a blank and the run's extension.
   std::unordered_map<std::string, std::int64_t> runTimes;
-  // Whether ticks wait to be applied; brings the sum of bytes in line with the restore list.
-  std::function<bool()> AnythingPending;
-  std::function<void()> ShowSums;
+  std::function<bool()> AnythingPending;  // whether any tick has not been applied yet
+  std::function<void()> ShowSums;         // updates the total of bytes from the restore list
 
   [[nodiscard]] std::unique_ptr<engine::Database> OpenCatalog() {
     return catalog::OpenCatalog(workspace, connection);

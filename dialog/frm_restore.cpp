@@ -57,6 +57,9 @@ struct frmRestore::Loaded {
         fileHistory(context, setTree, restoreList),
         placement(ui, layout, form.m_platform),
         listMemory(ui, form.m_platform) {
+    for (controls::AutoSelect* const list : {&ui.asRestoreList, &ui.asSearch, &ui.asFiles}) {
+      list->SetSortKey(platform::SortKeyOf(form.m_platform.regional));
+    }
     setTree.LoadBackupSetDetail = [this](controls::Node run) { setDetail.LoadBackupSetDetail(run); };
     setTree.ArchiveNode = [this](controls::Node node) { cdArchive.OpenBranch(node); };
     setDetail.RunChanged = [this] { nodeInfo.RunChanged(); };

@@ -1,4 +1,4 @@
-// What empty lists and trees say: why they are empty and what to do.
+// The texts in empty lists and trees: why they are empty and what to do.
 #pragma once
 
 #include <cstdint>
@@ -8,18 +8,18 @@
 
 namespace kxrestore::dialog::hints {
 
-// Before anything has happened.
+// When the form loads.
 void BeforeAnything(FormControls& ui);
 
-// The detail tree, after a run was loaded or as far as that went.
+// The detail tree, after loading a run.
 enum class Loaded { kWhole, kStopped, kFailed };
 void AfterLoad(FormControls& ui, Loaded loaded);
 
-// The search list: nothing looked for yet, or nothing found.
+// The search list: before a search, and after one without hits.
 void BeforeSearch(FormControls& ui);
 void NothingFound(FormControls& ui, const std::string& mask, bool inThisSet);
 
-// The restore list: `marked` files of which it lists none.
+// The restore list: `marked` files are marked but not listed yet, or none is.
 void EarlierMarks(FormContext& context, std::int64_t marked);
 void NothingMarked(FormControls& ui);
 

@@ -7,16 +7,16 @@ namespace kxrestore::dialog {
 namespace {
 
 constexpr const char* kTabClick = "tbsOptions.Click";
-constexpr int kLeastWidth = 7000;  // of the window, with its frame
-constexpr int kLeastHeight = 6100;
+constexpr int kMinWidth = 7000;  // of the window, with its frame
+constexpr int kMinHeight = 6100;
 constexpr double kTopShare = 0.4;  // of the upper area when the form loads
 
 // What the areas need at least for the controls on them.
-constexpr int kLeastTop = 3360;
-constexpr int kLeastBottom = 2040;
+constexpr int kMinTop = 3360;
+constexpr int kMinBottom = 2040;
 constexpr int kCountsBelow = 2580;  // the lower area, with the counts below its buttons
-constexpr int kLeastTree = 1300;
-constexpr int kLeastTabs = 3360;
+constexpr int kMinTree = 1300;
+constexpr int kMinTabs = 3360;
 
 constexpr int kBarSize = 60;
 constexpr int kTabsTop = 360;
@@ -42,7 +42,7 @@ constexpr int kLabelAndField = 2700;
 constexpr int kOptionsInRow = 2325;
 constexpr int kBoxInRow = 2300;
 constexpr int kChoicesInRow = kOptionsInRow + kGap + kBoxInRow;
-constexpr int kLeastField = 2000;
+constexpr int kMinField = 2000;
 constexpr int kArchiveLabel = 1350;
 constexpr int kProgressLines = 4;
 constexpr int kProgressBar = 180;
@@ -57,7 +57,7 @@ Layout::Layout(FormContext& context) : m_context(context), m_ui(context.ui) {
   const auto resize = [this](void (Layout::*handler)()) {
     return [this, handler] { m_context.Skipping([&] { (this->*handler)(); }); };
   };
-  m_ui.form.SetMinimumSize(kLeastWidth, kLeastHeight);
+  m_ui.form.SetMinimumSize(kMinWidth, kMinHeight);
   m_ui.form.Resize = resize(&Layout::Form_Resize);
   m_ui.picTop.Resize = resize(&Layout::picTop_Resize);
   m_ui.picTabs.Resize = resize(&Layout::picTabs_Resize);
@@ -84,8 +84,8 @@ void Layout::PlaceInitially() {
   Place(m_ui.picBottom, 0, bottom, width, height - bottom);
   m_ui.splitH.AddControlTop(m_ui.picTop);
   m_ui.splitH.AddControlBottom(m_ui.picBottom);
-  m_ui.splitH.SetMinTopHeight(kLeastTop);
-  m_ui.splitH.SetMinBottomHeight(kLeastBottom + kBarSize);
+  m_ui.splitH.SetMinTopHeight(kMinTop);
+  m_ui.splitH.SetMinBottomHeight(kMinBottom + kBarSize);
   m_ui.splitH.update();
 
   Place(m_ui.tvwSets, kEdge, kTabsTop, kDesignedTree, m_ui.tvwSets.Height());
@@ -94,8 +94,8 @@ void Layout::PlaceInitially() {
   Place(m_ui.SplitV, m_ui.tvwSets.Left() + m_ui.tvwSets.Width(), kTreeTop, kBarSize, m_ui.picTabs.Height());
   m_ui.SplitV.AddControlLeft(m_ui.tvwSets);
   m_ui.SplitV.AddControlRight(m_ui.picTabs);
-  m_ui.SplitV.SetMinLeftWidth(kEdge + kLeastTree);
-  m_ui.SplitV.SetMinRightWidth(kLeastTabs + kBarSize);
+  m_ui.SplitV.SetMinLeftWidth(kEdge + kMinTree);
+  m_ui.SplitV.SetMinRightWidth(kMinTabs + kBarSize);
   Form_Resize();
   picTop_Resize();
 }
@@ -115,8 +115,8 @@ void Layout::WishSplitters(const Splitters& wished) {
 void Layout::Form_Resize() {
   const auto state = m_ui.form.WindowState();
   if (state != controls::WindowState::kMinimized) {
-    if (m_ui.form.Height() < kLeastHeight) m_ui.form.SetHeight(kLeastHeight);
-    if (m_ui.form.Width() < kLeastWidth) m_ui.form.SetWidth(kLeastWidth);
+    if (m_ui.form.Height() < kMinHeight) m_ui.form.SetHeight(kMinHeight);
+    if (m_ui.form.Width() < kMinWidth) m_ui.form.SetWidth(kMinWidth);
     const int width = m_ui.form.ScaleWidth();
     const int height = m_ui.form.ScaleHeight();
 
@@ -139,8 +139,8 @@ void Layout::Form_Resize() {
 // grows.
 void Layout::KeepSplitters() {
   m_wishedTop = WishedSplitters().top;
-  const int most = m_ui.form.ScaleHeight() - m_ui.splitH.Height() - 90 - kLeastBottom;
-  m_placedTop = std::max(std::min(m_wishedTop, most), kLeastTop);
+  const int most = m_ui.form.ScaleHeight() - m_ui.splitH.Height() - 90 - kMinBottom;
+  m_placedTop = std::max(std::min(m_wishedTop, most), kMinTop);
   m_ui.splitH.SetTop(m_placedTop);
   m_ui.picTop.SetHeight(m_placedTop - m_ui.picTop.Top());
 }
@@ -184,8 +184,8 @@ void Layout::picTop_Resize() {
   Place(m_ui.tbsOptions, 0, 0, area.Width(), area.Height() - 30);
 
   m_wishedLeft = WishedSplitters().left;
-  const int most = area.Width() - 90 - kLeastTabs - m_ui.SplitV.Width();
-  m_placedLeft = std::max(std::min(m_wishedLeft, most), m_ui.tvwSets.Left() + kLeastTree);
+  const int most = area.Width() - 90 - kMinTabs - m_ui.SplitV.Width();
+  m_placedLeft = std::max(std::min(m_wishedLeft, most), m_ui.tvwSets.Left() + kMinTree);
   Place(m_ui.tvwSets, m_ui.tvwSets.Left(), kTreeTop, m_placedLeft - m_ui.tvwSets.Left(),
         area.Height() - kTreeTop);
   Place(m_ui.SplitV, m_ui.tvwSets.Left() + m_ui.tvwSets.Width(), kTreeTop, kBarSize, m_ui.tvwSets.Height());
@@ -321,7 +321,7 @@ void Layout::PlaceSearchPanel() {
   const auto& area = m_ui.panel[1];
   const int column = area.Width() - kInset - kButtonWidth;
   const int secondColumn = column - kGap - kButtonWidth;
-  const bool wide = secondColumn - kGap - kInset >= kLeastField;
+  const bool wide = secondColumn - kGap - kInset >= kMinField;
   for (int index = 0; index < 4; ++index) {
     const int row = wide ? index / 2 : index;
     Place(m_ui.cmdSearch[index], wide && index % 2 == 0 ? secondColumn : column, ButtonTop(row), kButtonWidth,

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <utility>
 
+#include "base/text.h"
 #include "dialog/client_settings.h"
 
 namespace kxrestore::dialog {
@@ -14,7 +15,7 @@ using controls::ListColumn;
 using controls::ListLook;
 
 constexpr const char* kMasksEntry = "SearchMasks";  // a line each, the oldest first
-constexpr std::size_t kMostMasks = 20;
+constexpr std::size_t kMaxMasks = 20;
 constexpr int kWidest = 30000;  // twips
 constexpr std::pair<controls::AutoSelect FormControls::*, const char*> kLists[] = {
     {&FormControls::asRestoreList, "RestoreListColumns"},
@@ -26,15 +27,6 @@ constexpr std::string_view kNames[controls::kListColumns] = {"name", "folder", "
 
 std::size_t PlaceOf(std::string_view name) {
   return static_cast<std::size_t>(std::find(std::begin(kNames), std::end(kNames), name) - kNames);
-}
-
-template <class Call>
-void ForEachPiece(std::string_view text, char separator, Call&& call) {
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find(separator), text.size());
-    call(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
 }
 
 }  // namespace
@@ -84,9 +76,7 @@ ListLook LookOf(std::string_view text) {
 void ListMemory::Restore() {
   const platform::CProgramSettings settings = UserSettings(m_platform);
   m_masks = settings.ReadEntry(kMasksEntry, "");
-  ForEachPiece(m_masks, '\n', [this](std::string_view mask) {
-    if (!mask.empty()) m_ui.cboMask.AddItem(std::string(mask));
-  });
+  ForEachPiece(m_masks, '\n', [this](std::string_view mask) { m_ui.cboMask.AddItem(std::string(mask)); });
   m_looks.clear();
   for (const auto& [list, entry] : kLists) {
     m_looks.push_back(settings.ReadEntry(entry, ""));
@@ -99,7 +89,7 @@ void ListMemory::Remember() {
   const platform::CProgramSettings settings = UserSettings(m_platform);
   const std::vector<std::string>& items = m_ui.cboMask.Items();
   std::string masks;
-  for (std::size_t i = items.size() - std::min(items.size(), kMostMasks); i < items.size(); ++i) {
+  for (std::size_t i = items.size() - std::min(items.size(), kMaxMasks); i < items.size(); ++i) {
     masks.append(masks.empty() ? "" : "\n").append(items[i]);
   }
   if (masks != m_masks) settings.WriteEntry(kMasksEntry, masks);

@@ -1,5 +1,5 @@
-// What is remembered for the user from one dialog to the next: the masks searched for, and how the lists are
-// arranged and sorted. Nothing of it needs to be there, and what makes no sense is passed over.
+// Remembers the user's search masks and the columns and order of the lists from one dialog to the next.
+// Missing or invalid settings are ignored.
 #pragma once
 
 #include <string>
@@ -17,17 +17,17 @@ class ListMemory {
       : m_ui(controls), m_platform(platform) {}
 
   void Restore();
-  void Remember();  // what has changed since
+  void Remember();  // stores what has changed since
 
  private:
   FormControls& m_ui;
   platform::Platform m_platform;
-  std::string m_masks;               // as they were read
-  std::vector<std::string> m_looks;  // a list
+  std::string m_masks;               // as last read
+  std::vector<std::string> m_looks;  // one per list, as last read
 };
 
-// A look as text: "name 2100,folder 3000;size-", columns from left to right with their twips, then the column
-// sorted by, "+" upwards and "-" downwards.
+// A look as text, for example "name 2100,folder 3000;size-": the columns from left to right with their widths
+// in twips, then the column sorted by with "+" (ascending) or "-" (descending).
 std::string LookText(const controls::ListLook& look);
 controls::ListLook LookOf(std::string_view text);
 

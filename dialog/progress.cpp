@@ -18,7 +18,7 @@ constexpr std::int64_t kBusyShownAfter = 2000;  // where there is no window yet
 constexpr std::int64_t kEstimatedAfter = 1000;
 constexpr std::int64_t kQuickLook = 5;
 constexpr std::int64_t kSlowLook = 50;
-constexpr std::int64_t kMostStride = 1024;
+constexpr std::int64_t kMaxStride = 1024;
 
 Phrase NameOf(Work work) {
   switch (work) {
@@ -106,7 +106,7 @@ void Progress::Look() {
   const std::int64_t now = Now();
   const std::int64_t gap = now - m_lastLook;
   if (gap < kQuickLook) {
-    m_stride = std::min(2 * m_stride, kMostStride);
+    m_stride = std::min(2 * m_stride, kMaxStride);
   } else if (gap > kSlowLook) {
     m_stride = std::max<std::int64_t>(m_stride / 4, 1);
   }

@@ -59,7 +59,7 @@ int PluginImage(std::string_view text, std::string_view path) {
 
 SetDetail::SetDetail(FormContext& context) : m_context(context) {
   controls::TreeView& tree = m_context.ui.tvwDetails;
-  tree.SetNaturalOrder(true);
+  tree.SetSortKey(platform::SortKeyOf(context.platform.regional));
   const controls::ImageList& images = m_context.ui.imlRestore;
   // These come by the hundred thousand when everything is expanded, so they are no events of their own to the
   // database; nothing in them can fail.

@@ -18,7 +18,7 @@ constexpr std::string_view kRootKey = "Sets";
 constexpr std::string_view kSetKeyPrefix = "Sets\\";
 constexpr std::string_view kArchiveText = "Archive Sets";
 constexpr std::string_view kArchiveAddKey = "ArchAdd";
-constexpr std::int16_t kMostRuns = 32767;
+constexpr std::int16_t kMaxRuns = 32767;
 
 }  // namespace
 
@@ -65,10 +65,14 @@ SetTree::SetTree(FormContext& context) : m_context(context) {
   tree.Expand = [this, openArchive](controls::Node node) {
     m_context.Event("tvwSets.Expand", [&] { openArchive(node); });
   };
+  for (controls::AutoSelect* const list : {&m_context.ui.asRestoreList, &m_context.ui.asSearch}) {
+    list->RunTime = [this](const controls::AutoSelect::Entry& entry) {
+      return RunTime(std::to_string(entry.setId).append(" ").append(entry.extension));
+    };
+  }
 }
 
 bool SetTree::LoadBackupSetTree() {
-  m_runTimes.clear();
   return m_context.Reporting("LoadBackupSetTree", [this] {
     controls::TreeView& tree = m_context.ui.tvwSets;
     const auto database = m_context.OpenCatalog();
@@ -95,7 +99,6 @@ bool SetTree::LoadBackupSetTree() {
       const std::string date =
           time ? platform::DateAndTime(m_context.platform.regional, *time) : dateStamp.Text();
       controls::Node run = tree.Add(set, date, permanent.Boolean() ? date + " (P)" : date);
-      if (time) m_runTimes.emplace_back(run.Index(), platform::TimeNumber(*time));
       run.SetTag(setNameID.Text() + " " + runExtension);
       if (time) m_context.runTimes.emplace(run.Tag(), platform::TimeNumber(*time));
     }
@@ -114,23 +117,23 @@ controls::Node SetTree::SetNode(const std::string& name) {
   return node ? node : tree.Add(m_context.choice.m_nodRoot, key, name);
 }
 
-// 0 for one whose date is none.
-std::int64_t SetTree::TimeOf(controls::Node run) const {
-  const auto known =
-      std::lower_bound(m_runTimes.begin(), m_runTimes.end(), std::pair(run.Index(), std::int64_t{0}));
-  return known != m_runTimes.end() && known->first == run.Index() ? known->second : 0;
+std::int64_t SetTree::RunTime(const std::string& tag) const {
+  const auto known = m_context.runTimes.find(tag);
+  return known == m_context.runTimes.end() ? controls::AutoSelect::kNoTime : known->second;
 }
 
 void SetTree::ChooseDay(controls::Node node) {
   controls::Node set = node.Tag().empty() ? node : node.Parent();
-  std::int64_t oldest = 0, newest = 0;
+  constexpr std::int64_t kNoTime = controls::AutoSelect::kNoTime;
+  const auto timeOf = [this](controls::Node run) { return RunTime(std::string(run.Tag())); };
+  std::int64_t oldest = kNoTime, newest = kNoTime;
   for (controls::Node run = set.Child(); run; run = run.Next()) {
-    const std::int64_t time = TimeOf(run);
-    if (time == 0) continue;
-    if (newest == 0) newest = time;
+    const std::int64_t time = timeOf(run);
+    if (time == kNoTime) continue;
+    if (newest == kNoTime) newest = time;
     oldest = time;
   }
-  if (oldest == 0) return;
+  if (oldest == kNoTime) return;
   const platform::CivilTime now = m_context.platform.regional.Now();
   const auto day =
       m_context.platform.desktop.AskDay(Say(Phrase::kAskDay, {set.Text()}), platform::TimeOfNumber(oldest),
@@ -138,8 +141,8 @@ void SetTree::ChooseDay(controls::Node node) {
   if (!day) return;
   const std::int64_t end = platform::TimeNumber({day->year, day->month, day->day, 23, 59, 59});
   for (controls::Node run = set.Child(); run; run = run.Next()) {
-    const std::int64_t time = TimeOf(run);
-    if (time == 0 || time > end) continue;
+    const std::int64_t time = timeOf(run);
+    if (time == kNoTime || time > end) continue;
     set.SetExpanded(true);
     m_context.ui.tvwSets.SetSelectedItem(run);
     tvwSets_NodeClick(run);
@@ -157,7 +160,7 @@ std::string SetTree::ListRunExtensions(controls::Node node) {
   count = 0;
   for (; node; node = node.Next()) {
     catalog::AppendRun(list, TagExtension(node.Tag()));
-    if (count == kMostRuns) throw Error(error_number::kOverflow, "Overflow");
+    if (count == kMaxRuns) throw Error(error_number::kOverflow, "Overflow");
     ++count;
   }
   return list;

@@ -53,10 +53,10 @@ class SetTree {
   void HideArchiveFrame();
   void EnableActions(bool enabled);
 
-  std::int64_t TimeOf(controls::Node run) const;
+  // Of the run whose node has this tag: platform::TimeNumber, AutoSelect::kNoTime when it is unknown.
+  std::int64_t RunTime(const std::string& tag) const;
 
   FormContext& m_context;
-  std::vector<std::pair<std::uint32_t, std::int64_t>> m_runTimes;  // by the run's index, platform::TimeNumber
 };
 
 }  // namespace kxrestore::dialog

@@ -1,4 +1,4 @@
-// Tells lists and trees which of their ticks the catalog has, once a walk has marked or unmarked files.
+// Updates the pending ticks of lists and trees after a walk has marked or unmarked files in the catalog.
 #pragma once
 
 #include <cstddef>
@@ -8,12 +8,12 @@
 
 namespace kxrestore::dialog {
 
-// The ticked entries or nodes from 1 to `reached` were marked, but for those that the walk could not mark.
+// The ticked entries or nodes from 1 to `reached` are marked, except those that the walk could not mark.
 void SettleMarked(controls::AutoSelect& list, const MarkingWalk& walk, std::size_t reached);
 void SettleMarked(controls::TreeView& tree, const MarkingWalk& walk, std::size_t reached);
 
-// The unticked entries of the restore list from 1 to `reached` were unmarked, but for those that the walk
-// could not: what is ticked for the same files elsewhere waits to be applied again.
+// The unticked entries of the restore list from 1 to `reached` are unmarked, except those that the walk could
+// not unmark. Ticks for the same files elsewhere become pending.
 void SettleUnmarked(FormContext& context, const MarkingWalk& walk, std::size_t reached);
 
 // Nothing is marked any more.

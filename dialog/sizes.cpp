@@ -12,7 +12,7 @@ std::string SizeInPeoplesUnits(const platform::Regional& regional, std::int64_t 
   if (bytes < kStep) return Say(Phrase::kSizeBytes, {regional.Grouped(bytes)});
   std::size_t unit = 0;
   double size = static_cast<double>(bytes) / kStep;
-  // What would be rounded to a whole larger unit is said in that.
+  // A size that would round up to 1,024 takes the next unit.
   while (size >= kStep - 0.5 && unit + 1 < kUnits.size()) {
     size /= kStep;
     ++unit;

@@ -1,4 +1,4 @@
-// Sizes as people say them.
+// Sizes in readable units.
 #pragma once
 
 #include <cstdint>

@@ -15,13 +15,13 @@ namespace {
 
 // Types that begin with this one are found by its pattern, too.
 std::string OthersFoundBy(std::string_view extension, const std::vector<TypeCensus::Counted>& types) {
-  constexpr int kMostNamed = 3;
+  constexpr int kMaxNamed = 3;
   std::string others;
   int named = 0;
   for (const TypeCensus::Counted& other : types) {
     if (other.type.extension.size() <= extension.size() || !other.type.extension.starts_with(extension))
       continue;
-    if (named++ == kMostNamed) return others + ", ...";
+    if (named++ == kMaxNamed) return others + ", ...";
     others.append(others.empty() ? "." : ", .").append(other.type.extension);
   }
   return others;

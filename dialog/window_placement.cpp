@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* kWindowEntry = "RestoreWindow";        // left, top, width, height, maximized
 constexpr const char* kSplittersEntry = "RestoreSplitters";  // top of splitH, left of SplitV
-constexpr int kMost = 200000;                                // twips; no screen is larger
+constexpr int kMaxCoordinate = 200000;                       // twips; no screen is larger
 
 // Numbers separated by blanks; nothing unless there are exactly as many as asked for, all of a sensible size.
 template <std::size_t count>
@@ -26,7 +26,7 @@ std::optional<std::array<int, count>> ReadNumbers(platform::Platform& platform, 
   for (int& number : numbers) {
     while (position < end && *position == ' ') ++position;
     const auto [next, error] = std::from_chars(position, end, number);
-    if (error != std::errc() || number < -kMost || number > kMost) return std::nullopt;
+    if (error != std::errc() || number < -kMaxCoordinate || number > kMaxCoordinate) return std::nullopt;
     position = next;
   }
   if (position != end) return std::nullopt;

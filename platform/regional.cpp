@@ -14,6 +14,10 @@ std::string TwoDigits(int number) {
 
 }  // namespace
 
+SortKey SortKeyOf(const Regional& regional) {
+  return [&regional](std::string& key, std::string_view text) { regional.AppendSortKey(key, text); };
+}
+
 std::string DateAndTime(const Regional& regional, const CivilTime& time) {
   std::string text = regional.ShortDate(time);
   if (time.hour != 0 || time.minute != 0 || time.second != 0)

@@ -1,8 +1,11 @@
-// How the user writes dates, times and numbers.
+// How the user writes dates, times and numbers, and sorts texts.
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+
+#include "base/sorting.h"
 
 namespace kxrestore::platform {
 
@@ -17,8 +20,15 @@ class Regional {
   virtual std::string LongTime(const CivilTime& time) const = 0;   // 2:25:30 AM
   virtual std::string Grouped(std::int64_t number) const = 0;      // 1,234,567
   virtual std::string DecimalPoint() const { return "."; }
+  // In the user's language; numbers within a text count as numbers.
+  virtual void AppendSortKey(std::string& key, std::string_view text) const {
+    kxrestore::AppendSortKey(key, text);
+  }
   virtual CivilTime Now() const = 0;  // local time
 };
+
+// Calls AppendSortKey of `regional`, which must outlive the key.
+SortKey SortKeyOf(const Regional& regional);
 
 // Short date, blank, long time; the date alone at midnight.
 std::string DateAndTime(const Regional& regional, const CivilTime& time);

@@ -10,8 +10,8 @@ namespace kxrestore::engine::jet_file {
 namespace {
 
 constexpr std::size_t kBlockSize = 32 * 1024;
-constexpr std::size_t kMostBlocks = 512;  // 16 MB
-constexpr std::size_t kMostRows = 256;    // of a page: a record pointer has one byte for them
+constexpr std::size_t kMaxBlocks = 512;  // 16 MB
+constexpr std::size_t kMaxRows = 256;    // of a page: a record pointer has one byte for them
 constexpr std::uint16_t kSlotOffset = 0x1FFF;
 
 // The mask over part of page 0.
@@ -118,7 +118,7 @@ const PageFile::Block& PageFile::BlockOf(std::uint64_t offset) const {
   }
   Block block;
   block.number = number;
-  if (m_blocks.size() >= kMostBlocks) {
+  if (m_blocks.size() >= kMaxBlocks) {
     Block& oldest = m_blocks.back();
     m_byNumber.erase(oldest.number);
     if (oldest.bytes.use_count() == 1) block.bytes = std::move(oldest.bytes);
@@ -154,7 +154,7 @@ Page PageFile::Read(std::uint32_t number, PageType type) const {
 std::uint16_t PageFile::SlotOf(const Page& page, const Layout& layout, std::uint8_t slot) {
   const Bytes& bytes = page.Content();
   const std::size_t count = bytes.U16(layout.rowCount());
-  if (count > kMostRows || slot >= count) {
+  if (count > kMaxRows || slot >= count) {
     bytes.RaiseDamaged("page " + std::to_string(page.Number()) + " has no row " + std::to_string(slot));
   }
   return bytes.U16(layout.slotTable() + 2 * std::size_t{slot});

@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::uint16_t kPointer = 0x4000;  // the row is stored elsewhere
 constexpr std::uint16_t kMovedHere = 0x8000;
-constexpr int kMostMoves = 4;
-constexpr std::size_t kMostSlots = 256;
+constexpr int kMaxMoves = 4;
+constexpr std::size_t kMaxSlots = 256;
 
 // The first word of a long value.
 constexpr std::uint32_t kInRow = 0x80000000, kInOneRow = 0x40000000, kLength = 0x3FFFFFFF;
@@ -44,7 +44,7 @@ bool Table::Take(const Page& page, std::uint8_t slot, FoundRow& found) {
   }
   std::uint16_t place = first;
   Page at = page;
-  for (int moves = 0; moves < kMostMoves; ++moves) {
+  for (int moves = 0; moves < kMaxMoves; ++moves) {
     const RowPointer next = RowPointer::From(at.Content().U32(place & 0x1FFF));
     at = DataPage(next.page);
     place = PageFile::SlotOf(at, layout, next.slot);
@@ -68,7 +68,7 @@ bool Table::Walk::Next(FoundRow& found) {
     m_page = m_table->DataPage(pages[m_index++]);
     m_slot = 0;
     m_slots = m_page.Content().U16(m_table->m_file.Format().rowCount());
-    if (m_slots > kMostSlots) {
+    if (m_slots > kMaxSlots) {
       m_table->m_file.RaiseDamaged("page " + std::to_string(m_page.Number()) + " claims " +
                                    std::to_string(m_slots) + " rows");
     }

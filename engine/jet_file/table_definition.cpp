@@ -9,8 +9,8 @@
 namespace kxrestore::engine::jet_file {
 namespace {
 
-constexpr std::size_t kMostPages = 64;  // a definition with 255 columns of long names takes less
-constexpr std::size_t kMostColumns = 1024, kMostIndexes = 256;
+constexpr std::size_t kMaxPages = 64;  // a definition with 255 columns of long names takes less
+constexpr std::size_t kMaxColumns = 1024, kMaxIndexes = 256;
 constexpr std::size_t kIndexColumns = 10;
 constexpr std::uint16_t kNoColumn = 0xFFFF;
 
@@ -27,7 +27,7 @@ std::vector<std::uint8_t> JoinPages(const PageFile& file, std::uint32_t first) {
   std::vector<std::uint8_t> joined;
   std::size_t count = 0;
   for (std::uint32_t number = first; number != 0;) {
-    if (++count > kMostPages)
+    if (++count > kMaxPages)
       file.RaiseDamaged("the definition on page " + std::to_string(first) + " has no end");
     const Page page = file.Read(number, PageType::kTable);
     const Bytes bytes = count == 1 ? page.Content() : page.Content().From(8);
@@ -50,7 +50,7 @@ class Reader {
     const std::size_t logical = m_bytes.U32(m_places.logicalIndexes);
     const std::size_t real = m_bytes.U32(m_places.realIndexes);
     const std::size_t ever = m_bytes.U16(m_places.columnsEver);
-    if (columns > kMostColumns || logical > kMostIndexes || real > kMostIndexes || ever > kMostColumns) {
+    if (columns > kMaxColumns || logical > kMaxIndexes || real > kMaxIndexes || ever > kMaxColumns) {
       m_bytes.RaiseDamaged("the definition on page " + std::to_string(table.page) + " is too large");
     }
     std::size_t place = m_places.rest + real * m_places.keyCount;

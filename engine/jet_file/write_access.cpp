@@ -9,7 +9,7 @@ namespace kxrestore::engine::jet_file {
 namespace {
 
 constexpr std::uint64_t kFirstUserByte = 0x10000000, kUserBytes = 256;
-constexpr std::size_t kEntrySize = 64, kMachineSize = 32, kMostEntries = 255;
+constexpr std::size_t kEntrySize = 64, kMachineSize = 32, kMaxEntries = 255;
 constexpr std::string_view kOurUser = "KXRestore";
 
 struct Entry {
@@ -20,7 +20,7 @@ struct Entry {
 Entry ReadEntry(const File& lock) {
   Entry found;
   std::array<char, kEntrySize> bytes{};
-  for (std::size_t i = 0; i < kMostEntries; ++i) {
+  for (std::size_t i = 0; i < kMaxEntries; ++i) {
     if (lock.ReadAt(i * kEntrySize, bytes.data(), bytes.size()) != bytes.size()) break;
     const auto text = [&](std::size_t start) {
       const std::string_view field(bytes.data() + start, kMachineSize);

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/sorting.h"
 #include "base/text.h"
 #include "engine/jet_sql/meaning/like_pattern.h"
 #include "engine/jet_sql/printing/dialect.h"

@@ -68,6 +68,15 @@ TEST_F(ListRowsTest, NamesSortByTheirLastComponentThenByCaseThenByFolder) {
   EXPECT_TRUE(Shown().ends_with(" A")) << "behind the others until it is sorted in";
   list.SortAddedIn();
   EXPECT_TRUE(Shown().starts_with("A "));
+  list.SetFilter(Words("10"));
+  list.Add(File("C:\\a\\Report 10", 1));
+  list.Add(File("C:\\a\\report 9.10", 1));
+  list.SortBy(Column::kName, false);
+  EXPECT_EQ(Shown(), "C:\\a\\report 9.10 C:\\a\\Report 10") << "numbers by their value";
+  list.SetSortKey([](std::string& key, std::string_view text) { key.append(text.rbegin(), text.rend()); });
+  list.SortBy(Column::kName, true);
+  EXPECT_EQ(Shown(), "C:\\a\\report 9.10 C:\\a\\Report 10") << "as the key says";
+  list.SetFilter({});
   list.Unsort();
   EXPECT_TRUE(Shown().starts_with("C:\\b\\Beta D:\\alpha"));
 }
@@ -105,7 +114,7 @@ TEST_F(ListRowsTest, AFilterAsksForEverythingAtOnce) {
   filter.to = 10;
   EXPECT_EQ(after(filter), march + " = 1 100 1");
   filter = {};
-  filter.leastSize = 101;
+  filter.minSize = 101;
   EXPECT_EQ(after(filter), april + " = 1 200 1") << "a size that nobody knows is neither";
   filter = {};
   filter.setId = 2;

@@ -97,8 +97,8 @@ inline void Prepare(Step step, FormControls& ui) {
       ui.cmdSearch[kFind].UserClick();
       if (step == Step::kTickShown) {
         controls::ListFilter sizesOfTicked;
-        sizesOfTicked.leastSize = 102;
-        sizesOfTicked.mostSize = 106;
+        sizesOfTicked.minSize = 102;
+        sizesOfTicked.maxSize = 106;
         ui.asSearch.UserFilter(sizesOfTicked);
         platform::HeadlessMenu(ui.asSearch).Choose("Tick all shown");
       } else {

@@ -159,11 +159,11 @@ TEST_F(ListWindowTest, RowsTicksAndOrderFollowTheModel) {
 TEST_F(ListWindowTest, SelectedEntriesAreCopiedTickedAndFollowedThroughASort) {
   AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
   Show(list);
-  for (const char* name : {"d", "\xC3\xA4", "b", "a"}) list.Add(Entry(name, 1));
+  for (const char* name : {"d", "\xC3\xB6", "b", "a"}) list.Add(Entry(name, 1));
   PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 4; });
   Select(2);
   Select(3);
-  SortBy(0);  // a, b, d, \u00E4
+  SortBy(0);  // a, b, d, \u00F6
   EXPECT_TRUE(Selected(0) && Selected(1) && !Selected(2) && !Selected(3));
   EXPECT_EQ(Ask(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED), 0);
   WithControl('C');
@@ -185,13 +185,13 @@ TEST_F(ListWindowTest, SelectedEntriesAreCopiedTickedAndFollowedThroughASort) {
   WithControl('A');
   EXPECT_EQ(Ask(LVM_GETSELECTEDCOUNT), 4);
   choose(L'c');
-  EXPECT_EQ(Clipboard(), L"a\r\nb\r\nd\r\n\u00E4\r\n");
+  EXPECT_EQ(Clipboard(), L"a\r\nb\r\nd\r\n\u00F6\r\n");
   SortBy(0);
   EXPECT_EQ(Ask(LVM_GETSELECTEDCOUNT), 4);
 
   // Typing goes to the next name that begins so, whatever its case.
   SetFocus(window);
-  LVFINDINFOW wanted{LVFI_STRING | LVFI_PARTIAL, L"\u00C4"};
+  LVFINDINFOW wanted{LVFI_STRING | LVFI_PARTIAL, L"\u00D6"};
   EXPECT_EQ(Ask(LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&wanted)), 0);
   list.AttachPeer(nullptr);
 }

@@ -107,6 +107,21 @@ TEST_F(MachineTest, DatesTimesAndNumbersFollowTheUser) {
   EXPECT_GE(regional.Now().year, 2024);
 }
 
+TEST_F(MachineTest, TextsSortInTheUsersLanguage) {
+  const auto key = [this](std::string_view text) {
+    std::string made = "before ";
+    Machine().regional.AppendSortKey(made, text);
+    return made;
+  };
+  const std::string longer(600, 'b');
+  const std::vector<std::string> inOrder = {"",   "Archive 2",  "Archive 10", "\xC3\x84rzte",
+                                            "Az", longer + "a", longer + "B", "\xD0\x95"};
+  for (std::size_t i = 0; i + 1 < inOrder.size(); ++i) {
+    EXPECT_LT(key(inOrder[i]), key(inOrder[i + 1])) << inOrder[i];
+  }
+  EXPECT_EQ(key("ARCHIVE"), key("archive"));
+}
+
 TEST_F(MachineTest, DrivesAndFilesAreFound) {
   platform::Drives& drives = Machine().drives;
   const std::string roots = drives.LogicalDriveStrings(64);

@@ -59,7 +59,7 @@ TEST_F(TreeWindowTest, ADoubleClickTicksAFileAndOpensAFolder) {
 }
 
 TEST_F(TreeWindowTest, FoldersComeFirstAndNamesAsPeopleCount) {
-  tree.SetNaturalOrder(true);
+  tree.SetSortKey(AppendSortKey);
   Fill(12, 11);
   ExpandAll(true);
   Settle();

@@ -7,7 +7,9 @@
 
 namespace kxrestore::win32 {
 
-// Does nothing on a system without the annotation service, or when COM is not initialised on this thread.
+// Both do nothing on a system without the annotation service, or when COM is not initialised on this thread.
 void AnnotateName(HWND window, const std::wstring& name);
+// A name outlives its window unless it is removed.
+void RemoveName(HWND window);
 
 }  // namespace kxrestore::win32

@@ -74,7 +74,7 @@ void ControlWindow::Destroy() {
   if (m_handle == nullptr) return;
   const HWND handle = m_handle;
   m_handle = nullptr;
-  if (!m_toolTip.empty()) m_context.SetToolTip(handle, {});
+  m_context.RemoveTexts(m_around != nullptr ? m_around : handle);
   Windows().Set(handle, {nullptr, Windows().Get(handle).procedure});
   UnnameWindow(handle);
   DestroyWindow(handle);

@@ -14,11 +14,7 @@ constexpr int kLine = 255;
 
 }  // namespace
 
-FooterStrip::~FooterStrip() {
-  if (m_handle != nullptr && !m_whole.empty()) m_context.SetToolTip(m_handle, {});
-}
-
-// Its text is what screen readers say.
+// The window text is for screen readers.
 void FooterStrip::Create(HWND parent) {
   m_handle = CreateWindowExW(0, WC_STATICW, L"", WS_CHILD | WS_VISIBLE | SS_OWNERDRAW | SS_NOTIFY, 0, 0, 0, 0,
                              parent, nullptr, m_context.Module(), nullptr);
@@ -55,29 +51,17 @@ void FooterStrip::OnDpiChanged() {
   InvalidateRect(m_handle, nullptr, TRUE);
 }
 
-int FooterStrip::WidthOf(HDC dc, const std::wstring& text, bool bold) const {
-  if (text.empty()) return 0;
-  const HGDIOBJ before = SelectObject(dc, m_context.Font({}, bold));
-  SIZE size{};
-  GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
-  SelectObject(dc, before);
-  return size.cx;
-}
-
 void FooterStrip::ShowTip() {
   RECT area{};
   GetClientRect(m_handle, &area);
-  const HDC dc = GetDC(m_handle);
-  if (dc == nullptr) return;
   int needed = m_context.ToPixels(2 * kEdge);
   for (const std::wstring* const text : {&m_pending, &m_sums, &m_selected}) {
-    if (!text->empty()) needed += WidthOf(dc, *text, text == &m_pending) + m_context.ToPixels(kGap);
+    if (!text->empty()) needed += m_context.TextWidth(*text, text == &m_pending) + m_context.ToPixels(kGap);
   }
-  ReleaseDC(m_handle, dc);
   m_context.SetToolTip(m_handle, needed - m_context.ToPixels(kGap) > area.right ? m_whole : std::string());
 }
 
-// The sums of the selected rows take the place of all sums where both have no room.
+// Where both sums do not fit, only that of the selected rows is drawn.
 bool FooterStrip::Draw(const DRAWITEMSTRUCT& draw) const {
   if (draw.hwndItem != m_handle) return false;
   const HDC dc = draw.hDC;
@@ -96,9 +80,9 @@ bool FooterStrip::Draw(const DRAWITEMSTRUCT& draw) const {
     SelectObject(dc, before);
   };
   write(m_pending, true, DT_LEFT);
-  if (!m_pending.empty()) area.left += WidthOf(dc, m_pending, true) + gap;
-  const int selected = WidthOf(dc, m_selected, false);
-  if (selected > 0 && area.left + WidthOf(dc, m_sums, false) + gap + selected > area.right) {
+  if (!m_pending.empty()) area.left += m_context.TextWidth(m_pending, true) + gap;
+  const int selected = m_context.TextWidth(m_selected);
+  if (selected > 0 && area.left + m_context.TextWidth(m_sums) + gap + selected > area.right) {
     write(m_selected, false, DT_LEFT);
     return true;
   }

@@ -1,5 +1,5 @@
-// The line below a list or tree: what waits to be applied stands out, then the sums, and those of the
-// selected rows at the right. What does not fit ends in an ellipsis and is shown as a tool tip.
+// The line below a list or tree: the ticks not yet applied in bold, then the totals, then those of the
+// selected rows at the right. Text that does not fit ends in an ellipsis and is shown in full as a tool tip.
 #pragma once
 
 #include "controls/footer.h"
@@ -10,7 +10,6 @@ namespace kxrestore::win32 {
 class FooterStrip {
  public:
   explicit FooterStrip(WindowContext& context) : m_context(context) {}
-  ~FooterStrip();
   FooterStrip(const FooterStrip&) = delete;
   FooterStrip& operator=(const FooterStrip&) = delete;
 
@@ -20,11 +19,10 @@ class FooterStrip {
   void Show(const controls::FooterText& text);
   void Place(int left, int top, int width, int height);
   void OnDpiChanged();
-  // Of the parent's WM_DRAWITEM. Whether it was this strip that asked.
+  // Handles WM_DRAWITEM of the parent. False when it is for another window.
   bool Draw(const DRAWITEMSTRUCT& draw) const;
 
  private:
-  int WidthOf(HDC dc, const std::wstring& text, bool bold) const;
   void ShowTip();
 
   WindowContext& m_context;

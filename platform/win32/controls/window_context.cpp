@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/win32/controls/accessible_name.h"
 #include "platform/win32/controls/control_window.h"
 #include "platform/win32/wide_text.h"
 
@@ -13,7 +14,7 @@ constexpr WORD kManifestResource = 2;
 constexpr DWORD kThrottleMilliseconds = 100;
 constexpr int kToolTipMilliseconds = 30000;  // enough to read the longest
 constexpr int kToolTipWidth = 5400;          // twips
-constexpr int kMostRounds = 16;              // of windows that change while windows are brought into line
+constexpr int kMaxRounds = 16;               // of windows that change while windows are brought into line
 
 HANDLE MakeActivationContext(HINSTANCE module) {
   ACTCTXW description{sizeof description};
@@ -96,6 +97,17 @@ HFONT WindowContext::Font(const std::string& face, bool bold) {
   return font.get();
 }
 
+int WindowContext::TextWidth(const std::wstring& text, bool bold) {
+  const HDC dc = GetDC(nullptr);
+  if (dc == nullptr) return 0;
+  const HGDIOBJ before = SelectObject(dc, Font({}, bold));
+  SIZE size{};
+  GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+  SelectObject(dc, before);
+  ReleaseDC(nullptr, dc);
+  return size.cx;
+}
+
 void WindowContext::Later(ControlWindow& window, When when) {
   bool& listed = window.m_listed[static_cast<int>(when)];
   if (listed) return;
@@ -111,7 +123,7 @@ void WindowContext::Forget(ControlWindow& window) {
 
 void WindowContext::FlushList(When when) {
   const int which = static_cast<int>(when);
-  for (int round = 0; round < kMostRounds && !m_changed[which].empty(); ++round) {
+  for (int round = 0; round < kMaxRounds && !m_changed[which].empty(); ++round) {
     m_working.swap(m_changed[which]);
     for (std::size_t i = 0; i < m_working.size(); ++i) {  // an entry may be forgotten on the way
       if (m_working[i] == nullptr) continue;
@@ -170,6 +182,16 @@ void WindowContext::SetToolTip(HWND window, const std::string& text) {
   tool.lpszText = wide.data();
   SendMessageW(m_toolTips, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
   if (!text.empty()) SendMessageW(m_toolTips, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+void WindowContext::RemoveTexts(HWND window) {
+  const auto remove = [](HWND one, LPARAM context) -> BOOL {
+    reinterpret_cast<WindowContext*>(context)->SetToolTip(one, {});
+    RemoveName(one);
+    return TRUE;
+  };
+  remove(window, reinterpret_cast<LPARAM>(this));
+  EnumChildWindows(window, remove, reinterpret_cast<LPARAM>(this));
 }
 
 }  // namespace kxrestore::win32

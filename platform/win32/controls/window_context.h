@@ -65,6 +65,8 @@ class WindowContext {
   // the context.
   HFONT Font(const std::string& face = {}, bool bold = false);
 
+  int TextWidth(const std::wstring& text, bool bold = false);  // pixels, in that font
+
   // The pointer for the whole form; nullptr: each window's own.
   HCURSOR FormPointer() const { return m_formPointer; }
   void SetFormPointer(HCURSOR pointer) { m_formPointer = pointer; }
@@ -94,6 +96,8 @@ class WindowContext {
   };
 
   void SetToolTip(HWND window, const std::string& text);
+  // Removes the tool tips and accessible names of a window and its descendants, before they are destroyed.
+  void RemoveTexts(HWND window);
 
   // Runs code of the form from a window procedure or callback: nothing may be thrown through those, so an
   // exception is kept here until the message loop takes it out and reports it.

@@ -29,15 +29,15 @@ constexpr std::int64_t kMegabyte = 1 << 20;
 
 struct SizeChoice {
   Phrase text;
-  std::int64_t least, most;
+  std::int64_t min, max;
 };
 constexpr SizeChoice kSizeChoices[] = {
-    {Phrase::kFilterAnySize, ListFilter::kLeast, ListFilter::kMost},
+    {Phrase::kFilterAnySize, ListFilter::kMin, ListFilter::kMax},
     {Phrase::kFilterUnder1MB, 0, kMegabyte - 1},
-    {Phrase::kFilterOver1MB, kMegabyte, ListFilter::kMost},
-    {Phrase::kFilterOver10MB, 10 * kMegabyte, ListFilter::kMost},
-    {Phrase::kFilterOver100MB, 100 * kMegabyte, ListFilter::kMost},
-    {Phrase::kFilterOver1GB, 1024 * kMegabyte, ListFilter::kMost},
+    {Phrase::kFilterOver1MB, kMegabyte, ListFilter::kMax},
+    {Phrase::kFilterOver10MB, 10 * kMegabyte, ListFilter::kMax},
+    {Phrase::kFilterOver100MB, 100 * kMegabyte, ListFilter::kMax},
+    {Phrase::kFilterOver1GB, 1024 * kMegabyte, ListFilter::kMax},
 };
 
 std::size_t Chosen(HWND combo) {
@@ -89,7 +89,7 @@ void FilterLine::Create(HWND parent) {
   Fill();
 }
 
-// A window may come to a list that is filtered already.
+// The list may have been filtered before its window was created.
 void FilterLine::Fill() {
   m_filling = true;
   const ListFilter& filter = m_list.Rows().Filter();
@@ -100,7 +100,7 @@ void FilterLine::Fill() {
   }
   for (const auto& [place, time] : {std::pair(kFrom, filter.from), {kTo, filter.to}}) {
     SYSTEMTIME day{};
-    const bool none = time == ListFilter::kLeast || time == ListFilter::kMost;
+    const bool none = time == ListFilter::kMin || time == ListFilter::kMax;
     if (!none) {
       const platform::CivilTime civil = platform::TimeOfNumber(time);
       day.wYear = static_cast<WORD>(civil.year);
@@ -112,7 +112,7 @@ void FilterLine::Fill() {
   }
   WPARAM size = 0;
   for (std::size_t i = 0; i < std::size(kSizeChoices); ++i) {
-    if (kSizeChoices[i].least == filter.leastSize && kSizeChoices[i].most == filter.mostSize) size = i;
+    if (kSizeChoices[i].min == filter.minSize && kSizeChoices[i].max == filter.maxSize) size = i;
   }
   SendMessageW(m_fields[kSizes].window, CB_SETCURSEL, size, 0);
   FillSets();
@@ -140,73 +140,61 @@ int FilterLine::RowHeight() const {
 
 int FilterLine::LabelWidth(const Field& field) const {
   if (field.label == nullptr) return 0;
-  const HDC dc = GetDC(field.label);
-  const HGDIOBJ before = SelectObject(dc, m_context.Font());
-  const std::wstring text = Wide(WindowText(field.label));
-  SIZE size{};
-  GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
-  SelectObject(dc, before);
-  ReleaseDC(field.label, dc);
-  return size.cx + m_context.ToPixels(kGap);
+  return m_context.TextWidth(Wide(WindowText(field.label))) + m_context.ToPixels(kGap);
 }
 
-// The button stands at the end of the first row; the words take what is left of theirs.
-int FilterLine::Place(bool show, int width, int mostRows) {
+int FilterLine::FieldWidth(const Field& field) const {
+  return LabelWidth(field) + m_context.ToPixels(field.width + kGap);
+}
+
+// Distributes the fields over rows. The button stands at the end of the first one.
+std::vector<FilterLine::Row> FilterLine::Rows(int width) const {
+  std::vector<Row> rows{{{}, width - m_context.ToPixels(kButtonSize + kGap)}};
+  for (std::size_t i = 0; i + 1 < m_fields.size(); ++i) {
+    const int needed = FieldWidth(m_fields[i]);
+    if (needed > rows.back().room && !rows.back().fields.empty()) rows.push_back({{}, width});
+    rows.back().fields.push_back(i);
+    rows.back().room -= needed;
+  }
+  return rows;
+}
+
+// The words take what the other fields leave of their row.
+int FilterLine::Place(bool show, int width, int maxRows) {
   m_shown = show;
-  const int gap = m_context.ToPixels(kGap), margin = m_context.ToPixels(kMargin);
-  const int height = m_context.ToPixels(kButtonSize), button = m_context.ToPixels(kButtonSize);
-  const auto put = [&](HWND window, int left, int row, int wide, bool visible, int drop = 0) {
+  const int gap = m_context.ToPixels(kGap), height = m_context.ToPixels(kButtonSize);
+  const auto put = [](HWND window, RECT place, bool visible) {
     if (window == nullptr) return;
-    SetWindowPos(window, nullptr, left, row * RowHeight() + margin, std::max(wide, 0), height + drop,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(window, nullptr, place.left, place.top, std::max(place.right - place.left, 0L),
+                 place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
     ShowWindow(window, visible ? SW_SHOWNA : SW_HIDE);
   };
-
-  std::vector<std::vector<std::size_t>> rows(1);
-  int room = width - button - gap;
-  for (std::size_t i = 0; i + 1 < m_fields.size(); ++i) {
-    const int needed = LabelWidth(m_fields[i]) + m_context.ToPixels(m_fields[i].width) + gap;
-    if (needed > room && !rows.back().empty()) {
-      rows.emplace_back();
-      room = width;
-    }
-    rows.back().push_back(i);
-    room -= needed;
-  }
-  int row = 0;
-  for (const auto& fields : rows) {
-    const bool visible = show && row < mostRows;
+  const std::vector<Row> rows = Rows(width);
+  int top = m_context.ToPixels(kMargin);
+  for (std::size_t row = 0; row < rows.size(); ++row, top += RowHeight()) {
+    const bool visible = show && static_cast<int>(row) < maxRows;
     int left = 0;
-    int needed = row == 0 ? button + gap : 0;
-    for (const std::size_t i : fields)
-      needed += LabelWidth(m_fields[i]) + m_context.ToPixels(m_fields[i].width) + gap;
-    for (const std::size_t i : fields) {
+    for (const std::size_t i : rows[row].fields) {
       Field& field = m_fields[i];
       field.shown = visible;
-      int wide = m_context.ToPixels(field.width);
-      if (i == kWords) wide += width - needed;
-      const int label = LabelWidth(field);
-      put(field.label, left, row, label, visible);
+      const int start = left + LabelWidth(field);
+      left += FieldWidth(field) + (i == kWords ? rows[row].room : 0);
+      // A label stands on the line of the field's text.
+      put(field.label, {start - LabelWidth(field), top + m_context.ToPixels(kGap / 2), start, top + height},
+          visible);
       const bool combo = i == kSizes || i == kSets;
-      put(field.window, left + label, row, std::min(wide, width - left - label), visible,
-          combo ? kDropRows * height : 0);
-      if (combo) SendMessageW(field.window, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), height - 6);
-      left += label + wide + gap;
+      put(field.window, {start, top, std::min(left - gap, width), top + (combo ? kDropRows : 1) * height},
+          visible);
+      if (combo) {
+        const int edges = 2 * (GetSystemMetrics(SM_CYEDGE) + GetSystemMetrics(SM_CYBORDER));
+        SendMessageW(field.window, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), height - edges);
+      }
     }
-    ++row;
   }
+  const int first = m_context.ToPixels(kMargin);
   m_fields.back().shown = show;
-  put(m_fields.back().window, width - button, 0, button, show);
-  // Labels stand on the line of their field's text.
-  for (const Field& field : m_fields) {
-    if (field.label == nullptr) continue;
-    RECT place{};
-    GetWindowRect(field.label, &place);
-    MapWindowPoints(nullptr, m_parent, reinterpret_cast<POINT*>(&place), 2);
-    SetWindowPos(field.label, nullptr, place.left, place.top + m_context.ToPixels(kGap / 2), 0, 0,
-                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOSIZE);
-  }
-  return show ? std::min(static_cast<int>(rows.size()), mostRows) * RowHeight() : 0;
+  put(m_fields.back().window, {width - height, first, width, first + height}, show);
+  return show ? std::min(static_cast<int>(rows.size()), maxRows) * RowHeight() : 0;
 }
 
 void FilterLine::OnDpiChanged() {
@@ -293,7 +281,7 @@ bool FilterLine::OnNotify(const NMHDR& header) const {
 std::int64_t FilterLine::Day(HWND picker, bool end) const {
   SYSTEMTIME day{};
   if (SendMessageW(picker, DTM_GETSYSTEMTIME, 0, reinterpret_cast<LPARAM>(&day)) != GDT_VALID) {
-    return end ? ListFilter::kMost : ListFilter::kLeast;
+    return end ? ListFilter::kMax : ListFilter::kMin;
   }
   return platform::TimeNumber({day.wYear, day.wMonth, day.wDay, end ? 23 : 0, end ? 59 : 0, end ? 59 : 0});
 }
@@ -306,8 +294,8 @@ ListFilter FilterLine::Read() const {
   filter.to = Day(m_fields[kTo].window, true);
   const SizeChoice& size =
       kSizeChoices[std::min(Chosen(m_fields[kSizes].window), std::size(kSizeChoices) - 1)];
-  filter.leastSize = size.least;
-  filter.mostSize = size.most;
+  filter.minSize = size.min;
+  filter.maxSize = size.max;
   const std::size_t set = Chosen(m_fields[kSets].window);
   if (set >= 1 && set <= m_setIds.size()) filter.setId = m_setIds[set - 1];
   return filter;

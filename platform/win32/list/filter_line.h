@@ -1,5 +1,5 @@
-// The line above a list that narrows it down: words, and for lists of files dates, sizes and sets. Its fields
-// stand in as many rows as the width asks for.
+// The line above a list in which the user filters it: by words and, in lists of files, by date, size and set.
+// The fields take as many rows as the width requires.
 #pragma once
 
 #include <functional>
@@ -15,42 +15,49 @@ class FilterLine {
  public:
   FilterLine(WindowContext& context, controls::AutoSelect& list) : m_context(context), m_list(list) {}
 
-  // Makes the fields, hidden, in their parent; shows in them what the list is filtered by.
+  // Creates the fields, hidden, and fills them.
   void Create(HWND parent);
   bool Shown() const { return m_shown; }
-  // Shows or hides the fields; places them in `width` pixels and at most `most` rows. Their height.
-  int Place(bool show, int width, int mostRows);
+  // Shows or hides the fields and lays them out in `width` pixels and at most `maxRows` rows. Returns the
+  // height, 0 when hidden.
+  int Place(bool show, int width, int maxRows);
+  int RowHeight() const;  // pixels
   void OnDpiChanged();
 
-  // A key while the focus is in the line or on the entries (`list`).
+  // A key pressed in the line or on the entries (`list`).
   enum class KeyAnswer { kNotMine, kDone, kClose, kIntoEntries };
   KeyAnswer OnKey(WPARAM key, bool back, HWND list) const;
-  bool Holds(HWND window) const;  // one of the fields, or a part of one
+  bool Holds(HWND window) const;  // whether it is a field or a part of one
   HWND First() const { return m_fields.empty() ? nullptr : m_fields.front().window; }
-  bool IsOpen(HWND window) const;  // a list or calendar hangs down from it
-  void FillSets();                 // with the sets of the entries
-  void Fill();                     // with what the list is filtered by
+  bool IsOpen(HWND window) const;  // whether the field has its list or calendar open
+  void FillSets();                 // from the sets of the entries
+  void Fill();                     // from the filter of the list
 
-  // Messages of the parent about a field. Whether the filter was asked to change.
+  // Notifications of a field to the parent. True when the filter may have changed.
   bool OnCommand(HWND field, unsigned code);
   bool OnNotify(const NMHDR& header) const;
-  std::function<void()> Close;  // the user pressed the line's own button
+  std::function<void()> Close;  // the user pressed the line's close button
 
   controls::ListFilter Read() const;
 
  private:
-  HWND Next(HWND from, bool back) const;  // of those that are shown; nullptr at the end
+  HWND Next(HWND from, bool back) const;  // the next visible field; nullptr at the end
   bool IsWords(HWND window) const { return window == First(); }
   struct Field {
-    HWND window, label;  // the label may be nullptr
+    HWND window, label;  // label: nullptr for none
     int width;           // twips
     bool shown = false;
   };
+  struct Row {
+    std::vector<std::size_t> fields;  // places in m_fields
+    int room;                         // pixels left over
+  };
+  std::vector<Row> Rows(int width) const;
   void Add(const wchar_t* windowClass, DWORD style, const std::string& name, const std::string& label,
            int width, DWORD exStyle = 0);
   HWND MakeWindow(const wchar_t* windowClass, const std::string& text, DWORD style, DWORD exStyle) const;
   int LabelWidth(const Field& field) const;
-  int RowHeight() const;
+  int FieldWidth(const Field& field) const;  // with its label and the gaps
   std::int64_t Day(HWND picker, bool end) const;
 
   WindowContext& m_context;

@@ -11,8 +11,8 @@ namespace kxrestore::win32 {
 
 namespace {
 
-constexpr int kLeastWidth = 1500;  // twips, of the elastic column
-constexpr int kNarrowest = 150;    // of any column that is remembered
+constexpr int kMinWidth = 1500;  // twips, of the elastic column
+constexpr int kMinStored = 150;  // of any column in the user's arrangement
 
 HWND HeadingOf(HWND list) {
   return reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
@@ -63,7 +63,7 @@ const controls::ListLook::Column* ListColumns::OfUser(ListColumn column) const {
   return place == m_ofUser.end() ? nullptr : &*place;
 }
 
-// Columns that the remembered arrangement does not know stand at the end, as designed.
+// Columns missing from the stored arrangement are appended with their designed widths.
 void ListColumns::Arrange(HWND list) {
   m_ofUser = m_list.Look().columns;
   std::vector<int> order;
@@ -80,7 +80,7 @@ void ListColumns::Arrange(HWND list) {
   for (const Column& column : m_columns) {
     if (OfUser(column.column) != nullptr) continue;
     add(column.column);
-    if (!m_ofUser.empty()) m_ofUser.push_back({column.column, std::max(column.width, kLeastWidth)});
+    if (!m_ofUser.empty()) m_ofUser.push_back({column.column, std::max(column.width, kMinWidth)});
   }
   if (order.size() == m_columns.size()) {
     SendMessageW(list, LVM_SETCOLUMNORDERARRAY, order.size(), reinterpret_cast<LPARAM>(order.data()));
@@ -101,7 +101,7 @@ void ListColumns::Fit(HWND list) {
   std::size_t elastic = m_columns.size();
   for (std::size_t index = 0; index < m_columns.size(); ++index) {
     const auto* const ofUser = OfUser(m_columns[index].column);
-    const int twips = ofUser != nullptr ? std::max(ofUser->width, kNarrowest) : m_columns[index].width;
+    const int twips = ofUser != nullptr ? std::max(ofUser->width, kMinStored) : m_columns[index].width;
     if (twips == 0) {
       elastic = index;
       continue;
@@ -109,7 +109,7 @@ void ListColumns::Fit(HWND list) {
     rest -= m_context.ToPixels(twips);
     put(index, m_context.ToPixels(twips));
   }
-  if (elastic < m_columns.size()) put(elastic, std::max(rest, m_context.ToPixels(kLeastWidth)));
+  if (elastic < m_columns.size()) put(elastic, std::max(rest, m_context.ToPixels(kMinWidth)));
   m_fitting = false;
 }
 

@@ -1,6 +1,6 @@
-// The columns of a list window: their headings, widths and order, and the arrow of the one it is sorted by.
-// One of them takes what the others leave, until the user moves a divider; then all stay as they are. How the
-// user arranged them is the model's (AutoSelect::Look).
+// The columns of a list window: headings, widths, order and the sort arrow. One elastic column takes the
+// width that the others leave, until the user moves a divider. The model stores the user's arrangement
+// (AutoSelect::Look).
 #pragma once
 
 #include <windows.h>
@@ -22,9 +22,9 @@ class ListColumns {
   ListColumns(WindowContext& context, controls::AutoSelect& list);
 
   void Make(HWND list);
-  void Fit(HWND list);                    // after the list or the scale changed
-  void Arrange(HWND list);                // as the model says
-  void Changed(const NMHEADERW& change);  // what the heading tells its list
+  void Fit(HWND list);                    // after a change of size or resolution
+  void Arrange(HWND list);                // from the model
+  void Changed(const NMHEADERW& change);  // HDN_ITEMCHANGED
   void ReportOrder(HWND list);            // after a column was dragged
   void ShowArrow(HWND list) const;
 
@@ -38,7 +38,7 @@ class ListColumns {
   struct Column {
     Phrase heading;
     ListColumn column;
-    int width;  // twips; 0: what the others leave
+    int width;  // twips; 0: elastic
     bool rightAligned;
   };
   static const Column kFiles[8];

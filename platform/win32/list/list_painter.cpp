@@ -7,7 +7,7 @@ namespace kxrestore::win32 {
 
 namespace {
 
-constexpr int kCellEdges = 180;  // twips of a cell that no text is drawn on
+constexpr int kCellEdges = 180;  // twips of a cell's width that its text cannot use
 
 }  // namespace
 

@@ -1,5 +1,4 @@
-// How the rows of a list are drawn: groups of file types stand out, and so do ticks that wait to be applied;
-// what was unticked is struck out.
+// Draws the rows of a list: groups of file types and ticks not yet applied in bold, removed ticks struck out.
 #pragma once
 
 #include <windows.h>
@@ -18,7 +17,7 @@ class ListPainter {
   ListPainter(WindowContext& context, const controls::AutoSelect& list) : m_context(context), m_list(list) {}
 
   LRESULT Draw(NMLVCUSTOMDRAW& draw);  // the answer to NM_CUSTOMDRAW
-  // The text of an entry as it is drawn in a column of this width; as it is while nothing is drawn.
+  // The text of an entry, shortened to a column of `width` pixels while rows are being painted.
   std::wstring Fit(std::wstring text, int width, std::size_t number) const;
   void OnDpiChanged() { m_struckOut.reset(); }
 

@@ -9,7 +9,7 @@ namespace kxrestore::win32 {
 
 namespace {
 
-constexpr std::size_t kMostReselected = 10'000;  // rows; selecting one more costs more and more
+constexpr std::size_t kMaxReselected = 10'000;  // rows; the cost of each grows with the number selected
 constexpr auto kAllRows = static_cast<WPARAM>(-1);
 constexpr std::size_t kLastRow = std::numeric_limits<std::size_t>::max();
 
@@ -37,7 +37,7 @@ void ListSelection::Report(int first, int last, UINT before, UINT now) {
   m_list.UserSelect(static_cast<std::size_t>(first), static_cast<std::size_t>(last),
                     (now & LVIS_SELECTED) != 0);
   if (m_list.SelectedCount() == static_cast<std::size_t>(Send(LVM_GETSELECTEDCOUNT))) return;
-  // Some changes are not told one by one.
+  // The native control does not report every change.
   m_list.UserSelect(0, kLastRow, false);
   for (LRESULT row = -1; (row = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED)) >= 0;) {
     m_list.UserSelect(static_cast<std::size_t>(row), static_cast<std::size_t>(row), true);
@@ -69,7 +69,7 @@ void ListSelection::AfterOtherRows() {
   const std::size_t focused = std::exchange(m_focused, 0), selected = m_list.SelectedCount();
   const std::size_t rows = m_list.Rows().Count();
   const bool all = selected == rows && rows != 0;
-  const bool some = !all && selected != 0 && selected <= kMostReselected;
+  const bool some = !all && selected != 0 && selected <= kMaxReselected;
   if (all) SelectAll();
   for (std::size_t row = 0; row < rows && (some || focused != 0); ++row) {
     const std::size_t number = m_list.Rows().Entry(row);

@@ -1,5 +1,5 @@
-// The selection of a list window. What the native control keeps selected are rows; what the user selected are
-// entries, which the model knows.
+// Synchronises the selection of a list window with the model: the native control selects rows, the model
+// entries, which keep their selection when the rows change.
 #pragma once
 
 #include <windows.h>
@@ -20,9 +20,9 @@ class ListSelection {
   void Changed(const NMLISTVIEW& change);
   void Changed(const NMLVODSTATECHANGE& change);
   void SelectAll();
-  void SelectOnly(LRESULT row);  // and puts the focus there
+  void SelectOnly(LRESULT row);  // and focuses it
 
-  // Around a change of the rows. The entry that had the focus keeps it where KeepFocus was called before.
+  // Bracket a change of the rows. After KeepFocus the focus stays on the same entry.
   void KeepFocus();
   void BeforeOtherRows();
   void AfterOtherRows();
@@ -37,7 +37,7 @@ class ListSelection {
   controls::AutoSelect& m_list;
   HWND m_window = nullptr;
   std::size_t m_focused = 0;  // entry
-  bool m_showing = false;     // selecting rows that the model has selected
+  bool m_showing = false;     // the native selection is being set from the model
 };
 
 }  // namespace kxrestore::win32

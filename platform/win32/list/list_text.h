@@ -1,4 +1,4 @@
-// What a list window writes into its cells.
+// The text of a list window's cells.
 #pragma once
 
 #include <string>
@@ -12,8 +12,8 @@ namespace kxrestore::win32 {
 std::string CellText(const controls::AutoSelect& list, std::size_t number, controls::ListColumn column,
                      const platform::Regional& regional);
 
-// The text, or as much of its beginning and end as fit into `width` pixels around an ellipsis, more of the
-// end. The font is that of the device context.
+// Replaces the middle of a text that is wider than `width` pixels by an ellipsis and keeps more of the end
+// than of the beginning. Measures in the font of the device context.
 std::wstring FitMiddle(HDC dc, const std::wstring& text, int width);
 
 }  // namespace kxrestore::win32

@@ -24,14 +24,14 @@ using controls::AutoSelect;
 namespace {
 
 constexpr UINT_PTR kSettledTimer = 0x4B59;
-constexpr UINT kSettled = 200;  // milliseconds without a new entry after which a list is put in order
+constexpr UINT kSettled = 200;  // milliseconds without a new entry after which a list is sorted again
 constexpr UINT_PTR kVersionsTimer = 0x4B5A;
 constexpr UINT kPause = 10;             // milliseconds between slices of work, for input and painting
 constexpr std::size_t kSlice = 20'000;  // entries
 constexpr UINT_PTR kFilterTimer = 0x4B5B;
-constexpr UINT kTypingPause = 120;        // milliseconds after which a long list is filtered
-constexpr std::size_t kQuickly = 20'000;  // entries that are filtered at every letter
-constexpr int kLeastHeight = 600;         // twips, that strips leave to the entries
+constexpr UINT kTypingPause = 120;  // milliseconds after the last key, before a long list is filtered
+constexpr std::size_t kMaxImmediate = 20'000;  // entries; longer lists are filtered after the pause
+constexpr int kMinHeight = 600;                // twips of the entries between filter line and footer
 
 class ListWindow final : public WindowPeer<controls::ListPeer> {
  public:
@@ -135,7 +135,7 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     }
   }
 
-  // The filter line is a part of the control: Tab goes through it to the entries, Esc closes it.
+  // The filter line belongs to the control: Tab goes through its fields to the entries, Esc closes it.
   bool HandleKey(WPARAM key) override {
     if (GetKeyState(VK_CONTROL) < 0) {
       if (key != 'F') return false;
@@ -159,18 +159,16 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
   }
   HWND TabTarget(bool back) const override { return m_filter.Shown() && !back ? m_filter.First() : Handle(); }
   bool WantsKey(WPARAM key) override {
-    // Inside a field every key is its own, but for those above.
+    // A field keeps all keys but those of HandleKey.
     return m_filter.Holds(GetFocus()) &&
            (m_filter.IsOpen(GetFocus()) || (key != VK_ESCAPE && key != VK_TAB && key != VK_F5));
   }
 
-  // Of the selected rows, beside the focused one when it was asked for by the keyboard.
+  // Opened by the keyboard, the menu stands beside the focused row.
   std::optional<MenuRequest> MenuAt(std::optional<POINT> pointer) override {
-    const LRESULT focused = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
+    const LRESULT focused = FocusedRow();
     MenuRequest request;
-    if (focused >= 0) {
-      request.subject = EntryOf(focused);
-    }
+    request.subject = EntryOf(focused);
     if (pointer) {
       request.place = *pointer;
     } else {
@@ -212,12 +210,12 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
                             kFooterFlag = kFirstOwnFlag << 2;
 
   void OnFlush(unsigned flags) override {
-    WindowPeer::OnFlush(flags);
-    if ((flags & kAppearanceFlag) != 0) m_columns.Arrange(Handle());
     if ((flags & kValueFlag) != 0) {
       m_filter.Fill();
-      ArrangeLater();
+      flags |= kArrangeFlag;
     }
+    WindowPeer::OnFlush(flags);
+    if ((flags & kAppearanceFlag) != 0) m_columns.Arrange(Handle());
     if ((flags & (kItemsFlag | kRowsFlag)) != 0) {
       ShowRows((flags & kRowsFlag) != 0);
       m_columns.ShowArrow(Handle());
@@ -232,15 +230,15 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     if ((flags & (kFooterFlag | kRowsFlag | unsigned{kItemsFlag})) != 0) ShowFooter();
   }
 
-  // From top to bottom: filter line, entries, footer. What has no room is left out, the footer first.
+  // From top to bottom: filter line, entries, footer. Without room for all, the footer is left out first.
   void OnArrange(int width, int height) override {
-    const int least = Context().ToPixels(kLeastHeight);
-    const int rows = std::max(1, (height - least) / std::max(1, Context().ToPixels(375)));
+    const int min = Context().ToPixels(kMinHeight);
+    const int rows = std::max(1, (height - min) / m_filter.RowHeight());
     const int line = m_filter.Place(m_list.FilterShown(), width, rows);
     int footer = m_footer.Handle() == nullptr ? 0 : m_footer.Height();
-    if (height - line - footer < least) footer = 0;
+    if (height - line - footer < min) footer = 0;
     const int list = std::max(0, height - line - footer);
-    // What stood there before, a field of the filter line say, must not move along.
+    // Without SWP_NOCOPYBITS pixels of the filter line's fields would move with the list.
     SetWindowPos(Handle(), nullptr, 0, line, width, list, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
     if (m_footer.Handle() != nullptr) m_footer.Place(0, line + list, width, footer);
     RedrawWindow(Around(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
@@ -301,8 +299,7 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
   void ShowFilter() {
     m_list.UserShowFilter(true);
     m_filter.FillSets();
-    FlushNow();
-    FlushNow();  // the fields have their places now
+    FlushNow();  // places the fields
     ::SetFocus(m_filter.First());
     SendMessageW(m_filter.First(), EM_SETSEL, 0, -1);
   }
@@ -313,7 +310,7 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
   }
 
   void FilterSoon() {
-    if (m_list.Count() <= kQuickly) {
+    if (m_list.Count() <= kMaxImmediate) {
       FilterNow();
     } else {
       SetTimer(Handle(), kFilterTimer, kTypingPause, nullptr);
@@ -331,11 +328,11 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     m_selection.SelectOnly(0);
   }
 
-  // The focus comes by the keyboard: the arrows and Space have a row to start from.
+  // Gives the arrow keys and Space a row to start from.
   void SelectFirst() {
     if (m_list.Rows().Count() == 0) return;
     FlushNow();
-    if (Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED) < 0) m_selection.SelectOnly(0);
+    if (FocusedRow() < 0) m_selection.SelectOnly(0);
   }
 
   // --- what the native control asks
@@ -352,14 +349,13 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     std::wstring text;
     if (number != 0 && m_columns.Exists(item.iSubItem)) {
       text = WideShown(CellText(m_list, number, m_columns.At(item.iSubItem), m_regional));
-      // While rows are painted a folder that is too long loses its middle; whoever asks at other times gets
-      // the whole text.
+      // Painted, a folder that is too long loses its middle. Screen readers and tool tips get the whole text.
       if (m_columns.At(item.iSubItem) == ListColumn::kFolder) {
         text =
             m_painter.Fit(std::move(text), static_cast<int>(Send(LVM_GETCOLUMNWIDTH, item.iSubItem)), number);
       }
     }
-    // Right-aligned text may lose the last column of its last digit to the column's edge.
+    // The blank keeps the last digit of right-aligned text clear of the column's edge.
     if (m_columns.IsRightAligned(item.iSubItem)) text += L' ';
     lstrcpynW(item.pszText, text.c_str(), item.cchTextMax);
   }

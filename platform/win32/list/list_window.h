@@ -1,6 +1,5 @@
-// The window of a list: a native list control without items of its own. What it
-// shows it asks of the model, row by row, so a million entries cost nothing
-// here; only sorting keeps four bytes an entry.
+// The window of a list: a native list control in virtual mode. It asks the model for every row that it draws,
+// so a million entries take no memory here.
 #pragma once
 
 #include "controls/auto_select.h"

@@ -82,6 +82,31 @@ std::string Win32Regional::DecimalPoint() const {
   return Narrow(LocaleText(LOCALE_SDECIMAL).c_str());
 }
 
+void Win32Regional::AppendSortKey(std::string& key, std::string_view text) const {
+  constexpr DWORD kFlags = LCMAP_SORTKEY | LINGUISTIC_IGNORECASE | SORT_DIGITSASNUMBERS;
+  const std::wstring wide = Wide(text);
+  const auto length = static_cast<int>(wide.size());
+  const auto map = [&](char* to, int room) {
+    return LCMapStringEx(LOCALE_NAME_USER_DEFAULT, kFlags, wide.data(), length,
+                         reinterpret_cast<wchar_t*>(to), room, nullptr, nullptr, 0);
+  };
+  std::array<char, 512> buffer;
+  int size = length == 0 ? 0 : map(buffer.data(), static_cast<int>(buffer.size()));
+  if (size > 0) {
+    key.append(buffer.data(), static_cast<std::size_t>(size));
+    return;
+  }
+  if (length == 0) return;
+  size = map(nullptr, 0);
+  const std::size_t start = key.size();
+  if (size > 0) {
+    key.resize(start + static_cast<std::size_t>(size));
+    if (map(key.data() + start, size) == size) return;
+    key.resize(start);
+  }
+  Regional::AppendSortKey(key, text);
+}
+
 platform::CivilTime Win32Regional::Now() const {
   SYSTEMTIME now{};
   GetLocalTime(&now);

@@ -1,5 +1,5 @@
-// Dates, times and numbers by the user's settings. A time that the system cannot show is written in the fixed
-// forms.
+// Dates, times, numbers and the order of texts by the user's settings. What the system refuses takes the
+// fixed form.
 #pragma once
 
 #include "platform/regional.h"
@@ -12,6 +12,7 @@ class Win32Regional final : public platform::Regional {
   std::string LongTime(const platform::CivilTime& time) const override;
   std::string Grouped(std::int64_t number) const override;
   std::string DecimalPoint() const override;
+  void AppendSortKey(std::string& key, std::string_view text) const override;
   platform::CivilTime Now() const override;
 };
 

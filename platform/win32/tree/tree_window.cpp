@@ -20,7 +20,7 @@ namespace {
 constexpr UINT_PTR kWorkTimer = 0x4B58;
 constexpr UINT kPause = 10;  // milliseconds between slices of work, for input and painting
 constexpr auto kSlice = std::chrono::milliseconds(20);
-constexpr std::size_t kMostAnnounced = 64;
+constexpr std::size_t kMaxAnnounced = 64;
 constexpr int kImagePixels = 16;
 
 // What the user did, posted to be reported. The first parameter is the node, the second the tree's generation
@@ -90,7 +90,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     if (property == NodeProperty::kImage || property == NodeProperty::kChecked ||
         property == NodeProperty::kMixed) {
       Context().Guarded([&] {
-        if (property != NodeProperty::kImage && m_announced.size() < kMostAnnounced)
+        if (property != NodeProperty::kImage && m_announced.size() < kMaxAnnounced)
           m_announced.push_back(node);
       });
       Later(kRepaintFlag);
