@@ -1,10 +1,9 @@
-// The dialog without windows against the database library itself, on one run of 100,000 and of 1,000,000
-// files:
+// The dialog without windows against the database library itself, on runs of 100,000 and 1,000,000 files:
 //   fill the detail tree: a run is chosen; bare: its rows are read
 //   tick everything: the top node of the full tree is ticked
 //   apply: everything is ticked, Apply is pressed; bare: the files are found and marked in one transaction
 //   list marked files: Refresh is pressed, all are marked; bare: the marked rows are read
-// and how many bytes a node and how many disk syncs a file that takes.
+// Also the bytes per node and the disk syncs per file.
 #include <memory>
 #include <string>
 #include <vector>

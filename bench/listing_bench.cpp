@@ -1,15 +1,12 @@
-// Listings, masks and file types against the database library itself, on one run of 100,000 and of 1,000,000
-// files:
+// Listings, masks and file types against the database library itself, on runs of 100,000 and 1,000,000 files:
 //   find in all sets    Find with *invoice*, every version     | the names compared, the hits read
 //   find everything     Find with a mask that all names match  | the same
 //   latest of all sets  the newest version of every name       | the best statement for that by hand
 //   latest of a mask    the same where a mask restricts it     | the same
 //   latest of one set   the newest versions in one set         | the same
 //   fill the chooser    the types of all names are counted     | one plain grouped statement
-//   auto-select         types of some 100,000 files are marked | the same rows found, marked in one
-//   transaction
-//                                                                and listed
-// and how many bytes a found entry takes.
+//   auto-select         types of some 100,000 files are marked | the rows found, marked together and listed
+// Also the bytes per hit.
 #include <memory>
 #include <optional>
 #include <string>

@@ -1,13 +1,12 @@
-// A catalog on a server over ODBC beside the same statements through the server's own client library, on one
-// run. Both sides read a listing through a cursor. Bare sends the whole statement, ours leaves out what the
-// dialog does not read; one comparison without a limit has both read the same columns:
+// A catalog on a server over ODBC against the same statements through the server's own client library, on one
+// run. Both sides read a listing through a cursor. Bare sends the whole statement, ours leaves out the
+// columns that the dialog does not read; one comparison without a limit has both read the same columns:
 //   server: scan          the detail tree's statement, the texts of every row read
 //   server: latest        the newest versions in one set; bare: their saved query is read, which ours makes
 //   server: mark by name  10,000 files found by name and marked, committed at least every 100 ms
 //   server: mark by id    the same rows marked by their number
-//   server: apply         10,000 files are ticked and Apply is pressed; bare: mark by name, the marked rows
-//   read
-// and how many round trips a file apply takes, which a relay between the driver and the server counts.
+//   server: apply         10,000 files are ticked, Apply is pressed; bare: marked by name, then listed
+// Also the round trips per applied file, counted by a relay between the driver and the server.
 #include <chrono>
 #include <string>
 #include <vector>

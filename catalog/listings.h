@@ -30,12 +30,12 @@ std::string RunFilter(std::string_view list);
 // How many rows are marked: Files.
 std::unique_ptr<engine::Recordset> CountSelections(engine::Database& database);
 
-// A name as a mask that stands for itself.
+// A mask that matches exactly this name.
 std::string NameAsMask(std::string_view name);
 
-// Every listed version of the file that an entry stands for, in all sets, the newest first, with the columns
-// of FullCatalog. The entry is named as for marking: `storedName` is Filename or, of an aggregate, File,
-// within a run. A file whose row is gone is looked for under its stored name.
+// Every version of an entry's file in all sets, newest first, with the columns of FullCatalog. The entry is
+// identified as for marking, by its run and `storedName`: Filename or, for an aggregate, File. When its row
+// no longer exists, the file is looked up under its stored name.
 std::unique_ptr<engine::Recordset> OpenVersions(engine::Database& database, std::int64_t setId,
                                                 std::string_view extension, std::string_view storedName,
                                                 bool aggregate, const engine::ColumnNames& read);

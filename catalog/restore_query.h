@@ -19,11 +19,9 @@ void CreateLatestQueries(engine::Database& database);
 //
 // - `setId` is 0 for all sets.
 // - `mask` is matched against any part of OrigName, with the dialect's wildcards (* ? # [...]). Empty means
-// every
-//   name; with set 0 a mask is required, because the engine rejects the statement without one.
-// - `ext` is the operator and operand of a test on Extension ("= 'x'", "In ('x','y')"), or empty. It is
-// ignored
-//   for set 0 with a mask; with `latest` and a set it replaces the set in choosing the versions.
+//   every name. With set 0 a mask is required: the engine rejects the statement without one.
+// - `ext` is the operator and operand of a test on Extension ("= 'x'", "In ('x','y')"), or empty. Set 0
+//   with a mask ignores it. With `latest` and a set it replaces the set in choosing the versions.
 // - `read` names the columns that will be read, see Database::OpenRecordset.
 //
 // Raises the engine's errors; 3265 when `latest` and a set are requested of a catalog without FullCatalog.
@@ -33,8 +31,8 @@ void CreateLatestQueries(engine::Database& database);
                                                                    std::string_view ext,
                                                                    const engine::ColumnNames& read = {});
 
-// Opens the names (OrigName) of the rows that BuildRestoreQuery lists for masks that begin with a point, and
-// maybe of others. Makes saved queries only where it has to, which is for the latest versions.
+// Opens the names (OrigName) of at least the rows that BuildRestoreQuery lists for masks that begin with a
+// dot. Creates saved queries only for the latest versions.
 std::unique_ptr<engine::Recordset> OpenNames(engine::Database& database, std::int32_t setId, bool latest,
                                              std::string_view ext);
 

@@ -1,5 +1,5 @@
-// How many files the pattern of each of some types stands for: a pattern finds every name that holds the type
-// anywhere, so that ".doc" also counts ".docx". One look at each name counts for all types.
+// Counts the files that the pattern of each file type matches. A pattern matches a name that contains the
+// type anywhere, so ".doc" also counts ".docx". Each name is examined once for all types.
 #pragma once
 
 #include <cstdint>
@@ -14,10 +14,10 @@ namespace kxrestore::catalog {
 
 class TypeCounts {
  public:
-  // Adds a type, which is named by the order of adding from 0. `extension`: in lower case, without the point.
+  // Adds a type, identified by the order of adding from 0. `extension`: lower case, without the dot.
   void AddType(std::string_view extension, FileKind kind);
 
-  // Counts a file for each type, and each kind of file, whose pattern finds its name.
+  // Counts a file for each type, and each kind of file, whose pattern matches its name.
   void Count(std::string_view name);
 
   std::int64_t OfType(std::size_t type) const { return m_types[type].files; }

@@ -16,7 +16,7 @@ AutoSelect::AutoSelect(std::string name, Container* container, Style style)
 
 AutoSelect::~AutoSelect() {
   AttachPeer(nullptr);
-}  // a peer reads the entries as long as it lives
+}  // destroys the peer before the entries that it reads
 
 void AutoSelect::Clear() {
   m_current = 0;

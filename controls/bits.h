@@ -26,7 +26,7 @@ class Bits {
       m_words[place / kWord] &= ~bit;
     }
   }
-  // Gives it a size and every place the same value.
+  // Sets the size, and every bit to `value`.
   void Assign(std::size_t size, bool value) {
     m_size = size;
     m_words.assign((size + kWord - 1) / kWord, value ? ~std::uint64_t{0} : 0);
@@ -39,7 +39,7 @@ class Bits {
     for (const std::uint64_t word : m_words) count += static_cast<std::size_t>(std::popcount(word));
     return count;
   }
-  // Calls `call` with every place that is set, in order. Eight bytes without one cost one step.
+  // Calls `call` with the place of every set bit, in order. Skips eight empty bytes at a time.
   template <class Call>
   void ForEach(Call&& call) const {
     for (std::size_t at = 0; at < m_words.size(); ++at) {

@@ -31,8 +31,8 @@ void CheckParents(Node node) {
   }
 }
 
-// Depth first, parent before children. It climbs back through the parents rather than its own calls, so that
-// no tree is too deep for it.
+// Depth first, parents before children. Climbs back through the parents instead of recursing, so depth is not
+// limited.
 void CheckChildren(Node node) {
   const bool checked = node.Checked();
   Node current = node.Child();

@@ -1,17 +1,16 @@
-// Brings the checks above and below a node into line with it. Both work through the node's own operations
-// only.
+// Propagates the check of a node to its ancestors and descendants, through the public operations of nodes.
 #pragma once
 
 #include "controls/tree_view.h"
 
 namespace kxrestore::controls {
 
-// Every ancestor becomes checked when at least one of its children is, and clear when none is. Nodes are told
-// apart from the root by text, so a node that has the root's text ends the climb. Error 6 when a node has
-// more than 32,767 checked siblings.
+// An ancestor becomes checked when at least one of its children is, and unchecked when none is. The root is
+// recognised by its text, so any node with that text ends the climb. Error 6 when a node has more than 32,767
+// checked siblings.
 void CheckParents(Node node);
 
-// Every node below gets the node's own check.
+// Sets every descendant to the node's check.
 void CheckChildren(Node node);
 
 // Calls `expand(folder)`, which returns whether to go on, for a node and every one below it that has children
@@ -31,7 +30,7 @@ void ExpandBelow(const Node top, Expand&& expand) {
   }
 }
 
-// Makes the nodes above one show whether what is below them is checked in part.
+// Updates the third state of a node's ancestors.
 void ShowMixed(Node node);
 
 }  // namespace kxrestore::controls

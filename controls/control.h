@@ -1,6 +1,5 @@
-// A control as the form's code knows it: a plain object with properties and events. A front end shows it
-// through a peer (controls/peer.h); without one it works just the same, which is how tests and hosts without
-// a desktop use it.
+// A control: a plain object with properties and events. A front end displays it through a peer
+// (controls/peer.h). It works the same without one, in tests and in hosts without a desktop.
 //
 // Positions and sizes are twips, relative to the container. A size that would be negative is refused (error
 // 380), like any other invalid property value; the old size stays.
@@ -69,11 +68,11 @@ class Control {
   void SetTag(std::string tag) { m_tag = std::move(tag); }
   const std::string& ToolTipText() const { return m_toolTipText; }
   void SetToolTipText(std::string text);
-  // What screen readers say when the control has no caption of its own.
+  // The name for screen readers when the control has no caption.
   const std::string& AccessibleName() const { return m_accessibleName; }
   void SetAccessibleName(std::string name) { m_accessibleName = std::move(name); }
 
-  // What a list or tree says while it holds nothing.
+  // The text shown in an empty list or tree.
   const std::string& EmptyText() const { return m_emptyText; }
   void SetEmptyText(std::string text);
 
@@ -81,22 +80,21 @@ class Control {
   void SetFocus();
   void Refresh();
 
-  // The pointer moved over the control. Like every member that begins with User, which is what a front end
-  // calls when the user did something, it does nothing while the control or one of its containers is disabled
-  // or hidden.
+  // The pointer moved over the control. A front end calls the members that begin with User for user input.
+  // They do nothing while the control or one of its containers is disabled or hidden.
   std::function<void()> MouseMove;
   void UserMouseMove();
 
-  // The keyboard moved to the control.
+  // The control got the keyboard focus.
   std::function<void()> KeyboardEnter;
   void UserKeyboardEnter();
 
-  // The user asked for the menu of the control, or of what the menu's subject names: fills it. The front end
-  // shows what it is given and calls Menu::UserChoose; nothing is shown where nothing was filled in.
+  // Fills the menu of the control, or of the menu's subject. The front end shows it, unless it stays empty,
+  // and calls Menu::UserChoose.
   std::function<void(Menu&)> FillMenu;
   void UserMenu(Menu& menu);
 
-  // The front end's side. The peer belongs to the control until it is replaced or taken away with nullptr.
+  // For the front end. The control owns its peer until it is replaced, or removed with nullptr.
   void AttachPeer(std::unique_ptr<Peer> peer);
   Peer* GetPeer() const { return m_peer.get(); }
 
@@ -106,7 +104,7 @@ class Control {
   }
   virtual void SizeChanged() {}
   bool AcceptsUser() const;
-  // Takes over a size that the front end already shows.
+  // Adopts a size that the front end already shows.
   bool AdoptSize(int width, int height);
 
  private:

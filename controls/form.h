@@ -1,5 +1,5 @@
-// The window itself. Its size has an outer measure (Width, Height) and an inner one (ScaleWidth, ScaleHeight)
-// that leaves out title bar and borders; the front end tells how much those take.
+// The window. It has an outer size (Width, Height) and an inner size (ScaleWidth, ScaleHeight) without title
+// bar and borders, whose sizes the front end supplies.
 #pragma once
 
 #include "controls/control.h"
@@ -22,8 +22,7 @@ class Form : public Container {
   // What the window's frame adds to the inner size, in twips.
   void SetFrame(int width, int height);
 
-  // The least outer size that the user may give the window. The form's own rule decides; this keeps the
-  // window from going below it while it is dragged.
+  // The smallest outer size while the user drags the window. The form's own resize rule has the last word.
   int MinimumWidth() const { return m_minimumWidth; }
   int MinimumHeight() const { return m_minimumHeight; }
   void SetMinimumSize(int width, int height) {
@@ -36,8 +35,7 @@ class Form : public Container {
   controls::MousePointer MousePointer() const { return m_mousePointer; }
   void SetMousePointer(controls::MousePointer pointer);
 
-  // What the task bar's button shows of the work that is going on: nothing, how much of it is done (0 to 1),
-  // or, with a negative share, that something goes on.
+  // The progress on the task bar's button: none, a share from 0 to 1, or activity without a share (negative).
   struct TaskProgress {
     bool shown = false;
     double share = 0;
@@ -46,30 +44,30 @@ class Form : public Container {
   const TaskProgress& GetTaskProgress() const { return m_taskProgress; }
   void SetTaskProgress(const TaskProgress& progress);
 
-  // Path of an icon file that replaces the designed icon; an empty path keeps that.
+  // Path of an icon file that replaces the designed icon; empty for the designed one.
   const std::string& IconPath() const { return m_iconPath; }
   void SetIconPath(std::string path);
 
-  // Open from creation until it is unloaded. Unload asks OnUnload first, which may refuse; then the peer is
-  // told of kVisible, so that a waiting modal loop looks again.
+  // Open from creation until it is unloaded. Unload first calls OnUnload, which may refuse, then notifies the
+  // peer of kVisible, so that a modal loop wakes up.
   bool IsOpen() const { return m_open; }
   void Unload();
   std::function<void(bool& cancel)> OnUnload;
 
-  // Keys that mean something to the whole form. UserClose is the close box, Alt+F4 and the system menu.
+  // Keys handled by the form. UserClose: the close box, Alt+F4 and the system menu.
   std::function<void(Key)> KeyPress;
   std::function<void()> CloseRequest;  // when set, UserClose raises it instead of unloading at once
   void UserKey(Key key);
   void UserClose();
-  // The window has come up.
+  // The window was shown.
   std::function<void()> Shown;
   void UserShown();
   bool HasBeenShown() const { return m_hasBeenShown; }
-  // The outer size, as the window now has it; a minimized window keeps the size that it will be restored to.
-  // Raises Resize when the size or the state changed, and is taken whether or not the form takes other input.
+  // The new outer size; for a minimized window the size that it will be restored to. Raises Resize when the
+  // size or the state changed. Accepted even while the form ignores other input.
   void UserResize(int width, int height, controls::WindowState state);
 
-  // The outer size that the window has when it is neither maximized nor minimized.
+  // The outer size of the window when it is neither maximized nor minimized.
   int NormalWidth() const {
     return m_windowState == controls::WindowState::kNormal ? Width() : m_normalWidth;
   }
@@ -77,7 +75,7 @@ class Form : public Container {
     return m_windowState == controls::WindowState::kNormal ? Height() : m_normalHeight;
   }
 
-  // Remembered place of the window in twips on the screen; shown centred when there is none.
+  // The stored position of the window in twips on the screen; centred without one.
   struct Placement {
     bool known = false;
     int left = 0, top = 0;

@@ -1,4 +1,4 @@
-// The items of a list's menu that need nothing but the list.
+// The menu items that every list has.
 #pragma once
 
 #include "controls/auto_select.h"
@@ -6,7 +6,7 @@
 
 namespace kxrestore::controls {
 
-// Tick and untick what is selected, and everything that is shown; what there is nothing of is left out.
+// Tick and untick the selected entries, and all visible ones. Items that would do nothing are left out.
 void AddTickItems(Menu& menu, AutoSelect& list);
 
 }  // namespace kxrestore::controls

@@ -1,5 +1,5 @@
-// A popup menu as the form's code builds it, each time that the user asks for one. The front end shows it and
-// tells which item was chosen; see Control::FillMenu.
+// A popup menu. Form code builds it each time that the user opens it (Control::FillMenu); the front end shows
+// it and reports the chosen item.
 #pragma once
 
 #include <cstddef>
@@ -20,20 +20,20 @@ class Menu {
     bool IsLine() const { return text.empty(); }
   };
 
-  // `subject`: what the user asked about, the index of a node or the number of an entry; 0 for nothing.
+  // `subject`: the index of the node or the number of the entry that the menu is for; 0 for none.
   explicit Menu(std::size_t subject = 0) : m_subject(subject) {}
   std::size_t Subject() const { return m_subject; }
 
-  // The item that was added, for its other properties; valid until the next one is added.
+  // Adds an item. The reference is valid until the next call.
   Item& Add(std::string text, std::function<void()> chosen);
-  // A line before what is added next; none at the top or the end, and never two.
+  // Adds a separator before the next item. There is none at the top or the end, and never two in a row.
   void AddLine() { m_lineIsDue = !m_items.empty(); }
 
   const std::vector<Item>& Items() const { return m_items; }
   bool Empty() const { return m_items.empty(); }
 
-  // The user chose an item, by its place in Items(). Nothing happens where it is disabled or a line. A menu
-  // is chosen from once: the item's work leaves the menu, which may be gone before the work is done.
+  // Runs the item at a place in Items(), unless it is disabled or a separator. Call it once: it moves the
+  // item's work out of the menu, so the work may outlive the menu.
   void UserChoose(std::size_t place);
 
  private:

@@ -1,22 +1,16 @@
-// What a front end attaches to each control: the peer shows the control's state and reports what the user
-// does.
+// What a front end attaches to each control: the peer displays the control and reports the user's input.
 //
-// Contract for whoever writes a set of peers:
-//  - The control is the truth. A peer keeps nothing that it could not rebuild from its control; it may be
-//  attached and
-//    detached at any time, and a control works without one.
-//  - A peer is told of every change after it was made, by the calls below, and then reads the control. It
-//  never calls
-//    a control's setters, only its User... members, which change the state as the user wished and raise the
-//    events. It is told of those changes too, except of typed text, a selected node and a new window size,
-//    which show already.
-//  - Calls come often (a caption once a row of a million): a peer that has nothing visible to do returns at
-//  once, and
-//    one that has may show it later, but not later than the next time pending messages run.
-//  - FreezeRedraw nests. While frozen nothing is painted; on the last release the peer shows the state as it
-//  is.
+// Contract for implementers:
+//  - The control holds all state. A peer stores nothing that it could not rebuild from its control, and it
+//    may be attached and detached at any time.
+//  - A peer is notified after each change and then reads the control. It calls no setters, only the User...
+//    members, which change the state for the user and raise the events. These changes are notified as well,
+//    except typed text, a selected node and a new window size.
+//  - Notifications may come once for each of a million rows. A peer without visible work returns at once. It
+//    may defer its work until pending messages are next processed.
+//  - FreezeRedraw nests. Nothing is painted while frozen; the last release displays the current state.
 //  - Positions and sizes are twips (1/1440 inch), relative to the container's client area.
-//  - Nothing may be thrown out of a peer into a control.
+//  - A peer must not throw into a control.
 #pragma once
 
 #include <cstddef>

@@ -39,10 +39,10 @@ class SplitBar : public Control {
   void ReadProperties(const PropertyBag& bag);
   void WriteProperties(PropertyBag& bag) const;
 
-  // The user's pointer over the bar: button state, and position in the bar's own coordinates.
+  // Pointer input over the bar: button state, and position in the bar's own coordinates.
   void UserMouseMoveOver(int buttons, int x, int y);
   void UserMouseUp();
-  // Arrow keys on the focused bar: moves by `step` under the same limits, then updates.
+  // Arrow keys on the focused bar: moves by `step` within the same limits, then updates.
   void UserNudge(int step);
 
  protected:

@@ -11,7 +11,7 @@ namespace kxrestore::controls {
 
 namespace {
 
-constexpr std::size_t kMaxOrdered = 200'000;  // children; more would take longer than a click may
+constexpr std::size_t kMaxOrdered = 200'000;  // children; sorting more would make a click slow
 
 }  // namespace
 
@@ -101,7 +101,7 @@ void TreeView::Store::SetTexts(Record& record, const Texts& texts) {
   put(text.data(), ownText);
   put(key.data(), key.size());
 
-  // A key of its own takes the place of one made from the parent's.
+  // A stored key replaces one built from the parent's.
   const unsigned keyed = key.empty() ? record.flags & kFolder : unsigned{kHasKey};
   const unsigned kept = record.flags & ~(kTextEndsTag | kHasKey | kFolder | kTagged);
   record.flags = static_cast<std::uint16_t>(kept | keyed | (textEndsTag ? kTextEndsTag : 0) |
@@ -116,7 +116,7 @@ void TreeView::Store::SetTag(std::uint32_t node, std::string_view tag) {
   CountIn(record);
 }
 
-// A folder's key stays what it was: from here on it is one of its own.
+// A folder keeps its key, which is stored from now on.
 void TreeView::Store::SetText(std::uint32_t node, std::string_view text) {
   Record& record = m_records[node];
   SetTexts(record, {TextsOf(record).tag, text, Key(node)});
@@ -149,7 +149,7 @@ bool TreeView::Store::KeyIs(std::uint32_t node, std::string_view key) const {
   return OwnKey(node) == key;
 }
 
-// Walks up to the nearest node whose hash is known, and down again.
+// Climbs to the nearest ancestor with a known hash, then descends.
 std::uint64_t TreeView::Store::KeyHash(std::uint32_t node) {
   m_unhashed.clear();
   for (; node != m_hashedFolder && (m_records[node].flags & kFolder) != 0; node = m_records[node].parent) {
@@ -226,7 +226,7 @@ void TreeView::Store::Remove(std::uint32_t node) {
   (top.previous != 0 ? m_records[top.previous].next : above.firstChild) = top.next;
   (top.next != 0 ? m_records[top.next].previous : above.lastChild) = top.previous;
 
-  // Children first, each taking the way back through its parent, so that no depth is too deep.
+  // Removes children first and climbs back through the parents, so depth is not limited.
   std::uint32_t current = node;
   for (;;) {
     while (m_records[current].firstChild != 0) current = m_records[current].firstChild;

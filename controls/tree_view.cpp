@@ -121,7 +121,7 @@ TreeView::TreeView(std::string name, Container* container, bool checkBoxes)
 
 TreeView::~TreeView() {
   AttachPeer(nullptr);
-}  // a peer reads the nodes as long as it lives
+}  // destroys the peer before the nodes that it reads
 
 Node TreeView::Add(Node parent, std::string_view key, std::string_view text, int image,
                    std::string_view tag) {
@@ -141,7 +141,7 @@ Node TreeView::FindOrAddFolder(Node parent, std::string_view text, int image) {
   return {this, node};
 }
 
-// What is new is not ticked, and so the nodes above are no longer ticked as a whole.
+// A new node is not ticked, so its ancestors are no longer ticked as a whole.
 void TreeView::AddedBelowTicked(Node parent) {
   for (; parent && !parent.Mixed(); parent = parent.Parent()) parent.SetMixed(true);
 }
@@ -221,7 +221,7 @@ void TreeView::BadgesChanged() {
   if (Tree() != nullptr) Tree()->BadgesChanged();
 }
 
-// A front end may report on a node that has gone in the meantime.
+// A front end may report input on a node that was removed meanwhile.
 bool TreeView::AcceptsUserOn(Node node) const {
   return AcceptsUser() && m_store->Lives(node.m_index);
 }

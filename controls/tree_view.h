@@ -1,6 +1,6 @@
-// A tree of nodes with text, key, tag, image, check and expansion, made for trees of a million nodes: a node
-// costs some 35 bytes and the bytes of its texts, a text that ends its node's tag costs nothing, and finding
-// a key is one hash look-up. Nothing about it recurses, so that no depth is too deep.
+// A tree of nodes with text, key, tag, image, check and expansion, made for a million nodes: a node takes
+// some 35 bytes plus its texts, a text that its tag ends with takes nothing, and finding a key is one hash
+// lookup. Nothing recurses, so depth is not limited.
 #pragma once
 
 #include <cstdint>
@@ -18,9 +18,9 @@ namespace kxrestore::controls {
 
 class TreeView;
 
-// A handle to a node; an empty one stands for "nothing", and asking it anything is error 91. Valid until the
-// tree is cleared or the node removed, error 35601 after that. Texts that it returns are valid as long, even
-// when the node gets another text: replaced texts keep their bytes until the tree is cleared.
+// A handle to a node. An empty handle raises error 91 when used. A handle is valid until the tree is cleared
+// or the node removed; after that it raises error 35601. Returned texts are valid as long, even if the node
+// gets another text: replaced texts are freed only with the tree.
 class Node {
  public:
   Node() = default;
@@ -36,7 +36,7 @@ class Node {
   std::string_view Tag() const;
   int Image() const;
   bool Checked() const;
-  // Of what is below it some is checked and some is not: drawn as a third state, which Checked does not know.
+  // Whether some nodes below are checked and some are not: drawn as a third state, independent of Checked.
   bool Mixed() const;
   bool Expanded() const;
   bool Bold() const;
@@ -48,7 +48,7 @@ class Node {
   void SetMixed(bool mixed);
   void SetExpanded(bool expanded);  // raises Expand or Collapse when it changes on a node with children
   void SetBold(bool bold);
-  // Says whether the catalog has the node's check, or no longer has it.
+  // Sets whether the file of the node is marked in the catalog.
   void Settle(bool settled);
 
   Node Parent() const;
@@ -78,16 +78,15 @@ class TreeView : public Control {
   const ImageList* Images() const { return m_images; }
   void SetImages(const ImageList* images) { m_images = images; }  // must outlive the tree
 
-  // Adds a node as the last child of `parent`, or as the last top node when that is nothing. An empty key is
-  // no key. Error 35602 when another node has the key. A tag given here costs less than one set afterwards.
+  // Adds a node as the last child of `parent`, or as the last top node without one. An empty key means none.
+  // Error 35602 when another node has the key. Passing the tag here takes less memory than setting it later.
   Node Add(Node parent, std::string_view key, std::string_view text, int image = 0,
            std::string_view tag = {});
-  // The folder of this text below `parent`, which is added when there is none. The key of a folder is its
-  // parent's key, its text and a backslash. It is made whenever somebody asks for it: keys that hold the
-  // whole path would take memory by the square of the depth.
+  // Finds the folder with this text below `parent` or adds it. The key of a folder is its parent's key, its
+  // text and a backslash. It is built on demand: stored keys would take memory quadratic in the depth.
   Node FindOrAddFolder(Node parent, std::string_view text, int image);
-  // Removes a node with everything below it. The indexes of the nodes behind it do not move; they are never
-  // reused before the tree is cleared, and looking one up that is gone is error 35601.
+  // Removes a node and its descendants. Other indexes stay the same, and indexes are not reused before the
+  // tree is cleared. Looking up a removed one is error 35601.
   void Remove(Node node);
   void Clear();
 
@@ -106,8 +105,8 @@ class TreeView : public Control {
   Node SelectedItem() const { return m_selected; }
   void SetSelectedItem(Node node);  // raises nothing
 
-  // Nodes with a tag, which stand for files: all, those that are checked, and of these the ones that the
-  // catalog does not have yet. Kept; asking costs nothing.
+  // Counts of nodes with a tag, which stand for files: all, the checked ones, and the checked ones not yet
+  // marked in the catalog. Maintained with every change.
   struct FileCounts {
     std::size_t all = 0, checked = 0, pending = 0;
   };
@@ -115,14 +114,13 @@ class TreeView : public Control {
   // Bytes held for the nodes and their texts.
   std::size_t MemoryUsed() const;
 
-  // What is said of a node when the pointer rests on it; nothing where there is nothing to say. It may take
-  // some milliseconds.
+  // The text of a node's tool tip, empty for none. May take some milliseconds.
   std::function<std::string(Node)> Tip;
   std::string UserTip(Node node);
-  // Whether a node wears the badge of what is done already; asked whenever the node is painted.
+  // Whether a node has the badge of marked files. Called whenever the node is painted.
   std::function<bool(Node)> Badge;
   void BadgesChanged();
-  // The line below the tree; none without it.
+  // Describes the line below the tree; without it there is none.
   std::function<FooterText()> DescribeFooter;
 
   std::function<void(Node)> NodeClick;  // the user chose it, by pointer or key

@@ -1,7 +1,7 @@
 // The simple controls: containers, labels, buttons, boxes, tab strip, progress bar.
 //
-// Members that begin with User are what a front end calls when the user did something. They do nothing on a
-// control that is disabled or not shown.
+// A front end calls the members that begin with User for user input. They do nothing on a control that is
+// disabled or not shown.
 #pragma once
 
 #include <cstdint>
@@ -50,7 +50,7 @@ class Label : public Captioned {
   void SetBold(bool bold);
   bool RightAligned() const { return m_rightAligned; }
   void SetRightAligned(bool rightAligned);
-  // Whether "&" marks the accelerator; labels that show names and paths show it as it is.
+  // Whether "&" marks the accelerator; off for labels that show names and paths.
   bool UseMnemonic() const { return m_useMnemonic; }
   void SetUseMnemonic(bool useMnemonic);
 
@@ -119,7 +119,8 @@ class ComboBox : public Control {
   const std::vector<std::string>& Items() const { return m_items; }
   void AddItem(std::string item);
   void UserType(std::string text);
-  // Keys in the closed box: Enter, and Down, which is the list's unless the form's code takes it and says so.
+  // Keys in the closed box: Enter, and Down. Down returns whether form code handled it; otherwise it moves in
+  // the box's list.
   std::function<void()> Enter;
   std::function<bool()> Down;
   void UserEnter();
@@ -142,7 +143,7 @@ class TabStrip : public Control {
   int SelectedIndex() const { return m_selected; }  // from 1
   void SetSelectedIndex(int index);                 // raises Click when it changes; error 35600 outside
   std::function<void()> Click;
-  // The user went to the tab to work there, rather than passing by with the arrow keys.
+  // The user opened the tab to work there, rather than passing it with the arrow keys.
   std::function<void()> GoIn;
   void UserSelect(int index, bool goIn = true);
 
@@ -176,7 +177,7 @@ class ProgressBar : public Control {
   void SetMax(double max);
   double Value() const { return m_value; }
   void SetValue(double value);  // error 380 outside 0..Max
-  // Whether it only shows that something goes on.
+  // Whether it shows activity without a share.
   bool Indeterminate() const { return m_indeterminate; }
   void SetIndeterminate(bool indeterminate);
 
@@ -186,8 +187,8 @@ class ProgressBar : public Control {
   double m_value = 0;
 };
 
-// Images named by key; the order of the keys gives the image index, from 1. What a key looks like is the
-// front end's.
+// Images named by key; the order of the keys gives the image index, from 1. The front end supplies the
+// pictures.
 class ImageList {
  public:
   explicit ImageList(std::vector<std::string> keys) : m_keys(std::move(keys)) {}

@@ -1,4 +1,4 @@
-// What a user can do about an error.
+// Advice to the user about an error.
 #pragma once
 
 #include "base/phrases.h"

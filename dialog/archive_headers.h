@@ -20,7 +20,7 @@ class HeaderValues {
   // Error 3265, naming the columns, when the recordset lacks columns or has others.
   HeaderValues(const engine::Recordset& rows, const std::vector<std::string>& columns);
 
-  // Equal for rows with equal content, even if two tables store a number, a date or a text differently.
+  // Equal for rows of equal content, even if their tables store numbers, dates or texts differently.
   std::string Key() const;
   // The values as a list in the SQL dialect.
   std::string Literals() const;

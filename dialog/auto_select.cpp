@@ -59,7 +59,7 @@ void AutoSelectPanel::cmdAuto_Click(int index) {
   }
 }
 
-// Until the files are counted nothing is said about them.
+// No numbers are shown until the files are counted.
 void AutoSelectPanel::ForgetCounts() {
   controls::AutoSelect& list = m_context.ui.asFiles;
   m_counted.reset();
@@ -78,13 +78,13 @@ void AutoSelectPanel::CountWhereDue() {
   if (complete) {
     m_counted = what;
   } else if (cutOff) {
-    CountWhereDue();  // what cut it off has run
+    CountWhereDue();  // the command that cut it off has run
   } else {
-    m_stopped = what;  // by the user, or it failed
+    m_stopped = what;  // by the user or an error
   }
 }
 
-// Whether it came to its end; an error is the caller's.
+// Returns whether it finished. Throws the engine's errors.
 bool AutoSelectPanel::CountTypes(const Counted& what) {
   controls::AutoSelect& list = m_context.ui.asFiles;
   catalog::TypeCounts counts;

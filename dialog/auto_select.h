@@ -18,27 +18,27 @@ class AutoSelectPanel {
   // Takes over the events of the tab's buttons.
   AutoSelectPanel(FormContext& context, SetTree& setTree, RestoreList& restoreList);
 
-  // First use of the chooser: lists the types that the catalog's live entries have. Errors are the caller's.
-  // False when the user stopped it; the chooser is then empty and may be filled another time.
+  // Fills the chooser on first use with the types of the catalog's live entries. Throws the engine's errors.
+  // False when the user stopped it; the chooser is then empty and can be filled again.
   bool LoadTypes();
 
   void cmdAuto_Click(int index);
 
-  // Counts for each type the files that its pattern would mark in what is looked in, where that is not known:
-  // on the first visit of the tab, and again when one of the choices has changed. The user is not kept
-  // waiting for it, see FormContext::InBackground; a count that was cut off is taken up when the form is idle
-  // again, one that the user stopped when the tab is next visited or a choice changes.
+  // Counts for each type the files that its pattern would mark with the current choices: on the first visit
+  // of the tab, and after a choice has changed. Runs in the background (FormContext::InBackground). A count
+  // cut off by a command resumes when the form is idle; one that the user stopped, at the next visit of the
+  // tab or change of a choice.
   void CountWhereDue();
 
-  // Marks what the ticked types stand for and lists what is marked now. Reports its own errors; marks made
-  // before one stay. A stopped one lists nothing.
+  // Marks the files of the ticked types and refills the restore list. Reports its own errors; marks made
+  // before an error stay. After a stop the list is not refilled.
   void ApplyAutoSelect();
 
  private:
   void MarkTypes(MarkingWalk& walk, std::string_view types);
   void MarkType(MarkingWalk& walk, const LookIn& lookIn, std::string_view pattern);
 
-  // What the counts in the list are of.
+  // The choices that the counts in the list are for.
   struct Counted {
     LookIn lookIn;
     bool latest = false;

@@ -6,7 +6,7 @@ namespace kxrestore::dialog {
 
 namespace {
 
-// The number in a value; nothing where there is none.
+// The number in a value; nothing for other values.
 std::optional<std::int64_t> NumberOf(const engine::ValueView& value) {
   if (const auto* number = std::get_if<std::int64_t>(&value)) return *number;
   if (engine::IsNull(value)) return std::nullopt;
@@ -74,7 +74,7 @@ std::size_t CatalogEntries::AddCurrentRow(controls::AutoSelect& list, bool ticke
   entry.sizeKnown = size.has_value();
   entry.size = size.value_or(0);
   entry.extension = TextOf(m_extension, buffers[3]);
-  // No set is set 0, as it is for the statements that mark.
+  // A missing set is set 0, as in the marking statements.
   const engine::ValueView setId = m_setId.Value();
   entry.setId = engine::IsNull(setId) ? 0 : NumberOf(setId).value_or(controls::AutoSelect::kNoSetId);
   entry.setName = TextOf(m_setName, buffers[4]);

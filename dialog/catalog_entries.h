@@ -1,4 +1,4 @@
-// Catalog rows as entries of the file lists: what a row is called, and by what it will be marked.
+// Catalog rows as entries of the file lists: the name shown and the name that marking compares.
 #pragma once
 
 #include <optional>
@@ -16,29 +16,29 @@ using catalog::IsAggregateName;
 using catalog::IsMailServer;
 using catalog::kMailServer;
 
-// What marking knows an entry by, as one text: two entries that have the same are marked together.
+// The identity of an entry for marking, as one text: entries with the same identity are marked together.
 std::string IdentityOf(const controls::AutoSelect::Entry& entry);
 
-// The set of an entry as marking takes it: error 6 beyond 32 bits, 13 when the catalog holds no number there.
+// The set number of an entry for marking. Error 6 beyond 32 bits, 13 when the catalog holds no number.
 std::int32_t SetIdOf(const controls::AutoSelect::Entry& entry);
 
-// A field's text, whatever its type; `buffer` holds it where it is no text already.
+// A field's value as text. `buffer` holds the conversion of other types.
 std::string_view TextOf(const engine::Field& field, std::string& buffer);
 
-// A date of the catalog; nothing for what is no date.
+// A date of the catalog; nothing when the value is not a date.
 std::optional<platform::CivilTime> CivilTimeOf(const engine::ValueView& value);
 
-// Adds the rows of a recordset to a list. The columns OrigSize, Extension, SetNameID, DateStamp, Filename,
-// File and Plugin must be there, and those named here; error 3265 otherwise.
+// Adds the rows of a recordset to a list. The recordset needs the columns OrigSize, Extension, SetNameID,
+// DateStamp, Filename, File and Plugin and the two named here; error 3265 otherwise.
 class CatalogEntries {
  public:
-  // Those columns, for who opens the recordset.
+  // The names of those columns, for opening the recordset.
   static engine::ColumnNames Columns(std::string_view nameColumn, std::string_view setNameColumn);
 
   CatalogEntries(engine::Recordset& rows, std::string_view nameColumn, std::string_view setNameColumn);
 
-  // Returns the new entry's number. A value that is not what its column should hold costs only itself: a size
-  // that is no number is not shown, a set that is none cannot be marked.
+  // Returns the new entry's number. An invalid value affects only itself: a size that is not a number is not
+  // shown, an entry whose set is not a number cannot be marked.
   std::size_t AddCurrentRow(controls::AutoSelect& list, bool ticked);
 
  private:

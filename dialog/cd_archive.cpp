@@ -84,7 +84,7 @@ void CdArchive::ReadBranch(controls::Node branch) {
                       months = rows->Fields("MM"), setNames = rows->Fields("SetName");
   for (; !rows->Eof(); rows->MoveNext()) {
     if (!walk.Next()) {
-      m_current = {};  // the rest comes when the branch is opened again
+      m_current = {};  // opening the branch again reads the rest
       return;
     }
     const std::string volume = volumes.Text(), year = years.Text(), month = months.Text(),
@@ -98,7 +98,7 @@ void CdArchive::ReadBranch(controls::Node branch) {
   rows->Close();
 }
 
-// A key holds the keys of all nodes above, so rows need not be sorted for one node each.
+// Keys include the keys of all ancestors, so the rows may come in any order.
 controls::Node CdArchive::NodeUnder(controls::Node parent, const std::string& key, const std::string& text) {
   controls::TreeView& tree = m_context.ui.tvwSets;
   const controls::Node node = tree.Find(key);
@@ -158,8 +158,7 @@ void CdArchive::cmdCD_Click() {
   if (added > 0) ShowBranchAnew();
 }
 
-// Whether the user let it come to its end. The disc is read before the archive is locked: discs are slow, and
-// others want to write.
+// Returns false when the user stopped it. Reads the disc before locking the archive, because discs are slow.
 bool CdArchive::Append(const std::string& disc, std::size_t& added) {
   const auto archive = m_context.workspace.OpenDatabase({.name = kArchivePath});
   const auto source = m_context.workspace.OpenDatabase({.name = disc, .readOnly = true});
@@ -180,7 +179,7 @@ bool CdArchive::Append(const std::string& disc, std::size_t& added) {
     if (places.try_emplace(values.Key(), headers.size()).second) headers.push_back(values.Literals());
   }
 
-  archive->BeginTrans();  // undone where this ends without the commit
+  archive->BeginTrans();  // rolled back unless committed
   const auto held = archive->OpenRecordset(kHeaders, engine::RecordsetType::kSnapshot);
   const HeaderValues heldValues(*held, columns);
   for (; !held->Eof(); held->MoveNext(), advance()) {

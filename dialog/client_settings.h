@@ -18,7 +18,7 @@ inline platform::CProgramSettings ClientSettings(const platform::Platform& platf
   return settings;
 }
 
-// Where the dialog remembers things for the user.
+// Stores the dialog's settings of the user.
 inline platform::CProgramSettings UserSettings(const platform::Platform& platform) {
   return ClientSettings(platform, platform::kHkeyCurrentUser);
 }

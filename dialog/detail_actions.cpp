@@ -53,7 +53,7 @@ void DetailActions::MarkTicked(MarkingWalk& walk) {
   FormControls& ui = m_context.ui;
   catalog::RestoreMarks& marks = m_context.marks;
   std::string caption;
-  // Not a 16-bit count: a run of a million files has to be applied whole.
+  // Wider than 16 bits: a run may have a million files.
   std::int64_t scanned = 0;
   const int count = static_cast<int>(ui.tvwDetails.Count());
   for (int index = 1; index <= count; ++index) {
@@ -62,7 +62,7 @@ void DetailActions::MarkTicked(MarkingWalk& walk) {
     const controls::Node node = ui.tvwDetails.Item(index);
     const std::string_view tag = node.Tag();
     if (tag.empty()) {
-      // A file that the catalog stores without a name; folders and headings have something below them.
+      // A leaf without a tag is a file that the catalog stores without a name.
       if (node.Checked() && !node.HasChildren()) walk.CannotMark(static_cast<std::size_t>(index));
       continue;
     }
@@ -79,7 +79,7 @@ void DetailActions::MarkTicked(MarkingWalk& walk) {
   m_reached = static_cast<std::size_t>(count);
 }
 
-// Every top node with its subtree: a run has several, one a drive and one a plug-in.
+// A run has a top node for each drive and each plug-in.
 void DetailActions::ClearAll() {
   for (controls::Node root = m_context.ui.tvwDetails.FirstRoot(); root; root = root.Next()) {
     m_context.Skipping([&] {

@@ -17,7 +17,7 @@ class DetailActions {
 
   void cmdAction_Click(int index);
 
-  // Marks the file of every ticked file node; marks of unticked ones stay. Reports its own errors.
+  // Marks the file of every ticked node; marks of unticked nodes stay. Reports its own errors.
   void AddToSetSelections();
   void ExpandAllDetails(bool expand);
 

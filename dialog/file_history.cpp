@@ -52,7 +52,8 @@ FileHistory::FileHistory(FormContext& context, SetTree& setTree, RestoreList& re
   };
 }
 
-// The items share the file, so that choosing one takes no memory before its command reports errors.
+// The items share the file: copying it on choice could run out of memory outside the command's error
+// handling.
 void FileHistory::AddFileItems(Menu& menu, File file, bool inItsBackup) {
   const auto shared = std::make_shared<const File>(std::move(file));
   menu.Add(Say(Phrase::kMenuAllVersions),
@@ -78,7 +79,7 @@ void FileHistory::ShowAllVersions(const File& file) {
   m_restoreList.UpdateCounts();
 }
 
-// The choices on the search tab are those that a search for these hits would have.
+// Sets the search tab as if the user had searched for these hits.
 void FileHistory::ListVersions(const File& file) {
   FormControls& ui = m_context.ui;
   ui.tbsOptions.SetSelectedIndex(2);
@@ -137,7 +138,7 @@ Node FileHistory::RunNode(const File& file) const {
   return {};
 }
 
-// Whether the detail tree shows the run now.
+// Returns whether the detail tree shows the run.
 bool FileHistory::ChooseRun(Node run) {
   FormControls& ui = m_context.ui;
   const catalog::CurrentRun& shown = m_context.shownRun;

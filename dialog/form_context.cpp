@@ -28,7 +28,7 @@ void FormContext::ReportError(const Error& error, std::string_view routine) {
   const std::optional<Error> second = Trap(commit);
   ShowError(error, routine);
   if (!second) return;
-  // Marks that could not be committed are lost; that is news of its own.
+  // The failed commit lost marks, which is reported separately.
   m_commitLost = true;
   if (second->Number() != error.Number()) ShowError(*second, routine);
 }
@@ -61,7 +61,7 @@ bool FormContext::Commit(const char* routine) {
 
 void FormContext::DoEvents() {
   platform.desktop.DoEvents();
-  // What writes commits by itself when that is due; this is for walks that have stopped writing.
+  // Writes commit by themselves when due; this is for walks that have stopped writing.
   constexpr unsigned kItemsBetweenCommits = 16;
   if (++m_itemsWalked % kItemsBetweenCommits == 0) workspace.Idle();
 }
@@ -89,7 +89,7 @@ void FormContext::LeaveEvent() {
   RunWhatWasPutOff();
 }
 
-// Steps that come in meanwhile are taken, too, one after the other.
+// Also runs steps that arrive meanwhile, in order.
 void FormContext::RunWhatWasPutOff() {
   m_runningPutOff = true;
   bool aside = std::exchange(m_aside, false);

@@ -59,15 +59,15 @@ class FormContext {
   catalog::ConnectionSettings connection;  // set up while the form loads
   catalog::RestoreMarks marks;             // reports through onMarkError
 
-  // Where errors of marks go: ReportError, or the marking walk that is under way.
+  // Receives errors of marks: ReportError, or the current marking walk.
   using ErrorReport = catalog::RestoreMarks::Report;
   ErrorReport onMarkError;
 
   // Whether there are marks that the restore list has not shown: some were written since it was last filled
   // to the end, or filling it failed or was stopped.
   bool unlistedMarks = false;
-  // Fills the restore list. Called after an event in which a commit has failed, so that the list shows no
-  // mark that is not there; but not when the event has done so itself, see ListingMarks.
+  // Refills the restore list. Called after an event in which a commit failed, so that the list shows no mark
+  // that was lost, unless the event has already refilled it (ListingMarks).
   std::function<void()> ListMarksAnew;
   void ListingMarks() { m_commitLost = false; }
   void CommitLost() { m_commitLost = true; }
@@ -82,27 +82,27 @@ class FormContext {
     return catalog::OpenCatalog(workspace, connection);
   }
 
-  // Shows an error: "(number) description" under the routine's name. The interruption by which the user's
-  // stop ends a statement is no error and is not shown.
+  // Shows an error: "(number) description" under the routine's name. Not shown: the error with which a
+  // statement ends that the user stopped.
   void ReportError(const Error& error, std::string_view routine);
-  // The same without committing what was written so far before it waits for the user.
+  // The same without committing first.
   void ShowError(const Error& error, std::string_view routine);
   bool IsStop(const Error& error) const;
-  // Shows a question or a message once everything written so far is committed. Returns the answer.
+  // Commits, then shows a question or a message. Returns the answer.
   platform::Answer MessageBox(const std::string& text, platform::MessageStyle style,
                               const std::string& title);
   // Commits everything written so far. A failure is shown under the routine's name, and the restore list is
-  // filled anew when the event ends. Whether it is committed.
+  // refilled when the event ends. Returns whether the commit succeeded.
   bool Commit(const char* routine);
 
-  // Runs `body` up to its first error, which is shown under the routine's name. Whether there was none.
+  // Runs `body`. An error ends it and is shown under the routine's name. Returns whether there was none.
   template <std::invocable Body>
   bool Reporting(const char* routine, Body&& body) {
     const std::optional<Error> error = Trap(body);
     if (error) ReportError(*error, routine);
     return !error;
   }
-  // The same with a step of its own, which is given the error, before that is shown.
+  // The same, calling `before` with the error before it is shown.
   template <std::invocable Body, std::invocable<const Error&> Before>
   bool Reporting(const char* routine, Body&& body, Before&& before) {
     const std::optional<Error> error = Trap(body);
@@ -112,21 +112,21 @@ class FormContext {
     }
     return !error;
   }
-  // Runs `body` up to its first error, which nobody hears of. Whether there was none.
+  // Runs `body`. An error ends it and is ignored. Returns whether there was none.
   template <std::invocable Body>
   bool Skipping(Body&& body) {
     return !Trap(body);
   }
-  // The same where there is no form yet.
+  // The same before there is a form.
   template <std::invocable Body>
   static bool Skip(Body&& body) {
     return !Trap(body);
   }
 
-  // Runs the handler of an event as one user action. An error is skipped, except that memory ran out; that
-  // and a failed commit are shown under the routine's name. From the first event to the end of the last one
-  // that came in while it ran, the form is busy: the engine lets pending messages run while it works or
-  // waits, and the user can stop it.
+  // Runs the handler of an event as one user action. Errors are ignored, except running out of memory and a
+  // failed commit, which are shown under the routine's name. Events may arrive while another one runs. From
+  // the start of the first to the end of the last the form is busy: the engine processes pending messages
+  // while it works or waits, and the user can stop it.
   template <std::invocable Body>
   void Event(const char* routine, Body&& body) {
     if (m_hostHasControl || !ui.form.IsOpen()) return;
@@ -147,15 +147,14 @@ class FormContext {
     }
   }
 
-  // The same for what is looked up on the side, a tip say: what was last said about progress stays.
+  // The same for side work such as a tip: the progress display stays as it is.
   template <class Body>
   void Aside(const char* routine, Body&& body) {
     const bool before = std::exchange(m_aside, true);
     Event(routine, [&] { Skipping(body); });
     m_aside = before;
   }
-  // The same for work that nobody asked for. A command that comes in meanwhile stops it and runs at once.
-  // False when that has happened.
+  // The same for background work. A command stops it and runs at once. Returns false when that has happened.
   template <class Body>
   bool InBackground(const char* routine, Body&& body) {
     if (Busy()) return true;
@@ -167,22 +166,21 @@ class FormContext {
     });
     return !cutOff;
   }
-  // Called whenever the form has become idle; what they do makes it idle again, and they are not called for
-  // that.
+  // Called whenever the form becomes idle, but not after their own work.
   std::vector<std::function<void()>> whenIdle;
-  // The restore list was filled anew, or cleared.
+  // Called after the restore list was refilled or cleared.
   std::function<void()> onMarksListed;
 
-  // Raises an event to the form's owner. The user action ends first, so that the host finds everything
-  // committed and nothing open; whatever the user does until the host returns is ignored. A commit that fails
-  // is shown. Then the event is not raised, unless `evenThen`. Whether it was raised.
+  // Raises an event to the form's owner. Ends the user action first, so that everything is committed and no
+  // database is open. Input is ignored until the host returns. A failed commit is shown and prevents the
+  // event, unless `evenThen`. Returns whether the event was raised.
   bool RaiseToHost(const char* routine, const std::function<void()>& event, bool evenThen);
 
   // A walk over rows, nodes or entries. Next is called before every item: it lets pending messages run and
   // says whether to go on. A statement that the user stops ends with an error for which IsStop holds.
   class Walk {
    public:
-    // `total`: the number of items, 0 where nobody knows it.
+    // `total`: the number of items, 0 when unknown.
     Walk(FormContext& context, Work work, std::int64_t total = 0)
         : m_context(context), m_progress(context.progress, work, total) {}
 
@@ -199,7 +197,7 @@ class FormContext {
 
   bool Busy() const { return m_events > 0; }
   bool IsOutermostEvent() const { return m_events == 1; }
-  // Whether the user has asked to end what is going on. Holds until the outermost event ends.
+  // Whether the user has asked to stop. Holds until the outermost event ends.
   bool Stopped() const { return parameters.StopRequested; }
 
   // One more item of the walk is done.
@@ -207,14 +205,12 @@ class FormContext {
     Skipping([this] { progress.Step(); });
   }
 
-  // Lets pending messages run, and pending commits have their chance.
+  // Processes pending messages and commits that are due.
   void DoEvents();
 
-  // Stops what is going on and forgets what was put off. Whether anything was going on that the user can
-  // stop.
+  // Stops the current work and drops deferred commands. Returns whether there was work to stop.
   bool Stop();
-  // Stops what is going on and runs `step` once everything has unwound; runs it at once when nothing is going
-  // on.
+  // Stops the current work and runs `step` when it has ended; at once when the form is idle.
   void StopThen(std::function<void()> step);
 
  private:

@@ -26,7 +26,7 @@ FormControls::FormControls() {
   form.SetCaption("Select Files to Restore");
   tvwDetails.SetImages(&imlRestore);
 
-  // Where things stand follows from their sizes when the form is laid out.
+  // Positions follow from the sizes when the form is laid out.
   SizeButtons(cmdAction);
   SizeButtons(cmdSearch);
   SizeButtons(cmdAuto);
@@ -54,7 +54,7 @@ FormControls::FormControls() {
   for (auto* const label : {&lblSetName, &lblRestorePath}) label->SetUseMnemonic(false);
   txtVL.SetLocked(true);
 
-  // What a screen reader says of controls that carry no caption.
+  // Names for screen readers of controls without a caption.
   tvwSets.SetAccessibleName(Say(Phrase::kNameSets));
   tvwDetails.SetAccessibleName(Say(Phrase::kNameDetails));
   asFiles.SetAccessibleName(Say(Phrase::kNameTypes));
@@ -69,7 +69,7 @@ FormControls::FormControls() {
   SplitV.SetAccessibleName(Say(Phrase::kNameSetsWidth));
   splitH.SetAccessibleName(Say(Phrase::kNameUpperHeight));
 
-  // Nothing uses these; a user is not shown a control that does nothing.
+  // Unused controls stay hidden.
   chkShowZero.SetVisible(false);
   frLookin[0].SetVisible(false);
   for (auto& button : btnSelect) button.SetVisible(false);

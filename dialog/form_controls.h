@@ -100,7 +100,8 @@ struct FormControls {
                                           {"btnSelect(1)", &panel[2], "Exclude Selection from Restore "},
                                           {"btnSelect(2)", &panel[2], "Clear Selection"}}};
 
-  // Right of the upper area: what commits and what is chosen. The bar below both, and the lower area.
+  // Right of the upper area: the closing buttons and the current choice. The splitter below both, and the
+  // lower area.
   PictureBox picTopButtons{"picTopButtons", &form};
   controls::splitbar splitH{"splitH", &form};
   PictureBox picBottom{"picBottom", &form};
@@ -119,7 +120,7 @@ struct FormControls {
   Label lblSetName{"lblSetName", &picTopButtons, "(none)"};
   Label lblHelp{"lblHelp", &form, ""};
 
-  // What takes long says so in the place of the help.
+  // Progress, in the place of the help.
   PictureBox picProgress{"picProgress", &form};
   Label lblProgress{"lblProgress", &picProgress, ""};
   controls::ProgressBar barProgress{"barProgress", &picProgress};

@@ -101,7 +101,7 @@ frmRestore::frmRestore(const platform::Platform& platform, engine::Workspace& wo
 
 frmRestore::~frmRestore() = default;
 
-// A member that fails is skipped.
+// Ignores errors.
 template <std::invocable Body>
 void frmRestore::Skipping(Body&& body) {
   FormContext::Skip(body);
@@ -112,8 +112,7 @@ void frmRestore::Load() {
   Skipping([this] {
     m_loaded = std::make_unique<Loaded>(*this);
     parameters.StopRequested = false;  // left over from an earlier dialog
-    // One trap for the whole sequence: what comes after a failing step is left out, and the form is shown as
-    // far as it got.
+    // An error ends the whole sequence, and the form is shown as far as it was loaded.
     m_loaded->context.Event("Form.Load", [this] { LoadSequence(); });
   });
 }

@@ -2,7 +2,7 @@
 // a process; it outlives the dialogs that it shows. Each load creates the controls as designed; closing the
 // dialog destroys them, while the parameters stay.
 //
-// One thread. What touches the form or a control loads the form first. An error of a member is skipped; only
+// Single-threaded. Accessing the form or a control loads the form first. Members ignore errors; only
 // Controls() may throw.
 #pragma once
 

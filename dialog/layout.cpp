@@ -11,7 +11,7 @@ constexpr int kMinWidth = 7000;  // of the window, with its frame
 constexpr int kMinHeight = 6100;
 constexpr double kTopShare = 0.4;  // of the upper area when the form loads
 
-// What the areas need at least for the controls on them.
+// The smallest areas for the controls on them.
 constexpr int kMinTop = 3360;
 constexpr int kMinBottom = 2040;
 constexpr int kCountsBelow = 2580;  // the lower area, with the counts below its buttons
@@ -37,7 +37,7 @@ constexpr int kNarrowColumn = 1700;
 constexpr int kWideColumn = 2830;  // room for both buttons side by side
 constexpr int kColumnInset = 10;   // right of its buttons, which end where the lower buttons end
 
-// Widths below which things stand one below the other.
+// Widths below which controls are stacked.
 constexpr int kLabelAndField = 2700;
 constexpr int kOptionsInRow = 2325;
 constexpr int kBoxInRow = 2300;
@@ -68,7 +68,7 @@ Layout::Layout(FormContext& context) : m_context(context), m_ui(context.ui) {
   m_ui.tbsOptions.Click = [this] { m_context.Event(kTabClick, [this] { tbsOptions_Click(); }); };
 }
 
-// What cannot be placed for want of room stays where it is.
+// Controls without room stay where they are.
 void Layout::Place(controls::Control& control, int left, int top, int width, int height) {
   m_context.Skipping([&] { control.Move(left, top, width, height); });
 }
@@ -135,8 +135,7 @@ void Layout::Form_Resize() {
   m_ui.picTop.Refresh();
 }
 
-// Gives the lower area its room when the window became too small for both, and gives it back when the window
-// grows.
+// Moves the bar up when the window is too small for both areas, and back when it grows.
 void Layout::KeepSplitters() {
   m_wishedTop = WishedSplitters().top;
   const int most = m_ui.form.ScaleHeight() - m_ui.splitH.Height() - 90 - kMinBottom;
@@ -165,8 +164,8 @@ void Layout::PlaceRightColumn() {
   PlaceHelp();
 }
 
-// Nothing of the form's own surface lies between the areas above and below and the label: its text must not
-// change under a pointer that comes to see the rest of it.
+// The label touches the areas above and below: on the form's own surface between them a moving pointer would
+// change its text.
 void Layout::PlaceHelp() {
   const auto& column = m_ui.picTopButtons;
   const int top = column.Top() + column.Height();
@@ -214,13 +213,13 @@ void Layout::picBottom_Resize() {
   const int width = column - 260;
   Place(m_ui.lblList, 45, 90, width, m_ui.lblList.Height());
   Place(m_ui.asRestoreList, 45, kListTop, width, area.Height() - kListTop - 120);
-  // The destination shares the heading's line and leaves the heading's own text free.
+  // The destination is on the line of the heading, right of the heading's text.
   const int path = std::max(0, width - kHeadingRoom);
   Place(m_ui.lblRestorePath, m_ui.lblList.Width() - path - 60, m_ui.lblList.Top() + 2, path,
         m_ui.lblList.Height() - 25);
   m_ui.lblRestorePath.BringToFront();
 
-  // Each count may take two lines; where there are three in all, the bytes have one.
+  // Each count may take two lines; with room for three lines, the bytes have one.
   const int bytes = countsBelow ? 2 * kLineHeight : kLineHeight;
   Place(m_ui.picCounts, column, countsBelow ? kListTop + 3 * kButtonPitch : 0, kButtonWidth,
         2 * kLineHeight + bytes);
@@ -288,7 +287,7 @@ void Layout::PlaceArchiveFrame() {
   Place(m_ui.lblCD[2], kGap, top, width, std::clamp(tree.Height() - top - 60, 0, 3 * kLineHeight));
 }
 
-// Options side by side where there is room, else one below the other. The height of their frame.
+// Places options side by side if there is room, else stacked. Returns the height of their frame.
 int Layout::PlaceOptions(int panel, int left, int top, int width) {
   auto& frame = m_ui.frLookin[panel];
   const bool row = width >= kOptionsInRow;
@@ -301,7 +300,7 @@ int Layout::PlaceOptions(int panel, int left, int top, int width) {
   return height;
 }
 
-// The frame with its options, and the check box right of it. Where they end.
+// Places the frame with its options, and the check box right of it. Returns their lower edge.
 int Layout::PlaceChoicesInRow(int panel, controls::CheckBox& box, int top) {
   const int height = PlaceOptions(panel, kInset, top, kOptionsInRow);
   Place(box, kInset + kOptionsInRow + kGap, top + 225, kBoxInRow, kBoxHeight);
@@ -316,7 +315,7 @@ int Layout::PlaceChoicesInColumn(int panel, controls::CheckBox& box, int top, in
   return top + PlaceOptions(panel, kInset, top, width);
 }
 
-// The list takes the whole width; what is asked stands above it, left of the buttons.
+// The list takes the whole width; the search fields are above it, left of the buttons.
 void Layout::PlaceSearchPanel() {
   const auto& area = m_ui.panel[1];
   const int column = area.Width() - kInset - kButtonWidth;
@@ -361,8 +360,7 @@ void Layout::PlaceSearchPanel() {
   m_ui.frLookin[1].BringToFront();
 }
 
-// The buttons, the check box and the look-in frame stand along the lower edge; the chooser takes what is
-// left.
+// The buttons, the check box and the look-in frame are along the lower edge; the chooser takes the rest.
 void Layout::PlaceAutoPanel() {
   const auto& area = m_ui.panel[2];
   const int width = area.Width() - kGap;
@@ -402,7 +400,7 @@ void Layout::tbsOptions_Click() {
   });
 }
 
-// Filling the chooser takes long: on a visit in the middle of something else it waits until that has ended.
+// Filling the chooser takes long, so it waits until the form is idle.
 void Layout::FillChooser() {
   controls::PictureBox& panel = m_ui.panel[2];
   if (!panel.Tag().empty() || !panel.Visible()) return;

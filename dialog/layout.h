@@ -1,7 +1,6 @@
-// Where the form's controls stand: the initial layout, the rules run at every resize, and switching tabs.
+// The layout of the form: initial positions, the rules for resizing, and switching tabs.
 //
-// The window may be any size from 7000 by 6100 twips up; both splitters keep the panels large enough for what
-// stands on them.
+// The window is at least 7000 by 6100 twips; both splitters keep the panels large enough for their controls.
 #pragma once
 
 #include <functional>
@@ -14,13 +13,13 @@ class Layout {
  public:
   explicit Layout(FormContext& context);
 
-  // The auto-select panel is shown for the first time. Whether the chooser is filled now.
+  // Called when the auto-select panel is first shown. Returns whether the chooser is filled.
   std::function<bool()> InitializeFileTypes;
 
-  // Places the areas and wires the splitters. The form has its size by now.
+  // Places the areas and connects the splitters, after the form has its size.
   void PlaceInitially();
 
-  // Where the user wants the bars, which is not where they are in a window too small for that.
+  // The bar positions that the user chose. A window that is too small places them elsewhere.
   struct Splitters {
     int top = 0;   // of splitH
     int left = 0;  // of SplitV

@@ -11,8 +11,8 @@
 
 namespace kxrestore::dialog {
 
-// One set, restricted to the runs that the chosen run covers when a run is chosen; or all sets, without a
-// restriction.
+// Where to look: in one set, restricted to the runs that the chosen run covers if one is chosen, or in all
+// sets.
 struct LookIn {
   std::int32_t setId = 0;  // 0: all sets
   std::string runs;        // the filter on Extension, as catalog::BuildRestoreQuery takes it
@@ -20,13 +20,12 @@ struct LookIn {
 };
 LookIn ReadLookIn(FormContext& context, SetTree& setTree, const controls::OptionButton& thisSet);
 
-// Opens the listing, with the hourglass for a pointer until it is open. `read`: the columns that will be
-// read.
+// Opens the listing, showing the wait pointer meanwhile. `read`: the columns that the caller will read.
 std::unique_ptr<engine::Recordset> OpenListing(FormContext& context, engine::Database& database,
                                                const LookIn& lookIn, bool latest, std::string_view mask,
                                                const engine::ColumnNames& read);
 
-// The number as a 32-bit one; error 6 where it does not fit.
+// Converts to 32 bits; error 6 beyond that.
 std::int32_t ToLong(std::int64_t number);
 
 }  // namespace kxrestore::dialog

@@ -9,7 +9,7 @@ namespace kxrestore::dialog {
 
 namespace {
 
-// Errors after which every further mark would fail the same way, each after a wait of its own.
+// Errors after which every further mark would fail as well, each after a timeout.
 bool IsUnreachable(int number) {
   namespace engine_error = engine::error_number;
   switch (number) {
@@ -65,7 +65,7 @@ void MarkingWalk::Marked(std::size_t item, catalog::MarkResult result) {
   TakeCommits();
 }
 
-// What the engine has made of the marks that waited for a commit.
+// Collects the results of marks that waited for a commit.
 void MarkingWalk::TakeCommits() {
   const engine::CommitCounts now = m_context.workspace.Commits();
   if (now.lost != m_commits.lost) {

@@ -1,9 +1,9 @@
-// A walk that marks or unmarks files one by one. A mark that fails does not end it: the error is shown under
-// the name of the operation, the same error once a walk, and the next file gets its turn. The end of the walk
-// commits, and one message tells how many files could not be marked.
+// A walk that marks or unmarks files one by one. A failed mark does not end it: the error is shown under the
+// name of the operation, once per walk and error, and the walk continues. The walk ends with a commit and one
+// message that says how many files could not be marked.
 //
-// Only the user's stop and a database that cannot be reached end the walk early. A commit that fails is the
-// failure of every mark in its group.
+// Only the user's stop and an unreachable database end the walk early. A failed commit counts as a failure of
+// every mark in its group.
 #pragma once
 
 #include <concepts>
@@ -32,8 +32,8 @@ class MarkingWalk {
   MarkingWalk(const MarkingWalk&) = delete;
   MarkingWalk& operator=(const MarkingWalk&) = delete;
 
-  // Runs `body`, which walks and marks, up to its first error, then ends the walk. A stop is answered by
-  // kStopped, with the marks made so far committed.
+  // Runs `body`, which iterates and marks, up to its first error, then ends the walk. Returns kStopped after
+  // a stop; the marks made so far are committed.
   template <std::invocable Body>
   End Run(Body&& body) {
     try {
@@ -47,10 +47,10 @@ class MarkingWalk {
   // Processes pending messages. False after a stop.
   bool Next();
   bool Stopped() const { return m_context.Stopped(); }
-  // The database cannot be reached: nothing more is tried, and what is left counts as not marked.
+  // The database is unreachable: the walk ends and the remaining items count as not marked.
   bool IsHopeless() const { return m_hopeless; }
 
-  // Marks one item by `operation`, which may throw. `item` is the caller's own number for it.
+  // Marks one item by `operation`, which may throw. `item`: the caller's number for it.
   template <class Operation>
   requires std::is_invocable_r_v<catalog::MarkResult, Operation&>
   void Mark(std::size_t item, Operation&& operation) {
@@ -63,7 +63,7 @@ class MarkingWalk {
     }
     Marked(item, result);
   }
-  // An item that nothing in the catalog can be marked for.
+  // Counts an item as not marked that has no row in the catalog.
   void CannotMark(std::size_t item) { m_notMarked.push_back(item); }
 
   // The items that could not be marked; final after Run.
@@ -90,9 +90,8 @@ class MarkingWalk {
   bool m_interrupted = false;  // the mark being made was ended by the user's stop
 };
 
-// While it lives, marks that name no set and no extension go to the run given last, instead of the one that
-// the detail tree shows. The lists mark their entries through it, whose set may be 0 and whose extension may
-// be empty.
+// During its lifetime, marks without a set and extension go to the run given last instead of the one in the
+// detail tree. The lists mark their entries through it: an entry's set may be 0 and its extension empty.
 class RunOfEntries {
  public:
   explicit RunOfEntries(FormContext& context) : m_context(context), m_shown(context.shownRun) {}

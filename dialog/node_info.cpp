@@ -108,9 +108,9 @@ std::string NodeInfo::Tip(controls::Node node) {
 
 std::string NodeInfo::FileLines(controls::Node file) {
   const std::string_view tag = file.Tag();
-  // In the middle of a walk the catalog has other things to do.
+  // No query during a walk.
   if (tag.empty() || file.Text() == kMailServer || !m_askCatalog || !m_context.IsOutermostEvent()) return {};
-  m_askCatalog = false;  // unless it answers
+  m_askCatalog = false;  // unless the query succeeds
   engine::Sql sql(
       "SELECT Catalog.OrigSize, Catalog.DateStamp, Catalog.Restore FROM [Catalog] WHERE "
       "(((Catalog.SetNameID)=");
@@ -160,7 +160,7 @@ void NodeInfo::SumUp(controls::Node branch) {
       Say(Phrase::kSumOfBranch, {branch.Text(), files, SizeInPeoplesUnits(regional, sum.bytes)}));
 }
 
-// Whether the user let it come to its end. Rows are told by their paths, as the tree was built from them.
+// Returns false when the user stopped it. Rows are identified by their paths, as when the tree was built.
 bool NodeInfo::Add(controls::Node branch, Sum& sum) {
   const std::string_view plugin = IsFolder(branch) ? std::string_view() : branch.Text();
   const std::string key = branch.Key();

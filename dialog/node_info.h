@@ -1,5 +1,5 @@
-// What the detail tree tells of its nodes beside their names: tips with size, date and sums, and the badge of
-// files that are marked already.
+// Details of the nodes in the detail tree: tips with size, date and totals, and the badge of files that are
+// already marked.
 #pragma once
 
 #include <cstdint>
@@ -12,26 +12,27 @@
 
 namespace kxrestore::dialog {
 
-// The folders and the name of a node, as one path. Plug-in headings count as folders.
+// The path of a node. Plug-in headings count as folders.
 std::string PathOf(controls::Node node);
 
 class NodeInfo {
  public:
-  // Takes over the tree's tips and badges.
+  // Handles the tree's tips and badges.
   explicit NodeInfo(FormContext& context);
 
-  // Another run's files are in the tree.
+  // Called when the tree shows another run.
   void RunChanged();
-  // The restore list was filled anew: what it lists of the run shown wears the badge.
+  // Called after the restore list was refilled: the files that it lists of the run shown get the badge.
   void MarksListed();
 
-  // The path, and below it the size, date and mark of a file, or the number of files in a folder, with its
-  // bytes once they have been summed up. A catalog that cannot be asked is not asked again for this run.
+  // The path, and below it the size, date and mark of a file, or the number of files in a folder with their
+  // total size once that is known. After a failed query the catalog is not queried again for this run.
   std::string Tip(controls::Node node);
 
-  // Whether SumUp can tell the files of a branch: a folder, or the whole of a plug-in.
+  // Whether SumUp works on a node: a folder, or the root of a plug-in.
   bool CanSumUp(controls::Node branch) const;
-  // Adds up the files of a branch and says so. Reports its own errors; nothing when the user stops it.
+  // Adds up the files of a branch and shows the result. Reports its own errors; shows nothing when the user
+  // stops it.
   void SumUp(controls::Node branch);
 
  private:

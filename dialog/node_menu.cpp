@@ -63,7 +63,7 @@ void NodeMenu::FillSets(controls::Menu& menu) {
            [this, node] { m_context.Command(kSetsMenu, [this, node] { ChooseDay(node); }); });
 }
 
-// The branch and all folders below it; those below first, because that is quicker to show.
+// Expands the branch and all folders below it, the innermost first, because that displays faster.
 void NodeMenu::Expand(controls::Node branch, bool expanded) {
   std::vector<controls::Node> folders{branch};
   for (std::size_t i = 0; i < folders.size(); ++i) {

@@ -10,7 +10,8 @@ namespace kxrestore::dialog {
 
 class NodeMenu {
  public:
-  // Takes over the menus of both trees. Whoever wants to add to one calls the FillMenu that was there first.
+  // Handles the menus of both trees. To add items, replace FillMenu by a function that first calls the
+  // previous one.
   NodeMenu(FormContext& context, NodeInfo& info);
 
   // "Choose the state of a day" was chosen on a set or on one of its runs.

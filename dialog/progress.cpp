@@ -14,7 +14,7 @@ namespace {
 // Milliseconds.
 constexpr std::int64_t kShownAfter = 1000;
 constexpr std::int64_t kShownEvery = 100;
-constexpr std::int64_t kBusyShownAfter = 2000;  // where there is no window yet
+constexpr std::int64_t kBusyShownAfter = 2000;  // before the form has a window
 constexpr std::int64_t kEstimatedAfter = 1000;
 constexpr std::int64_t kQuickLook = 5;
 constexpr std::int64_t kSlowLook = 50;
@@ -101,7 +101,7 @@ void Progress::HideBusy() {
   if (std::exchange(m_busyShown, false)) m_platform.desktop.HideBusy();
 }
 
-// Items that go fast are looked at in larger strides, so that the clock costs next to nothing.
+// Fast items are checked at a larger stride, so that reading the clock costs next to nothing.
 void Progress::Look() {
   const std::int64_t now = Now();
   const std::int64_t gap = now - m_lastLook;

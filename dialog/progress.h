@@ -1,9 +1,8 @@
-// How far the work goes that the user waits for. Every walk and every wait for the database that keeps a user
-// action busy for longer than a second shows up in one place and one way: what is done, how much of how much,
-// for how long and how much longer, and that Esc stops it; the task bar's button shows the same bar. The
-// place is that of the help text. It is free again when the action has ended, or, where something was to be
-// said at the end, with the next action. While the form has no window yet, the desktop shows the same in a
-// small one, after two seconds.
+// The progress of a user action. Every walk and every wait for the database that takes longer than a second
+// is shown in the same way in the place of the help text: what is being done, how much of how much, the
+// elapsed and the remaining time, and that Esc stops it. The button on the task bar shows the same bar. The
+// display disappears when the action ends; a closing message stays until the next action. Before the form has
+// a window, the desktop shows the same in a small window after two seconds.
 #pragma once
 
 #include <cstdint>
@@ -34,14 +33,14 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  // A user action, with everything that comes in while it runs.
+  // A user action, including the events that arrive while it runs.
   void BeginAction();
   void EndAction();
 
-  // A walk, or a statement that may take long. What was under way before is so again at the end.
+  // A walk, or a long statement. At its end the display returns to the enclosing one.
   class Walk {
    public:
-    // `total`: the number of items, 0 where nobody knows it.
+    // `total`: the number of items, 0 when unknown.
     Walk(Progress& progress, Work work, std::int64_t total = 0);
     ~Walk() { m_progress.m_walk = m_before; }
     Walk(const Walk&) = delete;
@@ -57,15 +56,15 @@ class Progress {
     State m_before;
   };
 
-  // One more item. Looks at the clock now and then only.
+  // One more item is done. Reads the clock only now and then.
   void Step() {
     ++m_walk.done;
     if (--m_untilLook <= 0) Look();
   }
   void SetDone(std::int64_t done) { m_walk.done = done; }
-  // Time goes by inside an item, or before the first.
+  // Updates the display during an item or before the first.
   void Wait() { Look(); }
-  // Time that the user took for an answer, which is not the work's.
+  // Excludes time that the user took for an answer.
   void LeaveOut(std::int64_t milliseconds);
   std::int64_t Now() const;
 

@@ -28,7 +28,7 @@ RestoreList::RestoreList(FormContext& context, Events events)
     };
   }
 
-  // Cancel and the close box end a running walk first and then take their own steps.
+  // Cancel and the close box first end a running walk.
   const auto cancel = [this] {
     m_context.StopThen([this] { m_context.Command(kClick, [this] { cmdRestore_Click(1); }); });
   };
@@ -50,8 +50,7 @@ RestoreList::RestoreList(FormContext& context, Events events)
   m_context.ListMarksAnew = [this] { ListCurrentSelections(); };
 }
 
-// What is committed is listed, and no more: a commit that fails afterwards would leave marks in the list that
-// are not there.
+// Lists committed marks only: a later commit could fail and leave marks in the list that do not exist.
 RestoreList::Listing RestoreList::List() {
   m_context.Commit("ListCurrentSelections");
   m_context.ListingMarks();
@@ -86,7 +85,7 @@ RestoreList::Listing RestoreList::List() {
   return m_context.Stopped() ? Listing::kStopped : Listing::kFailed;
 }
 
-// On opening: the list is empty until somebody asks for it, whatever is marked.
+// When the dialog opens the list is empty until the user asks for it, whatever is marked.
 void RestoreList::TellEarlierMarks() {
   m_context.InBackground("Form.Shown", [this] {
     const auto database = m_context.OpenCatalog();
@@ -109,11 +108,11 @@ void RestoreList::UpdateCounts() {
 }
 
 void RestoreList::Update() {
-  // A stopped one is not listed anew, so that the user's other changes stay in the list.
+  // After a stop the list is not refilled, so that the user's other changes stay.
   if (ApplyListChanges()) ListCurrentSelections();
 }
 
-// Whether the user let it run to its end.
+// Returns false when the user stopped it.
 bool RestoreList::ApplyListChanges() {
   const controls::AutoSelect& list = m_context.ui.asRestoreList;
   catalog::RestoreMarks& marks = m_context.marks;
@@ -175,12 +174,12 @@ void RestoreList::Cancel() {
   UnloadByCommand();
 }
 
-// Fills the list where it does not show what is marked, so that what follows is decided by that.
+// Refills the list if it does not show all marks.
 RestoreList::Listing RestoreList::ListUnlistedMarks() {
   return m_incomplete || m_context.unlistedMarks ? List() : Listing::kComplete;
 }
 
-// Where the marks cannot be listed, what is known of them decides.
+// Without a current list, what is known of the marks decides.
 bool RestoreList::HasSelections() const {
   return m_context.ui.asRestoreList.Count() > 0 || m_context.unlistedMarks ||
          (m_incomplete && m_hadSelections);
@@ -191,8 +190,8 @@ RestoreList::Clearing RestoreList::ClearAfterQuestion() {
   if (!HasSelections()) return Clearing::kNothingSelected;
   if (!ConfirmCancel()) return Clearing::kRefused;
   const Progress::Walk clearing(m_context.progress, Work::kClearing);
-  // The user's stop leaves every mark, and the form open. Marks that cannot be cleared are reported, and the
-  // form closes all the same.
+  // A stop keeps every mark and leaves the form open. Marks that cannot be cleared are reported, and the form
+  // closes anyway.
   if (m_context.marks.CancelAll() == catalog::MarkResult::kFailed && m_context.Stopped())
     return Clearing::kStopped;
   UpdateCounts();
@@ -233,8 +232,8 @@ void RestoreList::UnloadByCommand() {
   m_context.ui.form.Unload();
 }
 
-// Answering No to the question lets the form close all the same, with the marks kept; unlike the Cancel
-// button, whose No keeps the form. With nothing selected no event is raised.
+// Here the answer No closes the form and keeps the marks, unlike for the Cancel button, where it keeps the
+// form open. With nothing selected no event is raised.
 void RestoreList::Form_Unload(bool& refuse) {
   refuse = false;
   if (m_closingByCommand) return;

@@ -18,16 +18,16 @@ class RestoreList {
   };
   RestoreList(FormContext& context, Events events);
 
-  // Refills the list from the catalog; reports its own errors. A fill that fails or is stopped leaves the
-  // list as far as it came.
+  // Refills the list from the catalog; reports its own errors. After an error or a stop the list contains the
+  // rows read so far.
   void ListCurrentSelections() { List(); }
-  // Brings the captions of the counts, and Restore Now, in line with the lists.
+  // Updates the count labels and Restore Now from the lists.
   void UpdateCounts();
 
-  // Says in the empty list how many files an earlier time has left marked.
+  // Shows in the empty list how many files are still marked from an earlier session.
   void TellEarlierMarks();
-  // Writes entries without a tick back as not to be restored, and refills the list, unless the user stops it.
-  // What could not be written back is listed without a tick still.
+  // Unmarks the entries without a tick and refills the list, unless the user stops it. Entries that could not
+  // be unmarked stay listed without a tick.
   void Update();
 
   void cmdRestore_Click(int index);
@@ -42,7 +42,7 @@ class RestoreList {
   void RestoreNow();
   void Cancel();
   void Clear();
-  // Asks whether to cancel where anything is selected, and clears the marks then.
+  // Asks before cancelling if anything is selected, then clears the marks.
   enum class Clearing { kNothingSelected, kCleared, kRefused, kStopped };
   Clearing ClearAfterQuestion();
   bool HasSelections() const;
@@ -55,8 +55,7 @@ class RestoreList {
   bool m_closingByCommand = false;
   bool m_incomplete = false;     // the last fill failed or was stopped
   bool m_hadSelections = false;  // as last listed to the end
-  // Entries that the last Update left marked against the user's wish, by what marking knows them by; how many
-  // of each.
+  // Entries that the last Update failed to unmark: the number of each identity (IdentityOf).
   std::unordered_map<std::string, std::size_t> m_keptUnticked;
 };
 

@@ -96,8 +96,8 @@ void Search::List(const std::string& mask) {
 }
 
 void Search::AddToSearchSelections() {
-  // Marking makes each entry's run the current one; what the set tree shows as chosen is current again
-  // afterwards.
+  // Marking makes each entry's run the current one; afterwards the run chosen in the set tree is current
+  // again.
   const Choice before = m_context.choice;
   MarkingWalk walk(m_context, "AddToSearchSelections", Work::kMarking, m_context.ui.asSearch.Count());
   const RunOfEntries run(m_context);

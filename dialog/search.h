@@ -18,9 +18,9 @@ class Search {
 
   void cmdSearch_Click(int index);
 
-  // Fills the list of files found. Both report their own errors; files found and marks made before one stay.
+  // Fills the list of hits. Both report their own errors; hits and marks made before an error stay.
   void AdvancedSearch();
-  // Marks the ticked ones and lists what is marked now. A stopped one lists nothing.
+  // Marks the ticked hits and refills the restore list, except after a stop.
   void AddToSearchSelections();
 
  private:

@@ -17,7 +17,7 @@ constexpr std::string_view kPublicFolders = "Public Folders";
 constexpr std::string_view kAddressLists = "Address Lists";
 constexpr std::string_view kMailBoxes = "MailBoxes";
 
-// Where the headings of the other plug-ins and their entries get their images.
+// The images of the other plug-ins' headings and entries.
 struct PluginKind {
   std::string_view name;
   const char* headingImage;
@@ -29,13 +29,13 @@ constexpr PluginKind kPlugins[] = {
     {"SQL Server", "sqlserver", "file"},
 };
 
-// What marking compares with the catalog, which is the tag of an entry's node: File for a node whose text is
-// the mail server's name, whatever it stands for, because such a node is marked by File; else Filename.
+// The tag of an entry's node, which marking compares with the catalog: File for a node whose text is the mail
+// server's name, because such a node is marked by File; else Filename.
 std::string_view MarkedBy(std::string_view text, std::string_view file, std::string_view filename) {
   return text == kMailServer ? file : filename;
 }
 
-// The branch of the mail server that a path names; empty when it names none.
+// The mail server's branch in a path, empty without one.
 std::string_view MailServerBranch(std::string_view path) {
   for (const std::string_view branch : {kPublicFolders, kAddressLists, kMailBoxes}) {
     if (ContainsIgnoringCase(path, branch)) return branch;
@@ -61,8 +61,7 @@ SetDetail::SetDetail(FormContext& context) : m_context(context) {
   controls::TreeView& tree = m_context.ui.tvwDetails;
   tree.SetSortKey(platform::SortKeyOf(context.platform.regional));
   const controls::ImageList& images = m_context.ui.imlRestore;
-  // These come by the hundred thousand when everything is expanded, so they are no events of their own to the
-  // database; nothing in them can fail.
+  // Not bracketed as events: expanding everything raises hundreds of thousands, and nothing in them can fail.
   tree.Expand = [open = images.Index("ofolder")](controls::Node node) { node.SetImage(open); };
   tree.Collapse = [closed = images.Index("cfolder")](controls::Node node) { node.SetImage(closed); };
   tree.NodeCheck = [this](controls::Node node) {
@@ -110,7 +109,7 @@ void SetDetail::LoadBackupSetDetail(controls::Node run) {
                                                : hints::Loaded::kFailed);
   });
   if (RunChanged) RunChanged();
-  // A part of a run must not look like the whole of it.
+  // Tells the user that the run is incomplete.
   ui.lblTreeCount.SetCaption(complete              ? std::to_string(m_count) + " file(s)."
                              : m_context.Stopped() ? "Stopped after " + std::to_string(m_count) + " file(s)"
                                                    : Say(Phrase::kFailedAfter, {std::to_string(m_count)}));
@@ -173,7 +172,7 @@ void SetDetail::AddPluginEntry(std::string_view plugin, std::string_view path, s
     m_context.ui.tvwDetails.Add(heading, {}, name, images.Index(kind.entryImage), tag);
     return;
   }
-  // A plug-in that this dialog does not know: its entries stay within reach under its own name.
+  // Entries of an unknown plug-in are listed under its name.
   m_context.ui.tvwDetails.Add(Heading({}, plugin, plugin, images.Index("cfolder")), {}, name,
                               images.Index("file"), tag);
 }

@@ -1,5 +1,4 @@
-// The tree of one run's files: drives, folders and files, and headings of their own for what server plug-ins
-// backed up.
+// The tree of one run's files: drives, folders and files, and headings for backups of server plug-ins.
 #pragma once
 
 #include <string>
@@ -17,8 +16,8 @@ class SetDetail {
  public:
   explicit SetDetail(FormContext& context);
 
-  // Refills the tree from the run that a node of the set tree names. Reports its own errors; a load that is
-  // stopped or fails leaves the tree as far as it was filled.
+  // Refills the tree from the run of a node of the set tree. Reports its own errors; after a stop or an error
+  // the tree contains the files read so far.
   std::function<void()> RunChanged;  // another run's files are in the tree
 
   void LoadBackupSetDetail(controls::Node run);

@@ -109,7 +109,7 @@ bool SetTree::LoadBackupSetTree() {
   });
 }
 
-// An engine that orders names without regard to case mixes the runs of sets that differ in case only.
+// An engine that sorts names case-insensitively mixes the runs of sets that differ in case only.
 controls::Node SetTree::SetNode(const std::string& name) {
   controls::TreeView& tree = m_context.ui.tvwSets;
   const std::string key = std::string(kSetKeyPrefix) + name;
@@ -184,7 +184,7 @@ void SetTree::ChooseRun(controls::Node node) {
   HideArchiveFrame();
   ui.lblCurrSet.SetCaption("Current Set: ");
   ui.lblSetName.SetCaption(std::string(node.Parent().Text()).append("\r\n up to \r\n").append(node.Text()));
-  // A number that does not fit is reported when the run's files are to be listed.
+  // A set number that does not fit is reported when the run's files are listed.
   choice.m_lngSetID = 0;
   m_context.Skipping([&] { choice.m_lngSetID = SetOf(node); });
   choice.m_strSetID = TagSetID(node.Tag());
@@ -193,7 +193,7 @@ void SetTree::ChooseRun(controls::Node node) {
   ui.optLookIn[0].SetEnabled(true);
   ui.optLookIn[2].SetEnabled(true);
 
-  // A run that is chosen while another's files are being listed is only taken down.
+  // While another run's files are being listed, the choice is only recorded.
   if (choice.m_blnLoading || !LoadBackupSetDetail) return;
   WhenFree(kClick, [this, node] { LoadDetail(node); });
 }
@@ -205,8 +205,7 @@ void SetTree::LoadDetail(controls::Node run) {
   loading = false;
 }
 
-// Runs a step of the event that is being handled; puts it off where that event came in the middle of another
-// one.
+// Runs a step of the current event; defers it when that event interrupted another one.
 void SetTree::WhenFree(const char* routine, const std::function<void()>& step) {
   if (m_context.IsOutermostEvent()) {
     step();

@@ -16,7 +16,7 @@ namespace kxrestore::dialog {
 std::string_view TagSetID(std::string_view tag);
 std::string_view TagExtension(std::string_view tag);
 
-// The set identifier of a run's tag as a number; error 6 beyond 32 bits, 13 when it is none.
+// The set identifier of a run's tag as a number. Error 6 beyond 32 bits, 13 when it is not a number.
 std::int32_t TagSetNumber(std::string_view tag);
 
 class SetTree {
@@ -27,19 +27,18 @@ class SetTree {
   NodeHandler LoadBackupSetDetail;  // fills the detail tree from a run
   NodeHandler ArchiveNode;          // the node "Archive Sets" was opened or chosen
 
-  // Fills the tree, which must be empty. Whether the catalog could be read.
+  // Fills the tree, which must be empty. Returns whether the catalog could be read.
   bool LoadBackupSetTree();
 
-  // Asks for a day and chooses the latest run of a set up to its end, if there is one. `node`: the set or one
-  // of its runs.
+  // Asks for a day and chooses the latest run of a set up to the end of that day. `node`: the set or one of
+  // its runs.
   void ChooseDay(controls::Node node);
 
   // The runs that a chosen run covers, itself and the older ones, each in double quotes, separated by ", ".
   // Counts them in m_intRunCount; error 6 beyond 32,767.
   std::string ListRunExtensions(controls::Node node);
 
-  // The set that a node stands for, its own or that of its newest run: 0 for a node of neither kind. Errors
-  // as TagSetNumber's.
+  // The set of a node: of a run, or of a set's newest run; 0 for any other node. Errors of TagSetNumber.
   static std::int32_t SetOf(controls::Node node);
 
   void tvwSets_NodeClick(controls::Node node);

@@ -13,7 +13,7 @@ using catalog::TypeCensus;
 
 namespace {
 
-// Types that begin with this one are found by its pattern, too.
+// Types that begin with this one match its pattern, too.
 std::string OthersFoundBy(std::string_view extension, const std::vector<TypeCensus::Counted>& types) {
   constexpr int kMaxNamed = 3;
   std::string others;

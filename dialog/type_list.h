@@ -6,9 +6,9 @@
 
 namespace kxrestore::dialog {
 
-// Adds a group for each kind of file that there is, and after the groups all types, the most frequent first.
-// A type's text stands for itself in a pattern; its description says which other types that finds as well.
-// The numbers of files are those of the census until the files are counted (catalog/type_counts.h).
+// Adds a group for each kind of file, then all types, the most frequent first. A type's description names the
+// other types that its pattern matches as well. Numbers of files come from the census until the files are
+// counted (catalog/type_counts.h).
 void ListTypes(const catalog::TypeCensus& census, controls::AutoSelect& list);
 
 }  // namespace kxrestore::dialog

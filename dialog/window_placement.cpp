@@ -16,7 +16,7 @@ constexpr const char* kWindowEntry = "RestoreWindow";        // left, top, width
 constexpr const char* kSplittersEntry = "RestoreSplitters";  // top of splitH, left of SplitV
 constexpr int kMaxCoordinate = 200000;                       // twips; no screen is larger
 
-// Numbers separated by blanks; nothing unless there are exactly as many as asked for, all of a sensible size.
+// Numbers separated by blanks; nothing unless there are exactly as many as expected, all within range.
 template <std::size_t count>
 std::optional<std::array<int, count>> ReadNumbers(platform::Platform& platform, const char* entry) {
   const std::string text = UserSettings(platform).ReadEntry(entry, "");
@@ -67,7 +67,7 @@ void WindowPlacement::RestoreSplitters() {
 
 void WindowPlacement::Remember() const {
   const controls::Form& form = m_ui.form;
-  // A window that was never shown has no place of its own to remember.
+  // A window that was never shown has no position to store.
   if (!form.placement.known) return;
   WriteNumbers<5>(m_platform, kWindowEntry,
                   {form.placement.left, form.placement.top, form.NormalWidth(), form.NormalHeight(),

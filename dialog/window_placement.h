@@ -1,6 +1,6 @@
-// Size, place and splitter positions of the window, remembered for the user under HKEY_CURRENT_USER from one
-// dialog to the next. Nothing of it needs to be there: without it, and with values that make no sense, the
-// window opens as designed. Whether the place is still on a screen is for the front end to see.
+// Stores size, position and splitter positions of the window per user under HKEY_CURRENT_USER. With missing
+// or invalid values the window opens as designed. The front end checks that the position is still on a
+// screen.
 #pragma once
 
 #include "dialog/layout.h"
@@ -13,9 +13,9 @@ class WindowPlacement {
   WindowPlacement(FormControls& controls, Layout& layout, platform::Platform& platform)
       : m_ui(controls), m_layout(layout), m_platform(platform) {}
 
-  // Gives the form its remembered size, place and state: before the form is laid out.
+  // Restores size, position and state of the form, before it is laid out.
   void RestoreWindow();
-  // Puts the splitters where they were: once everything is laid out and the splitters know their areas.
+  // Restores the splitters, after the form is laid out.
   void RestoreSplitters();
   void Remember() const;
 

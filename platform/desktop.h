@@ -1,5 +1,4 @@
-// The desktop as the dialog needs it. win32/ implements it with real windows, headless/ for tests and hosts
-// without any.
+// The desktop that the dialog runs on. win32/ implements it with windows, headless/ without.
 #pragma once
 
 #include <cstdint>
@@ -29,27 +28,26 @@ class Desktop {
   // Shows the text and waits for an answer. An empty title is replaced by the component's name.
   virtual Answer MessageBox(const std::string& text, MessageStyle style, const std::string& title) = 0;
 
-  // Processes pending window messages. Long walks call it once for each item, so it must cost next to nothing
-  // when none are pending.
+  // Processes pending window messages. Walks call it once per item, so it must be cheap when none are
+  // pending.
   virtual void DoEvents() = 0;
   // The same while the engine works or waits, between the items of a walk.
   virtual void DoEventsWhileWaiting() { DoEvents(); }
 
   // Puts a text onto the clipboard.
   virtual void CopyText(const std::string& text) = 0;
-  // Asks for a day, from `first` to `last`; nothing when the user thinks better of it.
+  // Asks for a day from `first` to `last`; nothing when the user cancels.
   virtual std::optional<CivilTime> AskDay(const std::string& question, const CivilTime& first,
                                           const CivilTime& last) = 0;
-  // The outer size, in twips, in which a window that would be as large as this by design comes up; the same
-  // where there is no screen to ask.
+  // The initial outer size in twips of a window with this designed size; the same without a screen.
   virtual WindowSize SizeToStartWith(const WindowSize& designed) const { return designed; }
 
-  // Tells what a form that has no window yet is busy with, and lets the user stop it: that is the form's Esc.
-  // Called again as the text changes.
+  // Shows the progress of a form that has no window yet, with a button that does what Esc does in the form.
+  // Called again when the text changes.
   virtual void ShowBusy(controls::Form& form, const std::string& text) = 0;
   virtual void HideBusy() = 0;
 
-  // A clock that only goes forward.
+  // A monotonic clock.
   virtual std::int64_t Milliseconds() const = 0;
 
   // Creates the form's windows, disables the thread's other windows, and returns when the form has closed.

@@ -23,7 +23,7 @@ class OpenedKey {
 
 }  // namespace
 
-// One box for one failing call, however persistent the error is: the routine goes on behind its work.
+// Shows one message box per call, then continues after the failed step.
 template <std::invocable Work>
 void CProgramSettings::Guarded(const char* routine, Work work) const {
   int number = 0;

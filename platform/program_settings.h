@@ -1,6 +1,6 @@
 // Reads and writes the product's settings: string values under one registry key, whose path is joined from
-// four parts. A refused access is silent: reading returns the default, a write is lost. An exception is shown
-// in one message box, and the work continues.
+// four parts. When access is refused, reads return the default and writes do nothing. An exception is shown
+// in a message box.
 #pragma once
 
 #include <concepts>

@@ -37,7 +37,7 @@ std::string DateAndTime(const Regional& regional, const CivilTime& time);
 std::int64_t TimeNumber(const CivilTime& time);
 CivilTime TimeOfNumber(std::int64_t number);
 
-// The forms used where there are no regional settings.
+// The formats used without regional settings.
 class FixedRegional : public Regional {
  public:
   std::string ShortDate(const CivilTime& time) const override;

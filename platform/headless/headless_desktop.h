@@ -1,5 +1,5 @@
-// A desktop that nobody sits at: message boxes answer themselves from a script and are logged, and a script
-// plays the user while a form is shown.
+// A desktop without a user: message boxes are answered from a list and logged, and a function plays the user
+// while a form is shown.
 #pragma once
 
 #include <deque>
@@ -40,7 +40,7 @@ class HeadlessDesktop : public Desktop {
 
   void CopyText(const std::string& text) override { clipboard = text; }
   std::string clipboard;
-  // Answered by the next of `days`; without one the user thinks better of it.
+  // Answered by the next of `days`; cancelled without one.
   std::optional<CivilTime> AskDay(const std::string& question, const CivilTime& first,
                                   const CivilTime& last) override;
   std::deque<CivilTime> days;
@@ -51,8 +51,7 @@ class HeadlessDesktop : public Desktop {
   std::string busy;                             // what is shown; empty for nothing
   std::function<void(controls::Form&)> onBusy;  // after it is shown
 
-  // Runs `user` and then closes a form that is still open the way its close box does. A form that even then
-  // stays open throws std::logic_error, so that nothing waits for ever.
+  // Runs `user`, then closes the form as its close box does. Throws std::logic_error if the form stays open.
   void ShowModal(controls::Form& form) override;
   std::function<void(controls::Form&)> user;
   std::size_t showCount = 0;

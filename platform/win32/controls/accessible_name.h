@@ -1,4 +1,4 @@
-// Accessible names for windows whose text is something else.
+// Accessible names for windows whose text is their content.
 #pragma once
 
 #include <string>

@@ -44,7 +44,7 @@ class TextBoxWindow final : public WindowPeer<controls::Peer> {
   bool m_showing = false;
 };
 
-// What both kinds of combo box share. The window of a closed one includes the list that it opens.
+// The base of both kinds of combo box. The window of a closed one includes its list.
 class ComboWindow : public WindowPeer<controls::Peer> {
  public:
   using WindowPeer::WindowPeer;
@@ -77,7 +77,7 @@ class ComboWindow : public WindowPeer<controls::Peer> {
     WindowPeer::OnFlush(flags);
     if ((flags & kGeometryFlag) == 0) return;
     FitField();
-    // While it was moved it was as high as with its list open; what it covered then must be painted anew.
+    // While it was moved it had the height of the open list; repaint the area that it covered.
     RedrawWindow(GetAncestor(Handle(), GA_PARENT), nullptr, nullptr,
                  RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
   }
@@ -145,7 +145,7 @@ class DriveListBoxWindow final : public ComboWindow {
   }
 
   void OnCommand(unsigned code) override {
-    // Choosing the same drive again is how to tell that it holds another disc.
+    // The user chooses the same drive again after changing the disc.
     if (code == CBN_SELCHANGE) m_box.UserSelect(ChosenItem());
   }
 

@@ -1,5 +1,5 @@
-// Push buttons, check boxes and option buttons. None of them changes by itself: a click is reported to the
-// control, and the window displays the control's new state.
+// Push buttons, check boxes and option buttons. A click is reported to the control, and the window then
+// displays the control's new state.
 #pragma once
 
 #include "controls/widgets.h"

@@ -7,7 +7,7 @@
 
 namespace kxrestore::win32 {
 
-// Nothing happens while another program holds the clipboard.
+// Does nothing while another program has the clipboard open.
 void CopyText(HWND owner, const std::wstring& text);
 
 }  // namespace kxrestore::win32

@@ -21,11 +21,11 @@ bool HasVisibleStyle(HWND window) {
   return (GetWindowLongPtrW(window, GWL_STYLE) & WS_VISIBLE) != 0;
 }
 
-// The windows of controls. Properties of a window, and the subclassing that builds on them, would be the
-// usual place for this, but cost a call of the window server each, for every message: a tree that drops
-// 100,000 items sends as many.
+// The windows of controls. Window properties, and the subclassing functions built on them, are slower: on
+// some systems each access calls the window server, and a tree that removes 100,000 items sends as many
+// messages.
 struct Registered {
-  ControlWindow* window;  // nullptr when the control has let go of its window
+  ControlWindow* window;  // nullptr after the control has released its window
   WNDPROC procedure;      // the window's own
 };
 
@@ -194,7 +194,7 @@ void ControlWindow::OnDpiChanged() {
 }
 
 RECT ControlWindow::PixelBounds() const {
-  // Edge by edge: what meets or contains something in twips does so in pixels.
+  // Converts each edge, so that rectangles that touch in twips touch in pixels.
   const auto pixels = [this](int twips) { return static_cast<LONG>(m_context.ToPixels(twips)); };
   const int left = m_control.Left();
   const int top = m_control.Top();
@@ -220,7 +220,7 @@ void ControlWindow::FlushNow() {
 }
 
 void ControlWindow::OnFlush(unsigned flags) {
-  // What takes the focus away comes first, while the window can still hand it on.
+  // Disabling and hiding come first, while the window can still pass the focus on.
   if ((flags & kEnabledFlag) != 0 && (IsWindowEnabled(m_handle) != FALSE) != m_control.Enabled()) {
     if (!m_control.Enabled() && HoldsFocus(m_handle) && m_context.MoveFocusOff) m_context.MoveFocusOff(*this);
     EnableWindow(m_handle, m_control.Enabled());
@@ -243,8 +243,8 @@ void ControlWindow::ApplyVisibility() {
   ShowWindow(Placed(), visible ? SW_SHOWNA : SW_HIDE);
 }
 
-// WM_SETREDRAW takes WS_VISIBLE away from most windows and gives it back, to hidden ones too, so it is sent
-// only to windows that show, and visibility is put right afterwards.
+// WM_SETREDRAW clears and sets WS_VISIBLE, even on hidden windows, so it is sent only to visible ones, and
+// visibility is restored afterwards.
 void ControlWindow::SetRedraw(bool redraw) {
   if (!redraw) {
     m_redrawOff = HasVisibleStyle(m_handle);
@@ -335,7 +335,7 @@ std::optional<ControlWindow::MenuRequest> ControlWindow::MenuAt(std::optional<PO
   return request;
 }
 
-// Whether the control has a menu to show. `where` is that of WM_CONTEXTMENU.
+// Returns whether the control showed a menu. `where`: the parameter of WM_CONTEXTMENU.
 bool ControlWindow::ShowMenu(LPARAM where) {
   std::optional<POINT> pointer;
   if (where != -1) pointer = {static_cast<short>(LOWORD(where)), static_cast<short>(HIWORD(where))};
@@ -367,7 +367,7 @@ LRESULT CALLBACK ControlWindow::Procedure(HWND handle, UINT message, WPARAM wide
   return result ? *result : CallWindowProcW(entry.procedure, handle, message, wide, extra);
 }
 
-// What the window of another control, or the own one from inside the window around it, tells its parent.
+// Notifications of a child window: of another control, or of the control's own window in the surrounding one.
 std::optional<LRESULT> ControlWindow::FromChild(UINT message, LPARAM extra, unsigned code) {
   if (message == WM_COMMAND) {
     ControlWindow* const child = FromHandle(reinterpret_cast<HWND>(extra));
@@ -426,7 +426,7 @@ std::optional<LRESULT> ControlWindow::Dispatch(UINT message, WPARAM wide, LPARAM
     case WM_CONTEXTMENU:
       if (ShowMenu(extra)) return 0;
       break;
-    case WM_NCDESTROY: {  // somebody else destroyed it
+    case WM_NCDESTROY: {  // destroyed by other code
       const HWND handle = std::exchange(m_handle, nullptr);
       UnnameWindow(handle);
       return std::nullopt;

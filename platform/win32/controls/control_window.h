@@ -1,16 +1,15 @@
 // The native window that shows one control. A peer class derives from `WindowPeer<Peer>` (or `<TreePeer>`,
 // `<ListPeer>`), creates its window in its constructor by `Create`, and overrides the On... members it needs.
 //
-// The base keeps geometry, visibility, enabled state, z-order, focus, font, tool tip, accessible name, redraw
-// freezes and the property `KXRestore.Control` in line with the control. Changes are applied by `OnFlush`, at
-// the latest before the next message is waited for; a window that is frozen is not painted until the last
-// freeze is released.
+// The base class applies geometry, visibility, enabled state, z-order, focus, font, tool tip, accessible
+// name, redraw freezes and the property `KXRestore.Control`. `OnFlush` applies changes before the thread next
+// waits for a message. A frozen window is not painted until the last freeze is released.
 //
 // The form's window makes the peers by `Make...(WindowContext&, controls::X&, HWND parent)`, each declared in
 // the header of its window and returning std::unique_ptr<controls::Peer>.
 //
-// On... members may throw: they are called under the context's guard. They may be entered again while they
-// run, because form code lets pending messages run.
+// On... members may throw: the context guards the calls. They may be re-entered, because form code processes
+// pending messages.
 #pragma once
 
 #include <optional>
@@ -32,42 +31,42 @@ class ControlWindow {
 
   static ControlWindow* Of(controls::Control& control);  // nullptr when it has no window
 
-  // The control's window that this handle is, or nullptr. `Enclosing` also finds it from an inner window,
-  // such as the edit field of a combo box.
+  // The control window with this handle, or nullptr. `Enclosing` also accepts an inner window, such as the
+  // edit field of a combo box.
   static ControlWindow* FromHandle(HWND handle);
   static ControlWindow* Enclosing(HWND handle);
 
-  // What a parent passes on to the control that it came from. The defaults do nothing.
+  // Notifications that a parent forwards to the control that sent them. The defaults do nothing.
   virtual void OnCommand(unsigned /*code*/) {}
   virtual std::optional<LRESULT> OnNotify(NMHDR& /*header*/) { return std::nullopt; }
   virtual HBRUSH OnColor(HDC dc);  // WM_CTLCOLOR...
 
-  // Any message of the window, before the window's own procedure; nothing leaves it to that.
+  // Handles a message of the window. Nothing: passes it on to the window's own procedure.
   virtual std::optional<LRESULT> OnMessage(UINT /*message*/, WPARAM /*wide*/, LPARAM /*extra*/) {
     return std::nullopt;
   }
-  // Whether the window itself wants a key (of a WM_KEYDOWN) that otherwise means something to the form: Esc,
-  // Enter, Tab and the like.
+  // Whether the window keeps a key (WM_KEYDOWN) that the form would handle otherwise: Esc, Enter, Tab and the
+  // like.
   virtual bool WantsKey(WPARAM /*key*/) { return false; }
-  // Handles a key (of a WM_KEYDOWN) before anybody else; nobody hears of it then. Whether it did.
+  // Handles a key (WM_KEYDOWN) before the form and the window. Returns whether it did.
   virtual bool HandleKey(WPARAM /*key*/) { return false; }
   // The window that gets the focus when Tab arrives here, or Shift+Tab when going `back`.
   virtual HWND TabTarget(bool /*back*/) const { return m_handle; }
-  // What the user asks the control's menu about, and where on the screen the menu belongs. `pointer`: on the
-  // screen, nothing when it was asked for by the keyboard. Nothing: there is no menu here.
+  // The subject and the screen position of the control's menu; nothing when there is none. `pointer`: the
+  // pointer on the screen, nothing when opened by the keyboard.
   struct MenuRequest {
     std::size_t subject = 0;  // see controls::Menu
     POINT place{};
   };
   virtual std::optional<MenuRequest> MenuAt(std::optional<POINT> pointer);
-  // Puts the window's own items into the menu, behind those of the form's code.
+  // Appends the window's own items to those of form code.
   virtual void AddToMenu(controls::Menu& /*menu*/) {}
   virtual bool TakesFocus() const { return true; }  // by Tab, while shown and enabled
 
   // The resolution changed; fonts and geometry are renewed by the base.
   virtual void OnDpiChanged();
 
-  // Applies what changed; `Context` calls it.
+  // Applies pending changes. Called by the context.
   void FlushNow();
 
  protected:
@@ -77,26 +76,25 @@ class ControlWindow {
   // kxrestore::Error with the system's error code.
   void Create(HWND parent, const wchar_t* windowClass, const std::wstring& text, DWORD style,
               DWORD exStyle = 0);
-  // Takes over a window that a derived class made itself.
+  // Adopts a window that a derived class created.
   void Attach(HWND handle);
-  // For a control that shares its room with other windows, a footer say: makes a window that takes the
-  // control's place, and is the parent for Create and for the others. OnArrange places all of them.
+  // For a control with additional windows, such as a footer: creates a window in the control's place, which
+  // is the parent for Create and for the additional windows. OnArrange places all of them.
   HWND CreateAround(HWND parent);
   HWND Around() const { return m_around; }
   virtual void OnArrange(int /*width*/, int /*height*/) {}  // pixels
   void ArrangeLater() { Later(kArrangeFlag); }
-  // Messages of the window around; those about the control's own window are not among them.
+  // Messages of the surrounding window, except notifications from the control's own window.
   virtual std::optional<LRESULT> OnAroundMessage(UINT /*message*/, WPARAM /*wide*/, LPARAM /*extra*/) {
     return std::nullopt;
   }
-  // For the destructors of derived classes whose On... members must not be called any more.
+  // For destructors of derived classes: ends calls of their On... members.
   void Destroy();
 
-  // What the window's own procedure answers to a message.
+  // Calls the window's own procedure.
   LRESULT PassOn(UINT message, WPARAM wide, LPARAM extra) const;
 
-  // Marks the window as changed. `flags` are handed to OnFlush; bits from kFirstOwnFlag on are free for
-  // peers.
+  // Marks the window as changed. OnFlush receives `flags`; derived classes define bits from kFirstOwnFlag on.
   enum : unsigned {
     kGeometryFlag = 1,
     kVisibleFlag = 2,
@@ -112,8 +110,7 @@ class ControlWindow {
     kFirstOwnFlag = 2048,
   };
   void Later(unsigned flags, WindowContext::When when = WindowContext::When::kSoon);
-  // Applies what the base knows (geometry, visibility, enabled, refresh); peers override it for the rest,
-  // calling the base's first.
+  // Applies geometry, visibility, enabled state and refresh. Overrides call this first.
   virtual void OnFlush(unsigned flags);
   // Whether a property may wait for the throttled round.
   virtual WindowContext::When Urgency(controls::Property /*property*/) const {
@@ -128,11 +125,10 @@ class ControlWindow {
 
   // Whether the window's text is the control's contents, so that it cannot carry the accessible name.
   virtual bool TextIsContent() const { return false; }
-  // Where the control belongs, in pixels of the parent. Combo boxes, whose window includes their list,
-  // override it.
+  // The control's rectangle in pixels of the parent. Combo boxes override it: their window includes the list.
   virtual RECT PixelBounds() const;
-  // The same with a size that does not depend on the place. For buttons, so that all look alike, and for
-  // containers, whose contents know their width and height only.
+  // The same with a size that does not depend on the position. For buttons, so that all are equal, and for
+  // containers, whose contents are laid out by width and height.
   RECT SizedBounds() const;
   virtual HFONT OwnFont() { return m_context.Font(); }
 
@@ -148,7 +144,7 @@ class ControlWindow {
   std::optional<LRESULT> DispatchAround(UINT message, WPARAM wide, LPARAM extra);
   std::optional<LRESULT> FromChild(UINT message, LPARAM extra, unsigned code);
   void Arrange();
-  // The window that stands in the control's place.
+  // The outer window of the control.
   HWND Placed() const { return m_around != nullptr ? m_around : m_handle; }
   bool ShowMenu(LPARAM where);
   std::optional<LRESULT> Dispatch(UINT message, WPARAM wide, LPARAM extra);
@@ -171,7 +167,7 @@ class ControlWindow {
   bool m_listed[2] = {};  // by When
 };
 
-// Makes a ControlWindow a peer of the wanted kind.
+// Makes a ControlWindow a peer of the given interface.
 template <class Base>
 class WindowPeer : public Base, public ControlWindow {
  public:

@@ -27,7 +27,7 @@ void DrawEmptyText(HWND window, HFONT font, const std::string& text, int top) {
   RECT needed = area;
   DrawTextW(dc, wide.c_str(), static_cast<int>(wide.size()), &needed, kFormat | DT_CALCRECT);
   const LONG height = needed.bottom - needed.top;
-  // Lower down only where there is room to spare.
+  // Below the top only where there is room.
   if (height < area.bottom - area.top) area.top += (area.bottom - area.top - height) / kTopDivisor;
   DrawTextW(dc, wide.c_str(), static_cast<int>(wide.size()), &area, kFormat);
   RestoreDC(dc, state);

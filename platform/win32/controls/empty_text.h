@@ -1,4 +1,4 @@
-// What an empty list or tree says.
+// The text in an empty list or tree.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@ namespace kxrestore::win32 {
 // the upper part, in grey.
 void DrawEmptyText(HWND window, HFONT font, const std::string& text, int top = 0);
 
-// Paints nothing but the background of a list or tree, in place of what the window would paint.
+// Paints only the background of a list or tree.
 void PaintBlank(HWND window);
 
 }  // namespace kxrestore::win32

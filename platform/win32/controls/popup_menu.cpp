@@ -19,7 +19,7 @@ using MenuHandle = std::unique_ptr<std::remove_pointer_t<HMENU>, MenuDeleter>;
 void ShowPopupMenu(HWND owner, controls::Menu& menu, POINT place) {
   if (menu.Empty()) return;
   const MenuHandle popup(CreatePopupMenu());
-  UINT_PTR number = 0;  // of an item, from 1; 0 is the answer when nothing was chosen
+  UINT_PTR number = 0;  // of an item, from 1; 0 when nothing was chosen
   for (const controls::Menu::Item& item : menu.Items()) {
     ++number;
     if (item.IsLine()) {

@@ -1,4 +1,4 @@
-// Shows a popup menu and runs what the user chooses from it.
+// Shows a popup menu and runs the chosen item.
 #pragma once
 
 #include "controls/menu.h"
@@ -6,8 +6,7 @@
 
 namespace kxrestore::win32 {
 
-// `place`: on the screen, where the menu's corner goes. Returns once the menu has closed and what was chosen
-// has run; an empty menu returns at once.
+// `place`: the menu's corner on the screen. Returns after the chosen item has run; at once for an empty menu.
 void ShowPopupMenu(HWND owner, controls::Menu& menu, POINT place);
 
 }  // namespace kxrestore::win32

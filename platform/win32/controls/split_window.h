@@ -1,4 +1,4 @@
-// A bar that the user drags with the pointer, or moves with the arrow keys while it is focused.
+// A bar that the user drags with the pointer, or moves with the arrow keys when it is focused.
 #pragma once
 
 #include "controls/splitters.h"

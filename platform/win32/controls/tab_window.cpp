@@ -14,7 +14,7 @@ class TabWindow final : public WindowPeer<controls::Peer> {
     ShowTabs();
   }
 
-  // Themes paint the body in a colour of their own, which would show as seams around the panels.
+  // A theme would paint the body in its own colour, visible as seams around the panels.
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wide, LPARAM extra) override {
     if (message != WM_PAINT) return std::nullopt;
     const LRESULT result = PassOn(message, wide, extra);

@@ -1,6 +1,5 @@
 // The window classes of this component. They are registered while a form is shown and unregistered
-// afterwards, so that an unloaded DLL leaves nothing behind. All of them pass every message to the windows'
-// peers.
+// afterwards, so that the DLL can be unloaded. All of them forward every message to the windows' peers.
 #pragma once
 
 #include "platform/win32/win32.h"

@@ -12,9 +12,9 @@ namespace {
 
 constexpr WORD kManifestResource = 2;
 constexpr DWORD kThrottleMilliseconds = 100;
-constexpr int kToolTipMilliseconds = 30000;  // enough to read the longest
+constexpr int kToolTipMilliseconds = 30000;  // long enough to read the longest text
 constexpr int kToolTipWidth = 5400;          // twips
-constexpr int kMaxRounds = 16;               // of windows that change while windows are brought into line
+constexpr int kMaxRounds = 16;               // of updates that change further windows
 
 HANDLE MakeActivationContext(HINSTANCE module) {
   ACTCTXW description{sizeof description};
@@ -125,7 +125,7 @@ void WindowContext::FlushList(When when) {
   const int which = static_cast<int>(when);
   for (int round = 0; round < kMaxRounds && !m_changed[which].empty(); ++round) {
     m_working.swap(m_changed[which]);
-    for (std::size_t i = 0; i < m_working.size(); ++i) {  // an entry may be forgotten on the way
+    for (std::size_t i = 0; i < m_working.size(); ++i) {  // Forget may clear entries meanwhile
       if (m_working[i] == nullptr) continue;
       m_working[i]->m_listed[which] = false;
       m_working[i]->FlushNow();

@@ -1,10 +1,9 @@
 // Shared by the windows of one form: module, resolution, fonts, and the list of windows whose controls have
 // changed since they were last updated.
 //
-// Form code changes properties far more often than anyone can see, so windows do not follow each change. A
-// changed window puts itself on a list (`Later`), which is processed after a message has been handled
-// (`Flush`) or, for properties that may change for every row of a long walk (captions, progress), about ten
-// times a second (`FlushThrottled`).
+// Form code changes properties far more often than the screen needs to be updated. A changed window puts
+// itself on a list (`Later`). The list is processed after each message (`Flush`) or, for properties that may
+// change with every row of a long walk (captions, progress), about ten times a second (`FlushThrottled`).
 #pragma once
 
 #include <concepts>
@@ -99,8 +98,8 @@ class WindowContext {
   // Removes the tool tips and accessible names of a window and its descendants, before they are destroyed.
   void RemoveTexts(HWND window);
 
-  // Runs code of the form from a window procedure or callback: nothing may be thrown through those, so an
-  // exception is kept here until the message loop takes it out and reports it.
+  // Runs form code from a window procedure or callback. No exception may pass through those; it is stored
+  // here until the message loop takes and reports it.
   template <std::invocable Call>
   void Guarded(Call&& call) noexcept {
     try {
@@ -122,7 +121,7 @@ class WindowContext {
   HCURSOR m_formPointer = nullptr;
   using Fonts = std::map<std::pair<std::string, bool>, FontHandle>;
   Fonts m_fonts;
-  Fonts m_retiredFonts;                      // of the resolution before, until every window has a new one
+  Fonts m_retiredFonts;                      // of the previous resolution, until every window has a new one
   std::vector<ControlWindow*> m_changed[2];  // by When
   std::vector<ControlWindow*> m_working;
   DWORD m_lastThrottled = 0;

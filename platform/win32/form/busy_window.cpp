@@ -43,7 +43,7 @@ INT_PTR CALLBACK BusyWindow::Procedure(HWND dialog, UINT message, WPARAM wide, L
   const auto stop = std::exchange(self->m_stop, nullptr);
   try {
     if (stop) stop();
-  } catch (...) {  // nothing must pass through the system; the work goes on
+  } catch (...) {  // must not pass through the window procedure; the work continues
   }
   return TRUE;
 }

@@ -1,5 +1,5 @@
-// A small window for a form that has none yet: what keeps it busy, and a button that stops it. It waits for
-// nobody; whoever runs the pending messages lets it live.
+// A small window that shows the progress of a form that has no window yet, with a button to stop. It is
+// modeless: it works while the thread processes messages.
 #pragma once
 
 #include <functional>
@@ -11,14 +11,14 @@ namespace kxrestore::win32 {
 
 class BusyWindow {
  public:
-  // Over `owner`, which may be nullptr. `stop` is called once, by the button, Esc or the close box.
+  // `owner` may be nullptr. `stop` is called once, by the button, Esc or the close box.
   BusyWindow(HINSTANCE module, HWND owner, const std::string& title, std::function<void()> stop);
   ~BusyWindow();
   BusyWindow(const BusyWindow&) = delete;
   BusyWindow& operator=(const BusyWindow&) = delete;
 
   void Show(const std::string& text);
-  // Takes a message that is for this window; whether it was.
+  // Handles a message for this window. Returns false for any other.
   bool Handle(MSG& message) const { return m_window != nullptr && IsDialogMessageW(m_window, &message); }
   HWND Window() const { return m_window; }
 

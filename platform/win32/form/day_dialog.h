@@ -9,8 +9,8 @@
 
 namespace kxrestore::win32 {
 
-// Shows it over `owner` and waits. The days from `first` to `last` can be chosen; it starts with the last
-// one. Nothing when the user cancels, or when it cannot be made.
+// Shows the dialog and waits. The user chooses a day from `first` to `last`, which is preselected. Nothing
+// when the user cancels or the window cannot be created.
 std::optional<platform::CivilTime> ShowDayDialog(HINSTANCE module, HWND owner, const std::string& question,
                                                  const platform::CivilTime& first,
                                                  const platform::CivilTime& last);

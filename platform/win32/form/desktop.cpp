@@ -20,10 +20,10 @@ namespace {
 
 constexpr char kTitle[] = "KXRestore";
 constexpr DWORD kPendingMilliseconds = 15;
-constexpr DWORD kMaxPendingMilliseconds = 100;  // that one round may take, whatever keeps arriving
+constexpr DWORD kMaxPendingMilliseconds = 100;  // for one round, however many messages keep arriving
 
-// The thread's other windows that a user could work with, disabled for a while. They are enabled again before
-// the form's window goes, so that the system hands the activation back to one of them.
+// Disables the thread's other windows. They are enabled again before the form's window is destroyed, so that
+// the system activates one of them.
 class OtherWindows {
  public:
   OtherWindows() : m_active(GetActiveWindow()) {
@@ -33,7 +33,7 @@ class OtherWindows {
   OtherWindows(const OtherWindows&) = delete;
   OtherWindows& operator=(const OtherWindows&) = delete;
 
-  // The one that was active before, or else the topmost; nullptr when there is none that could be.
+  // The window that was active before, else the topmost; nullptr without one.
   HWND Host() const {
     for (const HWND window : {m_active, m_windows.empty() ? nullptr : m_windows.front()}) {
       if (window != nullptr && IsWindowVisible(window) && IsWindowEnabled(window)) return window;
@@ -78,7 +78,7 @@ std::string Describe(const std::exception_ptr& error) {
 
 }  // namespace
 
-// One form that is showing, from the making of its windows to their end.
+// A form while its windows exist.
 struct Win32Desktop::Modal {
   Modal(HINSTANCE module, controls::Form& shown, Modal*& innermost)
       : form(shown), slot(innermost), outer(innermost), classes(module), context(module) {
@@ -116,8 +116,8 @@ struct Win32Desktop::Modal {
   std::optional<int> quitCode;
 };
 
-// The window of a form that has none yet. The other windows are enabled again before it goes, so that the
-// system hands the activation back to one of them.
+// The busy window. The other windows are enabled again before it is destroyed, so that the system activates
+// one of them.
 struct Win32Desktop::Busy {
   Busy(HINSTANCE module, controls::Form& form)
       : window(module, others.Host(), form.Caption().empty() ? kTitle : form.Caption(),
@@ -232,7 +232,7 @@ void Win32Desktop::RunPending() {
   MSG message{};
   while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
     if (message.message == WM_QUIT) {
-      // For the loops outside; the walk that lets messages run is to stop.
+      // Posted again for the outer loops; the walk that processes messages must stop.
       PostQuitMessage(static_cast<int>(message.wParam));
       if (m_modal != nullptr) {
         m_modal->context.Guarded([this] { m_modal->form.UserKey(controls::Key::kEscape); });
@@ -275,7 +275,7 @@ void Win32Desktop::ShowModal(controls::Form& form) {
 }
 
 void Win32Desktop::RunLoop(Modal& modal) {
-  // A window that somebody else destroyed ends the dialog, too.
+  // The dialog also ends when other code destroys its window.
   while (modal.form.IsOpen() && modal.window->Handle() != nullptr) {
     modal.context.FlushAll();
     MSG message{};

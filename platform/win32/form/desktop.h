@@ -1,7 +1,7 @@
-// The desktop with real windows: message boxes, pending messages, and forms that run modally.
+// The desktop with windows: message boxes, pending messages, and modal forms.
 //
-// For one thread at a time, the one that shows the form. A modal form has no owner window; the thread's other
-// windows are disabled while it shows.
+// Used by one thread at a time, which shows the form. A modal form has no owner; the thread's other windows
+// are disabled meanwhile.
 #pragma once
 
 #include <memory>
@@ -19,19 +19,20 @@ class Win32Desktop final : public platform::Desktop {
 
   platform::Answer MessageBox(const std::string& text, platform::MessageStyle style,
                               const std::string& title) override;
-  // Free but for a look at the clock while the last time is less than 15 ms ago.
+  // Only reads the clock when called again within 15 ms.
   void DoEvents() override;
   void CopyText(const std::string& text) override;
   std::optional<platform::CivilTime> AskDay(const std::string& question, const platform::CivilTime& first,
                                             const platform::CivilTime& last) override;
-  // About 70 % of the work area of the screen on which the host's window stands, and not less than designed
-  // where there is room.
+  // About 70 % of the work area of the screen with the host's window, but at least the designed size if that
+  // fits.
   platform::WindowSize SizeToStartWith(const platform::WindowSize& designed) const override;
   // The thread's other windows are disabled meanwhile.
   void ShowBusy(controls::Form& form, const std::string& text) override;
   void HideBusy() override;
   std::int64_t Milliseconds() const override { return static_cast<std::int64_t>(GetTickCount64()); }
-  // Throws kxrestore::Error when the windows cannot be made. A form that is already showing is left alone.
+  // Throws kxrestore::Error when the windows cannot be created. Does nothing for a form that is already
+  // shown.
   void ShowModal(controls::Form& form) override;
 
  private:

@@ -1,5 +1,4 @@
-// A dialog template in memory, as the system reads it: words, each item on a boundary of four bytes. Places
-// are in dialog units.
+// Builds a dialog template in memory: words, each item aligned to four bytes. Positions are in dialog units.
 #pragma once
 
 #include <string>
@@ -13,10 +12,10 @@ class DialogTemplate {
  public:
   static constexpr WORD kButton = 0x0080, kStatic = 0x0082;  // window classes
 
-  // `style` in addition to that of every small dialog of ours. `items`: how many will be added.
+  // `style` is added to the common style. `items`: the number of items to be added.
   DialogTemplate(const std::wstring& title, DWORD style, WORD items, short width, short height);
   void Item(DWORD style, WORD id, RECT place, const std::wstring& text, WORD windowClass);
-  // `size` in bytes, with the zero at the end of the class's name.
+  // `size` in bytes, including the terminating zero.
   void Item(DWORD style, WORD id, RECT place, const std::wstring& text, const void* windowClass,
             std::size_t size);
   const DLGTEMPLATE* Get() const { return reinterpret_cast<const DLGTEMPLATE*>(m_bytes.data()); }

@@ -29,7 +29,7 @@ wchar_t Upper(wchar_t letter) {
   return letter;
 }
 
-// The underlined letter of a caption, 0 when it has none.
+// The accelerator of a caption, 0 without one.
 wchar_t UnderlinedLetter(const std::string& caption) {
   if (caption.find('&') == std::string::npos) return 0;
   const std::wstring wide = Wide(caption);
@@ -148,7 +148,7 @@ bool FormKeys::KeyDown(WPARAM key, ControlWindow* focused) {
   }
 }
 
-// A key that means the list of the page wherever the focus is; the restore list where the page has none.
+// Keys for the list of the current page, or for the restore list if the page has none, wherever the focus is.
 bool FormKeys::HandledByList(WPARAM key) const {
   for (Control* const control : Reachable()) {
     if (control->GetKind() != Kind::kAutoSelect) continue;
@@ -174,7 +174,7 @@ void FormKeys::MoveFocus(const ControlWindow* from, bool back) {
 
 bool FormKeys::Letter(wchar_t letter, const ControlWindow* focused) {
   std::vector<Target> before;
-  std::vector<Target> targets;  // those behind the focus come first
+  std::vector<Target> targets;  // starting after the focus
   bool behind = false;
   for (Control* const control : Reachable()) {
     auto& list = behind ? targets : before;

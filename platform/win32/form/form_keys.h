@@ -1,10 +1,9 @@
-// The keys that work across the controls of a form: Tab, the letters that captions underline, arrows among
-// option buttons, Enter, Esc and F5. They follow the controls, not the windows: order of creation, visible,
-// enabled.
+// The keys that the form handles: Tab, accelerators, arrows among option buttons, Enter, Esc and F5. They
+// follow the control models: order of creation, visible, enabled.
 //
-// Only a button that has the focus is pressed by Enter; there is no default button, because the one that
-// comes to mind starts the restore. A letter that several controls share moves the focus among them and
-// presses none; tabs are selected all the same.
+// Enter presses only the focused button. There is no default button, because the obvious one starts the
+// restore. An accelerator that several controls share moves the focus among them and presses none; tabs are
+// selected all the same.
 #pragma once
 
 #include <vector>
@@ -18,10 +17,10 @@ class FormKeys {
  public:
   FormKeys(WindowContext& context, controls::Form& form) : m_context(context), m_form(form) {}
 
-  // Whether the message was a key that has been dealt with.
+  // Returns whether the message was a key that has been handled.
   bool Handle(const MSG& message);
 
-  // To the next control that takes the focus, or back; the first one from nullptr.
+  // Moves to the next or previous control that takes the focus; from nullptr to the first one.
   bool HandledByList(WPARAM key) const;
   void MoveFocus(const ControlWindow* from, bool back);
 

@@ -140,7 +140,7 @@ RECT FormWindow::PixelBounds() const {
 }
 
 void FormWindow::Changed(controls::Property property) {
-  // Unloaded: the modal loop looks again.
+  // Wakes the modal loop after an unload.
   if (property == controls::Property::kVisible) {
     PostMessageW(Handle(), WM_NULL, 0, 0);
     return;
@@ -173,7 +173,7 @@ void FormWindow::OnFlush(unsigned flags) {
   if ((flags & kRefreshFlag) != 0) InvalidateRect(Handle(), nullptr, TRUE);
 }
 
-// A size that is the form's own to the pixel is not reported, or rounding would make the form creep.
+// A size equal to the form's in pixels is not reported, or rounding would make the form grow.
 void FormWindow::ReportSize() {
   if (!m_ready) return;
   controls::WindowState state = controls::WindowState::kNormal;
@@ -216,7 +216,7 @@ void FormWindow::ShowPointer() {
   const HCURSOR cursor = pointer == nullptr ? nullptr : LoadCursorW(nullptr, pointer);
   if (cursor == Context().FormPointer()) return;
   Context().SetFormPointer(cursor);
-  // At once: the pointer may not move before the work that it announces is done.
+  // Sets it at once: the pointer may not move before the work is done.
   POINT place{};
   GetCursorPos(&place);
   const HWND under = WindowFromPoint(place);
@@ -281,8 +281,8 @@ std::optional<LRESULT> FormWindow::OnMessage(UINT message, WPARAM wide, LPARAM e
       }
       return std::nullopt;
     case WM_ACTIVATEAPP:
-      // Without an owner the window may lie behind the host's; posted, because the activation is still going
-      // on.
+      // Without an owner the window may be behind the host's. Posted, because activation is still in
+      // progress.
       if (wide != FALSE) PostMessageW(Handle(), kComeForward, 0, 0);
       return std::nullopt;
     case kComeForward:

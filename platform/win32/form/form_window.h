@@ -1,4 +1,4 @@
-// The window of a form, with the windows of all its controls inside. It is made hidden; `Show` shows it.
+// The window of a form with the windows of its controls. It is created hidden.
 #pragma once
 
 #include "controls/form.h"
@@ -14,8 +14,7 @@ int WindowDpi(HWND window);
 
 class FormWindow final : public WindowPeer<controls::Peer> {
  public:
-  // `host` is the window that it is centred on when the form has no remembered place; nullptr means the
-  // screen.
+  // Without a stored position the form is centred on `host`, or on the screen if that is nullptr.
   FormWindow(WindowContext& context, controls::Form& form, HWND host);
 
   void Show();

@@ -1,4 +1,4 @@
-// Gives every control of a form its native window, and takes the windows away again.
+// Creates and destroys the native windows of a form's controls.
 #pragma once
 
 #include <concepts>
@@ -8,7 +8,7 @@
 
 namespace kxrestore::win32 {
 
-// Makes the windows of all controls inside `container`, whose own window is `parent`.
+// Creates the windows of all controls in `container`, whose window is `parent`.
 void MakeChildWindows(WindowContext& context, controls::Container& container, HWND parent);
 
 // Innermost first.

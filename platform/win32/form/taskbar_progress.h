@@ -1,4 +1,4 @@
-// The progress on a window's button in the task bar. Where the system has none, nothing happens.
+// The progress on a window's button in the task bar. Does nothing on systems without it.
 #pragma once
 
 #include "controls/form.h"

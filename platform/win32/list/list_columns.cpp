@@ -31,8 +31,8 @@ const ListColumns::Column ListColumns::kFiles[] = {
     {Phrase::kColumnExtension, ListColumn::kExtension, 1050, false}};
 const ListColumns::Column ListColumns::kTypes[] = {
     {Phrase::kColumnType, ListColumn::kName, 1350, false},
-    {Phrase::kColumnDescription, ListColumn::kExtension, 0, false},
-    {Phrase::kColumnFiles, ListColumn::kSize, 850, true}};
+    {Phrase::kColumnFiles, ListColumn::kSize, 850, true},
+    {Phrase::kColumnDescription, ListColumn::kExtension, 0, false}};
 
 ListColumns::ListColumns(WindowContext& context, controls::AutoSelect& list)
     : m_context(context), m_list(list) {

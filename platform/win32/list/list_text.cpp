@@ -19,7 +19,7 @@ int WidthOf(HDC dc, const std::wstring& text) {
   return size.cx;
 }
 
-// Between the halves of a surrogate pair nothing is cut.
+// Whether a place is inside a surrogate pair.
 bool InsidePair(const std::wstring& text, std::size_t place) {
   return place < text.size() && text[place] >= 0xDC00 && text[place] <= 0xDFFF;
 }

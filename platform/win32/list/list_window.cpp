@@ -335,7 +335,7 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     if (FocusedRow() < 0) m_selection.SelectOnly(0);
   }
 
-  // --- what the native control asks
+  // --- callbacks of the native control
 
   void Answer(LVITEMW& item) const {
     const std::size_t number = EntryOf(item.iItem);
@@ -363,11 +363,11 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
   void HeadingTells(const NMHDR& header) {
     if (header.code == HDN_ITEMCHANGEDW) m_columns.Changed(reinterpret_cast<const NMHEADERW&>(header));
     if (header.code == HDN_ENDDRAG) m_dragged = true;
-    // The new order holds once the mouse has been let go.
+    // The new order is set when the mouse button is released.
     if (header.code == NM_RELEASEDCAPTURE && std::exchange(m_dragged, false)) m_columns.ReportOrder(Handle());
   }
 
-  // Type-ahead: the next row whose name begins with what was typed.
+  // Type-ahead: finds the next row whose name begins with the typed text.
   LRESULT Find(const NMLVFINDITEMW& wanted) const {
     if ((wanted.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) == 0 || wanted.lvfi.psz == nullptr) {
       return -1;
@@ -375,7 +375,7 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     const std::string typed = FoldCase(Narrow(wanted.lvfi.psz));
     const std::size_t count = m_list.Rows().Count();
     const std::size_t start = wanted.iStart < 0 ? 0 : static_cast<std::size_t>(wanted.iStart);
-    std::string folded;  // a folded text may be longer or shorter than the text
+    std::string folded;  // folding may change the length
     for (std::size_t step = 0; step < count; ++step) {
       const std::size_t row = (start + step) % count;
       folded.clear();

@@ -24,10 +24,10 @@ using ImageListHandle = std::unique_ptr<std::remove_pointer_t<HIMAGELIST>, Image
 // drawing (ignoring case) gets an empty image.
 ImageListHandle MakeImageList(HINSTANCE module, const controls::ImageList& images, int pixels);
 
-// That number of empty images.
+// A list of `count` empty images.
 ImageListHandle MakeBlankList(int count, int pixels);
 
-// The icon of a form that has none of its own.
+// The default icon of a form.
 IconHandle LoadFormIcon(HINSTANCE module, int pixels);
 
 }  // namespace kxrestore::win32

@@ -1,4 +1,4 @@
-// The language of the dialog's own words: a file of phrases beside the module, chosen by the user's language.
+// The language of the dialog's texts: a file of phrases next to the module, chosen by the user's language.
 #pragma once
 
 #include <string>
@@ -14,9 +14,9 @@ struct UserLanguage {
 };
 UserLanguage LanguageOfUser();
 
-// Uses the phrases (base/phrases.h) of the first of these files that is there and holds any; English without
-// one: NAME.txt, which a host lays down to decide by itself, NAME.de-AT.txt, NAME.de.txt. NAME is the
-// module's path without its extension.
+// Uses the phrases (base/phrases.h) of the first of these files that contains any, else English: NAME.txt,
+// with which a host overrides the user's language, NAME.de-AT.txt, NAME.de.txt. NAME is the module's path
+// without its extension.
 void UsePhrasesBeside(HMODULE module, const UserLanguage& user = LanguageOfUser());
 
 }  // namespace kxrestore::win32

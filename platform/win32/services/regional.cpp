@@ -27,8 +27,8 @@ std::wstring LocaleText(LCTYPE what) {
   return length > 0 ? std::wstring(buffer.data(), length - 1) : std::wstring();
 }
 
-// The setting "3;2;0" (groups of three, then of two for ever) as the number that the format call wants, 32;
-// without the closing 0 the last group is not repeated, which that call writes as a trailing 0.
+// Converts the setting "3;2;0" (groups of three, then of two, repeated) to the number of the format call, 32.
+// Without the closing 0 the last group is not repeated; the call's number for that ends in 0.
 unsigned Grouping(const std::wstring& setting) {
   unsigned grouping = 0;
   bool repeats = false;
@@ -53,7 +53,7 @@ std::string Win32Regional::ShortDate(const platform::CivilTime& time) const {
 
 std::string Win32Regional::LongTime(const platform::CivilTime& time) const {
   SYSTEMTIME system = ToSystemTime(time);
-  system.wYear = 2000;  // of the date only its validity would count
+  system.wYear = 2000;  // any valid date
   system.wMonth = system.wDay = 1;
   std::array<wchar_t, 80> buffer{};
   const int length = GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &system, nullptr, buffer.data(),

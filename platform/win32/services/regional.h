@@ -1,5 +1,4 @@
-// Dates, times, numbers and the order of texts by the user's settings. What the system refuses takes the
-// fixed form.
+// Dates, times, numbers and sorting by the user's settings; the fixed formats where the system fails.
 #pragma once
 
 #include "platform/regional.h"

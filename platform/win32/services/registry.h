@@ -1,4 +1,4 @@
-// The machine's registry, through the calls for text in the ANSI code page.
+// The registry of the machine, through the ANSI functions.
 #pragma once
 
 #include "platform/registry.h"

@@ -1,5 +1,5 @@
-// The calls of a native tree control, past whatever else handles the window's messages. What these calls cost
-// differs widely between systems; the notes say what to do without.
+// Calls of a native tree control, bypassing other handlers of the window's messages. Their cost differs
+// widely between systems; the notes say which ones to avoid.
 #pragma once
 
 #include <cstdint>
@@ -14,21 +14,21 @@ class NativeTree {
   void Attach(HWND window);
   HWND Handle() const { return m_window; }
 
-  void Detach() { m_window = nullptr; }  // the window goes; calls do nothing from here on
+  void Detach() { m_window = nullptr; }  // before the window is destroyed; later calls do nothing
 
   LRESULT Send(UINT message, WPARAM wide = 0, LPARAM extra = 0) const {
     if (m_window == nullptr) return 0;
     return CallWindowProcW(m_procedure, m_window, message, wide, extra);
   }
 
-  // Makes an item that shows a node. Images and the presence of children are asked for when they are needed;
-  // the text is kept in the item, because a text that is asked for is asked for, and measured, for every item
-  // whenever the window is laid out again. `after` may be TVI_FIRST or TVI_LAST; finding any other item, and
-  // finding the parent, may take a search from the oldest item on.
+  // Creates an item for a node. Images and the presence of children come from callbacks. The text is stored
+  // in the item: with a callback the control would ask for it and measure it for every item at each layout.
+  // `after` may be TVI_FIRST or TVI_LAST; for any other item, and for the parent, the control may search from
+  // the oldest item on.
   HTREEITEM Insert(HTREEITEM parent, HTREEITEM after, std::uint32_t node, std::string_view text, UINT state);
   void Delete(HTREEITEM item) const { Send(TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(item)); }
 
-  std::uint32_t Parameter(HTREEITEM item) const;  // the node that an item was made for; 0 when there is none
+  std::uint32_t Parameter(HTREEITEM item) const;  // the node of an item; 0 without one
   UINT State(HTREEITEM item, UINT mask) const {
     return static_cast<UINT>(Send(TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), mask)) & mask;
   }
@@ -52,7 +52,7 @@ class NativeTree {
   // Tells screen readers that the state of an item has changed.
   void Announce(HTREEITEM item) const;
 
-  // Layout and painting wait while one of these lives; what the window shows stays.
+  // Suspends layout and painting during its lifetime.
   class Pause {
    public:
     explicit Pause(NativeTree& tree);

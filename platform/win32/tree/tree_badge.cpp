@@ -10,7 +10,7 @@ constexpr int kIconGap = 3;  // pixels between icon and text
 
 }  // namespace
 
-// A disc with a check mark, in the colours of what is selected, which any scheme tells apart from the rest.
+// A disc with a check mark in the colours of the selection, which every scheme makes distinct.
 void DrawBadge(HDC dc, const RECT& text, int pixels) {
   const int side = std::max(pixels * 5 / 8, 8);
   const int right = text.left - kIconGap + side / 5;

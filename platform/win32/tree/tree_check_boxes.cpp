@@ -7,7 +7,7 @@ void CheckBoxes::MakeImages(int pixels) {
   const HWND window = m_native.Handle();
   const LONG_PTR style = GetWindowLongPtrW(window, GWL_STYLE);
   if ((style & TVS_CHECKBOXES) == 0) {
-    // The style tells others that there are boxes; the images that come with it are not used.
+    // The style tells other programs that there are boxes; its images are not used.
     SetWindowLongPtrW(window, GWL_STYLE, style | TVS_CHECKBOXES);
   }
   ImageListHandle images = MakeBlankList(kBlank + 1, pixels);
@@ -20,7 +20,7 @@ void CheckBoxes::MakeImages(int pixels) {
   m_beforeText = 0;
 }
 
-// Where the control puts state images is its own affair; it only says what lies under a point.
+// The control does not tell where it draws state images, only what is under a point.
 bool CheckBoxes::FindPlace(const RECT& row, const RECT& text) {
   const LONG y = (row.top + row.bottom) / 2;
   LONG x = text.left - 1;
@@ -45,8 +45,8 @@ void CheckBoxes::Draw(const NMCUSTOMDRAW& draw, int image) {
   box.top = row.top + (row.bottom - row.top - side) / 2;
   box.right = box.left + side;
   box.bottom = box.top + side;
-  // Not opened for the window: the tree control would take it for its own theme, and draw radio buttons where
-  // nodes expand.
+  // Not opened for the window: the tree control would use it as its own theme and draw radio buttons in place
+  // of expand buttons.
   if (!m_theme) m_theme.emplace(OpenThemeData(nullptr, L"BUTTON"));
   if (*m_theme) {
     constexpr int kStates[] = {CBS_UNCHECKEDNORMAL, CBS_CHECKEDNORMAL, CBS_MIXEDNORMAL};

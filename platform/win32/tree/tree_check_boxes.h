@@ -1,5 +1,5 @@
-// The check boxes of a tree. Every item has the same blank state image, which keeps the place; the box is
-// drawn over it when the item has been painted, by the system's theme where there is one.
+// The check boxes of a tree. Every item has the same blank state image to reserve the space. The box is drawn
+// over it after the item was painted, by the system's theme if there is one.
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@ namespace kxrestore::win32 {
 
 class CheckBoxes {
  public:
-  // State images as the rest of the world knows them.
+  // State images as other programs see them.
   static constexpr int kClear = 1;
   static constexpr int kTicked = 2;
   static constexpr int kMixed = 3;
@@ -26,7 +26,7 @@ class CheckBoxes {
 
   CheckBoxes(NativeTree& native, bool shown) : m_native(native), m_shown(shown) {}
 
-  // What the items are made with.
+  // The state image of every item.
   UINT ItemState() const { return m_shown ? INDEXTOSTATEIMAGEMASK(kBlank) : 0; }
 
   void MakeImages(int pixels);
@@ -41,9 +41,9 @@ class CheckBoxes {
   NativeTree& m_native;
   bool m_shown;
   int m_pixels = 0;
-  int m_beforeText = 0;  // from the left edge of the box to that of the text; 0: not known
+  int m_beforeText = 0;  // from the left edge of the box to the text; 0: unknown
   ImageListHandle m_images;
-  std::optional<ThemeHandle> m_theme;  // looked for once, since that takes long where there is none
+  std::optional<ThemeHandle> m_theme;  // opened once: that is slow on systems without themes
 };
 
 }  // namespace kxrestore::win32

@@ -9,7 +9,7 @@ using controls::NodeProperty;
 
 namespace {
 
-constexpr std::size_t kMaxChanges = 16;  // beyond, making everything anew is quicker
+constexpr std::size_t kMaxChanges = 16;  // with more, recreating all items is faster
 constexpr std::size_t kRemovedAtOnce = 10'000;
 
 class Counted {
@@ -46,7 +46,7 @@ std::uint32_t TreeItems::NodeOf(HTREEITEM item) const {
   return node != 0 && ItemOf(node) == item ? node : 0;
 }
 
-// --- what the model tells
+// --- notifications of the model
 
 void TreeItems::NodeAdded(std::uint32_t node) {
   const auto parent = At(node).Parent().Index();
@@ -92,12 +92,12 @@ void TreeItems::Cleared() {
   Forget(0);
 }
 
-// From here on no node has an item; the items that there are wait for their removal.
+// Detaches all items from their nodes; the items wait for removal.
 void TreeItems::Forget(std::uint32_t anchor) {
   if (m_count > 0) m_removing.emplace(m_native);
   if (m_count > kRemovedAtOnce) {
-    // Removing is quickest from the oldest item on; but what is removed takes all that is below it along, so
-    // folders that hold opened ones come last, the innermost of them first.
+    // Removing is fastest from the oldest item on. An item is removed with its descendants, so folders that
+    // contain opened ones come last, the innermost first.
     for (const std::uint32_t node : m_opened) {
       if (Has(node, kHoldsOpened) && ItemOf(node) != nullptr) m_doomed.push_back(m_items[node]);
     }
@@ -132,7 +132,7 @@ void TreeItems::ItemDeleted(std::uint32_t node, HTREEITEM item) {
   m_rests.erase(node);
 }
 
-// --- what the window tells
+// --- notifications of the window
 
 void TreeItems::QueueNear(std::uint32_t node) {
   if (Has(node, kInQueue)) return;
@@ -143,7 +143,7 @@ void TreeItems::QueueNear(std::uint32_t node) {
 void TreeItems::Painted(std::uint32_t node) {
   if (ItemOf(node) == nullptr) return;
   if (WantsOpening(node)) QueueNear(node);
-  // What is missing among the children of any node above may belong next to this item.
+  // Missing children of any ancestor may belong next to this item.
   for (;;) {
     if (Has(node, kFilesMissing)) QueueNear(node);
     if (node == 0) return;
@@ -204,7 +204,7 @@ void TreeItems::Work(Clock::time_point until, bool mayMake) {
   } const working{m_working = true};
 
   if (m_rebuild && mayMake) {
-    // As long as nodes are still being expanded or collapsed one after the other, it would be for nothing.
+    // Wasted while nodes are still being expanded or collapsed one after the other.
     if (std::exchange(m_stirred, false) && until != Clock::time_point::max()) return;
     m_rebuild = false;
     m_rebuilding = true;

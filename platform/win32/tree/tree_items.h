@@ -1,12 +1,12 @@
-// Which nodes of a tree have an item in the native control, and making and removing those items.
+// Creates and removes the items of the native control for the nodes of a tree.
 //
-// An item is made when it can be seen: the top nodes, and the children of nodes that are expanded. When much
-// is expanded at once, items are made ahead up to kMaxAhead, in slices; what lies beyond follows when the
-// user comes near it (`Painted`). Of a very long folder a piece is shown at first, and the next when its end
-// comes into view. Removing many items takes long on some systems, so that is done in slices, too.
+// Items exist for visible nodes: the top nodes and the children of expanded nodes. When many nodes are
+// expanded at once, items are created ahead in slices up to kMaxAhead, and the rest when the user scrolls
+// near them (`Painted`). A very long folder shows its first piece at first, and the next when the end comes
+// into view. Removing many items is slow on some systems, so it is done in slices, too.
 //
-// Changes only leave notes; `Work` acts on them. Nodes are named by their index, 0 stands above the top
-// nodes.
+// Changes are recorded and `Work` processes them. Nodes are identified by their index; 0 is the parent of the
+// top nodes.
 #pragma once
 
 #include <chrono>
@@ -32,27 +32,27 @@ class TreeItems {
   // `state` is the state image that every item gets.
   TreeItems(controls::TreeView& tree, NativeTree& native, UINT state);
 
-  // The model changed. Each costs a few nanoseconds for a node without an item; NodeRemoved and Cleared are
-  // told before the next call of any other member.
+  // Notifications of the model, which take a few nanoseconds for a node without an item. NodeRemoved and
+  // Cleared must be called before any other member.
   void NodeAdded(std::uint32_t node);
   void NodeRemoved(std::uint32_t node);
   void NodeChanged(std::uint32_t node, controls::NodeProperty property);  // text, bold or expansion
   void Cleared();
 
-  // Works on what has changed until the time is over; a started piece is finished. `mayMake` is false while
-  // the control is frozen: then old items are removed, but none made.
+  // Processes changes until the time is over; a piece once started is finished. `mayMake` is false while the
+  // control is frozen: then items are removed, but none created.
   void Work(Clock::time_point until, bool mayMake);
   bool HasWork(bool mayMake) const;
-  // While the control is inside its own handling of a mouse message it holds on to items, so none may go.
+  // No item is removed while the control handles a mouse message: it keeps references to items.
   void Hold(bool held) { m_held += held ? 1 : -1; }
 
-  // Whether the items that there are belong to a tree that was cleared, and wait for their removal.
+  // Whether the remaining items belong to a cleared tree and wait for removal.
   bool Emptying() const { return m_removing && !m_rebuild && !m_rebuilding; }
 
-  // Whether changes of the control are this class's doing.
+  // Whether this class is changing the control.
   bool Quiet() const { return m_quiet > 0; }
-  // Whether everything was made anew since this was last asked; the node that was at the top of the window
-  // before, 0 when there is none.
+  // Whether all items were recreated since the last call; if so, the node that was at the top of the window,
+  // 0 without one.
   std::optional<std::uint32_t> TakeRebuilt() { return std::exchange(m_rebuilt, std::nullopt); }
 
   HTREEITEM ItemOf(std::uint32_t node) const { return node < m_items.size() ? m_items[node] : nullptr; }
@@ -63,9 +63,9 @@ class TreeItems {
   void Open(std::uint32_t node);
   // An item came into view.
   void Painted(std::uint32_t node);
-  // Makes the items on the way to a node and its own; nullptr when that would take too many.
+  // Creates the items of a node and its ancestors; nullptr when that would take too many.
   HTREEITEM Reach(std::uint32_t node);
-  // The item of the nearest node above it, or itself, that no collapsed node hides.
+  // The item of the node or of its nearest ancestor that no collapsed node hides.
   HTREEITEM NearestShown(std::uint32_t node) const;
 
   void ItemDeleted(std::uint32_t node, HTREEITEM item);
@@ -123,7 +123,7 @@ class TreeItems {
 
   std::vector<HTREEITEM> m_items;       // by node
   std::vector<std::uint8_t> m_flags;    // by node
-  std::vector<std::uint32_t> m_opened;  // in the order of opening, so behind their parents
+  std::vector<std::uint32_t> m_opened;  // in the order of opening, so after their parents
   std::unordered_map<std::uint32_t, Rest> m_rests;
   std::size_t m_count = 0;
 
@@ -134,14 +134,14 @@ class TreeItems {
   std::vector<std::uint32_t> m_ahead;
   std::size_t m_aheadFolders = 0, m_aheadFiles = 0;
 
-  std::vector<HTREEITEM> m_doomed;  // items to remove, with what is below them, from the back
+  std::vector<HTREEITEM> m_doomed;  // items to remove with their descendants, from the back
   std::optional<NativeTree::Pause> m_removing;
   bool m_rebuild = false;
   std::uint32_t m_anchor = 0;
   std::optional<std::uint32_t> m_rebuilt;
   std::vector<std::uint32_t> m_run;
 
-  bool m_stirred = false;  // the expansion of many nodes is being changed right now
+  bool m_stirred = false;  // many nodes are being expanded or collapsed
   bool m_rebuilding = false;
 
   int m_quiet = 0;

@@ -1,4 +1,4 @@
-// Making items: the pieces in which folders are opened, and their order.
+// Creating items: the pieces in which folders are opened, and their order.
 #include "platform/win32/tree/tree_items.h"
 
 namespace kxrestore::win32 {
@@ -28,8 +28,8 @@ bool TreeItems::WantsOpening(std::uint32_t node) const {
   return shown.Expanded() && shown.HasChildren();
 }
 
-// The folders among the first piece of a node's children. Their files follow by MakeFiles, so that folders,
-// which the system searches for whenever something is put into them, are the oldest items.
+// Creates the folders among the first piece of a node's children; MakeFiles adds the files. So folders, which
+// the system looks up whenever an item is added to them, are the oldest items.
 void TreeItems::OpenFolders(std::uint32_t node) {
   MarkOpened(node);
   std::uint32_t seen = 0, last = 0;
@@ -46,8 +46,8 @@ void TreeItems::OpenFolders(std::uint32_t node) {
   if (child) m_rests[node] = {child.Index(), last};
 }
 
-// Each run of files goes behind the folder before it, the last one first: so nothing but folders is looked
-// up.
+// Inserts each sequence of files after its preceding folder, the last one first, so that only folders are
+// looked up.
 void TreeItems::MakeFiles(std::uint32_t node) {
   Unmark(node, kFilesMissing);
   const auto rest = m_rests.find(node);

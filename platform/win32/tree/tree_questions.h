@@ -1,6 +1,5 @@
-// What other programs, and tools inside this one, ask and tell a tree by the messages of the native control:
-// screen readers above all. They learn the states of the model, and what they change is reported as the
-// user's doing.
+// Handles messages of the native control that come from other programs or from other code, above all from
+// screen readers. They read the states of the model; changes are reported as user input.
 #pragma once
 
 #include <functional>
@@ -18,7 +17,7 @@ class TreeQuestions {
   std::function<void(std::uint32_t node)> Toggled;
   std::function<void(std::uint32_t node, bool expanded)> Expanded;
 
-  // Nothing for messages that the control itself answers. All items must be in place.
+  // Nothing for messages that the control itself answers. All items must exist.
   std::optional<LRESULT> Answer(UINT message, WPARAM wide, LPARAM extra);
 
  private:

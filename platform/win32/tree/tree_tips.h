@@ -1,5 +1,4 @@
-// The tips of a tree's nodes: shown beside the pointer when it rests on a node, hidden when it moves on or
-// anything else happens.
+// The tool tips of a tree's nodes: shown when the pointer rests on a node, hidden on any other event.
 #pragma once
 
 #include <string>
@@ -17,7 +16,7 @@ class TreeTips {
   TreeTips(const TreeTips&) = delete;
   TreeTips& operator=(const TreeTips&) = delete;
 
-  // A message that the tree's window is about to handle.
+  // Called with each message before the tree's window handles it.
   void See(UINT message, LPARAM extra);
   bool Shown() const { return m_shown; }
 

@@ -156,11 +156,11 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
       case WM_KEYDOWN:
         return OnKey(wide);
       case WM_CHAR:
-        // The keys that OnKey takes are no letters to look for.
+        // Keys handled by OnKey must not start a type-ahead search.
         if ((wide == L' ' && m_tree.CheckBoxes()) || wide == L'*') return 0;
         return std::nullopt;
       case WM_SETFOCUS: {
-        // A tree that gets the focus may select its first item; that is no choice of the user's.
+        // A tree that gets the focus may select its first item, which is not a choice of the user.
         const bool was = std::exchange(m_selecting, true);
         const LRESULT result = m_native.Send(message, wide, extra);
         m_selecting = was;
@@ -172,7 +172,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
       case WM_PAINT:
         if (!m_native.Paused()) return Paint(wide, extra);
         if (m_items.Emptying()) {
-          PaintBlank(Handle());  // nobody shall look for a second at what is no longer there
+          PaintBlank(Handle());  // don't leave stale items on screen while they are deleted
         } else {
           ValidateRect(Handle(), nullptr);
         }
@@ -313,7 +313,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   LRESULT OnExpanding(const NMTREEVIEWW& change) {
     if (m_items.Quiet()) return FALSE;
     const std::uint32_t node = m_items.NodeOf(change.itemNew.hItem);
-    if (node == 0) return TRUE;  // an item that only waits for its removal
+    if (node == 0) return TRUE;  // an item waiting for removal
     if (change.action == TVE_EXPAND) m_items.Open(node);
     return FALSE;
   }
@@ -349,7 +349,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     }
   }
 
-  // Lets the control handle a mouse message. It may wait for the button there, and other messages run.
+  // Passes a mouse message to the control, which may wait for the button and process other messages.
   LRESULT HandledByControl(UINT message, WPARAM wide, LPARAM extra) {
     const auto alive = m_alive;
     m_items.Hold(true);
@@ -381,7 +381,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     const LPARAM generation = m_generation;
     const auto alive = m_alive;
     const LRESULT result = HandledByControl(message, wide, extra);
-    // The control says nothing about a click on what is selected already.
+    // The control does not notify a click on the selected item.
     if (*alive && again && generation == m_generation) Report(kClicked, m_items.NodeOf(hit.hItem));
     return result;
   }
@@ -406,8 +406,8 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     return std::nullopt;
   }
 
-  // Messages of the control's own interface come from outside: this class sends its own past here. They find
-  // everything in place, and true states.
+  // Messages of the control's interface come from other code; this class bypasses this function. Before they
+  // are handled all items are created and all states are current.
   std::optional<LRESULT> OnQuestion(UINT message, WPARAM wide, LPARAM extra) {
     m_items.Work(TreeItems::Clock::time_point::max(), !Frozen());
     ShowSelection();
@@ -435,7 +435,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     const HTREEITEM item = selected ? m_items.Reach(selected.Index()) : nullptr;
     Select(item);
     if (item == nullptr) return;
-    // The control has opened what hid it.
+    // The control has expanded the ancestors.
     for (Node above = selected.Parent(); above; above = above.Parent()) {
       if (!above.Expanded()) Report(kExpansion, above.Index(), true);
     }
