@@ -3,6 +3,7 @@
 //   tick everything: the top node of the full tree is ticked
 //   apply: everything is ticked, Apply is pressed; bare: the files are found and marked in one transaction
 //   list marked files: Refresh is pressed, all are marked; bare: the marked rows are read
+//   filter a list, all versions of a file (from the menu), tip of a file: seconds
 // Also the bytes per node and the disk syncs per file.
 #include <memory>
 #include <string>
@@ -12,6 +13,7 @@
 #include "bench/counters.h"
 #include "bench/harness.h"
 #include "bench/loaded_dialog.h"
+#include "platform/headless/headless_menu.h"
 
 namespace kxrestore::bench {
 namespace {
@@ -21,6 +23,9 @@ constexpr double kMaxBytesANode = 100;
 constexpr double kMaxTickSeconds = 0.1;
 constexpr double kMaxApplyRatio = 1.8;
 constexpr double kMaxSyncsAFile = 0.01;
+constexpr double kMaxFilterSeconds = 0.2;
+constexpr double kMaxVersionsSeconds = 0.5;
+constexpr double kMaxTipSeconds = 0.05;
 
 class Fill : public Comparison {
  public:
@@ -151,6 +156,63 @@ class ListMarked : public Comparison {
   Dialog m_dialog;
 };
 
+// All files are listed.
+class Listed : public Timed {
+ public:
+  explicit Listed(std::int64_t rows) : m_path(BenchCatalog(rows)), m_dialog(m_path) {
+    BareDatabase(m_path).Execute("UPDATE Catalog SET Restore = 1");
+    m_dialog.Press(m_dialog.Ui().cmdRestore[2]);
+    Expect(List().Count() == static_cast<std::size_t>(rows), "the list is not whole");
+  }
+  ~Listed() override { ClearMarks(m_path); }
+
+ protected:
+  dialog::FormControls& Ui() { return m_dialog.Ui(); }
+  controls::AutoSelect& List() { return Ui().asRestoreList; }
+
+ private:
+  std::string m_path;
+  Dialog m_dialog;
+};
+
+class Filter : public Listed {
+ public:
+  using Listed::Listed;
+  void Prepare() override { List().UserFilter({}); }
+  void Ours() override {
+    controls::ListFilter filter;
+    filter.words = "report 99";
+    List().UserFilter(filter);
+    const std::size_t shown = List().Shown().entries;
+    Expect(shown > 0 && shown < List().Count() / 2, "the filter does not filter");
+  }
+};
+
+class AllVersions : public Listed {
+ public:
+  using Listed::Listed;
+  void Ours() override {
+    platform::HeadlessMenu menu(List(), List().Count() / 2);
+    Expect(menu.Choose("All versions of this file"), "the menu lacks the item");
+    Expect(Ui().asSearch.Count() != 0, "there are no versions");
+  }
+};
+
+// Of another file each time.
+class Tip : public Timed {
+ public:
+  explicit Tip(std::int64_t rows) : m_dialog(BenchCatalog(rows)) { m_dialog.ChooseRun(); }
+  void Ours() override {
+    controls::TreeView& tree = m_dialog.Ui().tvwDetails;
+    const std::string tip = tree.UserTip(tree.Item(static_cast<std::uint32_t>(tree.Count() - m_next++)));
+    Expect(tip.find('\n') != std::string::npos, "the tip lacks the size");
+  }
+
+ private:
+  Dialog m_dialog;
+  std::size_t m_next = 0;
+};
+
 }  // namespace
 }  // namespace kxrestore::bench
 
@@ -166,6 +228,11 @@ int main(int count, char** words) {
          make(std::type_identity<Tick>{}));
     Compare({.name = "list marked files", .rows = rows, .limit = {}}, make(std::type_identity<ListMarked>{}));
   }
+  Time({.name = "filter a list", .rows = 1000000, .limit = kMaxFilterSeconds},
+       make(std::type_identity<Filter>{}));
+  Time({.name = "all versions of a file", .rows = 1000000, .limit = kMaxVersionsSeconds},
+       make(std::type_identity<AllVersions>{}));
+  Time({.name = "tip of a file", .rows = 1000000, .limit = kMaxTipSeconds}, make(std::type_identity<Tip>{}));
   Compare({.name = "apply", .rows = 100000, .limit = kMaxApplyRatio}, make(std::type_identity<Apply>{}));
   return RunBenchmarks(count, words);
 }
