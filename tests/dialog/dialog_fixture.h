@@ -39,13 +39,14 @@ inline std::string Text(const Strings& lines) {
   return text;
 }
 
-// As a paragraph, with " | " between what belongs to one line.
-inline std::string Filled(const Strings& pieces) {
+// As a paragraph, with " | " between what belongs to one line; from the second line on it is indented.
+inline std::string Filled(const Strings& pieces, const std::string& indent = {}) {
   std::string page, line;
   for (const std::string& piece : pieces) {
     if (piece.empty()) continue;
-    if (!line.empty() && line.size() + piece.size() > 97) page.append(std::exchange(line, {})).append("\n");
-    line.append(line.empty() ? "" : " | ").append(piece);
+    if (!line.empty() && line.size() + piece.size() > 102)
+      page.append(std::exchange(line, indent)).append("\n");
+    line.append(line.empty() || line == indent ? "" : " | ").append(piece);
   }
   return page + line + "\n";
 }
@@ -83,6 +84,25 @@ inline controls::Node NodeFrom(controls::Node node, std::string_view text) {
     if (const controls::Node below = NodeFrom(node.Child(), text)) return below;
   }
   return {};
+}
+
+// The nodes from `first` on, indented by their level, each with its tag.
+inline Strings Outline(controls::Node first, const std::string& indent = {}) {
+  Strings lines;
+  for (; first; first = first.Next()) {
+    const std::string tag(first.Tag());
+    lines.push_back(indent + std::string(first.Text()) + (tag.empty() ? tag : " {" + tag + "}"));
+    const Strings below = Outline(first.Child(), indent + " ");
+    lines.insert(lines.end(), below.begin(), below.end());
+  }
+  return lines;
+}
+
+inline Strings Names(const AutoSelect& list) {  // sorted
+  Strings names;
+  for (std::size_t i = 1; i <= list.Count(); ++i) names.emplace_back(list.At(i).name);
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 // Another program's connection to a catalog file, which can keep it to itself.
@@ -149,23 +169,6 @@ class DialogTest : public testing::Test {
     return node;
   }
   controls::Node Detail(std::string_view text) { return NodeOf(ui().tvwDetails, text); }
-  // The nodes from `first` on, indented by their level, each with its tag.
-  static Strings Outline(controls::Node first, const std::string& indent = {}) {
-    Strings lines;
-    for (; first; first = first.Next()) {
-      const std::string tag(first.Tag());
-      lines.push_back(indent + std::string(first.Text()) + (tag.empty() ? tag : " {" + tag + "}"));
-      const Strings below = Outline(first.Child(), indent + " ");
-      lines.insert(lines.end(), below.begin(), below.end());
-    }
-    return lines;
-  }
-  static Strings Names(const AutoSelect& list) {  // sorted
-    Strings names;
-    for (std::size_t i = 1; i <= list.Count(); ++i) names.emplace_back(list.At(i).name);
-    std::sort(names.begin(), names.end());
-    return names;
-  }
   Strings Listed() { return Names(ui().asRestoreList); }
   std::string Selected() { return ui().lblCounts[0].Caption(); }
 

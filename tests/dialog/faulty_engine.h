@@ -1,6 +1,6 @@
-// The engine with one fault at a chosen place: an opening, a row, a mark or a commit that fails, once or from
-// then on. Everything else is the real back end's work. Commits come after every second mark, so that a short
-// walk has several groups.
+// An engine in which one chosen call fails, once or from then on: reaching the catalog, opening a recordset,
+// reading a row, marking or committing. The real back end does everything else. It commits after every second
+// mark, so that a short walk has several groups of marks.
 #pragma once
 
 #include <sqlite3.h>
@@ -20,11 +20,11 @@ enum class Fault { kNone, kReach, kOpen, kRow, kMark, kCommit };
 
 struct Injection {
   Fault fault = Fault::kNone;
-  std::size_t at = 0;  // from 1
+  std::size_t at = 0;  // which call of its kind, from 1
   bool forever = false;
-  std::size_t seen = 0;  // places of this kind that were passed
+  std::size_t seen = 0;  // calls of this kind so far
 
-  // Whether this place fails.
+  // Counts a call of this kind. Whether it is to fail.
   bool Hits(Fault here) {
     if (fault != here) return false;
     ++seen;
@@ -35,8 +35,8 @@ struct Injection {
   }
 };
 
-// A workspace with that fault. During its lifetime, connections of the embedded database opened in this
-// process fail their commits as the injection specifies.
+// A workspace with such an engine. During its lifetime the commits of every SQLite connection that this
+// process opens fail as the injection says.
 class FaultyEngine {
  public:
   FaultyEngine(std::unique_ptr<engine::Backend> backend, Injection& injection) : m_injection(injection) {
@@ -56,9 +56,7 @@ class FaultyEngine {
   FaultyEngine& operator=(const FaultyEngine&) = delete;
 
  private:
-  static bool IsMark(const std::string& call) {
-    return call == "row written" || call.starts_with("execute ");
-  }
+  static bool IsMark(const std::string& call) { return call == "write row" || call.starts_with("execute "); }
   void Before(const std::string& call) {
     using namespace engine::error_number;
     if (call == "open catalog") m_injection.Fail(Fault::kReach, kFileNotFound, "Could not find file.");
@@ -81,7 +79,7 @@ class FaultyEngine {
   std::size_t m_marks = 0;
 
  public:
-  std::unique_ptr<engine::Workspace> workspace;  // gone before its hooks
+  std::unique_ptr<engine::Workspace> workspace;  // destroyed before its hooks
 };
 
 }  // namespace kxrestore::dialog_test

@@ -1,10 +1,13 @@
-// The form as a whole: its parameters, what loading does, catalogs that cannot be used, and one thing at a
-// time.
+// The form as a whole: its parameters, what loading does, catalogs that cannot be used, the host's events,
+// keys and what is remembered.
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
+#include "controls/list_rows.h"
+#include "dialog/list_memory.h"
 #include "engine/sqlite/sqlite_backend.h"
+#include "platform/headless/recording_peer.h"
 #include "tests/dialog/dialog_fixture.h"
 #include "tests/dialog/hooked_engine.h"
 #include "tests/engine/test_databases.h"
@@ -182,47 +185,113 @@ TEST_F(FormTest, LostCommitIsReportedKeepsTheHostWaitingAndIsListed) {
   ExpectReports({"B: (6) Overflow", "B: (3026) Disk full.", "A: (3026) Disk full.", "A: (3026) Disk full."});
 }
 
-TEST_F(FormTest, AButtonPressedDuringAWalkTakesEffectWhenThatHasEnded) {
-  MakeCatalog({Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.doc"), Row(3, 1, "003", "C:\\c.doc")});
-  int committed = 0;
-  form.CommenceRestore = [&] { ++committed; };
-  ChooseRun();
-  Tick("b.doc");
-  const auto duringApply = [this](const std::function<void()>& press) {
-    DuringWalk(2, press);
-    Apply();
-    desktop.onDoEvents = nullptr;
+TEST_F(FormTest, AStepOfTheLoadThatFailsLeavesOutTheLaterOnesWithoutAWord) {
+  form.parameters.RestorePath = "D:\\Back";
+  platform.drives.drives = {{"E:\\", 5, "DISC"}};
+  PutSetting(platform::kHkeyLocalMachine, "ClientDB", "C:\\Client");
+  platform.registry.fault = [](std::string_view operation) -> long {
+    return operation == "ReadValue" ? throw std::runtime_error("no registry") : 0;
   };
-  duringApply([this] {
-    // One at most, the last one; nothing of it starts before the walk has ended.
-    Click(kClearList);
-    ui().cmdAction[kClearAll].UserClick();
-    ui().cmdAction[kExpandAll].UserClick();
-    EXPECT_FALSE(Detail("C:\\").Expanded());
-    Tick("a.doc");  // ticks are the user's own and count when the walk comes to them
-  });
-  EXPECT_TRUE(Detail("C:\\").Expanded());
-  EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
-  EXPECT_TRUE(Detail("b.doc").Checked());
+  desktop.user = [&](controls::Form&) {
+    EXPECT_EQ(ui().splitH.Top(), 3396) << "what came before it stands";
+    EXPECT_EQ(ui().tvwSets.Count(), 0u);
+    EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To:");
+  };
+  form.ShowModal();
+  EXPECT_EQ(desktop.showCount, 1u);
+  EXPECT_TRUE(desktop.messages.empty());
+}
 
-  duringApply([this] {
-    Click(kClearList);
+TEST_F(FormTest, EachTabShowsItsControlsAgain) {
+  MakeCatalog({});
+  controls::Control* const shown[] = {&ui().lblMask, &ui().cboMask, &ui().chk1, &ui().tvwDetails};
+  for (controls::Control* const control : shown) control->SetVisible(false);
+  for (const int tab : {2, 1}) ShowTab(tab);
+  for (const controls::Control* const control : shown) EXPECT_TRUE(control->Visible()) << control->Name();
+}
+
+TEST_F(FormTest, RestoreNowRaisesOnceWithTheMarksCommittedAndTheCatalogFree) {
+  MakeCatalog({Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.doc")});
+  FormControls& controls = ui();
+  int raised = 0;
+  form.CommenceRestore = [&] {
+    ++raised;
+    EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
+    catalog->Execute("BEGIN EXCLUSIVE; UPDATE Catalog SET Restore = 0 WHERE ID = 1; COMMIT");
+    // A host that lets messages run while it restores.
+    for (auto& button : controls.cmdRestore) button.UserClick();
+    controls.form.UserClose();
     Escape();
-  });
-  EXPECT_EQ(catalog->Marked(), (Ids{1, 2})) << "Esc drops it";
-  duringApply([this] { ShowTab(3); });
-  EXPECT_GT(ui().asFiles.Count(), 0u) << "the chooser is filled, too";
-  ShowTab(1);
-  duringApply([this] { ChooseRun("1 002"); });
-  EXPECT_EQ(ui().tvwDetails.Count(), 0u) << "a run of no files";
-  EXPECT_EQ(ui().lblTreeCount.Caption(), "0 file(s).");
+    controls.tvwSets.UserClickNode(controls.tvwSets.Item(1));
+    EXPECT_TRUE(controls.form.IsOpen());
+  };
   ChooseRun();
   TickAll();
-  FormControls& controls = ui();
-  duringApply([this] { Click(kRestoreNow); });
-  EXPECT_EQ(committed, 1);
-  EXPECT_EQ(catalog->Marked(), (Ids{1, 2, 3}));
+  Apply();
+  Click(kRestoreNow);
+  EXPECT_EQ(raised, 1);
   EXPECT_FALSE(controls.form.IsOpen());
+  EXPECT_EQ(catalog->Marked(), Ids{2});
+}
+
+TEST_F(FormTest, KeysInTheMaskBoxFindAndGoOnIntoTheHits) {
+  MakeCatalog({Row(1, 1, "003", "C:\\a.docx")});
+  platform::PeerLog mask, hits;
+  platform::Record(ui().cboMask, mask);
+  platform::Record(ui().asSearch, hits);
+  ui().tbsOptions.UserSelect(2, false);
+  EXPECT_EQ(mask.focused, 0) << "passing by with the arrows";
+  ui().tbsOptions.UserSelect(2);
+  EXPECT_EQ(mask.focused, 1);
+  EXPECT_FALSE(ui().cboMask.UserDown()) << "there are no hits to go into";
+  ui().cboMask.UserType("docx");
+  ui().cboMask.UserEnter();
+  EXPECT_EQ(ui().asSearch.Count(), 1u);
+  EXPECT_TRUE(ui().cboMask.UserDown());
+  EXPECT_EQ(hits.focused, 1);
+  EXPECT_EQ(ui().asSearch.RunTime(ui().asSearch.At(1)), platform::TimeNumber({2026, 3, 1, 8, 0, 0}));
+  AutoSelect::Entry unknown;
+  unknown.setId = 9;
+  EXPECT_EQ(ui().asSearch.RunTime(unknown), AutoSelect::kNoTime);
+}
+
+TEST_F(FormTest, MasksAndTheLookOfListsAreRemembered) {
+  MakeCatalog({Row(1, 1, "003", "C:\\a.docx")});
+  using controls::ListColumn;
+  const controls::ListLook look{
+      {{ListColumn::kFolder, 3000}, {ListColumn::kName, 700}}, true, true, ListColumn::kSize};
+  desktop.user = [&](controls::Form&) {
+    ShowTab(2);
+    for (int i = 0; i < 25; ++i) Find("m" + std::to_string(i) + "*");
+    ui().asSearch.SetLook(look);
+  };
+  form.ShowModal();
+  desktop.user = [&](controls::Form&) {
+    ShowTab(2);
+    ASSERT_EQ(ui().cboMask.Items().size(), 20u);
+    EXPECT_EQ(ui().cboMask.Items().front() + ui().cboMask.Items().back(), "m5*m24*");
+    EXPECT_EQ(ui().asSearch.Look(), look);
+    EXPECT_EQ(ui().asRestoreList.Look(), controls::ListLook());
+    Find("m7*");
+    EXPECT_EQ(ui().cboMask.Items().size(), 20u);
+  };
+  form.ShowModal();
+  PutSetting(platform::kHkeyCurrentUser, "SearchListColumns",
+             "name 5,name 6,folder x,size -1,date 99999999,bogus 3,,set 40;date*");
+  EXPECT_EQ(ui().asSearch.Look(), (controls::ListLook{{{ListColumn::kName, 5}, {ListColumn::kSet, 40}}}));
+  EXPECT_EQ(dialog::LookText(dialog::LookOf("size 1,name 2;backup+")), "size 1,name 2;backup+");
+  EXPECT_EQ(dialog::LookText(dialog::LookOf("")), "");
+}
+
+TEST_F(FormTest, HelpFollowsTheKeyboardAsItDoesThePointer) {
+  MakeCatalog({Row(1, 1, "003", "C:\\a.docx")});
+  ui().cmdRestore[kRefresh].UserKeyboardEnter();
+  EXPECT_EQ(ui().lblHelp.Tag(), "Refresh");
+  EXPECT_TRUE(ui().lblHelp.Caption().starts_with("REFRESH LIST"));
+  ui().tvwSets.UserKeyboardEnter();
+  EXPECT_EQ(ui().lblHelp.Tag(), "tvwSets");
+  ui().cmdRestore[kRestoreNow].UserKeyboardEnter();  // disabled
+  EXPECT_EQ(ui().lblHelp.Tag(), "tvwSets");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// An engine that hands every call on to another one, with a hook before and after it.
+// An engine that forwards every call to another one and calls a hook before and after it.
 #pragma once
 
 #include <functional>
@@ -11,114 +11,112 @@
 namespace kxrestore::dialog_test {
 
 struct EngineHooks {
-  // `call` is "open catalog", "snapshot SQL", "dynaset SQL", "execute SQL", "next row", "row written", "close
-  // rows", "close catalog", "flush" or "commit". What `before` raises takes the place of the call.
+  // Both are given the name of the call: "open catalog", "snapshot SQL", "dynaset SQL", "execute SQL",
+  // "next row", "write row", "close rows", "close catalog", "flush" or "commit". A call is not made when
+  // `before` throws.
   std::function<void(const std::string& call)> before = [](const std::string&) {};
   std::function<void(const std::string& call)> after = [](const std::string&) {};
-  // Whether the engine commits by the clock and has turns; how often depends on the machine.
+  // Whether to forward what depends on the clock: group commits, and pending messages during a statement.
   bool mindsTime = true;
+};
 
+// An object of the engine behind the same interface, with hooks around its calls.
+template <class Interface>
+class Hooked : public Interface {
+ public:
+  Hooked(const EngineHooks& hooks, std::unique_ptr<Interface> real)
+      : m_hooks(hooks), m_real(std::move(real)) {}
+
+ protected:
   template <class Call>
-  auto Around(const std::string& call, Call make) const {
-    before(call);
-    if constexpr (std::is_void_v<decltype(make())>) {
-      make();
-      after(call);
+  auto Around(const std::string& name, Call call) const {
+    m_hooks.before(name);
+    if constexpr (std::is_void_v<decltype(call())>) {
+      call();
+      m_hooks.after(name);
     } else {
-      auto result = make();
-      after(call);
+      auto result = call();
+      m_hooks.after(name);
       return result;
     }
   }
+
+  const EngineHooks& m_hooks;
+  std::unique_ptr<Interface> m_real;
 };
 
-class HookedRecordset : public engine::Recordset {
+class HookedRecordset : public Hooked<engine::Recordset> {
  public:
-  HookedRecordset(const EngineHooks& hooks, std::unique_ptr<engine::Recordset> rows)
-      : m_hooks(hooks), m_rows(std::move(rows)) {}
-  bool Eof() const override { return m_rows->Eof(); }
+  using Hooked::Hooked;
+  bool Eof() const override { return m_real->Eof(); }
   void MoveNext() override {
-    m_hooks.Around("next row", [&] { m_rows->MoveNext(); });
+    Around("next row", [&] { m_real->MoveNext(); });
   }
-  std::size_t FieldCount() const override { return m_rows->FieldCount(); }
-  std::string_view FieldName(std::size_t index) const override { return m_rows->FieldName(index); }
-  engine::ValueView FieldValue(std::size_t index) const override { return m_rows->FieldValue(index); }
-  void Edit() override { m_rows->Edit(); }
+  std::size_t FieldCount() const override { return m_real->FieldCount(); }
+  std::string_view FieldName(std::size_t index) const override { return m_real->FieldName(index); }
+  engine::ValueView FieldValue(std::size_t index) const override { return m_real->FieldValue(index); }
+  void Edit() override { m_real->Edit(); }
   void SetFieldValue(std::size_t index, engine::Value value) override {
-    m_rows->SetFieldValue(index, std::move(value));
+    m_real->SetFieldValue(index, std::move(value));
   }
   void Update() override {
-    m_hooks.Around("row written", [&] { m_rows->Update(); });
+    Around("write row", [&] { m_real->Update(); });
   }
   void Close() override {
-    m_hooks.Around("close rows", [&] { m_rows->Close(); });
+    Around("close rows", [&] { m_real->Close(); });
   }
-
- private:
-  const EngineHooks& m_hooks;
-  std::unique_ptr<engine::Recordset> m_rows;
 };
 
-class HookedDatabase : public engine::Database {
+class HookedDatabase : public Hooked<engine::Database> {
  public:
-  HookedDatabase(const EngineHooks& hooks, std::unique_ptr<engine::Database> database)
-      : m_hooks(hooks), m_database(std::move(database)) {}
+  using Hooked::Hooked;
   std::unique_ptr<engine::Recordset> OpenRecordset(std::string_view source, engine::RecordsetType type,
                                                    const engine::ColumnNames& read) override {
     const char* const kind = type == engine::RecordsetType::kSnapshot ? "snapshot " : "dynaset ";
-    return std::make_unique<HookedRecordset>(m_hooks, m_hooks.Around(kind + std::string(source), [&] {
-      return m_database->OpenRecordset(source, type, read);
-    }));
+    return std::make_unique<HookedRecordset>(m_hooks, Around(kind + std::string(source), [&] {
+                                               return m_real->OpenRecordset(source, type, read);
+                                             }));
   }
   std::int64_t Execute(std::string_view sql, int options) override {
-    return m_hooks.Around("execute " + std::string(sql), [&] { return m_database->Execute(sql, options); });
+    return Around("execute " + std::string(sql), [&] { return m_real->Execute(sql, options); });
   }
-  std::string QueryText(std::string_view name) override { return m_database->QueryText(name); }
+  std::string QueryText(std::string_view name) override { return m_real->QueryText(name); }
   void CreateQueryDef(std::string_view name, std::string_view sql) override {
-    m_database->CreateQueryDef(name, sql);
+    m_real->CreateQueryDef(name, sql);
   }
-  void DeleteQueryDef(std::string_view name) override { m_database->DeleteQueryDef(name); }
-  void BeginTrans() override { m_database->BeginTrans(); }
-  void CommitTrans() override { m_database->CommitTrans(); }
-  void Rollback() override { m_database->Rollback(); }
+  void DeleteQueryDef(std::string_view name) override { m_real->DeleteQueryDef(name); }
+  void BeginTrans() override { m_real->BeginTrans(); }
+  void CommitTrans() override { m_real->CommitTrans(); }
+  void Rollback() override { m_real->Rollback(); }
   void Close() override {
-    m_hooks.Around("close catalog", [&] { m_database->Close(); });
+    Around("close catalog", [&] { m_real->Close(); });
   }
-
- private:
-  const EngineHooks& m_hooks;
-  std::unique_ptr<engine::Database> m_database;
 };
 
-class HookedBackend : public engine::Backend {
+class HookedBackend : public Hooked<engine::Backend> {
  public:
-  HookedBackend(const EngineHooks& hooks, std::unique_ptr<engine::Backend> backend)
-      : m_hooks(hooks), m_backend(std::move(backend)) {}
+  using Hooked::Hooked;
   std::unique_ptr<engine::Database> Open(const engine::OpenRequest& request) override {
-    return std::make_unique<HookedDatabase>(
-        m_hooks, m_hooks.Around("open catalog", [&] { return m_backend->Open(request); }));
+    return std::make_unique<HookedDatabase>(m_hooks,
+                                            Around("open catalog", [&] { return m_real->Open(request); }));
   }
-  void BeginAction() override { m_backend->BeginAction(); }
+  void BeginAction() override { m_real->BeginAction(); }
   void Idle() override {
-    if (m_hooks.mindsTime) m_backend->Idle();
+    if (m_hooks.mindsTime) m_real->Idle();
   }
   void Flush() override {
-    m_hooks.Around("flush", [&] { m_backend->Flush(); });
+    Around("flush", [&] { m_real->Flush(); });
   }
   void EndAction() override {
-    m_hooks.Around("commit", [&] { m_backend->EndAction(); });
+    Around("commit", [&] { m_real->EndAction(); });
   }
   void SetWaiting(const engine::Waiting& waiting) override {
-    if (m_hooks.mindsTime) m_backend->SetWaiting(waiting);
+    if (m_hooks.mindsTime) m_real->SetWaiting(waiting);
   }
-  engine::CommitCounts Commits() const override { return m_backend->Commits(); }
-
- private:
-  const EngineHooks& m_hooks;
-  std::unique_ptr<engine::Backend> m_backend;
+  engine::CommitCounts Commits() const override { return m_real->Commits(); }
 };
 
-// A workspace for files over a hooked engine; the hooks outlive it.
+// A workspace for files over a hooked engine. The hooks must outlive it.
 inline std::unique_ptr<engine::Workspace> MakeHookedWorkspace(const EngineHooks& hooks,
                                                               std::unique_ptr<engine::Backend> backend) {
   engine::Workspace::Backends backends;

@@ -16,13 +16,16 @@ class ProgressTest : public DialogTest {
     ChooseRun();
   }
 
-  // Runs `action` while the clock goes on by so much an item, and returns the different texts that were
-  // shown.
-  template <typename Action>
-  Strings Said(std::int64_t milliseconds, Action action) {
+  // Runs `action` with a clock that goes on by so much for each item; `look` runs after each. The different
+  // texts that were shown.
+  Strings Said(
+      std::int64_t milliseconds, const std::function<void()>& action,
+      const std::function<void()>& look = [] {}) {
     Strings said;
+    desktop.walkItems = 0;
     desktop.onDoEvents = [&] {
       desktop.milliseconds += milliseconds;
+      look();
       if (!ui().picProgress.IsShown()) return;
       std::string text = ui().lblProgress.Caption();
       std::erase(text, '\r');
@@ -53,34 +56,26 @@ TEST_F(ProgressTest, TellsHowMuchOfHowMuchAndHowMuchLonger) {
 
 TEST_F(ProgressTest, BarAndTaskBarShowTheShare) {
   TickAll();
-  Said(10, [this] {
-    DuringWalk(601, [this] {
-      EXPECT_FALSE(ui().barProgress.Indeterminate());
-      EXPECT_EQ(ui().barProgress.Max(), kFiles + 1);
-      EXPECT_NEAR(ui().barProgress.Value(), 601, 10);
-      EXPECT_NEAR(ui().form.GetTaskProgress().share, 0.5, 0.01);
-    });
-    const auto check = desktop.onDoEvents;
-    desktop.onDoEvents = [this, check] {
-      desktop.milliseconds += 10;
-      check();
-    };
-    Apply();
-  });
+  double half = 0, unknown = 0;  // what the task bar shows
+  Said(
+      10, [this] { Apply(); },
+      [&] {
+        if (desktop.walkItems != 601) return;
+        EXPECT_FALSE(ui().barProgress.Indeterminate());
+        EXPECT_EQ(ui().barProgress.Max(), kFiles + 1);
+        EXPECT_NEAR(ui().barProgress.Value(), 601, 10);
+        half = ui().form.GetTaskProgress().share;
+      });
+  EXPECT_NEAR(half, 0.5, 0.01);
   // Nobody knows how many files a run has.
-  bool looked = false;
-  DuringWalk(300, [&] {
-    looked = true;
-    EXPECT_TRUE(ui().barProgress.Indeterminate());
-    EXPECT_LT(ui().form.GetTaskProgress().share, 0);
-  });
-  const auto check = desktop.onDoEvents;
-  desktop.onDoEvents = [this, check] {
-    desktop.milliseconds += 10;
-    check();
-  };
-  ChooseRun();
-  EXPECT_TRUE(looked);
+  Said(
+      10, [this] { ChooseRun(); },
+      [&] {
+        if (desktop.walkItems != 300) return;
+        EXPECT_TRUE(ui().barProgress.Indeterminate());
+        unknown = ui().form.GetTaskProgress().share;
+      });
+  EXPECT_LT(unknown, 0);
 }
 
 TEST_F(ProgressTest, EveryWalkSaysWhatItIsAndNoneThatIsOverSoon) {
@@ -131,7 +126,9 @@ TEST_F(ProgressTest, ALoadThatTakesLongOffersAStopBeforeThereIsAWindow) {
   desktop.onDoEvents = [this] { desktop.milliseconds += 100; };
   Strings busy;
   desktop.onBusy = [&](controls::Form& loading) {
-    if (busy.empty()) EXPECT_LT(std::abs(desktop.milliseconds - 2000), 300);
+    if (busy.empty()) {
+      EXPECT_LT(std::abs(desktop.milliseconds - 2000), 300);
+    }
     busy.push_back(desktop.busy);
     if (busy.size() == 3) loading.UserKey(controls::Key::kEscape);
   };

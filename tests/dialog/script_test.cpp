@@ -1,0 +1,175 @@
+// Runs the scripts, each case a test of its own.
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "engine/sqlite/sqlite_backend.h"
+#include "tests/dialog/form_text.h"
+#include "tests/dialog/journal.h"
+#include "tests/dialog/script.h"
+#include "tests/engine/test_databases.h"
+
+namespace kxrestore::dialog_test {
+namespace {
+
+class Case : public ScriptTest {
+ public:
+  explicit Case(std::string script,
+                std::unique_ptr<engine::Workspace> databases = engine::MakeDefaultWorkspace())
+      : ScriptTest(std::move(databases)), m_script(std::move(script)) {
+    form.CommenceRestore = [this] { events.push_back("CommenceRestore"); };
+    form.CancelRestore = [this] { events.push_back("CancelRestore"); };
+    commands["design"] = [this](const std::string&) {
+      events.push_back("design" + DesignOf(FormControls().form));
+    };
+    looks["help"] = [](FormControls& shown) { return "help" + HelpOf(shown.form, shown.lblHelp); };
+    looks["places"] = [](FormControls& shown) { return "places" + PlacesIn(shown); };
+  }
+  void TestBody() override { EXPECT_EQ(Played(m_script), m_script); }
+
+ private:
+  std::string m_script;
+};
+
+// How the statements begin, and what they are called here.
+constexpr std::pair<std::string_view, std::string_view> kStatements[] = {
+    {"SELECT SetNames.Name, BackupAudit.DateStamp, BackupAudit.SetNameID, BackupAudit.Extension, "
+     "BackupAudit.Permanent, BackupAudit.Status FROM SetNames INNER JOIN BackupAudit ON SetNames.ID = "
+     "BackupAudit.SetNameID Where (((BackupAudit.Status) = 6)) ORDER BY SetNames.Name, BackupAudit.DateStamp "
+     "DESC; ",
+     "of the sets"},
+    {"SELECT Catalog.ID, Catalog.DateStamp, Catalog.SetNameID, Catalog.Extension, Catalog.Filename, "
+     "Catalog.File, Catalog.LongPathID, LongPaths.LongPath, Catalog.StoreName, Catalog.StoreMethod, "
+     "Catalog.Plugin, IIf(IsNull([LongPath]),[filename],[longpath]) AS RestoreFile FROM LongPaths RIGHT JOIN "
+     "[Catalog] ON LongPaths.PathID = Catalog.LongPathID WHERE (((Catalog.SetNameID)=",
+     "of files where "},
+    {"SELECT Catalog.SetNameID, Catalog.Extension, Catalog.Filename, Catalog.Restore, LongPaths.LongPath "
+     "FROM "
+     "LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID WHERE (((Catalog.SetNameID)=",
+     "of a name where "},
+    {"SELECT Catalog.SetNameID, Catalog.OrigSize, Catalog.DateStamp, Catalog.Extension, Catalog.Filename, "
+     "Catalog.File, Catalog.Restore, Catalog.StoreMethod, Catalog.Plugin, Catalog.StoreName, "
+     "IIf(IsNull([LongPath]),[filename],[longpath]) AS RestoreFile, SetNames.Name FROM SetNames RIGHT JOIN "
+     "(LongPaths RIGHT JOIN [Catalog] ON LongPaths.PathID = Catalog.LongPathID) ON SetNames.ID = "
+     "Catalog.SetNameID WHERE (((Catalog.Restore)=True));",
+     "of the marked"},
+    {"UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));", "clear all"},
+    // Steps that belong together wherever they are taken.
+    {"open catalog\nsnapshot of the marked\nasRestoreList frozen\nasRestoreList cleared\n", "LIST\n"},
+    {"close rows\nclose catalog\nasRestoreList thawed\n", "LISTED\n"},
+    {"tbsOptions value\ntbsOptions frozen\npicTabs frozen\n", "TAB\n"},
+    {"picTabs thawed\ntbsOptions thawed\ncommit\n", ""},
+    {"lblMask to front\ncboMask to front\nchk(1) to front\n", "SEARCH to front\n"},
+    {"lblRestorePath to front\npicCounts to front\n", "LOWER to front\n"},
+    {"flush\nbox question \"Clear Selection?\" \"You have selected files to restore, Cancel will clear your "
+     "selections, "
+     "Cancel?\"\n",
+     "QUESTION\n"},
+};
+
+// Constructed before the form that writes into it.
+struct JournalHolder {
+  Journal journal;
+  EngineHooks hooks = journal.Hooks();
+};
+
+// A case that compares all that happens, in its order, from the command "journal" on.
+class JournalCase : public JournalHolder, public Case {
+ public:
+  explicit JournalCase(const std::string& script)
+      : Case(script, MakeHookedWorkspace(hooks, engine::sqlite::MakeSqliteBackend())) {
+    desktop.onMessage = [this](const auto& box) {
+      std::string text = box.text;
+      if (const auto path = text.find(catalog->Path()); path != std::string::npos) {
+        text.replace(path, catalog->Path().size(), "the catalog");
+      }
+      constexpr const char* kStyles[] = {"plain", "warning", "question"};
+      journal.Note("box " + std::string(kStyles[static_cast<int>(box.style)]) + " \"" + box.title + "\" \"" +
+                   text + "\"");
+    };
+    form.CommenceRestore = [this] { journal.Note("CommenceRestore"); };
+    form.CancelRestore = [this] { journal.Note("CancelRestore"); };
+    onTurn = [this] {
+      if (!desktop.engineWorks) journal.Note("events");
+    };
+    commands["journal"] = [this](const std::string&) {
+      journal.Watch(ui());
+      journal.Take();
+      m_begun = true;
+    };
+    commands["load"] = [this](const std::string&) { Load(); };
+    commands["minimize"] = [this](const std::string&) {
+      ui().form.UserResize(160, 30, controls::WindowState::kMinimized);
+    };
+  }
+
+ private:
+  // Loads a form with a log, an icon and a destination; the log is read when the registry is.
+  void Load() {
+    m_begun = true;
+    form.parameters.LogFilename = m_folder.File("log");
+    form.parameters.RestorePath = "D:\\Back";
+    PutSetting(platform::kHkeyLocalMachine, "ClientDB", "C:\\Client\\");
+    platform.drives.files = {"C:\\Client\\kxicon.ico"};
+    platform.drives.drives = {{"E:\\", 5, "DISC"}};
+    platform.registry.fault = [this](std::string_view operation) {
+      if (operation == "OpenKey" && journal.Empty()) {
+        std::ifstream log(m_folder.File("log"));
+        journal.Note("log " + std::string(std::istreambuf_iterator<char>(log), {}));
+        journal.Watch(form.Controls());
+      }
+      journal.Note(std::string(operation));
+      return 0;
+    };
+    EXPECT_EQ(ui().form.IconPath(), "C:\\Client\\kxicon.ico");
+  }
+
+  Strings Changed() override {
+    desktop.messages.clear();  // they are in the journal
+    std::string text = m_begun ? Text(journal.Take()) : "";
+    std::erase(text, '\r');
+    const auto replace = [&](std::string_view old, std::string_view with) {
+      for (auto at = text.find(old); at != text.npos; at = text.find(old)) text.replace(at, old.size(), with);
+    };
+    replace(" \n", " $\n");  // a blank at the end shows
+    for (const auto& [statement, name] : kStatements) replace(statement, name);
+    std::istringstream happened(text);
+    Strings steps = std::exchange(events, {});
+    for (std::string step; std::getline(happened, step);) steps.push_back(step);
+    std::erase(steps, "");
+    return steps;
+  }
+
+  engine::testing::TemporaryFolder m_folder;
+  bool m_begun = false;
+};
+
+// Registers the cases of all files: the suite is the file's name, the test the case's.
+const bool registered = [] {
+  for (const auto& entry : std::filesystem::directory_iterator(KX_SCRIPTS)) {
+    std::ifstream file(entry.path(), std::ios::binary);
+    std::string name, script;
+    const auto add = [&] {
+      if (name.empty()) return;
+      testing::RegisterTest(entry.path().stem().string().c_str(), name.c_str(), nullptr, nullptr, __FILE__,
+                            __LINE__, [script, isOrder = entry.path().stem() == "order"]() -> ScriptTest* {
+                              if (isOrder) return new JournalCase(script);
+                              return new Case(script);
+                            });
+    };
+    for (std::string line; std::getline(file, line);) {
+      if (line.starts_with("== ")) {
+        add();
+        name = line.substr(3);
+        script.clear();
+      } else if (!name.empty()) {
+        script.append(line).append("\n");
+      }
+    }
+    add();
+  }
+  return true;
+}();
+
+}  // namespace
+}  // namespace kxrestore::dialog_test
