@@ -2,7 +2,7 @@
 // are the drive paths.
 #include <filesystem>
 
-#include "tests/dialog/dialog_fixture.h"
+#include "tests/dialog/script.h"
 #include "tests/engine/hooked_files.h"
 
 namespace kxrestore::dialog_test {
@@ -34,7 +34,7 @@ std::string Sql(const std::string& path, const std::string& sql) {
 
 // A disc is a folder in the place of a drive's letter. Where names have no drives, those of the two databases
 // are the names of files in the test's folder.
-class CdArchiveTest : public DialogTest {
+class CdArchiveTest : public ScriptTest {
  protected:
   CdArchiveTest() {
     std::error_code ignored;
@@ -60,17 +60,14 @@ class CdArchiveTest : public DialogTest {
     platform.drives.drives = {{"C:\\", 3, "System"}, {"disc\\", 5, "BACKUPS"}};
     platform.drives.files.push_back(kDisc);
   }
-  void ShowPanel() { ChooseNode("Append new Archive CD ..."); }
-  void ShowDisc() {
-    ShowPanel();
-    ui().DriveCD.UserSelect("disc");
-  }
   void Start() {
-    ShowDisc();
-    ui().cmdCD.UserClick();
+    for (const char* step : {"choose Append new Archive CD ...", "insert disc", "press Start"}) Do(step);
   }
   void Open() { ChooseNode("Archive Sets"); }
-  Strings Branch() { return Outline(NodeOf(ui().tvwSets, "Archive Sets").Child()); }
+  Strings Branch() {
+    const controls::Node root = NodeFrom(ui().tvwSets.FirstRoot(), "Archive Sets");
+    return root ? Outline(root.Child()) : Strings{"none"};
+  }
 
  private:
   std::filesystem::path m_before = std::filesystem::current_path();
@@ -78,37 +75,53 @@ class CdArchiveTest : public DialogTest {
       std::filesystem::temp_directory_path() / ("kxarchive_" + std::to_string(std::random_device()()));
 };
 
-TEST_F(CdArchiveTest, TheBranchIsThereWhereItCanBeUsedAndReadOnce) {
-  EXPECT_FALSE(ui().tvwSets.Find("ArchAdd"));
-  ui().form.Unload();
-  platform.drives.drives = {{"C:\\", 3, "System"}, {"E:\\", 5, {}}, {"F:\\", 5, {}}};
-  EXPECT_EQ(Branch(), Strings{"Append new Archive CD ..."});
-  EXPECT_EQ(ui().DriveCD.Drives(), (Strings{"E:", "F:"}));
-  ui().form.Unload();
+// The cases of scripts/cd_archive.txt.
+class ArchiveCase : public CdArchiveTest {
+ public:
+  explicit ArchiveCase(std::string script) : m_script(std::move(script)) {
+    // Headers, "('A', '2025', '11', 'Office'), ...", or a statement.
+    const auto statement = [](const std::string& sql) { return sql.starts_with('(') ? Insert(sql) : sql; };
+    commands["archive"] = [=, this](const std::string& sql) {
+      std::filesystem::exists(kArchive) ? void(Sql(kArchive, statement(sql))) : PutArchive(statement(sql));
+    };
+    commands["disc"] = [=, this](const std::string& sql) { PutDisc(statement(sql)); };
+    commands["ask"] = [this](const std::string& sql) { events.push_back("archive " + Sql(kArchive, sql)); };
+    commands["drive"] = [this](const std::string& drive) {
+      platform.drives.drives.push_back({drive.substr(0, 3), drive[0] == 'C' ? 3u : 5u, drive.substr(3)});
+    };
+    commands["holds"] = [this](const std::string& path) { platform.drives.files = {path}; };
+    commands["insert"] = [this](const std::string& drive) { ui().DriveCD.UserSelect(drive); };
+    asides.insert({"archive", "disc", "ask", "drive", "holds"});
+    looks["branch"] = [this](FormControls&) {
+      std::string branch = "branch";
+      for (const std::string& node : Branch()) branch += "\n      " + node;
+      return branch;
+    };
+    looks["drives"] = [](FormControls& shown) {
+      std::string drives = "drives";
+      for (const std::string& drive : shown.DriveCD.Drives()) drives += " " + drive;
+      return drives;
+    };
+    looks["panel"] = [](FormControls& shown) {
+      return std::string(shown.frLoadCD.IsShown() ? "" : "hidden ") + "panel " + shown.txtVL.Text() +
+             (shown.cmdCD.Enabled() ? ", Start" : "") +
+             (shown.lblCD[2].Visible() ? ", \"" + shown.lblCD[2].Caption() + "\"" : "") + ", " +
+             (shown.ProgressBar1.Value() == shown.ProgressBar1.Max() ? "full" : "not full");
+    };
+    looks["buttons"] = [](FormControls& shown) {
+      std::string buttons = "buttons";
+      for (const auto& button : shown.cmdAction) buttons += button.Enabled() ? " on" : " off";
+      return buttons;
+    };
+  }
+  void TestBody() override { EXPECT_EQ(Played(m_script), m_script); }
 
-  platform.drives.drives.clear();
-  PutArchive(Insert(
-      "('A', '2025', '11', 'Office'), ('A', '2025', '11', 'Home'), ('A', '2025', '12', 'Office'), ('B', "
-      "'2025', '12', 'Office'), ('A', '2025', '11', 'Office')"));
-  Open();
-  const Strings expected{"Append new Archive CD ...",
-                         "Volume A",
-                         " Backups for 2025",
-                         "  Backups for 2025-11",
-                         "   Office",
-                         "   Home",
-                         "  Backups for 2025-12",
-                         "   Office",
-                         "Volume B",
-                         " Backups for 2025",
-                         "  Backups for 2025-12",
-                         "   Office"};
-  EXPECT_EQ(Branch(), expected);
-  Sql(kArchive, Insert("('C', '2026', '1', 'Office')"));
-  Open();
-  ui().tvwSets.UserExpand(NodeOf(ui().tvwSets, "Archive Sets"), true);
-  EXPECT_EQ(Branch(), expected);
-}
+ private:
+  std::string m_script;
+};
+
+const bool registered = RegisterCases(
+    "cd_archive", [](const std::string& script) -> ScriptTest* { return new ArchiveCase(script); });
 
 TEST_F(CdArchiveTest, AnArchiveThatCannotBeReadIsAskedForOnce) {
   platform.drives.drives = {{"D:\\", 5, "BACKUPS"}};
@@ -148,74 +161,12 @@ TEST_F(CdArchiveTest, ABranchThatWasStoppedIsReadAgain) {
   EXPECT_EQ(Branch().size(), 1 + 2 + 2 * 5u);
 }
 
-TEST_F(CdArchiveTest, ThePanelShowsTheChosenVolumeAndChecksTheLastDrive) {
-  platform.drives.drives = {{"D:\\", 5, "ONE"}, {"E:\\", 5, "  "}};
-  ShowTab(2);
-  ShowPanel();
-  EXPECT_EQ(ui().tbsOptions.SelectedIndex(), 1);
-  EXPECT_TRUE(ui().frLoadCD.IsShown());
-  const auto choose = [&](const char* drive, const char* file) {
-    platform.drives.files = {file};
-    ui().DriveCD.UserSelect(drive);
-    return ui().txtVL.Text() + (ui().cmdCD.Enabled() ? " on " : " off ") +
-           (ui().lblCD[2].Visible() ? ui().lblCD[2].Caption() : "");
-  };
-  EXPECT_EQ(choose("D:", "D:\\backup!mdb"), "ONE off disc Contains no backup data.");
-  EXPECT_EQ(choose("E:", "E:\\backup!mdb.old"), "(no label) on ");
-  EXPECT_EQ(choose("D:", ""), "ONE on disc Contains no backup data.") << "the button is left as it was";
-  ui().cmdCD.UserClick();
-  EXPECT_EQ(ui().lblCD[2].Caption(), "disc Contains no backup data.");
-}
-
-TEST_F(CdArchiveTest, StartAddsWhatTheArchiveLacks) {
-  PutArchive(Insert("('A', '2025', '11', 'Office')"));
-  PutDisc(
-      Insert("('A', '2025', '11', 'Office'), ('B', '2026', '01', 'It''s'), ('B', '2026', '01', 'It''s')") +
-      "INSERT INTO ArchiveHeader VALUES (50, 'B', NULL, '02', 'b\xC3\xBCro', '2026-03-01 08:09:10', 0.1, "
-      "1, NULL);");
-  Open();
-  EXPECT_EQ(Branch().size(), 5u);
-  ShowDisc();
-  DuringWalk(1, [this] { ChooseNode("Volume A"); });  // of the branch that is rebuilt
-  ui().cmdCD.UserClick();
-  ExpectReports({": 2 archived backup(s) added."});
-  EXPECT_EQ(
-      Sql(kArchive, "SELECT Volume, YYYY, MM, SetName, Taken, Share, Done FROM ArchiveHeader WHERE Done"),
-      "B|Null|02|b\xC3\xBCro|2026-03-01 08:09:10|0.1|1");
-  EXPECT_EQ(Sql(kArchive, "SELECT SetName, Taken FROM ArchiveHeader WHERE YYYY = '2026'"), "It's|Null");
-  EXPECT_EQ(Branch(),
-            (Strings{"Append new Archive CD ...", "Volume A", " Backups for 2025", "  Backups for 2025-11",
-                     "   Office", "Volume B", " Backups for 2026", "  Backups for 2026-01", "   It's",
-                     " Backups for ", "  Backups for -02", "   b\xC3\xBCro"}));
-  EXPECT_EQ(ui().ProgressBar1.Value(), ui().ProgressBar1.Max());
-
-  Start();
-  ExpectReports({": 0 archived backup(s) added."});
-  EXPECT_EQ(Sql(kArchive, "SELECT count(*) FROM ArchiveHeader"), "3");
-  ChooseRun("1 002");
-  EXPECT_EQ(ui().lblCurrSet.Caption(), "Current Set: ");
-}
-
-// Columns are found by their names, and what two tables keep differently is still the same header.
-TEST_F(CdArchiveTest, AddingADiscOfOtherTypesTwiceAddsItOnce) {
-  PutArchive("");
-  PutDisc(
-      "DROP TABLE ArchiveHeader; CREATE TABLE ArchiveHeader (done INTEGER, SHARE TEXT, SetName TEXT, MM "
-      "INTEGER, YYYY INTEGER, Volume TEXT, Taken TEXT, Note TEXT); INSERT INTO ArchiveHeader VALUES (1, "
-      "'0.25', 'S', 1, 2026, 'A', '2026-03-01 08:09:10', 'n'), (0, '3', 'it''s', 2, NULL, '-', NULL, NULL)");
-  Start();
-  ui().cmdCD.UserClick();
-  ExpectReports({": 2 archived backup(s) added.", ": 0 archived backup(s) added."});
-  EXPECT_EQ(Sql(kArchive, "SELECT Volume, YYYY, MM, SetName, Taken, Share, Done FROM ArchiveHeader"),
-            "A|2026|1|S|2026-03-01 08:09:10|0.25|1");
-}
-
 // Whatever interrupts it, the archive and its branch stay as they were, and the panel shows why.
 TEST_F(CdArchiveTest, ADiscIsAddedAsAWholeOrNotAtAll) {
   constexpr int kHeaders = 3000;
   PutArchive(Insert("('A', '2025', '11', 'Office')"));
   PutDisc(ManyHeaders(kHeaders));
-  engine::testing::WatchedFiles watched;  // for files opened from here on
+  engine::testing::WatchedFiles files;  // for files opened from here on
   const auto rename = [](const std::string& what, const std::string& to) {
     return [=] { Sql(kDisc, "ALTER TABLE ArchiveHeader RENAME " + what + " TO " + to); };
   };
@@ -243,8 +194,8 @@ TEST_F(CdArchiveTest, ADiscIsAddedAsAWholeOrNotAtAll) {
        rename("COLUMN Part", "Share")},
       {"Esc while the disc is read", 10, [&] { Escape(); }, nullptr},
       {"Esc while headers are written", writing, [&] { Escape(); }, nullptr},
-      {"a full disk", writing, [&] { watched.diskFull = true; }, "cmdCD.Click: (3026) ",
-       [&] { watched.diskFull = false; }},
+      {"a full disk", writing, [&] { files.diskFull = true; }, "cmdCD.Click: (3026) ",
+       [&] { files.diskFull = false; }},
       {"a header that the archive refuses", 0,
        [] {
          Sql(kArchive,
@@ -273,29 +224,6 @@ TEST_F(CdArchiveTest, ADiscIsAddedAsAWholeOrNotAtAll) {
   }
   ui().cmdCD.UserClick();
   ExpectReports({": 3000 archived backup(s) added."});
-}
-
-// Their first children are no runs and their texts no dates: nothing may be read from tags that they lack.
-TEST_F(CdArchiveTest, ChoosingANodeOfTheBranchChoosesNoSet) {
-  PutArchive(Insert("('1 002', '2025', NULL, 'Set 1'), (NULL, '2025', '1', NULL), ('A', 7, 8, '2 001')"));
-  Open();
-  int chosen = 0;
-  for (int index = 1; index <= static_cast<int>(ui().tvwSets.Count()); ++index) {
-    const controls::Node node = ui().tvwSets.Item(index);
-    if (node.Root().Text() != "Archive Sets") continue;
-    ++chosen;
-    ChooseRun("1 002");
-    ASSERT_TRUE(ui().cmdAction[kApply].Enabled());
-    ui().tvwSets.UserClickNode(node);
-    EXPECT_EQ(ui().lblSetName.Caption(), node.Text());
-    const bool adds = node.Key() == "ArchAdd";
-    EXPECT_EQ(ui().frLoadCD.Visible(), adds);
-    for (const auto& button : ui().cmdAction) EXPECT_EQ(button.Enabled(), !adds) << button.Name();
-    ShowTab(2);
-    Find("doc");
-    EXPECT_EQ(ui().asSearch.Count(), 2u) << "all sets are searched from " << node.Text();
-  }
-  EXPECT_EQ(chosen, 2 + 3 * 4);
 }
 
 }  // namespace

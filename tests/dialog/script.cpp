@@ -103,7 +103,7 @@ std::string ScriptTest::Played(const std::string& script) {
       continue;
     }
     const std::string steps = Halves(line, " ->").first;
-    if (steps.starts_with("sql ")) {
+    if (asides.contains(Halves(steps).first)) {
       Do(steps);
     } else {
       for (const std::string& step : Split(steps, "; ")) Do(step);
@@ -113,6 +113,7 @@ std::string ScriptTest::Played(const std::string& script) {
     pieces.insert(pieces.begin(), steps);
     std::string page = Filled(pieces, "    ");
     if (const auto arrow = page.find(" | -> "); arrow != std::string::npos) page.erase(arrow + 1, 2);
+    for (auto at = page.find(" \n"); at != page.npos; at = page.find(" \n")) page.insert(at + 1, "$");
     played += page;
     EXPECT_FALSE(form.parameters.StopRequested) << "after " << steps;
   }
@@ -129,9 +130,8 @@ void ScriptTest::Do(std::string_view step) {
   }
   const bool isRow = command == "files" || command == "dead" || command == "plugin" || command == "run";
   if (!isRow && !catalog && form.parameters.DBName.empty()) MakeCatalog(m_rows, m_runs);
-  const bool isAside = command == "sql" || command == "answer" || command == "at" || command == "load" ||
-                       (command == "show" && m_shown != nullptr);
-  const bool isUser = !isRow && !isAside;
+  const bool isUser =
+      !isRow && !asides.contains(command) && command != "at" && (command != "show" || m_shown == nullptr);
   if (isUser && !m_midway) Open();
   found->second(subject);
   if (!isUser || m_midway) return;
@@ -143,7 +143,7 @@ void ScriptTest::Do(std::string_view step) {
 std::map<std::string, ScriptTest::Command, std::less<>> ScriptTest::Commands() {
   const auto nothing = [](sample::FileRow&, std::string&) {};
   return {
-      // The catalog: "SET RUN: ID PATH, ID PATH ..." or "NAME: ID PATH = FILE, ...", "SET RUN DATE STATUS".
+      // "SET RUN: ID PATH, ID PATH ...", "NAME: ID PATH = FILE, ...", "SET RUN DATE STATUS"
       {"files", [=, this](const std::string& rows) { AddRows(rows, nothing); }},
       {"dead",
        [this](const std::string& rows) {
@@ -165,7 +165,6 @@ std::map<std::string, ScriptTest::Command, std::less<>> ScriptTest::Commands() {
       {"sql", [this](const std::string& sql) { catalog->Execute(sql); }},
       {"hide", [this](const std::string&) { catalog->HideTable(); }},
       {"unhide", [this](const std::string&) { catalog->ShowTable(); }},
-      // The user.
       {"open", [](const std::string&) {}},
       {"choose", [this](const std::string& node) { ChooseNode(node); }},
       {"tick", [this](const std::string& what) { SetTicks(what, true); }},
@@ -201,12 +200,14 @@ std::map<std::string, ScriptTest::Command, std::less<>> ScriptTest::Commands() {
        }},
       {"sort", [this](const std::string& list) { ListOf(list)->SortBy(controls::ListColumn::kSize, false); }},
       {"menu", [this](const std::string& what) { ChooseFromMenu(what); }},
+      {"unfold",
+       [this](const std::string& node) { ui().tvwSets.UserExpand(NodeOf(ui().tvwSets, node), true); }},
       {"expand", [this](const std::string& node) { ui().tvwDetails.UserExpand(Detail(node), true); }},
       {"tip",
        [this](const std::string& node) {
          events.push_back("tip " + Quoted(ui().tvwDetails.UserTip(Detail(node))));
        }},
-      // In the middle of the next step, at an item of its walk: steps with " & " between them.
+      // In the middle of the next step, at an item of its walk: steps with " & " between them
       {"at",
        [this](const std::string& itemAndSteps) {
          m_due = true;
@@ -240,7 +241,11 @@ std::map<std::string, ScriptTest::Look, std::less<>> ScriptTest::Looks() {
       {"hits", [](FormControls& shown) { return Quoted(shown.lblSearchCount.Caption()); }},
       {"types", [](FormControls& shown) { return "types " + Joined(Names(shown.asFiles)); }},
       {"listed", [](FormControls& shown) { return "listed " + Joined(Names(shown.asRestoreList)); }},
-      {"selected", [](FormControls& shown) { return Quoted(shown.lblCounts[0].Caption()); }},
+      {"selected",
+       [](FormControls& shown) {
+         const bool on = shown.cmdRestore[kRestoreNow].Enabled();
+         return Quoted(shown.lblCounts[0].Caption()) + (on ? ", Restore Now" : "");
+       }},
       {"progress",
        [](FormControls& shown) {
          return shown.picProgress.IsShown() ? Quoted(shown.lblProgress.Caption()) : "";
@@ -258,12 +263,10 @@ std::map<std::string, ScriptTest::Look, std::less<>> ScriptTest::Looks() {
       {"closed", [](FormControls& shown) { return shown.form.IsOpen() ? "" : "closed"; }},
       // What only some scripts look at.
       {"bytes", [](FormControls& shown) { return Quoted(shown.lblCounts[1].Caption()); }},
-      {"restore",
+      {"mask",
        [](FormControls& shown) {
-         return shown.cmdRestore[kRestoreNow].Enabled() ? "Restore Now on" : "Restore Now off";
+         return "mask " + Quoted(shown.cboMask.Text()) + " of " + Quoted(Joined(shown.cboMask.Items(), "|"));
        }},
-      {"mask", [](FormControls& shown) { return "mask " + Quoted(shown.cboMask.Text()); }},
-      {"masks", [](FormControls& shown) { return "masks " + Quoted(Joined(shown.cboMask.Items(), "|")); }},
       {"entries",
        [](FormControls& shown) {
          const AutoSelect& list =

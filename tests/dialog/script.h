@@ -12,6 +12,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -36,6 +37,8 @@ class ScriptTest : public DialogTest {
   void Do(std::string_view step);
 
   using Command = std::function<void(const std::string& subject)>;
+  // Commands that need no dialog; each takes the rest of its line.
+  std::set<std::string> asides = {"sql", "answer"};
   using Look = std::function<std::string(FormControls& shown)>;
   std::map<std::string, Command, std::less<>> commands = Commands();
   std::map<std::string, Look, std::less<>> looks = Looks();  // for "show NAME" and "watch NAME"
@@ -59,5 +62,8 @@ class ScriptTest : public DialogTest {
   Strings m_before;
   bool m_due = false, m_midway = false;  // the steps of "at"
 };
+
+// Registers the cases of scripts/NAME.txt, each as a test of the suite NAME. Always true.
+bool RegisterCases(const std::string& name, ScriptTest* (*make)(const std::string& script));
 
 }  // namespace kxrestore::dialog_test

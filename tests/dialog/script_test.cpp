@@ -1,5 +1,4 @@
 // Runs the scripts, each case a test of its own.
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -10,6 +9,28 @@
 #include "tests/engine/test_databases.h"
 
 namespace kxrestore::dialog_test {
+
+bool RegisterCases(const std::string& name, ScriptTest* (*make)(const std::string& script)) {
+  std::ifstream file(KX_SCRIPTS "/" + name + ".txt", std::ios::binary);
+  std::string title, script;
+  const auto add = [&] {
+    if (title.empty()) return;
+    testing::RegisterTest(name.c_str(), title.c_str(), nullptr, nullptr, __FILE__, __LINE__,
+                          [make, script] { return make(script); });
+  };
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with("== ")) {
+      add();
+      title = line.substr(3);
+      script.clear();
+    } else {
+      script.append(line).append("\n");
+    }
+  }
+  add();
+  return true;
+}
+
 namespace {
 
 class Case : public ScriptTest {
@@ -97,6 +118,7 @@ class JournalCase : public JournalHolder, public Case {
       journal.Take();
       m_begun = true;
     };
+    asides.insert("load");
     commands["load"] = [this](const std::string&) { Load(); };
     commands["minimize"] = [this](const std::string&) {
       ui().form.UserResize(160, 30, controls::WindowState::kMinimized);
@@ -144,31 +166,13 @@ class JournalCase : public JournalHolder, public Case {
   bool m_begun = false;
 };
 
-// Registers the cases of all files: the suite is the file's name, the test the case's.
 const bool registered = [] {
-  for (const auto& entry : std::filesystem::directory_iterator(KX_SCRIPTS)) {
-    std::ifstream file(entry.path(), std::ios::binary);
-    std::string name, script;
-    const auto add = [&] {
-      if (name.empty()) return;
-      testing::RegisterTest(entry.path().stem().string().c_str(), name.c_str(), nullptr, nullptr, __FILE__,
-                            __LINE__, [script, isOrder = entry.path().stem() == "order"]() -> ScriptTest* {
-                              if (isOrder) return new JournalCase(script);
-                              return new Case(script);
-                            });
-    };
-    for (std::string line; std::getline(file, line);) {
-      if (line.starts_with("== ")) {
-        add();
-        name = line.substr(3);
-        script.clear();
-      } else if (!name.empty()) {
-        script.append(line).append("\n");
-      }
-    }
-    add();
+  for (const char* name : {"form", "set_tree", "set_detail", "tree_guide", "search", "auto_select",
+                           "restore_list", "file_history", "footers", "guidance"}) {
+    RegisterCases(name, [](const std::string& script) -> ScriptTest* { return new Case(script); });
   }
-  return true;
+  return RegisterCases("order",
+                       [](const std::string& script) -> ScriptTest* { return new JournalCase(script); });
 }();
 
 }  // namespace

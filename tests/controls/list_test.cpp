@@ -1,12 +1,14 @@
-// Rows of a list: order, filter, selection, and the sums and pending ticks that are kept meanwhile.
-#include "controls/list_rows.h"
-
+// Lists: their entries, ticks, order, filter and selection, and the sums and pending ticks that are kept
+// meanwhile.
 #include <gtest/gtest.h>
 
 #include <random>
 
+#include "controls/auto_select.h"
 #include "controls/form.h"
+#include "controls/list_rows.h"
 #include "platform/headless/recording_peer.h"
+#include "tests/raises.h"
 
 namespace kxrestore::controls {
 namespace {
@@ -25,13 +27,19 @@ AutoSelect::Entry File(std::string_view name, std::int64_t size, std::int64_t ti
   return entry;
 }
 
-ListFilter Words(std::string words) {
-  ListFilter filter;
-  filter.words = std::move(words);
-  return filter;
+AutoSelect::Entry Type(std::string_view name, std::int32_t group, bool isGroup = false,
+                       std::string_view pattern = {}) {
+  AutoSelect::Entry entry = File(name, 1, AutoSelect::kNoTime, group);
+  entry.storedName = pattern;
+  entry.isGroup = isGroup;
+  return entry;
 }
 
-class ListRowsTest : public ::testing::Test {
+ListFilter Words(std::string words) {
+  return {.words = std::move(words)};
+}
+
+class ListTest : public ::testing::Test {
  protected:
   std::string Shown() const {
     std::string names;
@@ -41,11 +49,13 @@ class ListRowsTest : public ::testing::Test {
     EXPECT_EQ(list.Rows().Entry(list.Rows().Count()), 0u);
     return names;
   }
-  std::string Marks(bool (AutoSelect::*ask)(std::size_t) const) const {
+  using Ask = bool (AutoSelect::*)(std::size_t) const;
+  static std::string Marks(const AutoSelect& of, Ask ask = &AutoSelect::TickedAt) {
     std::string marks;
-    for (std::size_t number = 1; number <= list.Count(); ++number) marks += (list.*ask)(number) ? 'x' : '-';
+    for (std::size_t number = 1; number <= of.Count(); ++number) marks += (of.*ask)(number) ? 'x' : '-';
     return marks;
   }
+  std::string Marks(Ask ask = &AutoSelect::TickedAt) const { return Marks(list, ask); }
   static std::string Text(const AutoSelect::Sum& sum) {
     return std::to_string(sum.entries) + " " + std::to_string(sum.size) + " " + std::to_string(sum.sets);
   }
@@ -54,7 +64,126 @@ class ListRowsTest : public ::testing::Test {
   AutoSelect list{"list", &form, AutoSelect::Style::kFiles};
 };
 
-TEST_F(ListRowsTest, NamesSortByTheirLastComponentThenByCaseThenByFolder) {
+TEST_F(ListTest, GivesBackWhatItWasGiven) {
+  const AutoSelect::Entry all[] = {
+      {"C:\\Data\\a.doc", 123456789012, true, "F01", 32767, "Daily", 20240102, "1/2/2024", "C:\\Data\\a.doc",
+       false},
+      {"C:\\long\\path\\b.doc", 1, true, "D02", 32768, "Weekly", 0, "", "b.doc", false},
+      {"item.kxexag", 2, true, "", 0, "", -5, "1/3/2024", "STORE\\item", false},
+      {"", 0, true, "", 0, "", 0, "", "", false},
+      {"Documents", 12, true, "Word processing", 0, "", 0, "", "", true}};
+  EXPECT_RAISES(9, list.FileName());
+  std::size_t number = 0;
+  for (const auto& entry : all) {
+    ++number;
+    EXPECT_EQ(number, list.Add(entry, number % 2 == 0));
+  }
+  const auto fields = [](const AutoSelect::Entry& entry) {
+    return std::tuple(entry.name, entry.size, entry.sizeKnown, entry.extension, entry.setId, entry.setName,
+                      entry.date, entry.time, entry.storedName, entry.isGroup);
+  };
+  for (std::size_t i = 0; i < std::size(all); ++i) EXPECT_TRUE(fields(all[i]) == fields(list.At(i + 1))) << i;
+  EXPECT_EQ("-x-x-", Marks());
+
+  list.SetCurrent(1);
+  EXPECT_EQ(32767, list.SetId());
+  EXPECT_FALSE(list.Ticked());
+  list.SetCurrent(2);
+  EXPECT_EQ("C:\\long\\path\\b.doc D02 b.doc", std::string(list.FileName()) + ' ' +
+                                                   std::string(list.Extension()) + ' ' +
+                                                   std::string(list.StoredName()));
+  EXPECT_RAISES(6, list.SetId());
+  for (const std::size_t outside : {0, 6}) EXPECT_RAISES(9, list.SetCurrent(outside));
+  EXPECT_RAISES(9, list.SetTicked(6, true));
+  EXPECT_EQ(2u, list.Current());
+  list.Clear();
+  list.Add(all[0]);
+  EXPECT_RAISES(9, list.Ticked());
+}
+
+TEST_F(ListTest, AGroupAndItsMembersFollowEachOther) {
+  const AutoSelect::Entry all[] = {
+      Type("Documents", 1, true),        Type("Pictures", 2, true), Type(".doc", 1),
+      Type("Bitmaps", 2, false, ".bmp"), Type(".alone", 0),         Type(".xls", 1)};
+  AutoSelect types("types", &form, AutoSelect::Style::kTypes);
+  for (const auto& entry : all) types.Add(entry);
+  const struct {
+    std::size_t number;
+    bool ticked;
+    const char *ticks, *types;
+  } steps[] = {{1, true, "x-x--x", ".doc;.xls;"},
+               {3, false, "-----x", ".xls;"},
+               {3, true, "x-x--x", ".doc;.xls;"},
+               {5, true, "x-x-xx", ".doc;.alone;.xls;"},
+               {4, true, "xxxxxx", ".doc;.bmp;.alone;.xls;"},
+               {1, false, "-x-xx-", ".bmp;.alone;"}};
+  for (const auto& [number, ticked, ticks, patterns] : steps) {
+    types.UserTick(number, ticked);
+    EXPECT_EQ(ticks, Marks(types));
+    EXPECT_EQ(patterns, types.TickedTypes());
+  }
+  types.TickAll(true);
+  types.UserTick(6, false);
+  EXPECT_EQ("-xxxx-", Marks(types));
+
+  // Ticking what is shown leaves the rest alone; a group counts in no sum.
+  types.TickAll(false);
+  types.SettleAll(false);
+  types.SetFilter(Words("doc"));
+  EXPECT_EQ(types.Rows().Count(), 3u) << "with both groups";
+  types.UserTickShown(true);
+  EXPECT_EQ("--x---", Marks(types));
+  EXPECT_EQ(types.PendingCount(), 1u);
+  EXPECT_EQ(Text(types.Shown()), "1 1 1");
+  types.SetFilter({});
+  types.UserTickShown(true);
+  EXPECT_EQ("xxxxxx", Marks(types));
+}
+
+TEST_F(ListTest, TellsThePeerOfTicksAndTheFormOfTheUsers) {
+  platform::PeerLog log;
+  platform::Record(list, log);
+  list.TickAll(true);
+  EXPECT_TRUE(log.ticksChanged.empty());
+  for (int i = 0; i < 3; ++i) list.Add(File("x", 1));
+  EXPECT_EQ(3u, log.entries);
+  std::vector<std::size_t> told;
+  list.TickChange = [&](std::size_t number) { told.push_back(number); };
+  list.SetTicked(2, true);
+  list.TickAll(true);
+  list.UserTick(3, false);
+  list.UserTick(4, true);
+  list.UserTick(0, true);
+  list.SetEnabled(false);
+  list.UserTick(1, false);
+  using Range = std::pair<std::size_t, std::size_t>;
+  EXPECT_EQ(std::vector<Range>({{2, 2}, {1, 3}, {3, 3}}), log.ticksChanged);
+  EXPECT_EQ(std::vector<std::size_t>({3}), told);
+  EXPECT_EQ("xx-", Marks());
+  list.Clear();
+  EXPECT_EQ(1, log.cleared);
+  EXPECT_EQ(0u, list.Count());
+}
+
+TEST_F(ListTest, EqualTextsAreKeptOnce) {
+  constexpr int kEntries = 100000;
+  std::size_t texts = 0;
+  for (int i = 0; i < kEntries; ++i) {
+    const std::string name = "C:\\Data\\file" + std::to_string(i) + ".doc";
+    const std::string date = i % 2 == 0 ? "no date at all" : std::to_string(i);
+    AutoSelect::Entry entry = File(name, 0);
+    if (i % 3 != 0) entry.storedName = entry.name.substr(8);
+    entry.setName = i % 5 == 0 ? "Weekly backup of everything" : "Daily backup of everything";
+    entry.date = date;
+    list.Add(entry);
+    texts += name.size() + (i % 2 == 0 ? 0 : date.size());
+  }
+  EXPECT_EQ("Weekly backup of everything", list.At(kEntries - 4).setName);
+  EXPECT_EQ("99999", list.At(kEntries).date);
+  EXPECT_LT(list.MemoryUsed(), texts + kEntries * 80u);
+}
+
+TEST_F(ListTest, NamesSortByTheirLastComponentThenByCaseThenByFolder) {
   for (const char* name : {"C:\\b\\Beta", "D:\\alpha", "C:\\z\\beta", "C:\\a\\beta", "C:\\Data\\Sub\\"}) {
     list.Add(File(name, 1));
   }
@@ -81,7 +210,7 @@ TEST_F(ListRowsTest, NamesSortByTheirLastComponentThenByCaseThenByFolder) {
   EXPECT_TRUE(Shown().starts_with("C:\\b\\Beta D:\\alpha"));
 }
 
-TEST_F(ListRowsTest, SortsByTheRunsDateWhichTheFormKnows) {
+TEST_F(ListTest, SortsByTheRunsDateWhichTheFormKnows) {
   list.RunTime = [](const AutoSelect::Entry& entry) { return entry.name == "b" ? 5 : entry.size; };
   for (const char* name : {"a", "b", "c"}) list.Add(File(name, name[0] == 'a' ? 7 : 1));
   list.SortBy(Column::kBackup, true);
@@ -90,42 +219,37 @@ TEST_F(ListRowsTest, SortsByTheRunsDateWhichTheFormKnows) {
   EXPECT_EQ(Shown(), "b c a");
 }
 
-TEST_F(ListRowsTest, AFilterAsksForEverythingAtOnce) {
+TEST_F(ListTest, AFilterAsksForEverythingAtOnce) {
   list.Add(File("C:\\Data\\Report March.doc", 100, 10));
   list.Add(File("C:\\data\\report april.doc", 200, 20, 2, "Two"));
   list.Add(File("C:\\Other\\\xC3\x84rger.xls", -1, AutoSelect::kNoTime, 2, "Two"));
-  const auto after = [&](const ListFilter& filter) {
+  const struct {
+    ListFilter filter;
+    const char *shown, *sum;
+  } cases[] = {{{}, "xxx", "3 300 2"},
+               {{.words = "  * "}, "xxx", "3 300 2"},
+               {{.words = "REPORT"}, "xx-", "2 300 2"},
+               {{.words = "REPORT doc MAR"}, "x--", "1 100 1"},
+               {{.words = "da*.DOC"}, "xx-", "2 300 2"},
+               {{.words = "doc*data"}, "---", "0 0 0"},  // the pieces of a word in their order
+               {{.words = "\xC3\xA4rg"}, "--x", "1 0 1"},
+               {{.words = "RGER"}, "--x", "1 0 1"},
+               {{.from = 10, .to = 10}, "x--", "1 100 1"},
+               {{.minSize = 101}, "-x-", "1 200 1"},  // an unknown size is neither
+               {{.setId = 2}, "-xx", "2 200 1"},
+               {{.words = "april", .setId = 2}, "-x-", "1 200 1"},
+               {{}, "xxx", "3 300 2"}};
+  for (const auto& [filter, shown, sum] : cases) {
     list.SetFilter(filter);
-    return Shown() + " = " + Text(list.Shown());
-  };
-  const std::string march = "C:\\Data\\Report March.doc", april = "C:\\data\\report april.doc",
-                    other = "C:\\Other\\\xC3\x84rger.xls";
-  const std::string all = march + " " + april + " " + other + " = 3 300 2";
-  EXPECT_EQ(after({}), all);
-  EXPECT_EQ(after(Words("  * ")), all);
-  EXPECT_EQ(after(Words("REPORT")), march + " " + april + " = 2 300 2");
-  EXPECT_EQ(after(Words("REPORT doc MAR")), march + " = 1 100 1");
-  EXPECT_EQ(after(Words("da*.DOC")), march + " " + april + " = 2 300 2");
-  EXPECT_EQ(after(Words("doc*data")), " = 0 0 0") << "the pieces of a word in their order";
-  EXPECT_EQ(after(Words("\xC3\xA4rg")), other + " = 1 0 1");
-  EXPECT_EQ(after(Words("RGER")), other + " = 1 0 1");
-  ListFilter filter;
-  filter.from = 10;
-  filter.to = 10;
-  EXPECT_EQ(after(filter), march + " = 1 100 1");
-  filter = {};
-  filter.minSize = 101;
-  EXPECT_EQ(after(filter), april + " = 1 200 1") << "a size that nobody knows is neither";
-  filter = {};
-  filter.setId = 2;
-  EXPECT_EQ(after(filter), april + " " + other + " = 2 200 1");
-  filter.words = "april";
-  EXPECT_EQ(after(filter), april + " = 1 200 1");
-  EXPECT_EQ(after({}), all);
+    std::string passing;
+    for (std::size_t number = 1; number <= 3; ++number) passing += list.Rows().Shows(number) ? 'x' : '-';
+    EXPECT_EQ(passing, shown) << filter.words;
+    EXPECT_EQ(Text(list.Shown()), sum) << filter.words;
+  }
 }
 
 // Whatever is done and in whichever order: the rows are those of a fresh look, and the sums theirs.
-TEST_F(ListRowsTest, RowsAndSumsHoldThroughAnyOrderOfSteps) {
+TEST_F(ListTest, RowsAndSumsHoldThroughAnyOrderOfSteps) {
   std::mt19937 random(7);
   const auto pick = [&](std::uint32_t most) { return random() % most; };
   const char* const words[] = {"", "a", "ab", "ab c", "b*a", "c"};
@@ -199,7 +323,7 @@ TEST_F(ListRowsTest, RowsAndSumsHoldThroughAnyOrderOfSteps) {
   }
 }
 
-TEST_F(ListRowsTest, TicksArePendingUntilTheyAreSettled) {
+TEST_F(ListTest, TicksArePendingUntilTheyAreSettled) {
   for (const char* name : {"a", "b", "c"}) list.Add(File(name, 1), true);
   list.Add(File("d", 1));
   EXPECT_EQ(list.PendingCount(), 0u);
@@ -227,26 +351,7 @@ TEST_F(ListRowsTest, TicksArePendingUntilTheyAreSettled) {
   EXPECT_EQ(Marks(&AutoSelect::TickedAt) + Marks(&AutoSelect::SelectedAt), "-----x--");
 }
 
-TEST_F(ListRowsTest, BulkTicksOfTypesLeaveWhatIsHiddenAlone) {
-  AutoSelect types("types", &form, AutoSelect::Style::kTypes);
-  auto group = File("Documents", 3, AutoSelect::kNoTime, 1);
-  group.isGroup = true;
-  types.Add(group);
-  types.Add(File(".doc", 1, AutoSelect::kNoTime, 1));
-  types.Add(File(".xls", 2, AutoSelect::kNoTime, 1));
-  types.SetFilter(Words("doc"));
-  EXPECT_EQ(types.Rows().Count(), 2u) << "with its group";
-  types.UserTickShown(true);
-  EXPECT_EQ(types.TickedTypes(), ".doc;");
-  EXPECT_FALSE(types.TickedAt(1));
-  EXPECT_EQ(types.PendingCount(), 1u) << "groups do not count";
-  EXPECT_EQ(Text(types.Shown()), "1 1 1");
-  types.SetFilter({});
-  types.UserTickShown(true);
-  EXPECT_EQ(types.TickedTypes(), ".doc;.xls;");
-}
-
-TEST_F(ListRowsTest, TheNewestOfSeveralVersionsIsKnown) {
+TEST_F(ListTest, TheNewestOfSeveralVersionsIsKnown) {
   const std::pair<const char*, int> files[] = {{"C:\\a", 3}, {"C:\\b", 9},        {"c:\\A", 5},
                                                {"C:\\a", 4}, {"C:\\\xC3\xA4", 1}, {"C:\\\xC3\x84", 1}};
   for (const auto& [name, time] : files) list.Add(File(name, 1, time));
@@ -261,7 +366,7 @@ TEST_F(ListRowsTest, TheNewestOfSeveralVersionsIsKnown) {
   EXPECT_EQ(list.VersionAt(3), AutoSelect::Version::kOnly) << "not known any more";
 }
 
-TEST_F(ListRowsTest, TheLookOutlivesTheEntriesAndThePeerHearsOfRows) {
+TEST_F(ListTest, TheLookOutlivesTheEntriesAndThePeerHearsOfRows) {
   struct Peer : platform::RecordingListPeer {
     using RecordingListPeer::RecordingListPeer;
     void RowsChanged() override { ++rows; }
