@@ -23,7 +23,7 @@ std::string RunFilter(std::string_view list) {
 
 namespace {
 
-// The name by which the versions of a file know each other.
+// The name that all versions of a file share.
 std::string OriginalName(engine::Database& database, std::int64_t setId, std::string_view extension,
                          std::string_view filename) {
   engine::Sql sql("SELECT Catalog.OrigName FROM [Catalog] WHERE (((Catalog.SetNameID)=");
@@ -35,7 +35,7 @@ std::string OriginalName(engine::Database& database, std::int64_t setId, std::st
   return name.empty() ? std::string(filename) : name;
 }
 
-// A pattern that a name alone matches, in either case, as "latest" takes names for the same.
+// A pattern that matches only this name, ignoring case as "latest" does.
 std::string Exactly(std::string_view name) {
   std::string pattern = "\"" + NameAsMask(name);
   for (std::size_t quote = pattern.find('"', 1); quote != std::string::npos;

@@ -61,7 +61,7 @@ void Replace(engine::Database& database, std::string_view name, std::string_view
   try {
     database.DeleteQueryDef(name);
   } catch (const Error&) {
-    // Whatever was wrong with the old one, creating the new one decides.
+    // An error with the old query does not matter if the new one can be created.
   }
   database.CreateQueryDef(name, text);
 }

@@ -1,5 +1,5 @@
-// The restore dialog as a host drives it: set parameters, call DefineRestoreSet, answer CommenceRestore. The
-// COM class is a thin shell around this one; a C++ host on any platform can use it directly.
+// The restore dialog for hosts: set parameters, call DefineRestoreSet, handle CommenceRestore. The COM class
+// is a thin wrapper; a C++ host on any platform can use this class directly.
 #pragma once
 
 #include <cstdint>
@@ -27,7 +27,7 @@ class FormProvider {
   virtual void ApplySetting(std::function<void()> change) { change(); }
 };
 
-// One thread. No member ever throws: a failing step is skipped and the next one runs.
+// Single-threaded. No member throws: a failing step is skipped and the next one runs.
 class RestoreDlg {
  public:
   explicit RestoreDlg(FormProvider& forms);

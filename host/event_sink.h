@@ -1,4 +1,4 @@
-// Receives the event of a RestoreDlg. The whole of it is IDispatch with one number that means something.
+// Receives the event of a RestoreDlg: an IDispatch with one dispatch identifier.
 #pragma once
 
 #include <windows.h>
@@ -51,7 +51,7 @@ class EventSink final : public IDispatch {
   LONG m_references = 0;
 };
 
-// Connects a sink to an object for as long as it lives.
+// Connects a sink to an object during its lifetime.
 class Connection {
  public:
   Connection(IUnknown* source, std::function<void()> commenceRestore) {

@@ -1,4 +1,4 @@
-// The sample host's main window. It does nothing but show that the dialog disables it.
+// The sample host's main window, which shows that the dialog disables it.
 #pragma once
 
 #include <windows.h>

@@ -1,9 +1,8 @@
-// A sample host: it does what a backup client does with the component. Create the object, connect to its
-// event, set the properties, run the dialog, and restore the marked files inside the event. Here "restoring"
-// prints their paths.
+// A sample host. Like a backup client it creates the object, connects to its event, sets the properties, runs
+// the dialog, and restores the marked files in the event. Here "restoring" prints their paths.
 //
-// Exit codes: 0, whatever the user chose; 1 for the command line, 2 when the component or the event is not
-// there, 3 for a script that failed.
+// Exit codes: 0 whatever the user chose, 1 for an invalid command line, 2 when the component or its event is
+// missing, 3 for a failed script.
 #include <windows.h>
 
 #include <oleauto.h>

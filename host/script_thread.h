@@ -1,4 +1,4 @@
-// Runs a script of the dialog driver beside the dialog.
+// Runs a script of the dialog driver on a thread of its own.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@ namespace kxrestore::host {
 
 class ScriptThread {
  public:
-  // `file` and `shots` as in Arguments; an empty file runs nothing. A script that fails says why on the
-  // standard error and ends the process with exit code 3, because nobody is left who could close the dialog.
+  // `file` and `shots` as in Arguments; without a file nothing runs. A failing script prints the reason on
+  // the standard error and ends the process with exit code 3, because nothing else would close the dialog.
   ScriptThread(const std::string& file, const std::string& shots);
   ~ScriptThread();
   ScriptThread(const ScriptThread&) = delete;

@@ -1,9 +1,8 @@
-// The one form of the process, and who may touch it when.
+// The one form of the process, shared by all threads.
 //
-// The form belongs to no thread. Between dialogs it is plain state that every apartment may set, one at a
-// time. While a dialog is running it belongs to the thread that shows it: settings made on that thread (in
-// the event, say) apply at once, settings from other apartments wait without blocking until the dialog is
-// over, and a second dialog, from whichever thread, is refused.
+// Between dialogs any apartment may change the form, one at a time. During a dialog only the thread that
+// shows it changes the form, for example in the event. Changes from other apartments are queued until the
+// dialog ends, without blocking. A second dialog is refused on every thread.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The process's shared form, on real windows.
+// The shared form of the process, with windows.
 #pragma once
 
 #include "component/com/shared_form.h"

@@ -37,7 +37,7 @@ class DialogDriver {
 
   // Clicks an entry of a list, which selects it and gives the list the focus.
   void SelectEntry(const std::string& list, const std::string& which) const;
-  // Asks for the menu of a tree or list, about what is selected in it, and chooses the item of this text.
+  // Opens the menu of a tree or list for its selection and chooses the item with this text.
   void ChooseFromMenu(const std::string& control, const std::string& item) const;
   // Types into the words of the filter line above a list; the line must be open.
   void Filter(const std::string& list, const std::string& words) const;

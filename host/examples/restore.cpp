@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <string>
 
-// Receives the event: IDispatch with one number that means something.
+// Receives the event: an IDispatch with one dispatch identifier.
 class Events final : public IDispatch {
  public:
   explicit Events(std::wstring catalog) : m_catalog(std::move(catalog)) {}
