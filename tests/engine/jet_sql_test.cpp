@@ -1,137 +1,123 @@
-// The translator alone: what statements become for SQLite, and what it refuses.
+// The translator alone: what statements and views become for each database, and what is refused.
+#include <functional>
+#include <map>
 
 #include "engine/jet_sql/meaning/read_columns.h"
 #include "engine/jet_sql/printing/printer.h"
+#include "engine/jet_sql/printing/server_dialects.h"
+#include "engine/jet_sql/printing/tsql_dialect.h"
 #include "engine/jet_sql/reading/parser.h"
+#include "engine/jet_sql/reading/view_text.h"
 #include "engine/sql.h"
+#include "tests/engine/cases.h"
+#include "tests/engine/server_statements.h"
 #include "tests/engine/test_databases.h"
 
 namespace kxrestore::engine::jet_sql {
 namespace {
 
 using testing::ExpectError;
+using testing::ForServer;
+using testing::ForSqlServer;
+using Translation = std::function<std::string(const std::string&)>;
 
-std::string Direct(std::string_view source) {
+constexpr LikeSigns kSqlServer = {.hasLists = true}, kPostgres = {.escape = '\\'};
+
+std::string ForSqlite(const std::string& source) {
   return Print(Parse(source), SqliteDialect(false));
 }
-std::string Saved(std::string_view source) {
+
+std::string SavedForSqlite(const std::string& source) {
   return Print(Parse(source), SqliteDialect(true));
 }
 
-std::string Condition(std::string_view condition) {
-  const std::string text = Direct("SELECT a FROM t WHERE " + std::string(condition));
-  return text.substr(std::string_view("SELECT a AS a FROM t WHERE ").size());
+// The columns of the nested statement that are left.
+std::string NestedColumns(const std::string& source) {
+  Statement statement = Parse(source);
+  LeaveOutUnreadNestedColumns(std::get<SelectStatement>(statement));
+  const std::string text = Print(statement, SqliteDialect(false));
+  const std::size_t start = text.find("(SELECT ") + 8;
+  return text.substr(start, text.find(" FROM u") - start);
 }
 
-TEST(JetSql, Conditions) {
-  EXPECT_EQ(Condition("(((x)=1) AND ((y)='b') OR NOT z)"), "x = 1 AND y = 'b' OR NOT z");
-  EXPECT_EQ(Condition("(x=1 or y=2) and z=3"), "(x = 1 OR y = 2) AND z = 3");
-  EXPECT_EQ(Condition("x = True"), "x <> 0");
-  EXPECT_EQ(Condition("x <> True"), "x = 0");
-  EXPECT_EQ(Condition("False = x"), "x = 0");
-  EXPECT_EQ(Condition("x = \"it's \"\"so\"\"\""), "x = 'it''s \"so\"'");
-  EXPECT_EQ(Condition("x Not In (\"a\", 'b')"), "x NOT IN ('a', 'b')");
-  EXPECT_EQ(Condition("x Between 1 And 2 And y Is Not Null"), "x BETWEEN 1 AND 2 AND y IS NOT NULL");
-  EXPECT_EQ(Condition("d > #11/16/2026#"), "d > '2026-11-16 00:00:00'");
-  EXPECT_EQ(Condition("a - (b - c) = -d"), "(a - (b - c)) = (-d)");
-  EXPECT_EQ(Condition("a & 'x' & b = c"), "(coalesce(a, '') || 'x' || coalesce(b, '')) = c");
-  EXPECT_EQ(Condition("[Catalog.Filename] = [a b].[Order]"), "Catalog.Filename = [a b].[Order]");
-  EXPECT_EQ(Condition("x In (SELECT y FROM u)"), "x IN (SELECT y AS y FROM u)");
-  EXPECT_EQ(Condition("NOT (x = 1 AND y = 2)"), "NOT (x = 1 AND y = 2)");
-  EXPECT_EQ(Condition("Left(x, 3) = UCase(y)"), "substr(x, 1, 3) = upper(y)");
-  EXPECT_EQ(Condition("x Like 'a*'"), "kx_like(x, 'a*')");
-  EXPECT_EQ(Condition("IIf(x > 1, 'a', 'b') = y"), "CASE WHEN x > 1 THEN 'a' ELSE 'b' END = y");
-}
-
-TEST(JetSql, JoinsAreMirrored) {
-  const auto from = [](std::string_view source) {
-    const std::string text = Direct("SELECT * FROM " + std::string(source));
-    return text.substr(std::string_view("SELECT * FROM ").size());
+// Of a part of a statement that follows `head`, which is printed as `printedHead`.
+Translation Part(const std::string& head, const std::string& printedHead, const Translation& translate) {
+  return [=](const std::string& part) {
+    const std::string text = translate(head + part);
+    EXPECT_TRUE(text.starts_with(printedHead)) << text;
+    return text.substr(printedHead.size());
   };
-  EXPECT_EQ(from("A RIGHT JOIN B ON A.x = B.y"), "B LEFT JOIN A ON A.x = B.y");
-  EXPECT_EQ(from("S RIGHT JOIN (L RIGHT JOIN [C] ON L.p = C.l) ON S.i = C.s"),
-            "C LEFT JOIN L ON L.p = C.l LEFT JOIN S ON S.i = C.s");
-  EXPECT_EQ(from("A INNER JOIN B ON A.x = B.x RIGHT OUTER JOIN C ON B.y = C.y"),
-            "C LEFT JOIN (A INNER JOIN B ON A.x = B.x) ON B.y = C.y");
-  EXPECT_EQ(from("(A LEFT JOIN B ON A.x = B.x) INNER JOIN C AS D ON D.y = A.y"),
-            "A LEFT JOIN B ON A.x = B.x INNER JOIN C AS D ON D.y = A.y");
-  EXPECT_EQ(from("A, (SELECT 1 AS n) AS B"), "A, (SELECT 1 AS n) AS B");
 }
 
-TEST(JetSql, NestedColumnsThatNobodyReadGo) {
-  const auto nested = [](const std::string& items, const std::string& inner, const std::string& rest) {
-    Statement statement = Parse("SELECT " + items + " FROM T, (SELECT " + inner + ") AS Q " + rest);
-    LeaveOutUnreadNestedColumns(std::get<SelectStatement>(statement));
-    const std::string text = Print(statement, SqliteDialect(false));
-    const std::size_t start = text.find("(SELECT ") + 8;
-    return text.substr(start, text.find(" FROM u") - start);
+Translation OfViews(const LikeSigns& signs) {
+  return [=](const std::string& view) { return QueryTextOfView(view, signs); };
+}
+
+TEST(JetSql, Translations) {
+  const std::string restricted = "SELECT ID FROM Catalog WHERE ";
+  const Translation sqlServer = [](const std::string& source) { return ForSqlServer(source); };
+  const Translation postgres = [](const std::string& source) {
+    return ForServer(PostgresDialect(PostgresDialect::Order::kOwn, false), source);
   };
-  const std::string grouped = "a, Max(b) AS m, First(c) AS f FROM u GROUP BY a";
-  EXPECT_EQ(nested("T.x", grouped, "WHERE Q.m = T.m"), "Max(b) AS m");
-  EXPECT_EQ(nested("T.x, f", grouped, "ORDER BY Q.m"), "Max(b) AS m, c AS f");
-  EXPECT_EQ(nested("T.x", grouped, "WHERE x In (SELECT y FROM v WHERE Q.a = v.a)"), "a AS a");
-  EXPECT_EQ(nested("T.*", grouped, "WHERE Q.a = 1"), "a AS a");
-  // All of them are read, or decide which rows there are.
-  const std::string all = "a AS a, Max(b) AS m, c AS f";
-  for (const char* items : {"*", "Q.*"}) EXPECT_EQ(nested(items, grouped, "WHERE Q.a = 1"), all);
-  EXPECT_EQ(nested("T.x", "Max(a) AS m, Max(b) AS n FROM u", "WHERE Q.n = 1"), "Max(a) AS m, Max(b) AS n");
-  EXPECT_EQ(nested("T.x", "DISTINCT a, b FROM u", "WHERE Q.a = 1"), "DISTINCT a AS a, b AS b");
-  EXPECT_EQ(nested("T.x", "a, b FROM u ORDER BY 2", "WHERE Q.a = 1"), "a AS a, b AS b");
+  std::map<std::string, Translation> translations = {
+      {"SQLite: conditions", Part("SELECT a FROM t WHERE ", "SELECT a AS a FROM t WHERE ", ForSqlite)},
+      {"SQLite: joins", Part("SELECT * FROM ", "SELECT * FROM ", ForSqlite)},
+      {"SQLite", ForSqlite},
+      {"SQLite: saved queries", SavedForSqlite},
+      {"SQLite: nested columns", NestedColumns},
+      {"SQL Server: conditions",
+       Part(restricted, "SELECT [Catalog].[ID] AS [ID] FROM [Catalog] WHERE ", sqlServer)},
+      {"SQL Server", sqlServer},
+      {"SQL Server that minds case",
+       [](const std::string& source) { return ForSqlServer(source, false, true); }},
+      {"SQL Server: saved queries", [](const std::string& source) { return ForSqlServer(source, true); }},
+      {"PostgreSQL: conditions",
+       Part(restricted, "SELECT \"Catalog\".\"ID\" AS \"ID\" FROM \"Catalog\" WHERE ", postgres)},
+      {"PostgreSQL", postgres},
+      {"views of SQLite", OfViews({})},
+      {"views of PostgreSQL", OfViews(kPostgres)},
+      {"views of SQL Server", OfViews(kSqlServer)},
+      {"refused", ForSqlite}};
+  constexpr std::string_view kRefused = "refused: ", kEndsWith = "...";
+  for (const auto& [heading, cases] : testing::ReadCases("statements.txt")) {
+    const Translation translate = translations.at(heading);
+    for (const auto& [text, expected] : cases) {
+      SCOPED_TRACE(heading + ": " + text);
+      ASSERT_EQ(expected.size(), 1u);
+      std::string wanted = expected.front();
+      if (wanted.starts_with(kRefused)) {
+        wanted.erase(0, kRefused.size());
+        const std::size_t blank = wanted.find(' ');
+        ExpectError(std::stoi(wanted), wanted.substr(blank + 1), [&, source = text] { translate(source); });
+      } else if (wanted.starts_with(kEndsWith)) {
+        wanted.erase(0, kEndsWith.size());
+        const std::string found = translate(text);
+        EXPECT_EQ(found.substr(found.size() - std::min(found.size(), wanted.size())), wanted);
+      } else {
+        EXPECT_EQ(translate(text), wanted);
+      }
+    }
+    translations.erase(heading);
+  }
+  EXPECT_TRUE(translations.empty()) << "no cases for " << translations.begin()->first;
 }
 
-TEST(JetSql, Statements) {
-  EXPECT_EQ(
-      Direct("SELECT DISTINCT TOP 5 T.*, Count(*) FROM T GROUP BY a HAVING Max(b) > 1 ORDER BY a DESC, b;"),
-      "SELECT DISTINCT T.*, Count(*) AS Expr1001 FROM T GROUP BY kx_fold(a) HAVING Max(b) > 1 ORDER BY a "
-      "COLLATE kx_text_order DESC, b COLLATE kx_text_order LIMIT 5");
-  for (const char* same : {"SELECT a AS a FROM t UNION ALL SELECT b AS b FROM u UNION SELECT c AS c FROM v",
-                           "INSERT INTO t (a, b) VALUES (1, NULL)", "INSERT INTO t SELECT * FROM u"}) {
-    EXPECT_EQ(Direct(same), same);
+// What is written for a database is read from it again.
+TEST(JetSql, RoundTrips) {
+  for (const auto& [text, expected] : testing::ReadCases("statements.txt", "SQLite: saved queries")) {
+    const auto again = [](const std::string& body) {
+      return SavedForSqlite(QueryTextOfView("CREATE VIEW V AS " + body));
+    };
+    const std::string body = again(SavedForSqlite(text));
+    EXPECT_EQ(again(body), body);
   }
-  EXPECT_EQ(Direct("DELETE t.* FROM t WHERE x Is Null"), "DELETE FROM t WHERE x IS NULL");
-  EXPECT_EQ(Direct("SELECT First(a) AS f FROM t"), "SELECT a AS f FROM t LIMIT 1");
-}
-
-TEST(JetSql, SavedQueriesUseWhatEveryProgramHas) {
-  EXPECT_EQ(Saved("SELECT a FROM t WHERE n Like \"*10%_x\" ORDER BY First(b) DESC;"),
-            "SELECT a AS a FROM t WHERE n LIKE '%10\\%\\_x' ESCAPE '\\' ORDER BY b DESC");
-  EXPECT_EQ(Saved("SELECT IIf(IsNull([p]),[f],[P]) AS r FROM t"), "SELECT coalesce(P, f) AS r FROM t");
-  // What is written for SQLite is read again.
-  for (const char* text :
-       {"SELECT CASE x WHEN 1 THEN 'a' ELSE 'b' END AS c FROM t",
-        "SELECT CAST(x AS TEXT) AS c, coalesce(a, b) AS [Order] FROM t WHERE EXISTS (SELECT 1 AS n FROM u)",
-        "SELECT (a || b) || c AS d FROM t ORDER BY a COLLATE NOCASE"}) {
-    EXPECT_EQ(Saved(text), Saved(Saved(text)));
+  for (const auto& [text, expected] : testing::ReadCases("statements.txt", "SQL Server: conditions")) {
+    if (!text.starts_with("File Like")) continue;
+    const std::string body = ForSqlServer("SELECT ID FROM Catalog WHERE Not " + text, true);
+    EXPECT_EQ(ForSqlServer(QueryTextOfView("CREATE VIEW V AS " + body, kSqlServer), true), body);
   }
-}
-
-TEST(JetSql, RefusesWithTheOffendingPiece) {
-  const struct {
-    const char* source;
-    int number;
-    const char* piece;
-  } cases[] = {
-      {"SELECT a FROM t WHERE x = 'a'b'", 3075, "''"},
-      {"SELECT a FROM t WHERE x = 'O'Brien' AND y = 1", 3075, "AND y = 1"},
-      {"SELECT a FROM t WHERE", 3075, "WHERE"},
-      {"SELECT a FROM t WHERE (x = 1", 3075, "x = 1"},
-      {"SELEKT a", 3075, "SELEKT a"},
-      {"", 3075, ""},
-      {"SELECT a FROM t WHERE x = #13/45/2026#", 3075, "#13/45/2026#"},
-      {"SELECT [a FROM t", 3075, "[a FROM t"},
-      {"SELECT a FROM t;;", 3142, ";"},
-      {"SELECT a FROM t -- x", 3075, "-- x"},
-      {"PRAGMA writable_schema = 1", 3075, "PRAGMA"},
-      {"ATTACH 'x' AS y", 3075, "ATTACH"},
-      {"UPDATE t SET", 3075, ""},
-      {"DELETE WHERE x", 3075, "WHERE x"},
-      {"SELECT a FROM t WHERE x = 12abc", 3075, "12abc"},
-      {"SELECT a \x02 FROM t", 3075, ""},
-  };
-  for (const auto& [source, number, piece] : cases) {
-    SCOPED_TRACE(source);
-    ExpectError(number, piece, [text = source] { Parse(text); });
-  }
+  EXPECT_EQ(QueryTextOfView("\r\nCREATE VIEW V AS\r\nSELECT n -- name\r\nFROM t;\r\n"),
+            "SELECT n  \nFROM t;");
 }
 
 // Texts that would drive a careless parser, printer or destructor through the stack.
@@ -142,22 +128,32 @@ TEST(JetSql, DepthIsBounded) {
     return text;
   };
   const std::string start = "SELECT a FROM t WHERE ";
-  for (const std::string& text :
-       {start + repeat("(", 100000) + "1", start + repeat("NOT ", 100000) + "1",
-        start + repeat("-", 100000) + "1", start + "1" + repeat(" = 1", 100000),
-        start + "1" + repeat(" Is Null", 100000), start + repeat("f(", 100000),
-        start + repeat("CASE ", 100000), start + repeat("(SELECT ", 100000),
-        "SELECT * FROM " + repeat("(", 100000), "SELECT a FROM t" + repeat(" RIGHT JOIN t ON 1", 100000),
-        "SELECT a FROM t" + repeat(", t", 100000),
-        "SELECT a FROM t" + repeat(" UNION SELECT a FROM t", 100000),
-        start + "x" + repeat(" COLLATE y", 100000)}) {
-    SCOPED_TRACE(text.substr(0, 60));
-    ExpectError(error_number::kSyntax, "", [&] { Parse(text); });
+  for (const auto& [head, piece] : {std::pair(start, "("),
+                                    {start, "NOT "},
+                                    {start, "-"},
+                                    {start + "1", " = 1"},
+                                    {start + "1", " Is Null"},
+                                    {start, "f("},
+                                    {start, "CASE "},
+                                    {start, "(SELECT "},
+                                    {start + "x", " COLLATE y"},
+                                    {"SELECT * FROM ", "("},
+                                    {"SELECT a FROM t", " RIGHT JOIN t ON 1"},
+                                    {"SELECT a FROM t", ", t"},
+                                    {"SELECT a FROM t", " UNION SELECT a FROM t"},
+                                    {"", ""},
+                                    {start, "\x02"}}) {
+    SCOPED_TRACE(head + piece);
+    ExpectError(error_number::kSyntax, "", [&, text = head + repeat(piece, 100000) + "1"] { Parse(text); });
   }
-  const std::string longChain = start + "x = 1" + repeat(" OR x = 1", 20000);
-  EXPECT_GT(Direct(longChain).size(), 100000u);
+  EXPECT_GT(ForSqlite(start + "x = 1" + repeat(" OR x = 1", 20000)).size(), 100000u);
   const std::string nested = start + repeat("(1 + ", 100) + "1" + repeat(")", 100);
-  EXPECT_EQ(Direct(Direct(nested)), Direct(nested));
+  EXPECT_EQ(ForSqlite(ForSqlite(nested)), ForSqlite(nested));
+  // A dialect that repeats an operand doubles the text with every level.
+  ExpectError(error_number::kSyntax, "too complex", [&] {
+    ForSqlServer("SELECT ID FROM Catalog WHERE " + repeat("((", 60) + "Restore" +
+                 repeat(" = True) = Restore)", 60));
+  });
 }
 
 TEST(Sql, PrintsWithItsValues) {

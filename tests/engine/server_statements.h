@@ -1,5 +1,5 @@
-// The statements that this component puts to a server: those that the catalog code builds, taken down from
-// it, and those of the dialog's panels.
+// The statements that this component puts to a server, taken down from the code that builds them, and what
+// the server gets of them.
 #pragma once
 
 #include <string>
@@ -17,15 +17,17 @@ struct ServerStatement {
 
 std::vector<ServerStatement> ServerStatements();
 
-// What the panels of the dialog ask for, and its rows where the catalog has those of CatalogRows().
+// The listings of the dialog's panels, and their rows where the catalog has those of CatalogRows().
 struct PanelStatement {
   std::string text;
   std::vector<std::string> rows;
 };
 std::vector<PanelStatement> PanelStatements();
 
-// As SQL Server is to get it, names and kinds of columns being those of a catalog there.
+// A statement as a server gets it that spells names as the catalog does and has its kinds of columns.
 // `read`: see Database::OpenRecordset.
+std::string ForServer(const jet_sql::Dialect& dialect, const std::string& text, bool savedQuery = false,
+                      const ColumnNames& read = {});
 std::string ForSqlServer(const std::string& text, bool savedQuery = false, bool mindsCase = false,
                          const ColumnNames& read = {});
 

@@ -11,25 +11,11 @@ namespace {
 using testing::ExpectError;
 using testing::Rows;
 
-class SqliteCommit : public ::testing::Test {
- protected:
-  void SetUp() override { m_test->Run(testing::CatalogSchema() + testing::CatalogRows()); }
-  std::unique_ptr<Database> Open() { return m_workspace->OpenDatabase(m_test->Request()); }
-  void Mark(int id) {
-    EXPECT_EQ(Open()->Execute("UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=" +
-                                  std::to_string(id) + "));",
-                              kFailOnError),
-              1);
-  }
-  // What another connection sees.
-  std::string Marked() {
-    return m_test->Ask("SELECT group_concat(ID) FROM Catalog WHERE Restore = 1 ORDER BY ID");
-  }
-  static void LetTimePass() { std::this_thread::sleep_for(std::chrono::milliseconds(110)); }
+using SqliteCommit = testing::SqliteTest;
 
-  std::unique_ptr<testing::TestDatabase> m_test = testing::MakeSqliteFile();
-  std::unique_ptr<Workspace> m_workspace = testing::MakeImpatientWorkspace();
-};
+void LetTimePass() {
+  std::this_thread::sleep_for(std::chrono::milliseconds(110));
+}
 
 TEST_F(SqliteCommit, AtOnceOutsideAnActionAndTogetherWithin) {
   Mark(5);
@@ -126,9 +112,7 @@ TEST_F(SqliteCommit, AnotherWriterBetweenOurGroups) {
           Open()->OpenRecordset("SELECT ID, Restore FROM Catalog ORDER BY ID", RecordsetType::kDynaset);
       if (mode[0] == 'W') m_test->Run("UPDATE SetNames SET Name = 'changed' WHERE ID = 3");
       for (; !dynaset->Eof(); dynaset->MoveNext()) {
-        dynaset->Edit();
-        dynaset->Fields("Restore").Set(true);
-        dynaset->Update();
+        testing::Change(*dynaset, "Restore", true);
         m_workspace->Flush();
       }
     }
@@ -165,7 +149,8 @@ TEST_F(SqliteCommit, ASavedQueryMadeAgainUnchangedIsNotWritten) {
 class SqliteDisk : public SqliteCommit {
  protected:
   SqliteDisk() {
-    m_test = testing::MakeSqliteFile();  // under the eye of m_files
+    m_test = testing::MakeSqliteFile();  // this one goes through m_files
+    m_test->Run(testing::CatalogSchema() + testing::CatalogRows());
   }
   testing::WatchedFiles m_files;
 };

@@ -14,7 +14,7 @@ namespace {
 using testing::ExpectError;
 using testing::Rows;
 
-class SqliteFile : public ::testing::Test {
+class SqliteFile : public testing::SqliteTest {
  protected:
   std::unique_ptr<Database> Open(const std::string& name) {
     return m_workspace->OpenDatabase({.name = name});
@@ -31,12 +31,9 @@ class SqliteFile : public ::testing::Test {
     std::ifstream stream(Path(m_catalog), std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
   }
-  void SetUp() override { m_test->Run(testing::CatalogSchema() + testing::CatalogRows()); }
 
   testing::TemporaryFolder m_folder;
-  std::unique_ptr<testing::TestDatabase> m_test = testing::MakeSqliteFile();
   const std::string m_catalog = m_test->Request().name;
-  std::unique_ptr<Workspace> m_workspace = testing::MakeImpatientWorkspace();
 };
 
 TEST_F(SqliteFile, WhatIsNoCatalogIsToldApart) {

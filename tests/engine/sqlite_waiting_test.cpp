@@ -21,18 +21,10 @@ constexpr auto kNever = Clock::duration::max();
 constexpr const char* kEndless =
     "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i AS ID, 'f' || i AS Name FROM n";
 
-class SqliteWaiting : public ::testing::Test {
+class SqliteWaiting : public testing::SqliteTest {
  protected:
-  void SetUp() override { m_test->Run(testing::CatalogSchema() + testing::CatalogRows()); }
+  SqliteWaiting() { m_workspace = MakeDefaultWorkspace(); }
   void TearDown() override { m_workspace->SetWaiting({}); }
-
-  std::unique_ptr<Database> Open() { return m_workspace->OpenDatabase(m_test->Request()); }
-  static void Mark(Database& database, int id) {
-    database.Execute("UPDATE Catalog SET Restore = True WHERE ID = " + std::to_string(id), kFailOnError);
-  }
-  std::string Marked() {
-    return m_test->Ask("SELECT group_concat(ID) FROM Catalog WHERE Restore = 1 ORDER BY ID");
-  }
 
   // From now on the callback is invoked, and requests a stop after `patience`.
   void Watch(Clock::duration patience) {
@@ -71,8 +63,6 @@ class SqliteWaiting : public ::testing::Test {
     }
   }
 
-  std::unique_ptr<testing::TestDatabase> m_test = testing::MakeSqliteFile();
-  std::unique_ptr<Workspace> m_workspace = MakeDefaultWorkspace();
   Clock::time_point m_start, m_last;
   Clock::duration m_longest{};
 };
@@ -83,7 +73,7 @@ TEST_F(SqliteWaiting, ForLocksEndsWhenAsked) {
   Rows(*database, "SetNames");
   m_test->Run("BEGIN EXCLUSIVE");
   ExpectStopped("reading", error_number::kCanceled, [&] { Rows(*database, "SELECT ID FROM Catalog"); });
-  ExpectStopped("marking", error_number::kCanceled, [&] { Mark(*database, 1); });
+  ExpectStopped("marking", error_number::kCanceled, [&] { testing::Mark(*database, 1); });
   ExpectStopped("a saved query", error_number::kCanceled, [&] { database->DeleteQueryDef("FullCatalog"); });
   m_workspace->EndAction();
   m_workspace->BeginAction();
@@ -92,7 +82,7 @@ TEST_F(SqliteWaiting, ForLocksEndsWhenAsked) {
 
   const auto again = Open();
   ExpectStopped("committing", error_number::kRowLocked, [&] {
-    Mark(*again, 1);
+    testing::Mark(*again, 1);
     m_test->Run("BEGIN; SELECT count(*) FROM Catalog");
     try {
       m_workspace->Flush();
@@ -101,7 +91,7 @@ TEST_F(SqliteWaiting, ForLocksEndsWhenAsked) {
       throw;
     }
   });
-  Mark(*again, 2);
+  testing::Mark(*again, 2);
   m_workspace->EndAction();
   EXPECT_EQ(Marked(), "2,4");
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM sqlite_schema WHERE name = 'FullCatalog'"), "1");
@@ -110,7 +100,7 @@ TEST_F(SqliteWaiting, ForLocksEndsWhenAsked) {
 // A program that has left already still lets a commit have a moment, which is mostly all it needs.
 TEST_F(SqliteWaiting, ACommitHasAMomentOfGrace) {
   m_workspace->BeginAction();
-  Mark(*Open(), 1);
+  SqliteTest::Mark(1);
   m_test->Run("BEGIN; SELECT count(*) FROM Catalog");
   int turns = 0;
   m_workspace->SetWaiting([&] {
@@ -130,7 +120,7 @@ TEST_F(SqliteWaiting, LocksKeepAnActionForOneTimeOnly) {
   const auto start = Clock::now();
   for (int i = 0; i < 5; ++i) {
     ExpectError(error_number::kRecordLocked, "", [&] { Rows(*database, "SELECT ID FROM Catalog"); });
-    ExpectError(error_number::kRowLocked, "", [&] { Mark(*database, 1); });
+    ExpectError(error_number::kRowLocked, "", [&] { testing::Mark(*database, 1); });
   }
   m_workspace->EndAction();
   const auto spent = Clock::now() - start;
@@ -138,7 +128,7 @@ TEST_F(SqliteWaiting, LocksKeepAnActionForOneTimeOnly) {
   EXPECT_LT(spent, 600ms);
   m_test->Run("COMMIT");
   m_workspace->BeginAction();
-  Mark(*Open(), 1);
+  SqliteTest::Mark(1);
   m_workspace->EndAction();
   EXPECT_EQ(Marked(), "1,4");
 }
@@ -155,22 +145,20 @@ TEST_F(SqliteWaiting, WorkWithoutEndEndsWhenAsked) {
     const auto rows = database->OpenRecordset("Endless", RecordsetType::kSnapshot);
     while (!rows->Eof()) rows->MoveNext();
   });
-  Mark(*database, 1);
-  ExpectStopped("a trigger", error_number::kCanceled, [&] { Mark(*database, 3); });
+  testing::Mark(*database, 1);
+  ExpectStopped("a trigger", error_number::kCanceled, [&] { testing::Mark(*database, 3); });
   ExpectStopped("a mark by row", error_number::kCanceled, [&] {
     const auto row = database->OpenRecordset("SELECT * FROM Catalog WHERE ID = 3", RecordsetType::kDynaset);
-    row->Edit();
-    row->Fields("Restore").Set(true);
-    row->Update();
+    testing::Change(*row, "Restore", true);
   });
   ExpectStopped("many rows", error_number::kCanceled,
                 [&] { database->Execute("INSERT INTO Copied (ID) SELECT ID FROM Endless", kFailOnError); });
   // What is written beside a list that is read makes the engine take the list into memory.
   ExpectStopped("the rest of a list", error_number::kCanceled, [&] {
     const auto rows = database->OpenRecordset("Endless", RecordsetType::kSnapshot);
-    Mark(*database, 2);
+    testing::Mark(*database, 2);
   });
-  Mark(*database, 7);
+  testing::Mark(*database, 7);
   m_workspace->EndAction();
   EXPECT_EQ(Marked(), "1,4,7") << "and none of those that were ended";
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Copied"), "0");
@@ -182,7 +170,7 @@ TEST_F(SqliteWaiting, AListThatWasCutOffSaysSoAtItsEnd) {
   const auto database = Open();
   const auto rows = database->OpenRecordset("Endless", RecordsetType::kSnapshot);
   Watch(50ms);
-  ExpectError(error_number::kCanceled, "", [&] { Mark(*database, 1); });
+  ExpectError(error_number::kCanceled, "", [&] { testing::Mark(*database, 1); });
   m_workspace->SetWaiting({});
   std::int64_t id = 1;
   EXPECT_EQ(rows->Fields("ID").Integer(), id);
@@ -196,8 +184,8 @@ TEST_F(SqliteWaiting, AListThatWasCutOffSaysSoAtItsEnd) {
 TEST_F(SqliteWaiting, SlowFilesLeaveTurns) {
   testing::WatchedFiles files;
   m_test = testing::MakeSqliteFile();
-  SetUp();
   m_test->Run(
+      testing::CatalogSchema() + testing::CatalogRows() +
       "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 9000) INSERT INTO Catalog "
       "(ID, "
       "Filename, SetNameID, Restore) SELECT i, 'C:\\some\\longer\\folder\\file' || i, 1, 0 FROM n");
@@ -206,7 +194,7 @@ TEST_F(SqliteWaiting, SlowFilesLeaveTurns) {
   m_workspace->BeginAction();
   Watch(kNever);
   const auto database = Open();
-  Mark(*database, 101);
+  testing::Mark(*database, 101);
   m_workspace->Flush();
   Look();
   EXPECT_LT(m_longest, 100ms) << "marking and committing";

@@ -179,6 +179,19 @@ std::vector<std::string> Rows(Database& database, std::string_view source, Recor
   return rows;
 }
 
+void Change(Recordset& rows, std::string_view field, Value value) {
+  rows.Edit();
+  rows.Fields(field).Set(std::move(value));
+  rows.Update();
+}
+
+void Mark(Database& database, int id) {
+  EXPECT_EQ(database.Execute("UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=" +
+                                 std::to_string(id) + "));",
+                             kFailOnError),
+            1);
+}
+
 void ExpectSameCatalog(Database& catalog, Database& other) {
   const std::string columns =
       "SELECT ID, DateStamp, SetNameID, Extension, Filename, File, LongPathID, StoreName, StoreMethod, "

@@ -67,6 +67,12 @@ std::string CatalogRows();
 std::vector<std::string> Rows(Database& database, std::string_view source,
                               RecordsetType type = RecordsetType::kSnapshot);
 
+// Sets a field of the current row.
+void Change(Recordset& rows, std::string_view field, Value value);
+
+// Marks the row of that number in a catalog.
+void Mark(Database& database, int id);
+
 // Expects the same rows in every table of two catalogs, and some in each.
 void ExpectSameCatalog(Database& catalog, Database& other);
 
@@ -81,6 +87,21 @@ void ExpectError(int number, std::string_view piece, Operation operation) {
     EXPECT_NE(error.Description().find(piece), std::string::npos) << error.Description();
   }
 }
+
+// A catalog in a SQLite file, opened without much waiting for locks.
+class SqliteTest : public ::testing::Test {
+ protected:
+  SqliteTest() { m_test->Run(CatalogSchema() + CatalogRows()); }
+  std::unique_ptr<Database> Open() { return m_workspace->OpenDatabase(m_test->Request()); }
+  void Mark(int id) { testing::Mark(*Open(), id); }
+  // The numbers that another connection sees.
+  std::string Marked() {
+    return m_test->Ask("SELECT group_concat(ID) FROM Catalog WHERE Restore = 1 ORDER BY ID");
+  }
+
+  std::unique_ptr<TestDatabase> m_test = MakeSqliteFile();
+  std::unique_ptr<Workspace> m_workspace = MakeImpatientWorkspace();
+};
 
 // A catalog in a database of every kind.
 class ConformanceTest : public ::testing::TestWithParam<TestDatabaseKind> {

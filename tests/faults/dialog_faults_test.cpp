@@ -15,9 +15,6 @@ namespace {
 
 using namespace dialog_test;  // NOLINT: its steps, buttons and lists
 
-constexpr const char* kFailingNames[] = {"nothing", "memory", "the database's memory", "its files",
-                                         "a full disk"};
-
 // Memory of the test's own does not fail.
 class CalmDesktop : public platform::HeadlessDesktop {
  public:
@@ -57,62 +54,43 @@ class DialogFaults : public testing::Test {
     dialog.CommenceRestore = [&] { ++commenced; };
     m_desktop.messages.clear();
     m_desktop.answers.assign(20, platform::Answer::kYes);
-    const auto fail = [&](const auto& body) {
-      Arm(failing, at, forever);
-      const bool passes = Passes(body);
-      return std::pair(Disarm(), passes);
-    };
-
-    std::pair<long, bool> outcome;
-    if (step == Step::kLoad) outcome = fail([&] { dialog.Load(); });
+    const bool loads = step == Step::kLoad;
+    if (!loads) Prepare(step, dialog.Controls());
+    Arm(failing, at, forever);
+    const bool passes = Passes([&] { loads ? dialog.Load() : Start(step, dialog.Controls()); });
+    const long calls = Disarm();
     FormControls& controls = dialog.Controls();
-    if (step != Step::kLoad) {
-      Prepare(step, controls);
-      outcome = fail([&] { Start(step, controls); });
-    }
     if (at > 0 && HasFailed()) {
       const Ending end{.marked = m_catalog.Marked(),
                        .commenced = commenced,
                        .messages = m_desktop.messages,
                        .told = forever && failing == Failing::kMemory ? Told::kNoMemory : Told::kSomehow};
       std::string wrong = Wrong(step, controls, end);
-      if (!outcome.second) wrong += "; an exception came out of the event";
+      if (!passes) wrong += "; an exception came out of the event";
       if (controls.form.IsOpen()) {
         m_desktop.messages.clear();
         controls.cmdRestore[kRefresh].UserClick();
         // A form that was not loaded to its end, and says so, knows no catalog.
         const bool says = end.Reported() && end.told == Told::kSomehow;
-        const bool holds = step == Step::kLoad && (says || !m_desktop.messages.empty());
+        const bool holds = loads && (says || !m_desktop.messages.empty());
         if (!holds && (FilesIn(controls.asRestoreList) != end.marked || !m_desktop.messages.empty())) {
           wrong += "; Refresh does not show the truth";
         }
       }
-      Tell(std::string(kFailingNames[static_cast<int>(failing)]) + " fails " +
-               (forever ? "from a call on" : "once") + ", " + kStepNames[static_cast<int>(step)],
-           wrong.empty());
-      EXPECT_TRUE(wrong.empty()) << kStepNames[static_cast<int>(step)] << ", "
-                                 << kFailingNames[static_cast<int>(failing)] << " at call " << at
-                                 << (forever ? " and on: " : ": ") << wrong;
+      const std::string what = std::string(NameOf(failing)) + " fails " +
+                               (forever ? "from a call on, " : "once, ") + kStepNames[static_cast<int>(step)];
+      Tell(what, wrong.empty());
+      EXPECT_EQ(wrong, "") << what << ", call " << at;
     }
     m_desktop.answers.assign(20, platform::Answer::kNo);
     if (controls.form.IsOpen()) controls.form.Unload();
-    return outcome.first;
+    return calls;
   }
 
-  // A sample of the calls of each step, or all of them.
-  void Sweep(Failing failing) {
-    constexpr long kSample = 12;
+  void SweepSteps(Failing failing) {
     for (std::size_t number = 0; number < kSteps; ++number) {
       const auto step = static_cast<Step>(number);
-      for (const bool forever : {false, true}) {
-        const long calls = Try(step, failing, 0, false);
-        const long distance = std::max(1L, calls / kSample / static_cast<long>(Times()));
-        for (long at = 1 + static_cast<long>(Seed()) % distance; at <= calls; at += distance) {
-          Try(step, failing, at, forever);
-          const auto* const result = testing::UnitTest::GetInstance()->current_test_info()->result();
-          if (result->total_part_count() > 40) return;
-        }
-      }
+      Sweep(12, [&](long at, bool forever) { return Try(step, failing, at, forever); });
     }
   }
 
@@ -160,16 +138,16 @@ TEST_F(DialogFaults, DamagedPages) {
 }
 
 TEST_F(DialogFaults, Memory) {
-  Sweep(Failing::kMemory);
+  SweepSteps(Failing::kMemory);
 }
 TEST_F(DialogFaults, MemoryOfTheDatabase) {
-  Sweep(Failing::kDatabaseMemory);
+  SweepSteps(Failing::kDatabaseMemory);
 }
 TEST_F(DialogFaults, Files) {
-  Sweep(Failing::kFiles);
+  SweepSteps(Failing::kFiles);
 }
 TEST_F(DialogFaults, FullDisk) {
-  Sweep(Failing::kFullDisk);
+  SweepSteps(Failing::kFullDisk);
 }
 
 }  // namespace

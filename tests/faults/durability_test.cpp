@@ -4,21 +4,151 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
 #include <random>
 #include <string>
 #include <thread>
 
+#include "tests/engine/hooked_files.h"
 #include "tests/engine/test_databases.h"
-#include "tests/faults/power_loss_disk.h"
 #include "tests/faults/told.h"
 
 namespace kxrestore::faults {
 namespace {
 
+using engine::testing::FileCall;
 using engine::testing::MakeSqliteFile;
 using engine::testing::TestDatabase;
+
+// What a disk holds after a power failure. While an object lives, everything that SQLite does to the files of
+// one folder is written down, and at any moment the folder can be made again as a failure would leave it: of
+// what was not synced, some has reached the disk and some has not. New and deleted names count as synced when
+// their folder is.
+class PowerLossDisk {
+ public:
+  // How many of the unsynced changes have reached the disk.
+  enum class Reached { kNone, kSome, kAll };
+
+  // The files that are there are safe. `step` is called before each change of a file or of the folder.
+  PowerLossDisk(std::string folder, std::function<void()> step)
+      : m_folder(std::move(folder) + "/"), m_step(std::move(step)) {
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder)) {
+      std::ifstream stream(entry.path(), std::ios::binary);
+      m_names[entry.path().filename().string()] =
+          std::make_shared<File>(File{{std::istreambuf_iterator<char>(stream), {}}, {}});
+    }
+    m_safeNames = m_names;
+  }
+
+  // Makes the folder `target` as it would be found if power failed now. `seed` chooses what has reached it.
+  void Fail(const std::string& target, Reached reached, unsigned seed) const {
+    std::mt19937 random(seed);
+    const auto hasReached = [&] {
+      return reached == Reached::kAll || (reached == Reached::kSome && random() % 2 == 0);
+    };
+    std::filesystem::remove_all(target);
+    std::filesystem::create_directory(target);
+    Names found = m_safeNames;
+    for (const auto& [name, file] : m_names) {
+      if (!found.contains(name) && hasReached()) found[name] = file;
+    }
+    for (const auto& [name, file] : m_safeNames) {
+      if (!m_names.contains(name) && hasReached()) found.erase(name);
+    }
+    for (const auto& [name, file] : found) {
+      std::string content = file->safe;
+      for (const Change& change : file->unsynced) {
+        if (hasReached()) Apply(content, change);
+      }
+      std::ofstream(target + "/" + name, std::ios::binary) << content;
+    }
+  }
+
+  std::size_t Syncs() const { return m_syncs; }
+
+ private:
+  // A write of part of a file, or a cut when there are no bytes.
+  struct Change {
+    std::size_t at;
+    std::string bytes;
+  };
+  struct File {
+    std::string safe;
+    std::vector<Change> unsynced;
+  };
+  using Names = std::map<std::string, std::shared_ptr<File>>;
+
+  static void Apply(std::string& content, const Change& change) {
+    if (change.bytes.empty()) return content.resize(change.at);
+    content.resize(std::max(content.size(), change.at + change.bytes.size()));
+    content.replace(change.at, change.bytes.size(), change.bytes);
+  }
+
+  // A file that is reopened may be another one.
+  void Opened(const FileCall& call, const std::string& name) {
+    m_open.erase(call.file);
+    if (name.empty() || (!m_names.contains(name) && (call.flags & SQLITE_OPEN_CREATE) == 0)) return;
+    std::shared_ptr<File>& found = m_names[name];
+    if (!found) found = std::make_shared<File>();
+    m_open[call.file] = found;
+  }
+
+  // A sector is written as a whole or not at all.
+  static void Write(File& file, std::string_view bytes, std::size_t at) {
+    constexpr std::size_t kSector = 512;
+    while (!bytes.empty()) {
+      const std::string_view piece = bytes.substr(0, kSector - at % kSector);
+      file.unsynced.push_back({at, std::string(piece)});
+      bytes.remove_prefix(piece.size());
+      at += piece.size();
+    }
+  }
+
+  void SyncFolder() {
+    m_step();
+    ++m_syncs;
+    m_safeNames = m_names;
+  }
+
+  // The first sync of a new file syncs its folder, too.
+  void Sync(File& file) {
+    ++m_syncs;
+    for (const Change& change : file.unsynced) Apply(file.safe, change);
+    file.unsynced.clear();
+    if (std::ranges::none_of(m_safeNames, [&](const auto& safe) { return safe.second.get() == &file; }))
+      SyncFolder();
+  }
+
+  int OnCall(const FileCall& call) {
+    const std::string name(call.name.starts_with(m_folder) ? call.name.substr(m_folder.size()) : "");
+    if (call.kind == FileCall::kOpen) Opened(call, name);
+    if (call.kind == FileCall::kDelete && m_names.contains(name)) {
+      m_step();
+      m_names.erase(name);
+      if (call.flags != 0) SyncFolder();
+    }
+    const auto found = m_open.find(call.file);
+    if (found == m_open.end()) return SQLITE_OK;
+    const auto at = static_cast<std::size_t>(call.at);
+    if (call.kind >= FileCall::kWrite && call.kind <= FileCall::kSync) m_step();
+    if (call.kind == FileCall::kWrite) Write(*found->second, call.bytes, at);
+    if (call.kind == FileCall::kTruncate) found->second->unsynced.push_back({at, {}});
+    if (call.kind == FileCall::kSync) Sync(*found->second);
+    return SQLITE_OK;
+  }
+
+  const std::string m_folder;
+  const std::function<void()> m_step;
+  Names m_names, m_safeNames;
+  std::map<const sqlite3_file*, std::shared_ptr<File>> m_open;
+  std::size_t m_syncs = 0;
+  engine::testing::HookedFiles m_files{[this](const FileCall& call) { return OnCall(call); }};
+};
 
 // By the journal's mode.
 class Durability : public ::testing::TestWithParam<const char*> {
@@ -32,8 +162,7 @@ class Durability : public ::testing::TestWithParam<const char*> {
         "i, 1, 0 FROM n; CREATE INDEX ByRestore ON Catalog (Restore)");
   }
   static void Mark(engine::Workspace& workspace, const std::string& file, int id) {
-    workspace.OpenDatabase({.name = file})
-        ->Execute("UPDATE Catalog SET Restore = True WHERE ID = " + std::to_string(id), engine::kFailOnError);
+    engine::testing::Mark(*workspace.OpenDatabase({.name = file}), id);
   }
   // Tells whether a catalog holds the marks that were safe, those that were tried at most, and is whole.
   static void Judge(const std::string& what, TestDatabase& found, int safe, int tried) {
@@ -65,7 +194,7 @@ TEST_P(Durability, PowerFails) {
     watched = disk;
   };
   PowerLossDisk disk(before, [&] {
-    if (watched == nullptr || ++moment % Sparsely(4) != 0) return;
+    if (watched == nullptr || ++moment % std::max(4 / Times(), 1u) != 0) return;
     judge(Reached::kNone, moment);
     judge(Reached::kSome, moment + Seed());
     judge(Reached::kAll, moment);

@@ -16,10 +16,8 @@ using engine::Database;
 using engine::RecordsetType;
 using Ids = std::set<int>;
 
-class EngineFaults : public testing::Test {
+class EngineFaults : public engine::testing::SqliteTest {
  protected:
-  EngineFaults() { m_test->Run(engine::testing::CatalogSchema() + engine::testing::CatalogRows()); }
-
   template <class Step>
   static bool Succeeds(Step step) {
     try {
@@ -31,24 +29,10 @@ class EngineFaults : public testing::Test {
     return false;
   }
 
-  void Mark(Database& database, int id) {
-    const auto step = [&] {
-      database.Execute("UPDATE Catalog SET Restore = True WHERE ID = " + std::to_string(id),
-                       engine::kFailOnError);
-    };
-    Note(id, Succeeds(step));
-  }
-  void MarkRow(Database& database, int id) {
-    const auto step = [&] {
-      const auto row = database.OpenRecordset("SELECT Restore FROM Catalog WHERE ID = " + std::to_string(id),
-                                              RecordsetType::kDynaset);
-      row->Edit();
-      row->Fields("Restore").Set(true);
-      row->Update();
-    };
-    Note(id, Succeeds(step));
-  }
-  void Note(int id, bool done) {
+  // Marks a row by `step`.
+  template <class Step>
+  void Mark(int id, Step step) {
+    const bool done = Succeeds(step);
     const Pause pause;
     (done ? m_waiting : m_failed).insert(id);
   }
@@ -68,15 +52,19 @@ class EngineFaults : public testing::Test {
     if (database) {
       std::unique_ptr<engine::Recordset> rows;
       Succeeds([&] { rows = database->OpenRecordset("FullCatalog", RecordsetType::kSnapshot); });
-      Mark(*database, 1);
+      Mark(1, [&] { engine::testing::Mark(*database, 1); });
       Succeeds([&] {
         for (; rows && !rows->Eof(); rows->MoveNext()) rows->Fields("OrigName").Text();
       });
       Commit([&] { workspace.Flush(); });
-      MarkRow(*database, 2);
+      Mark(2, [&] {
+        const auto row =
+            database->OpenRecordset("SELECT Restore FROM Catalog WHERE ID = 2", RecordsetType::kDynaset);
+        engine::testing::Change(*row, "Restore", true);
+      });
       Succeeds([&] { database->DeleteQueryDef("FullCatalog"); });
       Succeeds([&] { database->CreateQueryDef("Mine", "SELECT ID FROM Catalog WHERE Status = 2;"); });
-      Mark(*database, 3);
+      Mark(3, [&] { engine::testing::Mark(*database, 3); });
       Succeeds([&] { database->QueryText("Mine"); });
       Succeeds([&] {
         database->BeginTrans();
@@ -91,71 +79,54 @@ class EngineFaults : public testing::Test {
   long Try(Failing failing, long at, bool forever) {
     m_test->Run(
         "UPDATE Catalog SET Restore = 0; DROP VIEW IF EXISTS Mine; DROP VIEW IF EXISTS FullCatalog; CREATE "
-        "VIEW "
-        "FullCatalog AS SELECT * FROM Catalog");
+        "VIEW FullCatalog AS SELECT * FROM Catalog");
     m_safe.clear();
     m_waiting.clear();
     m_failed.clear();
-    const auto workspace = engine::testing::MakeImpatientWorkspace();
+    m_workspace = engine::testing::MakeImpatientWorkspace();
     Arm(failing, at, forever);
-    Work(*workspace);
+    Work(*m_workspace);
     const long calls = Disarm();
-    if (at == 0) return calls;
-
-    Ids marked;
-    for (int id = 1; id <= 3; ++id) {
-      if (m_test->Ask("SELECT Restore FROM Catalog WHERE ID = " + std::to_string(id)) == "1")
-        marked.insert(id);
+    if (at == 0) {
+      EXPECT_GT(calls, 20);
+      return calls;
     }
+    const auto isMarked = [&](int id) {
+      return m_test->Ask("SELECT Restore FROM Catalog WHERE ID = " + std::to_string(id)) == "1";
+    };
     std::string wrong;
     for (const int id : m_safe) {
-      if (!marked.contains(id)) wrong += " committed, but gone: " + std::to_string(id);
+      if (!isMarked(id)) wrong += " committed, but gone: " + std::to_string(id);
     }
     for (const int id : m_failed) {
-      if (marked.contains(id)) wrong += " failed, but marked: " + std::to_string(id);
+      if (isMarked(id)) wrong += " failed, but marked: " + std::to_string(id);
     }
     if (m_test->Ask("SELECT count(*) FROM SetNames") != "3") wrong += " the transaction was not undone";
     if (m_test->Ask("PRAGMA integrity_check") != "ok") wrong += " the file is damaged";
     if (!Succeeds([&] { m_test->Run("BEGIN IMMEDIATE; COMMIT"); })) wrong += " others are locked out";
-    const auto again = [&] {
-      workspace->OpenDatabase(m_test->Request())
-          ->Execute("UPDATE Catalog SET Restore = True WHERE ID = 7", engine::kFailOnError);
-    };
-    if (!Succeeds(again)) wrong += " it does not work on";
-    EXPECT_TRUE(wrong.empty()) << "call " << at << (forever ? " and on:" : ":") << wrong;
-    Tell(std::string("the engine alone, ") +
-             (failing == Failing::kMemory           ? "memory"
-              : failing == Failing::kDatabaseMemory ? "the database's memory"
-                                                    : "its files") +
-             (forever ? " fails from a call on" : " fails once"),
-         wrong.empty());
+    if (!Succeeds([&] { SqliteTest::Mark(7); })) wrong += " it does not work on";
+    const std::string what = std::string("the engine alone, ") + NameOf(failing) +
+                             (forever ? " fails from a call on" : " fails once");
+    Tell(what, wrong.empty());
+    EXPECT_EQ(wrong, "") << what << ", call " << at;
     return calls;
   }
 
-  void Sweep(Failing failing, long sample) {
-    for (const bool forever : {false, true}) {
-      const long calls = Try(failing, 0, false);
-      ASSERT_GT(calls, 20);
-      const long distance = std::max(1L, calls / sample / static_cast<long>(Times()));
-      for (long at = 1 + static_cast<long>(Seed()) % distance; at <= calls; at += distance) {
-        Try(failing, at, forever);
-        if (HasFailure()) return;
-      }
-    }
+  void SweepCalls(Failing failing) {
+    Sweep(40, [&](long at, bool forever) { return Try(failing, at, forever); });
   }
 
-  std::unique_ptr<engine::testing::TestDatabase> m_test = engine::testing::MakeSqliteFile();
   Ids m_safe, m_waiting, m_failed;
 };
 
 TEST_F(EngineFaults, Memory) {
-  Sweep(Failing::kMemory, 40);
+  SweepCalls(Failing::kMemory);
 }
 TEST_F(EngineFaults, MemoryOfTheDatabase) {
-  Sweep(Failing::kDatabaseMemory, 40);
+  SweepCalls(Failing::kDatabaseMemory);
 }
 TEST_F(EngineFaults, Files) {
-  Sweep(Failing::kFiles, 40);
+  SweepCalls(Failing::kFiles);
 }
 
 }  // namespace

@@ -1,13 +1,16 @@
 #include "tests/faults/faults.h"
 
+#include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <new>
 #include <stdexcept>
 
 #include "tests/engine/hooked_files.h"
+#include "tests/faults/told.h"
 
 namespace kxrestore::faults {
 namespace {
@@ -25,45 +28,49 @@ bool Fails(Failing here) {
   return true;
 }
 
-// ---- memory of the embedded database
-
-sqlite3_mem_methods g_memory;
-
-void* Allocate(int size) {
-  return Fails(Failing::kDatabaseMemory) ? nullptr : g_memory.xMalloc(size);
+void* New(std::size_t size) {
+  void* const block = Fails(Failing::kMemory) ? nullptr : std::malloc(std::max<std::size_t>(size, 1));
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
 }
 
-void* Reallocate(void* block, int size) {
-  return Fails(Failing::kDatabaseMemory) ? nullptr : g_memory.xRealloc(block, size);
-}
-
-// ---- its files
+sqlite3_mem_methods g_memory;  // of the embedded database
 
 using engine::testing::FileCall;
 
-constexpr int kErrors[] = {SQLITE_CANTOPEN,       SQLITE_IOERR_READ,   SQLITE_IOERR_WRITE,
-                           SQLITE_IOERR_TRUNCATE, SQLITE_IOERR_FSYNC,  SQLITE_IOERR_FSTAT,
-                           SQLITE_IOERR_LOCK,     SQLITE_IOERR_DELETE, SQLITE_IOERR_ACCESS};
-
 int OnFileCall(const FileCall& call) {
+  constexpr int kErrors[] = {SQLITE_CANTOPEN,       SQLITE_IOERR_READ,   SQLITE_IOERR_WRITE,
+                             SQLITE_IOERR_TRUNCATE, SQLITE_IOERR_FSYNC,  SQLITE_IOERR_FSTAT,
+                             SQLITE_IOERR_LOCK,     SQLITE_IOERR_DELETE, SQLITE_IOERR_ACCESS};
   if (call.kind == FileCall::kWrite && Fails(Failing::kFullDisk)) return SQLITE_FULL;
   return Fails(Failing::kFiles) ? kErrors[call.kind] : SQLITE_OK;
 }
 
-void Need(int code) {
-  if (code != SQLITE_OK) throw std::runtime_error("the faults cannot be installed");
-}
+// The database's memory can be hooked only before anything uses the database.
+class Hooks : public ::testing::Environment {
+  void SetUp() override {
+    sqlite3_config(SQLITE_CONFIG_GETMALLOC, &g_memory);
+    sqlite3_mem_methods ours = g_memory;
+    ours.xMalloc = [](int size) {
+      return Fails(Failing::kDatabaseMemory) ? nullptr : g_memory.xMalloc(size);
+    };
+    ours.xRealloc = [](void* block, int size) {
+      return Fails(Failing::kDatabaseMemory) ? nullptr : g_memory.xRealloc(block, size);
+    };
+    if (sqlite3_config(SQLITE_CONFIG_MALLOC, &ours) != SQLITE_OK || sqlite3_initialize() != SQLITE_OK) {
+      throw std::runtime_error("the faults cannot be installed");
+    }
+    static const engine::testing::HookedFiles files(OnFileCall);  // for as long as the program runs
+  }
+};
+
+[[maybe_unused]] const auto* const g_hooks = ::testing::AddGlobalTestEnvironment(new Hooks);
 
 }  // namespace
 
-void InstallFaults() {
-  Need(sqlite3_config(SQLITE_CONFIG_GETMALLOC, &g_memory));
-  sqlite3_mem_methods ours = g_memory;
-  ours.xMalloc = Allocate;
-  ours.xRealloc = Reallocate;
-  Need(sqlite3_config(SQLITE_CONFIG_MALLOC, &ours));
-  Need(sqlite3_initialize());
-  static const engine::testing::HookedFiles files(OnFileCall);  // for as long as the program runs
+const char* NameOf(Failing failing) {
+  constexpr const char* kNames[] = {"nothing", "memory", "the database's memory", "its files", "a full disk"};
+  return kNames[static_cast<int>(failing)];
 }
 
 void Arm(Failing failing, long at, bool forever) {
@@ -83,6 +90,18 @@ bool HasFailed() {
   return g_failed;
 }
 
+void Sweep(long sample, const std::function<long(long at, bool forever)>& trial) {
+  const auto* const result = ::testing::UnitTest::GetInstance()->current_test_info()->result();
+  for (const bool forever : {false, true}) {
+    const long calls = trial(0, false);
+    const long distance = std::max(1L, calls / sample / static_cast<long>(Times()));
+    for (long at = 1 + static_cast<long>(Seed()) % distance; at <= calls; at += distance) {
+      trial(at, forever);
+      if (result->total_part_count() > 40) return;
+    }
+  }
+}
+
 Pause::Pause() {
   ++t_pauses;
 }
@@ -91,22 +110,13 @@ Pause::~Pause() {
   --t_pauses;
 }
 
-namespace detail {
-void* New(std::size_t size) {
-  if (Fails(Failing::kMemory)) throw std::bad_alloc();
-  void* const block = std::malloc(size == 0 ? 1 : size);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
-}
-}  // namespace detail
-
 }  // namespace kxrestore::faults
 
 void* operator new(std::size_t size) {
-  return kxrestore::faults::detail::New(size);
+  return kxrestore::faults::New(size);
 }
 void* operator new[](std::size_t size) {
-  return kxrestore::faults::detail::New(size);
+  return kxrestore::faults::New(size);
 }
 void operator delete(void* block) noexcept {
   std::free(block);

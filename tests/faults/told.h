@@ -1,5 +1,5 @@
 // How the campaign is driven and what it leaves: a sample of each sweep in a test run, more of it when the
-// environment asks, and a line a case for the table.
+// environment asks for more, and a line for each case in a table.
 //
 //   KX_FAULTS_SEED   seed of random choices (default 1)
 //   KX_FAULTS_TIMES  density relative to the sample (default 1)
@@ -12,8 +12,6 @@ namespace kxrestore::faults {
 
 unsigned Seed();
 unsigned Times();
-// The distance of neighbouring tries: `sample` in a sample, less in a whole run, at least 1.
-unsigned Sparsely(unsigned sample);
 // One trial of a case, and whether the guarantees held.
 void Tell(const std::string& name, bool held);
 

@@ -2,17 +2,25 @@
 // connection or take long.
 //
 // A sample of the calls is tried; with KX_FAULTS=all in the environment each one is.
+#include <sql.h>
+#include <sqlext.h>
+#include <sqlucode.h>
+
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
+#include <mutex>
 #include <optional>
+#include <set>
 #include <sstream>
 #include <string>
+#include <thread>
 
 #include "engine/odbc/odbc_backend.h"
 #include "tests/catalog/server_catalog.h"
 #include "tests/dialog/marking_steps.h"
-#include "tests/server/driver_double.h"
 
 namespace kxrestore::server_test {
 namespace {
@@ -21,6 +29,203 @@ using catalog_test::ServerCatalog;
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 using namespace dialog_test;  // NOLINT: its fixture and its names
+
+enum class DriverFault {
+  kNone,
+  kFail,       // the call does nothing and fails
+  kDrop,       // the connection is gone before the call
+  kDropAfter,  // the call is made, and the connection is gone before its answer
+  kDelay,      // the call takes longer
+};
+constexpr const char* kFaultNames[] = {"none", "fail", "drop", "drop after", "delay"};
+
+// A double of the driver manager: every function that the back end calls goes through it (the linker's
+// --wrap, see CMakeLists.txt) to the real one, unless the call is the one that is to fail. Calls are counted
+// while it is switched on, on whatever thread they come.
+struct Double {
+  std::mutex mutex;
+  bool on = false;
+  DriverFault fault = DriverFault::kNone;
+  std::size_t at = 0, calls = 0;  // the number of the call to hit, from 1
+  milliseconds delay{};
+  const char* hit = nullptr;  // the function that it happened to; null when none was reached
+  std::map<SQLHANDLE, SQLHANDLE> connectionOf;  // by statement
+  std::set<SQLHANDLE> dropped;                  // connections
+  std::set<SQLHANDLE> failed;                   // handles whose diagnostics are the double's
+
+  SQLHANDLE ConnectionOf(SQLHANDLE handle) const {
+    const auto found = connectionOf.find(handle);
+    return found == connectionOf.end() ? handle : found->second;
+  }
+  bool IsDropped(SQLHANDLE handle) const { return dropped.contains(ConnectionOf(handle)); }
+};
+
+Double& TheDouble() {
+  static Double& it = *new Double;  // calls that were given up on may outlive everything else
+  return it;
+}
+
+// Switches the double on.
+class Injection {
+ public:
+  Injection(DriverFault fault, std::size_t at, milliseconds delay = {}) { Set(true, fault, at, delay); }
+  ~Injection() { Set(false, DriverFault::kNone, 0, {}); }
+  Injection(const Injection&) = delete;
+  Injection& operator=(const Injection&) = delete;
+
+  static std::size_t Calls() { return Read(&Double::calls); }
+  static const char* Hit() { return Read(&Double::hit); }
+
+ private:
+  template <class Member>
+  static Member Read(Member Double::*member) {
+    const std::lock_guard lock(TheDouble().mutex);
+    return TheDouble().*member;
+  }
+  static void Set(bool on, DriverFault fault, std::size_t at, milliseconds delay) {
+    Double& it = TheDouble();
+    const std::lock_guard lock(it.mutex);
+    it.on = on;
+    it.fault = fault;
+    it.at = at;
+    it.delay = delay;
+    if (!on) return;  // what was counted stays to be read
+    it.calls = 0;
+    it.hit = nullptr;
+  }
+};
+
+}  // namespace
+
+extern "C" SQLRETURN __real_SQLEndTran(SQLSMALLINT, SQLHANDLE, SQLSMALLINT);
+
+namespace {
+
+// What the server does to a connection that is gone.
+void Drop(Double& it, SQLHANDLE handle) {
+  const SQLHANDLE connection = it.ConnectionOf(handle);
+  it.dropped.insert(connection);
+  __real_SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
+}
+
+template <class Call>
+SQLRETURN Around(const char* name, SQLHANDLE handle, Call call) {
+  Double& it = TheDouble();
+  std::unique_lock lock(it.mutex);
+  it.failed.erase(handle);
+  const bool isHit = it.on && handle != nullptr && ++it.calls == it.at;
+  if (isHit) it.hit = name;
+  const DriverFault fault = isHit ? it.fault : DriverFault::kNone;
+  if (fault == DriverFault::kDrop) Drop(it, handle);
+  if (fault == DriverFault::kFail || it.IsDropped(handle)) {
+    it.failed.insert(handle);
+    return SQL_ERROR;
+  }
+  const milliseconds delay = fault == DriverFault::kDelay ? it.delay : milliseconds(0);
+  lock.unlock();
+  if (delay.count() > 0) std::this_thread::sleep_for(delay);
+  const SQLRETURN result = call();
+  if (fault != DriverFault::kDropAfter) return result;
+  lock.lock();
+  Drop(it, handle);
+  it.failed.insert(handle);
+  return SQL_ERROR;
+}
+
+}  // namespace
+
+// ---- the functions; their parameters are only passed on
+
+#define KX_DOUBLE(name, parameters, handle, arguments)                     \
+  extern "C" SQLRETURN __real_##name parameters;                           \
+  extern "C" SQLRETURN __wrap_##name parameters {                          \
+    return Around(#name, handle, [&] { return __real_##name arguments; }); \
+  }
+
+KX_DOUBLE(SQLSetConnectAttrW, (SQLHDBC h, SQLINTEGER a, SQLPOINTER b, SQLINTEGER c), h, (h, a, b, c))
+KX_DOUBLE(SQLDriverConnectW,
+          (SQLHDBC h, SQLHWND a, SQLWCHAR* b, SQLSMALLINT c, SQLWCHAR* d, SQLSMALLINT e, SQLSMALLINT* f,
+           SQLUSMALLINT g),
+          h, (h, a, b, c, d, e, f, g))
+KX_DOUBLE(SQLGetInfoW, (SQLHDBC h, SQLUSMALLINT a, SQLPOINTER b, SQLSMALLINT c, SQLSMALLINT* d), h,
+          (h, a, b, c, d))
+KX_DOUBLE(SQLEndTran, (SQLSMALLINT a, SQLHANDLE h, SQLSMALLINT b), h, (a, h, b))
+KX_DOUBLE(SQLSetStmtAttrW, (SQLHSTMT h, SQLINTEGER a, SQLPOINTER b, SQLINTEGER c), h, (h, a, b, c))
+KX_DOUBLE(SQLPrepareW, (SQLHSTMT h, SQLWCHAR* a, SQLINTEGER b), h, (h, a, b))
+KX_DOUBLE(SQLExecute, (SQLHSTMT h), h, (h))
+KX_DOUBLE(SQLExecDirectW, (SQLHSTMT h, SQLWCHAR* a, SQLINTEGER b), h, (h, a, b))
+KX_DOUBLE(SQLBindParameter,
+          (SQLHSTMT h, SQLUSMALLINT a, SQLSMALLINT b, SQLSMALLINT c, SQLSMALLINT d, SQLULEN e, SQLSMALLINT f,
+           SQLPOINTER g, SQLLEN i, SQLLEN* j),
+          h, (h, a, b, c, d, e, f, g, i, j))
+KX_DOUBLE(SQLBindCol, (SQLHSTMT h, SQLUSMALLINT a, SQLSMALLINT b, SQLPOINTER c, SQLLEN d, SQLLEN* e), h,
+          (h, a, b, c, d, e))
+KX_DOUBLE(SQLNumResultCols, (SQLHSTMT h, SQLSMALLINT* a), h, (h, a))
+KX_DOUBLE(SQLDescribeColW,
+          (SQLHSTMT h, SQLUSMALLINT a, SQLWCHAR* b, SQLSMALLINT c, SQLSMALLINT* d, SQLSMALLINT* e, SQLULEN* f,
+           SQLSMALLINT* g, SQLSMALLINT* i),
+          h, (h, a, b, c, d, e, f, g, i))
+KX_DOUBLE(SQLColAttributeW,
+          (SQLHSTMT h, SQLUSMALLINT a, SQLUSMALLINT b, SQLPOINTER c, SQLSMALLINT d, SQLSMALLINT* e,
+           SQLLEN* f),
+          h, (h, a, b, c, d, e, f))
+KX_DOUBLE(SQLRowCount, (SQLHSTMT h, SQLLEN* a), h, (h, a))
+KX_DOUBLE(SQLFetch, (SQLHSTMT h), h, (h))
+KX_DOUBLE(SQLGetData, (SQLHSTMT h, SQLUSMALLINT a, SQLSMALLINT b, SQLPOINTER c, SQLLEN d, SQLLEN* e), h,
+          (h, a, b, c, d, e))
+KX_DOUBLE(SQLSetPos, (SQLHSTMT h, SQLSETPOSIROW a, SQLUSMALLINT b, SQLUSMALLINT c), h, (h, a, b, c))
+KX_DOUBLE(SQLFreeStmt, (SQLHSTMT h, SQLUSMALLINT a), h, (h, a))
+KX_DOUBLE(SQLTablesW,
+          (SQLHSTMT h, SQLWCHAR* a, SQLSMALLINT b, SQLWCHAR* c, SQLSMALLINT d, SQLWCHAR* e, SQLSMALLINT f,
+           SQLWCHAR* g, SQLSMALLINT i),
+          h, (h, a, b, c, d, e, f, g, i))
+KX_DOUBLE(SQLColumnsW,
+          (SQLHSTMT h, SQLWCHAR* a, SQLSMALLINT b, SQLWCHAR* c, SQLSMALLINT d, SQLWCHAR* e, SQLSMALLINT f,
+           SQLWCHAR* g, SQLSMALLINT i),
+          h, (h, a, b, c, d, e, f, g, i))
+KX_DOUBLE(SQLPrimaryKeysW,
+          (SQLHSTMT h, SQLWCHAR* a, SQLSMALLINT b, SQLWCHAR* c, SQLSMALLINT d, SQLWCHAR* e, SQLSMALLINT f), h,
+          (h, a, b, c, d, e, f))
+
+extern "C" SQLRETURN __real_SQLAllocHandle(SQLSMALLINT, SQLHANDLE, SQLHANDLE*);
+extern "C" SQLRETURN __wrap_SQLAllocHandle(SQLSMALLINT type, SQLHANDLE parent, SQLHANDLE* handle) {
+  const SQLRETURN result =
+      Around("SQLAllocHandle", parent, [&] { return __real_SQLAllocHandle(type, parent, handle); });
+  Double& it = TheDouble();
+  const std::lock_guard lock(it.mutex);
+  if (SQL_SUCCEEDED(result)) {
+    it.dropped.erase(*handle);  // an address may be used again
+    it.connectionOf.erase(*handle);
+    if (type == SQL_HANDLE_STMT) it.connectionOf[*handle] = parent;
+  }
+  return result;
+}
+
+extern "C" SQLRETURN __real_SQLGetDiagRecW(SQLSMALLINT, SQLHANDLE, SQLSMALLINT, SQLWCHAR*, SQLINTEGER*,
+                                           SQLWCHAR*, SQLSMALLINT, SQLSMALLINT*);
+extern "C" SQLRETURN __wrap_SQLGetDiagRecW(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT record,
+                                           SQLWCHAR* state, SQLINTEGER* native, SQLWCHAR* text,
+                                           SQLSMALLINT room, SQLSMALLINT* size) {
+  std::unique_lock lock(TheDouble().mutex);
+  if (!TheDouble().failed.contains(handle)) {
+    lock.unlock();
+    return __real_SQLGetDiagRecW(type, handle, record, state, native, text, room, size);
+  }
+  if (record > 1) return SQL_NO_DATA;
+  const bool dropped = TheDouble().IsDropped(handle);
+  const auto copy = [](std::u16string_view words, SQLWCHAR* to, std::size_t most) {
+    to[std::min(words.size(), most)] = 0;
+    std::copy_n(words.begin(), std::min(words.size(), most), to);
+    return static_cast<SQLSMALLINT>(words.size());
+  };
+  copy(dropped ? u"08S01" : u"HY000", state, 5);
+  *native = 0;
+  *size = copy(dropped ? u"server closed the connection unexpectedly" : u"the call was made to fail", text,
+               static_cast<std::size_t>(room) - 1);
+  return SQL_SUCCESS;
+}
+
+namespace {
 
 std::unique_ptr<engine::Workspace> ServerWorkspace() {
   engine::Workspace::Backends backends;
@@ -49,7 +254,8 @@ class DriverSweep : public DialogTest {
   // One step on a dialog of its own, with the double switched on while it is done. The number of calls.
   std::size_t Try(Step step, DriverFault fault, std::size_t at) {
     std::ostringstream name;
-    name << kStepNames[static_cast<int>(step)] << ": " << fault << " at call " << at;
+    name << kStepNames[static_cast<int>(step)] << ": " << kFaultNames[static_cast<int>(fault)] << " at call "
+         << at;
     m_server->Execute(MarksBefore(step));
     const auto databases = ServerWorkspace();
     Dialog dialog(*this, *databases);
@@ -57,14 +263,14 @@ class DriverSweep : public DialogTest {
     dialog.CommenceRestore = [&] { ++commenced; };
     desktop.messages.clear();
     desktop.answers.assign(20, platform::Answer::kYes);
-    std::optional<DriverDouble> twin;
+    std::optional<Injection> twin;
     if (step == Step::kLoad) twin.emplace(fault, at);
     FormControls& controls = dialog.Controls();  // loads the form
     Prepare(step, controls);
     if (!twin) twin.emplace(fault, at);
     Start(step, controls);
-    if (DriverDouble::Hit() != nullptr) name << ", " << DriverDouble::Hit();
-    calls = DriverDouble::Calls();
+    if (Injection::Hit() != nullptr) name << ", " << Injection::Hit();
+    calls = Injection::Calls();
     twin.reset();
     SCOPED_TRACE(name.str());
     ExpectRight(step, controls, commenced);
@@ -136,9 +342,9 @@ TEST_F(DriverSweep, ASlowDriverFreezesNobody) {
     std::optional<Clock::time_point> pressed;
     std::size_t turns = 0;
     {
-      const DriverDouble twin(DriverFault::kDelay, at, kDelay);
+      const Injection twin(DriverFault::kDelay, at, kDelay);
       desktop.onDoEvents = [&] {
-        if (DriverDouble::Hit() == nullptr || ++turns < 5 || pressed) return;
+        if (Injection::Hit() == nullptr || ++turns < 5 || pressed) return;
         pressed = Clock::now();
         controls.form.UserKey(controls::Key::kEscape);
       };

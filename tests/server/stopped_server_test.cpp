@@ -1,18 +1,25 @@
 // A server that is paused, killed or cut off by its network in the middle of each operation, and one whose
 // rows others keep locked. The waiting callback goes on, its stop ends the operation, what was lost is told
 // exactly once, and the next operation works when the server is back.
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <optional>
+#include <stdexcept>
+#include <thread>
 
 #include "engine/odbc/odbc_backend.h"
 #include "engine/odbc/odbc_database.h"
 #include "tests/catalog/catalog_file.h"
 #include "tests/catalog/server_catalog.h"
 #include "tests/engine/odbc_test_database.h"
-#include "tests/server/loopback_proxy.h"
 
 namespace kxrestore::server_test {
 namespace {
@@ -23,6 +30,104 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 using namespace engine;  // NOLINT: the tests speak of little else
 namespace number = engine::error_number;
+
+sockaddr_in Loopback(unsigned short port) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(port);
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  return address;
+}
+
+// Whether there was something to forward.
+bool Forward(int from, int to) {
+  char buffer[16384];
+  const ssize_t size = recv(from, buffer, sizeof buffer, 0);
+  for (ssize_t sent = 0; sent < size;) {
+    const ssize_t now = send(to, buffer + sent, static_cast<std::size_t>(size - sent), MSG_NOSIGNAL);
+    if (now <= 0) return false;
+    sent += now;
+  }
+  return size > 0;
+}
+
+// A proxy on the loopback address between the driver and the server, which can stop forwarding, as a network
+// does that swallows packets.
+class LoopbackProxy {
+ public:
+  // `server`: "127.0.0.1;PORT=N".
+  explicit LoopbackProxy(const std::string& server)
+      : m_serverPort(static_cast<unsigned short>(std::stoi(server.substr(server.find('=') + 1)))) {
+    sockaddr_in address = Loopback(0);
+    socklen_t size = sizeof address;
+    if (bind(m_listener, reinterpret_cast<sockaddr*>(&address), size) != 0 || listen(m_listener, 16) != 0 ||
+        getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+      throw std::runtime_error("no port for a proxy");
+    }
+    m_port = ntohs(address.sin_port);
+    m_thread = std::thread([this] { Serve(); });
+  }
+  ~LoopbackProxy() {
+    m_ending = true;
+    m_thread.join();
+    close(m_listener);
+    for (const Pair& pair : m_pairs) Close(pair);
+  }
+  LoopbackProxy(const LoopbackProxy&) = delete;
+  LoopbackProxy& operator=(const LoopbackProxy&) = delete;
+
+  std::string Server() const { return "127.0.0.1;PORT=" + std::to_string(m_port); }
+  void Swallow(bool swallow) { m_swallowing = swallow; }
+
+ private:
+  struct Pair {
+    int client = -1, server = -1;
+  };
+  static void Close(const Pair& pair) {
+    close(pair.client);
+    close(pair.server);
+  }
+
+  void Serve() {
+    while (!m_ending) {
+      if (m_swallowing) {  // connections are made by the system all the same
+        usleep(5000);
+        continue;
+      }
+      std::vector<pollfd> waiting{{m_listener, POLLIN, 0}};
+      for (const Pair& pair : m_pairs) {
+        waiting.push_back({pair.client, POLLIN, 0});
+        waiting.push_back({pair.server, POLLIN, 0});
+      }
+      if (poll(waiting.data(), waiting.size(), 5) <= 0 || m_swallowing) continue;
+      std::size_t next = 1;
+      std::erase_if(m_pairs, [&](const Pair& pair) {
+        const bool fromClient = waiting[next++].revents != 0, fromServer = waiting[next++].revents != 0;
+        const bool alive = (!fromClient || Forward(pair.client, pair.server)) &&
+                           (!fromServer || Forward(pair.server, pair.client));
+        if (!alive) Close(pair);
+        return !alive;
+      });
+      if ((waiting[0].revents & POLLIN) != 0) Accept();
+    }
+  }
+
+  void Accept() {
+    const Pair made{accept(m_listener, nullptr, nullptr), socket(AF_INET, SOCK_STREAM, 0)};
+    sockaddr_in address = Loopback(m_serverPort);
+    if (connect(made.server, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) {
+      m_pairs.push_back(made);
+    } else {
+      Close(made);
+    }
+  }
+
+  const int m_listener = socket(AF_INET, SOCK_STREAM, 0);
+  unsigned short m_port = 0, m_serverPort = 0;
+  std::atomic<bool> m_swallowing{false}, m_ending{false};
+  std::vector<Pair> m_pairs;
+  std::thread m_thread;
+};
 
 constexpr milliseconds kUserWaits(60);  // of the user who then stops
 constexpr milliseconds kStopTime(600);  // 200 on a quiet machine
@@ -83,10 +188,7 @@ class StoppedServer : public ::testing::Test {
   std::unique_ptr<Database> Open(Workspace& workspace) {
     return workspace.OpenDatabase({.connect = m_connect});
   }
-  void Mark(Workspace& workspace, int id) {
-    Open(workspace)->Execute("UPDATE Catalog SET Restore = True WHERE ID = " + std::to_string(id),
-                             kFailOnError);
-  }
+  void Mark(Workspace& workspace, int id) { testing::Mark(*Open(workspace), id); }
   bool IsMarked(int id) { return m_server->Marked().contains(id); }
 
   // Runs it, with a user who stops it after a while; the error's number, 0 for none.
