@@ -5,7 +5,7 @@ file(GLOB_RECURSE headers RELATIVE ${CMAKE_SOURCE_DIR} CONFIGURE_DEPENDS
 string(JOIN "|" windowsHeaders
   "^component/com/(com_|class_|event_|host_|module|registration|restore_|the_form|type_|wide_)"
   "^engine/dao/(automation|dao_recordset|desktop_engine|values)"
-  "^host/driver/" "^host/[^/]*$" "^platform/win32/" "^tests/(dao_server|e2e|win32)/" "^tests/engine/dao_")
+  "^host/driver/" "^host/[^/]*$" "^platform/win32/" "^tests/(e2e|win32)/" "^tests/engine/dao_")
 if(WIN32)
   list(FILTER headers INCLUDE REGEX "${windowsHeaders}")
 else()

@@ -16,11 +16,10 @@ namespace kxrestore::catalog_test {
 // What every database opened in one test shares.
 struct Script {
   std::vector<std::string> calls;
-  std::map<std::string, std::string> queries;              // saved queries, by name
-  std::map<std::string, int> failures;                     // call, as written down, to error number
-  std::vector<std::string> columns;                        // of every recordset
-  std::vector<std::vector<engine::Value>> rows;            // changed by Update
-  std::vector<std::pair<std::size_t, std::size_t>> edits;  // row and column, in order
+  std::map<std::string, std::string> queries;    // saved queries, by name
+  std::map<std::string, int> failures;           // call, as written down, to error number
+  std::vector<std::string> columns;              // of every recordset
+  std::vector<std::vector<engine::Value>> rows;  // changed by Update
 
   void Call(std::string call) {
     calls.push_back(std::move(call));
@@ -40,33 +39,22 @@ class RecordingRecordset : public engine::Recordset {
   std::size_t FieldCount() const override { return m_script->columns.size(); }
   std::string_view FieldName(std::size_t index) const override { return m_script->columns[index]; }
   engine::ValueView FieldValue(std::size_t index) const override {
-    return std::visit(
-        [](const auto& value) -> engine::ValueView {
-          if constexpr (std::is_same_v<std::decay_t<decltype(value)>, std::string>) {
-            return std::string_view(value);
-          } else {
-            return value;
-          }
-        },
-        m_script->rows[m_row][index]);
+    return engine::ViewOf(m_script->rows[m_row][index]);
   }
   void Edit() override { m_script->Call("edit " + std::to_string(m_row)); }
   void SetFieldValue(std::size_t index, engine::Value value) override {
-    m_column = index;
-    m_value = std::move(value);
+    m_change = {index, std::move(value)};
   }
   void Update() override {
     m_script->Call("update " + std::to_string(m_row));
-    m_script->rows[m_row][m_column] = m_value;
-    m_script->edits.emplace_back(m_row, m_column);
+    m_script->rows[m_row][m_change.first] = m_change.second;
   }
   void Close() override { m_script->Call("close recordset"); }
 
  private:
   std::shared_ptr<Script> m_script;
   std::size_t m_row = 0;
-  std::size_t m_column = 0;
-  engine::Value m_value;
+  std::pair<std::size_t, engine::Value> m_change;  // of the row's columns
 };
 
 class RecordingDatabase : public engine::Database {
@@ -99,9 +87,7 @@ class RecordingDatabase : public engine::Database {
  private:
   std::map<std::string, std::string>::iterator Find(std::string_view name) {
     const auto found = m_script->queries.find(std::string(name));
-    if (found == m_script->queries.end()) {
-      throw Error(engine::error_number::kItemNotFound, "Item not found in this collection.", "test");
-    }
+    if (found == m_script->queries.end()) engine::RaiseItemNotFound(name);
     return found;
   }
 

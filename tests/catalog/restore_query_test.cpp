@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "tests/catalog/recording_database.h"
+#include "tests/engine/cases.h"
 #include "tests/raises.h"
 
 namespace kxrestore::catalog {
@@ -11,15 +14,8 @@ namespace {
 
 using catalog_test::RecordingDatabase;
 using catalog_test::Script;
+using engine::testing::ReadCases;
 using Calls = std::vector<std::string>;
-
-// How the queries of the latest versions begin.
-std::string Start(const std::string& table, std::initializer_list<const char*> columns) {
-  std::string text = "SELECT " + table + ".OrigName AS OrigName, Max(" + table +
-                     ".DateStamp) AS DateStamp, First(" + table + ".ID) AS ID";
-  for (const std::string column : columns) text += ", First(" + table + "." + column + ") AS " + column;
-  return text;
-}
 
 class RestoreQuery : public ::testing::Test {
  protected:
@@ -37,35 +33,12 @@ class RestoreQuery : public ::testing::Test {
 };
 
 TEST_F(RestoreQuery, Listings) {
-  const struct {
-    std::int32_t setId;
-    bool latest;
-    const char *mask, *ext, *expected;
-  } cases[] = {
-      {7, false, "a", "= '003'",
-       "SELECT FullCatalog.* from FullCatalog WHERE ((FullCatalog.SetNameID = 7) AND (FullCatalog.Extension "
-       "= '003') AND (FullCatalog.OrigName Like \"*a*\") AND (FullCatalog.Status = 2) ) "},
-      {-7, false, "a", "",
-       "SELECT FullCatalog.* from FullCatalog WHERE ((FullCatalog.SetNameID = -7) AND (FullCatalog.OrigName "
-       "Like \"*a*\") AND (FullCatalog.Status = 2) ) "},
-      {7, false, "", "In (\"003\", \"002\")",
-       "SELECT FullCatalog.* from FullCatalog WHERE ((FullCatalog.SetNameID = 7) AND (FullCatalog.Extension "
-       "In (\"003\", \"002\")) AND (FullCatalog.Status = 2) ) "},
-      {0, false, "*.doc", "= '003'",
-       "SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like \"**.doc*\") AND (FullCatalog.Status = "
-       "2) );"},
-      {0, false, "", "= '003'", "SELECT FullCatalog.* from FullCatalog (FullCatalog.Status = 2) "},
-      {0, false, "\" Or \"\"=\"", "",
-       "SELECT * from FullCatalog WHERE ((FullCatalog.OrigName Like \"*\"\" Or \"\"\"\"=\"\"*\") AND "
-       "(FullCatalog.Status = 2) );"},
-      {7, true, "a", "",
-       "SELECT FullCatalogLatestBySet.* from FullCatalogLatestBySet WHERE ((FullCatalogLatestBySet.SetNameID "
-       "= 7) AND (FullCatalogLatestBySet.OrigName Like \"*a*\") AND (FullCatalogLatestBySet.Status = 2) ) "},
-      {0, true, "a", "",
-       "SELECT * from FullCatalogLatest WHERE ((FullCatalogLatest.OrigName Like \"*a*\") AND "
-       "(FullCatalogLatest.Status = 2) );"}};
-  for (const auto& [setId, latest, mask, ext, expected] : cases) {
-    EXPECT_EQ(Listing(setId, latest, mask, ext), expected);
+  // Set, "all" or "latest", mask and restriction of the runs, separated by "|".
+  for (const auto& [text, expected] : ReadCases("restore_queries.txt", "listings")) {
+    std::istringstream parts(text);
+    std::string set, versions, mask, ext;
+    for (std::string* part : {&set, &versions, &mask, &ext}) std::getline(parts, *part, '|');
+    EXPECT_EQ(Listing(std::stoi(set), versions == "latest", mask, ext), expected.at(0));
   }
 }
 
@@ -79,45 +52,21 @@ TEST_F(RestoreQuery, SavedQueriesAreMadeAnewInTheirOrder) {
   EXPECT_EQ(Calls(m_script->calls.begin() + 4, m_script->calls.end() - 1),
             (Calls{"delete FullCatalogBySet", "create FullCatalogBySet", "delete FullCatalogLatestBySet",
                    "create FullCatalogLatestBySet"}));
-  const std::pair<const char*, std::string> texts[] = {
-      {"qryGetLatestBySet",
-       "SELECT FullCatalogBySet.OrigName AS OrigName, Max(FullCatalogBySet.DateStamp) AS DateStamp, "
-       "Max(FullCatalogBySet.ID) AS ID From FullCatalogBySet where FullCatalogBySet.Status = 2 GROUP BY "
-       "FullCatalogBySet.OrigName;"},
-      {"qryGetLatest",
-       "SELECT FullCatalog.OrigName AS OrigName, Max(FullCatalog.DateStamp) AS DateStamp, "
-       "Max(FullCatalog.ID) AS ID FROM FullCatalog where FullCatalog.Status = 2 GROUP BY "
-       "FullCatalog.OrigName;"},
-      {"FullCatalogLatestBySet",
-       Start("FullCatalogBySet",
-             {"SetNameID", "Extension", "OrigSize", "File", "Restore", "Status", "Attributes", "Filename",
-              "StoreMethod", "StoreName", "LongPathID", "SetName", "Plugin", "SubFolder", "EncryptMethod"}) +
-           " From FullCatalogBySet INNER JOIN qryGetLatestBySet ON FullCatalogBySet.ID = "
-           "qryGetLatestBySet.ID WHERE FullCatalogBySet.Status = 2 GROUP BY FullCatalogBySet.OrigName ORDER "
-           "BY First(FullCatalogBySet.DateStamp) DESC;"},
-      {"FullCatalogLatest",
-       Start("FullCatalog",
-             {"SetNameID", "Extension", "File", "Restore", "OrigSize", "Status", "Attributes", "Filename",
-              "StoreMethod", "StoreName", "LongPathID", "SetName", "SubFolder", "Plugin", "EncryptMethod"}) +
-           " FROM FullCatalog INNER JOIN qryGetLatest ON qryGetLatest.ID = FullCatalog.ID WHERE "
-           "FullCatalog.Status = 2 GROUP BY FullCatalog.OrigName ORDER BY First(FullCatalog.DateStamp) DESC "
-           ", First(FullCatalog.ID) DESC;"}};
-  for (const auto& [name, text] : texts) EXPECT_EQ(m_script->queries[name], text);
+  for (const auto& [name, text] : ReadCases("restore_queries.txt", "saved queries")) {
+    EXPECT_EQ(m_script->queries[name], text.at(0));
+  }
 }
 
 TEST_F(RestoreQuery, BySetTextTakesThePlaceOfTheEndOfFullCatalog) {
-  const std::string set = "Catalog.SetNameID = 7 ";
-  const std::pair<const char*, std::string> cases[] = {
-      {"SELECT x;", "SELECT x WHERE " + set},
-      {"SELECT x;\r\n-- made by y;", "SELECT x WHERE " + set},
-      {"SELECT xy", "SELECT x WHERE " + set},
-      {"SELECT xä", "SELECT x WHERE " + set},
-      {";", " WHERE " + set},
-      {"", " WHERE " + set}};
-  for (const auto& [full, bySet] : cases) {
+  for (const auto& [full, expected] : {std::pair("SELECT x;", "SELECT x"),
+                                       {"SELECT x;\r\n-- made by y;", "SELECT x"},
+                                       {"SELECT xy", "SELECT x"},
+                                       {"SELECT xä", "SELECT x"},
+                                       {";", ""},
+                                       {"", ""}}) {
     m_script->queries["FullCatalog"] = full;
     Listing(7, true, "a", "");
-    EXPECT_EQ(m_script->queries["FullCatalogBySet"], bySet);
+    EXPECT_EQ(m_script->queries["FullCatalogBySet"], expected + std::string(" WHERE Catalog.SetNameID = 7 "));
   }
   m_script->queries["FullCatalog"] = "SELECT x;";
   Listing(7, true, "a", "= '003'");

@@ -6,7 +6,7 @@
 #include "engine/odbc/odbc_session.h"
 #include "host/catalog_maker/server_writer.h"
 #include "server_tables.h"
-#include "tests/engine/odbc_test_database.h"
+#include "tests/engine/test_databases.h"
 
 namespace kxrestore::catalog_test {
 namespace {

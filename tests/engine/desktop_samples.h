@@ -1,10 +1,7 @@
 // The sample files of the desktop engine in tests/data/desktop, and copies of them to write to.
 #pragma once
 
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,35 +23,20 @@ struct SampleFile {
   friend void PrintTo(const SampleFile& sample, std::ostream* out) { *out << sample.name; }
 };
 
-inline const std::vector<SampleFile>& SoundSamples() {
-  static const std::vector<SampleFile> samples = {{"telling-2000.mdb", "telling.db"},
-                                                  {"telling-2003.mdb", "telling.db"},
-                                                  {"telling-2007.accdb", "telling.db"},
-                                                  {"telling-2010.accdb", "telling.db"},
-                                                  {"telling-2019.accdb", "telling.db"},
-                                                  {"marked-2003.mdb", "marked.db"},
-                                                  {"overflow-2003.mdb", "overflow.db"},
-                                                  {"restore-index-2003.mdb", "telling.db"},
-                                                  {"added-column-2003.mdb", "added-column.db"},
-                                                  {"deleted-2003.mdb", "deleted.db"},
-                                                  {"made-2000.mdb", "made-short.db"},
-                                                  {"made-2003.mdb", "made.db"},
-                                                  {"made-2010.accdb", "made.db"},
-                                                  {"made-2019.accdb", "made.db"}};
-  return samples;
-}
-
-using FileBytes = std::vector<char>;
-
-inline FileBytes ReadBytes(const std::string& path) {
-  std::ifstream file(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-inline void WriteBytes(const std::string& path, const FileBytes& bytes) {
-  std::ofstream file(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
+inline constexpr SampleFile kSoundSamples[] = {{"telling-2000.mdb", "telling.db"},
+                                               {"telling-2003.mdb", "telling.db"},
+                                               {"telling-2007.accdb", "telling.db"},
+                                               {"telling-2010.accdb", "telling.db"},
+                                               {"telling-2019.accdb", "telling.db"},
+                                               {"marked-2003.mdb", "marked.db"},
+                                               {"overflow-2003.mdb", "overflow.db"},
+                                               {"restore-index-2003.mdb", "telling.db"},
+                                               {"added-column-2003.mdb", "added-column.db"},
+                                               {"deleted-2003.mdb", "deleted.db"},
+                                               {"made-2000.mdb", "made-short.db"},
+                                               {"made-2003.mdb", "made.db"},
+                                               {"made-2010.accdb", "made.db"},
+                                               {"made-2019.accdb", "made.db"}};
 
 // A workspace in which this program reads desktop files itself, whatever is installed.
 inline std::unique_ptr<Workspace> MakeReaderWorkspace() {
@@ -75,22 +57,29 @@ class SampleCopy {
   std::string Beside(std::string_view name) const { return m_folder.File(name); }
   OpenRequest Request() const { return {.name = m_path}; }
 
+  // Writes the original's bytes with a change made to them.
+  template <class Edit>
+  void Change(Edit change) const {
+    std::string bytes = m_original;
+    change(bytes);
+    WriteBytes(m_path, bytes);
+  }
+
   // The places where the copy's bytes are not the original's.
   std::vector<std::size_t> Changed() const {
-    const FileBytes now = ReadBytes(m_path);
+    const std::string now = ReadBytes(m_path);
     std::vector<std::size_t> places;
-    if (now.size() != m_original.size()) places.push_back(std::min(now.size(), m_original.size()));
-    for (std::size_t i = 0; i < std::min(now.size(), m_original.size()); ++i) {
-      if (now[i] != m_original[i]) places.push_back(i);
+    for (std::size_t i = 0; i < std::max(now.size(), m_original.size()); ++i) {
+      if (i >= now.size() || i >= m_original.size() || now[i] != m_original[i]) places.push_back(i);
     }
     return places;
   }
-  const FileBytes& Original() const { return m_original; }
+  const std::string& Original() const { return m_original; }
 
  private:
   TemporaryFolder m_folder;
   std::string m_path;
-  FileBytes m_original;
+  std::string m_original;
 };
 
 }  // namespace kxrestore::engine::testing

@@ -53,14 +53,13 @@ TEST(DesktopDamage, IsToldWithItsPlace) {
 
 TEST(DesktopDamage, OfADefinitionThatTwoTablesClaim) {
   const SampleCopy copy("telling-2003.mdb");
-  testing::FileBytes bytes = copy.Original();
+  std::map<std::string, std::size_t> places;  // of the page numbers of definitions
   {
     const jet_file::PageFile pages(copy.Path());
     const auto codePage = jet_file::CodePage::Find(1252);
     jet_file::Table objects(pages, *codePage,
                             jet_file::ReadTableDefinition(pages, *codePage, 2, "MSysObjects"));
     const jet_file::Column &id = *objects.Definition().Find("Id"), &name = *objects.Definition().Find("Name");
-    std::map<std::string, std::size_t> places;  // of the page numbers of definitions
     jet_file::FoundRow row;
     for (jet_file::Table::Walk walk(objects); walk.Next(row);) {
       const auto place = row.row.Stored(id)->Data() - row.page.Content().Data();
@@ -68,10 +67,10 @@ TEST(DesktopDamage, OfADefinitionThatTwoTablesClaim) {
       objects.AppendText(text, name, *row.row.Stored(name));
       places[text] = row.page.Number() * std::size_t{4096} + static_cast<std::size_t>(place);
     }
-    std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(places.at("SetNames")), 4,
-                bytes.begin() + static_cast<std::ptrdiff_t>(places.at("LongPaths")));
   }
-  testing::WriteBytes(copy.Path(), bytes);
+  copy.Change([&](std::string& bytes) {
+    std::copy_n(&bytes[places.at("SetNames")], 4, &bytes[places.at("LongPaths")]);
+  });
   const auto workspace = testing::MakeReaderWorkspace();
   const auto database = workspace->OpenDatabase(copy.Request());
   EXPECT_EQ(Rows(*database, "SetNames").size(), 9u);
@@ -79,25 +78,25 @@ TEST(DesktopDamage, OfADefinitionThatTwoTablesClaim) {
 }
 
 TEST(DesktopDamage, OfHeadersIsRefused) {
-  const auto refused = [](std::size_t place, unsigned char byte, int number, const char* piece) {
+  const struct {
+    std::size_t place;
+    unsigned char changed;
+    int number;
+    const char* piece;
+  } cases[] = {{0x14, 0x40, error_number::kUnrecognizedFormat, "version"},
+               {0x3E, 0x01, error_number::kCannotCreateObject, "encrypted"},
+               {0x42, 0x01, error_number::kPassword, "password"},
+               {2 * 4096, 0x01, error_number::kDamaged, "page 2"}};
+  const auto workspace = testing::MakeReaderWorkspace();
+  for (const auto& [place, changed, number, piece] : cases) {
     const SampleCopy copy("telling-2007.accdb");
-    testing::FileBytes bytes = copy.Original();
-    bytes[place] = static_cast<char>(bytes[place] ^ byte);
-    testing::WriteBytes(copy.Path(), bytes);
-    const auto workspace = testing::MakeReaderWorkspace();
+    copy.Change([&, at = place, bits = changed](std::string& bytes) { bytes[at] ^= bits; });
     ExpectError(number, piece, [&] { workspace->OpenDatabase(copy.Request()); });
-  };
-  refused(0x14, 0x40, error_number::kUnrecognizedFormat, "version");
-  refused(0x3E, 0x01, error_number::kCannotCreateObject, "encrypted");
-  refused(0x42, 0x01, error_number::kPassword, "password");
-  refused(2 * 4096, 0x01, error_number::kDamaged, "page 2");
-  const testing::TemporaryFolder folder;
-  for (const std::size_t size :
-       {std::size_t{0}, std::size_t{20}, std::size_t{100}, std::size_t{4096}, std::size_t{9000}}) {
-    testing::FileBytes bytes = testing::ReadBytes(testing::DesktopSample("telling-2003.mdb"));
-    bytes.resize(size);
-    testing::WriteBytes(folder.File("short.mdb"), bytes);
-    const int error = Use({.name = folder.File("short.mdb")});
+  }
+  for (const std::size_t size : {0, 20, 100, 4096, 9000}) {
+    const SampleCopy copy("telling-2003.mdb");
+    copy.Change([&](std::string& bytes) { bytes.resize(size); });
+    const int error = Use(copy.Request());
     EXPECT_TRUE(error == error_number::kDamaged || error == error_number::kUnrecognizedFormat)
         << size << " " << error;
   }
@@ -120,27 +119,29 @@ TEST(DesktopDamage, AtRandomPlacesEndsInAnAnswerOrAnError) {
     const std::size_t pages = copy.Original().size() / pageSize;
     Clock::duration longest{};
     for (int i = 0; i < damages; ++i) {
-      testing::FileBytes bytes = copy.Original();
-      const std::size_t page = below(pages) * pageSize;
-      switch (below(5)) {
-        case 0:  // one number near the page's head
-          bytes[page + below(64)] = static_cast<char>(below(256));
-          break;
-        case 1:  // some bytes anywhere in it
-          for (int k = 0; k < 40; ++k) bytes[page + below(pageSize)] = static_cast<char>(below(256));
-          break;
-        case 2:  // another page's content
-          std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(below(pages) * pageSize), pageSize,
-                      bytes.begin() + static_cast<std::ptrdiff_t>(page));
-          break;
-        case 3:  // a row's end, where its own numbers are
-          for (int k = 0; k < 8; ++k) bytes[page + pageSize - 1 - below(600)] = static_cast<char>(below(256));
-          break;
-        default:
-          std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(page + below(pageSize - 200)),
-                      1 + below(200), static_cast<char>(below(2) * 255));
-      }
-      testing::WriteBytes(copy.Path(), bytes);
+      copy.Change([&](std::string& bytes) {
+        const auto page = bytes.begin() + static_cast<std::ptrdiff_t>(below(pages) * pageSize);
+        const auto scribble = [&](int count, auto place) {
+          for (; count > 0; --count)
+            page[static_cast<std::ptrdiff_t>(place())] = static_cast<char>(below(256));
+        };
+        switch (below(5)) {
+          case 0:
+            return scribble(1, [&] { return below(64); });  // one number near the page's head
+          case 1:
+            return scribble(40, [&] { return below(pageSize); });
+          case 2:
+            return scribble(8, [&] { return pageSize - 1 - below(600); });  // a row's end has its own numbers
+          case 3: {
+            const auto other = bytes.begin() + static_cast<std::ptrdiff_t>(below(pages) * pageSize);
+            if (other != page) std::copy_n(other, pageSize, page);
+            return;
+          }
+          default:
+            std::fill_n(page + static_cast<std::ptrdiff_t>(below(pageSize - 200)), 1 + below(200),
+                        static_cast<char>(below(2) * 255));
+        }
+      });
       const auto start = Clock::now();
       Use(copy.Request());
       longest = std::max(longest, Clock::now() - start);

@@ -20,7 +20,9 @@
 namespace kxrestore::engine {
 namespace {
 
+using testing::Change;
 using testing::ExpectError;
+using testing::Mark;
 using testing::Rows;
 using testing::SampleCopy;
 using Strings = std::vector<std::string>;
@@ -33,11 +35,6 @@ constexpr const char* kMarkByName =
 constexpr const char* kClear =
     "UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));";
 
-void MarkById(Database& database, const std::string& id) {
-  database.Execute("UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=" + id + "));",
-                   kFailOnError);
-}
-
 Strings Marked(Database& database) {
   return Rows(database, "SELECT ID FROM Catalog WHERE Restore = True ORDER BY ID");
 }
@@ -48,7 +45,8 @@ class DesktopMarks : public ::testing::Test {
   void MarkEveryWay(const OpenRequest& request) {
     m_workspace->BeginAction();
     const Strings ids = Rows(*m_workspace->OpenDatabase(request), "SELECT ID FROM Catalog ORDER BY ID");
-    for (std::size_t i = 0; i < ids.size(); i += 3) MarkById(*m_workspace->OpenDatabase(request), ids[i]);
+    for (std::size_t i = 0; i < ids.size(); i += 3)
+      Mark(*m_workspace->OpenDatabase(request), std::stoi(ids[i]));
     const Strings names = Rows(*m_workspace->OpenDatabase(request),
                                "SELECT Filename FROM Catalog WHERE SetNameID = 1 AND Extension = '001'");
     for (std::string name : names) {
@@ -58,17 +56,13 @@ class DesktopMarks : public ::testing::Test {
       const auto rows =
           database->OpenRecordset(kMarkByName + name + "')); ", RecordsetType::kDynaset, {"Restore"});
       ASSERT_FALSE(rows->Eof()) << name;
-      rows->Edit();
-      rows->Fields("Restore").Set(true);
-      rows->Update();
+      Change(*rows, "Restore", true);
     }
     const auto database = m_workspace->OpenDatabase(request);
     const auto rows = database->OpenRecordset("SELECT ID, Restore FROM Catalog WHERE SetNameID = 2",
                                               RecordsetType::kDynaset);
     for (; !rows->Eof(); rows->MoveNext()) {
-      rows->Edit();
-      rows->Fields("Restore").Set(rows->Fields("ID").Integer() % 2 == 0);
-      rows->Update();
+      Change(*rows, "Restore", rows->Fields("ID").Integer() % 2 == 0);
     }
     m_workspace->EndAction();
   }
@@ -77,7 +71,7 @@ class DesktopMarks : public ::testing::Test {
 };
 
 TEST_F(DesktopMarks, ChangeOneBitEachAndCanBeTakenBack) {
-  for (const auto& [name, twin] : testing::SoundSamples()) {
+  for (const auto& [name, twin] : testing::kSoundSamples) {
     if (std::string_view(name).find("index") != std::string_view::npos) continue;
     if (std::string_view(name).starts_with("added")) continue;
     SCOPED_TRACE(name);
@@ -89,7 +83,7 @@ TEST_F(DesktopMarks, ChangeOneBitEachAndCanBeTakenBack) {
     const Strings marked = Marked(*database);
     EXPECT_EQ(marked, Marked(*twinDatabase));
     EXPECT_GT(marked.size(), 10u);
-    const testing::FileBytes now = testing::ReadBytes(copy.Path());
+    const std::string now = testing::ReadBytes(copy.Path());
     for (const std::size_t place : copy.Changed()) {
       const int change = (now[place] ^ copy.Original()[place]) & 0xFF;
       EXPECT_TRUE(std::has_single_bit(static_cast<unsigned>(change))) << place;
@@ -108,7 +102,7 @@ TEST_F(DesktopMarks, WaitForTheirGroupAndShowMeanwhile) {
   const std::string lockFile = copy.Beside("telling-2003.ldb");
   m_workspace->BeginAction();
   const auto database = m_workspace->OpenDatabase(copy.Request());
-  MarkById(*database, "1007");
+  Mark(*database, 1007);
   EXPECT_EQ(Marked(*database), Strings{"1007"});
   EXPECT_TRUE(copy.Changed().empty());
   EXPECT_TRUE(std::filesystem::exists(lockFile)) << "the engine is to see us";
@@ -151,7 +145,7 @@ TEST_F(DesktopMarks, AreRefusedWhereTheyCannotBeSetInPlace) {
   // The other rows of that file have the bit.
   const SampleCopy copy("added-column-2003.mdb");
   const auto database = m_workspace->OpenDatabase(copy.Request());
-  MarkById(*database, "1599");
+  Mark(*database, 1599);
   EXPECT_EQ(copy.Changed().size(), 1u);
 }
 
@@ -201,13 +195,17 @@ TEST_F(DesktopMarks, AreRefusedWhileAnotherProgramHasTheFile) {
   const std::string lockFile = copy.Beside("telling-2010.laccdb");
   const auto database = m_workspace->OpenDatabase(copy.Request());
   const auto refused = [&](const char* piece) {
-    ExpectError(error_number::kFileInUse, piece, [&] { MarkById(*database, "1007"); });
+    ExpectError(error_number::kFileInUse, piece, [&] { Mark(*database, 1007); });
     EXPECT_TRUE(copy.Changed().empty());
     EXPECT_EQ(Rows(*database, "SELECT Count(*) FROM Catalog"), Strings{"600"}) << "reading goes on";
   };
-  testing::FileBytes entry(64, '\0');
-  std::string_view("OTHERPC").copy(entry.data(), 32);
-  std::string_view("Admin").copy(entry.data() + 32, 32);
+  const auto entryOf = [](const std::string& machine) {
+    std::string entry(64, '\0');
+    machine.copy(entry.data(), 31);
+    std::string_view("Admin").copy(entry.data() + 32, 32);
+    return entry;
+  };
+  const std::string entry = entryOf("OTHERPC");
   testing::WriteBytes(lockFile, entry);
   refused("'OTHERPC', user 'Admin'");
   EXPECT_EQ(testing::ReadBytes(lockFile), entry) << "what others wrote stays";
@@ -216,22 +214,19 @@ TEST_F(DesktopMarks, AreRefusedWhileAnotherProgramHasTheFile) {
     refused("'OTHERPC', user 'Admin'");
   }
   std::filesystem::remove(lockFile);
-  {
-    const OtherProgramsLock lock(lockFile, 0x10000001);
-    refused("another program");
-  }
-  {
-    const OtherProgramsLock lock(copy.Path(), 0);
+  for (const auto& [file, start] : {std::pair(lockFile, 0x10000001), {copy.Path(), 0}}) {
+    const OtherProgramsLock lock(file, start);
     refused("another program");
   }
   // An entry of this machine whose program has died is no hindrance.
-  testing::FileBytes dead(64, '\0');
-  jet_file::MachineName().copy(dead.data(), 31);
-  std::string_view("Admin").copy(dead.data() + 32, 32);
-  testing::WriteBytes(lockFile, dead);
-  MarkById(*database, "1007");
+  testing::WriteBytes(lockFile, entryOf(jet_file::MachineName()));
+  Mark(*database, 1007);
   EXPECT_EQ(copy.Changed().size(), 1u);
   EXPECT_FALSE(std::filesystem::exists(lockFile));
+}
+
+void MarkedByOthers(std::string& bytes) {
+  bytes[0x47C0E] = static_cast<char>(bytes[0x47C0E] | 4);  // ID 1007
 }
 
 TEST_F(DesktopMarks, TakeUpWhatOthersHaveWrittenMeanwhile) {
@@ -241,16 +236,12 @@ TEST_F(DesktopMarks, TakeUpWhatOthersHaveWrittenMeanwhile) {
   const auto rows =
       database->OpenRecordset("SELECT ID, Restore FROM Catalog WHERE ID > 1006", RecordsetType::kDynaset);
   EXPECT_TRUE(Marked(*database).empty());
-  testing::FileBytes bytes = copy.Original();
-  bytes[0x47C0E] = static_cast<char>(bytes[0x47C0E] | 4);  // ID 1007
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  testing::WriteBytes(copy.Path(), bytes);
+  copy.Change(MarkedByOthers);
   EXPECT_EQ(Marked(*database), Strings{"1007"});
   // Whether the row is still the same nobody knows.
-  rows->Edit();
-  rows->Fields("Restore").Set(true);
-  ExpectError(error_number::kRecordDeleted, "Catalog", [&] { rows->Update(); });
-  MarkById(*database, "1008");
+  ExpectError(error_number::kRecordDeleted, "Catalog", [&] { Change(*rows, "Restore", true); });
+  Mark(*database, 1008);
   m_workspace->EndAction();
   EXPECT_EQ(copy.Changed().size(), 2u);
 }
@@ -261,13 +252,11 @@ TEST_F(DesktopMarks, AreRefusedOnAPageThatIsNotWhatWasRead) {
   const auto database = m_workspace->OpenDatabase(copy.Request());
   EXPECT_TRUE(Marked(*database).empty());
   const auto time = std::filesystem::last_write_time(copy.Path());
-  testing::FileBytes bytes = copy.Original();
-  bytes[0x47C0E] = static_cast<char>(bytes[0x47C0E] | 4);  // ID 1007
-  testing::WriteBytes(copy.Path(), bytes);
+  copy.Change(MarkedByOthers);
   std::filesystem::last_write_time(copy.Path(), time);
-  ExpectError(error_number::kDataHasChanged, "page 71", [&] { MarkById(*database, "1008"); });
+  ExpectError(error_number::kDataHasChanged, "page 71", [&] { Mark(*database, 1008); });
   EXPECT_EQ(copy.Changed().size(), 1u);
-  MarkById(*database, "1008");
+  Mark(*database, 1008);
   EXPECT_EQ(Marked(*database), (Strings{"1007", "1008"}));
 }
 
@@ -280,8 +269,7 @@ TEST_F(DesktopMarks, AreSeenByAnotherReader) {
     const std::string table = copy.Beside("table.csv");
     const std::string command = "mdb-export '" + copy.Path() + "' Catalog > '" + table + "'";
     ASSERT_EQ(std::system(command.c_str()), 0);
-    const testing::FileBytes bytes = testing::ReadBytes(table);
-    std::istringstream lines(std::string(bytes.begin(), bytes.end()));
+    std::istringstream lines(testing::ReadBytes(table));
     Strings marked;
     std::string line;
     for (std::getline(lines, line); std::getline(lines, line);) {
@@ -304,7 +292,7 @@ TEST_F(DesktopMarks, OfAKilledProgramAreTheFirstOnes) {
     m_workspace->BeginAction();
     const auto database = m_workspace->OpenDatabase(copy.Request());
     for (int id = 1600; id > 1000; --id) {
-      MarkById(*database, std::to_string(id));
+      Mark(*database, id);
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     for (;;) pause();
@@ -320,7 +308,7 @@ TEST_F(DesktopMarks, OfAKilledProgramAreTheFirstOnes) {
   EXPECT_EQ(marked.back(), "1600");
   EXPECT_EQ(marked.front(), std::to_string(1601 - static_cast<int>(marked.size())));
   EXPECT_EQ(copy.Changed().size(), marked.size());
-  MarkById(*database, "1001");  // its lock file does not hinder
+  Mark(*database, 1001);  // its lock file does not hinder
 }
 #endif
 

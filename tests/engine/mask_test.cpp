@@ -75,11 +75,7 @@ TEST(LikePattern, Table) {
 class MaskConformance : public testing::ConformanceTest {
  protected:
   Strings Files(const Sql& sql) {
-    Strings files;
-    const auto rows = m_database->OpenRecordset(sql, RecordsetType::kSnapshot);
-    for (; !rows->Eof(); rows->MoveNext()) files.push_back(rows->Fields("File").Text());
-    std::sort(files.begin(), files.end());
-    return files;
+    return testing::Sorted(testing::Rows(*m_database->OpenRecordset(sql, RecordsetType::kSnapshot)));
   }
 };
 

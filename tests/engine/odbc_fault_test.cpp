@@ -4,7 +4,7 @@
 
 #include "engine/jet_sql/printing/server_dialects.h"
 #include "engine/odbc/odbc_session.h"
-#include "tests/engine/odbc_test_database.h"
+#include "tests/engine/test_databases.h"
 
 namespace kxrestore::engine {
 namespace {

@@ -1,9 +1,10 @@
-#include "tests/engine/odbc_test_database.h"
+#include "tests/engine/test_databases.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <regex>
 #include <stdexcept>
+#include <utility>
 
 #include "base/text.h"
 #include "engine/odbc/odbc_session.h"
@@ -23,37 +24,27 @@ constexpr std::string_view kNames =
     "Plugin Restore OrigSize Status Attributes SubFolder EncryptMethod OrigName PathID LongPath SetNames "
     "Name BackupAudit Permanent FullCatalog FullCatalogLatestBySet SetName Mine P ";
 
-bool IsNameCharacter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
-
 // The statement with the catalog's names as the spelling has them; texts stay.
-std::string Spelled(std::string_view sql, Spelling spelling) {
+std::string Spelled(std::string_view statement, Spelling spelling) {
+  static const std::regex kPiece("'[^']*'|\"?(\\w+)\"?");
+  const std::string sql(statement);
   std::string result;
-  for (std::size_t i = 0; i < sql.size();) {
-    std::size_t end = i + 1;
-    if (sql[i] == '\'') {
-      while (end < sql.size() && sql[end] != '\'') ++end;
-      end = std::min(end + 1, sql.size());
-    } else if (IsNameCharacter(sql[i])) {
-      while (end < sql.size() && IsNameCharacter(sql[end])) ++end;
-    }
-    const std::string_view word = sql.substr(i, end - i);
-    const std::size_t known = FoldCase(kNames).find(" " + FoldCase(word) + " ");
+  auto end = sql.cbegin();
+  for (std::sregex_iterator match(sql.begin(), sql.end(), kPiece), last; match != last; ++match) {
+    const auto& [piece, word] = std::pair((*match)[0], (*match)[1].str());
+    result.append(end, piece.first);
+    end = piece.second;
+    const std::size_t known =
+        word.empty() ? std::string::npos : FoldCase(kNames).find(" " + FoldCase(word) + " ");
     if (known == std::string::npos) {
-      result += word;
+      result += piece.str();
+    } else if (spelling == Spelling::kFolded) {
+      result += FoldCase(word);
     } else {
-      const bool quoted = i > 0 && sql[i - 1] == '"';
-      if (quoted) {
-        result.pop_back();
-        ++end;
-      }
-      const std::string name(kNames.substr(known + 1, word.size()));
-      result += spelling == Spelling::kQuoted ? "\"" + name + "\"" : FoldCase(name);
+      result.append("\"").append(kNames.substr(known + 1, word.size())).append("\"");
     }
-    i = end;
   }
-  return result;
+  return result.append(end, sql.cend());
 }
 
 class OdbcTestDatabase final : public TestDatabase {

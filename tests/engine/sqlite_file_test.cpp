@@ -12,6 +12,8 @@ namespace kxrestore::engine {
 namespace {
 
 using testing::ExpectError;
+using testing::PathOf;
+using testing::ReadBytes;
 using testing::Rows;
 
 class SqliteFile : public testing::SqliteTest {
@@ -19,17 +21,10 @@ class SqliteFile : public testing::SqliteTest {
   std::unique_ptr<Database> Open(const std::string& name) {
     return m_workspace->OpenDatabase({.name = name});
   }
-  static std::filesystem::path Path(const std::string& name) {
-    return std::filesystem::path(std::u8string(name.begin(), name.end()));
-  }
   std::string Write(const std::string& name, std::string_view content) {
     const std::string file = m_folder.File(name);
-    std::ofstream(Path(file), std::ios::binary) << content;
+    testing::WriteBytes(file, content);
     return file;
-  }
-  std::string ReadCatalog() {
-    std::ifstream stream(Path(m_catalog), std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
   }
 
   testing::TemporaryFolder m_folder;
@@ -54,7 +49,7 @@ TEST_F(SqliteFile, WhatIsNoCatalogIsToldApart) {
   }
   const std::string missing = m_folder.File("missing.db");
   ExpectError(error_number::kFileNotFound, "missing.db", [&] { Open(missing); });
-  EXPECT_FALSE(std::filesystem::exists(Path(missing))) << "opening creates nothing";
+  EXPECT_FALSE(std::filesystem::exists(PathOf(missing))) << "opening creates nothing";
   ExpectError(error_number::kFileNotFound, "", [&] { Open(""); });
   ExpectError(error_number::kFileNotFound, ":memory:", [&] { Open(":memory:"); });
   ExpectError(error_number::kCannotOpen, "", [&] { Open(m_folder.File("")); });
@@ -68,7 +63,7 @@ TEST_F(SqliteFile, DamageShowsAsDamage) {
   m_test->Run(
       "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 3000) INSERT INTO Catalog "
       "(ID, Filename, SetNameID, Extension) SELECT i, 'C:\\some\\longer\\path\\file' || i, 1, '002' FROM n");
-  std::string content = ReadCatalog();
+  std::string content = ReadBytes(m_catalog);
   ASSERT_GT(content.size(), 100000u);
   const std::string cut = Write("cut.db", std::string_view(content).substr(0, content.size() / 2));
   ExpectError(error_number::kDamaged, "cut.db", [&] { Rows(*Open(cut), "SELECT Filename FROM Catalog"); });
@@ -82,13 +77,13 @@ TEST_F(SqliteFile, DamageShowsAsDamage) {
 }
 
 TEST_F(SqliteFile, OpeningAndReadingChangesNothing) {
-  const std::string before = ReadCatalog();
-  const auto written = std::filesystem::last_write_time(Path(m_catalog));
+  const std::string before = ReadBytes(m_catalog);
+  const auto written = std::filesystem::last_write_time(PathOf(m_catalog));
   m_workspace->BeginAction();
   Rows(*Open(m_catalog), "SELECT * FROM FullCatalog ORDER BY OrigName");
   m_workspace->EndAction();
-  EXPECT_EQ(ReadCatalog(), before);
-  EXPECT_EQ(std::filesystem::last_write_time(Path(m_catalog)), written);
+  EXPECT_EQ(ReadBytes(m_catalog), before);
+  EXPECT_EQ(std::filesystem::last_write_time(PathOf(m_catalog)), written);
 }
 
 TEST_F(SqliteFile, LockedByAnotherIsToldInTime) {
@@ -134,13 +129,13 @@ struct AsNobody {
 
 TEST_F(SqliteFile, WhatMayNotBeWrittenOrRead) {
   using std::filesystem::perms;
-  const auto hidden = Path(m_folder.File("hidden.db"));
-  std::filesystem::copy_file(Path(m_catalog), hidden);
+  const auto hidden = PathOf(m_folder.File("hidden.db"));
+  std::filesystem::copy_file(PathOf(m_catalog), hidden);
   std::filesystem::permissions(hidden, perms::none);
-  std::filesystem::permissions(Path(m_catalog), perms::owner_read | perms::group_read | perms::others_read);
+  std::filesystem::permissions(PathOf(m_catalog), perms::owner_read | perms::group_read | perms::others_read);
   {
     [[maybe_unused]] const AsNobody nobody{};
-    if (std::ofstream(Path(m_catalog), std::ios::app)) GTEST_SKIP() << "nothing is read-only for this user";
+    if (std::ofstream(PathOf(m_catalog), std::ios::app)) GTEST_SKIP() << "nothing is read-only for this user";
     ExpectError(error_number::kReadOnly, "catälog.db", [&] {
       const auto database = Open(m_catalog);
       EXPECT_EQ(Rows(*database, "SetNames").size(), 3u);
@@ -150,7 +145,7 @@ TEST_F(SqliteFile, WhatMayNotBeWrittenOrRead) {
     ExpectError(error_number::kCannotOpen, "hidden.db", [&] { Open(m_folder.File("hidden.db")); });
 #endif
   }
-  for (const auto& file : {Path(m_catalog), hidden}) std::filesystem::permissions(file, perms::owner_all);
+  for (const auto& file : {PathOf(m_catalog), hidden}) std::filesystem::permissions(file, perms::owner_all);
 }
 
 #ifndef _WIN32
@@ -162,7 +157,7 @@ TEST_F(SqliteFile, WhatWasLeftBehindIsNamed) {
     std::filesystem::create_directory(target);
     for (const char* suffix : suffixes) {
       const auto file = target / (std::string("c.db") + suffix);
-      std::filesystem::copy_file(Path(m_catalog + suffix), file);
+      std::filesystem::copy_file(PathOf(m_catalog + suffix), file);
       std::filesystem::permissions(file, perms::owner_read | perms::group_read | perms::others_read);
     }
     std::filesystem::permissions(target, perms::owner_write | perms::group_write | perms::others_write,
@@ -225,7 +220,7 @@ TEST_F(SqliteFile, CellsAreChecked) {
   m_test->Run("PRAGMA journal_mode = DELETE; VACUUM");
   const int page = std::stoi(m_test->Ask("SELECT rootpage FROM sqlite_schema WHERE name = 'SetNames'"));
   const int size = std::stoi(m_test->Ask("PRAGMA page_size"));
-  std::string content = ReadCatalog();
+  std::string content = ReadBytes(m_catalog);
   char* const cells = content.data() + static_cast<std::ptrdiff_t>(page - 1) * size + 8;
   cells[0] = '\x0F';  // the first one begins in the last bytes of the page and would reach out of it
   cells[1] = '\xFE';

@@ -2,17 +2,21 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
+#include <thread>
+#include <utility>
 
+#include "bench/desktop_file.h"
 #include "engine/sqlite/sqlite_backend.h"
 #ifdef _WIN32
 #include "tests/engine/dao_test_database.h"
 #endif
 #include "tests/engine/desktop_samples.h"
-#include "tests/engine/jet_test_database.h"
-#include "tests/engine/odbc_test_database.h"
 
 namespace kxrestore::engine::testing {
 namespace {
@@ -59,6 +63,78 @@ class SqliteTestDatabase final : public TestDatabase {
   sqlite3* m_connection = nullptr;
 };
 
+// Files of the desktop engine, opened without that engine. The test's rows are kept in a SQLite file, its
+// twin, and written from there into a copy of a sample, page by page. What is marked in the copy is taken
+// over into the twin before that is asked or changed.
+class JetTestDatabase final : public TestDatabase {
+ public:
+  JetTestDatabase(std::string sample, const bench::DesktopFile::Style& style)
+      : m_sample(std::move(sample)), m_style(style) {}
+
+  OpenRequest Request() const override { return {.name = m_path}; }
+  void Run(std::string_view sql) override {
+    TakeMarks();
+    m_twin->Run(sql);
+    // A yes/no column of such a file holds nothing but the two.
+    m_twin->Run(
+        "UPDATE Catalog SET Restore = coalesce(Restore, 0) <> 0; "
+        "UPDATE BackupAudit SET Permanent = coalesce(Permanent, 0) <> 0");
+    Write();
+  }
+  std::string Ask(std::string_view sql) override {
+    TakeMarks();
+    return m_twin->Ask(sql);
+  }
+
+ private:
+  void TakeMarks() {
+    if (ReadBytes(m_path).empty()) return;
+    const auto database = MakeReaderWorkspace()->OpenDatabase({.name = m_path, .readOnly = true});
+    std::string marked;
+    for (const std::string& id : Rows(*database, "SELECT ID FROM Catalog WHERE Restore = True")) {
+      marked += (marked.empty() ? "" : ", ") + id;
+    }
+    m_twin->Run("UPDATE Catalog SET Restore = ID IN (" + marked + ")");
+  }
+
+  void Write() {
+    const std::string made = m_folder.File("made");
+    std::filesystem::remove(made);
+    bench::DesktopFile file(DesktopSample(m_sample), made);
+    file.SetStyle(m_style);
+    const auto workspace = MakeReaderWorkspace();
+    const auto twin = workspace->OpenDatabase(m_twin->Request());
+    for (const char* table : {"SetNames", "LongPaths", "BackupAudit", "Catalog"}) {
+      file.Empty(table);
+      // The runs are numbered in such files only.
+      const bool numbered = std::string_view(table) == "BackupAudit";
+      std::string columns;
+      for (const jet_file::Column& column : file.Definition(table).columns) {
+        if (numbered && column.name == "ID") continue;
+        columns += (columns.empty() ? "[" : ", [") + column.name + "]";
+      }
+      const auto rows =
+          twin->OpenRecordset("SELECT " + columns + " FROM [" + table + "]", RecordsetType::kSnapshot);
+      for (std::int64_t number = 1; !rows->Eof(); rows->MoveNext(), ++number) {
+        std::vector<Value> row;
+        if (numbered) row.emplace_back(number);
+        for (std::size_t i = 0; i < rows->FieldCount(); ++i) row.push_back(OwnedOf(rows->FieldValue(i)));
+        file.Add(table, row);
+      }
+    }
+    file.Finish();
+    // Readers tell a change by the file's time, whose steps are some milliseconds.
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    WriteBytes(m_path, ReadBytes(made));
+  }
+
+  std::string m_sample;
+  bench::DesktopFile::Style m_style;
+  TemporaryFolder m_folder;
+  std::string m_path = m_folder.File("catälog.mdb");
+  std::unique_ptr<TestDatabase> m_twin = MakeSqliteFile();
+};
+
 }  // namespace
 
 TemporaryFolder::TemporaryFolder() {
@@ -80,6 +156,19 @@ TemporaryFolder::~TemporaryFolder() {
 std::string TemporaryFolder::File(std::string_view name) const {
   const std::u8string path = (m_path / std::u8string(name.begin(), name.end())).u8string();
   return {path.begin(), path.end()};
+}
+
+std::filesystem::path PathOf(const std::string& name) {
+  return std::u8string(name.begin(), name.end());
+}
+
+std::string ReadBytes(const std::string& name) {
+  std::ifstream file(PathOf(name), std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void WriteBytes(const std::string& name, std::string_view bytes) {
+  std::ofstream(PathOf(name), std::ios::binary) << bytes;
 }
 
 std::unique_ptr<TestDatabase> MakeSqliteFile(const std::string& path) {
@@ -127,55 +216,32 @@ std::unique_ptr<Workspace> MakeWorkspace(const TestDatabaseKind& kind) {
 }
 
 std::string CatalogSchema() {
-  return R"(
-CREATE TABLE Catalog (ID INTEGER PRIMARY KEY, DateStamp VARCHAR(30), SetNameID INTEGER, Extension VARCHAR(20),
-  Filename VARCHAR(255), File VARCHAR(255), LongPathID INTEGER, StoreName VARCHAR(80), StoreMethod INTEGER,
-  Plugin VARCHAR(80), Restore BOOLEAN, OrigSize INTEGER, Status INTEGER, Attributes INTEGER,
-  SubFolder VARCHAR(80), EncryptMethod INTEGER, OrigName VARCHAR(255));
-CREATE TABLE LongPaths (PathID INTEGER PRIMARY KEY, LongPath VARCHAR(400));
-CREATE TABLE SetNames (ID INTEGER PRIMARY KEY, Name VARCHAR(80));
-CREATE TABLE BackupAudit (SetNameID INTEGER, DateStamp VARCHAR(30), Extension VARCHAR(20), Permanent BOOLEAN,
-  Status INTEGER);
-CREATE VIEW FullCatalog AS SELECT Catalog.OrigName AS OrigName, Catalog.DateStamp AS DateStamp, Catalog.ID AS ID,
-  Catalog.SetNameID AS SetNameID, Catalog.Extension AS Extension, Catalog.File AS File, Catalog.Restore AS Restore,
-  Catalog.OrigSize AS OrigSize, Catalog.Status AS Status, Catalog.Attributes AS Attributes,
-  Catalog.Filename AS Filename, Catalog.StoreMethod AS StoreMethod, Catalog.StoreName AS StoreName,
-  Catalog.LongPathID AS LongPathID, SetNames.Name AS SetName, Catalog.SubFolder AS SubFolder,
-  Catalog.Plugin AS Plugin, Catalog.EncryptMethod AS EncryptMethod
-  FROM Catalog LEFT JOIN SetNames ON Catalog.SetNameID = SetNames.ID;
-)";
+  return ReadBytes(KX_TEST_DATA "/cases/catalog_schema.sql");
 }
 
 std::string CatalogRows() {
-  return R"(
-INSERT INTO SetNames VALUES (1, 'Office'), (2, 'büro'), (3, 'Archive');
-INSERT INTO LongPaths VALUES (7, 'C:\Documents and Settings\user\long name.doc'), (8, 'unused');
-INSERT INTO BackupAudit VALUES (1, '2026-01-01 08:00:00', '001', 1, 6), (1, '2026-02-01 08:00:00', '002', 0, 6),
-  (2, '2026-03-01 00:00:00', '001', NULL, 6), (2, '2026-03-02 00:00:00', '002', 0, 3),
-  (3, '2026-03-05 00:00:00', 'x01', 0, 6);
-INSERT INTO Catalog (ID, DateStamp, SetNameID, Extension, Filename, File, LongPathID, StoreName, StoreMethod, Plugin,
-  Restore, OrigSize, Status, OrigName) VALUES
-  (1, '2026-01-01 08:00:00', 1, '001', 'C:\a.doc', 'a.doc', NULL, 's1', 1, '', 0, 10, 2, 'C:\a.doc'),
-  (2, '2026-02-01 08:00:00', 1, '002', 'C:\a.doc', 'a.doc', NULL, 's2', 1, '', 0, 11, 2, 'C:\a.doc'),
-  (3, '2026-02-01 08:00:00', 1, '002', 'C:\DOCUME~1\L.DOC', 'l.doc', 7, 's3', 1, '', 0, 12, 2, 'C:\long.doc'),
-  (4, '2026-02-01 08:00:00', 1, '002', 'C:\it''s.txt', 'it''s.txt', NULL, 's4', 1, NULL, 1, 13, 2, 'C:\it''s.txt'),
-  (5, '2026-03-01 00:00:00', 2, '001', 'D:\Ärger.txt', 'Ärger.txt', 99, 's5', 1, '', 7, NULL, 2, 'D:\Ärger.txt'),
-  (6, '2026-03-01 00:00:00', 2, '001', 'D:\gone.txt', 'gone.txt', NULL, 's6', 1, '', 0, 15, 1, 'D:\gone.txt'),
-  (7, '2026-02-01 08:00:00', 1, '002', 'mail', 'mail', NULL, 's7', 1, 'Exchange Server', NULL, 16, 2, 'mail');
-)";
+  return ReadBytes(KX_TEST_DATA "/cases/catalog_rows.sql");
 }
 
-std::vector<std::string> Rows(Database& database, std::string_view source, RecordsetType type) {
+std::vector<std::string> Rows(Recordset& recordset) {
   std::vector<std::string> rows;
-  const auto recordset = database.OpenRecordset(source, type);
-  for (; !recordset->Eof(); recordset->MoveNext()) {
+  for (; !recordset.Eof(); recordset.MoveNext()) {
     std::string row;
-    for (std::size_t i = 0; i < recordset->FieldCount(); ++i) {
-      const ValueView value = recordset->FieldValue(i);
+    for (std::size_t i = 0; i < recordset.FieldCount(); ++i) {
+      const ValueView value = recordset.FieldValue(i);
       row += (i == 0 ? "" : "|") + (IsNull(value) ? "NULL" : ToText(value));
     }
     rows.push_back(std::move(row));
   }
+  return rows;
+}
+
+std::vector<std::string> Rows(Database& database, std::string_view source, RecordsetType type) {
+  return Rows(*database.OpenRecordset(source, type));
+}
+
+std::vector<std::string> Sorted(std::vector<std::string> rows) {
+  std::ranges::sort(rows);
   return rows;
 }
 
@@ -195,14 +261,13 @@ void Mark(Database& database, int id) {
 void ExpectSameCatalog(Database& catalog, Database& other) {
   const std::string columns =
       "SELECT ID, DateStamp, SetNameID, Extension, Filename, File, LongPathID, StoreName, StoreMethod, "
-      "Plugin, "
-      "IIf(Restore, 1, 0), OrigSize, Status, Attributes, SubFolder, EncryptMethod, ";
+      "Plugin, IIf(Restore, 1, 0), OrigSize, Status, Attributes, SubFolder, EncryptMethod, ";
+  const std::string runs = "SELECT SetNameID, DateStamp, Extension, IIf(Permanent, 1, 0), Status FROM ";
   for (const std::string& sql :
        {columns + "OrigName FROM [Catalog] ORDER BY ID", columns + "SetName FROM FullCatalog ORDER BY ID",
         std::string("SELECT ID, Name FROM SetNames ORDER BY ID"),
         std::string("SELECT PathID, LongPath FROM LongPaths ORDER BY PathID"),
-        std::string("SELECT SetNameID, DateStamp, Extension, IIf(Permanent, 1, 0), Status FROM BackupAudit "
-                    "ORDER BY SetNameID, DateStamp")}) {
+        runs + "BackupAudit ORDER BY SetNameID, DateStamp"}) {
     const auto rows = Rows(catalog, sql);
     EXPECT_FALSE(rows.empty());
     EXPECT_EQ(rows, Rows(other, sql)) << sql;

@@ -29,6 +29,11 @@ class TemporaryFolder {
   std::filesystem::path m_path;
 };
 
+// Files by names in UTF-8.
+std::filesystem::path PathOf(const std::string& name);
+std::string ReadBytes(const std::string& name);
+void WriteBytes(const std::string& name, std::string_view bytes);
+
 // One database made for a test, reached beside the engine through its own interface.
 class TestDatabase {
  public:
@@ -56,6 +61,17 @@ std::unique_ptr<Workspace> MakeWorkspace(const TestDatabaseKind& kind);
 // Of a file that is there already, or of a new one.
 std::unique_ptr<TestDatabase> MakeSqliteFile(const std::string& path = {});
 
+// PostgreSQL behind the ODBC driver manager, under the driver name that hosts ask for, in a database of this
+// process's own that is emptied for every test. scripts/test_server.sh starts the server and names it in the
+// environment. Spelling: a server catalog that was made without quotes has its names in small letters.
+enum class Spelling { kFolded, kQuoted };
+std::unique_ptr<TestDatabase> MakePostgres(Spelling spelling);
+// Whether the environment names a server. Under scripts/test.sh one that is missing is a failure.
+bool HasTestServer();
+std::string ServerSetting(const char* name);  // of the environment
+// A connect string as hosts give it, for that server.
+std::string ServerConnect(const std::string& database, const std::string& user, const std::string& password);
+
 // A workspace for files that does not wait long for locks.
 std::unique_ptr<Workspace> MakeImpatientWorkspace();
 
@@ -63,9 +79,11 @@ std::unique_ptr<Workspace> MakeImpatientWorkspace();
 std::string CatalogSchema();
 std::string CatalogRows();
 
-// Opens and reads all rows; the values of a row are joined by "|", null is "NULL".
+// Reads all rows that are left; the values of a row are joined by "|", null is "NULL".
+std::vector<std::string> Rows(Recordset& recordset);
 std::vector<std::string> Rows(Database& database, std::string_view source,
                               RecordsetType type = RecordsetType::kSnapshot);
+std::vector<std::string> Sorted(std::vector<std::string> rows);
 
 // Sets a field of the current row.
 void Change(Recordset& rows, std::string_view field, Value value);

@@ -19,7 +19,7 @@
 #include "engine/odbc/odbc_database.h"
 #include "tests/catalog/catalog_file.h"
 #include "tests/catalog/server_catalog.h"
-#include "tests/engine/odbc_test_database.h"
+#include "tests/engine/test_databases.h"
 
 namespace kxrestore::server_test {
 namespace {
