@@ -1,4 +1,4 @@
-// Listings and marks on every kind of database, with the right answers worked out beside it.
+// Listings and marks on every kind of database, compared with answers that the test computes itself.
 #include <algorithm>
 #include <map>
 #include <set>
@@ -96,8 +96,8 @@ TEST_P(CatalogConformance, ListingsFindWhatTheyStandFor) {
   }
 }
 
-// Twice: a query is deleted while those that name it stay, and the first time one is made before what it
-// names.
+// Listed three times: the saved queries are replaced while others that name them stay, and the first time one
+// is made before the query that it names.
 TEST_P(CatalogConformance, SavedQueriesNameEachOtherAndStay) {
   for (const auto& [setId, listed] :
        {std::pair(1, Ids{7, 4, 3, 2}), std::pair(2, Ids{5}), std::pair(1, Ids{7, 4, 3, 2})}) {

@@ -43,8 +43,8 @@ inline void AddRows(sample::CatalogSink& catalog, const std::vector<sample::File
   for (const auto& row : rows) catalog.AddFile(row);
 }
 
-// Runs statements on a SQLite file, which is made if need be, beside the engine under test. The rows,
-// "a|b|Null".
+// Runs statements on a SQLite file, which is created if it is missing, without the engine under test. Returns
+// the rows as "a|b|Null".
 inline std::vector<std::string> SqliteRows(const std::string& path, const std::string& sql) {
   sqlite3* raw = nullptr;
   const int opened = sqlite3_open(path.c_str(), &raw);

@@ -1,5 +1,5 @@
-// Tables of cases in tests/data/cases: under a heading in brackets each case is a line, and what is expected
-// of it are the indented lines below. A line that begins with "#" is a comment.
+// Reads the tables of cases in tests/data/cases. Below a heading in brackets each case is one line, followed
+// by indented lines with the expected result. A line that begins with "#" is a comment.
 #pragma once
 
 #include <fstream>

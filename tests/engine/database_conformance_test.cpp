@@ -1,5 +1,5 @@
-// Transactions: all or nothing, whatever else the action gathers, and however they end. Saved queries: what
-// is handed back, and what other programs make and see.
+// Transactions take effect completely or not at all, however they end and whatever else the user action
+// writes. Saved queries: creating, reading back and deleting them, also those of other programs.
 #include <chrono>
 #include <functional>
 #include <thread>

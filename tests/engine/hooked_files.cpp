@@ -9,7 +9,8 @@ sqlite3_vfs g_vfs;
 sqlite3_io_methods
     g_methods;  // of the system's kind that was opened last; the kinds differ in their locks only
 
-// The system's kinds of files, each with our methods in it. A list would have to allocate.
+// A copy of each method table that the system's VFS uses, with our methods in it. The array is fixed because
+// these functions must not allocate.
 struct Kind {
   const sqlite3_io_methods* real;
   sqlite3_io_methods ours;

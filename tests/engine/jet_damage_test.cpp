@@ -102,8 +102,8 @@ TEST(DesktopDamage, OfHeadersIsRefused) {
   }
 }
 
-// KX_DAMAGES in the environment asks for more of each file. The limit leaves room for the sanitizers; without
-// them the longest takes well under 2 s.
+// The environment variable KX_DAMAGES sets how often each file is damaged. The time limit allows for the
+// sanitizers; without them the slowest case takes well under 2 s.
 TEST(DesktopDamage, AtRandomPlacesEndsInAnAnswerOrAnError) {
   const char* asked = std::getenv("KX_DAMAGES");
   const int damages = asked == nullptr ? 12 : std::atoi(asked);

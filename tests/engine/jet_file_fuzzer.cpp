@@ -1,6 +1,7 @@
-// libFuzzer target: a sample file of the desktop engine with bytes changed is read and marked, or refused,
-// never more. The input is a list of changes, so that short inputs reach every place of a file: one byte for
-// the file, then six bytes a change: page (2), place in it (2), count of bytes, byte.
+// libFuzzer target: reads and marks a sample file of the desktop engine in which some bytes are changed.
+// Errors are fine, crashes are not. The input is a list of changes, so that short inputs reach every place in
+// a file: one byte selects the file, then each change takes six bytes: page (2), offset in it (2), number of
+// bytes, new value.
 #include <cstddef>
 #include <cstdint>
 #include <iterator>

@@ -1,5 +1,5 @@
-// Files of the desktop engine, read and marked without it: the same rows as their twins, one bit a mark, and
-// damage that is told.
+// Files of the desktop engine, read without that engine: they give the same rows as the SQLite files made
+// from them.
 #include <algorithm>
 #include <fstream>
 
@@ -76,7 +76,7 @@ TEST(DesktopFile, Of1997) {
   EXPECT_EQ(Rows(*database, "Table1"),
             (Strings{"a|b|0|0|0|0|1981-12-12 00:00:00|0|False",
                      "abcdefg|hijklmnop|2|222|333333333|444.555|1974-09-21 00:00:00|3.5|True"}));
-  // Rows so long that an offset takes more than one byte; beside them what mdbtools reads.
+  // Rows so long that an offset takes more than one byte. The text file holds what mdbtools reads.
   const auto made = workspace->OpenDatabase({.name = DesktopSample("made-1997.mdb")});
   std::ifstream expected(DesktopSample("made-1997-Table2.txt"));
   Strings rows;

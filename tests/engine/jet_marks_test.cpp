@@ -1,5 +1,5 @@
-// Marking files of the desktop engine in place: one bit a mark and nothing else, refusals before anything is
-// written, and saved queries that live beside the file.
+// Marking files of the desktop engine in place: a mark changes one bit and nothing else, what cannot be
+// marked is refused before anything is written, and saved queries stay outside the file.
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
@@ -246,7 +246,8 @@ TEST_F(DesktopMarks, TakeUpWhatOthersHaveWrittenMeanwhile) {
   EXPECT_EQ(copy.Changed().size(), 2u);
 }
 
-// Within one tick of the file's clock its time does not tell, but no mark goes to where a row has been.
+// Within one tick of the file system's clock the file's time does not show a change. Even so, no mark is
+// written to a place that no longer holds the row.
 TEST_F(DesktopMarks, AreRefusedOnAPageThatIsNotWhatWasRead) {
   const SampleCopy copy("telling-2003.mdb");
   const auto database = m_workspace->OpenDatabase(copy.Request());
@@ -260,7 +261,7 @@ TEST_F(DesktopMarks, AreRefusedOnAPageThatIsNotWhatWasRead) {
   EXPECT_EQ(Marked(*database), (Strings{"1007", "1008"}));
 }
 
-// mdbtools, a reader of its own, has the same rows marked.
+// mdbtools, an independent reader, finds the same rows marked.
 TEST_F(DesktopMarks, AreSeenByAnotherReader) {
   if (std::system("command -v mdb-export >/dev/null") != 0) GTEST_SKIP() << "mdbtools is not installed";
   for (const char* name : {"telling-2000.mdb", "overflow-2003.mdb", "telling-2019.accdb"}) {

@@ -1,5 +1,5 @@
-// libFuzzer target: whatever the text, as a statement or as a view, it is parsed and printed or refused,
-// never more.
+// libFuzzer target: parses and prints any text, as a statement and as a view. Errors are fine, crashes are
+// not.
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -117,7 +117,7 @@ TEST_P(MaskConformance, EveryKindOfDatabaseFindsTheSame) {
 
 KX_CONFORMANCE(MaskConformance);
 
-// Masks look for a letter in both of its ASCII forms before they fold a text.
+// Masks search for a letter in both of its ASCII forms before they fold a text, except for K and S.
 TEST(LikePattern, OnlyTwoLettersBeyondAsciiFoldIntoIt) {
   for (char32_t character = 0x80; character <= 0x10FFFF; ++character) {
     const char32_t folded = FoldCase(character);

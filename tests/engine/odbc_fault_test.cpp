@@ -1,5 +1,5 @@
-// A server catalog when things go wrong: who may not, what is not there, a server that goes away. And what
-// the back end asks of the server: round trips, rows in blocks.
+// Server catalogs when things go wrong: missing rights, missing servers, servers that stop. And long results,
+// which arrive in blocks.
 #include <cstdlib>
 
 #include "engine/jet_sql/printing/server_dialects.h"
@@ -67,7 +67,7 @@ TEST_F(OdbcServer, AServerOfAnotherMakeIsRefused) {
               [&] { m_workspace->OpenDatabase({.connect = "ODBC;DRIVER={SQLite3};Database=:memory:"}); });
 }
 
-// As a server is asked that has no collation which does it.
+// The sort key for servers without a suitable collation.
 TEST_F(OdbcServer, PlainLettersToSortBy) {
   using jet_sql::PostgresDialect;
   const PostgresDialect dialect(PostgresDialect::Order::kPlainLetters, false);

@@ -1,4 +1,5 @@
-// What every kind of database owes: walking, values, snapshots, dynasets, action statements and their errors.
+// What every kind of database must do: walking, values, snapshots, dynasets, action statements and their
+// errors.
 #include <functional>
 #include <iterator>
 #include <sstream>
@@ -69,8 +70,8 @@ TEST_P(RecordsetConformance, Refuses) {
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Catalog WHERE Restore = 1"), marked);
 }
 
-// Who names the columns that he reads gets the same rows with those columns only; the desktop engine is given
-// the statement untouched.
+// A caller that names the columns it reads gets the same rows with only those columns. The desktop engine
+// receives the statement unchanged.
 TEST_P(RecordsetConformance, ColumnsThatNobodyReads) {
   for (const auto& [sql, expected] : ReadCases("queries.txt", "read columns")) {
     std::istringstream words(expected.at(0));
@@ -236,7 +237,7 @@ TEST_P(RecordsetConformance, DynasetWritesRows) {
   ExpectError(error_number::kNoCurrentRecord, "", [&] { dynaset->Edit(); });
 }
 
-// Moving every row forward in the order that the statement walks in must not meet one twice.
+// Updating the column that the rows are walked by must not visit a row twice.
 TEST_P(WritingConformance, DynasetVisitsEachRowOnce) {
   m_test->Run("CREATE INDEX CatalogBySize ON Catalog (OrigSize)");
   int visits = 0;

@@ -142,7 +142,8 @@ TEST_P(SingleRows, GroupsThatAreNeededStay) {
   }
 }
 
-// What a server is asked, by what it tells of the columns; nothing else shows whether a group was left out.
+// The statement that a server receives, depending on the types of its columns. The rows alone do not show
+// whether a group was left out.
 TEST_P(SingleRows, AskedOfAServer) {
   if (GetParam().name == "Sqlite") return;
   const struct {
@@ -164,7 +165,7 @@ TEST_P(SingleRows, AskedOfAServer) {
   ExpectAsked(2);
 }
 
-// Every kind that takes tables of any shape but the desktop engine, which has no callback.
+// Every kind with tables of any shape except the desktop engine, which receives statements unchanged.
 std::vector<testing::TestDatabaseKind> Kinds() {
   auto kinds = testing::WritableDatabaseKinds();
   std::erase_if(kinds, [](const testing::TestDatabaseKind& kind) { return kind.name == "Dao"; });

@@ -1,4 +1,5 @@
-// Commits in groups: what others see and when, what they ask of the disk, and what an error leaves.
+// Commits in groups: what other programs see and when, how often the disk is synced, and what an error leaves
+// behind.
 #include <chrono>
 #include <thread>
 
@@ -63,8 +64,8 @@ TEST_F(SqliteCommit, AnErrorKeepsTheMarksBeforeIt) {
   EXPECT_EQ(Marked(), "1,4,7") << "the failing statement undoes itself only";
 }
 
-// A reader in another process keeps a commit back; the marks wait, and only patience has an end. Then they
-// are gone, which is told once.
+// A reader in another process blocks a commit. The marks wait until the time limit; then they are lost, which
+// is reported once.
 TEST_F(SqliteCommit, ABlockedCommitIsTriedAgainAndToldAtTheEnd) {
   m_workspace->BeginAction();
   Mark(1);
@@ -193,7 +194,8 @@ TEST_F(SqliteDisk, FullDiskKeepsWhatWasCommitted) {
   EXPECT_EQ(Marked(), "1,4,7");
 }
 
-// The disk fills while pages are moved out of memory: nothing may be committed after that, in part or alone.
+// The disk fills up while pages are written out of memory. Nothing of the transaction may be committed after
+// that.
 TEST_F(SqliteDisk, FullDiskWithinATransactionUndoesIt) {
   m_test->Run("CREATE TABLE Big (T TEXT)");
   m_workspace->BeginAction();

@@ -1,4 +1,4 @@
-// Files that are no catalog, are damaged, locked or cannot be written.
+// Files that are no catalogs, or are damaged, locked or read-only.
 #include <filesystem>
 #include <fstream>
 
@@ -111,7 +111,7 @@ TEST_F(SqliteFile, LockedByAnotherIsToldInTime) {
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM SetNames"), "3");
 }
 
-// Root may write everything.
+// Drops root's rights, which would allow writing anywhere.
 struct AsNobody {
 #ifndef _WIN32
   AsNobody() {
@@ -149,7 +149,7 @@ TEST_F(SqliteFile, WhatMayNotBeWrittenOrRead) {
 }
 
 #ifndef _WIN32
-// Files copied from a machine in the middle of its work to a medium that cannot be written to.
+// Files that were copied to a read-only medium while a program was changing them.
 TEST_F(SqliteFile, WhatWasLeftBehindIsNamed) {
   using std::filesystem::perms;
   const auto copy = [&](const char* folder, std::initializer_list<const char*> suffixes) {
@@ -187,7 +187,7 @@ TEST_F(SqliteFile, WhatWasLeftBehindIsNamed) {
 }
 #endif
 
-// Catalogs may come from anybody. Their views, triggers and columns read and compute, and that is all.
+// Catalogs may come from anywhere. Their views, triggers and columns may read and compute, nothing else.
 TEST_F(SqliteFile, ACatalogDoesNothingOfItsOwn) {
   m_test->Run(
       "CREATE VIEW Loader AS SELECT load_extension('x') AS ID;"

@@ -1,5 +1,6 @@
-// Waiting: whatever the engine does and whatever keeps it, the program has its turns, can end it, and locks
-// of others keep one user action for a bounded time. Nothing that was ended has changed anything.
+// Waiting: whatever the engine does or waits for, the waiting callback is called and can stop it, and other
+// programs' locks delay a user action for a limited time only. A statement that was stopped has changed
+// nothing.
 #include <chrono>
 #include <cstdio>
 #include <functional>
@@ -41,8 +42,8 @@ class SqliteWaiting : public testing::SqliteTest {
     m_last = now;
   }
 
-  // Ends the operation after 80 ms: it raises the error soon after and has turns meanwhile. A busy machine
-  // may spoil one try.
+  // Stops the operation after 80 ms. It must raise the error soon after that and call the waiting callback
+  // until then. Tried up to three times, because a busy machine can delay anything.
   void ExpectStopped(const char* what, int number, const std::function<void()>& operation) {
     constexpr auto kStop = 80ms, kLatest = kStop + 200ms, kGap = 50ms;
     for (int tries = 1;; ++tries) {
@@ -97,7 +98,7 @@ TEST_F(SqliteWaiting, ForLocksEndsWhenAsked) {
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM sqlite_schema WHERE name = 'FullCatalog'"), "1");
 }
 
-// A program that has left already still lets a commit have a moment, which is mostly all it needs.
+// A commit gets a short time even after the callback has asked to stop; that is usually enough.
 TEST_F(SqliteWaiting, ACommitHasAMomentOfGrace) {
   m_workspace->BeginAction();
   SqliteTest::Mark(1);
@@ -153,7 +154,7 @@ TEST_F(SqliteWaiting, WorkWithoutEndEndsWhenAsked) {
   });
   ExpectStopped("many rows", error_number::kCanceled,
                 [&] { database->Execute("INSERT INTO Copied (ID) SELECT ID FROM Endless", kFailOnError); });
-  // What is written beside a list that is read makes the engine take the list into memory.
+  // Writing while a list is open makes the engine read the rest of the list into memory.
   ExpectStopped("the rest of a list", error_number::kCanceled, [&] {
     const auto rows = database->OpenRecordset("Endless", RecordsetType::kSnapshot);
     testing::Mark(*database, 2);

@@ -1,4 +1,4 @@
-// Databases for tests. The conformance suites run against every kind that can be had here and now.
+// Databases for tests. The conformance suites run against every kind that is available on this machine.
 #pragma once
 
 #include <gtest/gtest.h>

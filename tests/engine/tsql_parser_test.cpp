@@ -1,5 +1,5 @@
-// Every statement for SQL Server, read by a grammar of T-SQL: one that another program brings, as no server
-// can be had here. scripts/setup.sh installs it.
+// Parses every statement for SQL Server with an independent T-SQL grammar, because no such server can run
+// here. scripts/setup.sh installs the grammar.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
