@@ -236,7 +236,10 @@ std::map<std::string, ScriptTest::Look, std::less<>> ScriptTest::Looks() {
   return {
       {"set", [](FormControls& shown) { return Quoted(shown.lblSetName.Caption()); }},
       {"tab", [](FormControls& shown) { return "tab " + std::to_string(shown.tbsOptions.SelectedIndex()); }},
-      {"tree", [](FormControls& shown) { return Quoted(shown.lblTreeCount.Caption()); }},
+      {"tree",
+       [](FormControls& shown) {
+         return Quoted(shown.lblTreeCount.Caption()) + (shown.lblTreeCount.Visible() ? "" : " hidden");
+       }},
       {"found", [](FormControls& shown) { return "found " + Joined(Names(shown.asSearch)); }},
       {"hits", [](FormControls& shown) { return Quoted(shown.lblSearchCount.Caption()); }},
       {"types", [](FormControls& shown) { return "types " + Joined(Names(shown.asFiles)); }},
