@@ -1,10 +1,13 @@
+// Text routines: UTF-8, case, order, what a user is shown of a text, UTF-16.
 #include "base/text.h"
-
-#include "base/sorting.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
+
+#include "base/shown_text.h"
+#include "base/sorting.h"
+#include "base/utf16.h"
 
 namespace kxrestore {
 namespace {
@@ -104,6 +107,66 @@ TEST(SortingTest, DigitsCountAsTheNumberThatTheyWrite) {
   }
   EXPECT_NE(key("a01"), key("a1"));
   EXPECT_EQ(key("Straße 1"), key("STRAẞE 1"));
+}
+
+TEST(ShownText, WhatCannotBeSeenHasAStandIn) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"invoice\u202Efdp.exe", "invoice[U+202E]fdp.exe"},
+      {"a\u200Eb\u200Fc\u061Cd\u2066e\u2069f\u202Ag",
+       "a[U+200E]b[U+200F]c[U+061C]d[U+2066]e[U+2069]f[U+202A]g"},
+      {std::string_view("\0\a\x1F\x7F", 4), "␀␇␟␡"},
+      {"line\r\nbreak\ttab", "line␍␊break␉tab"},
+      {"\u0085\u00AD\u200B\u2028\uFEFF\u3164\U000E0041\U0001D173",
+       "[U+0085][U+00AD][U+200B][U+2028][U+FEFF][U+3164][U+E0041][U+1D173]"},
+      {"\xED\xA0\xBDx\xED\xB8\x80", "[U+D83D]x[U+DE00]"},
+      {"\xFFname\xC3", "\uFFFDname\uFFFD"},
+      // In Latin names joiners and variation selectors show nothing; elsewhere they belong to the spelling,
+      // once.
+      {"re\u200Dport\uFE0F", "re[U+200D]port[U+FE0F]"},
+      {"می\u200Cخواهم", "می\u200Cخواهم"},
+      {"می\u200C\u200Cخواهم", "می\u200C[U+200C]خواهم"},
+      {"\u2764\uFE0F\u200D\U0001F525", "\u2764\uFE0F\u200D\U0001F525"},
+      {"\u2764\uFE0F\uFE0F", "\u2764\uFE0F[U+FE0F]"},
+      {"\u202E\u200D", "[U+202E][U+200D]"},
+      {"Grüße 日本 😀 עברית.doc", "Grüße 日本 😀 עברית.doc"}};
+  for (const auto& [text, shown] : cases) EXPECT_EQ(Shown(text), shown);
+  EXPECT_EQ(ShownLines("one\r\ntwo\nthree\tfour\rfive\x01"), "one\r\ntwo\nthree\tfour␍five␁");
+}
+
+std::string Utf8(std::u16string_view text) {
+  std::string out;
+  AppendUtf8(out, text);
+  return out;
+}
+
+std::u16string Utf16(std::string_view text) {
+  return ToUtf16<char16_t>(text);
+}
+
+TEST(Utf16Test, EveryUtf16TextComesBack) {
+  // Texts, a pair, halves, halves in the wrong order.
+  const std::u16string texts[] = {u"",
+                                  u"C:\\Daten\\B\u00FCro \u2013 \u6F22.txt",
+                                  std::u16string(u"a\0b", 3),
+                                  {0xD83D, 0xDE00},
+                                  {0xD83D},
+                                  {0xDE00, u'x', 0xD83D, u'y'},
+                                  {0xDE00, 0xD83D},
+                                  {0xFFFF, 0xDBFF, 0xDFFF}};
+  for (const std::u16string& text : texts) EXPECT_EQ(text, Utf16(Utf8(text)));
+  EXPECT_EQ("\xF0\x9F\x98\x80", Utf8(texts[3]));
+  EXPECT_EQ("\xED\xA0\xBD", Utf8(texts[4]));
+}
+
+TEST(Utf16Test, BytesThatMakeNoSenseAreReplacedOneByOne) {
+  const std::pair<const char*, const char16_t*> cases[] = {
+      {"a\xFF!", u"a\uFFFD!"},
+      {"\xC3", u"\uFFFD"},                                // cut off
+      {"\xC0\x80", u"\uFFFD\uFFFD"},                      // longer than need be
+      {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},  // beyond the last character
+      {"\xE2x", u"\uFFFDx"},
+      {"\xED\xA0x", u"\uFFFD\uFFFDx"}};  // no whole half
+  for (const auto& [bytes, text] : cases) EXPECT_EQ(text, Utf16(bytes));
 }
 
 }  // namespace

@@ -49,6 +49,15 @@ class SplitBarTest : public ::testing::TestWithParam<Axis> {
     Bar().UserMouseMoveOver(buttons, GetParam().vertical ? by : 9999, GetParam().vertical ? 9999 : by);
   }
 
+  // The extent of what is before the bar, the bar's place, the place and extent of what is after it.
+  std::string Places() {
+    std::string places;
+    for (const int place : {Extent(before), At(Bar()), At(after), Extent(after)}) {
+      places.append(places.empty() ? "" : " ").append(std::to_string(place));
+    }
+    return places;
+  }
+
   Form form{"form"};
   PictureBox before{"before", &form}, after{"after", &form};
   splitbar upright{"splitH", &form};
@@ -62,27 +71,26 @@ TEST_P(SplitBarTest, OnlyTheBarMovesUntilItIsDropped) {
   platform::PeerLog log;
   platform::Record(after, log);
   Drag(250);
-  EXPECT_EQ(1250, At(Bar()));
-  EXPECT_EQ(1000, Extent(before));
-  EXPECT_EQ(1060, At(after));
+  EXPECT_EQ("1000 1250 1060 1940", Places());
   EXPECT_EQ(0x80000003u, Bar().BackColor());
   EXPECT_EQ(static_cast<Control*>(&Bar()), form.ZOrder().back());
 
   Bar().UserMouseUp();
   EXPECT_EQ(0x80000001u, Bar().BackColor());
-  EXPECT_EQ(1250, Extent(before));
-  EXPECT_EQ(1310, At(after));
-  EXPECT_EQ(1690, Extent(after));
+  EXPECT_EQ("1250 1250 1310 1690", Places());
   EXPECT_EQ(1, log.refreshed);
   EXPECT_EQ(11, GetParam().vertical ? before.Top() : before.Left());
   EXPECT_EQ(22, GetParam().vertical ? after.Height() : after.Width());
-}
 
-TEST_P(SplitBarTest, ADropLaysOutEvenWithoutADrag) {
+  // A drop lays out even without a drag.
   Put(Bar(), 1200, 60);
   Bar().UserMouseUp();
-  EXPECT_EQ(1200, Extent(before));
-  EXPECT_EQ(1260, At(after));
+  EXPECT_EQ("1200 1200 1260 1740", Places());
+
+  // So does a key; one that would go too far does nothing.
+  for (const int by : {-260, -935}) Bar().UserNudge(by);
+  EXPECT_EQ("940 940 1000 2000", Places());
+  EXPECT_EQ(0x80000001u, Bar().BackColor());
 }
 
 TEST_P(SplitBarTest, NothingHappensWithoutTheLeftButtonAlone) {
@@ -153,19 +161,8 @@ TEST_P(SplitBarTest, OneControlsErrorDoesNotStopTheOthers) {
   Put(Bar(), 1200, 60);
   Bar().update();
   EXPECT_EQ(1100, Extent(second));
-  EXPECT_EQ(1260, At(after));
-  EXPECT_EQ(1740, Extent(after));
+  EXPECT_EQ("1200 1200 1260 1740", Places());
   EXPECT_EQ(1, log.refreshed);
-}
-
-TEST_P(SplitBarTest, KeysMoveTheBarWithinTheSameLimits) {
-  Bar().UserNudge(-60);
-  EXPECT_EQ(940, At(Bar()));
-  EXPECT_EQ(940, Extent(before));
-  EXPECT_EQ(1000, At(after));
-  Bar().UserNudge(-935);
-  EXPECT_EQ(940, At(Bar()));
-  EXPECT_EQ(0x80000001u, Bar().BackColor());
 }
 
 TEST_P(SplitBarTest, StoredPropertiesHaveTheirOwnNamesAndDefaults) {

@@ -85,13 +85,16 @@ class ArchiveCase : public CdArchiveTest {
       std::filesystem::exists(kArchive) ? void(Sql(kArchive, statement(sql))) : PutArchive(statement(sql));
     };
     commands["disc"] = [=, this](const std::string& sql) { PutDisc(statement(sql)); };
+    commands["cut"] = [](const std::string& size) {
+      std::filesystem::resize_file(kArchive, std::stoul(size));
+    };
     commands["ask"] = [this](const std::string& sql) { events.push_back("archive " + Sql(kArchive, sql)); };
     commands["drive"] = [this](const std::string& drive) {
       platform.drives.drives.push_back({drive.substr(0, 3), drive[0] == 'C' ? 3u : 5u, drive.substr(3)});
     };
     commands["holds"] = [this](const std::string& path) { platform.drives.files = {path}; };
     commands["insert"] = [this](const std::string& drive) { ui().DriveCD.UserSelect(drive); };
-    asides.insert({"archive", "disc", "ask", "drive", "holds"});
+    asides.insert({"archive", "disc", "ask", "drive", "holds", "cut"});
     looks["branch"] = [this](FormControls&) {
       std::string branch = "branch";
       for (const std::string& node : Branch()) branch += "\n      " + node;
@@ -122,44 +125,6 @@ class ArchiveCase : public CdArchiveTest {
 
 const bool registered = RegisterCases(
     "cd_archive", [](const std::string& script) -> ScriptTest* { return new ArchiveCase(script); });
-
-TEST_F(CdArchiveTest, AnArchiveThatCannotBeReadIsAskedForOnce) {
-  platform.drives.drives = {{"D:\\", 5, "BACKUPS"}};
-  const std::pair<const char*, std::string> cases[] = {
-      {"3024", ""},
-      {"3078", "CREATE TABLE Other (x)"},
-      {"3265", "CREATE TABLE ArchiveHeader (Volume)"},
-      {"3049", "DROP TABLE ArchiveHeader;" + std::string(kTable) + ManyHeaders(200)},
-  };
-  for (const auto& [error, sql] : cases) {
-    if (!sql.empty()) Sql(kArchive, sql);
-    if (std::string_view(error) == "3049") std::filesystem::resize_file(kArchive, 100);
-    Open();
-    ExpectReports({": Requires CD Archives Database", "LoadUpArchives: (" + std::string(error) + ") "});
-    Open();
-    EXPECT_EQ(Branch().size(), 1u);
-    ui().form.Unload();
-  }
-  std::filesystem::remove(kArchive);
-  Sql(kArchive, kTable);
-  Open();
-  EXPECT_EQ(Branch().size(), 1u) << "an empty archive is none to complain of";
-}
-
-TEST_F(CdArchiveTest, ABranchThatWasStoppedIsReadAgain) {
-  Sql(kArchive,
-      "CREATE VIEW ArchiveHeader AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT "
-      "20000) SELECT 'A' AS Volume, '2025' AS YYYY, i % 5 AS MM, 'Office' AS SetName FROM n GROUP BY i % 5");
-  platform.drives.files = {kArchive};
-  ui();
-  for (const std::size_t item : {1, 3}) {  // before the first row and among the rows
-    EscapeAt(item);
-    Open();
-    EXPECT_LT(Branch().size(), 13u);
-  }
-  Open();
-  EXPECT_EQ(Branch().size(), 1 + 2 + 2 * 5u);
-}
 
 // Whatever interrupts it, the archive and its branch stay as they were, and the panel shows why.
 TEST_F(CdArchiveTest, ADiscIsAddedAsAWholeOrNotAtAll) {
