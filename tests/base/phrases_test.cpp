@@ -1,4 +1,4 @@
-// The table of the dialog's own words, and the translations that are delivered.
+// The table of the dialog's own texts, and the translations that are delivered.
 #include "base/phrases.h"
 
 #include <gtest/gtest.h>
@@ -47,7 +47,7 @@ TEST_F(Phrases, PlacesAreFilledInAnyOrderAndNotTwice) {
   EXPECT_EQ(OneOrMore(0, Phrase::kColumnName, Phrase::kColumnSize), Phrase::kColumnSize);
 }
 
-// Whoever adds a phrase adds it to the translations, too.
+// A new phrase must be added to every translation.
 TEST_F(Phrases, TranslationsSayEverythingWithTheSamePlaces) {
   std::size_t files = 0;
   for (const auto& entry : std::filesystem::directory_iterator(KX_LANGUAGES)) {

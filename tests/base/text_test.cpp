@@ -1,4 +1,4 @@
-// Text routines: UTF-8, case, order, what a user is shown of a text, UTF-16.
+// Text routines: UTF-8, case, sorting, stand-ins for invisible characters, UTF-16.
 #include "base/text.h"
 
 #include <gtest/gtest.h>
@@ -57,7 +57,7 @@ TEST(Text, FoldsAndComparesWithoutCase) {
   EXPECT_FALSE(ContainsIgnoringCase("ab", "abc"));
 }
 
-// The texts of a row are equal.
+// The texts of one row compare equal.
 TEST(Text, SortsAsPeopleRead) {
   const std::vector<std::vector<const char*>> inOrder = {{""},           {"Alpha", "alpha", "ALPHA"},
                                                          {"ALPHA 2"},    {"Arzt"},
@@ -120,8 +120,8 @@ TEST(ShownText, WhatCannotBeSeenHasAStandIn) {
        "[U+0085][U+00AD][U+200B][U+2028][U+FEFF][U+3164][U+E0041][U+1D173]"},
       {"\xED\xA0\xBDx\xED\xB8\x80", "[U+D83D]x[U+DE00]"},
       {"\xFFname\xC3", "\uFFFDname\uFFFD"},
-      // In Latin names joiners and variation selectors show nothing; elsewhere they belong to the spelling,
-      // once.
+      // Joiners and variation selectors are invisible in Latin names. Elsewhere a single one is part of the
+      // spelling.
       {"re\u200Dport\uFE0F", "re[U+200D]port[U+FE0F]"},
       {"می\u200Cخواهم", "می\u200Cخواهم"},
       {"می\u200C\u200Cخواهم", "می\u200C[U+200C]خواهم"},
@@ -144,7 +144,7 @@ std::u16string Utf16(std::string_view text) {
 }
 
 TEST(Utf16Test, EveryUtf16TextComesBack) {
-  // Texts, a pair, halves, halves in the wrong order.
+  // Texts, a surrogate pair, single surrogates, a pair in the wrong order.
   const std::u16string texts[] = {u"",
                                   u"C:\\Daten\\B\u00FCro \u2013 \u6F22.txt",
                                   std::u16string(u"a\0b", 3),
@@ -162,10 +162,10 @@ TEST(Utf16Test, BytesThatMakeNoSenseAreReplacedOneByOne) {
   const std::pair<const char*, const char16_t*> cases[] = {
       {"a\xFF!", u"a\uFFFD!"},
       {"\xC3", u"\uFFFD"},                                // cut off
-      {"\xC0\x80", u"\uFFFD\uFFFD"},                      // longer than need be
-      {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},  // beyond the last character
+      {"\xC0\x80", u"\uFFFD\uFFFD"},                      // overlong
+      {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},  // beyond Unicode
       {"\xE2x", u"\uFFFDx"},
-      {"\xED\xA0x", u"\uFFFD\uFFFDx"}};  // no whole half
+      {"\xED\xA0x", u"\uFFFD\uFFFDx"}};  // an incomplete surrogate
   for (const auto& [bytes, text] : cases) EXPECT_EQ(text, Utf16(bytes));
 }
 

@@ -1,4 +1,4 @@
-// Who may touch the one form of the process when.
+// Access to the one form of the process from several threads.
 #include "component/com/shared_form.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ class SharedFormTest : public testing::Test {
   std::function<void()> Noting(const std::string& what) {
     return [this, what] { m_notes += what; };
   }
-  // Whatever another thread does is done when this returns.
+  // Runs `call` on another thread and waits for it.
   template <class Call>
   auto Elsewhere(Call call) {
     return std::async(std::launch::async, call).get();
@@ -60,7 +60,7 @@ TEST_F(SharedFormTest, ADialogThatFailsLeavesTheFormFree) {
 TEST_F(SharedFormTest, NothingIsLostBetweenManyThreads) {
   constexpr int kThreads = 8;
   constexpr int kRounds = 500;
-  int settings = 0;  // guarded by nothing but the form's rule
+  int settings = 0;  // guarded only by the form under test
   std::atomic<int> inDialog = 0;
   std::atomic<bool> overlapped = false;
   std::vector<std::thread> threads;

@@ -45,7 +45,7 @@ class RestoreDlgTest : public DialogTest, public component::FormProvider {
 };
 
 TEST_F(RestoreDlgTest, ResultTellsACommitFromACancel) {
-  // Left over from before, in a form that is loaded already.
+  // State left over from an earlier dialog in a form that is already loaded.
   form.setLabelInVisible(true);
   form.parameters.StopRequested = true;
   User([this] {
@@ -66,7 +66,7 @@ TEST_F(RestoreDlgTest, ResultTellsACommitFromACancel) {
   EXPECT_EQ(catalog->Marked(), Ids{});
   EXPECT_EQ(events.size(), 1u);
 
-  // The last event wins, and nothing is left over from the dialog before.
+  // The last event decides the result; earlier dialogs have no influence.
   const auto raised = [&](std::function<void()> actions) {
     User(std::move(actions));
     return second.DefineRestoreSet();

@@ -19,7 +19,7 @@ using State = controls::WindowState;
 
 class ControlTest : public ::testing::Test {
  protected:
-  PeerLog log;  // of whatever the test records
+  PeerLog log;  // of the control that a test records
   Form form{"form"};
 };
 
@@ -142,7 +142,7 @@ TEST_F(ControlTest, ResizeIsToldOfAnotherSizeFrameOrState) {
   EXPECT_EQ(100, form.Height());
   EXPECT_EQ(0, form.ScaleWidth());
 
-  // The peer hears of a size only where the form corrects it.
+  // The peer is told of a size only if the form corrects it.
   form.Resize = [&] {
     if (form.Width() < 7000) form.SetWidth(7000);
   };

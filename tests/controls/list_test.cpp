@@ -1,5 +1,4 @@
-// Lists: their entries, ticks, order, filter and selection, and the sums and pending ticks that are kept
-// meanwhile.
+// Lists: entries, ticks, order, filter, selection, and the sums and pending ticks derived from them.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -126,7 +125,7 @@ TEST_F(ListTest, AGroupAndItsMembersFollowEachOther) {
   types.UserTick(6, false);
   EXPECT_EQ("-xxxx-", Marks(types));
 
-  // Ticking what is shown leaves the rest alone; a group counts in no sum.
+  // Ticking everything shown leaves hidden entries alone. Groups do not count in sums.
   types.TickAll(false);
   types.SettleAll(false);
   types.SetFilter(Words("doc"));
@@ -231,11 +230,11 @@ TEST_F(ListTest, AFilterAsksForEverythingAtOnce) {
                {{.words = "REPORT"}, "xx-", "2 300 2"},
                {{.words = "REPORT doc MAR"}, "x--", "1 100 1"},
                {{.words = "da*.DOC"}, "xx-", "2 300 2"},
-               {{.words = "doc*data"}, "---", "0 0 0"},  // the pieces of a word in their order
+               {{.words = "doc*data"}, "---", "0 0 0"},  // the pieces of a word must follow in order
                {{.words = "\xC3\xA4rg"}, "--x", "1 0 1"},
                {{.words = "RGER"}, "--x", "1 0 1"},
                {{.from = 10, .to = 10}, "x--", "1 100 1"},
-               {{.minSize = 101}, "-x-", "1 200 1"},  // an unknown size is neither
+               {{.minSize = 101}, "-x-", "1 200 1"},  // an unknown size does not pass
                {{.setId = 2}, "-xx", "2 200 1"},
                {{.words = "april", .setId = 2}, "-x-", "1 200 1"},
                {{}, "xxx", "3 300 2"}};
@@ -248,7 +247,7 @@ TEST_F(ListTest, AFilterAsksForEverythingAtOnce) {
   }
 }
 
-// Whatever is done and in whichever order: the rows are those of a fresh look, and the sums theirs.
+// Random steps: the rows and sums always equal those computed from scratch.
 TEST_F(ListTest, RowsAndSumsHoldThroughAnyOrderOfSteps) {
   std::mt19937 random(7);
   const auto pick = [&](std::uint32_t most) { return random() % most; };

@@ -49,7 +49,8 @@ class SplitBarTest : public ::testing::TestWithParam<Axis> {
     Bar().UserMouseMoveOver(buttons, GetParam().vertical ? by : 9999, GetParam().vertical ? 9999 : by);
   }
 
-  // The extent of what is before the bar, the bar's place, the place and extent of what is after it.
+  // The extent of the control before the bar, the bar's position, the position and extent of the control
+  // after it.
   std::string Places() {
     std::string places;
     for (const int place : {Extent(before), At(Bar()), At(after), Extent(after)}) {
@@ -87,7 +88,7 @@ TEST_P(SplitBarTest, OnlyTheBarMovesUntilItIsDropped) {
   Bar().UserMouseUp();
   EXPECT_EQ("1200 1200 1260 1740", Places());
 
-  // So does a key; one that would go too far does nothing.
+  // A key does so, too, unless it would move the bar too far.
   for (const int by : {-260, -935}) Bar().UserNudge(by);
   EXPECT_EQ("940 940 1000 2000", Places());
   EXPECT_EQ(0x80000001u, Bar().BackColor());
@@ -182,7 +183,7 @@ TEST_P(SplitBarTest, StoredPropertiesHaveTheirOwnNamesAndDefaults) {
   };
   expectWritten(defaults);
   Bar().ReadProperties(designed);
-  Bar().SetBackColor(1);  // gone after the next drag; the designed one is what counts
+  Bar().SetBackColor(1);  // the next drag restores the designed colour
   Drag(-961);             // 39, within the limit
   EXPECT_EQ(1000, At(Bar()));
   EXPECT_EQ(0, Bar().BorderStyle());

@@ -235,7 +235,7 @@ TEST_F(TreeViewTest, FoldersHaveTheKeysOfTheirPaths) {
     EXPECT_FALSE(tree.Find(key)) << key;
   }
 
-  // All keys are one namespace, however they came about.
+  // Given keys and path keys share one namespace.
   EXPECT_RAISES(35602, tree.Add({}, "C:\\Data\\", "again"));
   const Node own = tree.Add({}, "C:\\Own\\", "own");
   EXPECT_EQ(own, tree.FindOrAddFolder(drive, "Own", 1));
@@ -314,7 +314,7 @@ TEST_F(CheckPropagationTest, ANodeWithTheRootsTextEndsTheClimb) {
   Set(same, true);
   EXPECT_EQ("C:\\ ", Checked());
 
-  // A parent with that text is still set itself; nothing above it is.
+  // A parent with that text is itself set, but nothing above it.
   const Node below = tree.Add(same, "", "below");
   same.SetChecked(false);
   Set(below, true);

@@ -1,5 +1,5 @@
-// The archive branch of the set tree and the panel that adds a disc, with the databases as files whose names
-// are the drive paths.
+// The archive branch of the set tree and the panel that adds a disc. The databases are files named by the
+// drive paths.
 #include <filesystem>
 
 #include "tests/dialog/script.h"
@@ -18,7 +18,7 @@ std::string Insert(const std::string& values) {
   return "INSERT INTO ArchiveHeader (Volume, YYYY, MM, SetName) VALUES " + values + ";";
 }
 
-// So many headers, a hundred a month; 3000 are more than a page cache holds.
+// `count` headers, a hundred a month; 3,000 exceed the page cache.
 std::string ManyHeaders(int count) {
   return "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT " + std::to_string(count) +
          ") INSERT INTO ArchiveHeader (Volume, YYYY, MM, SetName, Taken, Note) SELECT 'V' || (i / 2400), "
@@ -32,8 +32,8 @@ std::string Sql(const std::string& path, const std::string& sql) {
   return rows.empty() ? std::string() : rows.front();
 }
 
-// A disc is a folder in the place of a drive's letter. Where names have no drives, those of the two databases
-// are the names of files in the test's folder.
+// A folder stands for a disc. On systems without drive letters the two database paths are plain file names in
+// the test's folder.
 class CdArchiveTest : public ScriptTest {
  protected:
   CdArchiveTest() {
@@ -61,7 +61,9 @@ class CdArchiveTest : public ScriptTest {
     platform.drives.files.push_back(kDisc);
   }
   void Start() {
-    for (const char* step : {"choose Append new Archive CD ...", "insert disc", "press Start"}) Do(step);
+    ChooseNode("Append new Archive CD ...");
+    ui().DriveCD.UserSelect("disc");
+    ui().cmdCD.UserClick();
   }
   void Open() { ChooseNode("Archive Sets"); }
   Strings Branch() {
@@ -126,7 +128,7 @@ class ArchiveCase : public CdArchiveTest {
 const bool registered = RegisterCases(
     "cd_archive", [](const std::string& script) -> ScriptTest* { return new ArchiveCase(script); });
 
-// Whatever interrupts it, the archive and its branch stay as they were, and the panel shows why.
+// Whatever interrupts the work, the archive and its branch stay unchanged, and the panel says so.
 TEST_F(CdArchiveTest, ADiscIsAddedAsAWholeOrNotAtAll) {
   constexpr int kHeaders = 3000;
   PutArchive(Insert("('A', '2025', '11', 'Office')"));
@@ -137,7 +139,7 @@ TEST_F(CdArchiveTest, ADiscIsAddedAsAWholeOrNotAtAll) {
   };
   struct Fault {
     const char* name;
-    std::size_t item;  // of the walk, whose pending messages bring it; 0: before the start
+    std::size_t item;  // at which item of the walk it happens; 0: before the start
     std::function<void()> happen;
     const char* error;  // how the box begins; none for a stop
     std::function<void()> mend = [] {};

@@ -1,5 +1,5 @@
-// The whole form on a catalog file, without a window. Three sets; set 1 has the runs "003" (permanent), "002"
-// and "001", newest first, set 2 the run "001".
+// The whole form on a catalog file, without a window. By default there are three sets: set 1 has the runs
+// "003" (permanent), "002" and "001", newest first; set 2 has the run "001"; set 3 has none.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,20 +26,20 @@ using dialog::FormControls;
 using Strings = std::vector<std::string>;
 using Ids = std::set<std::int64_t>;
 
-// The buttons of the arrays, by index.
+// Indexes of the form's arrays of buttons.
 enum ActionButton { kApply, kClearAll, kExpandAll, kCollapseAll };
 enum SearchButton { kApplyFound, kClearFound, kFind, kSelectFound };
 enum AutoButton { kApplyTypes, kSelectTypes, kUnselectTypes };
 enum RestoreButton { kRestoreNow, kCancel, kRefresh, kUpdate, kClearList };
 
-// Lines as a raw string literal writes them, each on a line of its own behind the first line break.
+// The lines as a raw string literal that starts with a line break.
 inline std::string Text(const Strings& lines) {
   std::string text = "\n";
   for (const std::string& line : lines) text.append(line).append("\n");
   return text;
 }
 
-// As a paragraph, with " | " between what belongs to one line; from the second line on it is indented.
+// The pieces as a paragraph of lines with " | " between pieces; lines after the first are indented.
 inline std::string Filled(const Strings& pieces, const std::string& indent = {}) {
   std::string page, line;
   for (const std::string& piece : pieces) {
@@ -77,7 +77,7 @@ inline std::vector<sample::RunRow> Runs() {
           {2, "2026-02-15 10:30:00", "001", false, 6}};
 }
 
-// The first node with this text or tag, from this one on and below.
+// The first node with this text or tag among `node`, its later siblings and their descendants.
 inline controls::Node NodeFrom(controls::Node node, std::string_view text) {
   for (; node; node = node.Next()) {
     if (node.Text() == text || node.Tag() == text) return node;
@@ -86,7 +86,7 @@ inline controls::Node NodeFrom(controls::Node node, std::string_view text) {
   return {};
 }
 
-// The nodes from `first` on, indented by their level, each with its tag.
+// `first`, its later siblings and their descendants, indented by level, each with its tag.
 inline Strings Outline(controls::Node first, const std::string& indent = {}) {
   Strings lines;
   for (; first; first = first.Next()) {
@@ -105,7 +105,7 @@ inline Strings Names(const AutoSelect& list) {  // sorted
   return names;
 }
 
-// Another program's connection to a catalog file, which can keep it to itself.
+// A connection to a catalog file beside the engine, such as another program's that locks it.
 class OtherProgram {
  public:
   explicit OtherProgram(const std::string& path) {
@@ -121,7 +121,7 @@ class OtherProgram {
   std::unique_ptr<sqlite3, int (*)(sqlite3*)> m_database{nullptr, sqlite3_close};
 };
 
-// What the panels share, without the form around them: for what no control shows.
+// What the panels share, without a form: for state that no control shows.
 struct BareContext {
   BareContext(const platform::Platform& platformOfTest, engine::Workspace& workspace)
       : services(platformOfTest), context(parameters, controls, services, workspace) {}
@@ -162,7 +162,7 @@ class DialogTest : public testing::Test {
 
   FormControls& ui() { return form.Controls(); }
 
-  // The first node of a tree with this text or tag; its tests fail without one.
+  // The first node of a tree with this text or tag; a test fails if there is none.
   static controls::Node NodeOf(controls::TreeView& tree, std::string_view text) {
     const controls::Node node = NodeFrom(tree.FirstRoot(), text);
     EXPECT_TRUE(node) << "no node \"" << text << "\"";
@@ -196,7 +196,7 @@ class DialogTest : public testing::Test {
   void Click(RestoreButton button) { ui().cmdRestore[button].UserClick(); }
   void Escape() { ui().form.UserKey(controls::Key::kEscape); }
 
-  // The message boxes since this was last asked, "title: text", are these or begin so.
+  // Expects the message boxes since the last call, as "title: text", to begin with these texts.
   void ExpectReports(const Strings& starts) {
     Strings texts;
     for (const auto& message : desktop.messages) texts.push_back(message.title + ": " + message.text);
@@ -207,7 +207,7 @@ class DialogTest : public testing::Test {
     }
   }
 
-  // Runs `body` in the pending messages of the `item`th item of the next walk, once.
+  // Runs `body` once, among the pending messages at the `item`th item of the next walk.
   void DuringWalk(std::size_t item, std::function<void()> body) {
     desktop.walkItems = 0;
     desktop.onDoEvents = [this, item, body = std::move(body), done = false]() mutable {

@@ -1,5 +1,5 @@
-// Every way of marking and leaving, with every single opening, row, mark and commit failing in turn, and with
-// Esc, Cancel and the close box in every turn of the pending messages.
+// Every way of marking and of leaving while each single call of the engine fails in turn, and with Esc,
+// Cancel or the close box each time that pending messages run.
 #include <sstream>
 
 #include "engine/sqlite/sqlite_backend.h"
@@ -21,7 +21,8 @@ class FaultSweep : public DialogTest {
                       [](const auto& one) { return one.title == "Clear Selection?"; }));
   }
 
-  // One step on a dialog of its own, with a fault or with a key in a turn. Whether its place was reached.
+  // One step on a dialog of its own, with a fault, or with a key while messages run for the `turn`th time.
+  // Whether the step came that far.
   bool Try(Step step, const Injection& injection, Key key = Key::kNone, std::size_t turn = 0) {
     std::ostringstream name;
     name << kStepNames[static_cast<int>(step)] << ", fault " << static_cast<int>(injection.fault) << " at "
@@ -56,7 +57,7 @@ class FaultSweep : public DialogTest {
     Ending end{.marked = catalog->Marked(), .commenced = commenced, .messages = desktop.messages};
     end.stopped = key != Key::kNone;
     if (end.stopped && controls.form.IsOpen()) {
-      // A stop lists nothing; leaving does, so that its question is asked.
+      // A stopped step does not list the marks; Cancel does, and asks before it clears them.
       desktop.answers.assign(2, platform::Answer::kNo);
       desktop.messages.clear();
       controls.cmdRestore[kCancel].UserClick();
@@ -72,7 +73,7 @@ class FaultSweep : public DialogTest {
 };
 
 TEST_F(FaultSweep, ScreenAndCatalogAgreeHoweverMarkingEnds) {
-  constexpr std::size_t kMax = 60;  // places of one kind; no step has as many
+  constexpr std::size_t kMax = 60;  // more than any step has calls of one kind
   std::size_t tried = 0;
   const auto sweep = [&](const auto& tryAt) {
     std::size_t at = 1;

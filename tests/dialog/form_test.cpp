@@ -121,7 +121,7 @@ TEST_F(FormTest, CatalogsThatCannotBeUsedAreReportedAndLeftAlone) {
     ui();
     ASSERT_EQ(desktop.messages.size(), 1u);
     EXPECT_EQ(desktop.messages[0].style, platform::MessageStyle::kWarning);
-    // The steps after it were taken, and the dialog can be used and left.
+    // The remaining steps of the load were taken, and the dialog can be used and closed.
     EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To: (Original Path)");
     Click(kRefresh);
     ShowTab(3);
@@ -161,7 +161,7 @@ TEST_F(FormTest, ACatalogThatAnotherProgramHoldsCanBeUsedOnceItIsFree) {
 }
 
 TEST_F(FormTest, LostCommitIsReportedKeepsTheHostWaitingAndIsListed) {
-  // An engine that loses what was written when it is to commit it.
+  // An engine whose commits fail.
   const EngineHooks losing{.before = [](const std::string&) { throw Error(3026, "Disk full."); }};
   const auto databases = MakeHookedWorkspace(losing, engine::sqlite::MakeSqliteBackend());
   BareContext bare(platform.Get(), *databases);
@@ -218,7 +218,7 @@ TEST_F(FormTest, RestoreNowRaisesOnceWithTheMarksCommittedAndTheCatalogFree) {
     ++raised;
     EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
     catalog->Execute("BEGIN EXCLUSIVE; UPDATE Catalog SET Restore = 0 WHERE ID = 1; COMMIT");
-    // A host that lets messages run while it restores.
+    // What the user does while the host restores is ignored.
     for (auto& button : controls.cmdRestore) button.UserClick();
     controls.form.UserClose();
     Escape();

@@ -9,7 +9,7 @@
 
 namespace kxrestore::dialog_test {
 
-// "name "caption"" and what is not as usual.
+// The control's name, its caption in quotation marks, and whether it is hidden, disabled or chosen.
 inline std::string LookOf(const controls::Control& control) {
   std::string look = control.Name();
   const auto quote = [&](const std::string& text) { look.append(" \"").append(text).append("\""); };
@@ -31,7 +31,7 @@ inline std::string LookOf(const controls::Control& control) {
   return look;
 }
 
-// Each container with what stands on it, a paragraph each.
+// A paragraph for each container with its controls.
 inline std::string DesignOf(const controls::Container& container) {
   Strings pieces{"    " + LookOf(container) + ":"};
   std::string inner;
@@ -43,7 +43,8 @@ inline std::string DesignOf(const controls::Container& container) {
   return "\n" + Filled(pieces, "      ").substr(0, Filled(pieces, "      ").size() - 1) + inner;
 }
 
-// "control: key: text" for each control that the help speaks of. It is not written anew inside one control.
+// A line for each control that has a help text: its name, the key and the text. Moving on within a control
+// must not write the text again.
 inline std::string HelpOf(controls::Control& control, controls::Label& help) {
   std::string lines;
   if (control.MouseMove) {
@@ -59,7 +60,7 @@ inline std::string HelpOf(controls::Control& control, controls::Label& help) {
   return lines;
 }
 
-// Left, top, width and height of every control that can be seen, added to those of other sizes of the window.
+// Appends left, top, width and height of each control that can become visible to its line in `places`.
 inline void Measure(const controls::Control& control, std::vector<std::string>& places, std::size_t& next) {
   if (next == places.size()) places.push_back("\n    " + control.Name() + ":");
   places[next].append(places[next].ends_with(':') ? "" : " |");
@@ -81,7 +82,7 @@ inline void Drag(controls::SplitBar& bar, int by) {
   bar.UserMouseUp();
 }
 
-// In windows of three sizes; the bars of the largest are dragged.
+// The places of all controls in windows of three sizes, in the largest one after both bars were dragged.
 inline std::string PlacesIn(FormControls& ui) {
   std::vector<std::string> places;
   for (const auto& [width, height] : {std::pair(7000, 6100), {11880, 9000}, {20000, 15000}}) {

@@ -1,5 +1,5 @@
-// Records everything the form does, in order: to its controls, to the catalog, and whatever else the test
-// notes. A statement is recorded by its text, a change to a control by the control's new state.
+// Records what the form does, in order: changes of its controls, calls of the engine, and what the test adds.
+// A statement is recorded by its text, a change of a control by its new state.
 #pragma once
 
 #include <memory>
@@ -21,7 +21,7 @@ class Journal {
   }
   bool Empty() const { return m_lines.empty(); }
   std::vector<std::string> Take() { return std::exchange(m_lines, {}); }
-  // Notes what is asked of the engine.
+  // Hooks that record the calls of the engine.
   EngineHooks Hooks() {
     return {.before =
                 [this](const std::string& call) {
@@ -29,14 +29,14 @@ class Journal {
                 },
             .mindsTime = false};
   }
-  // Writes the changes of all controls down from here on; those of their places only for the areas.
+  // Records the changes of all controls from now on; positions only of the form's main areas.
   void Watch(dialog::FormControls& ui);
 
  private:
   std::vector<std::string> m_lines;
 };
 
-// What a control shows now that one of its properties has changed; empty for what nobody asks for.
+// The new state of a control whose property has changed; empty for a change that is not recorded.
 inline std::string Shown(const controls::Control& control, controls::Property property) {
   using controls::Property;
   const auto* const form = dynamic_cast<const controls::Form*>(&control);
@@ -132,7 +132,7 @@ class JournalListPeer : public JournalPeer<controls::ListPeer> {
   void Cleared() override { Note(" cleared"); }
 };
 
-// Progress comes and goes as the clock wants; tests of its own watch it.
+// Leaves out the progress display, which depends on the clock and has tests of its own.
 inline void WatchAll(Journal& journal, controls::Control& control) {
   if (control.Name() == "picProgress") return;
   switch (control.GetKind()) {

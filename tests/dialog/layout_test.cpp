@@ -1,4 +1,4 @@
-// Where everything stands, at any size of the window, and that it comes back there.
+// The layout at any size of the window, and what is restored of it by the next dialog.
 #include <random>
 
 #include "tests/dialog/form_text.h"
@@ -18,8 +18,8 @@ class LayoutTest : public DialogTest {
     ui().form.UserResize(width, height, state);
   }
 
-  // Controls that may lie on another: by rule the heading carries the destination, the tab strip is the
-  // ground for what stands on its pages, and the frame for archives takes the place of the tree.
+  // Controls that overlap by design: the heading and the destination share a line, the tab strip lies behind
+  // its pages, and the archive frame takes the place of the tree.
   static bool MayOverlap(const Control& a, const Control& b) {
     const auto pair = [&](std::string_view one, std::string_view other) {
       return (a.Name() == one && b.Name() == other) || (a.Name() == other && b.Name() == one);
@@ -68,7 +68,7 @@ TEST_F(LayoutTest, NothingOverlapsOrLeavesItsContainerAtAnySize) {
   EXPECT_EQ(ui().form.Width(), 7000) << "a window too small snaps back";
   EXPECT_EQ(ui().form.Height(), 6100);
   for (int round = 0; round < 300 && !HasFailure(); ++round) {
-    // Now and then a bar is dragged as far as it goes.
+    // Sometimes a bar is dragged, often further than it can go.
     if (round % 10 == 5) Drag(ui().splitH, upTo(30'000) - 15'000);
     if (round % 10 == 9) Drag(ui().SplitV, upTo(30'000) - 15'000);
     ShowTab(round % 3 + 1);
@@ -80,7 +80,7 @@ TEST_F(LayoutTest, NothingOverlapsOrLeavesItsContainerAtAnySize) {
       EXPECT_GT(list->Width(), 600) << list->Name();
       EXPECT_GT(list->Height(), 600) << list->Name();
     }
-    // The pointer gets from the lower area and from the buttons to the help without touching the form.
+    // The help adjoins the lower area and the buttons: on its way there the pointer never touches the form.
     EXPECT_EQ(ui().lblHelp.Top() + ui().lblHelp.Height(), ui().picBottom.Top());
     EXPECT_EQ(ui().lblHelp.Top(), ui().picTopButtons.Top() + ui().picTopButtons.Height());
     // Room for a heading and a line even in the smallest window.

@@ -1,7 +1,6 @@
-// What a user does with a catalog of seven files, step by step, for sweeps in which one thing after the other
-// fails or is stopped; and what has to hold however a step ends: the list shows what the catalog marks or a
-// report says that it cannot, every file that was ticked is marked or counted in a report, and nothing is
-// marked that nobody ticked.
+// The user's steps on a catalog of seven files, for sweeps in which each call fails or is interrupted in
+// turn, and the conditions that hold however a step ends: the list shows what the catalog marks, or a report
+// says that it cannot; every ticked file is marked or counted in a report; no other file is marked.
 #pragma once
 
 #include <algorithm>
@@ -46,12 +45,12 @@ inline std::vector<sample::FileRow> SweepRows() {
   for (const std::int64_t id : kAllFiles) rows.push_back(Row(id, 1, "003", "C:\\Data\\" + FileOf(id)));
   return rows;
 }
-// What the catalog marks before a step.
+// SQL that sets the marks with which a step begins.
 inline const char* MarksBefore(Step step) {
   return step >= Step::kUpdate ? "UPDATE Catalog SET Restore = TRUE" : "UPDATE Catalog SET Restore = FALSE";
 }
 
-// The files in a list; those only that are ticked, or not, when that is asked.
+// The files in a list: all, or only the ticked or unticked ones.
 inline Ids FilesIn(const AutoSelect& list, std::optional<bool> ticked = {}) {
   Ids ids;
   for (std::size_t i = 1; i <= list.Count(); ++i) {
@@ -60,7 +59,7 @@ inline Ids FilesIn(const AutoSelect& list, std::optional<bool> ticked = {}) {
   return ids;
 }
 
-// Ticks the files 2 to 6, or takes their ticks off the restore list.
+// Brings the dialog to where the step starts: ticks files 2 to 6, or unticks them in the restore list.
 inline void Prepare(Step step, FormControls& ui) {
   const auto tick = [](AutoSelect& list, bool ticked) {
     for (std::size_t i = 1; i <= list.Count(); ++i) {
@@ -73,7 +72,7 @@ inline void Prepare(Step step, FormControls& ui) {
       break;
     case Step::kApply:
       ui.tvwSets.UserClickNode(NodeFrom(ui.tvwSets.FirstRoot(), "1 003"));
-      // Some by their boxes, the others by the menu.
+      // Even numbers by their check boxes, odd ones by the menu.
       for (const std::int64_t id : kTicked) {
         const controls::Node file = NodeFrom(ui.tvwDetails.FirstRoot(), FileOf(id));
         if (id % 2 == 0) {
@@ -142,12 +141,12 @@ inline void Start(Step step, FormControls& ui) {
   }
 }
 
-// How much the reports have to say.
+// How precise the reports must be.
 enum class Told {
-  kExactly,   // each under its own name, and the count of files is right
-  kAtLeast,   // what a lost commit has saved all the same may be counted, too
-  kSomehow,   // any report will do
-  kNoMemory,  // there is none for a report
+  kExactly,   // titled by the routine, with the right number of files
+  kAtLeast,   // the number may include files whose commit succeeded although its answer was lost
+  kSomehow,   // any report
+  kNoMemory,  // none: there is no memory to report with
 };
 
 struct Ending {
@@ -173,7 +172,7 @@ struct Ending {
   }
 };
 
-// What does not hold after a step; empty when all is well.
+// The conditions that do not hold after a step; empty when all hold.
 inline std::string Wrong(Step step, FormControls& ui, const Ending& end) {
   std::string wrong;
   const auto hold = [&](bool holds, const char* what) {
@@ -197,7 +196,7 @@ inline std::string Wrong(Step step, FormControls& ui, const Ending& end) {
   const bool listFailed = end.Reported("ListCurrentSelections");
   hold(listFailed || FilesIn(ui.asRestoreList) == end.marked, "the list is not what is marked");
 
-  Ids wanted, missed;  // of what the user wanted
+  Ids wanted, missed;  // missed: wanted, but not marked
   const bool strict = end.told <= Told::kAtLeast;
   switch (step) {
     case Step::kLoad:
@@ -220,7 +219,7 @@ inline std::string Wrong(Step step, FormControls& ui, const Ending& end) {
       break;
     case Step::kVersions:
       hold(end.marked.empty(), "a file is marked that nobody applied");
-      // What was found before stays, with its ticks, where the search does not come to its hits.
+      // A search that fails before its first hit keeps the previous hits and their ticks.
       hold(ui.asSearch.Count() == 1 || end.stopped ||
                (end.Reported() && (ui.asSearch.Count() == 0 || ui.asSearch.PendingCount() == kTicked.size())),
            "versions are missing, or ticks lost");
@@ -244,7 +243,7 @@ inline std::string Wrong(Step step, FormControls& ui, const Ending& end) {
            std::includes(wanted.begin(), wanted.end(), end.marked.begin(), end.marked.end()),
        "a file is marked that nobody ticked");
   if (end.stopped) return wrong;
-  // A listing that ended early is reported by itself; the rows that it did not give cannot be counted.
+  // A listing that fails midway has a report of its own; the rows that it did not return cannot be counted.
   const bool cutShort = step == Step::kAutoSelect && end.Reported("ApplyAutoSelect");
   const std::size_t counted = end.Counted();
   hold(missed.empty() || end.Reported(), "files are not marked, and nobody was told");

@@ -93,7 +93,7 @@ TEST_F(PartsTest, EachKindOfNodeLeavesAChoice) {
   EXPECT_EQ(tree.ListRunExtensions(newest), "\"003\", \"002\"");
   EXPECT_EQ(tree.ListRunExtensions(older), "\"002\"");
 
-  // Six runs more than a 16-bit count holds: the choice is made all the same, as far as it goes.
+  // Six more runs than a 16-bit count holds: the choice is still made, with the largest count.
   for (int run = 0; run < 32772; ++run) controls.tvwSets.Add(set, {}, "older", 0, "8 001");
   EXPECT_EQ(choose(newest), "7|7|003|32767");
   EXPECT_TRUE(controls.optLookIn[2].Enabled());
@@ -157,7 +157,7 @@ TEST_F(PartsTest, NodesThatComeDuringAWalkAreNotVisited) {
 }
 
 TEST(PluginImage, IsThatOfTheTextOrElseOfThePath) {
-  // The text in its own case first, then what the path holds in any, in the order of the table.
+  // The text decides first, case-sensitively; then the path, ignoring case, in the order of the table.
   const struct {
     const char *text, *path;
     int image;

@@ -1,4 +1,4 @@
-// What the dialog says while something takes long, and where it was stopped.
+// What the dialog shows while something takes long and after it was stopped.
 #include "dialog/progress.h"
 
 #include "tests/dialog/dialog_fixture.h"
@@ -16,8 +16,8 @@ class ProgressTest : public DialogTest {
     ChooseRun();
   }
 
-  // Runs `action` with a clock that goes on by so much for each item; `look` runs after each. The different
-  // texts that were shown.
+  // Runs `action` with a clock that advances by `milliseconds` for each item, and `look` after each. Returns
+  // the different texts that were shown.
   Strings Said(
       std::int64_t milliseconds, const std::function<void()>& action,
       const std::function<void()>& look = [] {}) {
@@ -41,7 +41,7 @@ class ProgressTest : public DialogTest {
 
 TEST_F(ProgressTest, TellsHowMuchOfHowMuchAndHowMuchLonger) {
   TickAll();
-  // 1,201 nodes of 10 ms: shown from the first second on, anew every tenth of one.
+  // 1,201 nodes at 10 ms each: shown after the first second, updated every tenth of a second.
   const Strings said = Said(10, [this] { Apply(); });
   ASSERT_GT(said.size(), 100U);
   EXPECT_TRUE(said.front().starts_with("Marking\n10")) << said.front();
@@ -67,7 +67,7 @@ TEST_F(ProgressTest, BarAndTaskBarShowTheShare) {
         half = ui().form.GetTaskProgress().share;
       });
   EXPECT_NEAR(half, 0.5, 0.01);
-  // Nobody knows how many files a run has.
+  // The number of files of a run is not known in advance.
   Said(
       10, [this] { ChooseRun(); },
       [&] {
@@ -117,7 +117,7 @@ TEST_F(ProgressTest, AStopSaysWhatWasDoneUntilTheNextAction) {
   EXPECT_EQ(ui().lblProgress.Caption(), "Stopped: 300 unmarked.");
 }
 
-// The runs never end; there is no window yet that could tell.
+// The list of runs is endless, and there is no window yet that could show progress.
 TEST_F(ProgressTest, ALoadThatTakesLongOffersAStopBeforeThereIsAWindow) {
   catalog->Execute(
       "ALTER TABLE SetNames RENAME TO Sets; CREATE VIEW SetNames AS WITH RECURSIVE n(i) AS "

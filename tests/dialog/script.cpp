@@ -25,7 +25,7 @@ Strings Split(std::string_view text, std::string_view between) {
   return pieces;
 }
 
-// Up to the first `between`, and what is behind it.
+// The text before the first `between`, and the text after it.
 std::pair<std::string, std::string> Halves(const std::string& text, std::string_view between = " ") {
   const std::size_t end = text.find(between);
   if (end == std::string::npos) return {text, ""};
@@ -46,7 +46,7 @@ std::string Footer(const controls::FooterText& footer) {
   return Quoted(footer.pending + "|" + footer.sums + "|" + footer.selected);
 }
 
-// Each entry of a list in its own words, in the list's order.
+// What `tell` says of each entry of a list.
 template <class Tell>
 std::string Each(const AutoSelect& list, Tell tell) {
   std::string told;
@@ -63,14 +63,14 @@ std::string EachNode(const controls::TreeView& tree, Tell tell) {
   return Joined(told);
 }
 
-// The nodes of a tree below each other.
+// The nodes of a tree, a line each.
 std::string Branches(const controls::TreeView& tree) {
   std::string branches;
   for (const std::string& line : Outline(tree.FirstRoot(), "      ")) branches += "\n" + Shown(line);
   return branches;
 }
 
-// Presses what the user sees under this caption, which is written without "&".
+// Presses the visible button or box with this caption, which is written without "&".
 bool Press(controls::Container& container, const std::string& caption) {
   const auto click = [&](auto* button) {
     if (button == nullptr || !button->IsShown()) return false;
@@ -207,7 +207,7 @@ std::map<std::string, ScriptTest::Command, std::less<>> ScriptTest::Commands() {
        [this](const std::string& node) {
          events.push_back("tip " + Quoted(ui().tvwDetails.UserTip(Detail(node))));
        }},
-      // In the middle of the next step, at an item of its walk: steps with " & " between them
+      // "at ITEM STEP & STEP": these steps happen during the next one, at that item of its walk
       {"at",
        [this](const std::string& itemAndSteps) {
          m_due = true;
@@ -264,7 +264,7 @@ std::map<std::string, ScriptTest::Look, std::less<>> ScriptTest::Looks() {
          return "marked " + Joined(ids, " ");
        }},
       {"closed", [](FormControls& shown) { return shown.form.IsOpen() ? "" : "closed"; }},
-      // What only some scripts look at.
+      // For "show" and "watch" only.
       {"bytes", [](FormControls& shown) { return Quoted(shown.lblCounts[1].Caption()); }},
       {"mask",
        [](FormControls& shown) {
@@ -362,7 +362,7 @@ void ScriptTest::AddRows(const std::string& subject,
   }
 }
 
-// A dialog that is not there yet, or not any more, is loaded; what it then shows is no change.
+// Loads a dialog if none is open. What it shows then does not count as changed.
 void ScriptTest::Open() {
   if (m_shown != nullptr && m_shown->form.IsOpen()) return;
   m_shown = &ui();
@@ -380,7 +380,7 @@ Strings ScriptTest::LookAround() {
 Strings ScriptTest::Changed() {
   Strings changed = std::exchange(events, {});
   for (const auto& message : std::exchange(desktop.messages, {})) {
-    // Of an error its number.
+    // An error is recorded by its number.
     const bool isError = message.text.starts_with('(');
     changed.push_back("told " + message.title + (message.title.empty() ? "" : ": ") +
                       (isError ? message.text.substr(0, message.text.find(')') + 1) : message.text));
@@ -395,7 +395,7 @@ Strings ScriptTest::Changed() {
   return changed;
 }
 
-// The list of a word; none for a node of the detail tree.
+// The list that a word stands for; null for a node of the detail tree.
 AutoSelect* ScriptTest::ListOf(std::string_view kind) {
   return kind == "listed" ? &ui().asRestoreList
          : kind == "hit"  ? &ui().asSearch
@@ -403,7 +403,8 @@ AutoSelect* ScriptTest::ListOf(std::string_view kind) {
                           : nullptr;
 }
 
-// "all" or a node of the detail tree; "hit" for all of a list, "hit NAME" for the first of a name.
+// `what`: "all" or a node of the detail tree, "hit" for all entries of a list, "hit NAME" for the first of
+// that name.
 void ScriptTest::SetTicks(const std::string& what, bool ticked) {
   const auto [kind, name] = Halves(what);
   AutoSelect* const list = ListOf(kind);
@@ -416,8 +417,8 @@ void ScriptTest::SetTicks(const std::string& what, bool ticked) {
   }
 }
 
-// "NODE: ITEM" of the detail tree, "set NODE: ITEM", or of a list "hit NAME: ITEM"; without ITEM what it
-// offers.
+// `what`: "NODE: ITEM" for the detail tree, "set NODE: ITEM", "hit NAME: ITEM" for a list. Without ITEM the
+// menu's texts are recorded.
 void ScriptTest::ChooseFromMenu(const std::string& what) {
   const std::size_t colon = std::min(what.rfind(": "), what.size());
   const std::string subject = what.substr(0, colon), item = what.substr(std::min(colon + 2, what.size()));

@@ -7,8 +7,8 @@
 //       -> "2 file(s)." | listed C:\b.doc | "1 file(s) selected" | marked 2
 //   at 3 escape; find *.doc -> ...               Esc comes at the third item of the search
 //
-// A line that begins with a blank goes on with what changed. A comment begins with "#". A case that fails
-// prints itself as it is now.
+// A line that begins with a blank continues what changed. Lines that begin with "#" are comments. A case that
+// fails prints how it reads now.
 #pragma once
 
 #include <map>
@@ -27,13 +27,13 @@ class ScriptTest : public DialogTest {
  protected:
   using DialogTest::DialogTest;
 
-  // The script with what its steps change now; the same as `script` when all is well.
+  // Runs a script. Returns it with what its steps change now, which is `script` itself when all is well.
   std::string Played(const std::string& script);
 
-  // What is different from what it was after the step before.
+  // What has changed since the previous step.
   virtual Strings Changed();
 
-  // Does one step, "COMMAND SUBJECT". The subject stands in quotation marks where it ends in a blank.
+  // Takes one step, "COMMAND SUBJECT". A subject that ends in a blank is put in quotation marks.
   void Do(std::string_view step);
 
   using Command = std::function<void(const std::string& subject)>;
@@ -43,8 +43,8 @@ class ScriptTest : public DialogTest {
   std::map<std::string, Command, std::less<>> commands = Commands();
   std::map<std::string, Look, std::less<>> looks = Looks();  // for "show NAME" and "watch NAME"
   Strings watched = {"tab", "tree", "found", "types", "listed", "progress", "marked", "closed"};
-  Strings events;                // what else happened since the last step
-  std::function<void()> onTurn;  // in every turn of the pending messages
+  Strings events;                // anything else that happened since the last step
+  std::function<void()> onTurn;  // whenever pending messages run
 
  private:
   std::map<std::string, Command, std::less<>> Commands();

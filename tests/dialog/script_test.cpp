@@ -1,4 +1,4 @@
-// Runs the scripts, each case a test of its own.
+// Runs the scripts. Each case is a test of its own.
 #include <fstream>
 #include <sstream>
 
@@ -52,7 +52,7 @@ class Case : public ScriptTest {
   std::string m_script;
 };
 
-// How the statements begin, and what they are called here.
+// How statements begin, and their names in the scripts.
 constexpr std::pair<std::string_view, std::string_view> kStatements[] = {
     {"SELECT SetNames.Name, BackupAudit.DateStamp, BackupAudit.SetNameID, BackupAudit.Extension, "
      "BackupAudit.Permanent, BackupAudit.Status FROM SetNames INNER JOIN BackupAudit ON SetNames.ID = "
@@ -75,7 +75,7 @@ constexpr std::pair<std::string_view, std::string_view> kStatements[] = {
      "Catalog.SetNameID WHERE (((Catalog.Restore)=True));",
      "of the marked"},
     {"UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));", "clear all"},
-    // Steps that belong together wherever they are taken.
+    // Sequences that occur as a whole, and their names.
     {"open catalog\nsnapshot of the marked\nasRestoreList frozen\nasRestoreList cleared\n", "LIST\n"},
     {"close rows\nclose catalog\nasRestoreList thawed\n", "LISTED\n"},
     {"tbsOptions value\ntbsOptions frozen\npicTabs frozen\n", "TAB\n"},
@@ -88,13 +88,13 @@ constexpr std::pair<std::string_view, std::string_view> kStatements[] = {
      "QUESTION\n"},
 };
 
-// Constructed before the form that writes into it.
+// A base, so that the journal is constructed before the form that writes to it.
 struct JournalHolder {
   Journal journal;
   EngineHooks hooks = journal.Hooks();
 };
 
-// A case that compares all that happens, in its order, from the command "journal" on.
+// A case that compares everything that happens after the command "journal", in order.
 class JournalCase : public JournalHolder, public Case {
  public:
   explicit JournalCase(const std::string& script)
@@ -126,7 +126,8 @@ class JournalCase : public JournalHolder, public Case {
   }
 
  private:
-  // Loads a form with a log, an icon and a destination; the log is read when the registry is.
+  // Loads a form that has a log, an icon and a destination. The journal starts when the load first reads the
+  // registry.
   void Load() {
     m_begun = true;
     form.parameters.LogFilename = m_folder.File("log");
@@ -153,7 +154,7 @@ class JournalCase : public JournalHolder, public Case {
     const auto replace = [&](std::string_view old, std::string_view with) {
       for (auto at = text.find(old); at != text.npos; at = text.find(old)) text.replace(at, old.size(), with);
     };
-    replace(" \n", " $\n");  // a blank at the end shows
+    replace(" \n", " $\n");  // makes a blank at the end of a line visible
     for (const auto& [statement, name] : kStatements) replace(statement, name);
     std::istringstream happened(text);
     Strings steps = std::exchange(events, {});

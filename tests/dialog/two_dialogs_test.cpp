@@ -1,5 +1,5 @@
-// Two processes, each with its dialog, on one catalog at the same time: both search the latest versions,
-// which makes the same saved queries with different texts, and mark what they find, the same rows among them.
+// Two processes with a dialog each on one catalog at the same time. Both search for the latest versions,
+// which rewrites the same saved queries, and mark what they find, partly the same rows.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -31,7 +31,7 @@ class TwoDialogs : public DialogTest {
                           std::string("00") + run, false, 6});
       }
     }
-    // Every name in every set and run, its numbers in no order.
+    // Every name in every set and run, with row numbers in no particular order.
     constexpr int kNames = 60, kRows = kNames * 9;
     for (int step = 0; step < kRows; ++step) {
       const int name = step % kNames;
@@ -63,7 +63,7 @@ class TwoDialogs : public DialogTest {
     return found;
   }
 
-  // Works one dialog; every line of the result is "mark KEY", "report TEXT" or "wrong TEXT".
+  // Runs one dialog. It writes a file with lines "mark KEY", "report TEXT" and "wrong TEXT".
   void Work(int which, const Strings* expected) {
     std::ofstream told(m_folder.File(std::to_string(which)));
     for (int round = 0; round < kRounds; ++round) {
@@ -74,7 +74,7 @@ class TwoDialogs : public DialogTest {
         continue;
       }
       if (found != expected[round]) told << "wrong listing in round " << round << '\n';
-      // Each of the dialogs in its own order over the same rows.
+      // The two dialogs visit the same rows in different orders.
       for (std::size_t number = 1; number <= ui().asSearch.Count(); ++number) {
         if (round % 2 != 0 && number % 3 != 0) continue;
         ui().asSearch.UserTick(number, true);
@@ -87,7 +87,7 @@ class TwoDialogs : public DialogTest {
     }
   }
 
-  // Each finds what it finds alone. The rows that they have marked.
+  // Runs both and expects each to find what it finds alone. The rows that they marked.
   Ids Both() {
     Strings alone[2][kRounds];
     pid_t processes[2];

@@ -1,5 +1,5 @@
-// A million files: whatever the dialog does, pending messages run often enough for the window to live, and
-// Esc ends it.
+// On a million files, whatever the dialog does, pending messages run often enough to keep the window
+// responsive, and Esc stops it.
 #include <cstdio>
 #include <ctime>
 
@@ -25,8 +25,8 @@ class WaitingTest : public DialogTest {
         "(i / 2) || '.doc', 'C:\\Data\\' || (i / 2000) || '\\' || (i / 2) || '.doc', 0, 2 FROM n");
   }
 
-  // The longest that `action` kept pending messages waiting, in milliseconds. What else the machine does may
-  // make one try longer than it is.
+  // The longest time between two runs of pending messages during `action`, in milliseconds of processor time:
+  // the best of three attempts, because other load disturbs the measurement.
   template <typename Action>
   double LongestWait(Action action) {
     double best = 0;
@@ -63,7 +63,7 @@ class WaitingTest : public DialogTest {
 
 TEST_F(WaitingTest, NothingKeepsTheWindowWaiting) {
   ShowTab(2);
-  // The listing of the latest versions and a mask that few names match work long before their first row.
+  // The latest versions, and a mask that few names match, take long until their first row.
   ui().cboMask.UserType("999*99.doc");
   ui().chk1.SetValue(1);
   const auto find = [&] { ui().cmdSearch[kFind].UserClick(); };
@@ -99,7 +99,7 @@ TEST_F(WaitingTest, NothingKeepsTheWindowWaiting) {
   EXPECT_EQ(ui().asRestoreList.Count(), 0u) << "a stopped run lists nothing";
   m_stopAfter = 0;
 
-  // One statement takes all marks back; messages run until it commits.
+  // A single statement clears all marks; messages run until it commits.
   desktop.answers = {platform::Answer::kYes};
   catalog->Execute("UPDATE Catalog SET Restore = 1");
   desktop.doEventsCount = 0;

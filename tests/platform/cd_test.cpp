@@ -31,7 +31,7 @@ TEST_F(CdTest, ThePropertiesLookAgainAndTheCountDoesNot) {
   drives.drives = {
       {"c:\\", 3, "SYSTEM"}, {"d:\\", kCd, "FIRST"}, {"e:\\", kCd, "SECOND"}, {"z:\\", 4, "NET"}};
   EXPECT_EQ(0, cd.CDCount());
-  desktop.onDoEvents = [&] { EXPECT_EQ("SECOND", cd.CDVolumeLabel()); };  // asked while it looks
+  desktop.onDoEvents = [&] { EXPECT_EQ("SECOND", cd.CDVolumeLabel()); };  // asked during the search
   EXPECT_EQ("Z:\\", cd.CDDriveLetter()) << "the letter of the last drive, the label of the last CD";
   EXPECT_EQ(2, cd.CDCount());
   EXPECT_EQ(6u, desktop.doEventsCount) << "a turn a CD drive, also for those who ask in between";

@@ -36,7 +36,7 @@ TEST_F(ProgramSettingsTest, ReadsTextsNumbersAndNothingElse) {
     std::string read;
   } cases[] = {{1, {'C', ':', 0}, "C:"},
                {1, {'a', 'b'}, "ab"},
-               {1, {'a', 'b', 0, 0}, std::string("ab\0", 3)},  // one NUL is no part of the text
+               {1, {'a', 'b', 0, 0}, std::string("ab\0", 3)},  // only the last NUL is dropped
                {1, {0}, "default"},
                {1, {}, "default"},
                {4, {0xFE, 0xFF, 0xFF, 0xFF}, "-2"},
@@ -92,7 +92,7 @@ TEST_F(ProgramSettingsTest, ARefusedCallIsSilent) {
     settings.WriteEntry("ClientDB", "C:\\Client");
   }
   registry.fault = nullptr;
-  registry.Grant(kHkeyLocalMachine, kPath, 0x19);  // to read only, where all rights are asked for
+  registry.Grant(kHkeyLocalMachine, kPath, 0x19);  // read only; all rights are requested
   EXPECT_EQ("default", Read());
   for (const std::uint32_t rights : {0x19u, 0x20006u}) {
     registry.Grant(kHkeyLocalMachine, kPath, rights);
