@@ -12,6 +12,7 @@ namespace kxrestore::dialog_test {
 
 bool RegisterCases(const std::string& name, ScriptTest* (*make)(const std::string& script)) {
   std::ifstream file(KX_SCRIPTS "/" + name + ".txt", std::ios::binary);
+  if (!file) throw std::runtime_error("no script " + name);
   std::string title, script;
   const auto add = [&] {
     if (title.empty()) return;
