@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
 """Tries one-line changes against the native tests: mutants.py [--list FILE] [--without TESTS] [FILTER...]
 
-scripts/mutants/*.txt list the changes, of the kind that a tidy programmer makes where the system is odd on purpose. A
-copy of the sources is built once under build/mutants, without optimisation. For each change only the changed source is
-compiled, linked before the libraries of the programs that test its folder, and these run up to the first failure;
-as many changes at a time as there are processors. The last line says how many changes were noticed. With FILTERs only
-the changes whose file or name holds one of them are tried. TESTS is a filter of GoogleTest's: what is no longer
-noticed without these tests is what they alone notice. Exit status: 0 when all were noticed, 1 when some were not, 2
-when the list or the unchanged sources are wrong.
+scripts/mutants/*.txt list the changes: repairs that a tidy programmer makes where the system is odd on purpose, and
+plausible mistakes. A copy of the sources is built once under build/mutants, without optimisation. For each change
+only the changed source is compiled, linked before the libraries of the programs that test its folder, and these run
+up to the first failure; as many changes at a time as there are processors. The last line says how many changes were
+noticed. With FILTERs only the changes whose file or name holds one of them are tried. TESTS is a filter of
+GoogleTest's: what is no longer noticed without these tests is what they alone notice. Exit status: 0 when all were
+noticed, 1 when some were not, 2 when the list or the unchanged sources are wrong.
 """
 import concurrent.futures
 import os
