@@ -147,7 +147,7 @@ void ControlWindow::Attach(HWND handle) {
   SetWindowLongPtrW(handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
   NameWindow();
   SendMessageW(handle, WM_SETFONT, reinterpret_cast<WPARAM>(OwnFont()), FALSE);
-  SetAccessibleName();
+  SayName();
   ShowToolTip(m_control.ToolTipText());
 }
 
@@ -165,14 +165,13 @@ void ControlWindow::UnnameWindow(HWND handle) {
   m_name = 0;
 }
 
-void ControlWindow::SetAccessibleName() {
-  if (m_control.AccessibleName().empty()) return;
-  const std::wstring name = Wide(m_control.AccessibleName());
-  if (TextIsContent()) {
-    AnnotateName(m_handle, name);
-  } else {
-    SetWindowTextW(m_handle, name.c_str());
-  }
+void ControlWindow::SayName() {
+  std::string name = m_control.AccessibleName();
+  if (const std::string hint = EmptyHint(); !name.empty() && !hint.empty()) name += ". " + hint;
+  if (name == m_said) return;
+  m_said = name;
+  AnnotateName(m_handle, Wide(name));
+  if (!TextIsContent()) SetWindowTextW(m_handle, Wide(name).c_str());
 }
 
 void ControlWindow::ShowToolTip(const std::string& text) {

@@ -125,6 +125,10 @@ class ControlWindow {
 
   // Whether the window's text is the control's contents, so that it cannot carry the accessible name.
   virtual bool TextIsContent() const { return false; }
+  // What the window shows in place of contents that it lacks. Screen readers hear it behind the accessible
+  // name; SayName tells them when it may have changed.
+  virtual std::string EmptyHint() const { return {}; }
+  void SayName();
   // The control's rectangle in pixels of the parent. Combo boxes override it: their window includes the list.
   virtual RECT PixelBounds() const;
   // The same with a size that does not depend on the position. For buttons, so that all are equal, and for
@@ -150,7 +154,6 @@ class ControlWindow {
   std::optional<LRESULT> Dispatch(UINT message, WPARAM wide, LPARAM extra);
   void NameWindow();
   void UnnameWindow(HWND handle);
-  void SetAccessibleName();
   void ApplyVisibility();
 
   WindowContext& m_context;
@@ -158,7 +161,7 @@ class ControlWindow {
   HWND m_handle = nullptr;
   HWND m_around = nullptr;
   ATOM m_name = 0;
-  std::string m_toolTip;
+  std::string m_toolTip, m_said;
   friend class WindowContext;
   int m_freezes = 0;
   bool m_redrawOff = false;

@@ -12,6 +12,7 @@ constexpr int kTopDivisor = 5;      // of the height
 }  // namespace
 
 void DrawEmptyText(HWND window, HFONT font, const std::string& text, int top) {
+  if (text.empty()) return;
   RECT area{};
   GetClientRect(window, &area);
   const HDC dc = GetDC(window);

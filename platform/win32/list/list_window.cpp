@@ -228,6 +228,12 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
       SetTimer(Handle(), kSettledTimer, kSettled, nullptr);
     }
     if ((flags & (kFooterFlag | kRowsFlag | unsigned{kItemsFlag})) != 0) ShowFooter();
+    SayName();
+  }
+
+  std::string EmptyHint() const override {
+    if (m_list.Rows().Count() != 0) return {};
+    return m_list.Count() == 0 ? m_list.EmptyText() : Say(Phrase::kFilterNothing);
   }
 
   // From top to bottom: filter line, entries, footer. Without room for all, the footer is left out first.
@@ -247,10 +253,9 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
  private:
   LRESULT PaintEmpty(WPARAM wide, LPARAM extra) {
     const LRESULT result = PassOn(WM_PAINT, wide, extra);
-    const std::string text = m_list.Count() == 0 ? m_list.EmptyText() : Say(Phrase::kFilterNothing);
     RECT headings{};
     GetClientRect(reinterpret_cast<HWND>(Send(LVM_GETHEADER)), &headings);
-    if (!text.empty()) DrawEmptyText(Handle(), Context().Font(), text, headings.bottom);
+    DrawEmptyText(Handle(), Context().Font(), EmptyHint(), headings.bottom);
     return result;
   }
 

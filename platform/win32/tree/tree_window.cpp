@@ -231,10 +231,13 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     WindowPeer::OnFlush(flags);
     if ((flags & kWorkFlag) != 0) Work();
     if ((flags & kFooterFlag) != 0 && m_footer.Handle() != nullptr) m_footer.Show(m_tree.DescribeFooter());
+    SayName();
     if ((flags & kRepaintFlag) == 0) return;
     if (!Frozen() || m_items.Emptying()) InvalidateRect(Handle(), nullptr, FALSE);
     for (const std::uint32_t node : std::exchange(m_announced, {})) m_native.Announce(m_items.ItemOf(node));
   }
+
+  std::string EmptyHint() const override { return m_tree.Count() == 0 ? m_tree.EmptyText() : std::string(); }
 
   void OnArrange(int width, int height) override {
     const int footer = std::min(m_footer.Height(), height);
@@ -388,9 +391,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
 
   LRESULT Paint(WPARAM wide, LPARAM extra) {
     const LRESULT result = m_native.Send(WM_PAINT, wide, extra);
-    if (m_tree.Count() == 0 && !m_tree.EmptyText().empty()) {
-      DrawEmptyText(Handle(), Context().Font(), m_tree.EmptyText());
-    }
+    DrawEmptyText(Handle(), Context().Font(), EmptyHint());
     return result;
   }
 
