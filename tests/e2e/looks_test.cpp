@@ -2,7 +2,6 @@
 // process, so this program runs itself again for each.
 #include <cstdlib>
 
-#include "component/com/wide_text.h"
 #include "host/catalog_maker/sample_archive.h"
 #include "tests/e2e/dialog_fixture.h"
 #include "tests/e2e/program.h"
@@ -10,9 +9,7 @@
 namespace kxrestore::e2e {
 namespace {
 
-using component::com::ToWide;
 using driver::Ask;
-using driver::DialogDriver;
 
 // Pixels; smaller sizes become the minimum.
 constexpr SIZE kSizes[] = {{1, 1}, {1024, 768}, {2560, 1440}};
@@ -115,7 +112,7 @@ TEST_F(LooksTest, NoTextIsCut) {
   const HDC screen = GetDC(nullptr);
   ASSERT_EQ(given == nullptr ? 96 : std::atoi(given), GetDeviceCaps(screen, LOGPIXELSX));
   ReleaseDC(nullptr, screen);
-  RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
+  Run([&](const DialogDriver& dialog) {
     dialog.Tree("tvwSets").Find({"Archive Sets", "Append new Archive CD ..."});
     dialog.SelectRun("1");
     for (const SIZE& size : kSizes) {
@@ -137,13 +134,11 @@ TEST_F(LooksTest, NoTextIsCut) {
 TEST(Looks, AreTheSameAtOtherScales) {
   GetDesktopWindow();  // what serves it would else be started by, and outlive, a program that is waited for
   constexpr wchar_t kKey[] = L"Control Panel\\Desktop";
-  wchar_t self[MAX_PATH];
-  GetModuleFileNameW(nullptr, self, MAX_PATH);
   SetEnvironmentVariableW(L"GTEST_OUTPUT", nullptr);
   for (const DWORD dpi : {144, 192}) {
     RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"LogPixels", REG_DWORD, &dpi, sizeof dpi);
     SetEnvironmentVariableW(L"KX_DPI", std::to_wstring(dpi).c_str());
-    Program run(L'"' + std::wstring(self) + L"\" --gtest_filter=LooksTest.*");
+    Program run(L'"' + ProgramPath() + L"\" --gtest_filter=LooksTest.*");
     EXPECT_EQ(0, run.Wait()) << run.Output();
   }
   RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, L"LogPixels");

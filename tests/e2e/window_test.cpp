@@ -1,21 +1,12 @@
-// The dialog's window in use: splitters dragged with the mouse, tabs that switch without flicker, and
-// information for screen readers.
-#include <gtest/gtest.h>
-
-#include <oleacc.h>
-
+// The dialog's window in use: splitters dragged with the mouse, and tabs that switch without flicker.
 #include <map>
 #include <mutex>
 
-#include "component/com/wide_text.h"
 #include "tests/e2e/dialog_fixture.h"
 #include "tests/e2e/program.h"
 
 namespace kxrestore::e2e {
 namespace {
-
-using driver::Ask;
-using driver::DialogDriver;
 
 RECT Bounds(HWND window) {
   RECT bounds{};
@@ -49,7 +40,7 @@ void Drag(HWND bar, LONG right, LONG down) {
 class WindowTest : public DialogTest {};
 
 TEST_F(WindowTest, TheMouseDragsBothBarsAndBothSidesFollow) {
-  RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
+  Run([&](const DialogDriver& dialog) {
     SetWindowPos(dialog.WaitForForm(), nullptr, 100, 100, 1100, 850, SWP_NOZORDER);
     const auto at = [&](const char* name) { return Bounds(dialog.Control(name)); };
     const RECT bottom = at("picBottom");
@@ -68,24 +59,6 @@ TEST_F(WindowTest, TheMouseDragsBothBarsAndBothSidesFollow) {
     EXPECT_NEAR(at("tvwDetails").right, details.right, 2);
     dialog.Close();
   });
-}
-
-// The names never end, so the window cannot come up before the user has stopped the load.
-TEST_F(WindowTest, ALoadWithoutEndCanBeStoppedBeforeThereIsAWindow) {
-  m_catalog.Execute(
-      "ALTER TABLE SetNames RENAME TO Sets; CREATE VIEW SetNames AS WITH RECURSIVE n(i) AS "
-      "(SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT 1 AS ID, 'set ' || i AS Name FROM n");
-  EXPECT_EQ(0, RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
-              HWND busy = nullptr;
-              driver::WaitFor(std::chrono::seconds(60), "the offer to stop",
-                              [&] { return (busy = driver::VisibleWindow(L"#32770")) != nullptr; });
-              EXPECT_EQ(nullptr, driver::VisibleWindow(kFormClass));
-              EXPECT_EQ(driver::TextOf(GetDlgItem(busy, IDCANCEL)), "Stop");
-              PostMessageW(busy, WM_COMMAND, IDCANCEL, 0);
-              dialog.WaitForForm();
-              EXPECT_FALSE(IsWindow(busy));
-              dialog.Close();
-            }));
 }
 
 // Counts the paintings of each window of a thread.
@@ -126,7 +99,7 @@ class PaintLog {
 };
 
 TEST_F(WindowTest, ATabSwitchPaintsEachWindowOnce) {
-  RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
+  Run([&](const DialogDriver& dialog) {
     dialog.Tab(3);  // fills it
     PaintLog log(GetWindowThreadProcessId(dialog.WaitForForm(), nullptr));
     for (const int tab : {1, 2, 3, 1}) {
@@ -141,41 +114,6 @@ TEST_F(WindowTest, ATabSwitchPaintsEachWindowOnce) {
         EXPECT_EQ(1, count) << driver::NameOf(window) << ' ' << driver::ClassOf(window) << ", tab " << tab;
       }
     }
-    dialog.Close();
-  });
-}
-
-std::string SpokenName(HWND window) {
-  ComPtr<IAccessible> object;
-  if (FAILED(AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_PPV_ARGS(&object)))) {
-    return {};
-  }
-  VARIANT self{};
-  self.vt = VT_I4;
-  BSTR name = nullptr;
-  object->get_accName(self, &name);
-  const std::string text = name == nullptr ? std::string() : component::com::FromWide(name);
-  SysFreeString(name);
-  return text;
-}
-
-// Fields apart: their names are annotations, which Wine does not keep.
-TEST_F(WindowTest, EveryControlHasANameForScreenReaders) {
-  RunDialog(m_object.Get(), [&](const DialogDriver& dialog) {
-    const Apartment apartment;
-    int named = 0;
-    for (const HWND window : driver::Inner(dialog.WaitForForm())) {
-      const std::string control = driver::NameOf(window), kind = driver::ClassOf(window);
-      const bool field = kind == "Edit" || kind == "ComboBox";
-      const bool ground = control.starts_with("p") || control == "lblTreeCount" ||
-                          control == "lblProgress";  // they have text once there is something to count
-      if (control.empty() || ground || field) continue;
-      const std::string name = SpokenName(window);
-      EXPECT_GT(name.size(), 3u) << control;
-      EXPECT_EQ(std::string::npos, name.find('&')) << control;
-      ++named;
-    }
-    EXPECT_GT(named, 45);
     dialog.Close();
   });
 }

@@ -2,29 +2,19 @@
 // messages, and measures.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <utility>
 
 #include "controls/form.h"
-#include "platform/win32/controls/control_window.h"
 #include "platform/win32/controls/window_classes.h"
+#include "tests/win32/vocabulary.h"
 
-namespace kxrestore::win32 {
+namespace kxrestore::win32::test {
 
 class ControlHost : public testing::Test {
  protected:
-  // Milliseconds of processor time that this thread has used: what else the machine does counts little.
-  static double Used() {
-    FILETIME created, exited, kernel, user;
-    GetThreadTimes(GetCurrentThread(), &created, &exited, &kernel, &user);
-    const auto ticks = [](const FILETIME& time) {
-      return static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
-    };
-    return static_cast<double>(ticks(kernel) + ticks(user)) / 10'000;
-  }
-  // The time that a call takes, in such milliseconds.
+  // The time that a call takes, in milliseconds of processor time that this thread has used: what else the
+  // machine does counts little.
   template <class Call>
   static double Measure(Call&& call) {
     const double before = Used();
@@ -39,27 +29,35 @@ class ControlHost : public testing::Test {
     description.lpszClassName = L"KXRestore.Test.Host";
     description.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<LONG_PTR>(COLOR_3DFACE + 1));
     RegisterClassW(&description);
-    m_host = CreateWindowExW(0, description.lpszClassName, L"Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0,
-                             760, 600, nullptr, nullptr, description.hInstance, nullptr);
-    context.SetFormHandle(m_host);
+    host = CreateWindowExW(0, description.lpszClassName, L"Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 760,
+                           600, nullptr, nullptr, description.hInstance, nullptr);
+    context.SetFormHandle(host);
   }
-  ~ControlHost() override { DestroyWindow(m_host); }
+  ~ControlHost() override { DestroyWindow(host); }
 
-  HWND Host() const { return m_host; }
-  static void Place(controls::Control& control) { control.Move(0, 0, 10'000, 7'500); }
-  static HWND HandleOf(controls::Control& control) { return ControlWindow::Of(control)->Handle(); }
+  // Gives the control its window, and that the focus.
+  template <class Control, class Make>
+  void Show(Control& control, Make&& make) {
+    control.Move(0, 0, 10'000, 7'500);
+    control.AttachPeer(make(context, control, host));
+    window = WindowOf(control);
+    ::SetFocus(window);
+    Pump();
+  }
 
   // Handles one message, if there is one.
   bool Step() {
-    const double before = Used();
-    MSG message;
-    const bool any = PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0;
-    if (any) {
-      TranslateMessage(&message);
-      DispatchMessageW(&message);
-    }
-    context.FlushAll();
-    m_longest = std::max(m_longest, Used() - before);
+    bool any = false;
+    const double took = Measure([&] {
+      MSG message;
+      any = PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0;
+      if (any) {
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+      }
+      context.FlushAll();
+    });
+    m_longest = std::max(m_longest, took);
     return any;
   }
   // The longest that a message took since this was last asked.
@@ -80,23 +78,40 @@ class ControlHost : public testing::Test {
       MsgWaitForMultipleObjects(0, nullptr, FALSE, 5, QS_ALLINPUT);
     }
   }
-  void Press(HWND window, POINT point, UINT message = WM_LBUTTONDOWN) {
+  void Press(POINT point, UINT message = WM_LBUTTONDOWN) {
     const LPARAM place = MAKELPARAM(point.x, point.y);
     PostMessageW(window, message, MK_LBUTTON, place);
     PostMessageW(window, WM_LBUTTONUP, 0, place);
     Pump();
   }
-  void Key(HWND window, WPARAM key) {
-    PostMessageW(window, WM_KEYDOWN, key, 1);
-    PostMessageW(window, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
+  void Key(WPARAM key) {
+    PostKey(window, key);
     Pump();
   }
+  int DrawnPixels(const RECT& area) const {
+    const HDC dc = GetDC(window);
+    int drawn = 0;
+    for (int x = area.left; x < area.right; ++x) {
+      for (int y = area.top; y < area.bottom; ++y) drawn += GetRValue(GetPixel(dc, x, y)) < 0xE0 ? 1 : 0;
+    }
+    ReleaseDC(window, dc);
+    return drawn;
+  }
 
+  HWND host = nullptr, window = nullptr;
   WindowClasses classes{GetModuleHandleW(nullptr)};
   WindowContext context{GetModuleHandleW(nullptr)};
   controls::Form form{"frmRestore"};
 
  private:
+  static double Used() {
+    FILETIME created, exited, kernel, user;
+    GetThreadTimes(GetCurrentThread(), &created, &exited, &kernel, &user);
+    const auto ticks = [](const FILETIME& time) {
+      return static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+    };
+    return static_cast<double>(ticks(kernel) + ticks(user)) / 10'000;
+  }
   static LRESULT CALLBACK Procedure(HWND handle, UINT message, WPARAM wide, LPARAM extra) {
     if (message == WM_NOTIFY) {
       auto& header = *reinterpret_cast<NMHDR*>(extra);
@@ -109,8 +124,7 @@ class ControlHost : public testing::Test {
     return DefWindowProcW(handle, message, wide, extra);
   }
 
-  HWND m_host = nullptr;
   double m_longest = 0;
 };
 
-}  // namespace kxrestore::win32
+}  // namespace kxrestore::win32::test

@@ -17,38 +17,45 @@ int TakeQuit() {
 }
 
 int g_texts = 0;
-
 LRESULT CALLBACK CountTexts(HWND window, UINT message, WPARAM wide, LPARAM extra, UINT_PTR, DWORD_PTR) {
   if (message == WM_SETTEXT) ++g_texts;
   return DefSubclassProc(window, message, wide, extra);
 }
 
+// A top-level window in place of the host's.
+struct HostWindow {
+  ~HostWindow() { DestroyWindow(handle); }
+  const HWND handle = CreateWindowExW(0, L"STATIC", L"Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 40, 40, 500,
+                                      400, nullptr, nullptr, nullptr, nullptr);
+};
+
 }  // namespace
 
 class Desktop : public FormTest {
  protected:
-  HostWindow disabledBefore{false}, host;
+  Desktop() { EnableWindow(disabledBefore.handle, FALSE); }
+  HostWindow disabledBefore, host;
 };
 
 TEST_F(Desktop, TheHostsWindowsAreDisabledWhileTheFormShows) {
   HWND form = nullptr;
   Run({[&] {
          form = WindowOf(ui.form);
-         EXPECT_FALSE(IsWindowEnabled(host.Handle()));
-         EXPECT_FALSE(IsWindowEnabled(disabledBefore.Handle()));
+         EXPECT_FALSE(IsWindowEnabled(host.handle));
+         EXPECT_FALSE(IsWindowEnabled(disabledBefore.handle));
          EXPECT_EQ(GetWindow(form, GW_OWNER), nullptr);
          EXPECT_EQ(GetActiveWindow(), form);
          TheDesktop().ShowModal(ui.form);  // is showing already
          EXPECT_TRUE(IsWindow(form));
-         SetForegroundWindow(host.Handle());
+         SetForegroundWindow(host.handle);
          SendMessageW(form, WM_ACTIVATEAPP, TRUE, 0);
        },
        [&] { EXPECT_EQ(GetActiveWindow(), form) << "the form comes forward when its host is activated"; }});
-  EXPECT_TRUE(IsWindowEnabled(host.Handle()));
-  EXPECT_FALSE(IsWindowEnabled(disabledBefore.Handle()));
+  EXPECT_TRUE(IsWindowEnabled(host.handle));
+  EXPECT_FALSE(IsWindowEnabled(disabledBefore.handle));
   EXPECT_FALSE(IsWindow(form));
   EXPECT_EQ(ui.apply.GetPeer(), nullptr);
-  EXPECT_EQ(GetActiveWindow(), host.Handle());
+  EXPECT_EQ(GetActiveWindow(), host.handle);
   TheDesktop().ShowModal(ui.form);  // unloaded: nothing to show
   EXPECT_EQ(ui.form.GetPeer(), nullptr);
 }
@@ -64,7 +71,7 @@ TEST_F(Desktop, QuittingEndsTheLoopAndStaysForTheHost) {
       EXPECT_EQ(stopped, code == 7);
     }});
     EXPECT_TRUE(ui.form.IsOpen());
-    EXPECT_TRUE(IsWindowEnabled(host.Handle()));
+    EXPECT_TRUE(IsWindowEnabled(host.handle));
     EXPECT_EQ(TakeQuit(), code);
   }
 }
@@ -93,7 +100,7 @@ TEST_F(Desktop, AWalkShowsItsCaptionNowAndThenAndHearsTheUser) {
     EXPECT_LE(g_texts, static_cast<int>(milliseconds / 100) + 1);
   };
   Run({[&] { Ask(ui.apply, BM_CLICK); },
-       [&] { EXPECT_EQ(WindowText(WindowOf(ui.label)), "Loading " + std::to_string(row)); }});
+       [&] { EXPECT_EQ(ShownBy(ui.label), "Loading " + std::to_string(row)); }});
   EXPECT_TRUE(clickedMeanwhile);
   EXPECT_TRUE(stopped);
   // A row costs next to nothing: a window message each would allow some 10,000.
@@ -113,8 +120,8 @@ TEST_F(Desktop, WhatFormCodeThrowsIsReportedAndTheFormLives) {
        },
        [&] {
          EXPECT_TRUE(ui.form.IsOpen());
-         ExpectBox("Clear Selection? : Gr\xC3\xBC\xC3\x9F?", IDYES);
-         EXPECT_EQ(TheDesktop().MessageBox("Gr\xC3\xBC\xC3\x9F?", platform::MessageStyle::kQuestion,
+         ExpectBox("Clear Selection? : Gr\u00FC\u00DF?", IDYES);
+         EXPECT_EQ(TheDesktop().MessageBox("Gr\u00FC\u00DF?", platform::MessageStyle::kQuestion,
                                            "Clear Selection? "),
                    platform::Answer::kYes);
          ExpectBox("T\u240D: Two\r\nlines, a\u240D name [U+202E]fdp.exe");
@@ -122,41 +129,38 @@ TEST_F(Desktop, WhatFormCodeThrowsIsReportedAndTheFormLives) {
                                  "T\r");
          ui.label.SetCaption("Set \u202E1");
        },
-       [&] { EXPECT_EQ(WindowText(WindowOf(ui.label)), "Set [U+202E]1"); }});
+       [&] { EXPECT_EQ(ShownBy(ui.label), "Set [U+202E]1"); }});
 }
 
 TEST_F(Desktop, AWindowThatIsDestroyedEndsTheDialog) {
   Run({[&] { DestroyWindow(WindowOf(ui.form)); }});
-  EXPECT_TRUE(IsWindowEnabled(host.Handle()));
+  EXPECT_TRUE(IsWindowEnabled(host.handle));
   EXPECT_EQ(ui.apply.GetPeer(), nullptr);
 }
 
+UINT g_answer = 0;
+SYSTEMTIME g_offered{};
 // Answers the question for a day once its window is there.
-struct DayAnswer {
-  static inline UINT answer = 0;
-  static inline SYSTEMTIME offered{};
-  static void CALLBACK Give(HWND, UINT, UINT_PTR timer, DWORD) {
-    const HWND dialog = FindWindowW(nullptr, L"State of a day");
-    if (dialog == nullptr) return;
-    KillTimer(nullptr, timer);
-    const HWND day = FindWindowExW(dialog, nullptr, DATETIMEPICK_CLASSW, nullptr);
-    SendMessageW(day, DTM_GETSYSTEMTIME, 0, reinterpret_cast<LPARAM>(&offered));
-    SYSTEMTIME wanted{2026, 2, 0, 3};
-    SendMessageW(day, DTM_SETSYSTEMTIME, GDT_VALID, reinterpret_cast<LPARAM>(&wanted));
-    PostMessageW(dialog, WM_COMMAND, answer, 0);
-  }
-};
+void CALLBACK AnswerDay(HWND, UINT, UINT_PTR timer, DWORD) {
+  const HWND dialog = FindWindowW(nullptr, L"State of a day");
+  if (dialog == nullptr) return;
+  KillTimer(nullptr, timer);
+  const HWND day = FindWindowExW(dialog, nullptr, DATETIMEPICK_CLASSW, nullptr);
+  driver::Ask(day, DTM_GETSYSTEMTIME, 0, &g_offered);
+  SYSTEMTIME wanted{2026, 2, 0, 3};
+  driver::Ask(day, DTM_SETSYSTEMTIME, GDT_VALID, &wanted);
+  PostMessageW(dialog, WM_COMMAND, g_answer, 0);
+}
 
 TEST_F(Desktop, ADayIsAskedForInAWindowOfItsOwn) {
   const auto ask = [this](UINT answer) {
-    DayAnswer::answer = answer;
-    SetTimer(nullptr, 0, 20, DayAnswer::Give);
+    g_answer = answer;
+    SetTimer(nullptr, 0, 20, AnswerDay);
     return TheDesktop().AskDay("Which?", {2026, 1, 1}, {2026, 11, 16, 9, 30});
   };
   const auto day = ask(IDOK);
   ASSERT_TRUE(day);
-  EXPECT_EQ(DayAnswer::offered.wMonth, 11);
-  EXPECT_EQ(DayAnswer::offered.wDay, 16);
+  EXPECT_EQ(g_offered.wMonth * 100 + g_offered.wDay, 1116);
   EXPECT_EQ(day->year * 10000 + day->month * 100 + day->day, 20260203);
   EXPECT_FALSE(ask(IDCANCEL));
 }
@@ -171,13 +175,8 @@ TEST_F(Desktop, AWindowComesUpLargeEnoughAndNotLargerThanTheScreen) {
 }
 
 TEST_F(Desktop, ATextIsCopiedWhole) {
-  TheDesktop().CopyText("C:\\Gr\xC3\xBCn");
-  ASSERT_TRUE(OpenClipboard(nullptr));
-  const HANDLE data = GetClipboardData(CF_UNICODETEXT);
-  ASSERT_NE(data, nullptr);
-  EXPECT_EQ(std::wstring(static_cast<const wchar_t*>(GlobalLock(data))), L"C:\\Gr\xFCn");
-  GlobalUnlock(data);
-  CloseClipboard();
+  TheDesktop().CopyText("C:\\Gr\u00FCn");
+  EXPECT_EQ(Clipboard(), "C:\\Gr\u00FCn");
 }
 
 }  // namespace kxrestore::win32::test

@@ -1,19 +1,14 @@
 // A form with one control of each simple kind, shown modally while a test works it on the same thread.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <deque>
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "controls/form.h"
 #include "controls/splitters.h"
 #include "controls/widgets.h"
-#include "platform/win32/controls/control_window.h"
-#include "platform/win32/wide_text.h"
 #include "platform/win32/win32_platform.h"
+#include "tests/win32/vocabulary.h"
 
 namespace kxrestore::win32::test {
 
@@ -61,23 +56,6 @@ struct SampleForm {
   controls::PictureBox picBottom{"picBottom", &form};
 };
 
-// A top-level window in place of the host's.
-class HostWindow {
- public:
-  explicit HostWindow(bool enabled = true)
-      : m_handle(CreateWindowExW(0, L"STATIC", L"Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 40, 40, 500, 400,
-                                 nullptr, nullptr, nullptr, nullptr)) {
-    if (!enabled) EnableWindow(m_handle, FALSE);
-  }
-  ~HostWindow() { DestroyWindow(m_handle); }
-  HostWindow(const HostWindow&) = delete;
-  HostWindow& operator=(const HostWindow&) = delete;
-  HWND Handle() const { return m_handle; }
-
- private:
-  HWND m_handle;
-};
-
 class FormTest : public testing::Test {
  protected:
   FormTest() { s_running = this; }
@@ -111,17 +89,13 @@ class FormTest : public testing::Test {
     m_answer = answer;
   }
 
-  static HWND WindowOf(controls::Control& control) {
-    const ControlWindow* const window = ControlWindow::Of(control);
-    return window == nullptr ? nullptr : window->Handle();
-  }
   static LRESULT Ask(controls::Control& control, UINT message, WPARAM wide = 0, LPARAM extra = 0) {
     return SendMessageW(WindowOf(control), message, wide, extra);
   }
+  static std::string ShownBy(controls::Control& control) { return TextOf(WindowOf(control)); }
   // Presses a key, or a letter with Alt, in the window that has the focus.
   void Press(WPARAM key) {
-    PostMessageW(GetFocus(), WM_KEYDOWN, key, 1);
-    PostMessageW(GetFocus(), WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
+    PostKey(GetFocus(), key);
     Wait();
   }
   void PressAlt(wchar_t letter) {
@@ -141,7 +115,7 @@ class FormTest : public testing::Test {
   }
   void Next() {
     if (const HWND box = m_box.empty() ? nullptr : FindWindowW(L"#32770", nullptr)) {
-      EXPECT_EQ(WindowText(box) + ": " + WindowText(GetDlgItem(box, 0xFFFF)), std::exchange(m_box, {}));
+      EXPECT_EQ(TextOf(box) + ": " + TextOf(GetDlgItem(box, 0xFFFF)), std::exchange(m_box, {}));
       EXPECT_EQ(GetWindow(box, GW_OWNER), WindowOf(ui.form));
       PostMessageW(box, WM_COMMAND, m_answer, 0);
     }

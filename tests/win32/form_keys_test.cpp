@@ -133,13 +133,9 @@ TEST_F(FormKeys, TheListOfThePageCanBeReachedAndFiltered) {
   }
   Run({[&] {
     ui.apply.SetFocus();
-    BYTE keys[256]{};
-    GetKeyboardState(keys);
-    keys[VK_CONTROL] = 0x80;
-    SetKeyboardState(keys);
+    HoldControl(true);
     Press('F');
-    keys[VK_CONTROL] = 0;
-    SetKeyboardState(keys);
+    HoldControl(false);
     EXPECT_TRUE(list.FilterShown());
     EXPECT_EQ(Focused(), "list");
     list.ShowFilter(false);

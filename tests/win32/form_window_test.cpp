@@ -8,11 +8,6 @@ namespace kxrestore::win32::test {
 class FormWindow : public FormTest {
  protected:
   const WindowContext& Context() { return ControlWindow::Of(ui.form)->Context(); }
-  static RECT FormBounds(SampleForm& shown) {
-    RECT bounds{};
-    GetWindowRect(WindowOf(shown.form), &bounds);
-    return bounds;
-  }
   static bool HasVisibleStyle(HWND window) {
     return (GetWindowLongPtrW(window, GWL_STYLE) & WS_VISIBLE) != 0;
   }
@@ -29,8 +24,7 @@ class FormWindow : public FormTest {
       using controls::Kind;
       const HWND window = WindowOf(control);
       ASSERT_NE(window, nullptr) << control.Name();
-      RECT bounds{};
-      GetWindowRect(window, &bounds);
+      RECT bounds = Bounds(window);
       MapWindowPoints(nullptr, GetAncestor(window, GA_PARENT), reinterpret_cast<POINT*>(&bounds), 2);
       EXPECT_EQ(bounds.left, MulDiv(control.Left(), dpi, 1440)) << control.Name();
       EXPECT_EQ(bounds.top, MulDiv(control.Top(), dpi, 1440)) << control.Name();
@@ -76,7 +70,7 @@ TEST_F(FormWindow, InnerSizeIsTheClientAreaAndSizesGoBothWays) {
     EXPECT_NEAR(pixels(ui.form.ScaleWidth()), inner.right, 1);
     EXPECT_NEAR(pixels(ui.form.ScaleHeight()), inner.bottom, 1);
     reported.clear();
-    const RECT outer = FormBounds(ui);
+    const RECT outer = Bounds(WindowOf(ui.form));
     const int width = outer.right - outer.left + 31;
     SetWindowPos(form, nullptr, 0, 0, width, outer.bottom - outer.top, SWP_NOMOVE | SWP_NOZORDER);
     EXPECT_EQ(pixels(ui.form.Width()), width);
@@ -87,7 +81,7 @@ TEST_F(FormWindow, InnerSizeIsTheClientAreaAndSizesGoBothWays) {
     EXPECT_EQ(ui.form.Width(), 7003);
     EXPECT_EQ(ui.form.Height(), 6107);
     EXPECT_EQ(reported.size(), 2u);
-    EXPECT_EQ(FormBounds(ui).right - FormBounds(ui).left, pixels(7003));
+    EXPECT_EQ(Bounds(WindowOf(ui.form)).right - Bounds(WindowOf(ui.form)).left, pixels(7003));
     MINMAXINFO limits{};
     SendMessageW(form, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
     EXPECT_EQ(limits.ptMinTrackSize.x, pixels(7000));
@@ -111,17 +105,17 @@ TEST_F(FormWindow, OpensAtItsRememberedPlaceOrWhollyOnTheScreen) {
   Run({[&] {
     EXPECT_TRUE(IsZoomed(WindowOf(ui.form)));
     ShowWindow(WindowOf(ui.form), SW_RESTORE);
-    EXPECT_EQ(FormBounds(ui).left, Context().ToPixels(1500));
-    EXPECT_EQ(FormBounds(ui).top, Context().ToPixels(750));
-    EXPECT_EQ(FormBounds(ui).right, Context().ToPixels(1500 + 9000));
+    EXPECT_EQ(Bounds(WindowOf(ui.form)).left, Context().ToPixels(1500));
+    EXPECT_EQ(Bounds(WindowOf(ui.form)).top, Context().ToPixels(750));
+    EXPECT_EQ(Bounds(WindowOf(ui.form)).right, Context().ToPixels(1500 + 9000));
   }});
   SampleForm outside;
   outside.form.placement = {true, 190000, -90000};
   Run(outside.form, {[&] {
         RECT work{};
         SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
-        EXPECT_LE(FormBounds(outside).right, work.right);
-        EXPECT_GE(FormBounds(outside).top, work.top);
+        EXPECT_LE(Bounds(WindowOf(outside.form)).right, work.right);
+        EXPECT_GE(Bounds(WindowOf(outside.form)).top, work.top);
       }});
 }
 
@@ -133,7 +127,7 @@ TEST_F(FormWindow, TheNamesOfWindowsGoWithThem) {
     ui.progress.SetValue(50);
   }});
   for (const wchar_t* const name : {L"frmSample", L"sampleCmd(0)", L"samplePanel(0)"}) {
-    EXPECT_EQ(GlobalFindAtomW(name), 0) << Narrow(name);
+    EXPECT_EQ(GlobalFindAtomW(name), 0) << FromWide(name);
   }
 }
 
@@ -143,8 +137,8 @@ TEST_F(FormWindow, ScreenReadersAndThePointerGetTheirTexts) {
   ui.mask.SetText("*.doc");
   ui.apply.SetToolTipText("Before");
   Run({[&] {
-    EXPECT_EQ(WindowText(WindowOf(ui.tabs)), "Ways to choose");
-    EXPECT_EQ(WindowText(WindowOf(ui.mask)), "*.doc");  // its text is its contents
+    EXPECT_EQ(ShownBy(ui.tabs), "Ways to choose");
+    EXPECT_EQ(ShownBy(ui.mask), "*.doc");  // its text is its contents
     ui.apply.SetToolTipText("After");
     HWND tips = nullptr;
     do {
@@ -156,7 +150,7 @@ TEST_F(FormWindow, ScreenReadersAndThePointerGetTheirTexts) {
     tool.uId = reinterpret_cast<UINT_PTR>(WindowOf(ui.apply));
     tool.lpszText = text.data();
     SendMessageW(tips, TTM_GETTEXTW, text.size(), reinterpret_cast<LPARAM>(&tool));
-    EXPECT_EQ(Narrow(text.data()), "After");
+    EXPECT_EQ(FromWide(text.data()), "After");
     EXPECT_EQ(SendMessageW(tips, TTM_GETTOOLCOUNT, 0, 0), 1);
     ui.apply.SetToolTipText("");
     EXPECT_EQ(SendMessageW(tips, TTM_GETTOOLCOUNT, 0, 0), 0);
@@ -166,7 +160,7 @@ TEST_F(FormWindow, ScreenReadersAndThePointerGetTheirTexts) {
 TEST_F(FormWindow, WindowsShowWhatTheControlsSayAndTellWhatTheUserDoes) {
   ui.drive.SetDrives({"d:", "e:"});
   Run({[&] {
-    ui.apply.SetCaption("Gr\xC3\xBC\xC3\x9F");
+    ui.apply.SetCaption("Gr\u00FC\u00DF");
     ui.apply.SetEnabled(false);
     ui.box.SetValue(1);
     ui.one.SetValue(true);
@@ -181,19 +175,19 @@ TEST_F(FormWindow, WindowsShowWhatTheControlsSayAndTellWhatTheUserDoes) {
     ui.tabs.SetSelectedIndex(2);
     ui.form.SetCaption("Other");
     Wait();
-    EXPECT_EQ(WindowText(WindowOf(ui.apply)), "Gr\xC3\xBC\xC3\x9F");
+    EXPECT_EQ(ShownBy(ui.apply), "Gr\u00FC\u00DF");
     EXPECT_FALSE(IsWindowEnabled(WindowOf(ui.apply)));
     EXPECT_EQ(Ask(ui.box, BM_GETCHECK), BST_CHECKED);
     EXPECT_EQ(Ask(ui.one, BM_GETCHECK), BST_CHECKED);
     EXPECT_EQ(Ask(ui.all, BM_GETCHECK), BST_UNCHECKED);
     EXPECT_EQ(Ask(ui.mask, CB_GETCOUNT), 2);
-    EXPECT_EQ(WindowText(WindowOf(ui.mask)), "a*");
-    EXPECT_EQ(WindowText(WindowOf(ui.text)), "VOLUME");
+    EXPECT_EQ(ShownBy(ui.mask), "a*");
+    EXPECT_EQ(ShownBy(ui.text), "VOLUME");
     EXPECT_EQ(Ask(ui.drive, CB_GETCURSEL), 1);
     EXPECT_EQ(Ask(ui.progress, PBM_GETPOS), 2500);
     EXPECT_FALSE(IsWindowVisible(WindowOf(ui.frame)));
     EXPECT_EQ(Ask(ui.tabs, TCM_GETCURSEL), 1);
-    EXPECT_EQ(WindowText(WindowOf(ui.form)), "Other");
+    EXPECT_EQ(ShownBy(ui.form), "Other");
 
     Ask(ui.box, BM_CLICK);
     EXPECT_EQ(ui.box.Value(), 0);
@@ -217,8 +211,7 @@ TEST_F(FormWindow, WindowsShowWhatTheControlsSayAndTellWhatTheUserDoes) {
     controls::Control* const sources[] = {&ui.form, &ui.shared, &ui.label};
     for (controls::Control* const source : sources) Ask(*source, WM_MOUSEMOVE, 0, MAKELPARAM(3, 3));
     EXPECT_EQ(seen, "form button label ");
-    RECT bounds{};
-    GetWindowRect(WindowOf(ui.picBottom), &bounds);
+    const RECT bounds = Bounds(WindowOf(ui.picBottom));
     SetCursorPos(bounds.left + 20, bounds.top + 20);
     Wait();
     ui.form.SetMousePointer(controls::MousePointer::kHourglass);

@@ -1,282 +1,221 @@
 #include "platform/win32/list/list_window.h"
 
 #include <algorithm>
-#include <string>
 #include <vector>
 
 #include "controls/list_menu.h"
 #include "controls/list_rows.h"
-#include "platform/win32/wide_text.h"
+#include "host/driver/list_driver.h"
 #include "tests/win32/control_host.h"
 
-namespace kxrestore::win32 {
+namespace kxrestore::win32::test {
 namespace {
 
 using controls::AutoSelect;
 using controls::ListColumn;
 
+AutoSelect::Entry Entry(std::string_view name, std::int64_t size = 1) {
+  AutoSelect::Entry entry;
+  entry.name = entry.storedName = name;
+  entry.size = size;
+  return entry;
+}
+
 class ListWindowTest : public ControlHost {
  protected:
-  HWND Show(AutoSelect& list) {
-    Place(list);
-    list.AttachPeer(MakeListWindow(context, list, Host()));
-    window = HandleOf(list);
-    ::SetFocus(window);
-    Pump();
-    return window;
+  void Show(std::initializer_list<AutoSelect::Entry> entries, AutoSelect* shown = nullptr) {
+    AutoSelect& rows = shown ? *shown : list;
+    ControlHost::Show(rows, MakeListWindow);
+    for (const AutoSelect::Entry& entry : entries) rows.Add(entry);
+    WaitForRows(static_cast<int>(entries.size()));
   }
-
+  void WaitForRows(int count) {
+    EXPECT_TRUE(PumpUntil([&] { return Rows().Count() == count; }));
+  }
+  driver::ListDriver Rows() const { return {window, std::chrono::seconds(5)}; }
   LRESULT Ask(UINT message, WPARAM wide = 0, LPARAM extra = 0) const {
     return SendMessageW(window, message, wide, extra);
   }
-  std::wstring Text(int row, int column) const {
-    wchar_t text[80] = L"";
-    LVITEMW item{};
-    item.iSubItem = column;
-    item.pszText = text;
-    item.cchTextMax = 80;
-    Ask(LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-    return text;
-  }
-  int Box(int row) const {
-    return static_cast<int>(Ask(LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK)) >> 12;
+  std::string Text(int row, int column = kName) const { return Rows().Text(row, column); }
+  // The names from the first row on, each with its tick, "a+ b- ".
+  std::string Names() const {
+    std::string names;
+    for (int row = 0; row < Rows().Count(); ++row) names += Text(row) + (Rows().Ticked(row) ? "+ " : "- ");
+    return names;
   }
   void Select(int row) const {
     LVITEMW item{};
     // The focus is on one row only.
     item.state = item.stateMask = LVIS_SELECTED | (row < 0 ? 0U : LVIS_FOCUSED);
     Ask(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    const_cast<ListWindowTest*>(this)->Pump();
+  }
+  bool Selected(int row) const {
+    return Ask(LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_SELECTED) == LVIS_SELECTED;
   }
   void SortBy(int column) {
     NMLISTVIEW click{};
     click.hdr = {window, 0, static_cast<UINT>(LVN_COLUMNCLICK)};
     click.iItem = -1;
     click.iSubItem = column;
-    SendMessageW(Host(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&click));
+    driver::Ask(host, WM_NOTIFY, 0, &click);
     Pump();
   }
-
-  bool Selected(int row) const {
-    return Ask(LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_SELECTED) == LVIS_SELECTED;
-  }
+  HWND Heading() const { return reinterpret_cast<HWND>(Ask(LVM_GETHEADER)); }
   int Width(int column) const {
     return static_cast<int>(Ask(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column)));
   }
-  void WithControl(WPARAM key) {
-    BYTE keys[256]{};
-    GetKeyboardState(keys);
-    keys[VK_CONTROL] = 0x80;
-    SetKeyboardState(keys);
-    SendMessageW(window, WM_KEYDOWN, key, 1);
-    keys[VK_CONTROL] = 0;
-    SetKeyboardState(keys);
+  void Drag(int column, int width) {
+    HDITEMW dragged{HDI_WIDTH};
+    dragged.cxy = width;
+    driver::Ask(Heading(), HDM_SETITEMW, static_cast<WPARAM>(column), &dragged);
     Pump();
   }
-  static std::wstring Clipboard() {
-    std::wstring text;
-    if (!OpenClipboard(nullptr)) return text;
-    if (const HANDLE memory = GetClipboardData(CF_UNICODETEXT)) {
-      if (const auto* held = static_cast<const wchar_t*>(GlobalLock(memory))) text = held;
-      GlobalUnlock(memory);
-    }
-    CloseClipboard();
-    return text;
+  void WithControl(WPARAM key) {
+    HoldControl(true);
+    Ask(WM_KEYDOWN, key, 1);
+    HoldControl(false);
+    Pump();
   }
-
-  static AutoSelect::Entry Entry(std::string_view name, std::int64_t size) {
-    AutoSelect::Entry entry;
-    entry.name = entry.storedName = name;
-    entry.size = size;
-    return entry;
-  }
-
-  static std::wstring Caption(HWND of) {
-    wchar_t text[200] = L"";
-    GetWindowTextW(of, text, 200);
-    return text;
-  }
-  static std::wstring ClassOf(HWND of) {
-    wchar_t text[40] = L"";
-    GetClassNameW(of, text, 40);
-    return text;
-  }
-  static int Top(HWND of) {
-    RECT bounds{};
-    GetWindowRect(of, &bounds);
-    return bounds.top;
+  // From the menu of the selected rows, by its letter.
+  void Choose(wchar_t key) {
+    PostMessageW(window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(window), -1);
+    PostMessageW(window, WM_CHAR, key, 1);
+    Pump();
   }
 
   enum Column { kName, kFolder, kSize, kDate, kVersion, kBackup, kSet, kExtension };
 
-  HWND window = nullptr;
+  AutoSelect list{"asSearch", &form, AutoSelect::Style::kFiles};
 };
 
 TEST_F(ListWindowTest, RowsTicksAndOrderFollowTheModel) {
-  AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
-  Show(list);
-  list.Add(Entry("beta", 5));
-  list.Add(Entry("Alpha", 1'234'567), true);
-  list.Add(Entry("alpha", 30));
-  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 3; });
-  EXPECT_NE(Text(1, kSize), L"1234567");
-  const auto rows = [&] {  // with the tick of the first one
-    return Text(0, 0) + L' ' + Text(1, 0) + L' ' + Text(2, 0) + (Box(0) == 2 ? L" +" : L" -");
-  };
-  EXPECT_EQ(rows(), L"beta Alpha alpha -");
-  SortBy(0);
-  EXPECT_EQ(rows(), L"Alpha alpha beta +");
-  SortBy(0);
-  EXPECT_EQ(rows().substr(0, 4), L"beta");
+  Show({Entry("beta", 5), Entry("Alpha", 1'234'567), Entry("alpha", 30)});
+  list.SetTicked(2, true);
+  Pump();
+  EXPECT_EQ(Names(), "beta- Alpha+ alpha- ");
+  EXPECT_NE(Text(1, kSize), "1234567");
+  SortBy(kName);
+  EXPECT_EQ(Names(), "Alpha+ alpha- beta- ");
+  SortBy(kName);
+  EXPECT_TRUE(Names().starts_with("beta"));
   SortBy(kSize);
-  EXPECT_EQ(rows(), L"beta alpha Alpha -");
+  EXPECT_EQ(Names(), "beta- alpha- Alpha+ ");
 
   // A tick by the pointer and by the key reaches the entry, whatever its row; entry numbers stay.
   std::vector<std::size_t> changed;
   list.TickChange = [&](std::size_t number) { changed.push_back(number); };
   RECT row{LVIR_LABEL, 0, 0, 0};
-  Ask(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row));
+  driver::Ask(window, LVM_GETITEMRECT, 0, &row);
   LVHITTESTINFO hit{};
   hit.pt.y = (row.top + row.bottom) / 2;
   for (; hit.pt.x < 100; ++hit.pt.x) {
-    Ask(LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+    driver::Ask(window, LVM_HITTEST, 0, &hit);
     if ((hit.flags & LVHT_ONITEM) == LVHT_ONITEMSTATEICON) break;
   }
-  Press(window, {hit.pt.x + 3, hit.pt.y});
+  Press({hit.pt.x + 3, hit.pt.y});
   EXPECT_EQ(changed, std::vector<std::size_t>{1});
   EXPECT_TRUE(list.TickedAt(1));
   Select(0);
   Select(-1);
-  Key(window, VK_SPACE);
+  Key(VK_SPACE);
   EXPECT_EQ(changed.size(), 4u);
 
   list.Clear();
-  list.Add(Entry("alone", 1));
-  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 1; });
-  EXPECT_EQ(Text(0, 0), L"alone");
-  list.AttachPeer(nullptr);
+  list.Add(Entry("alone"));
+  WaitForRows(1);
+  EXPECT_EQ(Names(), "alone- ");
 }
 
 TEST_F(ListWindowTest, SelectedEntriesAreCopiedTickedAndFollowedThroughASort) {
-  AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
-  Show(list);
-  for (const char* name : {"d", "\xC3\xB6", "b", "a"}) list.Add(Entry(name, 1));
-  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 4; });
+  Show({Entry("d"), Entry("\xC3\xB6"), Entry("b"), Entry("a")});
   Select(2);
   Select(3);
-  SortBy(0);  // a, b, d, \u00F6
+  SortBy(kName);  // a, b, d, \u00F6
   EXPECT_TRUE(Selected(0) && Selected(1) && !Selected(2) && !Selected(3));
   EXPECT_EQ(Ask(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED), 0);
   WithControl('C');
-  EXPECT_EQ(Clipboard(), L"a\r\nb\r\n");
+  EXPECT_EQ(Clipboard(), "a\r\nb\r\n");
 
-  // The menu's keys: tick, then untick, what is selected.
   list.FillMenu = [&](controls::Menu& menu) { controls::AddTickItems(menu, list); };
-  const auto choose = [&](wchar_t key) {
-    PostMessageW(window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(window), -1);
-    PostMessageW(window, WM_CHAR, key, 1);
-    Pump();
-  };
-  choose(L't');
-  EXPECT_EQ(Box(0) * 10 + Box(1), 22);
-  EXPECT_EQ(Box(2), 1);
-  choose(L'u');
-  EXPECT_EQ(Box(0) * 10 + Box(1), 11);
-
+  Choose(L't');
+  EXPECT_EQ(Names(), "a+ b+ d- \xC3\xB6- ");
+  Choose(L'u');
+  EXPECT_EQ(Names(), "a- b- d- \xC3\xB6- ");
   WithControl('A');
   EXPECT_EQ(Ask(LVM_GETSELECTEDCOUNT), 4);
-  choose(L'c');
-  EXPECT_EQ(Clipboard(), L"a\r\nb\r\nd\r\n\u00F6\r\n");
-  SortBy(0);
+  Choose(L'c');
+  EXPECT_EQ(Clipboard(), "a\r\nb\r\nd\r\n\xC3\xB6\r\n");
+  SortBy(kName);
   EXPECT_EQ(Ask(LVM_GETSELECTEDCOUNT), 4);
 
   // Typing goes to the next name that begins so, whatever its case.
-  SetFocus(window);
   LVFINDINFOW wanted{LVFI_STRING | LVFI_PARTIAL, L"\u00D6"};
-  EXPECT_EQ(Ask(LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&wanted)), 0);
-  list.AttachPeer(nullptr);
+  EXPECT_EQ(driver::Ask(window, LVM_FINDITEMW, static_cast<WPARAM>(-1), &wanted), 0);
 }
 
 TEST_F(ListWindowTest, WhatCannotBeSeenIsDrawnAsAStandInAndCopiedAsItIs) {
-  AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
-  Show(list);
-  AutoSelect::Entry entry = Entry("invoice\u202Efdp.exe\xED\xA0\x80", 1);
+  AutoSelect::Entry entry = Entry("invoice\u202Efdp.exe\xED\xA0\x80");
   entry.setName = "Set\n1";
-  list.Add(entry);
-  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 1; });
-  EXPECT_EQ(Text(0, 0), L"invoice[U+202E]fdp.exe[U+D800]");
-  EXPECT_EQ(Text(0, kSet), L"Set\u240A1");
+  Show({entry});
+  EXPECT_EQ(Text(0), "invoice[U+202E]fdp.exe[U+D800]");
+  EXPECT_EQ(Text(0, kSet), "Set\u240A1");
   Select(0);
   WithControl('C');
-  EXPECT_EQ(Clipboard(), L"invoice\u202Efdp.exe\xD800\r\n");
-  list.AttachPeer(nullptr);
+  EXPECT_EQ(Clipboard(), FromWide(L"invoice\u202Efdp.exe\xD800\r\n"));
 }
 
 TEST_F(ListWindowTest, ColumnsKeepTheWidthsTheyWereGiven) {
-  AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
-  Show(list);
+  Show({});
   const int folder = Width(kFolder), size = Width(kSize);
   list.Move(0, 0, 18'000, 7'500);
   Pump();
   EXPECT_GT(Width(kFolder), folder) << "the folders take what there is";
   EXPECT_EQ(Width(kSize), size);
-  const auto header = reinterpret_cast<HWND>(Ask(LVM_GETHEADER));
-  HDITEMW dragged{HDI_WIDTH};
-  dragged.cxy = 33;
-  SendMessageW(header, HDM_SETITEMW, 0, reinterpret_cast<LPARAM>(&dragged));
+  Drag(kName, 33);
   list.Move(0, 0, 9'000, 7'500);
   Pump();
-  EXPECT_NEAR(Width(0), 33, 1);
+  EXPECT_NEAR(Width(kName), 33, 1);
   EXPECT_EQ(Width(kSize), size);
 
   // The model knows the arrangement, and another window of the same list takes it over.
-  int order[8] = {kSize, 0, 1, 3, 4, 5, 6, 7};
-  Ask(LVM_SETCOLUMNORDERARRAY, 8, reinterpret_cast<LPARAM>(order));
-  dragged.cxy = 44;
-  SendMessageW(header, HDM_SETITEMW, kSize, reinterpret_cast<LPARAM>(&dragged));
-  Pump();
+  int order[8] = {kSize, 0, 1, 3, 4, 5, 6, 7}, shown[8] = {};
+  driver::Ask(window, LVM_SETCOLUMNORDERARRAY, 8, order);
+  Drag(kSize, 44);
   list.SortBy(ListColumn::kSet, true);
   EXPECT_EQ(list.Look().columns.front().column, ListColumn::kSize);
-  list.AttachPeer(nullptr);
-  Show(list);
+  Show({});
   EXPECT_NEAR(Width(kSize), 44, 1);
-  EXPECT_NEAR(Width(0), 33, 1);
-  int shown[8] = {};
-  Ask(LVM_GETCOLUMNORDERARRAY, 8, reinterpret_cast<LPARAM>(shown));
+  EXPECT_NEAR(Width(kName), 33, 1);
+  driver::Ask(window, LVM_GETCOLUMNORDERARRAY, 8, shown);
   EXPECT_TRUE(std::equal(order, order + 8, shown));
   HDITEMW arrow{HDI_FORMAT};
-  SendMessageW(reinterpret_cast<HWND>(Ask(LVM_GETHEADER)), HDM_GETITEMW, kSet,
-               reinterpret_cast<LPARAM>(&arrow));
+  driver::Ask(Heading(), HDM_GETITEMW, kSet, &arrow);
   EXPECT_NE(arrow.fmt & HDF_SORTDOWN, 0);
-  list.AttachPeer(nullptr);
 }
 
 TEST_F(ListWindowTest, AFooterSaysWhatIsPendingAndSelected) {
-  AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
   list.DescribeFooter = [&] {
     return controls::FooterText{std::to_string(list.PendingCount()) + " pending",
                                 std::to_string(list.Shown().entries) + " shown",
                                 std::to_string(list.Selected().size) + " selected"};
   };
-  Show(list);
-  const HWND around = GetParent(window),
-             footer = FindWindowExW(around, nullptr, WC_STATICW, L"0 pending; 0 shown; 0 selected");
+  Show({Entry("a", 1), Entry("b", 2), Entry("c", 4), Entry("d", 8), Entry("e", 16)});
+  const HWND around = GetParent(window), footer = FindWindowExW(around, nullptr, WC_STATICW,
+                                                                L"0 pending; "
+                                                                L"5 shown; "
+                                                                L"0 selected");
   ASSERT_NE(footer, nullptr);
-  for (int i = 0; i < 5; ++i) list.Add(Entry(std::string(1, static_cast<char>('a' + i)), 1 << i));
-  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 5; });
   Select(0);
   Select(2);
-  Pump();
-  EXPECT_EQ(Narrow(Caption(footer)), "0 pending; 5 shown; 5 selected");
-  Key(window, VK_SPACE);
+  EXPECT_EQ(TextOf(footer), "0 pending; 5 shown; 5 selected");
+  Key(VK_SPACE);
   EXPECT_EQ(list.PendingCount(), 2u);
   Select(-1);
-  Key(window, VK_DELETE);
-  EXPECT_EQ(Narrow(Caption(footer)), "0 pending; 5 shown; 31 selected");
+  Key(VK_DELETE);
+  EXPECT_EQ(TextOf(footer), "0 pending; 5 shown; 31 selected");
 
-  RECT rows{}, line{};
-  GetWindowRect(window, &rows);
-  GetWindowRect(footer, &line);
-  EXPECT_EQ(rows.bottom, line.top);
+  EXPECT_EQ(Bounds(window).bottom, Bounds(footer).top);
   list.Move(0, 0, 3'000, 700);
   Pump();
   EXPECT_FALSE(IsWindowVisible(footer)) << "where there is no room for both";
@@ -288,47 +227,39 @@ TEST_F(ListWindowTest, AFooterSaysWhatIsPendingAndSelected) {
 }
 
 TEST_F(ListWindowTest, TheFilterLineNarrowsTheRowsDown) {
-  AutoSelect list("asSearch", &form, AutoSelect::Style::kFiles);
-  Show(list);
-  AutoSelect::Entry entry = Entry("C:\\Data\\Report.doc", 20 << 20);
-  entry.setId = 1;
-  entry.setName = "One";
-  list.Add(entry);
-  entry = Entry("C:\\Data\\Other.doc", 1);
-  entry.setId = 2;
-  entry.setName = "Two";
-  list.Add(entry);
-  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 2; });
-  const int top = Top(window);
+  AutoSelect::Entry report = Entry("C:\\Data\\Report.doc", 20 << 20), other = Entry("C:\\Data\\Other.doc");
+  report.setId = 1;
+  report.setName = "One";
+  other.setId = 2;
+  other.setName = "Two";
+  Show({report, other});
+  const LONG top = Bounds(window).top;
   WithControl('F');
   const HWND words = GetFocus();
-  EXPECT_EQ(ClassOf(words), L"Edit");
-  EXPECT_GT(Top(window), top);
+  EXPECT_GT(Bounds(window).top, top);
   EXPECT_EQ(ControlWindow::Enclosing(words), ControlWindow::Of(list));
   SetWindowTextW(words, L"rep");
   Pump();
-  EXPECT_EQ(Ask(LVM_GETITEMCOUNT), 1);
-  EXPECT_EQ(Text(0, 0), L"Report.doc");
+  EXPECT_EQ(Names(), "Report.doc- ");
 
   // Tab goes through the fields to the rows, Shift+Tab back.
   ControlWindow& control = *ControlWindow::Of(list);
-  std::vector<std::wstring> way;
-  while (GetFocus() != window && way.size() < 9) {
+  std::string way = ClassOf(words);
+  for (int step = 0; GetFocus() != window && step < 9; ++step) {
     EXPECT_TRUE(control.HandleKey(VK_TAB));
-    way.push_back(ClassOf(GetFocus()));
+    way += ' ' + ClassOf(GetFocus());
   }
-  EXPECT_EQ(way, (std::vector<std::wstring>{L"SysDateTimePick32", L"SysDateTimePick32", L"ComboBox",
-                                            L"ComboBox", L"Button", L"SysListView32"}));
+  EXPECT_EQ(way, "Edit SysDateTimePick32 SysDateTimePick32 ComboBox ComboBox Button SysListView32");
   EXPECT_FALSE(control.HandleKey(VK_TAB)) << "on to the next control";
   EXPECT_EQ(control.TabTarget(false), words);
 
   // Sizes and sets by choice.
   SetWindowTextW(words, L"");
   const HWND sizes = FindWindowExW(GetParent(window), nullptr, WC_COMBOBOXW, nullptr);
-  SendMessageW(sizes, CB_SETCURSEL, 3, 0);
-  SendMessageW(GetParent(window), WM_COMMAND, MAKEWPARAM(0, CBN_SELCHANGE), reinterpret_cast<LPARAM>(sizes));
+  driver::Ask(sizes, CB_SETCURSEL, 3);
+  driver::Ask(GetParent(window), WM_COMMAND, MAKEWPARAM(0, CBN_SELCHANGE), sizes);
   Pump();
-  EXPECT_EQ(Text(0, 0) + L" " + std::to_wstring(Ask(LVM_GETITEMCOUNT)), L"Report.doc 1");
+  EXPECT_EQ(Names(), "Report.doc- ");
   ::SetFocus(words);
   EXPECT_TRUE(control.HandleKey(VK_RETURN));
   EXPECT_EQ(GetFocus(), window);
@@ -337,48 +268,39 @@ TEST_F(ListWindowTest, TheFilterLineNarrowsTheRowsDown) {
   EXPECT_TRUE(control.HandleKey(VK_ESCAPE));
   Pump();
   EXPECT_EQ(GetFocus(), window);
-  EXPECT_EQ(Ask(LVM_GETITEMCOUNT), 2) << "and the filter is open again";
-  EXPECT_EQ(Top(window), top);
+  EXPECT_EQ(Rows().Count(), 2) << "and the filter is open again";
+  EXPECT_EQ(Bounds(window).top, top);
   EXPECT_FALSE(control.HandleKey(VK_ESCAPE));
-  list.AttachPeer(nullptr);
 }
 
 TEST_F(ListWindowTest, GroupsOfTypesStayOnTop) {
-  AutoSelect list("asFiles", &form, AutoSelect::Style::kTypes);
-  Show(list);
+  AutoSelect types("asFiles", &form, AutoSelect::Style::kTypes);
   AutoSelect::Entry group = Entry("Music", 9);
   group.isGroup = true;
-  list.Add(group);
-  for (const char* name : {".wav", ".mp3"}) list.Add(Entry(name, 1));
-  PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 3; });
-  for (const wchar_t* second : {L".mp3", L".wav"}) {
-    SortBy(0);
-    EXPECT_EQ(Text(0, 0), L"Music");
-    EXPECT_EQ(Text(1, 0), second);
+  Show({group, Entry(".wav"), Entry(".mp3")}, &types);
+  for (const char* names : {"Music- .mp3- .wav- ", "Music- .wav- .mp3- "}) {
+    SortBy(kName);
+    EXPECT_EQ(Names(), names);
   }
-  list.AttachPeer(nullptr);
 }
 
 TEST_F(ListWindowTest, AMillionEntries) {
-  AutoSelect list("asRestoreList", &form, AutoSelect::Style::kFiles);
-  Show(list);
-  const double add = Measure([&] {
-    for (int number = 0; number < 1'000'000; ++number) {
-      list.Add(Entry("C:\\Data\\Reports\\folder " + std::to_string(number % 977) + "\\File " +
-                         std::to_string(number) + ".doc",
-                     number % 5'000));
-    }
-    PumpUntil([&] { return Ask(LVM_GETITEMCOUNT) == 1'000'000; });
-  });
-  EXPECT_LT(add, 4'000);
-  EXPECT_LT(Measure([&] { SortBy(0); }), 12'000);
-  EXPECT_EQ(Text(0, kFolder) + Text(0, 0), L"C:\\Data\\Reports\\folder 0\\File 0.doc");
+  Show({});
+  EXPECT_LT(Measure([&] {
+              for (int number = 0; number < 1'000'000; ++number) {
+                const std::string place = "C:\\Data\\Reports\\folder " + std::to_string(number % 977);
+                list.Add(Entry(place + "\\File " + std::to_string(number) + ".doc", number % 5'000));
+              }
+              WaitForRows(1'000'000);
+            }),
+            4'000);
+  EXPECT_LT(Measure([&] { SortBy(kName); }), 12'000);
+  EXPECT_EQ(Text(0, kFolder) + Text(0), "C:\\Data\\Reports\\folder 0\\File 0.doc");
   EXPECT_LT(Measure([&] { SortBy(kSize); }), 6'000);
-  EXPECT_EQ(Text(999'999, kFolder) + Text(999'999, 0), L"C:\\Data\\Reports\\folder 528\\File 999999.doc");
+  EXPECT_EQ(Text(999'999, kFolder) + Text(999'999), "C:\\Data\\Reports\\folder 528\\File 999999.doc");
   list.TickAll(true);
-  EXPECT_EQ(Box(777'777), 2);
-  list.AttachPeer(nullptr);
+  EXPECT_TRUE(Rows().Ticked(777'777));
 }
 
 }  // namespace
-}  // namespace kxrestore::win32
+}  // namespace kxrestore::win32::test

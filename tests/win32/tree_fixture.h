@@ -2,13 +2,13 @@
 #pragma once
 
 #include <cstring>
-#include <string>
 #include <vector>
 
+#include "host/driver/tree_driver.h"
 #include "platform/win32/tree/tree_window.h"
 #include "tests/win32/control_host.h"
 
-namespace kxrestore::win32 {
+namespace kxrestore::win32::test {
 
 using controls::Node;
 using controls::RedrawFreeze;
@@ -17,12 +17,8 @@ using controls::TreeView;
 class TreeWindowTest : public ControlHost {
  protected:
   TreeWindowTest() {
-    Place(tree);
     tree.SetImages(&images);
-    tree.AttachPeer(MakeTreeWindow(context, tree, Host()));
-    window = HandleOf(tree);
-    ::SetFocus(window);
-    Pump();
+    Show(tree, MakeTreeWindow);
     tree.NodeClick = [this](Node node) { clicked.push_back(node.Index()); };
     tree.NodeCheck = [this](Node node) { checked.push_back(node.Index()); };
   }
@@ -49,14 +45,11 @@ class TreeWindowTest : public ControlHost {
     }
   }
 
-  int DrawnPixels(const RECT& area) const {
-    const HDC dc = GetDC(window);
-    int drawn = 0;
-    for (int x = area.left; x < area.right; ++x) {
-      for (int y = area.top; y < area.bottom; ++y) drawn += GetRValue(GetPixel(dc, x, y)) < 0xE0 ? 1 : 0;
-    }
-    ReleaseDC(window, dc);
-    return drawn;
+  // The same, and shown with all its branches open.
+  void FillOpen(int folders, int files) {
+    Fill(folders, files);
+    ExpandAll(true);
+    Settle();
   }
 
   // What the control holds. Asking the window would make it finish what it has put off.
@@ -74,12 +67,12 @@ class TreeWindowTest : public ControlHost {
     })) << held;
   }
 
-  HTREEITEM Next(UINT relation, HTREEITEM item = nullptr) const {
-    return reinterpret_cast<HTREEITEM>(
-        SendMessageW(window, TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+  HTREEITEM Next(WPARAM relation, HTREEITEM item = nullptr) const {
+    return reinterpret_cast<HTREEITEM>(Ask(window, TVM_GETNEXTITEM, relation, item));
   }
-  void Select(HTREEITEM item) const {
-    SendMessageW(window, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(item));
+  void Select(HTREEITEM item) {
+    Ask(window, TVM_SELECTITEM, TVGN_CARET, item);
+    Pump();
   }
   HTREEITEM Root() const { return Next(TVGN_ROOT); }
   HTREEITEM Below(HTREEITEM parent, int position) const {
@@ -88,37 +81,34 @@ class TreeWindowTest : public ControlHost {
     return item;
   }
   std::uint32_t NodeOf(HTREEITEM item) const {
-    TVITEMW query{TVIF_PARAM | TVIF_HANDLE};
-    query.hItem = item;
-    SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&query));
+    TVITEMW query{TVIF_PARAM | TVIF_HANDLE, item};
+    Ask(window, TVM_GETITEMW, 0, &query);
     return static_cast<std::uint32_t>(query.lParam);
   }
-  std::wstring TextOf(HTREEITEM item) const {
-    wchar_t text[MAX_PATH] = L"";
-    TVITEMW query{TVIF_TEXT | TVIF_HANDLE};
-    query.hItem = item;
-    query.pszText = text;
-    query.cchTextMax = MAX_PATH;
-    SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&query));
-    return query.pszText;
+  std::string LabelOf(HTREEITEM item) const {
+    return driver::TreeDriver(window, std::chrono::seconds(1)).Text(item);
   }
   UINT State(HTREEITEM item, UINT mask) const {
-    return static_cast<UINT>(SendMessageW(window, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), mask));
+    return static_cast<UINT>(
+        SendMessageW(window, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), static_cast<LPARAM>(mask)));
   }
   int Box(HTREEITEM item) const { return static_cast<int>(State(item, TVIS_STATEIMAGEMASK) >> 12); }
 
   POINT PointOn(HTREEITEM item, UINT part) const {
     RECT row;
     std::memcpy(&row, &item, sizeof item);
-    SendMessageW(window, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&row));
+    Ask(window, TVM_GETITEMRECT, TRUE, &row);
     TVHITTESTINFO hit{};
     hit.pt.y = (row.top + row.bottom) / 2;
     for (; hit.pt.x < row.right; ++hit.pt.x) {
-      SendMessageW(window, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+      Ask(window, TVM_HITTEST, 0, &hit);
       if (hit.flags == part) return {hit.pt.x + 2, hit.pt.y};
     }
     ADD_FAILURE() << "the item has no such part";
     return {};
+  }
+  void PressOn(HTREEITEM item, UINT part, UINT message = WM_LBUTTONDOWN) {
+    Press(PointOn(item, part), message);
   }
 
   // Compares what is below an item with the model, as far as nodes are expanded.
@@ -134,8 +124,7 @@ class TreeWindowTest : public ControlHost {
 
   controls::ImageList images{{"cfolder", "ofolder", "file", "drive"}};
   TreeView tree{"tvwDetails", &form, true};
-  HWND window = nullptr;
   std::vector<std::uint32_t> clicked, checked;
 };
 
-}  // namespace kxrestore::win32
+}  // namespace kxrestore::win32::test

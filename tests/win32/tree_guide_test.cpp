@@ -1,72 +1,59 @@
 // What a tree's window shows and offers beside its nodes: the third state, badges, tips, hints, menus, order.
+#include "controls/check_propagation.h"
 #include "tests/win32/tree_fixture.h"
 
-#include "controls/check_propagation.h"
-#include "platform/win32/wide_text.h"
-
-namespace kxrestore::win32 {
+namespace kxrestore::win32::test {
 namespace {
 
 TEST_F(TreeWindowTest, WhatIsTickedInPartLooksAndAnswersSo) {
-  Fill(2, 2);
-  ExpandAll(true);
-  Settle();
-  const HTREEITEM folder = Below(Root(), 1);
-  const HTREEITEM file = Below(folder, 0);
-  const auto box = [&] {
+  FillOpen(2, 2);
+  const HTREEITEM folder = Below(Root(), 1), file = Below(folder, 0);
+  // The box as it is drawn, and its state.
+  const auto look = [&] {
+    UpdateWindow(window);
     const POINT point = PointOn(folder, TVHT_ONITEMSTATEICON);
     std::vector<COLORREF> pixels;
     const HDC dc = GetDC(window);
-    for (int x = 0; x < 14; ++x) {
-      for (int y = -7; y < 7; ++y) pixels.push_back(GetPixel(dc, point.x + x, point.y + y));
-    }
+    for (int i = 0; i < 14 * 14; ++i) pixels.push_back(GetPixel(dc, point.x + i / 14, point.y + i % 14 - 7));
     ReleaseDC(window, dc);
-    return pixels;
+    return std::pair(pixels, Box(folder));
   };
-  const auto clear = box();
   tree.NodeCheck = [](Node node) {
     controls::CheckParents(node);
     controls::CheckChildren(node);
     controls::ShowMixed(node);
   };
-  const auto tick = [&](HTREEITEM item) {
-    Press(window, PointOn(item, TVHT_ONITEMSTATEICON));
-    UpdateWindow(window);
-  };
-  tick(file);
-  const auto mixed = box();
-  EXPECT_EQ(Box(folder), 3);
+  const auto clear = look();
+  PressOn(file, TVHT_ONITEMSTATEICON);
+  const auto mixed = look();
+  EXPECT_EQ(mixed.second, 3);
   EXPECT_EQ(Box(Root()), 3);
   EXPECT_EQ(Box(file), 2);
-  tick(Below(folder, 1));
-  EXPECT_EQ(Box(folder), 2);
-  const auto ticked = box();
-  EXPECT_NE(clear, mixed);
-  EXPECT_NE(mixed, ticked);
-  EXPECT_NE(clear, ticked);
+  PressOn(Below(folder, 1), TVHT_ONITEMSTATEICON);
+  const auto ticked = look();
+  EXPECT_EQ(ticked.second, 2);
+  EXPECT_NE(clear.first, mixed.first);
+  EXPECT_NE(mixed.first, ticked.first);
+  EXPECT_NE(clear.first, ticked.first);
 }
 
 TEST_F(TreeWindowTest, ADoubleClickTicksAFileAndOpensAFolder) {
-  Fill(1, 1);
-  ExpandAll(true);
-  Settle();
+  FillOpen(1, 1);
   const HTREEITEM folder = Below(Root(), 1);
-  Press(window, PointOn(Below(folder, 0), TVHT_ONITEMLABEL), WM_LBUTTONDBLCLK);
+  PressOn(Below(folder, 0), TVHT_ONITEMLABEL, WM_LBUTTONDBLCLK);
   EXPECT_EQ(checked, (std::vector<std::uint32_t>{NodeOf(Below(folder, 0))}));
-  Press(window, PointOn(folder, TVHT_ONITEMLABEL), WM_LBUTTONDBLCLK);
+  PressOn(folder, TVHT_ONITEMLABEL, WM_LBUTTONDBLCLK);
   EXPECT_FALSE(tree.Item(NodeOf(folder)).Expanded());
   EXPECT_EQ(checked.size(), 1U);
 }
 
 TEST_F(TreeWindowTest, FoldersComeFirstAndNamesAsPeopleCount) {
   tree.SetSortKey(AppendSortKey);
-  Fill(12, 11);
-  ExpandAll(true);
-  Settle();
-  EXPECT_EQ(TextOf(Below(Root(), 2)), L"folder 2");
-  EXPECT_EQ(TextOf(Below(Root(), 11)), L"folder 11");
-  EXPECT_EQ(TextOf(Below(Root(), 12)), L"before");
-  EXPECT_EQ(TextOf(Below(Below(Root(), 0), 2)), L"file 2.doc");
+  FillOpen(12, 11);
+  EXPECT_EQ(LabelOf(Below(Root(), 2)), "folder 2");
+  EXPECT_EQ(LabelOf(Below(Root(), 11)), "folder 11");
+  EXPECT_EQ(LabelOf(Below(Root(), 12)), "before");
+  EXPECT_EQ(LabelOf(Below(Below(Root(), 0), 2)), "file 2.doc");
   ExpectSameBelow(nullptr, tree.FirstRoot());
 }
 
@@ -92,9 +79,7 @@ TEST_F(TreeWindowTest, AnEmptyTreeSaysWhatToDo) {
 }
 
 TEST_F(TreeWindowTest, BadgesAreDrawnWhereTheTreeHasThem) {
-  Fill(1, 1);
-  ExpandAll(true);
-  Settle();
+  FillOpen(1, 1);
   const HTREEITEM file = Below(Below(Root(), 1), 0);
   const POINT label = PointOn(file, TVHT_ONITEMLABEL);
   const RECT icon{label.x - 22, label.y - 10, label.x - 2, label.y + 10};
@@ -111,23 +96,15 @@ TEST_F(TreeWindowTest, BadgesAreDrawnWhereTheTreeHasThem) {
 
 HWND ShownTip() {
   HWND tip = nullptr;
-  struct Finder {
-    static BOOL CALLBACK Find(HWND candidate, LPARAM found) {
-      wchar_t name[32] = L"";
-      GetClassNameW(candidate, name, 32);
-      if (!IsWindowVisible(candidate) || std::wstring(name) != TOOLTIPS_CLASSW) return TRUE;
-      *reinterpret_cast<HWND*>(found) = candidate;
-      return FALSE;
-    }
-  };
-  EnumThreadWindows(GetCurrentThreadId(), Finder::Find, reinterpret_cast<LPARAM>(&tip));
+  do {
+    tip = FindWindowExW(nullptr, tip, TOOLTIPS_CLASSW, nullptr);
+  } while (tip != nullptr &&
+           (!IsWindowVisible(tip) || GetWindowThreadProcessId(tip, nullptr) != GetCurrentThreadId()));
   return tip;
 }
 
 TEST_F(TreeWindowTest, ATipTellsOfTheNodeUnderThePointer) {
-  Fill(1, 1);
-  ExpandAll(true);
-  Settle();
+  FillOpen(1, 1);
   tree.Tip = [](Node node) { return "tip of " + std::string(node.Text()); };
   const auto rest = [&](HTREEITEM item, UINT message) {
     const POINT place = PointOn(item, TVHT_ONITEMLABEL);
@@ -139,19 +116,17 @@ TEST_F(TreeWindowTest, ATipTellsOfTheNodeUnderThePointer) {
   EXPECT_EQ(ShownTip(), nullptr);
   rest(folder, WM_MOUSEHOVER);
   ASSERT_NE(ShownTip(), nullptr);
-  EXPECT_EQ(WindowText(ShownTip()), "tip of folder 0");
+  EXPECT_EQ(TextOf(ShownTip()), "tip of folder 0");
   rest(Root(), WM_MOUSEMOVE);  // on to another node
   EXPECT_EQ(ShownTip(), nullptr);
   rest(Root(), WM_MOUSEHOVER);
-  EXPECT_EQ(WindowText(ShownTip()), "tip of C:\\");
-  Key(window, VK_DOWN);
+  EXPECT_EQ(TextOf(ShownTip()), "tip of C:\\");
+  Key(VK_DOWN);
   EXPECT_EQ(ShownTip(), nullptr);
 }
 
 TEST_F(TreeWindowTest, TheMenuIsAboutTheNodeUnderThePointerOrTheSelectedOne) {
-  Fill(1, 1);
-  ExpandAll(true);
-  Settle();
+  FillOpen(1, 1);
   std::vector<std::size_t> subjects;
   tree.FillMenu = [&](controls::Menu& menu) { subjects.push_back(menu.Subject()); };
   const HTREEITEM folder = Below(Root(), 1);
@@ -159,10 +134,9 @@ TEST_F(TreeWindowTest, TheMenuIsAboutTheNodeUnderThePointerOrTheSelectedOne) {
   ClientToScreen(window, &place);
   SendMessageW(window, WM_CONTEXTMENU, 0, MAKELPARAM(place.x, place.y));
   Select(Root());
-  Pump();
   SendMessageW(window, WM_CONTEXTMENU, 0, -1);
   EXPECT_EQ(subjects, (std::vector<std::size_t>{NodeOf(folder), NodeOf(Root())}));
 }
 
 }  // namespace
-}  // namespace kxrestore::win32
+}  // namespace kxrestore::win32::test

@@ -1,15 +1,9 @@
-#include "platform/win32/tree/tree_window.h"
-
-#include <cstring>
-#include <string>
-#include <vector>
-
 #include "controls/check_propagation.h"
 #include "platform/win32/controls/theme.h"
 #include "platform/win32/tree/tree_items.h"
 #include "tests/win32/tree_fixture.h"
 
-namespace kxrestore::win32 {
+namespace kxrestore::win32::test {
 namespace {
 
 TEST_F(TreeWindowTest, ItemsAreMadeWhenTheyCanBeSeen) {
@@ -26,7 +20,7 @@ TEST_F(TreeWindowTest, ItemsAreMadeWhenTheyCanBeSeen) {
 
   std::vector<std::uint32_t> expanded;
   tree.Expand = [&](Node node) { expanded.push_back(node.Index()); };
-  Press(window, PointOn(Root(), TVHT_ONITEMBUTTON));
+  PressOn(Root(), TVHT_ONITEMBUTTON);
   EXPECT_EQ(expanded, std::vector<std::uint32_t>{1});
   EXPECT_TRUE(tree.Item(1).Expanded());
   EXPECT_EQ(Held(), 2u);
@@ -44,12 +38,9 @@ TEST_F(TreeWindowTest, ItemsAreMadeWhenTheyCanBeSeen) {
   ExpectSameBelow(nullptr, tree.FirstRoot());
   EXPECT_EQ(Held(), 3u);
   EXPECT_NE(State(Root(), TVIS_BOLD), 0u);
-  wchar_t text[40];
-  TVITEMW query{TVIF_TEXT | TVIF_HANDLE | TVIF_CHILDREN | TVIF_IMAGE, Root()};
-  query.pszText = text;
-  query.cchTextMax = 40;
-  SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&query));
-  EXPECT_STREQ(text, L"new text");
+  EXPECT_EQ(LabelOf(Root()), "new text");
+  TVITEMW query{TVIF_HANDLE | TVIF_CHILDREN, Root()};
+  Ask(window, TVM_GETITEMW, 0, &query);
   EXPECT_EQ(query.cChildren, 1);
 
   tree.Item(1).SetExpanded(false);
@@ -63,10 +54,10 @@ TEST_F(TreeWindowTest, ItemsAreMadeWhenTheyCanBeSeen) {
 TEST_F(TreeWindowTest, WhatCannotBeSeenIsDrawnAsAStandIn) {
   Node node = tree.Add({}, {}, "invoice\u202Efdp.exe");
   Pump();
-  EXPECT_EQ(TextOf(Root()), L"invoice[U+202E]fdp.exe");
+  EXPECT_EQ(LabelOf(Root()), "invoice[U+202E]fdp.exe");
   node.SetText(std::string(300, '\x01'));
   Pump();
-  EXPECT_EQ(TextOf(Root()), std::wstring(MAX_PATH - 1, L'\u2401')) << "a tree control shows no more";
+  EXPECT_EQ(ToWide(LabelOf(Root())), std::wstring(MAX_PATH - 1, L'\u2401')) << "a tree control shows no more";
   EXPECT_EQ(node.Text(), std::string(300, '\x01'));
 }
 
@@ -76,18 +67,18 @@ TEST_F(TreeWindowTest, TheUserTicks) {
   Pump();
   const HTREEITEM before = Below(Root(), 0);
   const POINT box = PointOn(before, TVHT_ONITEMSTATEICON);
-  Press(window, box);
+  Press(box);
   EXPECT_EQ(checked, std::vector<std::uint32_t>{2});
   EXPECT_TRUE(tree.Item(2).Checked());
   EXPECT_EQ(Box(before), 2);
-  Press(window, box);
-  Press(window, box, WM_LBUTTONDBLCLK);
+  Press(box);
+  Press(box, WM_LBUTTONDBLCLK);
   EXPECT_EQ(checked.size(), 3u);
   EXPECT_TRUE(tree.Item(2).Checked());
   EXPECT_TRUE(clicked.empty());
 
   Select(before);
-  Key(window, VK_SPACE);
+  Key(VK_SPACE);
   EXPECT_EQ(Box(before), 1);
 
   // Whoever asks for or sets the state of an item, in view or not, deals with the model.
@@ -95,11 +86,11 @@ TEST_F(TreeWindowTest, TheUserTicks) {
   tree.Item(NodeOf(last)).SetChecked(true);
   EXPECT_EQ(Box(last), 2);
   TVITEMW item{TVIF_STATE | TVIF_HANDLE, last, INDEXTOSTATEIMAGEMASK(1), TVIS_STATEIMAGEMASK};
-  SendMessageW(window, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+  Ask(window, TVM_SETITEMW, 0, &item);
   Pump();
   EXPECT_FALSE(tree.Item(NodeOf(last)).Checked());
   item.state = 0;
-  SendMessageW(window, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+  Ask(window, TVM_GETITEMW, 0, &item);
   EXPECT_EQ(item.state & TVIS_STATEIMAGEMASK, UINT{INDEXTOSTATEIMAGEMASK(1)});
 
   tree.NodeCheck = [&](Node) {
@@ -107,7 +98,7 @@ TEST_F(TreeWindowTest, TheUserTicks) {
     tree.Add({}, {}, "all is new");
     Pump();
   };
-  Press(window, box);
+  Press(box);
   EXPECT_EQ(Held(), 1u);
 }
 
@@ -133,17 +124,16 @@ TEST_F(TreeWindowTest, TheUserChoosesANode) {
   Pump();
   const HTREEITEM folder = Below(Root(), 1);
   const POINT label = PointOn(folder, TVHT_ONITEMLABEL);
-  Press(window, label);
+  Press(label);
   EXPECT_EQ(clicked, std::vector<std::uint32_t>{3});
-  Press(window, label);
+  Press(label);
   EXPECT_EQ(clicked, (std::vector<std::uint32_t>{3, 3}));
-  Press(window, PointOn(folder, TVHT_ONITEMBUTTON));
+  PressOn(folder, TVHT_ONITEMBUTTON);
   EXPECT_FALSE(tree.Item(3).Expanded());
   EXPECT_EQ(clicked.size(), 2u);
-  Key(window, VK_DOWN);
+  Key(VK_DOWN);
   EXPECT_EQ(clicked.back(), 7);
   Select(Root());
-  Pump();
   EXPECT_EQ(clicked, (std::vector<std::uint32_t>{3, 3, 7, 1}));
 
   // The model chooses: nothing is reported, but what hides the node opens.
@@ -157,7 +147,7 @@ TEST_F(TreeWindowTest, TheUserChoosesANode) {
     Fill(1, 1);
     Pump();
   };
-  Press(window, PointOn(Root(), TVHT_ONITEMLABEL));
+  PressOn(Root(), TVHT_ONITEMLABEL);
   EXPECT_EQ(tree.Count(), 5u);
   EXPECT_EQ(Next(TVGN_CARET), nullptr);
 }
@@ -168,7 +158,7 @@ TEST_F(TreeWindowTest, TheStarKeyExpandsTheBranch) {
   tree.Add(nested, {}, "deep");
   Pump();
   Select(Root());
-  Key(window, VK_MULTIPLY);
+  Key(VK_MULTIPLY);
   Settle();
   for (const std::uint32_t index : {1U, 3U, nested.Index()}) EXPECT_TRUE(tree.Item(index).Expanded());
   ExpectSameBelow(nullptr, tree.FirstRoot());
@@ -184,14 +174,14 @@ TEST_F(TreeWindowTest, AHundredThousandNodes) {
             2'000)
       << "in slices";
   ExpectSameBelow(nullptr, tree.FirstRoot());
-  Key(window, VK_END);
+  Key(VK_END);
   TakeLongest();
   ExpandAll(false);
   Settle(1);
   EXPECT_LT(TakeLongest(), 400);
   EXPECT_LT(Measure([&] {
               ExpandAll(true);
-              EXPECT_EQ(static_cast<std::size_t>(SendMessageW(window, TVM_GETCOUNT, 0, 0)), tree.Count());
+              EXPECT_EQ(static_cast<std::size_t>(Ask(window, TVM_GETCOUNT)), tree.Count());
             }),
             2'000)
       << "a question that wants all";
@@ -253,7 +243,7 @@ TEST_F(TreeWindowTest, AMillionNodes) {
 
   // Behind that, what comes into view is made.
   Select(Root());
-  Key(window, VK_END);
+  Key(VK_END);
   Settle();
   EXPECT_GT(Held(), ahead + 1'000);
   EXPECT_LT(Held(), ahead + 10'000);
@@ -274,7 +264,7 @@ TEST_F(TreeWindowTest, AFolderOfAMillionFilesIsShownPieceByPiece) {
   const HTREEITEM folder = Below(Root(), 1);
   Select(folder);
   TakeLongest();
-  Key(window, VK_RIGHT);
+  Key(VK_RIGHT);
   EXPECT_LT(TakeLongest(), 400);
   EXPECT_TRUE(tree.Item(3).Expanded());
   const std::size_t first = Held();
@@ -282,7 +272,7 @@ TEST_F(TreeWindowTest, AFolderOfAMillionFilesIsShownPieceByPiece) {
   EXPECT_LE(first, TreeItems::kFirstPiece + 4);
   HTREEITEM end = Below(folder, 0);
   for (HTREEITEM next = end; next != nullptr; next = Next(TVGN_NEXT, next)) end = next;
-  SendMessageW(window, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(end));
+  Ask(window, TVM_ENSUREVISIBLE, 0, end);
   Settle();
   EXPECT_GT(Held(), first);
   EXPECT_LE(Held(), first + TreeItems::kNextPiece);
@@ -290,4 +280,4 @@ TEST_F(TreeWindowTest, AFolderOfAMillionFilesIsShownPieceByPiece) {
 }
 
 }  // namespace
-}  // namespace kxrestore::win32
+}  // namespace kxrestore::win32::test
