@@ -29,7 +29,7 @@ inline short RunDialog(_RestoreDlg* object, const Steps& steps) {
   std::string failure;
   std::atomic<bool> returned = false;
   std::thread worker([&] {
-    const DialogDriver driver(std::chrono::seconds(40));
+    const DialogDriver driver(std::chrono::seconds(90));
     try {
       steps(driver);
       driver.WaitUntilClosed();

@@ -100,7 +100,10 @@ class PaintLog {
 
 TEST_F(WindowTest, ATabSwitchPaintsEachWindowOnce) {
   Run([&](const DialogDriver& dialog) {
-    dialog.Tab(3);  // fills it
+    dialog.Tab(3);
+    driver::WaitFor(std::chrono::seconds(40), "the types",
+                    [&] { return dialog.List("asFiles").Count() > 0; });
+    Sleep(600);  // they are sorted in
     PaintLog log(GetWindowThreadProcessId(dialog.WaitForForm(), nullptr));
     for (const int tab : {1, 2, 3, 1}) {
       Sleep(400);

@@ -8,14 +8,15 @@ class FormKeys : public FormTest {};
 TEST_F(FormKeys, TabFollowsTheOrderOfCreationPastWhatCannotBeUsed) {
   ui.shared.SetEnabled(false);
   ui.drive.SetVisible(false);
+  const controls::TextBox below("below", &ui.picBottom);
   std::string order;
   Run({[&] {
-    for (int press = 0; press < 8; ++press) {
+    for (int press = 0; press < 9; ++press) {
       order += Focused() + ' ';
       Press(VK_TAB);
     }
   }});
-  EXPECT_EQ(order, "tabs sampleCmd(0) chk opt(1) cbo txt bar tabs ");
+  EXPECT_EQ(order, "tabs sampleCmd(0) chk opt(1) cbo txt below bar tabs ") << "splitters last";
 }
 
 TEST_F(FormKeys, UnderlinedLettersPressTheirControlAndSelectTheirTab) {

@@ -158,9 +158,12 @@ bool FormKeys::HandledByList(WPARAM key) const {
   return false;
 }
 
+// Splitters come last: from the tree on one side Tab leads to the one on the other.
 void FormKeys::MoveFocus(const ControlWindow* from, bool back) {
   std::vector<Control*> all;
   ForEachControl(m_form, [&](Control& control) { all.push_back(&control); });
+  std::stable_partition(all.begin(), all.end(),
+                        [](const Control* control) { return control->GetKind() != Kind::kSplitBar; });
   if (back) std::reverse(all.begin(), all.end());
   const Control* const start = from == nullptr ? nullptr : &from->GetControl();
   const auto place = std::find(all.begin(), all.end(), start);
