@@ -1,4 +1,5 @@
-// The dialog's window in use: splitters dragged with the mouse, and tabs that switch without flicker.
+// The dialog's window in use: splitters dragged with the mouse, a file restored by keys alone, and tabs that
+// switch without flicker.
 #include <map>
 #include <mutex>
 
@@ -14,9 +15,9 @@ RECT Bounds(HWND window) {
   return bounds;
 }
 
-// The X server's pointer, which the system sees as its mouse. Now and then a program of the system beneath
-// cannot be started.
-void Mouse(const std::wstring& actions) {
+// The X server's pointer and keys, which the system sees as its own. Now and then a program of the system
+// beneath cannot be started.
+void Xdotool(const std::wstring& actions) {
   constexpr int kNotStarted = -1;
   int code = kNotStarted;
   for (int tried = 0; tried < 3 && code == kNotStarted; ++tried) {
@@ -33,8 +34,8 @@ std::wstring MoveTo(LONG x, LONG y) {
 void Drag(HWND bar, LONG right, LONG down) {
   const RECT from = Bounds(bar);
   const LONG x = (from.left + from.right) / 2, y = (from.top + from.bottom) / 2;
-  Mouse(MoveTo(x, y) + L"mousedown 1 " + MoveTo(x + right / 2, y + down / 2) + MoveTo(x + right, y + down) +
-        L"mouseup 1");
+  Xdotool(MoveTo(x, y) + L"mousedown 1 " + MoveTo(x + right / 2, y + down / 2) + MoveTo(x + right, y + down) +
+          L"mouseup 1");
 }
 
 class WindowTest : public DialogTest {};
@@ -59,6 +60,18 @@ TEST_F(WindowTest, TheMouseDragsBothBarsAndBothSidesFollow) {
     EXPECT_NEAR(at("tvwDetails").right, details.right, 2);
     dialog.Close();
   });
+}
+
+TEST_F(WindowTest, AFileIsFoundTickedAndRestoredByKeysAlone) {
+  EXPECT_EQ(1, Run([&](const DialogDriver& dialog) {
+              dialog.WaitForForm();
+              Xdotool(L"key alt+s b period d o c Return");
+              dialog.ExpectText("lblSearchCount", "1 File(s)");
+              Xdotool(L"key Down space alt+y");
+              dialog.ExpectText("lblCounts(0)", SelectedText(1));
+              Xdotool(L"key alt+n");
+            }));
+  EXPECT_EQ(Ids{kNewB}, m_catalog.Marked());
 }
 
 // Counts the paintings of each window of a thread.

@@ -53,12 +53,12 @@ TEST_F(FormKeys, LabelsPointToWhatFollowsUnlessTheyShowNames) {
   name.SetUseMnemonic(false);
   Run({[&] {
     PressAlt(L'r');
-    EXPECT_EQ(Focused(), "bar");
+    EXPECT_EQ(Focused(), "after");
     EXPECT_NE(GetWindowLongPtrW(WindowOf(name), GWL_STYLE) & SS_NOPREFIX, 0);
     EXPECT_EQ(GetWindowLongPtrW(WindowOf(ui.label), GWL_STYLE) & SS_NOPREFIX, 0);
-    after.SetFocus();
+    ui.text.SetFocus();
     PressAlt(L'd');
-    EXPECT_EQ(Focused(), "after");
+    EXPECT_EQ(Focused(), "txt");
   }});
 }
 

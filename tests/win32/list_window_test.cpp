@@ -23,10 +23,9 @@ AutoSelect::Entry Entry(std::string_view name, std::int64_t size = 1) {
 
 class ListWindowTest : public ControlHost {
  protected:
-  void Show(std::initializer_list<AutoSelect::Entry> entries, AutoSelect* shown = nullptr) {
-    AutoSelect& rows = shown ? *shown : list;
-    ControlHost::Show(rows, MakeListWindow);
-    for (const AutoSelect::Entry& entry : entries) rows.Add(entry);
+  void Show(std::initializer_list<AutoSelect::Entry> entries) {
+    ControlHost::Show(list, MakeListWindow);
+    for (const AutoSelect::Entry& entry : entries) list.Add(entry);
     WaitForRows(static_cast<int>(entries.size()));
   }
   void WaitForRows(int count) {
@@ -43,12 +42,12 @@ class ListWindowTest : public ControlHost {
     for (int row = 0; row < Rows().Count(); ++row) names += Text(row) + (Rows().Ticked(row) ? "+ " : "- ");
     return names;
   }
-  void Select(int row) const {
+  void Select(int row) {
     LVITEMW item{};
     // The focus is on one row only.
     item.state = item.stateMask = LVIS_SELECTED | (row < 0 ? 0U : LVIS_FOCUSED);
     Ask(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-    const_cast<ListWindowTest*>(this)->Pump();
+    Pump();
   }
   bool Selected(int row) const {
     return Ask(LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_SELECTED) == LVIS_SELECTED;
@@ -122,9 +121,14 @@ TEST_F(ListWindowTest, RowsTicksAndOrderFollowTheModel) {
   EXPECT_EQ(changed.size(), 4u);
 
   list.Clear();
-  list.Add(Entry("alone"));
-  WaitForRows(1);
-  EXPECT_EQ(Names(), "alone- ");
+  AutoSelect::Entry group = Entry("z");
+  group.isGroup = true;
+  for (const AutoSelect::Entry& entry : {group, Entry("b"), Entry("a"), Entry("c")}) list.Add(entry);
+  WaitForRows(4);
+  for (const char* names : {"z- a- b- c- ", "z- c- b- a- "}) {
+    SortBy(kName);
+    EXPECT_EQ(Names(), names) << "groups stay on top";
+  }
 }
 
 TEST_F(ListWindowTest, SelectedEntriesAreCopiedTickedAndFollowedThroughASort) {
@@ -195,16 +199,14 @@ TEST_F(ListWindowTest, ColumnsKeepTheWidthsTheyWereGiven) {
 }
 
 TEST_F(ListWindowTest, AFooterSaysWhatIsPendingAndSelected) {
+  constexpr wchar_t kNone[] = L"0 pending; 5 shown; 0 selected";
   list.DescribeFooter = [&] {
     return controls::FooterText{std::to_string(list.PendingCount()) + " pending",
                                 std::to_string(list.Shown().entries) + " shown",
                                 std::to_string(list.Selected().size) + " selected"};
   };
   Show({Entry("a", 1), Entry("b", 2), Entry("c", 4), Entry("d", 8), Entry("e", 16)});
-  const HWND around = GetParent(window), footer = FindWindowExW(around, nullptr, WC_STATICW,
-                                                                L"0 pending; "
-                                                                L"5 shown; "
-                                                                L"0 selected");
+  const HWND around = GetParent(window), footer = FindWindowExW(around, nullptr, WC_STATICW, kNone);
   ASSERT_NE(footer, nullptr);
   Select(0);
   Select(2);
@@ -271,17 +273,6 @@ TEST_F(ListWindowTest, TheFilterLineNarrowsTheRowsDown) {
   EXPECT_EQ(Rows().Count(), 2) << "and the filter is open again";
   EXPECT_EQ(Bounds(window).top, top);
   EXPECT_FALSE(control.HandleKey(VK_ESCAPE));
-}
-
-TEST_F(ListWindowTest, GroupsOfTypesStayOnTop) {
-  AutoSelect types("asFiles", &form, AutoSelect::Style::kTypes);
-  AutoSelect::Entry group = Entry("Music", 9);
-  group.isGroup = true;
-  Show({group, Entry(".wav"), Entry(".mp3")}, &types);
-  for (const char* names : {"Music- .mp3- .wav- ", "Music- .wav- .mp3- "}) {
-    SortBy(kName);
-    EXPECT_EQ(Names(), names);
-  }
 }
 
 TEST_F(ListWindowTest, AMillionEntries) {

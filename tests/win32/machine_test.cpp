@@ -29,20 +29,15 @@ std::vector<std::uint8_t> Bytes(const std::string& text) {
 }
 
 // A file of phrases beside this program, named after it.
-class PhrasesFile {
- public:
-  explicit PhrasesFile(const std::wstring& ending) {
-    std::wstring program(MAX_PATH, L'\0');
-    program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
-    m_path = std::filesystem::path(program).replace_extension(ending);
-    std::ofstream(m_path) << "ThisFolder = " << m_path.filename().string() << "\n";
+struct PhrasesFile {
+  explicit PhrasesFile(const wchar_t* ending) {
+    wchar_t program[MAX_PATH] = L"";
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    path = std::filesystem::path(program).replace_extension(ending);
+    std::ofstream(path) << "ThisFolder = " << path.filename().string() << "\n";
   }
-  ~PhrasesFile() { std::filesystem::remove(m_path); }
-  PhrasesFile(const PhrasesFile&) = delete;
-  PhrasesFile& operator=(const PhrasesFile&) = delete;
-
- private:
-  std::filesystem::path m_path;
+  ~PhrasesFile() { std::filesystem::remove(path); }
+  std::filesystem::path path;
 };
 
 }  // namespace
