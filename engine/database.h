@@ -36,26 +36,7 @@ inline constexpr int kFailOnError = 128;
 // Columns of a result by their names, without regard to case.
 using ColumnNames = std::vector<std::string_view>;
 
-class Recordset;
-
-// One column of a recordset, looked up once and read for every row. A view of a text is valid until the next
-// move, the next write to the same database, or close.
-class Field {
- public:
-  Field(Recordset& recordset, std::size_t index) : m_recordset(&recordset), m_index(index) {}
-
-  ValueView Value() const;
-  bool IsNull() const;
-  std::string_view TextView() const;  // only for text and null fields; anything else is converted by Text()
-  std::string Text() const;
-  std::int64_t Integer() const;
-  bool Boolean() const;
-  void Set(engine::Value value);
-
- private:
-  Recordset* m_recordset;
-  std::size_t m_index;
-};
+class Field;
 
 class Recordset {
  public:
@@ -81,6 +62,25 @@ class Recordset {
   virtual void Close() = 0;
 };
 
+// One column of a recordset, looked up once and read for every row. A view of a text is valid until the next
+// move, the next write to the same database, or close.
+class Field {
+ public:
+  Field(Recordset& recordset, std::size_t index) : m_recordset(&recordset), m_index(index) {}
+
+  ValueView Value() const { return m_recordset->FieldValue(m_index); }
+  bool IsNull() const { return engine::IsNull(Value()); }
+  std::string_view TextView() const;  // only for text and null fields; anything else is converted by Text()
+  std::string Text() const { return ToText(Value()); }
+  std::int64_t Integer() const { return ToInteger(Value()); }
+  bool Boolean() const { return ToBoolean(Value()); }
+  void Set(engine::Value value) { m_recordset->SetFieldValue(m_index, std::move(value)); }
+
+ private:
+  Recordset* m_recordset;
+  std::size_t m_index;
+};
+
 class Database {
  public:
   virtual ~Database() = default;
@@ -88,22 +88,14 @@ class Database {
   // `source` is a single SELECT or the name of a table or saved query; a writing statement raises 3219, a
   // second statement 3142. `read`: the columns that will be read, empty for all. The recordset may omit the
   // others, which saves computing and sending them.
-  virtual std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type,
+  virtual std::unique_ptr<Recordset> OpenRecordset(const Sql& source, RecordsetType type,
                                                    const ColumnNames& read = {}) = 0;
 
   // Executes one UPDATE, INSERT or DELETE and returns the number of rows changed. A statement that fails or
   // is stopped has changed nothing, and earlier updates of the group stay. Where the failure rolls those back
   // as well (disk full, I/O error, out of memory), the next Idle, Flush or EndAction raises it again for the
   // group.
-  virtual std::int64_t Execute(std::string_view sql, int options = 0) = 0;
-
-  // The same for a statement that carries its values. A back end that cannot bind them receives the complete
-  // text.
-  virtual std::unique_ptr<Recordset> OpenRecordset(const Sql& sql, RecordsetType type,
-                                                   const ColumnNames& read = {}) {
-    return OpenRecordset(sql.Printed(), type, read);
-  }
-  virtual std::int64_t Execute(const Sql& sql, int options = 0) { return Execute(sql.Printed(), options); }
+  virtual std::int64_t Execute(const Sql& sql, int options = 0) = 0;
 
   // Saved queries. Their text ends in ";". Error 3265 when none has that name, 3012 when the name is taken.
   virtual std::string QueryText(std::string_view name) = 0;

@@ -15,13 +15,6 @@ namespace kxrestore::engine {
 
 enum class StatementUse { kSnapshot, kDynaset, kAction };
 
-// Common to the plans of all back ends. A plan also has `idle`, the prepared statements that are not in use,
-// and `updates`, one for each set of updated columns.
-struct CachedPlan {
-  bool keepsPrepared = true;  // false if the server does not report that a view has changed
-  bool current = true;        // false once the schema has changed
-};
-
 template <class Plan>
 class PlanCache {
  public:
@@ -31,7 +24,7 @@ class PlanCache {
     m_key = sql.Text();
     m_key.push_back(static_cast<char>('0' + static_cast<int>(use)));
     for (const std::string_view name : read) m_key.append(name).push_back('\0');
-    if (m_latest && m_key == m_latestKey) return m_latest;  // marking asks for the same again and again
+    if (m_latest && m_key == m_latestKey) return m_latest;  // as in marking, file by file
     auto found = m_plans.find(m_key);
     if (found == m_plans.end()) {
       auto plan = make();

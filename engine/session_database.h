@@ -26,7 +26,14 @@ class SessionDatabase : public Database {
   SessionDatabase(const SessionDatabase&) = delete;
   SessionDatabase& operator=(const SessionDatabase&) = delete;
 
-  void BeginTrans() override { OpenForWriting().BeginTransaction(*this); }
+  void BeginTrans() override {
+    Session& session = OpenForWriting();
+    if (session.TransactionOwner() != nullptr) {
+      Raise(error_number::kInvalidOperation,
+            "Invalid operation: a transaction has begun already in '" + session.Place() + "'.");
+    }
+    session.BeginTransaction(*this);
+  }
   void CommitTrans() override { OpenInTransaction().CommitTransaction(); }
   void Rollback() override { OpenInTransaction().UndoTransaction(); }
 

@@ -38,15 +38,19 @@ std::string Sql::Printed() const {
       continue;
     }
     if (const auto* text = std::get_if<std::string>(&*value)) {
-      printed += '\'';
-      for (const char inside : *text) printed.append(inside == '\'' ? 2 : 1, inside);
-      printed += '\'';
+      printed += Quoted(*text, '\'', '\'');
     } else {
       printed += ToText(ViewOf(*value));
     }
     ++value;
   }
   return printed;
+}
+
+std::string Quoted(std::string_view text, char open, char close) {
+  std::string quoted(1, open);
+  for (const char c : text) quoted.append(c == close ? 2 : 1, c);
+  return quoted + close;
 }
 
 }  // namespace kxrestore::engine

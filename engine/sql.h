@@ -1,7 +1,7 @@
 // A statement as the catalog builds it: fixed text with values in it.
 #pragma once
 
-#include <cstddef>
+#include <concepts>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -12,13 +12,15 @@
 namespace kxrestore::engine {
 
 // Statements with the same text share a prepared plan, whatever their values. Printed() is the complete
-// statement, for the desktop engine. Reuse an object to avoid allocations.
+// statement, for the desktop engine. A plain text converts to a statement without values. Reuse an object to
+// avoid allocations.
 class Sql {
  public:
   static constexpr char kPlace = '\x01';  // the place of a value in the text
 
   Sql() = default;
-  explicit Sql(std::string_view text) : m_text(text) {}
+  template <std::convertible_to<std::string_view> Text>
+  Sql(const Text& text) : m_text(std::string_view(text)) {}
 
   void Clear();
   Sql& Add(std::string_view fixed);
@@ -37,5 +39,8 @@ class Sql {
   std::string m_text;
   std::vector<Value> m_values;
 };
+
+// The text between two quotes, with the closing one doubled inside.
+std::string Quoted(std::string_view text, char open, char close);
 
 }  // namespace kxrestore::engine

@@ -1,5 +1,6 @@
 #include "engine/streamed_recordset.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/error.h"
@@ -56,7 +57,7 @@ void StreamedRecordset::MoveNext() {
   m_state = State::kAtEnd;  // also when fetching fails
   bool hasRow = false;
   try {
-    hasRow = Fetch(true);
+    hasRow = Fetch();
   } catch (...) {
     LetStatementGo();
     throw;
@@ -84,7 +85,7 @@ bool StreamedRecordset::Detach() {
   store();  // until it has been, everything is as it was
   bool stopped = false;
   try {
-    while (Fetch(true)) store();
+    while (Fetch()) store();
   } catch (const Error& error) {
     stopped = error.Number() == number::kCanceled;
     m_cutOff = std::current_exception();
@@ -128,9 +129,18 @@ ValueView StreamedRecordset::FieldValue(std::size_t index) const {
   return RowValue(index);
 }
 
+bool StreamedRecordset::CanChange(std::size_t index) const {
+  const CachedPlan& plan = StatementPlan();
+  if (index >= plan.columns.size()) return false;
+  const std::size_t table = plan.columns[index].table;
+  return table < plan.tables.size() && !plan.tables[table].keys.empty();
+}
+
 void StreamedRecordset::Edit() {
   NeedRow();
-  if (IsSnapshot() || m_readOnly || !CanChangeRows()) {
+  const std::vector<PlanTable>& tables = StatementPlan().tables;
+  const auto hasKey = [](const PlanTable& table) { return !table.keys.empty(); };
+  if (IsSnapshot() || m_readOnly || std::none_of(tables.begin(), tables.end(), hasKey)) {
     Raise(number::kReadOnly, "Cannot update. Database or object is read-only: '" + Place() + "'.");
   }
   m_editing = true;
@@ -157,13 +167,37 @@ void StreamedRecordset::Update() {
   NeedRow();
   if (!m_editing) Raise(number::kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
   m_written.reserve(m_written.size() + m_pending.size());  // what is written must not fail any more
-  Write(m_pending);
+  for (std::size_t table = 0; table < StatementPlan().tables.size(); ++table) Write(table);
   for (auto& change : m_pending) {
     std::erase_if(m_written, [&change](const auto& written) { return written.first == change.first; });
     m_written.push_back(std::move(change));
   }
   m_pending.clear();
   m_editing = false;
+}
+
+void StreamedRecordset::Write(std::size_t table) {
+  const CachedPlan& plan = StatementPlan();
+  const PlanTable& changed = plan.tables[table];
+  std::vector<std::size_t> columns;
+  std::vector<Value> values;
+  for (const auto& [column, value] : m_pending) {
+    if (plan.columns[column].table != table) continue;
+    if (columns.empty()) values.reserve(m_pending.size() + changed.keys.size());
+    columns.push_back(column);
+    values.push_back(value);
+  }
+  if (columns.empty()) return;
+  for (const std::size_t key : changed.keyColumns) {
+    const ValueView value = RowValue(m_columns + key);
+    if (IsNull(value)) {
+      Raise(number::kReadOnly, "Cannot update: the row has no record in '" + changed.name + "'.");
+    }
+    values.push_back(OwnedOf(value));
+  }
+  if (UpdateRow(columns, std::move(values)) == 0) {
+    Raise(number::kRecordDeleted, "Record is deleted: '" + changed.name + "'.");
+  }
 }
 
 bool StreamingList::Detach(bool dynasetsToo) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/database.h"
+#include "engine/plan.h"
 #include "engine/row_store.h"
 
 namespace kxrestore::engine {
@@ -32,32 +33,33 @@ class StreamedRecordset : public Recordset {
   bool IsSnapshot() const { return m_type == RecordsetType::kSnapshot; }
 
  protected:
-  using Changes = std::vector<std::pair<std::size_t, Value>>;  // by column
-
   StreamedRecordset(RecordsetType type, bool readOnly) : m_type(type), m_readOnly(readOnly) {}
 
   // The statement is at its first row, or has none. `hidden`: the number of columns after the visible ones.
   void Begin(bool hasRow, std::size_t columns, std::size_t hidden);
-  // A value of the current row, hidden columns included.
-  ValueView RowValue(std::size_t index) const { return m_stored ? m_row[index] : Streamed(index); }
 
-  // Moves the statement to its next row; false at the end. `mayStop`: the waiting callback may stop it.
-  virtual bool Fetch(bool mayStop) = 0;
+  // Moves the statement to its next row; false at the end.
+  virtual bool Fetch() = 0;
   virtual void LetStatementGo() = 0;  // all rows are fetched
   virtual ValueView Streamed(std::size_t index) const = 0;
   virtual std::string_view ColumnName(std::size_t index) const = 0;
 
   virtual const std::string& Place() const = 0;  // the file or the server
-  virtual bool CanChangeRows() const = 0;
-  virtual bool CanChange(std::size_t index) const = 0;
-  virtual void Write(const Changes& changes) = 0;
+  virtual const CachedPlan& StatementPlan() const = 0;
+  // Executes the update of these columns, see RowUpdateText; returns the number of rows changed.
+  virtual std::int64_t UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value> values) = 0;
 
  private:
   enum class State { kOnRow, kAtEnd, kClosed };
+  using Changes = std::vector<std::pair<std::size_t, Value>>;  // by column
 
+  // A value of the current row, hidden columns included.
+  ValueView RowValue(std::size_t index) const { return m_stored ? m_row[index] : Streamed(index); }
   void NeedOpen() const;
   void NeedRow() const;
   const Value* Changed(std::size_t index) const;
+  bool CanChange(std::size_t index) const;
+  void Write(std::size_t table);
 
   RecordsetType m_type;
   bool m_readOnly;

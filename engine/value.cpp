@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -10,6 +11,9 @@
 
 namespace kxrestore::engine {
 namespace {
+
+constexpr int kSecondsOfDay = 86400;
+constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
 
 [[noreturn]] void RaiseTypeMismatch() {
   Raise(kxrestore::error_number::kTypeMismatch, "Type mismatch");
@@ -55,11 +59,38 @@ bool TakeCharacter(std::string_view& text, char character) {
 
 }  // namespace
 
-bool IsValidDate(int year, int month, int day) {
+std::optional<DateTime> DateOf(int year, int month, int day, int hour, int minute, int second) {
   constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  if (year < 1 || year > 9999 || month < 1 || month > 12 || day < 1) return false;
+  if (year < 1 || year > 9999 || month < 1 || month > 12 || day < 1) return std::nullopt;
   const bool leap = month == 2 && year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-  return day <= kDays[month - 1] + (leap ? 1 : 0);
+  if (day > kDays[month - 1] + (leap ? 1 : 0)) return std::nullopt;
+  if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59) return std::nullopt;
+  const auto small = [](int number) { return static_cast<std::int8_t>(number); };
+  return DateTime{
+      static_cast<std::int16_t>(year), small(month), small(day), small(hour), small(minute), small(second)};
+}
+
+std::optional<DateTime> DateOfSerial(double serial) {
+  if (!(serial > -657435 && serial < 2958466)) return std::nullopt;
+  auto days = static_cast<int>(serial);
+  auto seconds = static_cast<int>(std::lround(std::abs(serial - days) * kSecondsOfDay));
+  if (seconds >= kSecondsOfDay) {
+    ++days;
+    seconds = 0;
+  }
+  const std::chrono::year_month_day day(kDayZero + std::chrono::days(days));
+  return DateOf(static_cast<int>(day.year()), static_cast<int>(static_cast<unsigned>(day.month())),
+                static_cast<int>(static_cast<unsigned>(day.day())), seconds / 3600, seconds / 60 % 60,
+                seconds % 60);
+}
+
+double SerialOfDate(const DateTime& date) {
+  const std::chrono::year_month_day day(std::chrono::year(date.year),
+                                        std::chrono::month(static_cast<unsigned>(date.month)),
+                                        std::chrono::day(static_cast<unsigned>(date.day)));
+  const double days = (std::chrono::sys_days(day) - kDayZero).count();
+  const double time = (date.hour * 3600.0 + date.minute * 60.0 + date.second) / kSecondsOfDay;
+  return days < 0 ? days - time : days + time;
 }
 
 std::string ToText(const DateTime& date) {
@@ -175,15 +206,7 @@ std::optional<DateTime> ToDateTime(const ValueView& value) {
       return std::nullopt;
     }
   }
-  if (!IsValidDate(year, month, day) || hour > 23 || minute > 59 || second > 59) return std::nullopt;
-  DateTime date;
-  date.year = static_cast<std::int16_t>(year);
-  date.month = static_cast<std::int8_t>(month);
-  date.day = static_cast<std::int8_t>(day);
-  date.hour = static_cast<std::int8_t>(hour);
-  date.minute = static_cast<std::int8_t>(minute);
-  date.second = static_cast<std::int8_t>(second);
-  return date;
+  return DateOf(year, month, day, hour, minute, second);
 }
 
 }  // namespace kxrestore::engine

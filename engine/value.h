@@ -37,6 +37,11 @@ bool ToBoolean(const ValueView& value);
 // A date, or a text "YYYY-MM-DD", "YYYY-MM-DD HH:MM[:SS[.fff]]" (also with "T"); nothing for anything else.
 std::optional<DateTime> ToDateTime(const ValueView& value);
 
-bool IsValidDate(int year, int month, int day);
+// The date of these parts; nothing if there is no such day or time.
+std::optional<DateTime> DateOf(int year, int month, int day, int hour, int minute, int second);
+// The date that the desktop engine stores as a number: days since 1899-12-30; the fraction is the time of day
+// and counts forward even before that day. Nothing outside the years 100 to 9999.
+std::optional<DateTime> DateOfSerial(double serial);
+double SerialOfDate(const DateTime& date);
 
 }  // namespace kxrestore::engine

@@ -15,15 +15,15 @@ class DaoDatabase final : public SessionDatabase<Session> {
   // A database opened for reading is protected by the engine alone.
   explicit DaoDatabase(std::shared_ptr<Session> session) : SessionDatabase(std::move(session), false) {}
 
-  std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type,
+  std::unique_ptr<Recordset> OpenRecordset(const Sql& source, RecordsetType type,
                                            const ColumnNames& /*read*/) override {
-    return std::make_unique<DaoRecordset>(Open(), source, type);
+    return std::make_unique<DaoRecordset>(Open(), source.Printed(), type);
   }
 
-  std::int64_t Execute(std::string_view sql, int options) override {
+  std::int64_t Execute(const Sql& sql, int options) override {
     Session& session = *Open();
     const Object& database = session.Dao();
-    database.Call(L"Execute", Variant(sql), Variant(static_cast<std::int32_t>(options)));
+    database.Call(L"Execute", Variant(sql.Printed()), Variant(static_cast<std::int32_t>(options)));
     const std::int64_t changed = database.Get(L"RecordsAffected").Integer();
     if (changed != 0) session.Engine().HasWritten();
     return changed;

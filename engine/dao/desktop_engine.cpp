@@ -77,9 +77,6 @@ void DesktopEngine::WriteOutAfter(std::chrono::milliseconds age) {
 }
 
 void DesktopEngine::BeginTransaction(const Database& owner) {
-  if (m_transactionOwner != nullptr) {
-    Raise(error_number::kInvalidOperation, "Invalid operation: a transaction has begun already.");
-  }
   WriteOutAfter(std::chrono::milliseconds(0));
   m_workspace.Call(L"BeginTrans");
   m_transactionOwner = &owner;

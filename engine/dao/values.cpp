@@ -1,6 +1,5 @@
 #include "engine/dao/values.h"
 
-#include <chrono>
 #include <cmath>
 #include <limits>
 
@@ -10,43 +9,9 @@
 namespace kxrestore::engine::dao {
 namespace {
 
-constexpr double kSecondsOfDay = 86400;
 constexpr std::int64_t kCurrencyUnit = 10000;
-// Day 0 of automation's dates.
-constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
-
 [[noreturn]] void RaiseTypeMismatch() {
   throw Error(kxrestore::error_number::kTypeMismatch, "Type mismatch", "DAO");
-}
-
-// Days since 1899-12-30; the fraction is the time of day and counts forward even before that day.
-DateTime DateOfSerial(double serial) {
-  constexpr double kFirst = -657434, kEnd = 2958466;  // the years 100 to 9999
-  if (!(serial > kFirst - 1 && serial < kEnd)) RaiseTypeMismatch();
-  auto days = static_cast<std::int64_t>(serial);
-  auto seconds = std::llround(std::abs(serial - static_cast<double>(days)) * kSecondsOfDay);
-  if (seconds >= 86400) {
-    ++days;
-    seconds = 0;
-  }
-  const std::chrono::year_month_day day(kDayZero + std::chrono::days(days));
-  DateTime date;
-  date.year = static_cast<std::int16_t>(static_cast<int>(day.year()));
-  date.month = static_cast<std::int8_t>(static_cast<unsigned>(day.month()));
-  date.day = static_cast<std::int8_t>(static_cast<unsigned>(day.day()));
-  date.hour = static_cast<std::int8_t>(seconds / 3600);
-  date.minute = static_cast<std::int8_t>(seconds / 60 % 60);
-  date.second = static_cast<std::int8_t>(seconds % 60);
-  return date;
-}
-
-double SerialOfDate(const DateTime& date) {
-  const std::chrono::year_month_day day(std::chrono::year(date.year),
-                                        std::chrono::month(static_cast<unsigned>(date.month)),
-                                        std::chrono::day(static_cast<unsigned>(date.day)));
-  const auto days = static_cast<double>((std::chrono::sys_days(day) - kDayZero).count());
-  const double time = (date.hour * 3600 + date.minute * 60 + date.second) / kSecondsOfDay;
-  return days < 0 ? days - time : days + time;
 }
 
 ValueView FromCurrency(std::int64_t units) {
@@ -106,7 +71,8 @@ ValueView ToValue(const VARIANT& variant, std::string& text) {
     case VT_DECIMAL:
       return FromDecimal(variant.decVal);
     case VT_DATE:
-      return DateOfSerial(variant.date);
+      if (const auto date = DateOfSerial(variant.date)) return *date;
+      RaiseTypeMismatch();
     case VT_ARRAY | VT_UI1:
       return FromBytes(variant.parray, text);
     default:

@@ -1,6 +1,5 @@
 #include "engine/jet_file/decode.h"
 
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 
@@ -41,26 +40,6 @@ std::string GuidText(const Bytes& bytes) {
 
 }  // namespace
 
-std::string DateText(double days) {
-  constexpr double kSecondsOfDay = 86400;
-  if (!(days > -657435 && days < 2958466)) return {};  // the years 100 to 9999
-  double whole = std::trunc(days);
-  auto seconds = static_cast<std::int64_t>(std::llround(std::fabs(days - whole) * kSecondsOfDay));
-  if (seconds >= static_cast<std::int64_t>(kSecondsOfDay)) {
-    seconds = 0;
-    whole += 1;
-  }
-  using namespace std::chrono;
-  const sys_days start = year(1899) / December / 30;
-  const year_month_day date(start + std::chrono::days(static_cast<int>(whole)));
-  char text[48];
-  std::snprintf(text, sizeof text, "%04d-%02u-%02u %02d:%02d:%02d", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(seconds / 3600), static_cast<int>(seconds / 60 % 60),
-                static_cast<int>(seconds % 60));
-  return text;
-}
-
 bool IsWholeNumber(ColumnType type) {
   return type == ColumnType::kYesNo || type == ColumnType::kByte || type == ColumnType::kInteger ||
          type == ColumnType::kLong || type == ColumnType::kBigInteger;
@@ -98,10 +77,12 @@ ValueView DecodeColumn(const Table& table, const FoundRow& found, const Column& 
       return WholeIfExact(bytes.Double(0));
     case ColumnType::kNumeric:
       return WholeIfExact(NumericOf(bytes, column.scale));
-    case ColumnType::kDate:
-      text = DateText(bytes.Double(0));
-      if (text.empty()) bytes.RaiseDamaged("a date of '" + column.name + "' is none");
+    case ColumnType::kDate: {
+      const auto date = DateOfSerial(bytes.Double(0));
+      if (!date) bytes.RaiseDamaged("a date of '" + column.name + "' is none");
+      text = ToText(*date);
       return std::string_view(text);
+    }
     case ColumnType::kText:
     case ColumnType::kMemo:
       table.AppendText(text, column, bytes);

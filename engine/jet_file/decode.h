@@ -24,7 +24,4 @@ inline bool IsBytes(ColumnType type) {
   return type == ColumnType::kBinary || type == ColumnType::kOle;
 }
 
-// Days since 1899-12-30; the fraction counts forward on either side of it. Empty for an invalid date.
-std::string DateText(double days);
-
 }  // namespace kxrestore::engine::jet_file

@@ -20,8 +20,6 @@ class JetDatabase final : public sqlite::SqliteDatabase {
       : SqliteDatabase(session, readOnly), m_tables(std::move(tables)) {}
   ~JetDatabase() override;
 
-  using SqliteDatabase::Execute;
-  using SqliteDatabase::OpenRecordset;
   std::unique_ptr<Recordset> OpenRecordset(const Sql& sql, RecordsetType type,
                                            const ColumnNames& read) override;
   std::int64_t Execute(const Sql& sql, int options) override;

@@ -88,7 +88,7 @@ Connection::Connection(std::string_view connect, const Waits& waits, std::shared
     return outcome;
   };
   const Outcome outcome = RunWithin(log, {.wait = waits.login}, true);
-  if (outcome.Failed()) RaiseOdbc(outcome.Diagnostics(), true, m_server, *m_password);
+  if (outcome.Failed()) throw ErrorOf(outcome.Diagnostics(), true, m_server, *m_password);
 }
 
 // ---- calls

@@ -5,18 +5,9 @@
 
 namespace kxrestore::engine::odbc {
 
-std::unique_ptr<Recordset> OdbcDatabase::OpenRecordset(std::string_view source, RecordsetType type,
-                                                       const ColumnNames& read) {
-  return OpenRecordset(Sql(source), type, read);
-}
-
 std::unique_ptr<Recordset> OdbcDatabase::OpenRecordset(const Sql& sql, RecordsetType type,
                                                        const ColumnNames& read) {
   return std::make_unique<OdbcRecordset>(Open(), sql, type, read, IsReadOnly());
-}
-
-std::int64_t OdbcDatabase::Execute(std::string_view sql, int options) {
-  return Execute(Sql(sql), options);
 }
 
 std::int64_t OdbcDatabase::Execute(const Sql& sql, int /*options*/) {

@@ -14,11 +14,8 @@ class OdbcDatabase final : public SessionDatabase<Session> {
   OdbcDatabase(std::shared_ptr<Session> session, bool readOnly)
       : SessionDatabase(std::move(session), readOnly) {}
 
-  std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type,
-                                           const ColumnNames& read) override;
   std::unique_ptr<Recordset> OpenRecordset(const Sql& sql, RecordsetType type,
                                            const ColumnNames& read) override;
-  std::int64_t Execute(std::string_view sql, int options) override;
   std::int64_t Execute(const Sql& sql, int options) override;
   std::string QueryText(std::string_view name) override;
   void CreateQueryDef(std::string_view name, std::string_view sql) override;

@@ -112,9 +112,4 @@ Error ErrorOf(const std::vector<Diagnostic>& diagnostics, bool connecting, std::
   return error(errorNumber, words + " In '" + std::string(LeftCharacters(hidden, kMaxShownPiece)) + "'.");
 }
 
-void RaiseOdbc(const std::vector<Diagnostic>& diagnostics, bool connecting, std::string_view piece,
-               const Password& password) {
-  throw ErrorOf(diagnostics, connecting, piece, password);
-}
-
 }  // namespace kxrestore::engine::odbc

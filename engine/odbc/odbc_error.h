@@ -21,13 +21,10 @@ enum class Failure {
 };
 Failure FailureOf(const std::vector<Diagnostic>& diagnostics);
 
-// The error for these diagnostics; see RaiseOdbc.
+// The error for these diagnostics. `piece` is the statement or name concerned. Numbers: 3151 while
+// `connecting`; 3078, 3061, 3022, 3317, 3260, 3027, 3026 by SQLSTATE, else 3146. The description contains the
+// driver's message and the SQLSTATE.
 Error ErrorOf(const std::vector<Diagnostic>& diagnostics, bool connecting, std::string_view piece,
               const Password& password);
-
-// `piece` is the statement or name concerned. Errors: 3151 while `connecting`; 3078, 3061, 3022, 3317, 3260,
-// 3027, 3026 by SQLSTATE, else 3146. The description contains the driver's message and the SQLSTATE.
-[[noreturn]] void RaiseOdbc(const std::vector<Diagnostic>& diagnostics, bool connecting,
-                            std::string_view piece, const Password& password);
 
 }  // namespace kxrestore::engine::odbc

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/error.h"
+#include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/meaning/read_columns.h"
 #include "engine/jet_sql/meaning/single_rows.h"
@@ -10,33 +11,94 @@
 #include "engine/jet_sql/reading/lexer.h"
 #include "engine/jet_sql/reading/parser.h"
 #include "engine/jet_sql/reading/source_text.h"
-#include "engine/odbc/table_facts.h"
+#include "engine/odbc/saved_queries.h"
 
 namespace kxrestore::engine::odbc {
 namespace {
 
 using namespace jet_sql;  // NOLINT: used throughout this file
 
+class OdbcTableFacts final : public TableFacts {
+ public:
+  explicit OdbcTableFacts(Session& session) : m_session(session) {}
+
+  std::optional<std::string> SavedQuery(const std::string& name) override {
+    const KnownRelation* relation = m_session.Tables().Find(name);
+    if (relation == nullptr || relation->isTable) return std::nullopt;
+    if (relation->text) return relation->text;
+    const Schema::Entry* entry = m_session.Tables().FindEntry(name);
+    if (entry == nullptr) return std::nullopt;
+    try {
+      return ViewText(m_session, *entry);
+    } catch (const Error& error) {
+      if (m_session.IsLost() || error.Number() == error_number::kCanceled) throw;
+      return std::nullopt;  // hidden from this user, or outside the dialect
+    }
+  }
+
+  bool IsRowKey(const std::string& table, const std::string& column) override {
+    const KnownColumn* key = FindColumn(table, column);
+    if (key == nullptr || !key->isWhole) return false;
+    if (m_session.Tables().PrimaryKeyOf(*FindTable(table)) != std::vector<std::string>{key->name})
+      return false;
+    // A query also returns the rows of inheriting tables, which the key does not cover.
+    return !m_session.Facts().IsPostgres() || !HasHeirs(table);
+  }
+
+  bool ComparesExactly(const std::string& table, const std::string& column) override {
+    const KnownColumn* known = FindColumn(table, column);
+    return known != nullptr && known->isWhole;
+  }
+
+  // On other servers texts that differ only in trailing blanks may be equal.
+  bool MasksKeepGroups() const override { return m_session.Facts().IsPostgres(); }
+
+ private:
+  const KnownRelation* FindTable(const std::string& name) {
+    const KnownRelation* relation = m_session.Tables().Find(name);
+    return relation != nullptr && relation->isTable ? relation : nullptr;
+  }
+
+  // Null when there is none, or when several columns differ only in case.
+  const KnownColumn* FindColumn(const std::string& table, const std::string& column) {
+    const KnownRelation* relation = FindTable(table);
+    const KnownColumn* found = nullptr;
+    if (relation == nullptr) return nullptr;
+    for (const KnownColumn& known : relation->columns) {
+      if (!EqualIgnoringCase(known.name, column)) continue;
+      if (found != nullptr) return nullptr;
+      found = &known;
+    }
+    return found;
+  }
+
+  // Whether other PostgreSQL tables inherit from it.
+  bool HasHeirs(const std::string& table) {
+    const Schema::Entry* entry = m_session.Tables().FindEntry(table);
+    if (entry == nullptr) return false;
+    return !m_session
+                .Ask(
+                    "SELECT 1 FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = "
+                    "c.relnamespace JOIN pg_catalog.pg_inherits i ON i.inhparent = c.oid WHERE c.relname = "
+                    "? AND n.nspname = ? AND c.relkind = 'r'",
+                    {entry->name, entry->schema})
+                .empty();
+  }
+
+  Session& m_session;
+};
+
 // Adds the key columns of its tables to a dynaset's statement. Rows without an ORDER BY are ordered by the
 // first table's key, because a server may move a row once it is written.
 void AddKeys(Session& session, SelectStatement& statement, const std::vector<ResultTable>& tables,
              Plan& plan) {
-  SelectCore& core = statement.cores.front();
-  const bool isUnordered = statement.orderBy.empty();
   for (const ResultTable& table : tables) {
-    PlanTable& planned = plan.tables.emplace_back();
-    planned.name = table.relation->name;
-    planned.keys = session.Tables().KeyOf(*table.relation);
-    for (const std::string& key : planned.keys) {
-      SelectItem item;
-      item.expression = MakeColumn(table.alias, key);
-      item.alias = "kx_key_" + std::to_string(plan.hidden);
-      core.items.push_back(std::move(item));
-      planned.keyColumns.push_back(plan.hidden++);
-      if (isUnordered && &table == &tables.front())
-        statement.orderBy.push_back({MakeColumn(table.alias, key)});
-    }
+    plan.tables.push_back({table.relation->name, table.alias, session.Tables().KeyOf(*table.relation), {}});
   }
+  AddKeyColumns(statement, plan);
+  if (!statement.orderBy.empty() || plan.tables.empty()) return;
+  const PlanTable& first = plan.tables.front();
+  for (const std::string& key : first.keys) statement.orderBy.push_back({MakeColumn(first.alias, key)});
 }
 
 Value AsKind(const Value& value, ValueKind kind) {
@@ -52,7 +114,7 @@ Value AsKind(const Value& value, ValueKind kind) {
 }  // namespace
 
 std::vector<Value> ParameterValues(const Plan& plan, const std::vector<Value>& values,
-                                   const ServerDialect& dialect) {
+                                   const Dialect& dialect) {
   std::vector<Value> parameters;
   for (const std::int64_t number : plan.sql.Parameters()) {
     const auto index = static_cast<std::size_t>(number - 1);
@@ -91,26 +153,12 @@ std::shared_ptr<Plan> MakePlan(Session& session, const Sql& sql, Session::Use us
 }
 
 RowUpdate& FindRowUpdate(Session& session, Plan& plan, const std::vector<std::size_t>& columns) {
-  for (const auto& update : plan.updates) {
-    if (update->columns == columns) return *update;
-  }
-  const PlanTable& table = plan.tables[plan.columns[columns.front()].table];
-  const Dialect& dialect = session.Dialect();
-  PrintedSql sql = "UPDATE " + dialect.Identifier(table.name) + " SET ";
-  std::int64_t values = 0;
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    sql += (i == 0 ? "" : ", ") + dialect.Identifier(plan.columns[columns[i]].baseName) + " = ";
-    sql += dialect.Parameter(++values);
-  }
-  for (std::size_t i = 0; i < table.keys.size(); ++i) {
-    sql += (i == 0 ? " WHERE " : " AND ") + dialect.Identifier(table.keys[i]) + " = ";
-    sql += dialect.Parameter(++values);
-  }
-  auto update = std::make_unique<RowUpdate>();
-  update->columns = columns;
-  update->statement = std::make_unique<OdbcStatement>(session, sql);
-  plan.updates.push_back(std::move(update));
-  return *plan.updates.back();
+  const auto make = [&](const PlanTable& /*table*/, const PrintedSql& sql) {
+    auto update = std::make_unique<RowUpdate>();
+    update->statement = std::make_unique<OdbcStatement>(session, sql);
+    return update;
+  };
+  return engine::FindRowUpdate(plan, columns, session.Dialect(), make);
 }
 
 ViewBody TranslateSavedQuery(Session& session, std::string_view text) {

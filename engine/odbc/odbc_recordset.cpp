@@ -1,7 +1,5 @@
 #include "engine/odbc/odbc_recordset.h"
 
-#include <algorithm>
-
 #include "engine/error_numbers.h"
 #include "engine/odbc/odbc_planner.h"
 
@@ -38,13 +36,13 @@ OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, const Sql& sql, R
                              const ColumnNames& read, bool readOnly)
     : StreamedRecordset(type, readOnly), m_session(std::move(session)) {
   Open(sql, read);
-  const std::vector<ColumnType>& columns = m_rows->Columns();
+  const std::vector<ColumnType>& columns = m_statement->Columns();
   for (std::size_t i = 0; i + m_plan->hidden < columns.size(); ++i) m_names.push_back(columns[i].name);
-  const bool hasRow = m_rows->Next();
-  m_plan->isShort = m_rows->InOneBlock();
+  const bool hasRow = m_statement->Next();
+  m_plan->isShort = m_statement->InOneBlock();
   // Completely fetched rows no longer change.
   const bool stays =
-      m_session->Facts().fetchesAllAtOnce && !m_session->FetchesPiecewise() && m_rows->InOneBlock();
+      m_session->Facts().fetchesAllAtOnce && !m_session->FetchesPiecewise() && m_statement->InOneBlock();
   if (hasRow && !stays) m_session->Streaming().Add(*this);
   Begin(hasRow, m_names.size(), columns.size() - m_names.size());
 }
@@ -67,8 +65,7 @@ bool OdbcRecordset::TryOpen(const Sql& sql, const ColumnNames& read, Outcome& fa
   m_session->FetchPiecewise(!m_plan->isShort);
   const auto values = ParameterValues(*m_plan, sql.Values(), m_session->Dialect());
   if (!m_session->RunRead(*m_statement, values, failed)) return false;
-  m_rows = &m_statement->Rows();
-  return !m_plan->columnsKnown || m_rows->Columns().size() == m_plan->columns.size() + m_plan->hidden;
+  return !m_plan->columnsKnown || m_statement->Columns().size() == m_plan->columns.size() + m_plan->hidden;
 }
 
 OdbcRecordset::~OdbcRecordset() {
@@ -81,44 +78,11 @@ void OdbcRecordset::LetStatementGo() {
   Session::Release(*m_plan, std::move(m_statement));
 }
 
-bool OdbcRecordset::CanChangeRows() const {
-  const auto& tables = m_plan->tables;
-  return std::any_of(tables.begin(), tables.end(),
-                     [](const PlanTable& table) { return !table.keys.empty(); });
-}
-
-bool OdbcRecordset::CanChange(std::size_t index) const {
-  if (index >= m_plan->columns.size()) return false;
-  const jet_sql::ResultColumn& column = m_plan->columns[index];
-  return column.table < m_plan->tables.size() && !m_plan->tables[column.table].keys.empty();
-}
-
-void OdbcRecordset::UpdateTable(std::size_t table, const Changes& changes) {
-  std::vector<std::size_t> columns;
-  std::vector<Value> values;
-  for (const auto& [column, value] : changes) {
-    const jet_sql::ResultColumn& changed = m_plan->columns[column];
-    if (changed.table != table) continue;
-    columns.push_back(column);
-    values.push_back(ForColumn(value, changed.kind));
+std::int64_t OdbcRecordset::UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value> values) {
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    values[i] = ForColumn(values[i], m_plan->columns[columns[i]].kind);
   }
-  if (columns.empty()) return;
-  const PlanTable& changed = m_plan->tables[table];
-  for (const std::size_t key : changed.keyColumns) {
-    const ValueView value = RowValue(m_names.size() + key);
-    if (IsNull(value)) {
-      Raise(number::kReadOnly, "Cannot update: the row has no record in '" + changed.name + "'.");
-    }
-    values.push_back(OwnedOf(value));
-  }
-  const RowUpdate& update = FindRowUpdate(*m_session, *m_plan, columns);
-  if (m_session->RunWrite(*update.statement, values) == 0) {
-    Raise(number::kRecordDeleted, "Record is deleted: '" + changed.name + "'.");
-  }
-}
-
-void OdbcRecordset::Write(const Changes& changes) {
-  for (std::size_t table = 0; table < m_plan->tables.size(); ++table) UpdateTable(table, changes);
+  return m_session->RunWrite(*FindRowUpdate(*m_session, *m_plan, columns).statement, values);
 }
 
 }  // namespace kxrestore::engine::odbc

@@ -20,25 +20,22 @@ class OdbcRecordset final : public StreamedRecordset {
   OdbcRecordset& operator=(const OdbcRecordset&) = delete;
 
  private:
-  bool Fetch(bool /*mayStop*/) override { return m_rows->Next(); }
+  bool Fetch() override { return m_statement->Next(); }
   void LetStatementGo() override;
-  ValueView Streamed(std::size_t index) const override { return m_rows->Value(index); }
+  ValueView Streamed(std::size_t index) const override { return m_statement->Value(index); }
   std::string_view ColumnName(std::size_t index) const override { return m_names[index]; }
   const std::string& Place() const override { return m_session->Place(); }
-  bool CanChangeRows() const override;
-  bool CanChange(std::size_t index) const override;
-  void Write(const Changes& changes) override;
+  const CachedPlan& StatementPlan() const override { return *m_plan; }
+  std::int64_t UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value> values) override;
 
   void Open(const Sql& sql, const ColumnNames& read);
   // False when the tables have changed since the plan was made; `failed` then holds the driver's error, if
   // any.
   bool TryOpen(const Sql& sql, const ColumnNames& read, Outcome& failed);
-  void UpdateTable(std::size_t table, const Changes& changes);
 
   std::shared_ptr<Session> m_session;
   std::shared_ptr<Plan> m_plan;
   std::unique_ptr<OdbcStatement> m_statement;
-  RowReader* m_rows = nullptr;
   std::vector<std::string> m_names;
 };
 

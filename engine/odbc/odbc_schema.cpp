@@ -77,9 +77,10 @@ void Schema::ReadEntries() {
     return statement.Tables(types);
   };
   OdbcStatement statement(m_session, "tables");
-  RowReader& rows = m_session.ReadCatalog(statement, list);
-  while (rows.Next()) {
-    Entry entry{ToText(rows.Value(2)), ToText(rows.Value(1)), ToText(rows.Value(3)) == "TABLE"};
+  m_session.ReadCatalog(statement, list);
+  while (statement.Next()) {
+    Entry entry{ToText(statement.Value(2)), ToText(statement.Value(1)),
+                ToText(statement.Value(3)) == "TABLE"};
     if (IsOfTheServer(entry.schema) || (!own.empty() && !entry.schema.empty() && entry.schema != own))
       continue;
     m_entries.emplace(FoldCase(entry.name), std::move(entry));
@@ -103,13 +104,14 @@ std::unique_ptr<jet_sql::KnownRelation> Schema::ReadRelation(const Entry& entry)
     return statement.Columns(schema, table);
   };
   OdbcStatement statement(m_session, entry.name);
-  RowReader& rows = m_session.ReadCatalog(statement, list);
-  while (rows.Next()) {
-    if (ToText(rows.Value(2)) != entry.name) continue;
-    const auto type = static_cast<SQLSMALLINT>(ToInteger(rows.Value(4)));
+  m_session.ReadCatalog(statement, list);
+  while (statement.Next()) {
+    if (ToText(statement.Value(2)) != entry.name) continue;
+    const auto type = static_cast<SQLSMALLINT>(ToInteger(statement.Value(4)));
     const bool isWhole =
         type == SQL_INTEGER || type == SQL_SMALLINT || type == SQL_TINYINT || type == SQL_BIGINT;
-    relation->columns.push_back({ToText(rows.Value(3)), KindOfType(type, ToText(rows.Value(5))), isWhole});
+    relation->columns.push_back(
+        {ToText(statement.Value(3)), KindOfType(type, ToText(statement.Value(5))), isWhole});
   }
   return relation;
 }
@@ -133,8 +135,7 @@ std::vector<std::string> Schema::PrimaryKeyOf(const jet_sql::KnownRelation& tabl
     if (IsUnknownFunction(outcome)) return keys;
     m_session.RaiseFailure(outcome, table.name);
   }
-  RowReader& rows = statement.Rows();
-  while (rows.Next()) keys.push_back(ToText(rows.Value(3)));
+  while (statement.Next()) keys.push_back(ToText(statement.Value(3)));
   return keys;
 }
 

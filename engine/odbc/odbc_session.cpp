@@ -49,7 +49,7 @@ Outcome Session::Run(Connection::Call call, const std::shared_ptr<StatementData>
 }
 
 void Session::RaiseFailure(const Outcome& outcome, std::string_view piece) const {
-  RaiseOdbc(outcome.Diagnostics(), false, piece, m_connection.PasswordToHide());
+  throw ErrorOf(outcome.Diagnostics(), false, piece, m_connection.PasswordToHide());
 }
 
 // ---- statements
@@ -106,7 +106,7 @@ std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value
     const auto start = Clock::now();
     const Outcome outcome = statement.Execute(values);
     if (!outcome.Failed()) {
-      if (statement.RowCount() <= 1) SpendLockWait(start, Failure::kStatement);
+      if (statement.ChangedRows() <= 1) SpendLockWait(start, Failure::kStatement);
       break;
     }
     const Failure failure = FailureOf(outcome.Diagnostics());
@@ -117,7 +117,7 @@ std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value
     if (m_inGroup) Replay(std::exchange(m_group, {}));
     PauseBeforeTry(tried);
   }
-  const std::int64_t rows = statement.RowCount();
+  const std::int64_t rows = statement.ChangedRows();
   if (!m_inGroup) return rows;
   m_group.push_back(std::move(write));
   try {
@@ -170,25 +170,24 @@ std::vector<std::vector<std::string>> Session::Ask(const std::string& sql, const
   const Outcome outcome = statement.ExecuteReading(values);
   if (outcome.Failed()) RaiseFailure(outcome, sql);
   std::vector<std::vector<std::string>> rows;
-  for (RowReader& reader = statement.Rows(); reader.Next();) {
+  while (statement.Next()) {
     std::vector<std::string>& row = rows.emplace_back();
-    for (std::size_t i = 0; i < reader.Columns().size(); ++i) row.push_back(ToText(reader.Value(i)));
+    for (std::size_t i = 0; i < statement.Columns().size(); ++i) row.push_back(ToText(statement.Value(i)));
   }
   return rows;
 }
 
-RowReader& Session::ReadCatalog(OdbcStatement& statement, StatementData::CatalogFunction function) {
+void Session::ReadCatalog(OdbcStatement& statement, StatementData::CatalogFunction function) {
   FetchPiecewise(false);
   const Outcome outcome = statement.ExecuteCatalog(std::move(function));
   if (outcome.Failed()) RaiseFailure(outcome, statement.Sql().Text());
-  return statement.Rows();
 }
 
 // ---- retrying
 
 bool Session::MayTryAgain(Failure failure, int tried) const {
   return failure == Failure::kConflict && m_transactionOwner == nullptr && tried < kMaxTries &&
-         !m_action->locks.IsSpent();
+         m_action->lockTime.count() > 0;
 }
 
 // The pause grows, so that competing connections do not collide again immediately.
@@ -202,7 +201,8 @@ void Session::SpendLockWait(Clock::time_point start, Failure failure) {
   const auto time = Clock::now() - start;
   const bool hasWaited = failure == Failure::kConflict || failure == Failure::kLock;
   if (hasWaited || time > kNoLockWait + 3 * m_usualTime) {
-    m_action->locks.Spend(std::chrono::duration_cast<milliseconds>(time));
+    const auto spent = std::chrono::duration_cast<milliseconds>(time);
+    m_action->lockTime = std::max(m_action->lockTime - spent, milliseconds(0));
   }
   m_usualTime = std::min(m_usualTime, time);
 }
@@ -347,10 +347,6 @@ void Session::DetachStreaming() {
 // ---- transactions
 
 void Session::BeginTransaction(const Database& owner) {
-  if (m_transactionOwner != nullptr) {
-    Raise(error_number::kInvalidOperation,
-          "Invalid operation: a transaction has begun already on '" + Place() + "'.");
-  }
   Flush();
   BeginByHand();
   m_transactionOwner = &owner;

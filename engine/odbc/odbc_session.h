@@ -12,7 +12,6 @@
 
 #include "engine/database.h"
 #include "engine/odbc/connection.h"
-#include "engine/odbc/lock_budget.h"
 #include "engine/odbc/odbc_error.h"
 #include "engine/odbc/odbc_plan.h"
 #include "engine/odbc/odbc_schema.h"
@@ -25,13 +24,13 @@ namespace kxrestore::engine::odbc {
 
 // Shared by the sessions of one user action.
 struct ActionState {
-  explicit ActionState(std::chrono::milliseconds lockWaits) : locks(lockWaits) {}
-  LockBudget locks;
+  explicit ActionState(std::chrono::milliseconds time) : lockTime(time) {}
+  std::chrono::milliseconds lockTime;                        // left for waiting for others' locks
   std::map<std::string, std::shared_ptr<SavedTexts>> texts;  // by connect string
 };
 
 // Every function that accesses the server raises the errors of Connection::Run, and the driver's, see
-// RaiseOdbc.
+// ErrorOf.
 class Session {
  public:
   // `connect` begins with "ODBC;". `action`: the user action that the session is kept for, in which updates
@@ -47,7 +46,7 @@ class Session {
   const std::string& Place() const { return m_connection.Server(); }  // for messages
   Connection& Driver() { return m_connection; }
   const ServerFacts& Facts() const { return m_facts; }
-  const jet_sql::ServerDialect& Dialect() const { return *m_dialect; }
+  const jet_sql::Dialect& Dialect() const { return *m_dialect; }
   Schema& Tables() { return m_schema; }
   bool IsLost() const { return m_connection.IsLost(); }  // the server is gone; a new session is needed
   // Whether changes are uncommitted, or were lost and not yet reported.
@@ -83,8 +82,8 @@ class Session {
   void RunSchemaChange(const std::vector<std::string>& statements);
   // Rows of a short query on the server itself, as texts.
   std::vector<std::vector<std::string>> Ask(const std::string& sql, const std::vector<Value>& values = {});
-  // Rows of one of the driver's catalog functions.
-  RowReader& ReadCatalog(OdbcStatement& statement, StatementData::CatalogFunction function);
+  // Calls one of the driver's catalog functions, whose rows the statement then has.
+  void ReadCatalog(OdbcStatement& statement, StatementData::CatalogFunction function);
 
   StreamingList& Streaming() { return m_streaming; }
 
@@ -136,7 +135,7 @@ class Session {
   std::chrono::milliseconds m_lockLimit{0};  // as set on the server; 0: not set
   Clock::duration m_usualTime{};             // shortest execution time so far
   ServerFacts m_facts;
-  std::unique_ptr<jet_sql::ServerDialect> m_dialect;
+  std::unique_ptr<jet_sql::Dialect> m_dialect;
   Schema m_schema;
   StreamingList m_streaming;
   PlanCache<Plan> m_plans;

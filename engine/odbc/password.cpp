@@ -1,7 +1,6 @@
 #include "engine/odbc/password.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "base/text.h"
@@ -43,35 +42,15 @@ bool IsPasswordKeyword(std::string_view keyword) {
   return EqualIgnoringCase(Trimmed(keyword), "PWD") || EqualIgnoringCase(Trimmed(keyword), "PASSWORD");
 }
 
+constexpr std::string_view kKeywords =
+    " driver dsn filedsn savefile server servername database uid user username port pwd password app wsid "
+    "trusted_connection encrypt sslmode address network language timeout trustservercertificate ";
+
 // Whether a part between semicolons is a setting of its own rather than the rest of a password.
 bool NamesKeyword(std::string_view piece) {
-  if (piece.find('=') == std::string_view::npos) return false;
-  const std::string_view keyword = Trimmed(SplitAt(piece, '=').first);
-  constexpr std::array kKeywords = {"DRIVER",
-                                    "DSN",
-                                    "FILEDSN",
-                                    "SAVEFILE",
-                                    "SERVER",
-                                    "SERVERNAME",
-                                    "DATABASE",
-                                    "UID",
-                                    "USER",
-                                    "USERNAME",
-                                    "PORT",
-                                    "PWD",
-                                    "PASSWORD",
-                                    "APP",
-                                    "WSID",
-                                    "TRUSTED_CONNECTION",
-                                    "ENCRYPT",
-                                    "SSLMODE",
-                                    "ADDRESS",
-                                    "NETWORK",
-                                    "LANGUAGE",
-                                    "TIMEOUT",
-                                    "TRUSTSERVERCERTIFICATE"};
-  return std::any_of(kKeywords.begin(), kKeywords.end(),
-                     [&](const char* known) { return EqualIgnoringCase(known, keyword); });
+  const std::string keyword(Trimmed(SplitAt(piece, '=').first));
+  return piece.find('=') != std::string_view::npos && keyword.find(' ') == std::string::npos &&
+         kKeywords.find(" " + FoldCase(keyword) + " ") != std::string_view::npos;
 }
 
 // A value in braces up to its closing brace; a doubled brace is part of the value. Empty when there is none.

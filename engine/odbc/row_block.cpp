@@ -176,7 +176,7 @@ Outcome RowBlock::ReadLongText(StatementHandle& statement, std::size_t column, s
   SQLLEN& size = m_columns[column].sizes[row];
   whole.clear();
   if (m_maxRows > 1) {
-    Outcome outcome = statement.StandOn(row);
+    Outcome outcome = statement.MoveTo(row);
     if (outcome.Failed()) return outcome;
   }
   for (;;) {

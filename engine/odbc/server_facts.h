@@ -1,7 +1,6 @@
 // Properties of the server, as reported by its driver, that statements and cursors depend on.
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "engine/jet_sql/printing/server_dialects.h"
@@ -25,15 +24,12 @@ struct ServerFacts {
   bool foldsAsciiOnly = false;  // its lower() folds ASCII only, but a collation folds all
   std::string patternEscape;    // of the catalog functions
   // Of SQL Server
-  bool mindsCase = false;  // the database's collation is case-sensitive
+  bool caseSensitive = false;  // the database's collation
   // Of both
   std::string schema;  // the default one
 
   bool IsPostgres() const { return dbms == "PostgreSQL"; }
   bool IsSqlServer() const { return dbms == "Microsoft SQL Server"; }
 };
-
-// The only place where a server's dialect is chosen; error 3146 for an unsupported server.
-std::unique_ptr<jet_sql::ServerDialect> MakeDialect(const ServerFacts& facts);
 
 }  // namespace kxrestore::engine::odbc

@@ -1,6 +1,7 @@
 // The part of Session that queries the properties of driver and server, and configures them.
 #include <array>
 
+#include "engine/error_numbers.h"
 #include "engine/odbc/odbc_session.h"
 
 namespace kxrestore::engine::odbc {
@@ -45,6 +46,15 @@ Outcome ReadBytes(StatementHandle& statement, std::string_view sql, std::string&
   return outcome;
 }
 
+std::unique_ptr<jet_sql::Dialect> MakeDialect(const ServerFacts& facts) {
+  if (facts.IsPostgres()) {
+    return std::make_unique<jet_sql::PostgresDialect>(facts.order, facts.foldsAsciiOnly);
+  }
+  if (facts.IsSqlServer()) return std::make_unique<jet_sql::TsqlDialect>(facts.caseSensitive);
+  Raise(error_number::kOdbcFailed,
+        "ODBC - call failed: the server is '" + facts.dbms + "', neither SQL Server nor PostgreSQL.");
+}
+
 }  // namespace
 
 // Whether a text that is fetched as bytes is UTF-8: a driver may convert it to the encoding of the process,
@@ -84,7 +94,7 @@ void Session::ReadFacts() {
         Ask("SELECT SCHEMA_NAME(), CAST(DATABASEPROPERTYEX(DB_NAME(), 'Collation') AS nvarchar(128))");
     const std::string& collation = rows.at(0).at(1);
     m_facts.schema = rows.at(0).at(0);
-    m_facts.mindsCase =
+    m_facts.caseSensitive =
         collation.find("_CS_") != std::string::npos || collation.find("_BIN") != std::string::npos;
   }
   m_usualTime = Clock::now() - start;
@@ -105,7 +115,7 @@ void Session::ReadPostgresFacts(bool isPsqlodbc) {
     const Outcome outcome = m_connection.Run(choose);
     if (outcome.Failed()) RaiseFailure(outcome, Place());
   }
-  m_lockLimit = std::max(m_action->locks.Left(), milliseconds(1));
+  m_lockLimit = std::max(m_action->lockTime, milliseconds(1));
   const auto rows = Ask(
       "SELECT current_schema(), datcollate, datctype, (SELECT count(*) FROM pg_catalog.pg_collation WHERE "
       "collname = 'und-x-icu'), current_setting('client_encoding'), current_setting('server_encoding'), "
@@ -150,7 +160,7 @@ void Session::FetchPiecewise(bool piecewise) {
 // Sets the time that the next statement may wait for a lock. Servers without this setting are bound by the
 // time limit of the statement.
 void Session::LimitLockWaits() {
-  const milliseconds left = std::max(m_action->locks.Left(), milliseconds(1));
+  const milliseconds left = std::max(m_action->lockTime, milliseconds(1));
   if (m_lockLimit.count() > 0 && std::chrono::abs(m_lockLimit - left) < kLockStep && left > kLockStep) return;
   if (m_lockLimit == left) return;
   const std::string limit = std::to_string(left.count());

@@ -82,11 +82,6 @@ void Connection::PrepareForWriting() {
   m_preparedForWriting = true;
 }
 
-void Connection::Raise(int code, Doing doing, std::string_view piece) const {
-  if (m_tables) m_tables->RaiseFailure(sqlite3_errmsg(Get()));
-  RaiseSqlite(Get(), code, doing, {m_file, m_refusedTrigger}, piece);
-}
-
 Statement Connection::Prepare(std::string_view sql, Doing doing) const {
   m_refusedTrigger.clear();
   sqlite3_stmt* statement = nullptr;

@@ -10,11 +10,12 @@
 
 #include "engine/sqlite/api.h"
 #include "engine/sqlite/foreign_tables.h"
-#include "engine/sqlite/sqlite_error.h"
 #include "engine/sqlite/statement.h"
 #include "engine/sqlite/waiter.h"
 
 namespace kxrestore::engine::sqlite {
+
+enum class Doing { kOpening, kReading, kWriting };
 
 class Connection {
  public:
@@ -52,8 +53,6 @@ class Connection {
 
   // Whether a writing statement does a small, bounded amount of work: no loops, no triggers.
   bool IsBounded(std::string_view sql) const;
-
-  const std::string& RefusedTrigger() const { return m_refusedTrigger; }
 
  private:
   struct Closer {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/error.h"
 #include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/meaning/read_columns.h"
@@ -12,23 +13,56 @@
 #include "engine/jet_sql/reading/lexer.h"
 #include "engine/jet_sql/reading/parser.h"
 #include "engine/jet_sql/reading/source_text.h"
-#include "engine/sqlite/table_facts.h"
+#include "engine/jet_sql/reading/view_text.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
 
 using namespace jet_sql;  // NOLINT: the planner speaks of little else
 
-ColumnKind KindOf(const char* declared) {  // null for what no column holds
-  if (declared == nullptr) return ColumnKind::kPlain;
+// The kind of a column by its declared type, which is null for a calculated one. Only Booleans and dates need
+// conversion.
+ValueKind KindOf(const char* declared) {
+  if (declared == nullptr) return ValueKind::kUnknown;
   for (const char* type : {"BOOLEAN", "BOOL", "BIT", "YESNO"}) {
-    if (EqualIgnoringCase(declared, type)) return ColumnKind::kBoolean;
+    if (EqualIgnoringCase(declared, type)) return ValueKind::kBoolean;
   }
   for (const char* type : {"DATE", "DATETIME", "TIMESTAMP"}) {
-    if (EqualIgnoringCase(declared, type)) return ColumnKind::kDate;
+    if (EqualIgnoringCase(declared, type)) return ValueKind::kDate;
   }
-  return ColumnKind::kPlain;
+  return ValueKind::kUnknown;
 }
+
+class SqliteTableFacts final : public TableFacts {
+ public:
+  explicit SqliteTableFacts(const Connection& connection) : m_connection(connection) {}
+
+  std::optional<std::string> SavedQuery(const std::string& name) override {
+    Statement find = m_connection.Prepare(
+        "SELECT sql FROM sqlite_schema WHERE type = 'view' AND name = ?1 COLLATE NOCASE");
+    find.Bind(1, std::string_view(name));
+    if (!find.Next(name)) return std::nullopt;
+    try {
+      return QueryTextOfView(find.Text(0));
+    } catch (const Error&) {
+      return std::nullopt;
+    }
+  }
+
+  bool IsRowKey(const std::string& table, const std::string& column) override {
+    const auto facts = m_connection.FindColumn(table, column, true);
+    if (!facts || !facts->inKey || !EqualIgnoringCase(facts->type, "INTEGER")) return false;
+    Statement count = m_connection.Prepare("SELECT count(*) FROM pragma_table_info(?1) WHERE pk > 0");
+    count.Bind(1, std::string_view(table));
+    return count.Next(table) && count.Integer(0) == 1;
+  }
+
+  bool ComparesExactly(const std::string& /*table*/, const std::string& /*column*/) override { return true; }
+  bool MasksKeepGroups() const override { return true; }
+
+ private:
+  const Connection& m_connection;
+};
 
 bool HasRowNumber(const Connection& connection, const std::string& table) {
   return connection.FindColumn(table, "_rowid_").has_value();
@@ -43,29 +77,21 @@ void CollectTables(const Connection& connection, const JoinChain& chain, std::ve
     } else if (table.query || !HasRowNumber(connection, table.name)) {
       pure = false;
     } else {
-      tables.push_back({table.name, table.alias.empty() ? table.name : table.alias, 0});
+      tables.push_back({table.name, table.alias.empty() ? table.name : table.alias, {"_rowid_"}, {}});
     }
   };
   collect(chain.first);
   for (const Join& join : chain.joins) collect(join.table);
 }
 
-// Adds the row number of each table to the statement of a dynaset that can be changed.
-std::vector<PlanTable> AddRowNumbers(const Connection& connection, SelectStatement& statement, bool& pure) {
-  std::vector<PlanTable> tables;
-  SelectCore& core = statement.cores.front();
-  if (statement.cores.size() != 1 || core.distinct || !core.groupBy.empty() || core.having) return tables;
+// The tables of a dynaset's statement, if its rows can be changed.
+void FindTables(const Connection& connection, const SelectStatement& statement, Plan& plan, bool& pure) {
+  const SelectCore& core = statement.cores.front();
+  if (statement.cores.size() != 1 || core.distinct || !core.groupBy.empty() || core.having) return;
   for (const SelectItem& item : core.items) {
-    if (item.expression && HoldsAggregate(*item.expression)) return tables;
+    if (item.expression && HoldsAggregate(*item.expression)) return;
   }
-  for (const JoinChain& chain : core.from) CollectTables(connection, chain, tables, pure);
-  for (std::size_t i = 0; i < tables.size(); ++i) {
-    SelectItem item;
-    item.expression = MakeColumn(tables[i].alias, "_rowid_");
-    item.alias = "kx_row_" + std::to_string(i);
-    core.items.push_back(std::move(item));
-  }
-  return tables;
+  for (const JoinChain& chain : core.from) CollectTables(connection, chain, plan.tables, pure);
 }
 
 bool HasStar(const SelectCore& core) {
@@ -76,17 +102,17 @@ bool HasStar(const SelectCore& core) {
 // Which table a column belongs to. By the table's name when that is certain, else by how the text qualifies
 // it.
 std::size_t TableOf(const Plan& plan, const char* tableName, const Expression* written, bool pure) {
-  if (tableName == nullptr) return PlanColumn::kNoTable;
+  if (tableName == nullptr) return ResultColumn::kNoTable;
   const bool qualified =
       written != nullptr && written->kind == ExpressionKind::kColumn && !written->qualifier.empty();
-  std::size_t found = PlanColumn::kNoTable;
+  std::size_t found = ResultColumn::kNoTable;
   for (std::size_t i = 0; i < plan.tables.size(); ++i) {
     if (!EqualIgnoringCase(plan.tables[i].name, tableName)) continue;
     if (qualified) {
       if (EqualIgnoringCase(plan.tables[i].alias, written->qualifier)) return i;
       continue;
     }
-    if (!pure || found != PlanColumn::kNoTable) return PlanColumn::kNoTable;
+    if (!pure || found != ResultColumn::kNoTable) return ResultColumn::kNoTable;
     found = i;
   }
   return found;
@@ -100,24 +126,20 @@ std::vector<ResultColumn> NamesOfColumns(const Statement& statement) {
 
 void DescribeColumns(Plan& plan, const Statement& prepared, const SelectStatement& select, bool pure) {
   sqlite3_stmt* const statement = prepared.Get();
-  plan.allColumns = static_cast<std::size_t>(prepared.ColumnCount());
-  const std::size_t visible = plan.allColumns - plan.tables.size();
+  const std::size_t visible = static_cast<std::size_t>(prepared.ColumnCount()) - plan.hidden;
   const SelectCore& core = select.cores.front();
   const bool star = HasStar(core);
   for (std::size_t i = 0; i < visible; ++i) {
     const int index = static_cast<int>(i);
-    PlanColumn column;
+    ResultColumn& column = plan.columns.emplace_back();
     column.name = prepared.ColumnName(index);
     column.kind = KindOf(sqlite3_column_decltype(statement, index));
     const Expression* written = star || i >= core.items.size() ? nullptr : core.items[i].expression.get();
     column.table = TableOf(plan, sqlite3_column_table_name(statement, index), written, pure);
-    if (column.table != PlanColumn::kNoTable) {
-      const char* origin = sqlite3_column_origin_name(statement, index);
-      if (origin != nullptr) column.baseName = origin;
-    }
-    plan.columns.push_back(std::move(column));
+    if (column.table == ResultColumn::kNoTable) continue;
+    const char* origin = sqlite3_column_origin_name(statement, index);
+    if (origin != nullptr) column.baseName = origin;
   }
-  for (std::size_t i = 0; i < plan.tables.size(); ++i) plan.tables[i].rowColumn = visible + i;
 }
 
 bool ExistsInSchema(const Connection& connection, std::string_view name) {
@@ -169,36 +191,28 @@ std::shared_ptr<Plan> MakePlan(const Connection& connection, const Sql& sql, Sta
   }
   if (select != nullptr) LeaveOutUnreadNestedColumns(*select);
   if (use == StatementUse::kDynaset && select != nullptr) {
-    plan->tables = AddRowNumbers(connection, *select, pure);
+    FindTables(connection, *select, *plan, pure);
+    AddKeyColumns(*select, *plan);
   }
   plan->sql = Print(statement, dialect);
+  const std::string& text = plan->sql.Text();
   Statement prepared =
-      connection.Prepare(plan->sql, use == StatementUse::kAction ? Doing::kWriting : Doing::kReading);
+      connection.Prepare(text, use == StatementUse::kAction ? Doing::kWriting : Doing::kReading);
   if (select != nullptr) DescribeColumns(*plan, prepared, *select, pure);
-  if (use == StatementUse::kAction) plan->bounded = connection.IsBounded(plan->sql);
+  if (use == StatementUse::kAction) plan->bounded = connection.IsBounded(text);
   plan->idle.push_back(std::move(prepared));
   return plan;
 }
 
 RowUpdate& FindRowUpdate(const Connection& connection, Plan& plan, const std::vector<std::size_t>& columns) {
-  for (const auto& update : plan.updates) {
-    if (update->columns == columns) return *update;
-  }
-  const PlanTable& table = plan.tables[plan.columns[columns.front()].table];
-  const SqliteDialect dialect(false);
-  std::string sql = "UPDATE " + dialect.Identifier(table.name) + " SET ";
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    sql += (i == 0 ? "" : ", ") + dialect.Identifier(plan.columns[columns[i]].baseName) + " = ?" +
-           std::to_string(i + 2);
-  }
-  auto update = std::make_unique<RowUpdate>();
-  update->columns = columns;
-  update->disturbs = Disturbs(connection, table, plan, columns);
-  sql += " WHERE _rowid_ = ?1";
-  update->bounded = connection.IsBounded(sql);
-  update->statement = connection.Prepare(sql, Doing::kWriting);
-  plan.updates.push_back(std::move(update));
-  return *plan.updates.back();
+  const auto make = [&](const PlanTable& table, const PrintedSql& sql) {
+    auto update = std::make_unique<RowUpdate>();
+    update->disturbs = Disturbs(connection, table, plan, columns);
+    update->bounded = connection.IsBounded(sql.Text());
+    update->statement = connection.Prepare(sql.Text(), Doing::kWriting);
+    return update;
+  };
+  return engine::FindRowUpdate(plan, columns, SqliteDialect(false), make);
 }
 
 }  // namespace kxrestore::engine::sqlite

@@ -37,13 +37,12 @@ std::shared_ptr<Plan> Session::FindPlan(const Sql& sql, Use use, const ColumnNam
 Statement Session::Acquire(Plan& plan, const std::vector<Value>& values) {
   Statement statement;
   if (plan.idle.empty()) {
-    statement = m_connection.Prepare(plan.sql);
+    statement = m_connection.Prepare(plan.sql.Text());
   } else {
     statement = std::move(plan.idle.back());
     plan.idle.pop_back();
   }
-  int parameter = 0;
-  for (const Value& value : values) statement.Bind(++parameter, value);
+  statement.Bind(values);
   return statement;
 }
 
@@ -144,10 +143,6 @@ void Session::Settle() {
 // ---- transactions
 
 void Session::BeginTransaction(const Database& owner) {
-  if (m_transactionOwner) {
-    engine::Raise(error_number::kInvalidOperation,
-                  "Invalid operation: a transaction has begun already in '" + Place() + "'.");
-  }
   SettleForCommit();
   CommitGroup();
   if (m_groupLost) std::rethrow_exception(m_groupLost);  // it stays to be told of the group

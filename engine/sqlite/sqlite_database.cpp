@@ -26,18 +26,9 @@ const std::shared_ptr<Session>& SqliteDatabase::OpenSettled() const {
   return session;
 }
 
-std::unique_ptr<Recordset> SqliteDatabase::OpenRecordset(std::string_view source, RecordsetType type,
-                                                         const ColumnNames& read) {
-  return OpenRecordset(Sql(source), type, read);
-}
-
 std::unique_ptr<Recordset> SqliteDatabase::OpenRecordset(const Sql& sql, RecordsetType type,
                                                          const ColumnNames& read) {
   return std::make_unique<SqliteRecordset>(OpenSettled(), sql, type, read, IsReadOnly());
-}
-
-std::int64_t SqliteDatabase::Execute(std::string_view sql, int options) {
-  return Execute(Sql(sql), options);
 }
 
 std::int64_t SqliteDatabase::Execute(const Sql& sql, int /*options*/) {
@@ -45,7 +36,7 @@ std::int64_t SqliteDatabase::Execute(const Sql& sql, int /*options*/) {
   const std::shared_ptr<Plan> plan = session.FindPlan(sql, Session::Use::kAction);
   OpenForWriting();
   Statement statement = session.Acquire(*plan, sql.Values());
-  session.RunWrite(statement, {true, plan->bounded}, plan->sql);
+  session.RunWrite(statement, {true, plan->bounded}, plan->sql.Text());
   const std::int64_t changes = session.Link().Changes();
   Session::Release(*plan, std::move(statement));
   return changes;

@@ -14,11 +14,8 @@ class SqliteDatabase : public SessionDatabase<Session> {
   SqliteDatabase(const std::shared_ptr<Session>& session, bool readOnly)
       : SessionDatabase(session, readOnly || session->IsReadOnly()) {}
 
-  std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type,
-                                           const ColumnNames& read) override;
   std::unique_ptr<Recordset> OpenRecordset(const Sql& sql, RecordsetType type,
                                            const ColumnNames& read) override;
-  std::int64_t Execute(std::string_view sql, int options) override;
   std::int64_t Execute(const Sql& sql, int options) override;
   std::string QueryText(std::string_view name) override;
   void CreateQueryDef(std::string_view name, std::string_view sql) override;

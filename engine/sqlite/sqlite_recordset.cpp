@@ -1,20 +1,15 @@
 #include "engine/sqlite/sqlite_recordset.h"
 
-#include <algorithm>
-
-#include "engine/error_numbers.h"
 #include "engine/sqlite/planner.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
 
-namespace number = error_number;
-
-ValueView OfKind(ColumnKind kind, const ValueView& value) {
-  if (kind == ColumnKind::kBoolean) {
+ValueView OfKind(jet_sql::ValueKind kind, const ValueView& value) {
+  if (kind == jet_sql::ValueKind::kBoolean) {
     if (const auto* integer = std::get_if<std::int64_t>(&value)) return *integer != 0;
     if (const auto* real = std::get_if<double>(&value)) return *real != 0;
-  } else if (kind == ColumnKind::kDate) {
+  } else if (kind == jet_sql::ValueKind::kDate) {
     if (const auto date = ToDateTime(value)) return *date;
   }
   return value;
@@ -26,8 +21,9 @@ SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, const Sql& sq
                                  const ColumnNames& read, bool readOnly)
     : StreamedRecordset(type, readOnly), m_session(std::move(session)) {
   Outcome outcome = Open(sql, read);
-  if (outcome.IsRow() && m_statement.ColumnCount() != static_cast<int>(m_plan->allColumns)) {
-    m_session->ForgetPlans();  // somebody else has changed the schema meanwhile
+  if (outcome.IsRow() &&
+      m_statement.ColumnCount() != static_cast<int>(m_plan->columns.size() + m_plan->hidden)) {
+    m_session->ForgetPlans();  // another program has changed the schema since the plan was made
     outcome = Open(sql, read);
   }
   if (outcome.IsRow()) {
@@ -35,7 +31,7 @@ SqliteRecordset::SqliteRecordset(std::shared_ptr<Session> session, const Sql& sq
   } else if (!outcome.IsDone()) {
     m_session->Link().Raise(outcome.Code(), Doing::kReading, sql.Printed());
   }
-  Begin(outcome.IsRow(), m_plan->columns.size(), m_plan->allColumns - m_plan->columns.size());
+  Begin(outcome.IsRow(), m_plan->columns.size(), m_plan->hidden);
 }
 
 Outcome SqliteRecordset::Open(const Sql& sql, const ColumnNames& read) {
@@ -54,44 +50,26 @@ void SqliteRecordset::LetStatementGo() {
   Session::Release(*m_plan, std::move(m_statement));
 }
 
-bool SqliteRecordset::Fetch(bool mayStop) {
-  const Outcome outcome = m_statement.Step(mayStop ? Stop::kWork : Stop::kNothing);
+bool SqliteRecordset::Fetch() {
+  const Outcome outcome = m_statement.Step(Stop::kWork);
   if (outcome.IsRow()) return true;
-  if (!outcome.IsDone()) m_session->Link().Raise(outcome.Code(), Doing::kReading, m_plan->sql);
+  if (!outcome.IsDone()) m_session->Link().Raise(outcome.Code(), Doing::kReading, m_plan->sql.Text());
   return false;
 }
 
 ValueView SqliteRecordset::Streamed(std::size_t index) const {
-  const ColumnKind kind = index < m_plan->columns.size() ? m_plan->columns[index].kind : ColumnKind::kPlain;
+  using jet_sql::ValueKind;
+  const ValueKind kind = index < m_plan->columns.size() ? m_plan->columns[index].kind : ValueKind::kUnknown;
   const ValueView value = m_statement.Read(static_cast<int>(index));
-  return kind == ColumnKind::kPlain ? value : OfKind(kind, value);
+  return kind == ValueKind::kUnknown ? value : OfKind(kind, value);
 }
 
-void SqliteRecordset::UpdateTable(std::size_t table, const Changes& changes) {
-  std::vector<std::size_t> columns;
-  for (const auto& [column, value] : changes) {
-    if (m_plan->columns[column].table == table) columns.push_back(column);
-  }
-  if (columns.empty()) return;
-  const ValueView row = RowValue(m_plan->tables[table].rowColumn);
-  const auto* rowNumber = std::get_if<std::int64_t>(&row);
-  if (rowNumber == nullptr) {
-    Raise(number::kReadOnly, "Cannot update: the row has no record in '" + m_plan->tables[table].name + "'.");
-  }
+std::int64_t SqliteRecordset::UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value> values) {
   RowUpdate& update = FindRowUpdate(m_session->Link(), *m_plan, columns);
-  update.statement.Bind(1, *rowNumber);
-  int parameter = 2;
-  for (const auto& [column, value] : changes) {
-    if (m_plan->columns[column].table == table) update.statement.Bind(parameter++, value);
-  }
-  m_session->RunWrite(update.statement, {update.disturbs, update.bounded}, m_plan->tables[table].name);
-  if (m_session->Link().Changes() == 0) {
-    Raise(number::kRecordDeleted, "Record is deleted: '" + m_plan->tables[table].name + "'.");
-  }
-}
-
-void SqliteRecordset::Write(const Changes& changes) {
-  for (std::size_t table = 0; table < m_plan->tables.size(); ++table) UpdateTable(table, changes);
+  update.statement.Bind(values);
+  const PlanTable& table = m_plan->tables[m_plan->columns[columns.front()].table];
+  m_session->RunWrite(update.statement, {update.disturbs, update.bounded}, table.name);
+  return m_session->Link().Changes();
 }
 
 }  // namespace kxrestore::engine::sqlite

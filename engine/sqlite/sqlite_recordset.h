@@ -19,17 +19,15 @@ class SqliteRecordset final : public StreamedRecordset {
   SqliteRecordset& operator=(const SqliteRecordset&) = delete;
 
  private:
-  bool Fetch(bool mayStop) override;
+  bool Fetch() override;
   void LetStatementGo() override;
   ValueView Streamed(std::size_t index) const override;
   std::string_view ColumnName(std::size_t index) const override { return m_plan->columns[index].name; }
   const std::string& Place() const override { return m_session->Place(); }
-  bool CanChangeRows() const override { return !m_plan->tables.empty(); }
-  bool CanChange(std::size_t index) const override { return !m_plan->columns[index].baseName.empty(); }
-  void Write(const Changes& changes) override;
+  const CachedPlan& StatementPlan() const override { return *m_plan; }
+  std::int64_t UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value> values) override;
 
   Outcome Open(const Sql& sql, const ColumnNames& read);
-  void UpdateTable(std::size_t table, const Changes& changes);
 
   std::shared_ptr<Session> m_session;
   std::shared_ptr<Plan> m_plan;

@@ -8,10 +8,6 @@ void Statement::Bind(int parameter, std::int64_t value) {
   m_connection->Check(Outcome(sqlite3_bind_int64(Get(), parameter, value)));
 }
 
-void Statement::Bind(int parameter, double value) {
-  m_connection->Check(Outcome(sqlite3_bind_double(Get(), parameter, value)));
-}
-
 void Statement::Bind(int parameter, std::string_view value) {
   const char* const text =
       value.data() == nullptr ? "" : value.data();  // a null pointer would be bound as null
@@ -19,20 +15,20 @@ void Statement::Bind(int parameter, std::string_view value) {
       Outcome(sqlite3_bind_text64(Get(), parameter, text, value.size(), SQLITE_TRANSIENT, SQLITE_UTF8)));
 }
 
-void Statement::Bind(int parameter, const Value& value) {
-  struct Visitor {
+void Statement::Bind(const std::vector<Value>& values) {
+  struct Binder {
     Statement& statement;
     int parameter;
-    void operator()(std::monostate) const {
-      statement.m_connection->Check(Outcome(sqlite3_bind_null(statement.Get(), parameter)));
-    }
-    void operator()(bool b) const { statement.Bind(parameter, std::int64_t{b ? 1 : 0}); }
+    void operator()(std::monostate) const { Check(sqlite3_bind_null(statement.Get(), parameter)); }
+    void operator()(bool flag) const { statement.Bind(parameter, std::int64_t{flag ? 1 : 0}); }
     void operator()(std::int64_t integer) const { statement.Bind(parameter, integer); }
-    void operator()(double real) const { statement.Bind(parameter, real); }
+    void operator()(double real) const { Check(sqlite3_bind_double(statement.Get(), parameter, real)); }
     void operator()(const std::string& text) const { statement.Bind(parameter, std::string_view(text)); }
-    void operator()(const DateTime& date) const { (*this)(ToText(date)); }
+    void operator()(const DateTime& date) const { statement.Bind(parameter, std::string_view(ToText(date))); }
+    void Check(int code) const { statement.m_connection->Check(Outcome(code)); }
   };
-  std::visit(Visitor{*this, parameter}, value);
+  int parameter = 0;
+  for (const Value& value : values) std::visit(Binder{*this, ++parameter}, value);
 }
 
 Outcome Statement::Step(Stop stop) {

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "engine/sqlite/api.h"
 #include "engine/sqlite/waiter.h"
@@ -27,9 +27,8 @@ class Statement {
 
   // Parameters are numbered from 1. Texts are copied.
   void Bind(int parameter, std::int64_t value);
-  void Bind(int parameter, double value);
   void Bind(int parameter, std::string_view value);
-  void Bind(int parameter, const Value& value);
+  void Bind(const std::vector<Value>& values);  // to all parameters
 
   // To the next row or the end.
   Outcome Step(Stop stop);

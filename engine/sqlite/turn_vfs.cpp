@@ -9,22 +9,41 @@
 namespace kxrestore::engine::sqlite {
 namespace {
 
-// The system's own file lies behind it.
+// The system's own file follows it in memory.
 struct TurnFile {
   sqlite3_file base;
 };
 
-sqlite3_file* RealOf(sqlite3_file* file) {
+sqlite3_file* SystemOf(sqlite3_file* file) {
   return reinterpret_cast<sqlite3_file*>(reinterpret_cast<TurnFile*>(file) + 1);
 }
 
-const sqlite3_io_methods& MethodsOf(sqlite3_file* file) {
-  return *RealOf(file)->pMethods;
+const sqlite3_io_methods* MethodsOf(sqlite3_file* file) {
+  return SystemOf(file)->pMethods;
 }
 
-sqlite3_vfs* BaseOf(sqlite3_vfs* vfs) {
+sqlite3_vfs* SystemOf(sqlite3_vfs* vfs) {
   return static_cast<sqlite3_vfs*>(vfs->pAppData);
 }
+
+const sqlite3_vfs* MethodsOf(sqlite3_vfs* vfs) {
+  return SystemOf(vfs);
+}
+
+// Forward<&sqlite3_io_methods::xRead>::Call passes the call on to the system's file or VFS.
+template <auto kMethod>
+struct Forward;
+
+template <class Methods, class Object, class Result, class... Arguments,
+          Result (*Methods::*kMethod)(Object*, Arguments...)>
+struct Forward<kMethod> {
+  static Result Call(Object* object, Arguments... arguments) {
+    return (MethodsOf(object)->*kMethod)(SystemOf(object), arguments...);
+  }
+};
+
+template <auto kMethod>
+constexpr auto kForward = Forward<kMethod>::Call;
 
 bool GoOn() noexcept {
   Waiter* const waiter = Waiter::Current();
@@ -42,157 +61,70 @@ int DoAside(Work work) {
 
 // ---- files
 
-int Close(sqlite3_file* file) {
-  const int code = MethodsOf(file).xClose(RealOf(file));
-  file->pMethods = nullptr;
-  return code;
-}
-
 int Read(sqlite3_file* file, void* to, int size, sqlite3_int64 at) {
   if (!GoOn()) return SQLITE_INTERRUPT;
-  return MethodsOf(file).xRead(RealOf(file), to, size, at);
+  return kForward<&sqlite3_io_methods::xRead>(file, to, size, at);
 }
 
 int Write(sqlite3_file* file, const void* from, int size, sqlite3_int64 at) {
   if (Waiter* const waiter = Waiter::Current()) waiter->GiveTurn();
-  return MethodsOf(file).xWrite(RealOf(file), from, size, at);
-}
-
-int Truncate(sqlite3_file* file, sqlite3_int64 size) {
-  return MethodsOf(file).xTruncate(RealOf(file), size);
+  return kForward<&sqlite3_io_methods::xWrite>(file, from, size, at);
 }
 
 int Sync(sqlite3_file* file, int flags) {
-  return DoAside([=] { return MethodsOf(file).xSync(RealOf(file), flags); });
-}
-
-int FileSize(sqlite3_file* file, sqlite3_int64* size) {
-  return MethodsOf(file).xFileSize(RealOf(file), size);
-}
-
-int Lock(sqlite3_file* file, int level) {
-  return MethodsOf(file).xLock(RealOf(file), level);
-}
-
-int Unlock(sqlite3_file* file, int level) {
-  return MethodsOf(file).xUnlock(RealOf(file), level);
-}
-
-int CheckReservedLock(sqlite3_file* file, int* reserved) {
-  return MethodsOf(file).xCheckReservedLock(RealOf(file), reserved);
-}
-
-int FileControl(sqlite3_file* file, int operation, void* argument) {
-  return MethodsOf(file).xFileControl(RealOf(file), operation, argument);
-}
-
-int SectorSize(sqlite3_file* file) {
-  const auto ask = MethodsOf(file).xSectorSize;
-  return ask == nullptr ? 4096 : ask(RealOf(file));
-}
-
-int DeviceCharacteristics(sqlite3_file* file) {
-  const auto ask = MethodsOf(file).xDeviceCharacteristics;
-  return ask == nullptr ? 0 : ask(RealOf(file));
-}
-
-int ShmMap(sqlite3_file* file, int page, int size, int extend, void volatile** memory) {
-  return MethodsOf(file).xShmMap(RealOf(file), page, size, extend, memory);
-}
-
-int ShmLock(sqlite3_file* file, int offset, int count, int flags) {
-  return MethodsOf(file).xShmLock(RealOf(file), offset, count, flags);
-}
-
-void ShmBarrier(sqlite3_file* file) {
-  MethodsOf(file).xShmBarrier(RealOf(file));
-}
-
-int ShmUnmap(sqlite3_file* file, int remove) {
-  return MethodsOf(file).xShmUnmap(RealOf(file), remove);
-}
-
-int Fetch(sqlite3_file* file, sqlite3_int64 at, int size, void** memory) {
-  return MethodsOf(file).xFetch(RealOf(file), at, size, memory);
-}
-
-int Unfetch(sqlite3_file* file, sqlite3_int64 at, void* memory) {
-  return MethodsOf(file).xUnfetch(RealOf(file), at, memory);
+  return DoAside([=] { return kForward<&sqlite3_io_methods::xSync>(file, flags); });
 }
 
 constexpr sqlite3_io_methods MethodsOfVersion(int version) {
-  return {version,
-          Close,
-          Read,
-          Write,
-          Truncate,
-          Sync,
-          FileSize,
-          Lock,
-          Unlock,
-          CheckReservedLock,
-          FileControl,
-          SectorSize,
-          DeviceCharacteristics,
-          ShmMap,
-          ShmLock,
-          ShmBarrier,
-          ShmUnmap,
-          Fetch,
-          Unfetch};
+  using Methods = sqlite3_io_methods;
+  return {.iVersion = version,
+          .xClose = kForward<&Methods::xClose>,
+          .xRead = Read,
+          .xWrite = Write,
+          .xTruncate = kForward<&Methods::xTruncate>,
+          .xSync = Sync,
+          .xFileSize = kForward<&Methods::xFileSize>,
+          .xLock = kForward<&Methods::xLock>,
+          .xUnlock = kForward<&Methods::xUnlock>,
+          .xCheckReservedLock = kForward<&Methods::xCheckReservedLock>,
+          .xFileControl = kForward<&Methods::xFileControl>,
+          .xSectorSize = kForward<&Methods::xSectorSize>,
+          .xDeviceCharacteristics = kForward<&Methods::xDeviceCharacteristics>,
+          .xShmMap = kForward<&Methods::xShmMap>,
+          .xShmLock = kForward<&Methods::xShmLock>,
+          .xShmBarrier = kForward<&Methods::xShmBarrier>,
+          .xShmUnmap = kForward<&Methods::xShmUnmap>,
+          .xFetch = kForward<&Methods::xFetch>,
+          .xUnfetch = kForward<&Methods::xUnfetch>};
 }
 
-// A file must not promise more than the system's.
+// A file must not claim a newer interface than the system's.
 constexpr std::array<sqlite3_io_methods, 3> kMethods = {MethodsOfVersion(1), MethodsOfVersion(2),
                                                         MethodsOfVersion(3)};
 
 int Open(sqlite3_vfs* vfs, const char* name, sqlite3_file* file, int flags, int* outFlags) {
   file->pMethods = nullptr;
-  sqlite3_file* const real = RealOf(file);
+  sqlite3_file* const real = SystemOf(file);
   real->pMethods = nullptr;
-  const int code = BaseOf(vfs)->xOpen(BaseOf(vfs), name, real, flags, outFlags);
+  const int code = SystemOf(vfs)->xOpen(SystemOf(vfs), name, real, flags, outFlags);
   if (real->pMethods != nullptr) {
     file->pMethods = &kMethods[static_cast<std::size_t>(std::clamp(real->pMethods->iVersion, 1, 3)) - 1];
   }
   return code;
 }
 
-// ---- what is not about one file
+// ---- the file system
 
 int Delete(sqlite3_vfs* vfs, const char* name, int syncFolder) {
-  const auto work = [=] { return BaseOf(vfs)->xDelete(BaseOf(vfs), name, syncFolder); };
+  const auto work = [=] { return kForward<&sqlite3_vfs::xDelete>(vfs, name, syncFolder); };
   return syncFolder != 0 ? DoAside(work) : work();
 }
 
 int Sleep(sqlite3_vfs* vfs, int microseconds) {
   Waiter* const waiter = Waiter::Current();
-  if (waiter == nullptr) return BaseOf(vfs)->xSleep(BaseOf(vfs), microseconds);
+  if (waiter == nullptr) return kForward<&sqlite3_vfs::xSleep>(vfs, microseconds);
   waiter->Sleep(std::chrono::microseconds(microseconds));
   return microseconds;
-}
-
-int Access(sqlite3_vfs* vfs, const char* name, int flags, int* result) {
-  return BaseOf(vfs)->xAccess(BaseOf(vfs), name, flags, result);
-}
-
-int FullPathname(sqlite3_vfs* vfs, const char* name, int size, char* path) {
-  return BaseOf(vfs)->xFullPathname(BaseOf(vfs), name, size, path);
-}
-
-int Randomness(sqlite3_vfs* vfs, int size, char* to) {
-  return BaseOf(vfs)->xRandomness(BaseOf(vfs), size, to);
-}
-
-int CurrentTime(sqlite3_vfs* vfs, double* time) {
-  return BaseOf(vfs)->xCurrentTime(BaseOf(vfs), time);
-}
-
-int GetLastError(sqlite3_vfs* vfs, int size, char* text) {
-  return BaseOf(vfs)->xGetLastError(BaseOf(vfs), size, text);
-}
-
-int CurrentTimeInt64(sqlite3_vfs* vfs, sqlite3_int64* time) {
-  return BaseOf(vfs)->xCurrentTimeInt64(BaseOf(vfs), time);
 }
 
 constexpr const char* kName = "kxrestore";
@@ -211,13 +143,13 @@ const char* RegisterTurnVfs(int& code) {
   g_vfs.pAppData = base;
   g_vfs.xOpen = Open;
   g_vfs.xDelete = Delete;
-  g_vfs.xAccess = Access;
-  g_vfs.xFullPathname = FullPathname;
-  g_vfs.xRandomness = Randomness;
+  g_vfs.xAccess = kForward<&sqlite3_vfs::xAccess>;
+  g_vfs.xFullPathname = kForward<&sqlite3_vfs::xFullPathname>;
+  g_vfs.xRandomness = kForward<&sqlite3_vfs::xRandomness>;
   g_vfs.xSleep = Sleep;
-  g_vfs.xCurrentTime = CurrentTime;
-  g_vfs.xGetLastError = GetLastError;
-  g_vfs.xCurrentTimeInt64 = base->iVersion >= 2 ? CurrentTimeInt64 : nullptr;
+  g_vfs.xCurrentTime = kForward<&sqlite3_vfs::xCurrentTime>;
+  g_vfs.xGetLastError = kForward<&sqlite3_vfs::xGetLastError>;
+  g_vfs.xCurrentTimeInt64 = base->iVersion >= 2 ? kForward<&sqlite3_vfs::xCurrentTimeInt64> : nullptr;
   code = sqlite3_vfs_register(&g_vfs, 0);
   return kName;
 }

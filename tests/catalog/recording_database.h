@@ -61,13 +61,13 @@ class RecordingDatabase : public engine::Database {
  public:
   explicit RecordingDatabase(std::shared_ptr<Script> script) : m_script(std::move(script)) {}
 
-  std::unique_ptr<engine::Recordset> OpenRecordset(std::string_view source, engine::RecordsetType type,
+  std::unique_ptr<engine::Recordset> OpenRecordset(const engine::Sql& source, engine::RecordsetType type,
                                                    const engine::ColumnNames& /*read*/) override {
-    m_script->Call("open " + std::to_string(static_cast<int>(type)) + " " + std::string(source));
+    m_script->Call("open " + std::to_string(static_cast<int>(type)) + " " + source.Printed());
     return std::make_unique<RecordingRecordset>(m_script);
   }
-  std::int64_t Execute(std::string_view sql, int options) override {
-    m_script->Call("execute " + std::to_string(options) + " " + std::string(sql));
+  std::int64_t Execute(const engine::Sql& sql, int options) override {
+    m_script->Call("execute " + std::to_string(options) + " " + sql.Printed());
     return 0;
   }
   std::string QueryText(std::string_view name) override { return Find(name)->second; }

@@ -70,15 +70,14 @@ class HookedRecordset : public Hooked<engine::Recordset> {
 class HookedDatabase : public Hooked<engine::Database> {
  public:
   using Hooked::Hooked;
-  std::unique_ptr<engine::Recordset> OpenRecordset(std::string_view source, engine::RecordsetType type,
+  std::unique_ptr<engine::Recordset> OpenRecordset(const engine::Sql& source, engine::RecordsetType type,
                                                    const engine::ColumnNames& read) override {
     const char* const kind = type == engine::RecordsetType::kSnapshot ? "snapshot " : "dynaset ";
-    return std::make_unique<HookedRecordset>(m_hooks, Around(kind + std::string(source), [&] {
-                                               return m_real->OpenRecordset(source, type, read);
-                                             }));
+    return std::make_unique<HookedRecordset>(
+        m_hooks, Around(kind + source.Printed(), [&] { return m_real->OpenRecordset(source, type, read); }));
   }
-  std::int64_t Execute(std::string_view sql, int options) override {
-    return Around("execute " + std::string(sql), [&] { return m_real->Execute(sql, options); });
+  std::int64_t Execute(const engine::Sql& sql, int options) override {
+    return Around("execute " + sql.Printed(), [&] { return m_real->Execute(sql, options); });
   }
   std::string QueryText(std::string_view name) override { return m_real->QueryText(name); }
   void CreateQueryDef(std::string_view name, std::string_view sql) override {

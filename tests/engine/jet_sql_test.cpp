@@ -5,7 +5,6 @@
 #include "engine/jet_sql/meaning/read_columns.h"
 #include "engine/jet_sql/printing/printer.h"
 #include "engine/jet_sql/printing/server_dialects.h"
-#include "engine/jet_sql/printing/tsql_dialect.h"
 #include "engine/jet_sql/reading/parser.h"
 #include "engine/jet_sql/reading/view_text.h"
 #include "engine/sql.h"

@@ -81,9 +81,8 @@ class OdbcTestDatabase final : public TestDatabase {
       odbc::OdbcStatement statement(m_session, Spelled(sql, m_spelling));
       const odbc::Outcome outcome = statement.ExecuteReading({});
       if (outcome.Failed()) m_session.RaiseFailure(outcome, sql);
-      odbc::RowReader& rows = statement.Rows();
-      if (!rows.Next()) return "no row";
-      const ValueView value = rows.Value(0);
+      if (!statement.Next()) return "no row";
+      const ValueView value = statement.Value(0);
       if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "1" : "0";
       return IsNull(value) ? "NULL" : ToText(value);
     } catch (const Error& error) {

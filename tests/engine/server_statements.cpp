@@ -13,7 +13,7 @@
 #include "engine/jet_sql/meaning/read_columns.h"
 #include "engine/jet_sql/meaning/single_rows.h"
 #include "engine/jet_sql/printing/printer.h"
-#include "engine/jet_sql/printing/tsql_dialect.h"
+#include "engine/jet_sql/printing/server_dialects.h"
 #include "engine/jet_sql/reading/parser.h"
 #include "tests/catalog/recording_database.h"
 #include "tests/engine/cases.h"

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "engine/jet_sql/printing/tsql_dialect.h"
+#include "engine/jet_sql/printing/server_dialects.h"
 #include "engine/jet_sql/reading/view_text.h"
 #include "tests/engine/server_statements.h"
 #include "tests/engine/test_databases.h"

@@ -2,7 +2,7 @@
 // where they need them.
 #pragma once
 
-#include <span>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,32 +12,58 @@
 
 namespace kxrestore::engine::jet_sql {
 
-// How a dialect writes a function that is called with this number of arguments. $1, $2, ... in `text` stand
-// for the arguments.
+// How the dialects write a function that is called with this number of arguments. $1, $2, ... stand for the
+// arguments.
 struct FunctionMapping {
   Function function;
   std::size_t arguments;
-  std::string_view text;
+  std::string_view sqlite, postgres, tsql;
+};
+
+// The differences that are a matter of wording. $1 stands for an operand.
+struct DialectWords {
+  std::string_view FunctionMapping::*functions;  // the column of the table of functions
+  char openQuote, closeQuote;                    // of names
+  std::string_view trueText, falseText;
+  std::string_view integerType, realType;  // that divisions convert to
+  std::string_view maxFlag, minFlag;       // Max and Min of a Boolean, which are Or and And
+  std::string_view anyOfGroup;             // First() of a value of unknown kind
+  std::string_view concatenation = "||";
+  std::string_view emptyIfNull = "coalesce($1, '')";
+  std::string_view flagType = {};  // of Boolean values, where conditions are not values
+  bool firstIsAggregate = true;    // otherwise First() is printed as a plain column
+  bool unknownIsFlag = false;      // a value of unknown kind is tested as a Boolean
+  bool limitAtEnd = true;          // LIMIT n at the end of the statement, not TOP n after SELECT
+  bool ordersWithin = true;        // views and nested statements accept ORDER BY without TOP
+  bool quotesCollations = true;
+  char dateSeparator = ' ';  // between day and time
 };
 
 class Dialect {
  public:
+  explicit Dialect(const DialectWords& words) : m_words(words) {}
   virtual ~Dialect() = default;
 
-  virtual std::string Identifier(std::string_view name) const = 0;
+  const DialectWords& Words() const { return m_words; }
+
+  virtual std::string Identifier(std::string_view name) const;
   virtual std::string Text(std::string_view text) const;  // in apostrophes, doubled inside
-  virtual std::string Date(const DateTime& date) const;   // 'YYYY-MM-DD HH:MM:SS'
-  virtual std::string Boolean(bool value) const = 0;
-  virtual PrintedSql Parameter(std::int64_t number) const = 0;
+  std::string Date(const DateTime& date) const;           // 'YYYY-MM-DD HH:MM:SS'
+  PrintedSql Boolean(bool value) const { return value ? m_words.trueText : m_words.falseText; }
+  // Drivers number parameters by their order in the text.
+  virtual PrintedSql Parameter(std::int64_t number) const { return PrintedSql::Parameter(number); }
+  std::string Collation(std::string_view name) const;
 
   // operand = True / operand = False: any other number than 0 is true.
-  virtual PrintedSql BooleanTest(const PrintedSql& operand, bool expected, ValueKind kind) const;
-  // Whether the database has a Boolean type, so that a condition is a value and a Boolean value a condition.
-  // Otherwise the printer converts between them; `number` is 1, 0 or Null.
-  virtual bool HasBooleans() const { return true; }
-  virtual PrintedSql BooleanValue(const PrintedSql& number) const { return number; }
-  // Max and Min of a Boolean are Or and And.
-  virtual PrintedSql BooleanExtreme(const PrintedSql& operand, bool maximum) const;
+  PrintedSql BooleanTest(const PrintedSql& operand, bool expected, ValueKind kind) const;
+  PrintedSql BooleanExtreme(const PrintedSql& operand, bool maximum) const;
+  // left & right: Null counts as an empty text.
+  PrintedSql EmptyIfNull(const PrintedSql& operand) const;
+  PrintedSql Divide(const PrintedSql& left, const PrintedSql& right, bool whole) const;
+  // First(x) of a group. Any row of the group may supply the value.
+  PrintedSql First(const PrintedSql& operand, ValueKind kind) const;
+  // A function that the table does not name keeps its name.
+  PrintedSql Call(const Expression& call, const std::vector<PrintedSql>& arguments) const;
 
   // `pattern` is the pattern as parsed, `printed` as printed.
   virtual PrintedSql Like(const PrintedSql& operand, const Expression& pattern, const PrintedSql& printed,
@@ -45,32 +71,13 @@ class Dialect {
   // Converts a mask that is bound as a parameter.
   virtual std::string Mask(std::string_view mask) const { return std::string(mask); }
 
-  // left & right: Null counts as an empty text.
-  virtual std::string_view ConcatenationSign() const { return "||"; }
-  virtual PrintedSql EmptyIfNull(const PrintedSql& operand) const;
-  virtual PrintedSql Divide(const PrintedSql& left, const PrintedSql& right, bool whole) const = 0;
-
-  // First(x) of a group. Any row of the group may supply the value.
-  virtual PrintedSql First(const PrintedSql& operand, ValueKind kind) const = 0;
-  virtual bool FirstIsAggregate() const = 0;
-
-  // A function that Functions() does not name keeps its name.
-  PrintedSql Call(const Expression& call, const std::vector<PrintedSql>& arguments) const;
-
   // A column to sort by, so that texts come in the order that people expect.
-  virtual PrintedSql SortKey(const PrintedSql& column, ValueKind /*kind*/) const { return column; }
+  virtual PrintedSql SortKey(const PrintedSql& column, ValueKind kind) const = 0;
   // A column to group by, so that texts which differ in case only are one group.
-  virtual PrintedSql GroupKey(const PrintedSql& column, ValueKind /*kind*/) const { return column; }
+  virtual PrintedSql GroupKey(const PrintedSql& column, ValueKind kind) const = 0;
 
-  // Whether the row limit is LIMIT n at the end of the statement rather than TOP n after SELECT.
-  virtual bool LimitAtEnd() const = 0;
-  // Whether views and nested statements accept ORDER BY without TOP.
-  virtual bool OrdersWithin() const { return true; }
-
-  virtual std::string Collation(std::string_view name) const { return Identifier(name); }
-
- protected:
-  virtual std::span<const FunctionMapping> Functions() const = 0;
+ private:
+  const DialectWords& m_words;
 };
 
 // SQLite. Other programs read saved queries too, so their text uses only what every SQLite has. Statements of
@@ -82,22 +89,18 @@ class SqliteDialect : public Dialect {
   static constexpr const char* kFoldFunction = "kx_fold";           // (value), a text without its case
   static constexpr const char* kCollation = "kx_text_order";
 
-  explicit SqliteDialect(bool savedQuery) : m_savedQuery(savedQuery) {}
+  explicit SqliteDialect(bool savedQuery);
 
   std::string Identifier(std::string_view name) const override;
-  std::string Boolean(bool value) const override { return value ? "1" : "0"; }
   PrintedSql Parameter(std::int64_t number) const override { return "?" + std::to_string(number); }
   PrintedSql Like(const PrintedSql& operand, const Expression& pattern, const PrintedSql& printed,
                   bool negated) const override;
-  PrintedSql Divide(const PrintedSql& left, const PrintedSql& right, bool whole) const override;
-  PrintedSql First(const PrintedSql& operand, ValueKind /*kind*/) const override { return operand; }
-  bool FirstIsAggregate() const override { return false; }
   PrintedSql SortKey(const PrintedSql& column, ValueKind kind) const override;
   PrintedSql GroupKey(const PrintedSql& column, ValueKind kind) const override;
-  bool LimitAtEnd() const override { return true; }
 
  protected:
-  std::span<const FunctionMapping> Functions() const override;
+  SqliteDialect(bool savedQuery, const DialectWords& words) : Dialect(words), m_savedQuery(savedQuery) {}
+  static const DialectWords kWords;
 
  private:
   bool m_savedQuery;

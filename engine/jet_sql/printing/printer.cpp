@@ -137,6 +137,10 @@ class Printer {
   }
 
  private:
+  const DialectWords& Words() const { return m_dialect.Words(); }
+  // Whether a condition is a value and a Boolean value a condition. Otherwise they are converted.
+  bool HasBooleans() const { return Words().flagType.empty(); }
+
   PrintedSql Where(const ExpressionPtr& condition) const {
     return condition ? " WHERE " + Condition(*condition) : PrintedSql();
   }
@@ -145,7 +149,7 @@ class Printer {
 
   PrintedSql Select(const SelectStatement& statement, bool outermost = false) const {
     PrintedSql text;
-    const bool needsTop = !outermost && !statement.orderBy.empty() && !m_dialect.OrdersWithin();
+    const bool needsTop = !outermost && !statement.orderBy.empty() && !Words().ordersWithin;
     for (std::size_t i = 0; i < statement.cores.size(); ++i) {
       if (i > 0) text += statement.unionAll[i - 1] ? " UNION ALL " : " UNION ";
       text += Of(nullptr).Core(statement.cores[i], needsTop && statement.cores.size() == 1);
@@ -157,7 +161,7 @@ class Printer {
       text += (statement.cores.size() == 1 ? Of(&statement.cores.front()) : *this).SortKey(*item.expression);
       if (item.descending) text += " DESC";
     }
-    if (m_dialect.LimitAtEnd()) {
+    if (Words().limitAtEnd) {
       if (statement.cores.front().top) {
         text += " LIMIT " + std::to_string(*statement.cores.front().top);
       } else if (statement.cores.size() == 1 && IsSingleFirst(statement.cores.front())) {
@@ -176,7 +180,7 @@ class Printer {
 
   // First() without GROUP BY yields one row, although it prints as a plain column.
   bool IsSingleFirst(const SelectCore& core) const {
-    if (m_dialect.FirstIsAggregate() || !core.groupBy.empty()) return false;
+    if (Words().firstIsAggregate || !core.groupBy.empty()) return false;
     bool first = false;
     for (const SelectItem& item : core.items) {
       if (!item.expression) return false;
@@ -191,7 +195,7 @@ class Printer {
 
   PrintedSql Core(const SelectCore& core, bool needsTop) const {
     PrintedSql text = core.distinct ? "SELECT DISTINCT " : "SELECT ";
-    if (core.top && !m_dialect.LimitAtEnd()) {
+    if (core.top && !Words().limitAtEnd) {
       text += "TOP " + std::to_string(*core.top) + " ";
     } else if (needsTop) {
       text += "TOP 2147483647 ";  // the server ignores the order of 100 PERCENT
@@ -242,23 +246,21 @@ class Printer {
   // ---- expressions
 
   PrintedSql Condition(const Expression& expression) const {
-    if (m_dialect.HasBooleans() || IsCondition(expression)) return Text(expression);
+    if (HasBooleans() || IsCondition(expression)) return Text(expression);
     return m_dialect.BooleanTest(Operand(expression, kTestLevel), true, expression.valueKind);
   }
 
   PrintedSql Value(const Expression& expression) const {
-    if (m_dialect.HasBooleans() || !IsCondition(expression)) return Text(expression);
+    if (HasBooleans() || !IsCondition(expression)) return Text(expression);
     const PrintedSql condition = Text(expression);
-    if (IsNeverNull(expression)) {
-      return m_dialect.BooleanValue("CASE WHEN " + condition + " THEN 1 ELSE 0 END");
-    }
-    return m_dialect.BooleanValue("CASE WHEN " + condition + " THEN 1 WHEN NOT (" + condition +
-                                  ") THEN 0 END");
+    const PrintedSql otherwise =
+        IsNeverNull(expression) ? " ELSE 0 END" : " WHEN NOT (" + condition + ") THEN 0 END";
+    return "CAST(CASE WHEN " + condition + " THEN 1" + otherwise + " AS " + Words().flagType + ")";
   }
 
   // Logical operators bind less tightly than those that take values.
   PrintedSql Operand(const Expression& expression, Level parent) const {
-    if (!m_dialect.HasBooleans()) {
+    if (!HasBooleans()) {
       if (parent < kTestLevel && !IsCondition(expression)) return Condition(expression);
       if (parent >= kTestLevel && IsCondition(expression)) return Value(expression);
     }
@@ -351,7 +353,7 @@ class Printer {
 
   // Whether the rows of a group may spell the column differently, so that one spelling must be chosen.
   bool HasManySpellings(const Expression& column) const {
-    if (m_grouped == nullptr || !m_dialect.FirstIsAggregate()) return false;
+    if (m_grouped == nullptr || !Words().firstIsAggregate) return false;
     return std::any_of(m_grouped->groupBy.begin(), m_grouped->groupBy.end(), [&](const ExpressionPtr& key) {
       return IsSameColumn(*key, column) && GroupKey(*key).Text() != Column(column);
     });
@@ -367,11 +369,11 @@ class Printer {
       const PrintedSql right = Operand(*node.args[i + 1], level);
       if (sign == Operator::kConcatenate) {
         if (i == 0) text = m_dialect.EmptyIfNull(text);
-        text += " " + PrintedSql(m_dialect.ConcatenationSign()) + " " + m_dialect.EmptyIfNull(right);
+        text += " " + PrintedSql(Words().concatenation) + " " + m_dialect.EmptyIfNull(right);
       } else if (sign == Operator::kDivide || sign == Operator::kDivideWhole) {
         text = m_dialect.Divide(i == 0 ? text : "(" + text + ")", right, sign == Operator::kDivideWhole);
       } else {
-        const auto printed = sign == Operator::kStandardJoin ? m_dialect.ConcatenationSign() : SignOf(sign);
+        const auto printed = sign == Operator::kStandardJoin ? Words().concatenation : SignOf(sign);
         text += " " + std::string(printed) + " " + right;
       }
     }

@@ -6,47 +6,44 @@
 
 namespace kxrestore::engine::jet_sql {
 
-// Common base. Drivers number parameters by their order in the text.
-class ServerDialect : public Dialect {
- public:
-  explicit ServerDialect(char openQuote, char closeQuote)
-      : m_openQuote(openQuote), m_closeQuote(closeQuote) {}
-
-  std::string Identifier(std::string_view name) const override;
-  PrintedSql Parameter(std::int64_t number) const override { return PrintedSql::Parameter(number); }
-
- private:
-  char m_openQuote, m_closeQuote;
-};
-
-class PostgresDialect final : public ServerDialect {
+class PostgresDialect final : public Dialect {
  public:
   // How to sort and fold texts where the database's own locale sorts by code point, or folds ASCII only.
   enum class Order { kOwn, kCollation, kPlainLetters };
-  PostgresDialect(Order order, bool collatesCase)
-      : ServerDialect('"', '"'), m_order(order), m_collatesCase(collatesCase) {}
+  PostgresDialect(Order order, bool collatesCase);
 
-  std::string Boolean(bool value) const override { return value ? "TRUE" : "FALSE"; }
-  PrintedSql BooleanTest(const PrintedSql& operand, bool expected, ValueKind kind) const override;
-  PrintedSql BooleanExtreme(const PrintedSql& operand, bool maximum) const override;
   PrintedSql Like(const PrintedSql& operand, const Expression& pattern, const PrintedSql& printed,
                   bool negated) const override;
   std::string Mask(std::string_view mask) const override;
-  PrintedSql Divide(const PrintedSql& left, const PrintedSql& right, bool whole) const override;
-  PrintedSql First(const PrintedSql& operand, ValueKind kind) const override;
-  bool FirstIsAggregate() const override { return true; }
   PrintedSql SortKey(const PrintedSql& column, ValueKind kind) const override;
   PrintedSql GroupKey(const PrintedSql& column, ValueKind kind) const override;
-  bool LimitAtEnd() const override { return true; }
-
- protected:
-  std::span<const FunctionMapping> Functions() const override;
 
  private:
   PrintedSql Lower(const PrintedSql& operand) const;
 
   Order m_order;
   bool m_collatesCase;
+};
+
+// SQL Server.
+class TsqlDialect final : public Dialect {
+ public:
+  // `caseSensitive`: the database's collation. The dialect ignores case in masks, groups and sort orders.
+  explicit TsqlDialect(bool caseSensitive);
+
+  std::string Text(std::string_view text) const override;
+  PrintedSql Like(const PrintedSql& operand, const Expression& pattern, const PrintedSql& printed,
+                  bool negated) const override;
+  std::string Mask(std::string_view mask) const override;
+  PrintedSql SortKey(const PrintedSql& column, ValueKind kind) const override;
+  PrintedSql GroupKey(const PrintedSql& column, ValueKind kind) const override {
+    return SortKey(column, kind);
+  }
+
+ private:
+  PrintedSql IgnoringCase(const PrintedSql& operand) const;
+
+  bool m_caseSensitive;
 };
 
 }  // namespace kxrestore::engine::jet_sql

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <optional>
 
 #include "base/text.h"
 #include "engine/jet_sql/printing/dialect.h"
@@ -29,74 +28,49 @@ bool IsPlainName(std::string_view name) {
   return kKeywords.find(" " + FoldCase(name) + " ") == std::string_view::npos;
 }
 
-// Translates a mask for SQLite's own LIKE; nothing if it uses lists or digit signs.
-std::optional<std::string> PlainLikePattern(std::string_view mask, bool& escaped) {
-  std::string plain;
-  for (const MaskElement& element : ParseMask(mask)) {
-    if (element.IsRun()) {
-      plain += '%';
-    } else if (element.kind == MaskElement::Kind::kAnyOne) {
-      plain += '_';
-    } else if (element.kind != MaskElement::Kind::kLiteral || element.character == 0) {
-      return std::nullopt;
-    } else {
-      if (element.character == '%' || element.character == '_' || element.character == '\\') {
-        escaped = true;
-        plain += '\\';
-      }
-      AppendCharacter(plain, element.character);
-    }
-  }
-  return plain;
+constexpr MaskSyntax kLike = {.anyRun = "%", .anyOne = "_", .literals = "%_\\", .members = {}};
+
+// Whether SQLite's own LIKE can express it: it knows neither lists nor digit signs.
+bool IsPlain(const std::vector<MaskElement>& mask) {
+  return std::all_of(mask.begin(), mask.end(), [](const MaskElement& element) {
+    return element.IsRun() || element.kind == MaskElement::Kind::kAnyOne ||
+           (element.kind == MaskElement::Kind::kLiteral && element.character != 0);
+  });
 }
 
 }  // namespace
 
+const DialectWords SqliteDialect::kWords = {.functions = &FunctionMapping::sqlite,
+                                            .openQuote = '"',
+                                            .closeQuote = '"',
+                                            .trueText = "1",
+                                            .falseText = "0",
+                                            .integerType = "INTEGER",
+                                            .realType = "REAL",
+                                            .maxFlag = "max($1)",
+                                            .minFlag = "min($1)",
+                                            .anyOfGroup = "$1",
+                                            .firstIsAggregate = false};
+
+SqliteDialect::SqliteDialect(bool savedQuery) : SqliteDialect(savedQuery, kWords) {}
+
 std::string SqliteDialect::Identifier(std::string_view name) const {
   if (IsPlainName(name)) return std::string(name);
   if (name.find(']') == std::string_view::npos) return "[" + std::string(name) + "]";
-  std::string quoted = "\"";
-  for (const char c : name) {
-    if (c == '"') quoted += '"';
-    quoted += c;
-  }
-  return quoted + "\"";
+  return Dialect::Identifier(name);
 }
 
 PrintedSql SqliteDialect::Like(const PrintedSql& operand, const Expression& pattern,
                                const PrintedSql& printed, bool negated) const {
   if (m_savedQuery && pattern.kind == ExpressionKind::kText) {
-    bool escaped = false;
-    if (const auto plain = PlainLikePattern(pattern.text, escaped)) {
-      return operand + (negated ? " NOT LIKE " : " LIKE ") + Text(*plain) + (escaped ? " ESCAPE '\\'" : "");
+    const std::vector<MaskElement> mask = ParseMask(pattern.text);
+    if (IsPlain(mask)) {
+      const std::string plain = PrintMask(mask, kLike);
+      const char* const escape = plain.find('\\') == std::string::npos ? "" : " ESCAPE '\\'";
+      return operand + (negated ? " NOT LIKE " : " LIKE ") + Text(plain) + escape;
     }
   }
   return std::string(negated ? "NOT " : "") + kLikeFunction + "(" + operand + ", " + printed + ")";
-}
-
-PrintedSql SqliteDialect::Divide(const PrintedSql& left, const PrintedSql& right, bool whole) const {
-  if (whole) return "CAST(" + left + " AS INTEGER) / CAST(" + right + " AS INTEGER)";
-  return "CAST(" + left + " AS REAL) / " + right;
-}
-
-std::span<const FunctionMapping> SqliteDialect::Functions() const {
-  static constexpr FunctionMapping kMappings[] = {
-      {Function::kUCase, 1, "upper($1)"},
-      {Function::kLCase, 1, "lower($1)"},
-      {Function::kLen, 1, "length($1)"},
-      {Function::kLeft, 2, "substr($1, 1, $2)"},
-      {Function::kRight, 2, "substr($1, -($2), $2)"},
-      {Function::kMid, 2, "substr($1, $2)"},
-      {Function::kMid, 3, "substr($1, $2, $3)"},
-      {Function::kInStrRev, 2, "kx_instrrev($1, $2)"},
-      {Function::kNz, 1, "coalesce($1, '')"},
-      {Function::kNz, 2, "coalesce($1, $2)"},
-      {Function::kInt, 1, "(CAST($1 AS INTEGER) - ($1 < CAST($1 AS INTEGER)))"},
-      {Function::kCLng, 1, "CAST(round($1) AS INTEGER)"},
-      {Function::kCStr, 1, "CAST($1 AS TEXT)"},
-      {Function::kNow, 0, "datetime('now', 'localtime')"},
-  };
-  return kMappings;
 }
 
 PrintedSql SqliteDialect::SortKey(const PrintedSql& column, ValueKind /*kind*/) const {

@@ -39,44 +39,36 @@ class Reader {
   std::string_view m_text;
 };
 
-bool ReadDay(Reader& reader, int first, int digits, DateTime& date) {
+// Parts that are not written keep their values: a time alone is one of day 0 of the desktop engine.
+struct Parts {
+  int year = 1899, month = 12, day = 30, hour = 0, minute = 0, second = 0;
+};
+
+bool ReadDay(Reader& reader, int first, int digits, Parts& parts) {
+  const auto takeSeparator = [&] { return reader.Take('-') || reader.Take('/'); };
   int second = 0, third = 0;
-  const char separator = digits > 2 || reader.Take('-') ? '-' : '/';
-  if (digits > 2 || separator == '/') {
-    if (!reader.Take('-') && !reader.Take('/')) return false;
-  }
-  if (reader.TakeNumber(second) == 0) return false;
-  if (!reader.Take('-') && !reader.Take('/')) return false;
+  if (!takeSeparator() || reader.TakeNumber(second) == 0 || !takeSeparator()) return false;
   const int lastDigits = reader.TakeNumber(third);
   if (lastDigits == 0) return false;
-  int year = first, month = second, day = third;
-  if (digits <= 2) {
-    month = first;
-    day = second;
-    year = third;
-    if (lastDigits <= 2) year += year < 30 ? 2000 : 1900;
+  if (digits > 2) {
+    parts = {.year = first, .month = second, .day = third};
+  } else {
+    const int century = lastDigits > 2 ? 0 : third < 30 ? 2000 : 1900;
+    parts = {.year = century + third, .month = first, .day = second};
   }
-  if (!IsValidDate(year, month, day)) return false;
-  date.year = static_cast<std::int16_t>(year);
-  date.month = static_cast<std::int8_t>(month);
-  date.day = static_cast<std::int8_t>(day);
   return true;
 }
 
-bool ReadTime(Reader& reader, int hour, DateTime& date) {
-  int minute = 0, second = 0;
-  if (reader.TakeNumber(minute) == 0) return false;
-  if (reader.Take(':') && reader.TakeNumber(second) == 0) return false;
+bool ReadTime(Reader& reader, int hour, Parts& parts) {
+  if (reader.TakeNumber(parts.minute) == 0) return false;
+  if (reader.Take(':') && reader.TakeNumber(parts.second) == 0) return false;
   reader.SkipBlanks();
   const bool afternoon = reader.TakeWord("PM");
   if (afternoon || reader.TakeWord("AM")) {
     if (hour < 1 || hour > 12) return false;
     hour = hour % 12 + (afternoon ? 12 : 0);
   }
-  if (hour > 23 || minute > 59 || second > 59) return false;
-  date.hour = static_cast<std::int8_t>(hour);
-  date.minute = static_cast<std::int8_t>(minute);
-  date.second = static_cast<std::int8_t>(second);
+  parts.hour = hour;
   return true;
 }
 
@@ -84,24 +76,21 @@ bool ReadTime(Reader& reader, int hour, DateTime& date) {
 
 std::optional<DateTime> ParseDateLiteral(std::string_view text) {
   Reader reader(text);
-  DateTime date;
-  date.year = 1899;  // the date of a time without one
-  date.month = 12;
-  date.day = 30;
+  Parts parts;
   int number = 0;
   reader.SkipBlanks();
-  int digits = reader.TakeNumber(number);
-  if (digits == 0) return std::nullopt;
-  if (!reader.Take(':')) {
-    if (!ReadDay(reader, number, digits, date)) return std::nullopt;
+  const int digits = reader.TakeNumber(number);
+  bool hasTime = digits > 0 && reader.Take(':');
+  if (!hasTime) {
+    if (digits == 0 || !ReadDay(reader, number, digits, parts)) return std::nullopt;
     reader.SkipBlanks();
-    if (reader.AtEnd()) return date;
-    if (reader.TakeNumber(number) == 0 || !reader.Take(':')) return std::nullopt;
+    hasTime = !reader.AtEnd();
+    if (hasTime && (reader.TakeNumber(number) == 0 || !reader.Take(':'))) return std::nullopt;
   }
-  if (!ReadTime(reader, number, date)) return std::nullopt;
+  if (hasTime && !ReadTime(reader, number, parts)) return std::nullopt;
   reader.SkipBlanks();
   if (!reader.AtEnd()) return std::nullopt;
-  return date;
+  return DateOf(parts.year, parts.month, parts.day, parts.hour, parts.minute, parts.second);
 }
 
 }  // namespace kxrestore::engine::jet_sql

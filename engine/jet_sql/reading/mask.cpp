@@ -32,6 +32,11 @@ void AppendList(std::vector<MaskElement>& elements, std::string_view list) {
   elements.push_back(std::move(element));
 }
 
+void Append(std::string& text, char32_t character, std::string_view escaped) {
+  if (character < 0x80 && escaped.find(static_cast<char>(character)) != escaped.npos) text += '\\';
+  AppendCharacter(text, character);
+}
+
 }  // namespace
 
 std::vector<MaskElement> ParseMask(std::string_view mask) {
@@ -52,6 +57,37 @@ std::vector<MaskElement> ParseMask(std::string_view mask) {
     }
   }
   return elements;
+}
+
+std::string PrintMask(const std::vector<MaskElement>& mask, const MaskSyntax& syntax) {
+  std::string text;
+  for (const MaskElement& element : mask) {
+    switch (element.kind) {
+      case Kind::kAnyRun:
+        text += syntax.anyRun;
+        break;
+      case Kind::kAnyOne:
+        text += syntax.anyOne;
+        break;
+      case Kind::kDigit:
+        text += "[0-9]";
+        break;
+      case Kind::kLiteral:
+        Append(text, element.character, syntax.literals);
+        break;
+      case Kind::kList:
+        text += element.negated ? "[^" : "[";
+        for (const auto& [first, last] : element.ranges) {
+          Append(text, first, syntax.members);
+          if (last == first) continue;
+          text += '-';
+          Append(text, last, syntax.members);
+        }
+        text += ']';
+        break;
+    }
+  }
+  return text;
 }
 
 }  // namespace kxrestore::engine::jet_sql

@@ -3,6 +3,7 @@
 // the empty text and [!] is a literal "!".
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -24,5 +25,12 @@ struct MaskElement {
 
 // The result never holds two runs in a row, and a list of a single character is returned as a literal.
 std::vector<MaskElement> ParseMask(std::string_view mask);
+
+// How a database writes masks. A backslash precedes each character of `literals` and, inside a list, each of
+// `members`.
+struct MaskSyntax {
+  std::string_view anyRun, anyOne, literals, members;
+};
+std::string PrintMask(const std::vector<MaskElement>& mask, const MaskSyntax& syntax);
 
 }  // namespace kxrestore::engine::jet_sql

@@ -218,14 +218,21 @@ void ReplaceByIn(std::string& result, bool any) {
 // The catalog's own dialect: masks and functions stay as they are.
 class CatalogDialect final : public SqliteDialect {
  public:
-  CatalogDialect() : SqliteDialect(true) {}
+  CatalogDialect() : SqliteDialect(true, Words()) {}
   PrintedSql Like(const PrintedSql& operand, const Expression& /*pattern*/, const PrintedSql& printed,
                   bool negated) const override {
     return operand + (negated ? " Not Like " : " Like ") + printed;
   }
 
- protected:
-  std::span<const FunctionMapping> Functions() const override { return {}; }
+ private:
+  static const DialectWords& Words() {
+    static const DialectWords words = [] {
+      DialectWords own = kWords;
+      own.functions = nullptr;
+      return own;
+    }();
+    return words;
+  }
 };
 
 }  // namespace

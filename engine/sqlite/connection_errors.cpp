@@ -1,11 +1,10 @@
-#include "engine/sqlite/sqlite_error.h"
-
+// The part of Connection that maps SQLite's result codes to errors of the engine.
 #include <filesystem>
 #include <fstream>
 
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/sqlite/api.h"
+#include "engine/sqlite/connection.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
@@ -18,7 +17,7 @@ bool TakePrefix(std::string_view& text, std::string_view prefix) {
   return true;
 }
 
-// What SQLite only tells in words: names that do not exist and texts that it does not understand.
+// SQLite reports unknown names and syntax errors by their messages only.
 [[noreturn]] void RaiseStatement(std::string_view message, const std::string& file, std::string_view piece) {
   const std::string shown(LeftCharacters(piece, 200));
   std::string_view rest = message;
@@ -52,7 +51,7 @@ bool TakePrefix(std::string_view& text, std::string_view prefix) {
   Raise(number::kDamaged, "Cannot read the database " + quoted + ": it is damaged (" + message + ").");
 }
 
-// Whether the file that SQLite keeps beside a database is there and holds something.
+// Whether a file that SQLite keeps next to a database exists and is not empty.
 bool HasBeside(const std::string& file, std::string_view suffix) {
   const std::string name = file + std::string(suffix);
   std::error_code failure;
@@ -66,8 +65,8 @@ bool IsInWalMode(const std::string& file) {
   return stream.seekg(kWriteVersion) && stream.get() == 2;
 }
 
-// A database that was left in the middle of something, or whose mode needs files of its own, cannot even be
-// read where nothing may be written. Says what is there and what to do; returns when that is not the case.
+// A database with an interrupted change, or in write-ahead mode, cannot even be read from a read-only place.
+// Raises an error that says why and what to do; returns if neither is the case.
 void RaiseWhatNeedsWriting(const std::string& file) {
   const std::string quoted = "'" + file + "'";
   const std::string cannotOpen = "The database engine cannot open the file " + quoted + ". ";
@@ -95,12 +94,12 @@ void RaiseWhatNeedsWriting(const std::string& file) {
 
 }  // namespace
 
-void RaiseSqlite(sqlite3* connection, int code, Doing doing, const ErrorPlace& place,
-                 std::string_view piece) {
-  const std::string& file = place.file;
-  const bool latest = connection != nullptr && (sqlite3_errcode(connection) & 0xFF) == (code & 0xFF);
-  const std::string message = latest ? sqlite3_errmsg(connection) : sqlite3_errstr(code);
-  const std::string quoted = "'" + file + "'";
+void Connection::Raise(int code, Doing doing, std::string_view piece) const {
+  using engine::Raise;
+  if (m_tables) m_tables->RaiseFailure(sqlite3_errmsg(Get()));
+  const bool latest = Get() != nullptr && (sqlite3_errcode(Get()) & 0xFF) == (code & 0xFF);
+  const std::string message = latest ? sqlite3_errmsg(Get()) : sqlite3_errstr(code);
+  const std::string quoted = "'" + m_file + "'";
   switch (code & 0xFF) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
@@ -110,18 +109,18 @@ void RaiseSqlite(sqlite3* connection, int code, Doing doing, const ErrorPlace& p
       }
       Raise(number::kRecordLocked, "Could not read " + quoted + "; currently locked by another process.");
     case SQLITE_READONLY:
-      if (code != SQLITE_READONLY) RaiseWhatNeedsWriting(file);
+      if (code != SQLITE_READONLY) RaiseWhatNeedsWriting(m_file);
       Raise(number::kReadOnly, "Cannot update. Database or object is read-only: " + quoted + ".");
     case SQLITE_FULL:
       Raise(number::kDiskFull, "Not enough space on disk to change " + quoted + ".");
     case SQLITE_AUTH:
       Raise(number::kReadOnly,
             "Cannot update " + quoted + ": " +
-                (place.refusedTrigger.empty()
+                (m_refusedTrigger.empty()
                      ? "it asks for more than to be read and marked."
-                     : "its trigger '" + place.refusedTrigger + "' would change more than was asked for."));
+                     : "its trigger '" + m_refusedTrigger + "' would change more than was asked for."));
     case SQLITE_CANTOPEN:
-      RaiseWhatNeedsWriting(file);
+      RaiseWhatNeedsWriting(m_file);
       [[fallthrough]];
     case SQLITE_PERM:
       Raise(number::kCannotOpen,
@@ -135,9 +134,12 @@ void RaiseSqlite(sqlite3* connection, int code, Doing doing, const ErrorPlace& p
       if (code == SQLITE_IOERR_SHORT_READ || code == SQLITE_IOERR_CORRUPTFS) {
         RaiseDamaged(quoted, message);
       }
-      if (code == SQLITE_IOERR_NOMEM)
-        Raise(kxrestore::error_number::kOutOfMemory, "Out of memory while working on " + quoted + ".");
-      Raise(number::kDiskError, "Disk or network error on " + quoted + " (" + message + ").");
+      if (code != SQLITE_IOERR_NOMEM) {
+        Raise(number::kDiskError, "Disk or network error on " + quoted + " (" + message + ").");
+      }
+      [[fallthrough]];
+    case SQLITE_NOMEM:
+      Raise(kxrestore::error_number::kOutOfMemory, "Out of memory while working on " + quoted + ".");
     case SQLITE_CONSTRAINT:
       if (code == SQLITE_CONSTRAINT_UNIQUE || code == SQLITE_CONSTRAINT_PRIMARYKEY ||
           code == SQLITE_CONSTRAINT_ROWID) {
@@ -149,13 +151,11 @@ void RaiseSqlite(sqlite3* connection, int code, Doing doing, const ErrorPlace& p
             "A rule of the table refuses the value (" + message + ") in " + quoted + ".");
     case SQLITE_INTERRUPT:
       Raise(number::kCanceled, "Operation canceled by user.");
-    case SQLITE_NOMEM:
-      Raise(kxrestore::error_number::kOutOfMemory, "Out of memory while working on " + quoted + ".");
     case SQLITE_ERROR:
       if (message == "unsupported file format") RaiseDamaged(quoted, message);
       [[fallthrough]];
     case SQLITE_TOOBIG:
-      RaiseStatement(message, file, piece);
+      RaiseStatement(message, m_file, piece);
     default:
       Raise(number::kInvalidOperation, "Invalid operation on " + quoted + " (" + message + ").");
   }
