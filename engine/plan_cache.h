@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/database.h"
+#include "engine/plan.h"
 
 namespace kxrestore::engine {
 

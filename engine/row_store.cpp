@@ -8,6 +8,7 @@ namespace {
 
 constexpr std::size_t kBlockSize = 1 << 20;
 
+// In the order of ValueView's alternatives.
 enum Tag : char { kNullTag, kBooleanTag, kIntegerTag, kRealTag, kTextTag, kDateTag };
 
 template <typename Plain>
@@ -24,26 +25,6 @@ Plain TakeBytes(const std::string& block, std::size_t& position) {
   position += sizeof plain;
   return plain;
 }
-
-struct Packer {
-  std::string& block;
-  void operator()(std::monostate) const { block.push_back(kNullTag); }
-  void operator()(bool value) const { Pack(kBooleanTag, value); }
-  void operator()(std::int64_t value) const { Pack(kIntegerTag, value); }
-  void operator()(double value) const { Pack(kRealTag, value); }
-  void operator()(const DateTime& value) const { Pack(kDateTag, value); }
-  void operator()(std::string_view value) const {
-    Pack(kTextTag, static_cast<std::uint32_t>(value.size()));
-    block.append(value);
-  }
-
- private:
-  template <typename Plain>
-  void Pack(Tag tag, const Plain& plain) const {
-    block.push_back(tag);
-    AppendBytes(block, plain);
-  }
-};
 
 }  // namespace
 
@@ -62,12 +43,24 @@ void RowStore::DropRow() {
 }
 
 void RowStore::Append(const ValueView& value) {
-  std::visit(Packer{m_blocks.back()}, value);
+  std::string& block = m_blocks.back();
+  block.push_back(static_cast<char>(value.index()));
+  std::visit(
+      [&block](const auto& held) {
+        using Held = std::decay_t<decltype(held)>;
+        if constexpr (std::is_same_v<Held, std::string_view>) {
+          AppendBytes(block, static_cast<std::uint32_t>(held.size()));
+          block.append(held);
+        } else if constexpr (!std::is_same_v<Held, std::monostate>) {
+          AppendBytes(block, held);
+        }
+      },
+      value);
 }
 
 bool RowStore::Next(std::vector<ValueView>& values, std::size_t columns) {
   if (m_block < m_blocks.size() && m_position >= m_blocks[m_block].size()) {
-    m_blocks[m_block] = std::string();  // what was read is not needed any more
+    m_blocks[m_block] = std::string();  // has been read
     ++m_block;
     m_position = 0;
   }

@@ -16,12 +16,12 @@ void StreamedRecordset::Begin(bool hasRow, std::size_t columns, std::size_t hidd
   if (hasRow) {
     m_state = State::kOnRow;
   } else {
-    LetStatementGo();
+    ReleaseStatement();
   }
 }
 
 void StreamedRecordset::Close() {
-  LetStatementGo();
+  ReleaseStatement();
   m_stored.reset();
   m_state = State::kClosed;
 }
@@ -59,13 +59,13 @@ void StreamedRecordset::MoveNext() {
   try {
     hasRow = Fetch();
   } catch (...) {
-    LetStatementGo();
+    ReleaseStatement();
     throw;
   }
   if (hasRow) {
     m_state = State::kOnRow;
   } else {
-    LetStatementGo();
+    ReleaseStatement();
   }
 }
 
@@ -82,7 +82,7 @@ bool StreamedRecordset::Detach() {
       throw;
     }
   };
-  store();  // until it has been, everything is as it was
+  store();  // a failure of this row leaves everything as it is
   bool stopped = false;
   try {
     while (Fetch()) store();
@@ -94,7 +94,7 @@ bool StreamedRecordset::Detach() {
   }
   stored->Next(m_row, m_allColumns);
   m_stored = std::move(stored);
-  LetStatementGo();
+  ReleaseStatement();
   return !stopped;
 }
 
@@ -166,7 +166,7 @@ void StreamedRecordset::SetFieldValue(std::size_t index, Value value) {
 void StreamedRecordset::Update() {
   NeedRow();
   if (!m_editing) Raise(number::kUpdateWithoutEdit, "Update or CancelUpdate without AddNew or Edit.");
-  m_written.reserve(m_written.size() + m_pending.size());  // what is written must not fail any more
+  m_written.reserve(m_written.size() + m_pending.size());  // nothing may fail after the write
   for (std::size_t table = 0; table < StatementPlan().tables.size(); ++table) Write(table);
   for (auto& change : m_pending) {
     std::erase_if(m_written, [&change](const auto& written) { return written.first == change.first; });
@@ -202,7 +202,7 @@ void StreamedRecordset::Write(std::size_t table) {
 
 bool StreamingList::Detach(bool dynasetsToo) {
   if (m_rows.empty()) return true;
-  const std::vector<StreamedRecordset*> streaming = m_rows;  // who detaches takes itself off the list
+  const std::vector<StreamedRecordset*> streaming = m_rows;  // detaching removes a recordset from the list
   for (StreamedRecordset* rows : streaming) {
     if ((dynasetsToo || rows->IsSnapshot()) && !rows->Detach()) return false;
   }

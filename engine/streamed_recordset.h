@@ -40,7 +40,7 @@ class StreamedRecordset : public Recordset {
 
   // Moves the statement to its next row; false at the end.
   virtual bool Fetch() = 0;
-  virtual void LetStatementGo() = 0;  // all rows are fetched
+  virtual void ReleaseStatement() = 0;  // all rows are fetched
   virtual ValueView Streamed(std::size_t index) const = 0;
   virtual std::string_view ColumnName(std::size_t index) const = 0;
 

@@ -1,12 +1,12 @@
 #include "engine/value.h"
 
-#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <limits>
 
+#include "base/text.h"
 #include "engine/error_numbers.h"
 
 namespace kxrestore::engine {
@@ -172,12 +172,8 @@ bool ToBoolean(const ValueView& value) {
     bool operator()(std::int64_t number) const { return number != 0; }
     bool operator()(double number) const { return number != 0; }
     bool operator()(std::string_view text) const {
-      const auto is = [text](std::string_view word) {
-        return std::equal(text.begin(), text.end(), word.begin(), word.end(),
-                          [](char written, char lower) { return (written | 0x20) == lower; });
-      };
-      if (is("true")) return true;
-      if (is("false")) return false;
+      if (EqualIgnoringCase(text, "true")) return true;
+      if (EqualIgnoringCase(text, "false")) return false;
       return ParseNumber(text) != 0;
     }
     bool operator()(const DateTime&) const { RaiseTypeMismatch(); }

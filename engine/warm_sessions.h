@@ -29,10 +29,12 @@ class WarmSessions : public Backend {
   void EndAction() override {
     m_inAction = false;
     const std::vector<std::shared_ptr<Session>> sessions = std::exchange(m_warm, {});
-    ForEach(sessions, [this](Session& session) {
-      const CountWhenDone count{session, m_ended};
-      session.EndGroups();
-    });
+    Failures failures;
+    for (const auto& session : sessions) {
+      failures.Try([&] { session->EndGroups(); });
+      m_ended += session->Commits();
+    }
+    failures.Raise();
   }
 
   void SetWaiting(const Waiting& waiting) override { *m_waiting = waiting; }
@@ -69,12 +71,6 @@ class WarmSessions : public Backend {
   std::shared_ptr<const Waiting> WaitingOfSessions() const { return m_waiting; }
 
  private:
-  struct CountWhenDone {
-    ~CountWhenDone() { counts += session.Commits(); }
-    const Session& session;
-    CommitCounts& counts;
-  };
-
   template <class Operation>
   static void ForEach(const std::vector<std::shared_ptr<Session>>& sessions, Operation operation) {
     Failures failures;

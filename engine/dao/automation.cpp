@@ -41,35 +41,32 @@ std::string SystemDescription(HRESULT result) {
   return FromWide({buffer, length});
 }
 
-// Takes ownership of the texts, so that none leaks.
 struct Details {
   int number = 0;
-  std::string description;
-  std::string source;
-
-  explicit Details(EXCEPINFO& info) {
-    if (info.pfnDeferredFillIn != nullptr) info.pfnDeferredFillIn(&info);
-    number = info.wCode != 0 ? info.wCode : ErrorNumber(info.scode);
-    description = Utf8(info.bstrDescription);
-    source = Utf8(info.bstrSource);
-    for (const BSTR text : {info.bstrDescription, info.bstrSource, info.bstrHelpFile}) SysFreeString(text);
-  }
+  std::string description, source;
 };
 
+// Takes ownership of the texts, so that none leaks.
+Details Taken(EXCEPINFO& info) {
+  if (info.pfnDeferredFillIn != nullptr) info.pfnDeferredFillIn(&info);
+  Details details{info.wCode != 0 ? info.wCode : ErrorNumber(info.scode), Utf8(info.bstrDescription),
+                  Utf8(info.bstrSource)};
+  for (const BSTR text : {info.bstrDescription, info.bstrSource, info.bstrHelpFile}) SysFreeString(text);
+  return details;
+}
+
 // The engine lists errors from the innermost cause to the outermost, which is the one it raises.
-void CompleteFromList(const Object& errors, int& number, std::string& description, std::string& source) {
+void CompleteFromList(const Object& errors, Details& details) {
   try {
     const auto count = static_cast<std::int32_t>(errors.Get(L"Count").Integer());
     if (count == 0) return;
     const Object last = errors.Item(Variant(count - 1));
     const int listed = static_cast<int>(last.Get(L"Number").Integer());
-    if (description.empty() && (number == 0 || number == listed)) {
-      number = listed;
-      description = last.Get(L"Description").Text();
-      source = last.Get(L"Source").Text();
+    if (details.description.empty() && (details.number == 0 || details.number == listed)) {
+      details = {listed, last.Get(L"Description").Text(), last.Get(L"Source").Text()};
     }
-    if (count > 1 && number == listed) {
-      description += " (" + errors.Item(Variant(0)).Get(L"Description").Text() + ")";
+    if (count > 1 && details.number == listed) {
+      details.description += " (" + errors.Item(Variant(0)).Get(L"Description").Text() + ")";
     }
   } catch (const Error&) {
     // The list is not available either; the error stays as it is.
@@ -149,20 +146,12 @@ Object Object::AsObject(Variant value) const {
   return Object(ComPtr<IDispatch>(value.Raw().pdispVal), m_errors);
 }
 
-void Object::Raise(HRESULT result, EXCEPINFO* details) const {
-  int number = 0;
-  std::string description, source;
-  if (details != nullptr) {
-    Details told(*details);
-    number = told.number;
-    description = std::move(told.description);
-    source = std::move(told.source);
-  } else {
-    number = ErrorNumber(result);
-  }
-  if (m_errors) CompleteFromList(Object(m_errors), number, description, source);
-  if (description.empty()) description = SystemDescription(result);
-  throw Error(number, std::move(description), source.empty() ? kSource : std::move(source));
+void Object::Raise(HRESULT result, EXCEPINFO* info) const {
+  Details told = info != nullptr ? Taken(*info) : Details{.number = ErrorNumber(result)};
+  if (m_errors) CompleteFromList(Object(m_errors), told);
+  if (told.description.empty()) told.description = SystemDescription(result);
+  throw Error(told.number, std::move(told.description),
+              told.source.empty() ? kSource : std::move(told.source));
 }
 
 }  // namespace kxrestore::engine::dao

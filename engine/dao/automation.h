@@ -86,7 +86,7 @@ class Object {
   Variant Invoke(WORD how, const wchar_t* name, std::span<VARIANT> reversed) const;
   DISPID Identifier(const wchar_t* name) const;
   Object AsObject(Variant value) const;
-  [[noreturn]] void Raise(HRESULT result, EXCEPINFO* details) const;
+  [[noreturn]] void Raise(HRESULT result, EXCEPINFO* info) const;
 
   ComPtr<IDispatch> m_dispatch;
   ComPtr<IDispatch> m_errors;

@@ -4,6 +4,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "engine/database.h"
 
@@ -11,5 +13,9 @@ namespace kxrestore::engine::dao {
 
 // Null where automation is not available.
 std::unique_ptr<Backend> MakeDaoBackend();
+
+// Error 429 for a file of the desktop engine when that engine is not available. `reason`: why creating the
+// engine failed, if it exists.
+[[noreturn]] void RaiseNotInstalled(const std::string& file, std::string_view reason = {});
 
 }  // namespace kxrestore::engine::dao

@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "base/error.h"
-#include "engine/dao/not_installed.h"
+#include "engine/dao/dao_backend.h"
 #include "engine/error_numbers.h"
 
 namespace kxrestore::engine::dao {

@@ -1,4 +1,4 @@
-#include "engine/dao/not_installed.h"
+#include "engine/dao/dao_backend.h"
 
 #include "engine/error_numbers.h"
 

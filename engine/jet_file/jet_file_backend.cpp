@@ -20,8 +20,8 @@ class JetSession final : public sqlite::Session {
 
 class JetFileBackend final : public WarmSessions<JetSession> {
  public:
-  explicit JetFileBackend(std::chrono::milliseconds patience)
-      : m_waiter(std::make_shared<sqlite::Waiter>(patience, WaitingOfSessions())) {}
+  explicit JetFileBackend(std::chrono::milliseconds lockTimeout)
+      : m_waiter(std::make_shared<sqlite::Waiter>(lockTimeout, WaitingOfSessions())) {}
 
   std::unique_ptr<Database> Open(const OpenRequest& request) override {
     const bool shared = InAction() && !request.exclusive;
@@ -40,23 +40,20 @@ class JetFileBackend final : public WarmSessions<JetSession> {
   }
 
   void EndAction() override {
-    const ActionEnd end{*m_waiter};  // the last commits are part of the action
-    WarmSessions::EndAction();
+    Failures failures;
+    failures.Try([this] { WarmSessions::EndAction(); });
+    m_waiter->EndAction();  // the last commits were part of the action
+    failures.Raise();
   }
 
  private:
-  struct ActionEnd {
-    sqlite::Waiter& waiter;
-    ~ActionEnd() { waiter.EndAction(); }
-  };
-
   std::shared_ptr<sqlite::Waiter> m_waiter;
 };
 
 }  // namespace
 
-std::unique_ptr<Backend> MakeJetFileBackend(std::chrono::milliseconds patience) {
-  return std::make_unique<JetFileBackend>(patience);
+std::unique_ptr<Backend> MakeJetFileBackend(std::chrono::milliseconds lockTimeout) {
+  return std::make_unique<JetFileBackend>(lockTimeout);
 }
 
 }  // namespace kxrestore::engine::jet_file

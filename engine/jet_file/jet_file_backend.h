@@ -9,7 +9,7 @@
 
 namespace kxrestore::engine::jet_file {
 
-// `patience`: how long to wait for another program that is writing.
-std::unique_ptr<Backend> MakeJetFileBackend(std::chrono::milliseconds patience = std::chrono::seconds(3));
+// `lockTimeout`: how long to wait for another program that is writing.
+std::unique_ptr<Backend> MakeJetFileBackend(std::chrono::milliseconds lockTimeout = std::chrono::seconds(3));
 
 }  // namespace kxrestore::engine::jet_file

@@ -19,28 +19,30 @@ namespace kxrestore::engine::jet_sql {
 struct SelectStatement;
 
 enum class ExpressionKind {
+  // literals, and a parameter in place of one
   kNull,
   kBoolean,    // number: 0 or 1
   kNumber,     // text as written
   kText,       // text
   kDate,       // date
   kParameter,  // number: 1, 2, ...
-  kColumn,     // qualifier (may be empty), text
-  kStar,       // only inside Count(*)
-  kNot,        // args[0]
-  kMinus,      // args[0]
-  kChain,      // args joined by operators, all of one precedence: AND, OR, + -, * / Mod, &
-  kCompare,    // args[0] operators[0] args[1]
-  kLike,       // args[0] Like args[1]
-  kBetween,    // args[0] Between args[1] And args[2]
-  kIn,         // args[0] In (args[1]...) or (query)
-  kIsNull,     // args[0]
-  kFunction,   // text(args), and which function that is
-  kCase,       // [base] when/then pairs, else
-  kCast,       // args[0] as text
-  kCollate,    // args[0] collate text
-  kSubquery,   // (query)
-  kExists,     // exists (query)
+  // others
+  kColumn,    // qualifier (may be empty), text
+  kStar,      // only inside Count(*)
+  kNot,       // args[0]
+  kMinus,     // args[0]
+  kChain,     // args joined by operators, all of one precedence: AND, OR, + -, * / Mod, &
+  kCompare,   // args[0] operators[0] args[1]
+  kLike,      // args[0] Like args[1]
+  kBetween,   // args[0] Between args[1] And args[2]
+  kIn,        // args[0] In (args[1]...) or (query)
+  kIsNull,    // args[0]
+  kFunction,  // text(args), and which function that is
+  kCase,      // [base] when/then pairs, else
+  kCast,      // args[0] as text
+  kCollate,   // args[0] collate text
+  kSubquery,  // (query)
+  kExists,    // exists (query)
 };
 
 enum class Operator {
@@ -88,6 +90,13 @@ struct Expression {
 
 ExpressionPtr MakeColumn(std::string qualifier, std::string name);
 
+inline bool IsLiteral(const Expression& expression) {
+  return expression.kind <= ExpressionKind::kParameter;
+}
+
+// The kind of an expression whose parts are resolved; unknown for columns, parameters and nested queries.
+ValueKind KindOf(const Expression& expression);
+
 // Whether the expression is an aggregate, or contains one outside of nested queries.
 bool IsAggregate(const Expression& expression);
 bool HoldsAggregate(const Expression& expression);
@@ -131,6 +140,20 @@ struct JoinChain {
   TableRef first;
   std::vector<Join> joins;
 };
+
+// Calls `visit` for each table of the chain, nested chains included.
+template <class Chain, class Visit>
+void ForEachTable(Chain& chain, const Visit& visit) {
+  const auto each = [&visit](auto& table) {
+    if (table.nested) {
+      ForEachTable(*table.nested, visit);
+    } else {
+      visit(table);
+    }
+  };
+  each(chain.first);
+  for (auto& join : chain.joins) each(join.table);
+}
 
 struct SelectCore {
   bool distinct = false;

@@ -14,10 +14,6 @@ namespace {
 constexpr std::chrono::milliseconds kGrace(120);
 constexpr std::chrono::milliseconds kLoginMargin(2'000);
 
-void NoteLoss(DriverHandles& handles, const Outcome& outcome) {
-  if (outcome.Failed() && FailureOf(outcome.Diagnostics()) == Failure::kConnection) handles.lost = true;
-}
-
 }  // namespace
 
 void RaiseCanceled() {
@@ -42,7 +38,7 @@ void DriverHandles::Tidy() noexcept {
 
 void DriverHandles::Close() noexcept {
   try {
-    if (isConnected && commitsByHand)
+    if (isConnected && commitsManually)
       connection.EndTransaction(false).Ignore();  // disconnecting rolls back, too
     for (const std::shared_ptr<StatementData>& statement : statements) {
       statement->AskToFree();
@@ -108,16 +104,17 @@ Outcome Connection::RunWithin(Call call, const DriverThread::Limits& limits, boo
     ending = m_thread.Run(
         [call = std::move(call), handles = m_handles, outcome] {
           *outcome = call(*handles);
-          NoteLoss(*handles, *outcome);
+          const bool failed = outcome->Failed();
+          if (failed && FailureOf(outcome->Diagnostics()) == Failure::kConnection) handles->lost = true;
         },
         limits);
   } catch (...) {
-    if (m_thread.IsLeft()) GiveUp();
+    if (m_thread.IsAbandoned()) GiveUp();
     throw;
   }
   if (ending == DriverThread::Ending::kGivenUp) {
     GiveUp();
-    m_lossWords = "ODBC - call failed: '" + m_server + "' did not answer when the user stopped it.";
+    m_lossMessage = "ODBC - call failed: '" + m_server + "' did not answer when the user stopped it.";
     RaiseCanceled();
   }
   if (ending == DriverThread::Ending::kTimedOut) {
@@ -128,20 +125,20 @@ Outcome Connection::RunWithin(Call call, const DriverThread::Limits& limits, boo
       Raise(error_number::kOdbcConnectionFailed,
             "ODBC - connection to '" + m_server + "' failed: no answer" + time);
     }
-    m_lossWords = "ODBC - call failed: '" + m_server + "' has not answered" + time;
+    m_lossMessage = "ODBC - call failed: '" + m_server + "' has not answered" + time;
     RaiseLost();
   }
-  if (IsLost() && m_lossWords.empty() && outcome->Failed()) {
-    m_lossWords = ErrorOf(outcome->Diagnostics(), false, {}, *m_password).Description();
+  if (IsLost() && m_lossMessage.empty() && outcome->Failed()) {
+    m_lossMessage = ErrorOf(outcome->Diagnostics(), false, {}, *m_password).Description();
   }
   if (ending == DriverThread::Ending::kStopped && outcome->Failed()) RaiseCanceled();
   return *outcome;
 }
 
 void Connection::RaiseLost() const {
-  Raise(error_number::kOdbcFailed, m_lossWords.empty()
+  Raise(error_number::kOdbcFailed, m_lossMessage.empty()
                                        ? "ODBC - call failed: the connection to '" + m_server + "' was lost."
-                                       : m_lossWords);
+                                       : m_lossMessage);
 }
 
 Outcome Connection::SetAutocommit(bool on) {
@@ -151,7 +148,7 @@ Outcome Connection::SetAutocommit(bool on) {
     if (outcome.Failed()) {
       handles.lost = true;
     } else {
-      handles.commitsByHand = !on;
+      handles.commitsManually = !on;
     }
     return outcome;
   };
@@ -165,21 +162,11 @@ Outcome Connection::EndTransaction(bool commit) {
     if (handles.connection.SetAttribute(SQL_ATTR_AUTOCOMMIT, SQL_AUTOCOMMIT_ON).Failed()) {
       handles.lost = true;  // but the transaction ended as intended
     } else {
-      handles.commitsByHand = false;
+      handles.commitsManually = false;
     }
     return outcome;
   };
   return Run(end);
-}
-
-void Connection::Close(StatementData& statement, bool atOnce) noexcept {
-  statement.AskToClose();
-  if (atOnce) m_thread.Wake();
-}
-
-void Connection::Free(StatementData& statement, bool atOnce) noexcept {
-  statement.AskToFree();
-  if (atOnce) m_thread.Wake();
 }
 
 void Connection::GiveTurn() {

@@ -22,7 +22,7 @@ struct DriverHandles {
   ConnectionHandle connection;
   std::vector<std::shared_ptr<StatementData>> statements;
   bool isConnected = false;
-  bool commitsByHand = false;     // autocommit is off
+  bool commitsManually = false;   // autocommit is off
   std::atomic<bool> lost{false};  // the server is gone; no further calls are made
 
   void Tidy() noexcept;
@@ -47,12 +47,11 @@ class Connection {
   // Ends the transaction and switches autocommit on.
   Outcome EndTransaction(bool commit);
 
-  // The thread closes the cursor or frees the statement. `atOnce`: now, not before the next call.
-  void Close(StatementData& statement, bool atOnce) noexcept;
-  void Free(StatementData& statement, bool atOnce) noexcept;
+  // Makes the thread close cursors and free statements now, not before the next call.
+  void Tidy() noexcept { m_thread.Wake(); }
 
   // Whether a transaction may be open.
-  bool InTransaction() const { return !IsLost() && m_handles->commitsByHand; }
+  bool InTransaction() const { return !IsLost() && m_handles->commitsManually; }
   bool IsLost() const { return m_handles->lost; }
   void GiveUp() { m_handles->lost = true; }
   // Error 3146 for a lost connection, with the message of the call that detected it.
@@ -68,7 +67,7 @@ class Connection {
   Outcome RunWithin(Call call, const DriverThread::Limits& limits, bool isConnecting);
 
   std::string m_server;
-  std::string m_lossWords;  // the message, once the loss has been reported
+  std::string m_lossMessage;  // the message, once the loss has been reported
   Waits m_waits;
   std::shared_ptr<const Password> m_password;
   std::shared_ptr<DriverHandles> m_handles;

@@ -22,7 +22,7 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr milliseconds kTurnInterval(20);
-constexpr milliseconds kFarewell(140);  // for the final cleanup, before the thread is abandoned
+constexpr milliseconds kCleanupTime(140);  // after which the thread is abandoned
 
 // An abandoned thread returns into this module, so keep the module loaded.
 void KeepModuleLoaded() noexcept {
@@ -33,31 +33,31 @@ void KeepModuleLoaded() noexcept {
 #endif
 }
 
-// To fall asleep and be woken up takes both threads longer than a short call to a server near by, so each
-// looks for the other a little while first. Where that is in vain, because the server or the machine is slow,
-// the next calls do without, more and more of them.
-class Lookout {
+// Sleeping and being woken takes both threads longer than a short call to a nearby server, so each spins for
+// the other's flag first. If that is in vain, because the server or the machine is slow, the next calls skip
+// it, twice as many each time.
+class SpinWait {
  public:
-  void LookFor(const std::atomic<bool>& flag) {
-    if (m_without > 0) {
-      --m_without;
+  void WaitFor(const std::atomic<bool>& flag) {
+    if (m_skipped > 0) {
+      --m_skipped;
       return;
     }
-    const auto until = Clock::now() + kAwake;
+    const auto until = Clock::now() + kSpinTime;
     while (!flag.load(std::memory_order_acquire)) {
       if (Clock::now() < until) continue;
-      m_pause = std::min(2 * m_pause, kLongestPause);
-      m_without = m_pause;
+      m_skips = std::min(2 * m_skips, kMaxSkips);
+      m_skipped = m_skips;
       return;
     }
-    m_pause = kShortestPause;
+    m_skips = kMinSkips;
   }
 
  private:
-  static constexpr std::chrono::microseconds kAwake{250};
-  static constexpr int kShortestPause = 8, kLongestPause = 1024;  // calls
-  int m_pause = kShortestPause;
-  int m_without = std::thread::hardware_concurrency() < 2 ? std::numeric_limits<int>::max() : 0;
+  static constexpr std::chrono::microseconds kSpinTime{250};
+  static constexpr int kMinSkips = 8, kMaxSkips = 1024;  // calls
+  int m_skips = kMinSkips;
+  int m_skipped = std::thread::hardware_concurrency() < 2 ? std::numeric_limits<int>::max() : 0;
 };
 
 }  // namespace
@@ -72,8 +72,8 @@ struct DriverThread::State {
   bool finishing = false;  // no further calls
   bool ended = false;
   bool canceling = false;                                 // the call is being canceled
-  std::atomic<bool> requested = false, answered = false;  // the latest call, for the lookouts
-  Lookout forRequest, forAnswer;
+  std::atomic<bool> requested = false, answered = false;  // the latest call, for the spinning
+  SpinWait forRequest, forAnswer;
 
   bool IsSettled() const { return !busy && !canceling; }
 };
@@ -94,15 +94,15 @@ DriverThread::~DriverThread() {
   std::unique_lock lock(m_state->mutex);
   m_state->finishing = true;
   m_state->work.notify_all();
-  const auto until = Clock::now() + kFarewell;
+  const auto until = Clock::now() + kCleanupTime;
   while (!m_state->done.wait_for(lock, kTurnInterval, [this] { return m_state->ended; })) {
     if (Clock::now() >= until) {
-      Leave();
+      Abandon();
       return;
     }
     lock.unlock();
-    std::exception_ptr nobodyToTell;
-    if (!m_inTurn) Turn(nobodyToTell);
+    std::exception_ptr ignored;
+    if (!m_inTurn) Turn(ignored);
     lock.lock();
   }
   lock.unlock();
@@ -113,7 +113,7 @@ void DriverThread::Serve(State& state) {
   std::unique_lock lock(state.mutex);
   for (;;) {
     lock.unlock();
-    state.forRequest.LookFor(state.requested);
+    state.forRequest.WaitFor(state.requested);
     lock.lock();
     state.work.wait(lock, [&] { return state.busy || state.untidy || state.finishing; });
     const bool asked = state.busy;
@@ -152,7 +152,7 @@ void DriverThread::Serve(State& state) {
   state.done.notify_all();
 }
 
-void DriverThread::Leave() noexcept {
+void DriverThread::Abandon() noexcept {
   KeepModuleLoaded();
   m_state->finishing = true;
   m_thread.detach();
@@ -190,7 +190,7 @@ DriverThread::Ending DriverThread::Run(Work call, const Limits& limits) {
   state.requested = true;
   state.work.notify_one();
   lock.unlock();
-  state.forAnswer.LookFor(state.answered);
+  state.forAnswer.WaitFor(state.answered);
   lock.lock();
   const auto timeOut = Clock::now() + limits.wait;
   while (!state.done.wait_for(lock, kTurnInterval, [&] { return state.IsSettled(); })) {
@@ -224,7 +224,7 @@ DriverThread::Ending DriverThread::Run(Work call, const Limits& limits) {
     if (state.IsSettled()) break;
     const auto now = Clock::now();
     if ((giveUp && now >= *giveUp) || now >= timeOut) {
-      Leave();
+      Abandon();
       if (canceler.joinable()) canceler.detach();
       lock.unlock();
       if (failure) std::rethrow_exception(failure);

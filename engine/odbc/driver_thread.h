@@ -43,7 +43,7 @@ class DriverThread {
   Ending Run(Work call, const Limits& limits);
   void Wake() noexcept;
   // Whether a call was abandoned.
-  bool IsLeft() const { return !m_thread.joinable(); }
+  bool IsAbandoned() const { return !m_thread.joinable(); }
 
   // Invokes the callback if it is due; for work made of many short steps. False when it requests a stop.
   bool GiveTurn();
@@ -55,7 +55,7 @@ class DriverThread {
 
   static void Serve(State& state);
   bool Turn(std::exception_ptr& failure) noexcept;
-  void Leave() noexcept;
+  void Abandon() noexcept;
 
   std::shared_ptr<const Waiting> m_waiting;
   std::shared_ptr<State> m_state;  // shared with the worker

@@ -18,7 +18,7 @@ class OdbcBackend final : public WarmSessions<Session> {
           request.readOnly);
     }
     // A lost session is dropped once it has reported its lost changes; this operation reconnects.
-    Drop([](const Session& session) { return session.IsLost() && !session.HasUntold(); });
+    Drop([](const Session& session) { return session.IsLost() && !session.HasUnreported(); });
     const auto fits = [&](const Session& session) {
       return session.Connect() == request.connect && !session.IsLost();
     };

@@ -11,6 +11,7 @@
 #include "engine/jet_sql/reading/lexer.h"
 #include "engine/jet_sql/reading/parser.h"
 #include "engine/jet_sql/reading/source_text.h"
+#include "engine/odbc/odbc_session.h"
 #include "engine/odbc/saved_queries.h"
 
 namespace kxrestore::engine::odbc {
@@ -42,7 +43,7 @@ class OdbcTableFacts final : public TableFacts {
     if (m_session.Tables().PrimaryKeyOf(*FindTable(table)) != std::vector<std::string>{key->name})
       return false;
     // A query also returns the rows of inheriting tables, which the key does not cover.
-    return !m_session.Facts().IsPostgres() || !HasHeirs(table);
+    return !m_session.Facts().IsPostgres() || !HasInheritingTables(table);
   }
 
   bool ComparesExactly(const std::string& table, const std::string& column) override {
@@ -73,7 +74,7 @@ class OdbcTableFacts final : public TableFacts {
   }
 
   // Whether other PostgreSQL tables inherit from it.
-  bool HasHeirs(const std::string& table) {
+  bool HasInheritingTables(const std::string& table) {
     const Schema::Entry* entry = m_session.Tables().FindEntry(table);
     if (entry == nullptr) return false;
     return !m_session
@@ -101,17 +102,17 @@ void AddKeys(Session& session, SelectStatement& statement, const std::vector<Res
   for (const std::string& key : first.keys) statement.orderBy.push_back({MakeColumn(first.alias, key)});
 }
 
-Value AsKind(const Value& value, ValueKind kind) {
-  const ValueView view = ViewOf(value);
-  if (kind == ValueKind::kText) return ToText(view);
-  if (kind == ValueKind::kBoolean && std::holds_alternative<std::int64_t>(value)) return ToBoolean(view);
-  if (kind == ValueKind::kDate) {
-    if (const auto date = ToDateTime(view)) return *date;
-  }
-  return value;
-}
-
 }  // namespace
+
+Value ForColumn(const Value& value, ValueKind kind) {
+  const ValueView view = ViewOf(value);
+  if (IsNull(view)) return value;
+  if (kind == ValueKind::kBoolean) return ToBoolean(view);
+  if (kind == ValueKind::kText) return ToText(view);
+  if (kind == ValueKind::kNumber && std::holds_alternative<bool>(value)) return ToInteger(view);
+  const auto date = kind == ValueKind::kDate ? ToDateTime(view) : std::nullopt;
+  return date ? Value(*date) : value;
+}
 
 std::vector<Value> ParameterValues(const Plan& plan, const std::vector<Value>& values,
                                    const Dialect& dialect) {
@@ -122,20 +123,20 @@ std::vector<Value> ParameterValues(const Plan& plan, const std::vector<Value>& v
     if (use.isMask) {
       parameters.emplace_back(dialect.Mask(ToText(ViewOf(values[index]))));
     } else {
-      parameters.push_back(AsKind(values[index], use.kind));
+      parameters.push_back(ForColumn(values[index], use.kind));
     }
   }
   return parameters;
 }
 
-std::shared_ptr<Plan> MakePlan(Session& session, const Sql& sql, Session::Use use, const ColumnNames& read) {
+std::shared_ptr<Plan> MakePlan(Session& session, const Sql& sql, StatementUse use, const ColumnNames& read) {
   Schema& schema = session.Tables();
-  const bool reads = use != Session::Use::kAction;
+  const bool reads = use != StatementUse::kAction;
   const auto exists = [&schema](std::string_view name) { return schema.FindEntry(name) != nullptr; };
   jet_sql::Statement statement = ReadSource(sql, reads, exists);
   auto plan = std::make_shared<Plan>();
   auto* select = std::get_if<SelectStatement>(&statement);
-  if (use == Session::Use::kSnapshot && select != nullptr) {
+  if (use == StatementUse::kSnapshot && select != nullptr) {
     OdbcTableFacts facts(session);
     RemoveGroupsOfSingleRows(facts, *select);
   }
@@ -145,20 +146,11 @@ std::shared_ptr<Plan> MakePlan(Session& session, const Sql& sql, Session::Use us
   plan->columns = std::move(resolution.columns);
   plan->columnsKnown = resolution.columnsKnown;
   if (select != nullptr && plan->columnsKnown) LeaveOutUnreadColumns(*select, plan->columns, read);
-  if (use == Session::Use::kDynaset && select != nullptr && plan->columnsKnown) {
+  if (use == StatementUse::kDynaset && select != nullptr && plan->columnsKnown) {
     AddKeys(session, *select, resolution.tables, *plan);
   }
   plan->sql = PrintWithParameters(statement, session.Dialect());
   return plan;
-}
-
-RowUpdate& FindRowUpdate(Session& session, Plan& plan, const std::vector<std::size_t>& columns) {
-  const auto make = [&](const PlanTable& /*table*/, const PrintedSql& sql) {
-    auto update = std::make_unique<RowUpdate>();
-    update->statement = std::make_unique<OdbcStatement>(session, sql);
-    return update;
-  };
-  return engine::FindRowUpdate(plan, columns, session.Dialect(), make);
 }
 
 ViewBody TranslateSavedQuery(Session& session, std::string_view text) {

@@ -1,42 +1,18 @@
 #include "engine/odbc/odbc_recordset.h"
 
 #include "engine/error_numbers.h"
-#include "engine/odbc/odbc_planner.h"
 
 namespace kxrestore::engine::odbc {
 namespace {
 
 namespace number = error_number;
-using jet_sql::ValueKind;
-
-// A value converted to the column's type where the server would otherwise refuse it.
-Value ForColumn(const Value& value, ValueKind kind) {
-  const ValueView view = ViewOf(value);
-  if (IsNull(view)) return value;
-  switch (kind) {
-    case ValueKind::kBoolean:
-      return ToBoolean(view);
-    case ValueKind::kNumber:
-      if (std::holds_alternative<bool>(value)) return std::int64_t{std::get<bool>(value) ? 1 : 0};
-      return value;
-    case ValueKind::kText:
-      return ToText(view);
-    case ValueKind::kDate:
-      if (const auto date = ToDateTime(view)) return *date;
-      return value;
-    case ValueKind::kUnknown:
-      break;
-  }
-  return value;
-}
-
 }  // namespace
 
 OdbcRecordset::OdbcRecordset(std::shared_ptr<Session> session, const Sql& sql, RecordsetType type,
                              const ColumnNames& read, bool readOnly)
     : StreamedRecordset(type, readOnly), m_session(std::move(session)) {
   Open(sql, read);
-  const std::vector<ColumnType>& columns = m_statement->Columns();
+  const std::vector<Column>& columns = m_statement->Columns();
   for (std::size_t i = 0; i + m_plan->hidden < columns.size(); ++i) m_names.push_back(columns[i].name);
   const bool hasRow = m_statement->Next();
   m_plan->isShort = m_statement->InOneBlock();
@@ -69,10 +45,10 @@ bool OdbcRecordset::TryOpen(const Sql& sql, const ColumnNames& read, Outcome& fa
 }
 
 OdbcRecordset::~OdbcRecordset() {
-  LetStatementGo();
+  ReleaseStatement();
 }
 
-void OdbcRecordset::LetStatementGo() {
+void OdbcRecordset::ReleaseStatement() {
   if (!m_statement) return;
   m_session->Streaming().Remove(*this);
   Session::Release(*m_plan, std::move(m_statement));
@@ -82,7 +58,13 @@ std::int64_t OdbcRecordset::UpdateRow(const std::vector<std::size_t>& columns, s
   for (std::size_t i = 0; i < columns.size(); ++i) {
     values[i] = ForColumn(values[i], m_plan->columns[columns[i]].kind);
   }
-  return m_session->RunWrite(*FindRowUpdate(*m_session, *m_plan, columns).statement, values);
+  const auto make = [this](const PlanTable& /*table*/, const jet_sql::PrintedSql& sql) {
+    auto update = std::make_unique<RowUpdate>();
+    update->statement = std::make_unique<OdbcStatement>(*m_session, sql);
+    return update;
+  };
+  const RowUpdate& update = FindRowUpdate(*m_plan, columns, m_session->Dialect(), make);
+  return m_session->RunWrite(*update.statement, values);
 }
 
 }  // namespace kxrestore::engine::odbc

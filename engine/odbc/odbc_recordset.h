@@ -21,7 +21,7 @@ class OdbcRecordset final : public StreamedRecordset {
 
  private:
   bool Fetch() override { return m_statement->Next(); }
-  void LetStatementGo() override;
+  void ReleaseStatement() override;
   ValueView Streamed(std::size_t index) const override { return m_statement->Value(index); }
   std::string_view ColumnName(std::size_t index) const override { return m_names[index]; }
   const std::string& Place() const override { return m_session->Place(); }

@@ -19,12 +19,6 @@ std::string EscapedPattern(const std::string& name, const std::string& escape) {
   return pattern;
 }
 
-// Whether the driver lacks the function; the result is then treated as empty.
-bool IsUnknownFunction(const Outcome& outcome) {
-  const std::vector<Diagnostic>& told = outcome.Diagnostics();
-  return !told.empty() && (told.front().state == "IM001" || told.front().state == "HYC00");
-}
-
 bool IsOfTheServer(std::string_view schema) {
   for (const char* name : {"pg_catalog", "information_schema", "pg_toast", "sys"}) {
     if (EqualIgnoringCase(schema, name)) return true;
@@ -132,7 +126,8 @@ std::vector<std::string> Schema::PrimaryKeyOf(const jet_sql::KnownRelation& tabl
   OdbcStatement statement(m_session, table.name);
   const Outcome outcome = statement.ExecuteCatalog(list);
   if (outcome.Failed()) {
-    if (IsUnknownFunction(outcome)) return keys;
+    const std::string state = outcome.Diagnostics().empty() ? "" : outcome.Diagnostics().front().state;
+    if (state == "IM001" || state == "HYC00") return keys;  // the driver lacks the function
     m_session.RaiseFailure(outcome, table.name);
   }
   while (statement.Next()) keys.push_back(ToText(statement.Value(3)));

@@ -7,7 +7,6 @@
 
 #include "base/error.h"
 #include "engine/error_numbers.h"
-#include "engine/odbc/odbc_planner.h"
 
 namespace kxrestore::engine::odbc {
 namespace {
@@ -90,8 +89,8 @@ bool Session::RunRead(OdbcStatement& statement, const std::vector<Value>& values
     if (!failed.Failed()) return true;
     const Failure failure = FailureOf(failed.Diagnostics());
     if (failure == Failure::kStale) return false;
-    if (m_inGroup || !MayTryAgain(failure, tried)) RaiseFailure(failed, statement.Sql().Text());
-    PauseBeforeTry(tried);
+    if (m_inGroup || !MayRetry(failure, tried)) RaiseFailure(failed, statement.Sql().Text());
+    PauseBeforeRetry(tried);
   }
 }
 
@@ -100,23 +99,9 @@ std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value
   DetachStreaming();
   GroupedWrite write{statement.Sql(), values};
   m_group.reserve(m_group.size() + 1);
-  for (int tried = 1;; ++tried) {
-    LimitLockWaits();
-    if (tried == 1) BeginGroup();
-    const auto start = Clock::now();
-    const Outcome outcome = statement.Execute(values);
-    if (!outcome.Failed()) {
-      if (statement.ChangedRows() <= 1) SpendLockWait(start, Failure::kStatement);
-      break;
-    }
-    const Failure failure = FailureOf(outcome.Diagnostics());
-    if (failure == Failure::kConflict || failure == Failure::kLock) SpendLockWait(start, failure);
-    if (!MayTryAgain(failure, tried)) RaiseFailure(outcome, statement.Sql().Text());
-    // Two connections waited for each other's rows. The statements of this group are repeated and committed
-    // one by one, so that no row stays locked while waiting for another.
-    if (m_inGroup) Replay(std::exchange(m_group, {}));
-    PauseBeforeTry(tried);
-  }
+  LimitLockWaits();
+  BeginGroup();
+  ExecuteWrite(statement, values);
   const std::int64_t rows = statement.ChangedRows();
   if (!m_inGroup) return rows;
   m_group.push_back(std::move(write));
@@ -127,6 +112,25 @@ std::int64_t Session::RunWrite(OdbcStatement& statement, const std::vector<Value
   return rows;
 }
 
+void Session::ExecuteWrite(OdbcStatement& statement, const std::vector<Value>& values) {
+  for (int tried = 1;; ++tried) {
+    const auto start = Clock::now();
+    const Outcome outcome = statement.Execute(values);
+    if (!outcome.Failed()) {
+      if (statement.ChangedRows() <= 1) SpendLockWait(start, Failure::kStatement);
+      return;
+    }
+    const Failure failure = FailureOf(outcome.Diagnostics());
+    SpendLockWait(start, failure);
+    if (!MayRetry(failure, tried)) RaiseFailure(outcome, statement.Sql().Text());
+    // Two connections waited for each other's rows. The statements of this group are repeated and committed
+    // one by one, so that no row stays locked while waiting for another.
+    if (m_inGroup) Replay(std::exchange(m_group, {}));
+    PauseBeforeRetry(tried);
+    LimitLockWaits();
+  }
+}
+
 void Session::RunSchemaChange(const std::vector<std::string>& statements) {
   Flush();
   DetachStreaming();
@@ -135,7 +139,7 @@ void Session::RunSchemaChange(const std::vector<std::string>& statements) {
   const bool own = m_transactionOwner == nullptr;
   for (int tried = 1;; ++tried) {
     LimitLockWaits();
-    if (own) BeginByHand();
+    if (own) BeginManually();
     Outcome outcome;
     std::string_view failed;
     try {
@@ -159,8 +163,8 @@ void Session::RunSchemaChange(const std::vector<std::string>& statements) {
     }
     if (failed.empty()) return;
     if (own) Undo();
-    if (!MayTryAgain(FailureOf(outcome.Diagnostics()), tried)) RaiseFailure(outcome, failed);
-    PauseBeforeTry(tried);
+    if (!MayRetry(FailureOf(outcome.Diagnostics()), tried)) RaiseFailure(outcome, failed);
+    PauseBeforeRetry(tried);
   }
 }
 
@@ -185,13 +189,13 @@ void Session::ReadCatalog(OdbcStatement& statement, StatementData::CatalogFuncti
 
 // ---- retrying
 
-bool Session::MayTryAgain(Failure failure, int tried) const {
+bool Session::MayRetry(Failure failure, int tried) const {
   return failure == Failure::kConflict && m_transactionOwner == nullptr && tried < kMaxTries &&
          m_action->lockTime.count() > 0;
 }
 
 // The pause grows, so that competing connections do not collide again immediately.
-void Session::PauseBeforeTry(int tried) {
+void Session::PauseBeforeRetry(int tried) {
   const auto start = Clock::now();
   m_connection.Pause(milliseconds(5 << tried));
   SpendLockWait(start, Failure::kConflict);
@@ -210,14 +214,14 @@ void Session::SpendLockWait(Clock::time_point start, Failure failure) {
 // ---- groups
 
 // A new transaction, which ends with Connection::EndTransaction.
-void Session::BeginByHand() {
+void Session::BeginManually() {
   const Outcome outcome = m_connection.SetAutocommit(false);
   if (outcome.Failed()) RaiseFailure(outcome, "BEGIN");
 }
 
 void Session::BeginGroup() {
   if (!m_grouping || m_inGroup || m_transactionOwner != nullptr) return;
-  BeginByHand();
+  BeginManually();
   m_inGroup = true;
   m_due = Clock::now() + kGroupTime;
 }
@@ -239,7 +243,10 @@ void Session::Replay(const std::vector<GroupedWrite>& writes) {
   try {
     m_streaming.Detach();  // after a stop the recordset raises the error at the first missing row
     Undo();
-    for (const GroupedWrite& write : writes) WriteAgain(write);
+    for (const GroupedWrite& write : writes) {
+      OdbcStatement statement(*this, write.sql);
+      ExecuteWrite(statement, write.values);
+    }
     if (!writes.empty()) ++m_commits.committed;
   } catch (...) {
     if (!writes.empty()) {
@@ -247,19 +254,6 @@ void Session::Replay(const std::vector<GroupedWrite>& writes) {
                "ODBC - call failed: changes that the server had undone could not be written again.");
     }
     throw;
-  }
-}
-
-void Session::WriteAgain(const GroupedWrite& write) {
-  OdbcStatement statement(*this, write.sql);
-  for (int tried = 1;; ++tried) {
-    const auto start = Clock::now();
-    const Outcome outcome = statement.Execute(write.values);
-    if (!outcome.Failed()) return;
-    const Failure failure = FailureOf(outcome.Diagnostics());
-    SpendLockWait(start, failure);
-    if (!MayTryAgain(failure, tried)) RaiseFailure(outcome, write.sql.Text());
-    PauseBeforeTry(tried);
   }
 }
 
@@ -284,10 +278,10 @@ CommitCounts Session::Commits() const {
 }
 
 // Of two losses that are reported together, the later one provides the message.
-void Session::NoteLoss(int number, std::string words) {
+void Session::NoteLoss(int number, std::string message) {
   ++m_commits.lost;
   m_lossNumber = number;
-  m_lossWords = std::move(words);
+  m_lossMessage = std::move(message);
 }
 
 // Records a failure instead of throwing it. Throws what the callback throws, and std::bad_alloc before doing
@@ -321,18 +315,18 @@ void Session::CommitIfDue() {
   if (m_inGroup && (IsLost() || Clock::now() >= m_due)) CommitGroup();
 }
 
-void Session::TellLoss() {
-  if (m_lossNumber != 0) Raise(std::exchange(m_lossNumber, 0), std::exchange(m_lossWords, {}));
+void Session::RaiseLoss() {
+  if (m_lossNumber != 0) Raise(std::exchange(m_lossNumber, 0), std::exchange(m_lossMessage, {}));
 }
 
 void Session::Idle() {
   CommitIfDue();
-  TellLoss();
+  RaiseLoss();
 }
 
 void Session::Flush() {
   CommitGroup();
-  TellLoss();
+  RaiseLoss();
 }
 
 void Session::EndGroups() {
@@ -348,7 +342,7 @@ void Session::DetachStreaming() {
 
 void Session::BeginTransaction(const Database& owner) {
   Flush();
-  BeginByHand();
+  BeginManually();
   m_transactionOwner = &owner;
   m_textsBefore = *m_texts;
 }

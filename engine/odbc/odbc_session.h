@@ -13,11 +13,10 @@
 #include "engine/database.h"
 #include "engine/odbc/connection.h"
 #include "engine/odbc/odbc_error.h"
-#include "engine/odbc/odbc_plan.h"
+#include "engine/odbc/odbc_planner.h"
 #include "engine/odbc/odbc_schema.h"
 #include "engine/odbc/server_facts.h"
 #include "engine/odbc/waits.h"
-#include "engine/plan_cache.h"
 #include "engine/streamed_recordset.h"
 
 namespace kxrestore::engine::odbc {
@@ -50,7 +49,7 @@ class Session {
   Schema& Tables() { return m_schema; }
   bool IsLost() const { return m_connection.IsLost(); }  // the server is gone; a new session is needed
   // Whether changes are uncommitted, or were lost and not yet reported.
-  bool HasUntold() const { return !m_group.empty() || m_lossNumber != 0; }
+  bool HasUnreported() const { return !m_group.empty() || m_lossNumber != 0; }
 
   using Use = StatementUse;
   // The plan for a statement.
@@ -108,22 +107,22 @@ class Session {
 
   void ReadFacts();
   void ReadPostgresFacts(bool isPsqlodbc);
-  bool HandsOutUtf8();
+  bool ReturnsUtf8();
   void LimitLockWaits();
   void SpendLockWait(Clock::time_point start, Failure failure);
-  void BeginByHand();
+  void BeginManually();
   void Undo() noexcept;
   void BeginGroup();
   void Commit();
   void CommitGroup();
   void CommitIfDue();
-  void NoteLoss(int number, std::string words);
-  void TellLoss();
+  void NoteLoss(int number, std::string message);
+  void RaiseLoss();
   void DetachStreaming();  // error 3059 when the user stops
+  void ExecuteWrite(OdbcStatement& statement, const std::vector<Value>& values);
   void Replay(const std::vector<GroupedWrite>& writes);
-  void WriteAgain(const GroupedWrite& write);
-  bool MayTryAgain(Failure failure, int tried) const;
-  void PauseBeforeTry(int tried);
+  bool MayRetry(Failure failure, int tried) const;
+  void PauseBeforeRetry(int tried);
 
   std::string m_connect;
   bool m_grouping;
@@ -146,7 +145,7 @@ class Session {
   Clock::time_point m_due;
   CommitCounts m_commits;
   int m_lossNumber = 0;  // of a lost group that is not yet reported; 0: none
-  std::string m_lossWords;
+  std::string m_lossMessage;
 };
 
 }  // namespace kxrestore::engine::odbc

@@ -44,11 +44,11 @@ void Convert(std::u16string_view units, std::string& text) {
 }  // namespace
 
 OdbcStatement::OdbcStatement(Session& session, jet_sql::PrintedSql sql)
-    : m_session(session),
-      m_data(std::make_shared<StatementData>(std::move(sql), session.Facts(), kQueryTimeout)) {}
+    : m_session(session), m_data(std::make_shared<StatementData>(std::move(sql), session.Facts())) {}
 
 OdbcStatement::~OdbcStatement() {
-  m_session.Driver().Free(*m_data, HoldsServer());
+  m_data->AskToFree();
+  if (HoldsServer()) m_session.Driver().Tidy();
 }
 
 // Executes and fetches the first block.
@@ -66,7 +66,7 @@ Outcome OdbcStatement::ExecuteWith(const std::vector<engine::Value>& values, boo
   if (byName && m_data->WantsName()) m_data->SetName(m_session.NameForPrepared());
   m_data->SetValues(values);
   const auto execute = [data = m_data, byName, wantsRows](DriverHandles& handles) {
-    return StatementData::Execute(handles, data, byName, wantsRows);
+    return data->Execute(handles, byName, wantsRows);
   };
   if (wantsRows) return RunReading(execute);
   m_isOpen = false;
@@ -74,20 +74,19 @@ Outcome OdbcStatement::ExecuteWith(const std::vector<engine::Value>& values, boo
 }
 
 Outcome OdbcStatement::ExecuteDirect() {
-  const auto execute = [data = m_data](DriverHandles& handles) {
-    return StatementData::ExecuteDirect(handles, data);
-  };
+  const auto execute = [data = m_data](DriverHandles& handles) { return data->ExecuteDirect(handles); };
   return m_session.Run(execute, m_data);
 }
 
 Outcome OdbcStatement::ExecuteCatalog(StatementData::CatalogFunction function) {
   return RunReading([data = m_data, function = std::move(function)](DriverHandles& handles) {
-    return StatementData::Ask(handles, data, function);
+    return data->Ask(handles, function);
   });
 }
 
 void OdbcStatement::CloseCursor() noexcept {
-  m_session.Driver().Close(*m_data, HoldsServer());
+  m_data->AskToClose();
+  if (HoldsServer()) m_session.Driver().Tidy();
   m_isOpen = false;
 }
 
@@ -123,7 +122,7 @@ std::string_view OdbcStatement::TextOf(std::size_t column) const {
   Converted& converted = m_texts[column];
   if (converted.row == m_number) return converted.text;
   const RowBlock& block = m_data->Rows();
-  const ColumnBuffer& buffer = block.Column(column);
+  const Column& buffer = block.Columns()[column];
   const SQLLEN size = buffer.sizes[m_row];
   const bool bytes = buffer.cType == SQL_C_BINARY;
   const auto room = static_cast<SQLLEN>(buffer.width - (bytes ? 1 : sizeof(char16_t)));
@@ -145,7 +144,7 @@ std::string_view OdbcStatement::TextOf(std::size_t column) const {
 
 ValueView OdbcStatement::Value(std::size_t column) const {
   const RowBlock& block = m_data->Rows();
-  const ColumnBuffer& buffer = block.Column(column);
+  const Column& buffer = block.Columns()[column];
   if (buffer.sizes[m_row] == SQL_NULL_DATA) return std::monostate();
   const char* data = buffer.Data(m_row);
   switch (buffer.cType) {
@@ -158,7 +157,7 @@ ValueView OdbcStatement::Value(std::size_t column) const {
     case SQL_C_TYPE_TIMESTAMP:
       return AsDate(Load<SQL_TIMESTAMP_STRUCT>(data));
     default:
-      if (block.Types()[column].kind == ValueKind::kBoolean) return IsTrue(TextOf(column));
+      if (buffer.kind == ValueKind::kBoolean) return IsTrue(TextOf(column));
       return TextOf(column);
   }
 }

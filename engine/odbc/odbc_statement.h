@@ -36,7 +36,7 @@ class OdbcStatement {
   std::int64_t ChangedRows() const { return m_data->ChangedRows(); }
 
   // The rows of the execution, positioned before the first.
-  const std::vector<ColumnType>& Columns() const { return m_data->Rows().Types(); }
+  const std::vector<Column>& Columns() const { return m_data->Rows().Columns(); }
   bool Next();
   // Value in the current row; a text is valid until the next call of Next.
   ValueView Value(std::size_t column) const;

@@ -145,12 +145,12 @@ void Password::AddPieces(std::string_view values) {
   Add(SplitAt(values, ';').first, 1);
   std::size_t size = 0;  // of the whole password
   for (std::string_view tail = values; !tail.empty();) {
-    const auto [piece, behind] = SplitAt(tail, ';');
+    const auto [piece, after] = SplitAt(tail, ';');
     if (size > 0 && NamesKeyword(piece)) break;
     Add(piece, kMinPiece);
     Add(Trimmed(piece), kMinPiece);
     size = static_cast<std::size_t>(piece.data() + piece.size() - values.data());
-    tail = behind;
+    tail = after;
   }
   Add(values.substr(0, size), 1);
 }
@@ -183,10 +183,10 @@ std::string Password::Hide(std::string_view text) const {
 
 std::string ValueOfKeyword(std::string_view connect, std::string_view keyword) {
   for (std::string_view rest = connect; !rest.empty();) {
-    const auto [setting, behind] = SplitAt(rest, ';');
+    const auto [setting, after] = SplitAt(rest, ';');
     const auto [name, value] = SplitAt(setting, '=');
     if (EqualIgnoringCase(name, keyword)) return std::string(value);
-    rest = behind;
+    rest = after;
   }
   return {};
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <initializer_list>
 
 #include "base/text.h"
 
@@ -17,24 +18,36 @@ constexpr std::size_t kMaxBoundText = 512;  // characters; longer columns get a 
 constexpr std::size_t kUsualText = 256;
 constexpr std::size_t kFlagCharacters = 8;
 
-bool MayBeLong(const ColumnType& type) {
-  return (type.kind == ValueKind::kText || type.kind == ValueKind::kUnknown) &&
-         (type.characters == 0 || type.characters > kMaxBoundText);
-}
-
-ColumnType TypeOf(const ColumnDescription& described) {
+// Describes the column and chooses its buffer. `textsAsBytes`: see ServerFacts.
+Column ColumnOf(ColumnDescription& described, bool textsAsBytes) {
   const SQLSMALLINT type = described.type;
-  ColumnType column;
-  column.name = described.name;
+  Column column;
+  column.name = std::move(described.name);
   column.kind = KindOfType(type, described.typeName);
-  column.isPlainText =
-      described.typeName == "text" || described.typeName == "varchar" || described.typeName == "bpchar";
-  column.isShort = type == SQL_TINYINT || type == SQL_SMALLINT || type == SQL_INTEGER;
-  column.isInteger =
-      column.isShort || type == SQL_BIGINT ||
-      ((type == SQL_DECIMAL || type == SQL_NUMERIC) && described.digits == 0 && described.size <= 18);
-  const bool bounded = type == SQL_CHAR || type == SQL_VARCHAR || type == SQL_WCHAR || type == SQL_WVARCHAR;
-  column.characters = bounded ? static_cast<std::size_t>(described.size) : 0;
+  if (column.kind == ValueKind::kNumber) {
+    const bool isShort = type == SQL_TINYINT || type == SQL_SMALLINT || type == SQL_INTEGER;
+    const bool isInteger = type == SQL_BIGINT || ((type == SQL_DECIMAL || type == SQL_NUMERIC) &&
+                                                  described.digits == 0 && described.size <= 18);
+    column.cType = isShort ? SQL_C_SLONG : isInteger ? SQL_C_SBIGINT : SQL_C_DOUBLE;
+    column.width = isShort ? sizeof(SQLINTEGER) : 8;
+  } else if (column.kind == ValueKind::kDate) {
+    column.cType = SQL_C_TYPE_TIMESTAMP;
+    column.width = sizeof(SQL_TIMESTAMP_STRUCT);
+  } else {
+    const bool hasLimit =
+        type == SQL_CHAR || type == SQL_VARCHAR || type == SQL_WCHAR || type == SQL_WVARCHAR;
+    const std::size_t limit = hasLimit ? static_cast<std::size_t>(described.size) : 0;
+    const bool fits = limit > 0 && limit <= kMaxBoundText;
+    const bool isFlag = column.kind == ValueKind::kBoolean;
+    column.mayBeLong = !isFlag && !fits;
+    const std::size_t characters = isFlag ? kFlagCharacters
+                                   : fits ? std::max(limit, kUsualText / 8)
+                                          : kUsualText;
+    column.width = (characters + 1) * sizeof(char16_t);
+    const std::string& name = described.typeName;
+    const bool isPlainText = name == "text" || name == "varchar" || name == "bpchar";  // PostgreSQL's
+    if (textsAsBytes && isPlainText) column.cType = SQL_C_BINARY;
+  }
   return column;
 }
 
@@ -44,34 +57,19 @@ ValueKind KindOfType(SQLSMALLINT type, std::string_view typeName) {
   for (const char* name : {"bool", "boolean", "bit"}) {
     if (EqualIgnoringCase(typeName, name)) return ValueKind::kBoolean;
   }
-  switch (type) {
-    case SQL_BIT:
-      return ValueKind::kBoolean;
-    case SQL_TINYINT:
-    case SQL_SMALLINT:
-    case SQL_INTEGER:
-    case SQL_BIGINT:
-    case SQL_DECIMAL:
-    case SQL_NUMERIC:
-    case SQL_REAL:
-    case SQL_FLOAT:
-    case SQL_DOUBLE:
-      return ValueKind::kNumber;
-    case SQL_TYPE_DATE:
-    case SQL_TYPE_TIMESTAMP:
-    case SQL_DATE:
-    case SQL_TIMESTAMP:
-      return ValueKind::kDate;
-    case SQL_CHAR:
-    case SQL_VARCHAR:
-    case SQL_LONGVARCHAR:
-    case SQL_WCHAR:
-    case SQL_WVARCHAR:
-    case SQL_WLONGVARCHAR:
-      return ValueKind::kText;
-    default:
-      return ValueKind::kUnknown;
+  const auto isOneOf = [type](std::initializer_list<SQLSMALLINT> types) {
+    return std::find(types.begin(), types.end(), type) != types.end();
+  };
+  if (type == SQL_BIT) return ValueKind::kBoolean;
+  if (isOneOf({SQL_TINYINT, SQL_SMALLINT, SQL_INTEGER, SQL_BIGINT, SQL_DECIMAL, SQL_NUMERIC, SQL_REAL,
+               SQL_FLOAT, SQL_DOUBLE})) {
+    return ValueKind::kNumber;
   }
+  if (isOneOf({SQL_TYPE_DATE, SQL_TYPE_TIMESTAMP, SQL_DATE, SQL_TIMESTAMP})) return ValueKind::kDate;
+  if (isOneOf({SQL_CHAR, SQL_VARCHAR, SQL_LONGVARCHAR, SQL_WCHAR, SQL_WVARCHAR, SQL_WLONGVARCHAR})) {
+    return ValueKind::kText;
+  }
+  return ValueKind::kUnknown;
 }
 
 Outcome RowBlock::Begin(StatementHandle& statement) {
@@ -80,7 +78,7 @@ Outcome RowBlock::Begin(StatementHandle& statement) {
   std::size_t count = 0;
   Outcome outcome = statement.CountColumns(count);
   if (outcome.Failed()) return outcome;
-  if (!m_isBound || count != m_types.size()) {
+  if (!m_isBound || count != m_columns.size()) {
     if (m_isBound) outcome = statement.UnbindColumns();
     m_isBound = false;
     if (!outcome.Failed()) outcome = Describe(statement, count);
@@ -96,46 +94,27 @@ Outcome RowBlock::Begin(StatementHandle& statement) {
 }
 
 Outcome RowBlock::Describe(StatementHandle& statement, std::size_t count) {
-  m_types.clear();
+  m_columns.clear();
   for (std::size_t i = 0; i < count; ++i) {
     ColumnDescription described;
     Outcome outcome = statement.DescribeColumn(i, described);
     if (outcome.Failed()) return outcome;
-    m_types.push_back(TypeOf(described));
+    m_columns.push_back(ColumnOf(described, m_textsAsBytes));
   }
-  m_isPiecewise = !m_readsPartsInBlocks && std::any_of(m_types.begin(), m_types.end(), MayBeLong);
+  m_isPiecewise = !m_readsPartsInBlocks && std::any_of(m_columns.begin(), m_columns.end(),
+                                                       [](const Column& one) { return one.mayBeLong; });
   return {};
 }
 
 Outcome RowBlock::Bind(StatementHandle& statement) {
-  m_columns.clear();
-  m_columns.resize(m_types.size());
   std::size_t rowBytes = 1;
-  for (std::size_t i = 0; i < m_types.size(); ++i) {
-    ColumnBuffer& column = m_columns[i];
-    const ColumnType& type = m_types[i];
-    if (type.kind == ValueKind::kNumber) {
-      column.cType = type.isShort ? SQL_C_SLONG : type.isInteger ? SQL_C_SBIGINT : SQL_C_DOUBLE;
-      column.width = type.isShort ? sizeof(SQLINTEGER) : 8;
-    } else if (type.kind == ValueKind::kDate) {
-      column.cType = SQL_C_TYPE_TIMESTAMP;
-      column.width = sizeof(SQL_TIMESTAMP_STRUCT);
-    } else {
-      const bool bounded = type.characters > 0 && type.characters <= kMaxBoundText;
-      const std::size_t characters = type.kind == ValueKind::kBoolean ? kFlagCharacters
-                                     : bounded ? std::max(type.characters, kUsualText / 8)
-                                               : kUsualText;
-      column.width = (characters + 1) * sizeof(char16_t);
-      if (m_textsAsBytes && type.isPlainText) column.cType = SQL_C_BINARY;
-    }
-    rowBytes += column.width + sizeof(SQLLEN);
-  }
+  for (const Column& column : m_columns) rowBytes += column.width + sizeof(SQLLEN);
   // A power of two, so that no block spans two of the portions that the driver fetches from the server.
   m_maxRows =
       m_isPiecewise ? 1 : std::bit_floor(std::clamp(kBlockBytes / rowBytes, kMinBlockRows, kMaxBlockRows));
   Outcome outcome = statement.SetFetchedCount(&m_fetched);
   for (std::size_t i = 0; i < m_columns.size() && !outcome.Failed(); ++i) {
-    ColumnBuffer& column = m_columns[i];
+    Column& column = m_columns[i];
     column.data = std::make_unique_for_overwrite<char[]>(column.width * m_maxRows);
     column.sizes.resize(m_maxRows);
     if (!m_isPiecewise) {
@@ -158,7 +137,7 @@ Outcome RowBlock::Fetch(StatementHandle& statement) {
 
 Outcome RowBlock::ReadPiecewise(StatementHandle& statement) {
   for (std::size_t i = 0; i < m_columns.size(); ++i) {
-    ColumnBuffer& column = m_columns[i];
+    Column& column = m_columns[i];
     const bool isText = column.cType == SQL_C_WCHAR || column.cType == SQL_C_BINARY;
     Outcome outcome =
         isText ? ReadLongText(statement, i, 0)

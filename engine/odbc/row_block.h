@@ -15,19 +15,14 @@
 
 namespace kxrestore::engine::odbc {
 
-struct ColumnType {
-  std::string name;
-  jet_sql::ValueKind kind = jet_sql::ValueKind::kUnknown;
-  bool isInteger = false;      // of numbers
-  bool isShort = false;        // of at most 32 bits
-  bool isPlainText = false;    // PostgreSQL's plain text types
-  std::size_t characters = 0;  // maximum length of texts; 0: unlimited
-};
-
 // The kind of a column from its type's number and name: drivers differ in how they report Booleans.
 jet_sql::ValueKind KindOfType(SQLSMALLINT type, std::string_view typeName);
 
-struct ColumnBuffer {
+// A column of the result and the buffer for its values.
+struct Column {
+  std::string name;
+  jet_sql::ValueKind kind = jet_sql::ValueKind::kUnknown;
+  bool mayBeLong = false;  // a text may not fit its buffer
   SQLSMALLINT cType = SQL_C_WCHAR;
   std::size_t width = 0;         // bytes of one row
   std::unique_ptr<char[]> data;  // of a block's rows; most blocks are never filled
@@ -49,8 +44,7 @@ class RowBlock {
   // Reads a text that did not fit its buffer into `longText`, and whether it is null into `sizes`.
   Outcome ReadLongText(StatementHandle& statement, std::size_t column, std::size_t row);
 
-  const std::vector<ColumnType>& Types() const { return m_types; }
-  const ColumnBuffer& Column(std::size_t index) const { return m_columns[index]; }
+  const std::vector<Column>& Columns() const { return m_columns; }
   std::size_t RowCount() const { return m_isAtEnd ? 0 : m_isPiecewise ? 1 : m_fetched; }
   bool IsLast() const { return m_isAtEnd || (!m_isPiecewise && m_fetched < m_maxRows); }
   // Whether the driver returns long texts only column by column and row by row.
@@ -62,8 +56,7 @@ class RowBlock {
   Outcome ReadPiecewise(StatementHandle& statement);
 
   bool m_textsAsBytes, m_readsPartsInBlocks;
-  std::vector<ColumnType> m_types;
-  std::vector<ColumnBuffer> m_columns;
+  std::vector<Column> m_columns;
   std::size_t m_maxRows = 1;
   bool m_isBound = false, m_isPiecewise = false, m_isAtEnd = true;
   SQLULEN m_fetched = 0;

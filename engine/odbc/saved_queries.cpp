@@ -5,7 +5,6 @@
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/reading/lexer.h"
 #include "engine/jet_sql/reading/view_text.h"
-#include "engine/odbc/odbc_planner.h"
 #include "engine/odbc/odbc_session.h"
 
 namespace kxrestore::engine::odbc {

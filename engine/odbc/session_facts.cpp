@@ -1,5 +1,5 @@
 // The part of Session that queries the properties of driver and server, and configures them.
-#include <array>
+#include <algorithm>
 
 #include "engine/error_numbers.h"
 #include "engine/odbc/odbc_session.h"
@@ -33,19 +33,6 @@ Outcome ReadReport(DriverHandles& handles, DriverReport& report) {
   return connection.GetInfo(SQL_DBMS_NAME, report.dbms);
 }
 
-Outcome ReadBytes(StatementHandle& statement, std::string_view sql, std::string& bytes) {
-  std::array<char, 64> buffer{};
-  SQLLEN size = 0;
-  WideText text(sql);
-  Outcome outcome = statement.ExecuteDirect(text);
-  if (!outcome.Failed()) outcome = statement.Fetch();
-  if (!outcome.Failed()) outcome = statement.GetData(0, SQL_C_BINARY, buffer.data(), buffer.size(), &size);
-  if (!outcome.Failed() && size > 0 && size <= static_cast<SQLLEN>(buffer.size())) {
-    bytes.assign(buffer.data(), static_cast<std::size_t>(size));
-  }
-  return outcome;
-}
-
 std::unique_ptr<jet_sql::Dialect> MakeDialect(const ServerFacts& facts) {
   if (facts.IsPostgres()) {
     return std::make_unique<jet_sql::PostgresDialect>(facts.order, facts.foldsAsciiOnly);
@@ -59,15 +46,19 @@ std::unique_ptr<jet_sql::Dialect> MakeDialect(const ServerFacts& facts) {
 
 // Whether a text that is fetched as bytes is UTF-8: a driver may convert it to the encoding of the process,
 // or not return bytes at all.
-bool Session::HandsOutUtf8() {
+bool Session::ReturnsUtf8() {
   constexpr std::string_view kEveryKind = "a\xC3\xA4\xD0\xB6\xE2\x82\xAC\xE6\xBC\xA2\xF0\x9F\x98\x80";
-  const auto bytes = std::make_shared<std::string>();
-  const auto read = [bytes,
-                     sql = "SELECT CAST('" + std::string(kEveryKind) + "' AS text)"](DriverHandles& handles) {
+  const auto bytes = std::make_shared<std::string>(64, '\0');
+  const auto read = [bytes, text = WideText("SELECT CAST('" + std::string(kEveryKind) + "' AS text)")](
+                        DriverHandles& handles) mutable {
     StatementHandle statement;
+    SQLLEN size = 0;
     Outcome outcome = statement.Allocate(handles.connection);
     if (outcome.Failed()) return outcome;
-    outcome = ReadBytes(statement, sql, *bytes);
+    outcome = statement.ExecuteDirect(text);
+    if (!outcome.Failed()) outcome = statement.Fetch();
+    if (!outcome.Failed()) outcome = statement.GetData(0, SQL_C_BINARY, bytes->data(), bytes->size(), &size);
+    bytes->resize(static_cast<std::size_t>(std::clamp<SQLLEN>(size, 0, 64)));
     const Outcome freed = statement.Free();
     return outcome.Failed() ? outcome : freed;
   };
@@ -144,7 +135,7 @@ void Session::ReadPostgresFacts(bool isPsqlodbc) {
     m_facts.order = hasCollation ? Order::kCollation : row[5] == "UTF8" ? Order::kPlainLetters : Order::kOwn;
   }
   m_facts.foldsAsciiOnly = hasCollation && plain(row[2]);
-  m_facts.textsAsBytes = isPsqlodbc && row[4] == "UTF8" && row[5] != "SQL_ASCII" && HandsOutUtf8();
+  m_facts.textsAsBytes = isPsqlodbc && row[4] == "UTF8" && row[5] != "SQL_ASCII" && ReturnsUtf8();
 }
 
 void Session::FetchPiecewise(bool piecewise) {

@@ -66,29 +66,34 @@ Outcome BoundValues::Bind(StatementHandle& statement) {
 
 // ---- statements
 
-StatementData::StatementData(jet_sql::PrintedSql sql, const ServerFacts& facts, std::size_t timeout)
+StatementData::StatementData(jet_sql::PrintedSql sql, const ServerFacts& facts)
     : m_sql(std::move(sql)),
-      m_timeout(facts.serverKeepsTime ? 0 : timeout),
+      m_timeout(facts.serverKeepsTime ? 0 : kQueryTimeout),
       m_rows(facts.textsAsBytes, facts.readsPartsInBlocks) {}
 
-Outcome StatementData::Prepare(DriverHandles& handles, const std::shared_ptr<StatementData>& self) {
-  if (self->m_handle.IsAllocated()) return {};
+// Registers the statement with the handles, which own it until it is freed.
+Outcome StatementData::Allocate(DriverHandles& handles) {
+  if (m_handle.IsAllocated()) return {};
   handles.statements.reserve(handles.statements.size() + 1);
-  Outcome outcome = self->m_handle.Allocate(handles.connection);
+  Outcome outcome = m_handle.Allocate(handles.connection);
   if (outcome.Failed()) return outcome;
-  handles.statements.push_back(self);
+  handles.statements.push_back(shared_from_this());
   // A driver without time limits is bound by the limit of the call.
-  if (self->m_timeout > 0) self->m_handle.SetAttribute(SQL_ATTR_QUERY_TIMEOUT, self->m_timeout).Ignore();
+  if (m_timeout > 0) m_handle.SetAttribute(SQL_ATTR_QUERY_TIMEOUT, m_timeout).Ignore();
   return {};
 }
 
-Outcome StatementData::Give(Text text) {
-  if (m_given == text) return {};
-  WideText wide(text == Text::kCall ? m_call : m_sql.Text());
-  m_given = Text::kNone;
-  Outcome outcome = m_handle.Prepare(wide);
-  if (!outcome.Failed()) m_given = text;
-  return outcome;
+// Prepares this text unless it is prepared already, and executes it.
+Outcome StatementData::Send(Text text) {
+  Outcome outcome;
+  if (m_prepared != text) {
+    WideText wide(text == Text::kCall ? m_call : m_sql.Text());
+    m_prepared = Text::kNone;
+    outcome = m_handle.Prepare(wide);
+    if (!outcome.Failed()) m_prepared = text;
+  }
+  if (!outcome.Failed()) outcome = m_values.Bind(m_handle);
+  return outcome.Failed() ? outcome : m_handle.Execute();
 }
 
 // A statement that the server does not prepare is executed as plain text, which reports what is wrong with
@@ -100,48 +105,39 @@ void StatementData::PrepareByName(DriverHandles& handles) {
   if (m_values.Count() > 0) call += ")";
   WideText prepare("PREPARE " + name + " AS " + m_sql.TextWithNumbers());
   StatementHandle statement;
-  m_namable = !statement.Allocate(handles.connection).Failed() && !statement.ExecuteDirect(prepare).Failed();
-  if (statement.Free().Failed()) m_namable = false;
-  if (m_namable) m_call = std::move(call);
+  m_canBeNamed =
+      !statement.Allocate(handles.connection).Failed() && !statement.ExecuteDirect(prepare).Failed();
+  if (statement.Free().Failed()) m_canBeNamed = false;
+  if (m_canBeNamed) m_call = std::move(call);
 }
 
-Outcome StatementData::Execute(DriverHandles& handles, const std::shared_ptr<StatementData>& self,
-                               bool byName, bool wantsRows) {
-  StatementData& data = *self;
-  Outcome outcome = Prepare(handles, self);
+Outcome StatementData::Execute(DriverHandles& handles, bool byName, bool wantsRows) {
+  Outcome outcome = Allocate(handles);
   if (outcome.Failed()) return outcome;
-  if (byName && !data.m_name.empty()) data.PrepareByName(handles);
-  const bool named = byName && !data.m_call.empty();
-  outcome = data.Give(named ? Text::kCall : Text::kOwn);
-  if (!outcome.Failed()) outcome = data.m_values.Bind(data.m_handle);
-  if (outcome.Failed()) return outcome;
-  outcome = data.m_handle.Execute();
+  if (byName && !m_name.empty()) PrepareByName(handles);
+  const bool named = byName && !m_call.empty();
+  outcome = Send(named ? Text::kCall : Text::kOwn);
   if (outcome.Failed() && named && FailureOf(outcome.Diagnostics()) == Failure::kStatement) {
     // A value may not fit its parameter's type although it could be compared as plain text.
-    data.m_namable = false;
-    data.m_call.clear();
-    outcome = data.Give(Text::kOwn);
-    if (!outcome.Failed()) outcome = data.m_values.Bind(data.m_handle);
-    if (!outcome.Failed()) outcome = data.m_handle.Execute();
+    m_canBeNamed = false;
+    m_call.clear();
+    outcome = Send(Text::kOwn);
   }
   if (outcome.Failed()) return outcome;
-  data.m_executed = true;
-  return wantsRows ? data.m_rows.Begin(data.m_handle) : data.m_handle.CountRows(data.m_changedRows);
+  m_executed = true;
+  return wantsRows ? m_rows.Begin(m_handle) : m_handle.CountRows(m_changedRows);
 }
 
-Outcome StatementData::ExecuteDirect(DriverHandles& handles, const std::shared_ptr<StatementData>& self) {
-  Outcome outcome = Prepare(handles, self);
-  if (outcome.Failed()) return outcome;
-  WideText text(self->m_sql.Text());
-  return self->m_handle.ExecuteDirect(text);
+Outcome StatementData::ExecuteDirect(DriverHandles& handles) {
+  Outcome outcome = Allocate(handles);
+  WideText text(m_sql.Text());
+  return outcome.Failed() ? outcome : m_handle.ExecuteDirect(text);
 }
 
-Outcome StatementData::Ask(DriverHandles& handles, const std::shared_ptr<StatementData>& self,
-                           const CatalogFunction& function) {
-  Outcome outcome = Prepare(handles, self);
-  if (!outcome.Failed()) outcome = function(self->m_handle);
-  if (outcome.Failed()) return outcome;
-  return self->m_rows.Begin(self->m_handle);
+Outcome StatementData::Ask(DriverHandles& handles, const CatalogFunction& function) {
+  Outcome outcome = Allocate(handles);
+  if (!outcome.Failed()) outcome = function(m_handle);
+  return outcome.Failed() ? outcome : m_rows.Begin(m_handle);
 }
 
 bool StatementData::Tidy(Outcome& outcome) {

@@ -46,16 +46,16 @@ class BoundValues {
 // PostgreSQL's driver sends a separate savepoint, and so a round trip, before a statement prepared on the
 // server. Plain text is sent together with its savepoint, but the server plans it each time. So a statement
 // that is executed again is prepared by name with the server's PREPARE, and its plain text is EXECUTE.
-class StatementData {
+class StatementData : public std::enable_shared_from_this<StatementData> {
  public:
   using CatalogFunction = std::function<Outcome(StatementHandle&)>;
 
-  StatementData(jet_sql::PrintedSql sql, const ServerFacts& facts, std::size_t timeout);
+  StatementData(jet_sql::PrintedSql sql, const ServerFacts& facts);
 
   // ---- for the session, between two calls
   const jet_sql::PrintedSql& Sql() const { return m_sql; }
   bool WantsName() const {
-    return m_executed && m_namable && m_call.empty() && m_sql.Parameters().size() == m_values.Count();
+    return m_executed && m_canBeNamed && m_call.empty() && m_sql.Parameters().size() == m_values.Count();
   }
   void SetName(std::string name) { m_name = std::move(name); }
   void SetValues(const std::vector<Value>& values) { m_values.Set(values); }
@@ -65,38 +65,35 @@ class StatementData {
   void AskToClose() { m_closing = true; }
   void AskToFree() { m_freeing = true; }
 
-  // ---- for the thread; `self` is registered with the handles
-  static Outcome Execute(DriverHandles& handles, const std::shared_ptr<StatementData>& self, bool byName,
-                         bool wantsRows);
-  static Outcome ExecuteDirect(DriverHandles& handles, const std::shared_ptr<StatementData>& self);
-  static Outcome Ask(DriverHandles& handles, const std::shared_ptr<StatementData>& self,
-                     const CatalogFunction& function);
+  // ---- for the thread
+  Outcome Execute(DriverHandles& handles, bool byName, bool wantsRows);
+  Outcome ExecuteDirect(DriverHandles& handles);
+  Outcome Ask(DriverHandles& handles, const CatalogFunction& function);
   Outcome FetchBlock() { return m_rows.Fetch(m_handle); }
   Outcome ReadLongText(std::size_t column, std::size_t row) {
     return m_rows.ReadLongText(m_handle, column, row);
   }
-  StatementHandle& RawHandle() { return m_handle; }
   Outcome Cancel() { return m_handle.Cancel(); }
   // Carries out pending requests; returns whether the statement is to be dropped.
   bool Tidy(Outcome& outcome);
 
  private:
-  enum class Text { kNone, kOwn, kCall };  // what was passed to the driver
+  enum class Text { kNone, kOwn, kCall };
 
-  static Outcome Prepare(DriverHandles& handles, const std::shared_ptr<StatementData>& self);
-  Outcome Give(Text text);
+  Outcome Allocate(DriverHandles& handles);
+  Outcome Send(Text text);
   void PrepareByName(DriverHandles& handles);
 
   jet_sql::PrintedSql m_sql;
   std::string m_name;
-  std::string m_call;  // EXECUTE, once it is prepared by name
-  std::size_t m_timeout;
+  std::string m_call;     // EXECUTE, once it is prepared by name
+  std::size_t m_timeout;  // seconds; 0: none
   StatementHandle m_handle;
   BoundValues m_values;
   RowBlock m_rows;
   std::int64_t m_changedRows = 0;
-  Text m_given = Text::kNone;
-  bool m_executed = false, m_namable = true;
+  Text m_prepared = Text::kNone;
+  bool m_executed = false, m_canBeNamed = true;
   std::atomic<bool> m_closing{false}, m_freeing{false};
 };
 

@@ -1,6 +1,5 @@
-// SQLite's interface with the results of its calls made hard to forget: whoever calls one of these directly
-// and does not look at the result gets an error of the compiler. Nearly all calls are made by Connection and
-// Statement.
+// SQLite's interface, redeclared so that ignoring the result of a call is a compiler error. Nearly all calls
+// are made by Connection and Statement.
 #pragma once
 
 #include <sqlite3.h>
@@ -35,7 +34,7 @@ extern "C" {
 
 namespace kxrestore::engine::sqlite {
 
-// A result of SQLite that somebody still has to judge: give it to Connection::Check, or ask what it is.
+// A result code that must be checked: pass it to Connection::Check, or test it.
 class [[nodiscard]] Outcome {
  public:
   explicit Outcome(int code) : m_code(code) {}

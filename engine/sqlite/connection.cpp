@@ -9,13 +9,13 @@
 namespace kxrestore::engine::sqlite {
 namespace {
 
-constexpr int kStepsBetweenLooks = 4000;    // of SQLite's machine: some 0.2 ms
-constexpr int kLongestValue = 100'000'000;  // bytes; a strange view could ask for ten times as much
+constexpr int kStepsBetweenTurns = 4000;  // of SQLite's virtual machine, about 0.2 ms
+constexpr int kMaxValue = 100'000'000;    // bytes; a malicious view could produce ten times as much
 
 }  // namespace
 
 void Connection::Closer::operator()(sqlite3* connection) const noexcept {
-  // The last one to close a file with a write-ahead log copies the log into the file.
+  // The last connection to a file with a write-ahead log copies the log into the file.
   waiter->Enter(Stop::kNothing);
   sqlite3_close_v2(connection);
   waiter->LeaveQuietly();
@@ -37,7 +37,7 @@ Connection::Connection(std::string file, bool exclusive, std::shared_ptr<Waiter>
 
   Check(Outcome(sqlite3_extended_result_codes(connection, 1)), Doing::kOpening);
   Check(Outcome(sqlite3_busy_handler(connection, Busy, m_waiter.get())), Doing::kOpening);
-  sqlite3_progress_handler(connection, kStepsBetweenLooks, Progress, m_waiter.get());
+  sqlite3_progress_handler(connection, kStepsBetweenTurns, Progress, m_waiter.get());
   Check(Outcome(RegisterFunctions(connection)), Doing::kOpening);
   Secure();
   if (m_tables) {
@@ -45,7 +45,7 @@ Connection::Connection(std::string file, bool exclusive, std::shared_ptr<Waiter>
     return;
   }
   m_readOnly = sqlite3_db_readonly(connection, "main") == 1;
-  // A commit ends with the journal's removal, and that has to reach the disk as well.
+  // A commit ends with the journal's removal, which must reach the disk as well.
   Execute("PRAGMA synchronous = EXTRA", Doing::kOpening);
   if (exclusive) {
     // The lock taken by the first statement is kept until the connection closes.
@@ -53,7 +53,7 @@ Connection::Connection(std::string file, bool exclusive, std::shared_ptr<Waiter>
       Execute(sql, Doing::kOpening);
     }
   }
-  // Reads the first page and the schema, so that a damaged or locked file is told now.
+  // Reads the first page and the schema, so that a damaged or locked file is reported now.
   Statement probe = Prepare("SELECT 1 FROM sqlite_schema", Doing::kOpening);
   const Outcome outcome = probe.Step(Stop::kWork);
   if (!outcome.IsRow() && !outcome.IsDone()) Raise(outcome.Code(), Doing::kOpening);
@@ -71,7 +71,7 @@ void Connection::Secure() {
     Check(Outcome(sqlite3_db_config(connection, setting.option, setting.value, nullptr)), Doing::kOpening);
   }
   sqlite3_limit(connection, SQLITE_LIMIT_ATTACHED, 0);
-  sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, kLongestValue);
+  sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, kMaxValue);
   Check(Outcome(sqlite3_set_authorizer(connection, Authorize, this)), Doing::kOpening);
   Execute("PRAGMA cell_size_check = ON", Doing::kOpening);
 }
@@ -96,6 +96,15 @@ Statement Connection::Prepare(std::string_view sql, Doing doing) const {
 void Connection::Execute(const char* sql, Doing doing) {
   m_waiter->Enter(Stop::kWork);
   Check(m_waiter->Leave(sqlite3_exec(Get(), sql, nullptr, nullptr, nullptr)), doing, sql);
+}
+
+SchemaEntry Connection::FindEntry(std::string_view name) const {
+  Statement find = Prepare(
+      "SELECT type, name, sql FROM sqlite_schema WHERE type IN ('table', 'view') AND name = ?1 COLLATE "
+      "NOCASE");
+  find.Bind(1, name);
+  if (!find.Next(name)) return {};
+  return {find.Text(0), find.Text(1), find.Text(2)};
 }
 
 std::optional<Connection::Column> Connection::FindColumn(const std::string& table, const std::string& column,
@@ -125,19 +134,19 @@ bool Connection::IsBounded(std::string_view sql) const {
   return true;
 }
 
-// ---- what SQLite calls
+// ---- callbacks from SQLite
 
-// Every so many steps of its machine.
+// Called every kStepsBetweenTurns steps.
 int Connection::Progress(void* waiter) noexcept {
   return static_cast<Waiter*>(waiter)->GoOn() ? 0 : 1;
 }
 
-// When another process has locked what it needs; `tried` counts from 0 for each time.
+// Called when another process holds a lock. `tried`: the number of earlier calls for this lock.
 int Connection::Busy(void* waiter, int tried) noexcept {
   return static_cast<Waiter*>(waiter)->WaitForLock(tried == 0) ? 1 : 0;
 }
 
-// For all that a statement is going to do, while it is prepared.
+// Called while a statement is prepared, for everything that it is going to do.
 int Connection::Authorize(void* connection, int action, const char*, const char* second, const char*,
                           const char* trigger) noexcept {
   const auto& self = *static_cast<const Connection*>(connection);
@@ -154,7 +163,7 @@ int Connection::Authorize(void* connection, int action, const char*, const char*
       if (trigger == nullptr) return SQLITE_OK;
       try {
         self.m_refusedTrigger = trigger;
-      } catch (...) {  // then the message does without the name
+      } catch (...) {  // the message then lacks the name
       }
       return SQLITE_DENY;
     default:

@@ -15,6 +15,11 @@
 
 namespace kxrestore::engine::sqlite {
 
+// A table or view in the schema; all fields are empty if there is none.
+struct SchemaEntry {
+  std::string type, name, sql;
+};
+
 enum class Doing { kOpening, kReading, kWriting };
 
 class Connection {
@@ -43,6 +48,7 @@ class Connection {
   }
   [[noreturn]] void Raise(int code, Doing doing, std::string_view piece = {}) const;
 
+  SchemaEntry FindEntry(std::string_view name) const;
   // The declaration of a column of a table or, unless `tablesOnly`, of a view; nothing if there is none.
   struct Column {
     std::string type, collation;

@@ -13,8 +13,8 @@ class ForeignTables {
   // Creates the tables in the database of this connection. The connection must not outlive this object.
   virtual void Attach(sqlite3* connection) = 0;
 
-  // Called when a statement has failed with this message: raises the underlying error, if the tables have
-  // one.
+  // Raises the error that made a statement fail if these tables caused it; otherwise returns. `message`:
+  // SQLite's message.
   virtual void RaiseFailure(const char* message) = 0;
 
   // Prefix of the idxStr of a plan (xBestIndex) that finds at most one row.

@@ -17,7 +17,7 @@ namespace {
 
 using jet_sql::LikePattern;
 
-// Of a value that is not null; nothing when there is no memory for it.
+// The text of a value that is not null; nothing if SQLite is out of memory.
 std::optional<std::string_view> TextOf(sqlite3_value* value) {
   const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
   if (text == nullptr && sqlite3_value_type(value) == SQLITE_BLOB) return std::string_view();
@@ -29,7 +29,7 @@ bool IsNull(sqlite3_value* value) {
   return sqlite3_value_type(value) == SQLITE_NULL;
 }
 
-// No exception may pass through SQLite, so running out of memory is told in its own way.
+// No exception may pass through SQLite, so running out of memory is reported as its own error.
 void Like(sqlite3_context* context, int, sqlite3_value** values) noexcept try {
   if (IsNull(values[0]) || IsNull(values[1])) return;
   const auto text = TextOf(values[0]);
@@ -48,7 +48,7 @@ void Like(sqlite3_context* context, int, sqlite3_value** values) noexcept try {
   sqlite3_result_error_nomem(context);
 }
 
-// Places are counted in characters.
+// Positions are counted in characters.
 void LastPlace(sqlite3_context* context, int, sqlite3_value** values) noexcept {
   if (IsNull(values[0]) || IsNull(values[1])) return;
   const auto text = TextOf(values[0]), piece = TextOf(values[1]);
@@ -59,7 +59,7 @@ void LastPlace(sqlite3_context* context, int, sqlite3_value** values) noexcept {
                        found ? static_cast<sqlite3_int64>(CharacterCount(text->substr(0, place))) + 1 : 0);
 }
 
-// What is no text stays what it is.
+// Values other than texts are returned unchanged.
 void Fold(sqlite3_context* context, int, sqlite3_value** values) noexcept try {
   if (sqlite3_value_type(values[0]) != SQLITE_TEXT) return sqlite3_result_value(context, values[0]);
   const auto text = TextOf(values[0]);

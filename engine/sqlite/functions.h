@@ -1,4 +1,4 @@
-// The function and the collation that translated statements use.
+// The functions and the collation that translated statements use.
 #pragma once
 
 struct sqlite3;

@@ -38,12 +38,10 @@ class SqliteTableFacts final : public TableFacts {
   explicit SqliteTableFacts(const Connection& connection) : m_connection(connection) {}
 
   std::optional<std::string> SavedQuery(const std::string& name) override {
-    Statement find = m_connection.Prepare(
-        "SELECT sql FROM sqlite_schema WHERE type = 'view' AND name = ?1 COLLATE NOCASE");
-    find.Bind(1, std::string_view(name));
-    if (!find.Next(name)) return std::nullopt;
+    const SchemaEntry entry = m_connection.FindEntry(name);
+    if (entry.type != "view") return std::nullopt;
     try {
-      return QueryTextOfView(find.Text(0));
+      return QueryTextOfView(entry.sql);
     } catch (const Error&) {
       return std::nullopt;
     }
@@ -64,39 +62,22 @@ class SqliteTableFacts final : public TableFacts {
   const Connection& m_connection;
 };
 
-bool HasRowNumber(const Connection& connection, const std::string& table) {
-  return connection.FindColumn(table, "_rowid_").has_value();
-}
-
-// The tables of a FROM clause; `pure` becomes false when something else stands among them.
-void CollectTables(const Connection& connection, const JoinChain& chain, std::vector<PlanTable>& tables,
-                   bool& pure) {
-  const auto collect = [&](const TableRef& table) {
-    if (table.nested) {
-      CollectTables(connection, *table.nested, tables, pure);
-    } else if (table.query || !HasRowNumber(connection, table.name)) {
-      pure = false;
-    } else {
-      tables.push_back({table.name, table.alias.empty() ? table.name : table.alias, {"_rowid_"}, {}});
-    }
-  };
-  collect(chain.first);
-  for (const Join& join : chain.joins) collect(join.table);
-}
-
-// The tables of a dynaset's statement, if its rows can be changed.
+// The tables of a dynaset's statement, if its rows can be changed; `pure` becomes false if it also reads
+// views or nested statements.
 void FindTables(const Connection& connection, const SelectStatement& statement, Plan& plan, bool& pure) {
   const SelectCore& core = statement.cores.front();
   if (statement.cores.size() != 1 || core.distinct || !core.groupBy.empty() || core.having) return;
   for (const SelectItem& item : core.items) {
     if (item.expression && HoldsAggregate(*item.expression)) return;
   }
-  for (const JoinChain& chain : core.from) CollectTables(connection, chain, plan.tables, pure);
-}
-
-bool HasStar(const SelectCore& core) {
-  return std::any_of(core.items.begin(), core.items.end(),
-                     [](const SelectItem& item) { return !item.expression; });
+  const auto collect = [&](const TableRef& table) {
+    if (table.query || !connection.FindColumn(table.name, "_rowid_")) {
+      pure = false;
+    } else {
+      plan.tables.push_back({table.name, table.alias.empty() ? table.name : table.alias, {"_rowid_"}, {}});
+    }
+  };
+  for (const JoinChain& chain : core.from) ForEachTable(chain, collect);
 }
 
 // Which table a column belongs to. By the table's name when that is certain, else by how the text qualifies
@@ -118,17 +99,12 @@ std::size_t TableOf(const Plan& plan, const char* tableName, const Expression* w
   return found;
 }
 
-std::vector<ResultColumn> NamesOfColumns(const Statement& statement) {
-  std::vector<ResultColumn> columns;
-  for (int i = 0; i < statement.ColumnCount(); ++i) columns.emplace_back().name = statement.ColumnName(i);
-  return columns;
-}
-
 void DescribeColumns(Plan& plan, const Statement& prepared, const SelectStatement& select, bool pure) {
   sqlite3_stmt* const statement = prepared.Get();
   const std::size_t visible = static_cast<std::size_t>(prepared.ColumnCount()) - plan.hidden;
   const SelectCore& core = select.cores.front();
-  const bool star = HasStar(core);
+  const bool star = std::any_of(core.items.begin(), core.items.end(),
+                                [](const SelectItem& item) { return !item.expression; });
   for (std::size_t i = 0; i < visible; ++i) {
     const int index = static_cast<int>(i);
     ResultColumn& column = plan.columns.emplace_back();
@@ -140,13 +116,6 @@ void DescribeColumns(Plan& plan, const Statement& prepared, const SelectStatemen
     const char* origin = sqlite3_column_origin_name(statement, index);
     if (origin != nullptr) column.baseName = origin;
   }
-}
-
-bool ExistsInSchema(const Connection& connection, std::string_view name) {
-  Statement find = connection.Prepare(
-      "SELECT 1 FROM sqlite_schema WHERE type IN ('table', 'view') AND name = ?1 COLLATE NOCASE");
-  find.Bind(1, name);
-  return find.Next(name);
 }
 
 // Whether changing these columns can move a row within an index, or start a trigger.
@@ -175,7 +144,7 @@ bool Disturbs(const Connection& connection, const PlanTable& table, const Plan& 
 std::shared_ptr<Plan> MakePlan(const Connection& connection, const Sql& sql, StatementUse use,
                                const ColumnNames& read) {
   const SqliteDialect dialect(false);
-  const auto exists = [&connection](std::string_view name) { return ExistsInSchema(connection, name); };
+  const auto exists = [&](std::string_view name) { return !connection.FindEntry(name).type.empty(); };
   jet_sql::Statement statement = ReadSource(sql, use != StatementUse::kAction, exists);
   auto plan = std::make_shared<Plan>();
   bool pure = true;
@@ -186,7 +155,9 @@ std::shared_ptr<Plan> MakePlan(const Connection& connection, const Sql& sql, Sta
     ReadGroupingQueriesByText(facts, *select);
   }
   if (select != nullptr && !read.empty()) {
-    auto columns = NamesOfColumns(connection.Prepare(Print(statement, dialect)));
+    const Statement whole = connection.Prepare(Print(statement, dialect));
+    std::vector<ResultColumn> columns(static_cast<std::size_t>(whole.ColumnCount()));
+    for (std::size_t i = 0; i < columns.size(); ++i) columns[i].name = whole.ColumnName(static_cast<int>(i));
     LeaveOutUnreadColumns(*select, columns, read);
   }
   if (select != nullptr) LeaveOutUnreadNestedColumns(*select);

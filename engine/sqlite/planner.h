@@ -2,12 +2,25 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "engine/plan_cache.h"
 #include "engine/sqlite/connection.h"
-#include "engine/sqlite/plan.h"
 
 namespace kxrestore::engine::sqlite {
+
+struct RowUpdate {
+  std::vector<std::size_t> columns;
+  bool disturbs = false;  // may move the row within an index that an open statement uses
+  bool bounded = false;   // see Connection::IsBounded
+  Statement statement;
+};
+
+struct Plan : CachedPlan {
+  std::vector<std::unique_ptr<RowUpdate>> updates;
+  std::vector<Statement> idle;
+  bool bounded = false;  // of an action
+};
 
 // `read`: see Database::OpenRecordset.
 std::shared_ptr<Plan> MakePlan(const Connection& connection, const Sql& sql, StatementUse use,

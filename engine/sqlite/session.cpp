@@ -5,7 +5,6 @@
 #include "base/text.h"
 #include "engine/error_numbers.h"
 #include "engine/jet_sql/printing/dialect.h"
-#include "engine/sqlite/planner.h"
 
 namespace kxrestore::engine::sqlite {
 namespace {
@@ -13,16 +12,12 @@ namespace {
 constexpr auto kGroupTime = std::chrono::milliseconds(100);
 constexpr auto kRetryTime = std::chrono::milliseconds(20);
 
-bool IsFinished(const Outcome& outcome) {
-  return outcome.IsDone() || outcome.IsRow();
-}
-
 }  // namespace
 
 Session::Session(std::string file, bool exclusive, bool grouping, std::shared_ptr<Waiter> waiter,
                  std::shared_ptr<ForeignTables> tables)
     : m_grouping(grouping), m_connection(std::move(file), exclusive, std::move(waiter), std::move(tables)) {
-  // Made now: to end a transaction must not want memory.
+  // Prepared in advance, so that ending a transaction needs no memory.
   m_begin = m_connection.Prepare("BEGIN IMMEDIATE", Doing::kOpening);
   m_commit = m_connection.Prepare("COMMIT", Doing::kOpening);
   m_rollback = m_connection.Prepare("ROLLBACK", Doing::kOpening);
@@ -55,8 +50,8 @@ void Session::RunWrite(Statement& statement, Write kind, std::string_view piece)
   NeedUndone();
   if (!m_streaming.Detach(kind.disturbs)) m_connection.Raise(SQLITE_INTERRUPT, Doing::kWriting);
   NeedTransaction();
-  // To stop a statement at work undoes the whole transaction, so one that may want to be stopped stands alone
-  // in it. It must not outlive the marks before it either: then nobody could say which of them are lost.
+  // Stopping a running statement rolls back the whole transaction, so a statement that may be stopped gets
+  // one of its own, after a commit of the updates before it.
   if (InGroup() && !kind.bounded && m_groupHolds && !CommitGroup()) {
     std::rethrow_exception(m_groupLost);
   }
@@ -66,14 +61,14 @@ void Session::RunWrite(Statement& statement, Write kind, std::string_view piece)
     Outcome outcome = m_grouping && !InTransaction() ? Begin() : Outcome(SQLITE_OK);
     if (outcome.IsOk()) outcome = statement.Step(kind.bounded ? Stop::kWaits : Stop::kWork);
     const ResetGuard guard(statement);
-    if (IsFinished(outcome)) break;
-    // Our own open reading may be what another process waits for, or be older than what it wrote: let it go
-    // once.
+    if (outcome.IsDone() || outcome.IsRow()) break;
+    // This session's own read transaction may block the other process, or be older than what that has
+    // written: end it, once.
     if (outcome.IsBusy() && !m_streaming.IsEmpty() && !retried) {
       if (m_streaming.Detach()) continue;
       outcome = Outcome(SQLITE_INTERRUPT);
     }
-    // A full disk and the like undo the whole group.
+    // A full disk and similar errors roll back the whole group.
     const bool undone = inTransaction && !InTransaction();
     try {
       m_connection.Raise(outcome.Code(), Doing::kWriting, piece);
@@ -93,15 +88,6 @@ void Session::RunWrite(Statement& statement, Write kind, std::string_view piece)
 
 // ---- saved queries
 
-SchemaEntry Session::FindEntry(std::string_view name) {
-  Statement find = m_connection.Prepare(
-      "SELECT type, name, sql FROM sqlite_schema WHERE type IN ('table', 'view') AND name = ?1 COLLATE "
-      "NOCASE");
-  find.Bind(1, name);
-  if (!find.Next(name)) return {};
-  return {find.Text(0), find.Text(1), find.Text(2)};
-}
-
 void Session::ChangeSchema(const std::string& sql) {
   ForgetPlans();
   Statement statement = m_connection.Prepare(sql, Doing::kWriting);
@@ -119,7 +105,7 @@ void Session::CreateView(std::string_view name, const std::string& createText) {
     return;
   }
   Settle();
-  if (!FindEntry(name).type.empty()) {
+  if (!m_connection.FindEntry(name).type.empty()) {
     Raise(error_number::kObjectExists, "Object '" + std::string(name) + "' already exists.");
   }
   ChangeSchema(createText);
@@ -127,8 +113,9 @@ void Session::CreateView(std::string_view name, const std::string& createText) {
 
 void Session::DropView(std::string_view name) {
   Settle();
-  BeginGroup();  // what is read now holds until it is made again
-  SchemaEntry entry = FindEntry(name);
+  // Within a transaction, so that nobody else changes the view before it is created again.
+  if (m_grouping && !InTransaction()) m_connection.Check(Begin(), Doing::kWriting);
+  SchemaEntry entry = m_connection.FindEntry(name);
   if (entry.type != "view") RaiseItemNotFound(name);
   m_dropped = std::move(entry);
   if (!InTransaction()) Settle();
@@ -145,7 +132,7 @@ void Session::Settle() {
 void Session::BeginTransaction(const Database& owner) {
   SettleForCommit();
   CommitGroup();
-  if (m_groupLost) std::rethrow_exception(m_groupLost);  // it stays to be told of the group
+  if (m_groupLost) std::rethrow_exception(m_groupLost);  // kept, to be raised for the group as well
   NeedUndone();
   Outcome outcome = Begin();
   if (outcome.IsBusy() && !m_streaming.IsEmpty()) {
@@ -156,7 +143,7 @@ void Session::BeginTransaction(const Database& owner) {
   m_transactionOwner = &owner;
 }
 
-// A full disk and the like undo the transaction beneath us: what follows must not be written without the
+// A full disk and similar errors roll back the transaction. What follows must not be written without the
 // rest.
 void Session::NeedTransaction() const {
   if (!m_transactionOwner || InTransaction()) return;
@@ -177,21 +164,17 @@ void Session::CommitTransaction() {
 void Session::UndoTransaction() {
   std::exception_ptr failure;
   try {
-    m_streaming.Detach(false);  // what a snapshot shows stays
+    m_streaming.Detach(false);  // snapshots keep their rows
   } catch (...) {
     failure = std::current_exception();
   }
   m_transactionOwner = nullptr;
   RollBack();
-  ForgetPlans();  // saved queries may be others again
+  ForgetPlans();  // the rollback may have restored saved queries
   if (failure) std::rethrow_exception(failure);
 }
 
 // ---- commits in groups
-
-void Session::BeginGroup() {
-  if (m_grouping && !InTransaction()) m_connection.Check(Begin(), Doing::kWriting);
-}
 
 Outcome Session::Begin() {
   NoticeLostGroup();
@@ -200,7 +183,7 @@ Outcome Session::Begin() {
   if (!outcome.IsDone()) return outcome;
   m_groupHolds = false;
   m_due = m_nextTry = Clock::now() + kGroupTime;
-  m_deadline = m_due + m_connection.Waits().Patience();
+  m_deadline = m_due + m_connection.Waits().LockTimeout();
   return Outcome(SQLITE_OK);
 }
 
@@ -208,9 +191,7 @@ Outcome Session::TryCommit(bool waiting) {
   NoticeLostGroup();
   if (m_mustUndo) RollBack();
   if (m_mustUndo || !InTransaction()) return Outcome(SQLITE_OK);
-  std::optional<Waiter::NoWaiting> hurry;
-  if (!waiting) hurry.emplace(m_connection.Waits());
-  const Outcome outcome = m_commit.Step(Stop::kCommits);
+  const Outcome outcome = m_commit.Step(waiting ? Stop::kCommits : Stop::kAtOnce);
   m_commit.Reset();
   if (!outcome.IsDone()) return outcome;
   m_groupHolds = false;
@@ -222,28 +203,27 @@ void Session::RollBack() noexcept {
   m_dropped.reset();
   m_groupHolds = false;
   if (InTransaction()) {
-    [[maybe_unused]] const int code = sqlite3_step(m_rollback.Get());  // only whether it has ended counts
+    [[maybe_unused]] const int code = sqlite3_step(m_rollback.Get());  // InTransaction tells the result
     m_rollback.Reset();
   }
   m_mustUndo = InTransaction();
 }
 
-// Without memory even that may fail; until it is done nothing may be added to the transaction.
+// Without memory even a rollback may fail. Until it succeeds, nothing may be added to the transaction.
 void Session::NeedUndone() {
   if (m_mustUndo) RollBack();
   if (m_mustUndo) m_connection.Raise(SQLITE_NOMEM, Doing::kWriting);
 }
 
-// The group's updates are gone; whoever asks next is told why.
+// The group's updates are rolled back; the next Idle or Flush raises the cause.
 void Session::LoseGroup(std::exception_ptr why) {
   ++m_commits.lost;
   RollBack();
-  ForgetPlans();  // saved queries may be others again
+  ForgetPlans();  // the rollback may have restored saved queries
   if (!m_groupLost) m_groupLost = std::move(why);
 }
 
-// A statement without memory, or whose file fails, can end the transaction beneath the group; one that only
-// reads, too.
+// An out-of-memory or I/O error can roll back the group, even in a statement that only reads.
 void Session::NoticeLostGroup() {
   if (!m_groupHolds || InTransaction()) return;
   try {
@@ -254,15 +234,21 @@ void Session::NoticeLostGroup() {
   }
 }
 
-void Session::TellLostGroup() {
+void Session::RaiseLostGroup() {
   NoticeLostGroup();
   if (m_groupLost) std::rethrow_exception(std::exchange(m_groupLost, nullptr));
 }
 
-// Whether it is committed.
-bool Session::CommitGroup() {
-  const Outcome outcome = TryCommit(true);
+// Returns whether it is committed. Without `waiting`, a commit that others block is tried again later, while
+// marking goes on; the group is lost only if they do not release the file in time.
+bool Session::CommitGroup(bool waiting) {
+  const Outcome outcome = TryCommit(waiting);
   if (outcome.IsOk()) return true;
+  const auto now = Clock::now();
+  if (!waiting && outcome.IsBusy() && now < m_deadline) {
+    m_nextTry = now + kRetryTime;
+    return false;
+  }
   try {
     m_connection.Raise(outcome.Code(), Doing::kWriting);
   } catch (...) {
@@ -271,7 +257,7 @@ bool Session::CommitGroup() {
   return false;
 }
 
-// A saved query that cannot go is told as well, but does not keep the marks back.
+// A saved query that cannot be dropped is reported as well, but does not prevent the commit.
 void Session::SettleForCommit() {
   try {
     Settle();
@@ -280,22 +266,8 @@ void Session::SettleForCommit() {
   }
 }
 
-// A commit that others block is tried again and again while marking goes on; only when they do not let go in
-// time is the group lost.
 void Session::CommitIfDue() {
-  const auto now = Clock::now();
-  if (now < m_nextTry || !InTransaction()) return;
-  const Outcome outcome = TryCommit(false);
-  if (outcome.IsOk()) return;
-  if (outcome.IsBusy() && now < m_deadline) {
-    m_nextTry = now + kRetryTime;
-    return;
-  }
-  try {
-    m_connection.Raise(outcome.Code(), Doing::kWriting);
-  } catch (...) {
-    LoseGroup(std::current_exception());
-  }
+  if (InTransaction() && Clock::now() >= m_nextTry) CommitGroup(false);
 }
 
 void Session::Idle() {
@@ -303,7 +275,7 @@ void Session::Idle() {
     if (Clock::now() >= m_due) SettleForCommit();
     CommitIfDue();
   }
-  TellLostGroup();
+  RaiseLostGroup();
 }
 
 void Session::Flush() {
@@ -311,7 +283,7 @@ void Session::Flush() {
     SettleForCommit();
     CommitGroup();
   }
-  TellLostGroup();
+  RaiseLostGroup();
 }
 
 void Session::EndGroups() {

@@ -9,17 +9,10 @@
 #include <string_view>
 
 #include "engine/database.h"
-#include "engine/plan_cache.h"
-#include "engine/sqlite/connection.h"
-#include "engine/sqlite/plan.h"
+#include "engine/sqlite/planner.h"
 #include "engine/streamed_recordset.h"
 
 namespace kxrestore::engine::sqlite {
-
-// A saved query or table in the schema; all fields are empty if there is none.
-struct SchemaEntry {
-  std::string type, name, sql;
-};
 
 class Session {
  public:
@@ -52,7 +45,6 @@ class Session {
 
   // Saved queries. Within a group, dropping a query is deferred until the difference could be observed; if
   // the same query is created again before that, nothing is written.
-  SchemaEntry FindEntry(std::string_view name);
   void CreateView(std::string_view name, const std::string& createText);  // error 3012
   void DropView(std::string_view name);                                   // error 3265
   void Settle();                                                          // carries out a deferred drop
@@ -79,14 +71,13 @@ class Session {
   void NeedTransaction() const;
   bool InTransaction() const { return m_connection.InTransaction(); }
   bool InGroup() const { return m_grouping && m_transactionOwner == nullptr; }
-  void BeginGroup();
   Outcome Begin();
   Outcome TryCommit(bool waiting);
   void CommitIfDue();
-  bool CommitGroup();
+  bool CommitGroup(bool waiting = true);
   void LoseGroup(std::exception_ptr why);
   void NoticeLostGroup();
-  void TellLostGroup();
+  void RaiseLostGroup();
   void RollBack() noexcept;
   void NeedUndone();
   void SettleForCommit();

@@ -9,8 +9,8 @@ namespace {
 
 class SqliteBackend final : public WarmSessions<Session> {
  public:
-  explicit SqliteBackend(std::chrono::milliseconds patience)
-      : m_waiter(std::make_shared<Waiter>(patience, WaitingOfSessions())) {}
+  explicit SqliteBackend(std::chrono::milliseconds lockTimeout)
+      : m_waiter(std::make_shared<Waiter>(lockTimeout, WaitingOfSessions())) {}
 
   std::unique_ptr<Database> Open(const OpenRequest& request) override {
     const bool shared = InAction() && !request.exclusive;
@@ -27,23 +27,20 @@ class SqliteBackend final : public WarmSessions<Session> {
   }
 
   void EndAction() override {
-    const ActionEnd end{*m_waiter};  // the last commits still belong to the action
-    WarmSessions::EndAction();
+    Failures failures;
+    failures.Try([this] { WarmSessions::EndAction(); });
+    m_waiter->EndAction();  // the last commits were part of the action
+    failures.Raise();
   }
 
  private:
-  struct ActionEnd {
-    Waiter& waiter;
-    ~ActionEnd() { waiter.EndAction(); }
-  };
-
   std::shared_ptr<Waiter> m_waiter;
 };
 
 }  // namespace
 
-std::unique_ptr<Backend> MakeSqliteBackend(std::chrono::milliseconds patience) {
-  return std::make_unique<SqliteBackend>(patience);
+std::unique_ptr<Backend> MakeSqliteBackend(std::chrono::milliseconds lockTimeout) {
+  return std::make_unique<SqliteBackend>(lockTimeout);
 }
 
 }  // namespace kxrestore::engine::sqlite

@@ -8,7 +8,7 @@
 
 namespace kxrestore::engine::sqlite {
 
-// `patience`: how long to wait for a locked file before raising an error.
-std::unique_ptr<Backend> MakeSqliteBackend(std::chrono::milliseconds patience = std::chrono::seconds(3));
+// `lockTimeout`: how long to wait for a locked file before raising an error.
+std::unique_ptr<Backend> MakeSqliteBackend(std::chrono::milliseconds lockTimeout = std::chrono::seconds(3));
 
 }  // namespace kxrestore::engine::sqlite

@@ -45,7 +45,7 @@ std::int64_t SqliteDatabase::Execute(const Sql& sql, int /*options*/) {
 std::string SqliteDatabase::QueryText(std::string_view name) {
   Session& session = *Open();
   if (session.IsDropped(name)) session.Settle();
-  const SchemaEntry entry = session.FindEntry(name);
+  const SchemaEntry entry = session.Link().FindEntry(name);
   if (entry.type != "view") RaiseItemNotFound(name);
   return jet_sql::QueryTextOfView(entry.sql);
 }
@@ -56,7 +56,7 @@ void SqliteDatabase::CreateQueryDef(std::string_view name, std::string_view sql)
 
 void SqliteDatabase::DeleteQueryDef(std::string_view name) {
   Session& session = *OpenSettled();
-  if (IsReadOnly() && session.FindEntry(name).type != "view") RaiseItemNotFound(name);
+  if (IsReadOnly() && session.Link().FindEntry(name).type != "view") RaiseItemNotFound(name);
   OpenForWriting().DropView(name);
 }
 

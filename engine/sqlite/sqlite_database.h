@@ -1,3 +1,4 @@
+// A database on a catalog file.
 #pragma once
 
 #include <memory>

@@ -1,7 +1,5 @@
 #include "engine/sqlite/sqlite_recordset.h"
 
-#include "engine/sqlite/planner.h"
-
 namespace kxrestore::engine::sqlite {
 namespace {
 
@@ -41,10 +39,10 @@ Outcome SqliteRecordset::Open(const Sql& sql, const ColumnNames& read) {
 }
 
 SqliteRecordset::~SqliteRecordset() {
-  LetStatementGo();
+  ReleaseStatement();
 }
 
-void SqliteRecordset::LetStatementGo() {
+void SqliteRecordset::ReleaseStatement() {
   if (!m_statement) return;
   m_session->Streaming().Remove(*this);
   Session::Release(*m_plan, std::move(m_statement));

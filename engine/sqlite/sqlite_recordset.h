@@ -20,7 +20,7 @@ class SqliteRecordset final : public StreamedRecordset {
 
  private:
   bool Fetch() override;
-  void LetStatementGo() override;
+  void ReleaseStatement() override;
   ValueView Streamed(std::size_t index) const override;
   std::string_view ColumnName(std::size_t index) const override { return m_plan->columns[index].name; }
   const std::string& Place() const override { return m_session->Place(); }

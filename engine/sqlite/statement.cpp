@@ -46,10 +46,10 @@ bool Statement::Next(std::string_view piece) {
 }
 
 void Statement::Reset() noexcept {
-  sqlite3_reset(Get());  // what it returns was returned by the step before
+  sqlite3_reset(Get());  // its result repeats that of the last step
 }
 
-// One look-up of the value for all its properties. A connection without a mutex may read it so.
+// Looks the value up once for all its properties, which a connection without a mutex allows.
 ValueView Statement::Read(int column) const {
   sqlite3_value* const value = sqlite3_column_value(Get(), column);
   switch (sqlite3_value_type(value)) {

@@ -1,5 +1,5 @@
 // A VFS for SQLite that invokes the waiting callback during reads, writes and syncs, which may take long
-// while SQLite itself calls no progress handler. It forwards all work to the system's VFS.
+// without a call of SQLite's progress handler. It forwards all work to the system's VFS.
 #pragma once
 
 namespace kxrestore::engine::sqlite {

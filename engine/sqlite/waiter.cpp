@@ -12,7 +12,7 @@ namespace {
 constexpr auto kTurnEvery = std::chrono::milliseconds(20);
 constexpr auto kFirstPause = std::chrono::milliseconds(1);
 constexpr auto kPause = std::chrono::milliseconds(10);
-// A commit waits this long even when the program wants to go: mostly that is enough to save the marks.
+// A commit keeps waiting this long after a stop request, which usually suffices to save the marks.
 constexpr auto kCommitGrace = std::chrono::milliseconds(120);
 
 thread_local Waiter* t_current = nullptr;
@@ -70,24 +70,24 @@ void Waiter::GiveTurn() noexcept {
 
 bool Waiter::GoOn() noexcept {
   GiveTurn();
-  // Once is enough: what the end of a statement has to undo must not be refused as well.
+  // Only once for a call, so that the rollback at its end is not refused as well.
   if (m_answer || m_stop != Stop::kWork || m_stopped) return true;
   m_stopped = true;
   return false;
 }
 
 bool Waiter::StopsWaiting(Clock::time_point now) const {
-  if (m_answer || m_stop == Stop::kNothing) return false;
+  if (m_answer || m_stop == Stop::kNothing || m_stop == Stop::kAtOnce) return false;
   return m_stop != Stop::kCommits || now - m_entered >= kCommitGrace;
 }
 
 bool Waiter::WaitForLock(bool first) noexcept {
-  if (!m_waits) return false;
+  if (m_stop == Stop::kAtOnce) return false;
   const auto now = Clock::now();
   if (first) m_lockSeen = now;
   m_waited += now - std::exchange(m_lockSeen, now);
-  // Statements leave something for the commit of what they have written.
-  const auto bound = m_stop == Stop::kCommits ? m_patience : m_patience - m_patience / 6;
+  // Statements leave part of the time for the commit of what they have written.
+  const auto bound = m_stop == Stop::kCommits ? m_lockTimeout : m_lockTimeout - m_lockTimeout / 6;
   if (m_waited >= bound) return false;
   std::this_thread::sleep_for(first ? kFirstPause : kPause);
   GiveTurn();
@@ -99,7 +99,7 @@ bool Waiter::WaitForLock(bool first) noexcept {
 void Waiter::Sleep(std::chrono::microseconds time) noexcept {
   const auto start = Clock::now();
   for (auto now = start; now < start + time; now = Clock::now()) {
-    if (m_waited + (now - start) >= m_patience) break;
+    if (m_waited + (now - start) >= m_lockTimeout) break;
     std::this_thread::sleep_for(std::min<Clock::duration>(start + time - now, kPause));
     GiveTurn();
     if (StopsWaiting(now)) break;

@@ -21,34 +21,24 @@ enum class Stop {
   kWaits,    // waiting for locks
   kWork,     // anything
   kCommits,  // waiting for locks, after a grace period; the call fails as if its time had run out
+  kAtOnce,   // nothing, as the call does not wait for locks
 };
 
 class Waiter {
  public:
-  // `patience`: the time to wait for other processes' locks in one user action, or in one call outside of an
-  // action.
-  Waiter(std::chrono::milliseconds patience, std::shared_ptr<const Waiting> waiting)
-      : m_patience(patience), m_waiting(std::move(waiting)) {}
+  // `lockTimeout`: the time to wait for other processes' locks in one user action, or in one call outside of
+  // an action.
+  Waiter(std::chrono::milliseconds lockTimeout, std::shared_ptr<const Waiting> waiting)
+      : m_lockTimeout(lockTimeout), m_waiting(std::move(waiting)) {}
 
   void BeginAction();
   void EndAction() { m_inAction = false; }
-  std::chrono::milliseconds Patience() const { return m_patience; }
+  std::chrono::milliseconds LockTimeout() const { return m_lockTimeout; }
 
   void Enter(Stop stop) noexcept;
   // Returns SQLITE_INTERRUPT for a call that the callback has stopped, or rethrows the callback's exception.
   Outcome Leave(int code);
   void LeaveQuietly() noexcept;  // for destructors
-  // During its lifetime, locks are not waited for.
-  class NoWaiting {
-   public:
-    explicit NoWaiting(Waiter& waiter) : m_waiter(waiter) { m_waiter.m_waits = false; }
-    ~NoWaiting() { m_waiter.m_waits = true; }
-    NoWaiting(const NoWaiting&) = delete;
-    NoWaiting& operator=(const NoWaiting&) = delete;
-
-   private:
-    Waiter& m_waiter;
-  };
 
   // The waiter of the call that runs on this thread; null if there is none.
   static Waiter* Current() noexcept;
@@ -56,8 +46,8 @@ class Waiter {
   // Invokes the callback if it is due. False when the work is to stop.
   bool GoOn() noexcept;
   void GiveTurn() noexcept;  // invokes it without regard to its result
-  // Sleeps briefly before a lock is tried again; false when waiting is to end. `first`: the first try for
-  // this lock.
+  // Sleeps briefly before the next attempt to get a lock; false when the call is to give up. `first`: no
+  // attempt to get this lock has been repeated yet.
   bool WaitForLock(bool first) noexcept;
   // Sleeps for SQLite (xSleep).
   void Sleep(std::chrono::microseconds time) noexcept;
@@ -72,9 +62,9 @@ class Waiter {
   bool TakeTurn() noexcept;
   bool StopsWaiting(Clock::time_point now) const;
 
-  std::chrono::milliseconds m_patience;
+  std::chrono::milliseconds m_lockTimeout;
   std::shared_ptr<const Waiting> m_waiting;
-  bool m_inAction = false, m_inTurn = false, m_waits = true;
+  bool m_inAction = false, m_inTurn = false;
   Stop m_stop = Stop::kNothing;
   bool m_answer = true;          // the callback's last result
   bool m_stopped = false;        // the current call is to stop

@@ -4,7 +4,6 @@
 
 #include "base/text.h"
 #include "engine/error_numbers.h"
-#include "engine/jet_sql/meaning/value_kinds.h"
 #include "engine/jet_sql/reading/parser.h"
 
 namespace kxrestore::engine::jet_sql {
@@ -13,7 +12,7 @@ namespace {
 constexpr int kMaxSavedQueryDepth = 32;
 
 struct Source {
-  std::string visible;  // what the text qualifies columns with
+  std::string visible;  // the qualifier of its columns in the text
   std::string spelled;
   bool known = false;
   std::vector<KnownColumn> columns;
@@ -126,7 +125,7 @@ class Resolver {
         known = AddStar(item, scope, columns) && known;
         continue;
       }
-      item.alias = ColumnName(item, i);  // by which the text calls it
+      item.alias = ColumnName(item, i);  // the name that the text uses
       Resolve(*item.expression, scope);
       columns.push_back({item.alias, item.expression->valueKind});
     }
@@ -201,13 +200,12 @@ class Resolver {
   // ---- columns
 
   static const KnownColumn* FindColumn(const Source& source, std::string_view name) {
+    const KnownColumn* found = nullptr;
     for (const KnownColumn& column : source.columns) {
       if (column.name == name) return &column;
+      if (found == nullptr && EqualIgnoringCase(column.name, name)) found = &column;
     }
-    for (const KnownColumn& column : source.columns) {
-      if (EqualIgnoringCase(column.name, name)) return &column;
-    }
-    return nullptr;
+    return found;
   }
 
   static ValueKind Target(const Source& source, std::string& column) {
@@ -359,7 +357,7 @@ class Resolver {
     }
   }
 
-  // ---- what a row can be changed through
+  // ---- the tables that result columns come from
 
   void FindBases(const SelectCore& core, const Scope& scope) {
     std::vector<std::size_t> tableOf;

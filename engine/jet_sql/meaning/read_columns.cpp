@@ -30,7 +30,7 @@ std::size_t Place(const Expression& order) {
 }
 
 // A calculated column may decide which rows there are, and other parts of the statement may use an alias.
-bool CanGo(const SelectItem& item) {
+bool CanDrop(const SelectItem& item) {
   if (IsStar(item)) return true;
   return item.expression->kind == ExpressionKind::kColumn &&
          (item.alias.empty() || EqualIgnoringCase(item.alias, item.expression->text));
@@ -122,9 +122,9 @@ class ReadsOf {
   std::vector<std::string_view> m_names;
 };
 
-// Whether an item of this SELECT can go without changing which rows there are: a plain column, or an
-// aggregate of one beside GROUP BY.
-bool CanGoFrom(const SelectCore& core, const SelectItem& item) {
+// Whether an item of this SELECT can be dropped without changing which rows there are: a plain column, or an
+// aggregate of one in a grouped query.
+bool CanDropFrom(const SelectCore& core, const SelectItem& item) {
   if (IsStar(item)) return false;
   const Expression& expression = *item.expression;
   if (expression.kind == ExpressionKind::kColumn) return true;
@@ -134,7 +134,7 @@ bool CanGoFrom(const SelectCore& core, const SelectItem& item) {
 }
 
 void KeepOnlyRead(SelectStatement& nested, const ReadsOf& reads) {
-  // Elsewhere the columns count by their place, or by being the row itself.
+  // In other statements the columns are matched by position, or decide which rows there are.
   if (nested.cores.size() != 1 || nested.cores.front().distinct || !nested.orderBy.empty()) return;
   SelectCore& core = nested.cores.front();
   if (core.having || std::any_of(core.items.begin(), core.items.end(), IsStar)) return;
@@ -142,7 +142,7 @@ void KeepOnlyRead(SelectStatement& nested, const ReadsOf& reads) {
   for (std::size_t i = 0; i < core.items.size(); ++i) {
     SelectItem& item = core.items[i];
     const std::string name = ColumnName(item, i);
-    if (!reads.Holds(name) && CanGoFrom(core, item)) continue;
+    if (!reads.Holds(name) && CanDropFrom(core, item)) continue;
     if (item.alias.empty()) item.alias = name;  // which may depend on the place
     kept.push_back(std::move(item));
   }
@@ -177,7 +177,7 @@ void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>
   for (SelectItem& item : core.items) {
     for (std::size_t count = IsStar(item) ? ofStar : 1; count > 0; --count) {
       ResultColumn& column = columns[places.size()];
-      if (wanted[places.size()] || !CanGo(item)) {
+      if (wanted[places.size()] || !CanDrop(item)) {
         items.push_back(IsStar(item) ? ColumnOfStar(item, column) : Named(std::exchange(item, {}), column));
         kept.push_back(std::move(column));
       }
@@ -193,22 +193,15 @@ void LeaveOutUnreadColumns(SelectStatement& statement, std::vector<ResultColumn>
 }
 
 void LeaveOutUnreadNestedColumns(SelectStatement& statement) {
-  const auto visit = [&statement](TableRef& table, const auto& self) -> void {
-    if (table.nested) {
-      self(table.nested->first, self);
-      for (Join& join : table.nested->joins) self(join.table, self);
-    } else if (table.query) {
-      ReadsOf reads(table.alias);
-      reads.Add(statement);
-      KeepOnlyRead(*table.query, reads);
-      LeaveOutUnreadNestedColumns(*table.query);
-    }
+  const auto visit = [&statement](TableRef& table) {
+    if (!table.query) return;
+    ReadsOf reads(table.alias);
+    reads.Add(statement);
+    KeepOnlyRead(*table.query, reads);
+    LeaveOutUnreadNestedColumns(*table.query);
   };
   for (SelectCore& core : statement.cores) {
-    for (JoinChain& chain : core.from) {
-      visit(chain.first, visit);
-      for (Join& join : chain.joins) visit(join.table, visit);
-    }
+    for (JoinChain& chain : core.from) ForEachTable(chain, visit);
   }
 }
 

@@ -18,42 +18,29 @@ bool GroupsWithoutCase(const SelectStatement& query) {
   });
 }
 
-class Reader {
- public:
-  explicit Reader(TableFacts& facts) : m_facts(facts) {}
-
-  // Returns whether anything was inlined.
-  bool Read(SelectStatement& statement, int depth) {
-    bool changed = false;
-    for (SelectCore& core : statement.cores) {
-      for (JoinChain& chain : core.from) changed = Read(chain, depth) || changed;
+// Returns whether anything was inlined.
+bool Inline(TableFacts& facts, SelectStatement& statement, int depth) {
+  bool changed = false;
+  const auto read = [&](TableRef& table) {
+    if (table.query) {
+      changed = Inline(facts, *table.query, depth) || changed;
+      return;
     }
-    return changed;
-  }
-
- private:
-  bool Read(JoinChain& chain, int depth) {
-    bool changed = Read(chain.first, depth);
-    for (Join& join : chain.joins) changed = Read(join.table, depth) || changed;
-    return changed;
-  }
-
-  bool Read(TableRef& table, int depth) {
-    if (table.nested) return Read(*table.nested, depth);
-    if (table.query) return Read(*table.query, depth);
-    if (depth == kMaxSavedQueryDepth) return false;
-    std::optional<SelectStatement> query = ReadSavedQuery(m_facts, table.name);
-    if (!query) return false;
+    if (depth == kMaxSavedQueryDepth) return;
+    std::optional<SelectStatement> query = ReadSavedQuery(facts, table.name);
+    if (!query) return;
     const bool groups = GroupsWithoutCase(*query);
-    if (!Read(*query, depth + 1) && !groups) return false;
+    if (!Inline(facts, *query, depth + 1) && !groups) return;
     if (table.alias.empty()) table.alias = std::move(table.name);
     table.name.clear();
     table.query = std::make_unique<SelectStatement>(std::move(*query));
-    return true;
+    changed = true;
+  };
+  for (SelectCore& core : statement.cores) {
+    for (JoinChain& chain : core.from) ForEachTable(chain, read);
   }
-
-  TableFacts& m_facts;
-};
+  return changed;
+}
 
 }  // namespace
 
@@ -71,7 +58,7 @@ std::optional<SelectStatement> ReadSavedQuery(TableFacts& facts, const std::stri
 }
 
 void ReadGroupingQueriesByText(TableFacts& facts, SelectStatement& statement) {
-  Reader(facts).Read(statement, 0);
+  Inline(facts, statement, 0);
 }
 
 }  // namespace kxrestore::engine::jet_sql

@@ -11,21 +11,20 @@
 #include "base/text.h"
 #include "engine/jet_sql/meaning/saved_query.h"
 #include "engine/jet_sql/printing/printer.h"
-#include "engine/jet_sql/reading/lexer.h"
-#include "engine/jet_sql/reading/parser.h"
 
 namespace kxrestore::engine::jet_sql {
 namespace {
 
-// The templates: F are the rows, G the newest key of each name. The listing of all sets has a second sort
-// key.
+// The two saved queries as SQLite's dialect prints them: $1 are the rows, $2 the newest key of each name, $3
+// joins the two in either order, and $4 is the second sort key of the listing of all sets.
 constexpr std::string_view kLatest =
-    "SELECT F.OrigName AS OrigName FROM F INNER JOIN G ON $ WHERE F.Status = 2 GROUP BY F.OrigName "
-    "ORDER BY First(F.DateStamp) DESC";
-constexpr std::string_view kThenNewest = ", First(F.ID) DESC";
+    "SELECT $1.OrigName AS OrigName FROM $1 INNER JOIN $2 ON $3 WHERE $1.Status = 2 GROUP BY $1.OrigName "
+    "COLLATE NOCASE ORDER BY $1.DateStamp DESC$4";
+constexpr std::string_view kJoins[] = {"$1.ID = $2.ID", "$2.ID = $1.ID"};
+constexpr std::string_view kSecondKeys[] = {"", ", $1.ID DESC"};
 constexpr std::string_view kNewest =
-    "SELECT F.OrigName AS OrigName, Max(F.DateStamp) AS DateStamp, Max(F.ID) AS ID FROM F "
-    "WHERE F.Status = 2 GROUP BY F.OrigName";
+    "SELECT $1.OrigName AS OrigName, Max($1.DateStamp) AS DateStamp, Max($1.ID) AS ID FROM $1 "
+    "WHERE $1.Status = 2 GROUP BY $1.OrigName COLLATE NOCASE";
 constexpr std::string_view kName = "OrigName", kKey = "ID";
 
 bool IsNamed(const TableRef& table) {
@@ -83,15 +82,11 @@ std::optional<SelectStatement> ReadPlainQuery(TableFacts& facts, const std::stri
 const TableRef* FindTable(const JoinChain& chain, std::string_view name) {
   const TableRef* found = nullptr;
   bool several = false;
-  const auto look = [&](const TableRef& table) {
-    const TableRef* match = table.nested                             ? FindTable(*table.nested, name)
-                            : EqualIgnoringCase(NameOf(table), name) ? &table
-                                                                     : nullptr;
-    several = several || (found != nullptr && match != nullptr);
-    if (match != nullptr) found = match;
-  };
-  look(chain.first);
-  for (const Join& join : chain.joins) look(join.table);
+  ForEachTable(chain, [&](const TableRef& table) {
+    if (!EqualIgnoringCase(NameOf(table), name)) return;
+    several = found != nullptr;
+    found = &table;
+  });
   return several ? nullptr : found;
 }
 
@@ -144,48 +139,23 @@ bool IsRowKey(TableFacts& facts, const std::string& name, std::string_view colum
 
 // ---- the two saved queries
 
-bool IsPlainName(const std::string& name) {
-  return std::all_of(name.begin(), name.end(), IsWordCharacter);
+// Compares the trees in the form in which SQLite keeps them, without First().
+bool IsSame(const SelectStatement& query, const PrintedSql& expected) {
+  return EqualIgnoringCase(PrintSelect(query, SqliteDialect(true)), expected.Text());
 }
 
-std::string InBrackets(const std::string& name) {
-  return "[" + name + "]";
-}
-
-// Replaces F and G by these names, which consist of word characters only.
-SelectStatement FromTemplate(std::string text, const std::string& rows, const std::string& newest) {
-  const auto replace = [&text](const std::string& old, const std::string& name) {
-    for (std::size_t at = 0; (at = text.find(old, at)) != std::string::npos; at += name.size()) {
-      text.replace(at, old.size(), name);
-    }
-  };
-  replace(" F.", " " + InBrackets(rows) + ".");
-  replace("(F.", "(" + InBrackets(rows) + ".");
-  replace(" F ", " " + InBrackets(rows) + " ");
-  replace(" G.", " " + InBrackets(newest) + ".");
-  replace(" G ", " " + InBrackets(newest) + " ");
-  Statement statement = Parse(text);
-  return std::move(std::get<SelectStatement>(statement));
-}
-
-// Compares the trees by printing both in the form in which SQLite keeps them, without First().
-bool IsSame(const SelectStatement& query, const SelectStatement& other) {
-  const SqliteDialect dialect(true);
-  return EqualIgnoringCase(PrintSelect(query, dialect), PrintSelect(other, dialect));
-}
-
-bool IsLatest(SelectStatement& query, const std::string& rows, const std::string& newest) {
+// The listed columns may be any.
+bool IsLatest(SelectStatement& query, const std::string& rows, const PrintedSql (&names)[2]) {
   std::vector<SelectItem> items;
   items.swap(query.cores.front().items);
   SelectItem& name = query.cores.front().items.emplace_back();
   name.expression = MakeColumn(rows, std::string(kName));
   name.alias = kName;
   bool isSame = false;
-  for (const std::string_view on : {" F.ID = G.ID ", " G.ID = F.ID "}) {
-    for (const std::string_view then : {std::string_view(), kThenNewest}) {
-      std::string text(kLatest);
-      text.replace(text.find(" $ "), 3, on).append(then);
-      isSame = isSame || IsSame(query, FromTemplate(std::move(text), rows, newest));
+  for (const std::string_view join : kJoins) {
+    for (const std::string_view key : kSecondKeys) {
+      const PrintedSql parts[] = {names[0], names[1], Filled(join, names), Filled(key, names)};
+      isSame = isSame || IsSame(query, Filled(kLatest, parts));
     }
   }
   query.cores.front().items = std::move(items);
@@ -259,11 +229,13 @@ void RemoveGroupsOfSingleRows(TableFacts& facts, SelectStatement& listing) {
   TableRef& rows = chain.first;
   TableRef& newest = chain.joins.front().table;
   for (const TableRef* table : {&rows, &newest}) {
-    if (!IsNamed(*table) || !table->alias.empty() || !IsPlainName(table->name)) return;
+    if (!IsNamed(*table) || !table->alias.empty()) return;
   }
-  if (!IsLatest(*latest, rows.name, newest.name)) return;
+  const SqliteDialect dialect(true);
+  const PrintedSql names[] = {dialect.Identifier(rows.name), dialect.Identifier(newest.name)};
+  if (!IsLatest(*latest, rows.name, names)) return;
   auto keys = ReadPlainQuery(facts, newest.name);
-  if (!keys || !IsSame(*keys, FromTemplate(std::string(kNewest), rows.name, newest.name))) return;
+  if (!keys || !IsSame(*keys, Filled(kNewest, names))) return;
   if (!IsRowKey(facts, rows.name, kKey) || !Flatten(*latest, rows, listing)) return;
 
   if (facts.MasksKeepGroups()) MoveMasks(listing.cores.front(), keys->cores.front());

@@ -27,15 +27,6 @@ constexpr FunctionMapping kMappings[] = {
     {Function::kNow, 0, "datetime('now', 'localtime')", "localtimestamp(0)", "getdate()"},
 };
 
-PrintedSql Filled(std::string_view words, const PrintedSql* arguments) {
-  PrintedSql text;
-  for (std::size_t sign; (sign = words.find('$')) != words.npos; words.remove_prefix(sign + 2)) {
-    text += words.substr(0, sign);
-    text += arguments[words[sign + 1] - '1'];
-  }
-  return text + words;
-}
-
 }  // namespace
 
 std::string Dialect::Identifier(std::string_view name) const {

@@ -89,7 +89,7 @@ class SqliteDialect : public Dialect {
   static constexpr const char* kFoldFunction = "kx_fold";           // (value), a text without its case
   static constexpr const char* kCollation = "kx_text_order";
 
-  explicit SqliteDialect(bool savedQuery);
+  explicit SqliteDialect(bool savedQuery) : SqliteDialect(savedQuery, kWords) {}
 
   std::string Identifier(std::string_view name) const override;
   PrintedSql Parameter(std::int64_t number) const override { return "?" + std::to_string(number); }
@@ -100,7 +100,17 @@ class SqliteDialect : public Dialect {
 
  protected:
   SqliteDialect(bool savedQuery, const DialectWords& words) : Dialect(words), m_savedQuery(savedQuery) {}
-  static const DialectWords kWords;
+  static constexpr DialectWords kWords = {.functions = &FunctionMapping::sqlite,
+                                          .openQuote = '"',
+                                          .closeQuote = '"',
+                                          .trueText = "1",
+                                          .falseText = "0",
+                                          .integerType = "INTEGER",
+                                          .realType = "REAL",
+                                          .maxFlag = "max($1)",
+                                          .minFlag = "min($1)",
+                                          .anyOfGroup = "$1",
+                                          .firstIsAggregate = false};
 
  private:
   bool m_savedQuery;

@@ -26,4 +26,13 @@ std::string PrintedSql::TextWithNumbers() const {
   return text.append(m_text, copied);
 }
 
+PrintedSql Filled(std::string_view words, const PrintedSql* arguments) {
+  PrintedSql text;
+  for (std::size_t sign; (sign = words.find('$')) != words.npos; words.remove_prefix(sign + 2)) {
+    text += words.substr(0, sign);
+    text += arguments[words[sign + 1] - '1'];
+  }
+  return text + words;
+}
+
 }  // namespace kxrestore::engine::jet_sql

@@ -38,4 +38,7 @@ class PrintedSql {
   std::vector<std::size_t> m_places;  // of their marks in the text
 };
 
+// The words with the arguments in place of $1, $2, ...
+PrintedSql Filled(std::string_view words, const PrintedSql* arguments);
+
 }  // namespace kxrestore::engine::jet_sql

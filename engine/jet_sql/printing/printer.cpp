@@ -9,7 +9,7 @@ namespace kxrestore::engine::jet_sql {
 namespace {
 
 // Some dialects repeat an operand, which doubles the text with every level of nesting.
-constexpr std::size_t kLongestExpression = 1'000'000;
+constexpr std::size_t kMaxExpression = 1'000'000;
 
 // How tightly a node binds; a child that binds no tighter than its parent needs brackets.
 enum Level { kOrLevel = 1, kAndLevel, kNotLevel, kTestLevel, kArithmeticLevel, kPrimaryLevel };
@@ -37,41 +37,10 @@ Level LevelOf(const Expression& expression) {
 }
 
 std::string_view SignOf(Operator sign) {
-  switch (sign) {
-    case Operator::kOr:
-      return "OR";
-    case Operator::kAnd:
-      return "AND";
-    case Operator::kEqual:
-      return "=";
-    case Operator::kNotEqual:
-      return "<>";
-    case Operator::kLess:
-      return "<";
-    case Operator::kGreater:
-      return ">";
-    case Operator::kLessOrEqual:
-      return "<=";
-    case Operator::kGreaterOrEqual:
-      return ">=";
-    case Operator::kConcatenate:
-      return "&";
-    case Operator::kStandardJoin:
-      return "||";
-    case Operator::kAdd:
-      return "+";
-    case Operator::kSubtract:
-      return "-";
-    case Operator::kMultiply:
-      return "*";
-    case Operator::kDivide:
-      return "/";
-    case Operator::kDivideWhole:
-      return "\\";
-    case Operator::kModulo:
-      return "%";
-  }
-  return {};
+  // In the order of the enumeration.
+  constexpr std::string_view kSigns[] = {
+      "OR", "AND", "=", "<>", "<", ">", "<=", ">=", "&", "||", "+", "-", "*", "/", "\\", "%"};
+  return kSigns[static_cast<std::size_t>(sign)];
 }
 
 bool IsCall(const Expression& expression, Function function, std::size_t arguments) {
@@ -280,7 +249,7 @@ class Printer {
 
   PrintedSql Text(const Expression& node) const {
     PrintedSql text = AnyText(node);
-    if (text.Text().size() > kLongestExpression) {
+    if (text.Text().size() > kMaxExpression) {
       Raise(error_number::kSyntax, "Expression too complex in query expression '" +
                                        std::string(LeftCharacters(text.Text(), 100)) + "'.");
     }

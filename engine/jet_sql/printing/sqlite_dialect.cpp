@@ -40,20 +40,6 @@ bool IsPlain(const std::vector<MaskElement>& mask) {
 
 }  // namespace
 
-const DialectWords SqliteDialect::kWords = {.functions = &FunctionMapping::sqlite,
-                                            .openQuote = '"',
-                                            .closeQuote = '"',
-                                            .trueText = "1",
-                                            .falseText = "0",
-                                            .integerType = "INTEGER",
-                                            .realType = "REAL",
-                                            .maxFlag = "max($1)",
-                                            .minFlag = "min($1)",
-                                            .anyOfGroup = "$1",
-                                            .firstIsAggregate = false};
-
-SqliteDialect::SqliteDialect(bool savedQuery) : SqliteDialect(savedQuery, kWords) {}
-
 std::string SqliteDialect::Identifier(std::string_view name) const {
   if (IsPlainName(name)) return std::string(name);
   if (name.find(']') == std::string_view::npos) return "[" + std::string(name) + "]";

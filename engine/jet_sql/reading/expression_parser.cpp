@@ -7,32 +7,36 @@ namespace {
 
 constexpr int kMaxTreeDepth = 400;  // what printing and destroying may recurse through
 
+// Left-associative operators by how tightly they bind. Comparisons are between AND and concatenation.
+enum Level { kOr, kAnd, kCompare, kConcatenate, kSum, kProduct };
+
+constexpr struct {
+  Level level;
+  std::string_view text;
+  Operator sign;
+} kOperators[] = {
+    {kOr, "OR", Operator::kOr},
+    {kAnd, "AND", Operator::kAnd},
+    {kCompare, "=", Operator::kEqual},
+    {kCompare, "<>", Operator::kNotEqual},
+    {kCompare, "<", Operator::kLess},
+    {kCompare, ">", Operator::kGreater},
+    {kCompare, "<=", Operator::kLessOrEqual},
+    {kCompare, ">=", Operator::kGreaterOrEqual},
+    {kCompare, "==", Operator::kEqual},
+    {kCompare, "!=", Operator::kNotEqual},
+    {kConcatenate, "&", Operator::kConcatenate},
+    {kConcatenate, "||", Operator::kStandardJoin},
+    {kSum, "+", Operator::kAdd},
+    {kSum, "-", Operator::kSubtract},
+    {kProduct, "*", Operator::kMultiply},
+    {kProduct, "/", Operator::kDivide},
+    {kProduct, "\\", Operator::kDivideWhole},
+    {kProduct, "MOD", Operator::kModulo},
+    {kProduct, "%", Operator::kModulo},
+};
+
 }  // namespace
-
-Expression::Expression() = default;
-Expression::~Expression() = default;
-
-ExpressionPtr MakeColumn(std::string qualifier, std::string name) {
-  auto column = std::make_unique<Expression>();
-  column->kind = ExpressionKind::kColumn;
-  column->qualifier = std::move(qualifier);
-  column->text = std::move(name);
-  return column;
-}
-
-bool IsAggregate(const Expression& expression) {
-  return expression.args.size() == 1 && FactsOf(expression.function).isAggregate;
-}
-
-bool HoldsAggregate(const Expression& expression) {
-  return IsAggregate(expression) ||
-         std::any_of(expression.args.begin(), expression.args.end(),
-                     [](const ExpressionPtr& part) { return HoldsAggregate(*part); });
-}
-
-const Expression& GroupedExpression(const Expression& key) {
-  return key.kind == ExpressionKind::kCollate && IsKeyword(key.text, "NOCASE") ? *key.args.front() : key;
-}
 
 ExpressionPtr ExpressionParser::Make(ExpressionKind kind) {
   auto expression = std::make_unique<Expression>();
@@ -51,15 +55,32 @@ void ExpressionParser::Adopt(Expression& parent, ExpressionPtr child) {
   parent.args.push_back(std::move(child));
 }
 
-ExpressionPtr ExpressionParser::ParseExpression() {
-  DepthGuard guard(*this);
-  return ParseChain(&ExpressionParser::ParseAnd,
-                    [this] { return TakeWord("OR") ? Taken(Operator::kOr) : std::nullopt; });
+std::optional<Operator> ExpressionParser::TakeOperator(int level) {
+  for (const auto& [itsLevel, text, sign] : kOperators) {
+    if (itsLevel == level && (TakeSymbol(text) || TakeWord(text))) return sign;
+  }
+  return std::nullopt;
 }
 
-ExpressionPtr ExpressionParser::ParseAnd() {
-  return ParseChain(&ExpressionParser::ParseNot,
-                    [this] { return TakeWord("AND") ? Taken(Operator::kAnd) : std::nullopt; });
+ExpressionPtr ExpressionParser::ParseChain(int level) {
+  const auto parseOperand = [&] {
+    return level == kAnd ? ParseNot() : level == kProduct ? ParseUnary() : ParseChain(level + 1);
+  };
+  ExpressionPtr first = parseOperand();
+  std::optional<Operator> sign = TakeOperator(level);
+  if (!sign) return first;
+  ExpressionPtr chain = Make(ExpressionKind::kChain);
+  Adopt(*chain, std::move(first));
+  for (; sign; sign = TakeOperator(level)) {
+    chain->operators.push_back(*sign);
+    Adopt(*chain, parseOperand());
+  }
+  return chain;
+}
+
+ExpressionPtr ExpressionParser::ParseExpression() {
+  DepthGuard guard(*this);
+  return ParseChain(kOr);
 }
 
 ExpressionPtr ExpressionParser::ParseNot() {
@@ -71,29 +92,15 @@ ExpressionPtr ExpressionParser::ParseNot() {
   return expression;
 }
 
-ExpressionParser::Taken ExpressionParser::TakeOperator(std::initializer_list<Sign> signs) {
-  for (const auto& [text, sign] : signs) {
-    if (TakeSymbol(text)) return sign;
-  }
-  return std::nullopt;
-}
-
 ExpressionPtr ExpressionParser::ParseComparison() {
-  ExpressionPtr left = ParseConcatenation();
+  ExpressionPtr left = ParseChain(kConcatenate);
   for (;;) {
     ExpressionPtr node;
-    if (const Taken sign = TakeOperator({{"=", Operator::kEqual},
-                                         {"<>", Operator::kNotEqual},
-                                         {"<", Operator::kLess},
-                                         {">", Operator::kGreater},
-                                         {"<=", Operator::kLessOrEqual},
-                                         {">=", Operator::kGreaterOrEqual},
-                                         {"==", Operator::kEqual},
-                                         {"!=", Operator::kNotEqual}})) {
+    if (const auto sign = TakeOperator(kCompare)) {
       node = Make(ExpressionKind::kCompare);
       node->operators.push_back(*sign);
       Adopt(*node, std::move(left));
-      Adopt(*node, ParseConcatenation());
+      Adopt(*node, ParseChain(kConcatenate));
     } else if (IsWord(Current(), "IS")) {
       Advance();
       node = Make(ExpressionKind::kIsNull);
@@ -119,13 +126,13 @@ ExpressionPtr ExpressionParser::ParseTest(ExpressionPtr left) {
   if (TakeWord("LIKE")) {
     node = Make(ExpressionKind::kLike);
     Adopt(*node, std::move(left));
-    Adopt(*node, ParseConcatenation());
+    Adopt(*node, ParseChain(kConcatenate));
   } else if (TakeWord("BETWEEN")) {
     node = Make(ExpressionKind::kBetween);
     Adopt(*node, std::move(left));
-    Adopt(*node, ParseConcatenation());
+    Adopt(*node, ParseChain(kConcatenate));
     NeedWord("AND");
-    Adopt(*node, ParseConcatenation());
+    Adopt(*node, ParseChain(kConcatenate));
   } else {
     NeedWord("IN");
     node = Make(ExpressionKind::kIn);
@@ -140,28 +147,6 @@ ExpressionPtr ExpressionParser::ParseTest(ExpressionPtr left) {
   }
   node->negated = negated;
   return node;
-}
-
-ExpressionPtr ExpressionParser::ParseConcatenation() {
-  return ParseChain(&ExpressionParser::ParseSum, [this] {
-    return TakeOperator({{"&", Operator::kConcatenate}, {"||", Operator::kStandardJoin}});
-  });
-}
-
-ExpressionPtr ExpressionParser::ParseSum() {
-  return ParseChain(&ExpressionParser::ParseProduct, [this] {
-    return TakeOperator({{"+", Operator::kAdd}, {"-", Operator::kSubtract}});
-  });
-}
-
-ExpressionPtr ExpressionParser::ParseProduct() {
-  return ParseChain(&ExpressionParser::ParseUnary, [this] {
-    if (TakeWord("MOD")) return Taken(Operator::kModulo);
-    return TakeOperator({{"*", Operator::kMultiply},
-                         {"/", Operator::kDivide},
-                         {"\\", Operator::kDivideWhole},
-                         {"%", Operator::kModulo}});
-  });
 }
 
 ExpressionPtr ExpressionParser::ParseUnary() {
@@ -191,13 +176,10 @@ ExpressionPtr ExpressionParser::ParsePostfix() {
 ExpressionPtr ExpressionParser::ParsePrimary() {
   const Token& token = Current();
   switch (token.kind) {
-    case TokenKind::kText: {
-      ExpressionPtr node = Make(ExpressionKind::kText);
-      node->text = Advance().value;
-      return node;
-    }
+    case TokenKind::kText:
     case TokenKind::kNumber: {
-      ExpressionPtr node = Make(ExpressionKind::kNumber);
+      const bool isText = token.kind == TokenKind::kText;
+      ExpressionPtr node = Make(isText ? ExpressionKind::kText : ExpressionKind::kNumber);
       node->text = Advance().value;
       return node;
     }
@@ -207,7 +189,7 @@ ExpressionPtr ExpressionParser::ParsePrimary() {
       return node;
     }
     case TokenKind::kParameter: {
-      if (m_parameters == m_mostParameters) break;
+      if (m_parameters == m_maxParameters) break;
       Advance();
       ExpressionPtr node = Make(ExpressionKind::kParameter);
       node->number = static_cast<std::int64_t>(++m_parameters);

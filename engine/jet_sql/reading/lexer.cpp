@@ -123,7 +123,7 @@ class Lexer {
       token.value.push_back(quote);
       ++m_position;
     }
-    // A place in a printed statement would look the same.
+    // It would be taken for the place of a value.
     if (token.value.find(Sql::kPlace) != std::string::npos) {
       RaiseSyntax("Syntax error in string", m_source.substr(start));
     }

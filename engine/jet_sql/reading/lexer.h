@@ -17,7 +17,7 @@ enum class TokenKind {
   kText,       // 'text' or "text", quotes doubled inside
   kNumber,
   kDate,       // #11/16/2026 2:25 PM# or #2026-11-16#
-  kParameter,  // where the text leaves out a value
+  kParameter,  // the place of a value
   kSymbol,     // an operator or a punctuation mark, as it stands in `piece`
 };
 

@@ -54,20 +54,14 @@ class Parser final : private ExpressionParser {
   enum class Side { kNone, kInner, kLeft, kRight, kCross };
 
   Side TakeJoin() {
-    Side side = Side::kNone;
     if (TakeWord("JOIN")) return Side::kInner;
-    if (TakeWord("INNER"))
-      side = Side::kInner;
-    else if (TakeWord("LEFT"))
-      side = Side::kLeft;
-    else if (TakeWord("RIGHT"))
-      side = Side::kRight;
-    else if (TakeWord("CROSS"))
-      side = Side::kCross;
-    else
-      return side;
+    const Side side = TakeWord("INNER")   ? Side::kInner
+                      : TakeWord("LEFT")  ? Side::kLeft
+                      : TakeWord("RIGHT") ? Side::kRight
+                      : TakeWord("CROSS") ? Side::kCross
+                                          : Side::kNone;
     if (side == Side::kLeft || side == Side::kRight) TakeWord("OUTER");
-    NeedWord("JOIN");
+    if (side != Side::kNone) NeedWord("JOIN");
     return side;
   }
 

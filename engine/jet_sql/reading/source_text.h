@@ -10,7 +10,7 @@
 namespace kxrestore::engine::jet_sql {
 
 // `reads`: a recordset is wanted, which may name a table that `exists` knows. Errors: 3065 and 3219 for
-// statements of the other sort, and those of Parse.
+// statements of the other kind, and those of Parse.
 Statement ReadSource(const Sql& sql, bool reads, const std::function<bool(std::string_view)>& exists);
 
 // Parses a saved query; error 3219 for a writing statement.

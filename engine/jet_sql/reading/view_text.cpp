@@ -218,21 +218,18 @@ void ReplaceByIn(std::string& result, bool any) {
 // The catalog's own dialect: masks and functions stay as they are.
 class CatalogDialect final : public SqliteDialect {
  public:
-  CatalogDialect() : SqliteDialect(true, Words()) {}
+  CatalogDialect() : SqliteDialect(true, kOwnWords) {}
   PrintedSql Like(const PrintedSql& operand, const Expression& /*pattern*/, const PrintedSql& printed,
                   bool negated) const override {
     return operand + (negated ? " Not Like " : " Like ") + printed;
   }
 
  private:
-  static const DialectWords& Words() {
-    static const DialectWords words = [] {
-      DialectWords own = kWords;
-      own.functions = nullptr;
-      return own;
-    }();
+  static constexpr DialectWords kOwnWords = [] {
+    DialectWords words = kWords;
+    words.functions = nullptr;
     return words;
-  }
+  }();
 };
 
 }  // namespace

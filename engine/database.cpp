@@ -1,12 +1,13 @@
+#include "engine/database.h"
+
 #include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
 #include "base/error.h"
+#include "base/text.h"
 #include "engine/dao/dao_backend.h"
-#include "engine/dao/not_installed.h"
-#include "engine/database.h"
 #include "engine/error_numbers.h"
 #include "engine/failures.h"
 #include "engine/jet_file/jet_file_backend.h"
@@ -44,14 +45,37 @@ FileKind ReadFileKind(const std::string& name) {
   Raise(error_number::kUnrecognizedFormat, "Unrecognized database format " + quoted + ".");
 }
 
+Workspace::DesktopFiles ChosenDesktopFiles() {
+  const char* chosen = std::getenv("KXRESTORE_DESKTOP_FILES");
+  const std::string_view text = chosen == nullptr ? "" : chosen;
+  if (text == "engine") return Workspace::DesktopFiles::kEngine;
+  if (text == "reader") return Workspace::DesktopFiles::kReader;
+  return Workspace::DesktopFiles::kEngineIfInstalled;
+}
+
 }  // namespace
+
+Field Recordset::Fields(std::string_view name) {
+  const std::size_t count = FieldCount();
+  for (std::size_t i = 0; i < count; ++i) {
+    if (EqualIgnoringCase(FieldName(i), name)) return Field(*this, i);
+  }
+  RaiseItemNotFound(name);
+}
+
+std::string_view Field::TextView() const {
+  const ValueView value = Value();
+  if (const auto* text = std::get_if<std::string_view>(&value)) return *text;
+  if (engine::IsNull(value)) return {};
+  Raise(kxrestore::error_number::kTypeMismatch, "Type mismatch");
+}
 
 Workspace::Workspace(Backends backends, DesktopFiles desktopFiles)
     : m_backends(std::move(backends)), m_desktopFiles(desktopFiles) {}
 
 Workspace::~Workspace() = default;
 
-// Every back end gets its turn.
+// A failure does not keep the operation from the other back ends.
 template <typename Operation>
 void Workspace::ForEachBackend(Operation operation) {
   Failures failures;
@@ -130,18 +154,6 @@ void Workspace::EndAction() {
   m_known.clear();
   ForEachBackend([](Backend& backend) { backend.EndAction(); });
 }
-
-namespace {
-
-Workspace::DesktopFiles ChosenDesktopFiles() {
-  const char* chosen = std::getenv("KXRESTORE_DESKTOP_FILES");
-  const std::string_view text = chosen == nullptr ? "" : chosen;
-  if (text == "engine") return Workspace::DesktopFiles::kEngine;
-  if (text == "reader") return Workspace::DesktopFiles::kReader;
-  return Workspace::DesktopFiles::kEngineIfInstalled;
-}
-
-}  // namespace
 
 std::unique_ptr<Workspace> MakeDefaultWorkspace() {
   Workspace::Backends backends;

@@ -1,4 +1,8 @@
-#include "engine/jet_sql/meaning/value_kinds.h"
+#include "engine/jet_sql/ast.h"
+
+#include <algorithm>
+
+#include "engine/jet_sql/reading/lexer.h"
 
 namespace kxrestore::engine::jet_sql {
 namespace {
@@ -27,18 +31,29 @@ ValueKind KindOfChain(Operator sign) {
 
 }  // namespace
 
-bool IsLiteral(const Expression& expression) {
-  switch (expression.kind) {
-    case ExpressionKind::kNull:
-    case ExpressionKind::kBoolean:
-    case ExpressionKind::kNumber:
-    case ExpressionKind::kText:
-    case ExpressionKind::kDate:
-    case ExpressionKind::kParameter:
-      return true;
-    default:
-      return false;
-  }
+Expression::Expression() = default;
+Expression::~Expression() = default;
+
+ExpressionPtr MakeColumn(std::string qualifier, std::string name) {
+  auto column = std::make_unique<Expression>();
+  column->kind = ExpressionKind::kColumn;
+  column->qualifier = std::move(qualifier);
+  column->text = std::move(name);
+  return column;
+}
+
+bool IsAggregate(const Expression& expression) {
+  return expression.args.size() == 1 && FactsOf(expression.function).isAggregate;
+}
+
+bool HoldsAggregate(const Expression& expression) {
+  return IsAggregate(expression) ||
+         std::any_of(expression.args.begin(), expression.args.end(),
+                     [](const ExpressionPtr& part) { return HoldsAggregate(*part); });
+}
+
+const Expression& GroupedExpression(const Expression& key) {
+  return key.kind == ExpressionKind::kCollate && IsKeyword(key.text, "NOCASE") ? *key.args.front() : key;
 }
 
 ValueKind KindOf(const Expression& expression) {
