@@ -121,7 +121,7 @@ void Session::ExecuteWrite(OdbcStatement& statement, const std::vector<Value>& v
       return;
     }
     const Failure failure = FailureOf(outcome.Diagnostics());
-    SpendLockWait(start, failure);
+    if (failure == Failure::kConflict || failure == Failure::kLock) SpendLockWait(start, failure);
     if (!MayRetry(failure, tried)) RaiseFailure(outcome, statement.Sql().Text());
     // Two connections waited for each other's rows. The statements of this group are repeated and committed
     // one by one, so that no row stays locked while waiting for another.
