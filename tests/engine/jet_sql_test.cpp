@@ -150,8 +150,8 @@ TEST(JetSql, DepthIsBounded) {
   EXPECT_EQ(ForSqlite(ForSqlite(nested)), ForSqlite(nested));
   // A dialect that repeats an operand doubles the text with every level.
   ExpectError(error_number::kSyntax, "too complex", [&] {
-    ForSqlServer("SELECT ID FROM Catalog WHERE " + repeat("((", 60) + "Restore" +
-                 repeat(" = True) = Restore)", 60));
+    ForSqlServer("SELECT ID FROM Catalog WHERE " + repeat("((", 20) + "Restore" +
+                 repeat(" = True) = Restore)", 20));
   });
 }
 
