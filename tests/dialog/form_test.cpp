@@ -294,5 +294,14 @@ TEST_F(FormTest, HelpFollowsTheKeyboardAsItDoesThePointer) {
   EXPECT_EQ(ui().lblHelp.Tag(), "tvwSets");
 }
 
+TEST_F(FormTest, NodesOfTheSetTreeHaveTheirKeys) {
+  MakeCatalog({});
+  EXPECT_EQ(ui().tvwSets.Item("Sets").Text(), "Online Backups");
+  EXPECT_EQ(ui().tvwSets.Item("Sets\\Set 1").Text(), "Set 1");
+  EXPECT_TRUE(ui().tvwSets.Find("3/1/2026 8:00:00 AM")) << "a permanent run's key is the bare date";
+  EXPECT_EQ(ui().tvwSets.SelectedItem(), ui().tvwSets.Item(1));
+  for (int index = 1; index <= 7; ++index) EXPECT_EQ(ui().tvwSets.Item(index).Image(), 0);
+}
+
 }  // namespace
 }  // namespace kxrestore::dialog_test
