@@ -20,7 +20,7 @@ AutoSelect::~AutoSelect() {
 
 void AutoSelect::Clear() {
   m_current = 0;
-  m_store = std::make_unique<Store>();
+  m_store = std::make_unique<Store>(m_store->pendingTick);
   m_rows->Cleared();
   if (List() != nullptr) List()->Cleared();
 }
@@ -84,6 +84,11 @@ void AutoSelect::SetTicked(std::size_t number, bool ticked) {
 void AutoSelect::TickAll(bool ticked) {
   m_store->TickAll(ticked);
   if (List() != nullptr && m_store->Count() != 0) List()->TicksChanged(1, m_store->Count());
+}
+
+void AutoSelect::SetPendingTick(bool ticked) {
+  m_store->pendingTick = ticked;
+  m_store->CountPending();
 }
 
 bool AutoSelect::PendingAt(std::size_t number) const {

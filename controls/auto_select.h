@@ -75,6 +75,8 @@ class AutoSelect : public Control {
 
   // A tick is pending while it differs from the mark in the catalog. Add is given the mark as its tick;
   // Settle says what the mark is now. Groups are never pending.
+  // Restricts that to entries with this tick: where only set ticks, or only removed ones, can be applied.
+  void SetPendingTick(bool ticked);
   bool PendingAt(std::size_t number) const;
   std::size_t PendingCount() const;
   void Settle(std::size_t number, bool ticked);

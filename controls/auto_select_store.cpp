@@ -50,7 +50,7 @@ void AutoSelect::Store::Add(const Entry& entry, bool ticked) {
     if (isNew) sets.push_back({entry.setId, pool.Text(record.setName)});
     ++sets[place->second].entries;
     all.sets = sets.size();
-    if (ticked) ++pending;  // until it is ticked below
+    if (IsPending(Count())) ++pending;
   }
   if (ticked) Tick(Count(), true);
 }
@@ -73,12 +73,7 @@ AutoSelect::Entry AutoSelect::Store::At(std::size_t number) const {
 
 std::size_t AutoSelect::Store::Tick(std::size_t number, bool ticked) {
   if (ticks[number - 1] == ticked) return 0;
-  ticks.Set(number - 1, ticked);
-  if (IsPending(number)) {
-    ++pending;
-  } else if (!IsGroup(number)) {
-    --pending;
-  }
+  ChangePending(number, [&] { ticks.Set(number - 1, ticked); });
   if (groups.empty()) return 0;
   const auto found = groups.find(records[number - 1].setId);
   if (found == groups.end() || IsGroup(number)) return 0;
@@ -93,15 +88,16 @@ std::size_t AutoSelect::Store::Tick(std::size_t number, bool ticked) {
 void AutoSelect::Store::TickAll(bool ticked) {
   ticks.Assign(ticks.Size(), ticked);
   for (auto& [number, group] : groups) group.ticked = ticked ? group.members : 0;
+  CountPending();
+}
+
+void AutoSelect::Store::CountPending() {
   pending = 0;
   for (std::size_t number = 1; number <= Count(); ++number) pending += IsPending(number) ? 1 : 0;
 }
 
 void AutoSelect::Store::Settle(std::size_t number, bool ticked) {
-  const bool before = IsPending(number);
-  settled.Set(number - 1, ticked);
-  if (before == IsPending(number)) return;
-  pending = before ? pending - 1 : pending + 1;
+  ChangePending(number, [&] { settled.Set(number - 1, ticked); });
 }
 
 void AutoSelect::Store::Select(std::size_t number, bool select) {

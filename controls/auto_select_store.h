@@ -2,7 +2,9 @@
 #pragma once
 
 #include <algorithm>
+#include <concepts>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -40,6 +42,8 @@ struct AutoSelect::Store {
     }
   };
 
+  explicit Store(std::optional<bool> pendingTickOfList = std::nullopt) : pendingTick(pendingTickOfList) {}
+
   std::size_t Count() const { return records.Size(); }
   void Add(const Entry& entry, bool ticked);
   Entry At(std::size_t number) const;
@@ -53,9 +57,19 @@ struct AutoSelect::Store {
   void TickAll(bool ticked);
 
   bool IsPending(std::size_t number) const {
-    return !IsGroup(number) && ticks[number - 1] != settled[number - 1];
+    const bool ticked = ticks[number - 1];
+    return !IsGroup(number) && ticked != settled[number - 1] && (!pendingTick || *pendingTick == ticked);
+  }
+  // Runs `change` on an entry and keeps the number of pending ones.
+  template <std::invocable Change>
+  void ChangePending(std::size_t number, Change&& change) {
+    const bool before = IsPending(number);
+    change();
+    const bool after = IsPending(number);
+    pending = pending + (after ? 1 : 0) - (before ? 1 : 0);
   }
   void Settle(std::size_t number, bool ticked);
+  void CountPending();
 
   void Select(std::size_t number, bool selected);
   void SelectNone();
@@ -70,6 +84,7 @@ struct AutoSelect::Store {
   Bits settled;  // the ticks that the catalog has
   Bits selected;
   std::size_t pending = 0;
+  std::optional<bool> pendingTick;  // nothing: either tick can be pending
   Sum all, ofSelected;
   std::vector<Set> sets;
   std::unordered_map<std::int64_t, Group> groups;  // of file types, by their number

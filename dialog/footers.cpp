@@ -14,6 +14,10 @@ Footers::Footers(FormContext& context) : m_context(context) {
   for (AutoSelect* const list : {&ui.asRestoreList, &ui.asSearch}) {
     list->DescribeFooter = [this, list] { return OfFiles(*list); };
   }
+  // Update removes marks, Apply only sets them.
+  ui.asRestoreList.SetPendingTick(false);
+  ui.asSearch.SetPendingTick(true);
+  ui.asFiles.SetPendingTick(true);
   ui.asFiles.DescribeFooter = [this] { return OfTypes(m_context.ui.asFiles); };
   ui.tvwDetails.DescribeFooter = [this] { return OfTree(); };
   m_context.AnythingPending = [this] { return AnythingPending(); };

@@ -37,6 +37,10 @@ void EarlierMarks(FormContext& context, std::int64_t marked) {
   context.ui.asRestoreList.SetEmptyText(Say(phrase, {context.platform.regional.Grouped(marked)}));
 }
 
+void UnlistedMarks(FormControls& ui) {
+  ui.asRestoreList.SetEmptyText(Say(Phrase::kHintUnlistedMarks));
+}
+
 void NothingMarked(FormControls& ui) {
   ui.asRestoreList.SetEmptyText(Say(Phrase::kHintNothingMarked));
 }

@@ -19,8 +19,10 @@ void AfterLoad(FormControls& ui, Loaded loaded);
 void BeforeSearch(FormControls& ui);
 void NothingFound(FormControls& ui, const std::string& mask, bool inThisSet);
 
-// The restore list: `marked` files are marked but not listed yet, or none is.
+// The restore list: `marked` files are marked from an earlier session, some are marked since it was last
+// filled, or none is marked.
 void EarlierMarks(FormContext& context, std::int64_t marked);
+void UnlistedMarks(FormControls& ui);
 void NothingMarked(FormControls& ui);
 
 }  // namespace kxrestore::dialog::hints

@@ -1,6 +1,7 @@
 #include "dialog/marking_walk.h"
 
 #include "base/phrases.h"
+#include "dialog/hints.h"
 #include "engine/error_numbers.h"
 #include "platform/desktop.h"
 #include "platform/regional.h"
@@ -58,7 +59,9 @@ void MarkingWalk::Marked(std::size_t item, catalog::MarkResult result) {
   if (result == MarkResult::kDone) {
     m_waiting.push_back(item);
     ++m_made;
-    m_context.unlistedMarks = true;
+    if (!std::exchange(m_context.unlistedMarks, true)) {
+      m_context.Skipping([this] { hints::UnlistedMarks(m_context.ui); });
+    }
   } else if (!std::exchange(m_interrupted, false)) {
     CannotMark(item);
   }

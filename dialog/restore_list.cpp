@@ -55,6 +55,7 @@ RestoreList::Listing RestoreList::List() {
   m_context.Commit("ListCurrentSelections");
   m_context.ListingMarks();
   m_incomplete = true;
+  m_context.Skipping([this] { hints::UnlistedMarks(m_context.ui); });
   const auto keptUnticked = std::exchange(m_keptUnticked, {});
   m_context.Reporting("ListCurrentSelections", [&] {
     controls::AutoSelect& list = m_context.ui.asRestoreList;

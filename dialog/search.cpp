@@ -27,6 +27,7 @@ Search::Search(FormContext& context, SetTree& setTree, RestoreList& restoreList)
   };
   ui.tbsOptions.GoIn = [&ui] {
     if (ui.tbsOptions.SelectedIndex() == 2) ui.cboMask.SetFocus();
+    if (ui.tbsOptions.SelectedIndex() == 3) ui.asFiles.SetFocus();
   };
   auto& buttons = ui.cmdSearch;
   for (int index = 0; index < static_cast<int>(buttons.size()); ++index) {
