@@ -1,8 +1,8 @@
 // Selections of the command line beyond the dialog's, its output and its exit codes.
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
-#include "tests/catalog/catalog_file.h"
 #include "tests/command_line/command_line_fixture.h"
 
 namespace kxrestore::command_line_test {
@@ -11,14 +11,6 @@ namespace {
 using catalog_test::CatalogFile;
 using catalog_test::Live;
 using Ids = std::set<std::int64_t>;
-
-sample::FileRow Version(std::int64_t id, std::string run, std::string path,
-                        std::string date = "2026-01-01 00:00:00") {
-  sample::FileRow row = Live(id, std::move(path));
-  row.extension = std::move(run);
-  row.dateStamp = std::move(date);
-  return row;
-}
 
 class CommandLineTest : public testing::Test {
  protected:
@@ -34,16 +26,7 @@ class CommandLineTest : public testing::Test {
     EXPECT_EQ(m_catalog.Marked(), marked) << testing::PrintToString(words);
   }
 
-  CatalogFile m_catalog{
-      {Version(1, "001", "C:\\Data\\a.txt", "2026-01-05 10:00:00"),
-       Version(2, "002", "C:\\DATA\\A.txt", "2026-01-20 10:00:00"),
-       Version(3, "003", "C:\\Data\\a.txt", "2026-02-20 10:00:00"), Version(4, "001", "C:\\Database.txt"),
-       Version(5, "003", "C:\\Data\\sub\\b [1].txt"), Version(6, "003", "D:\\\xC3\x84\xC3\xB6.txt"),
-       Version(7, "009", "C:\\Data\\late.txt", "2026-01-10 00:00:00")},
-      {{1, "2026-01-10 08:00:00", "001", false, 6},
-       {1, "2026-02-10 08:00:00", "002", true, 6},
-       {1, "2026-03-10 08:00:00", "003", false, 6},
-       {1, "2026-01-01 08:00:00", "x01", false, 6}}};
+  CatalogFile m_catalog{Files(), kRuns};
   CommandLine m_commandLine;
 };
 
@@ -93,12 +76,8 @@ TEST_F(CommandLineTest, RowsAreTablesOrJson) {
 
   // Quotes, a line end, a byte that is no character and half a surrogate pair.
   m_catalog.Execute(
-      "UPDATE Catalog SET OrigName = CAST(X'22"
-      "5C"
-      "0A"
-      "FF"
-      "EDA081"
-      "' AS TEXT), OrigSize = NULL, Restore = 1 WHERE ID = 6");
+      "UPDATE Catalog SET OrigName = CAST(X'225C0AFFEDA081' AS TEXT), OrigSize = NULL, Restore = 1 WHERE ID "
+      "= 6");
   EXPECT_EQ(Run({"find", "\"", "--json"}).out,
             "{\"id\":6,\"size\":null,\"date\":\"2026-01-01 00:00:00\",\"setId\":1,\"set\":\"Set "
             "1\",\"run\":\"003\","
@@ -167,31 +146,32 @@ TEST_F(CommandLineTest, WhatIsMarkedWhenItIsStoppedStays) {
 }
 
 TEST_F(CommandLineTest, WhatMakesNoSenseDoesNothing) {
-  const Words cases[] = {{},
-                         {"nonsense"},
-                         {"mark"},
-                         {"unmark"},
-                         {"mark", "a", "b"},
-                         {"find", "--colour"},
-                         {"find", "--set"},
-                         {"find", "--set=Set 4"},
-                         {"find", "--run=001"},
-                         {"find", "--set=1", "--run=004"},
-                         {"find", "--set=1", "--run=x01"},
-                         {"find", "--set=1", "--run=001", "--up-to=002"},
-                         {"find", "a", "--type=txt"},
-                         {"find", "--as-of=yesterday"},
-                         {"find", "--dry-run"},
-                         {"find", "--names=/nowhere/at all"},
-                         {"runs"},
-                         {"sets", "1"},
-                         {"list", "--newest"},
-                         {"versions", "a", "--newest"},
-                         {"sets", "--server=s"}};
-  for (const Words& words : cases) {
+  for (const char* line : {"",
+                           "nonsense",
+                           "mark",
+                           "unmark",
+                           "mark a b",
+                           "find --colour",
+                           "find --set",
+                           "find --set=Nothing",
+                           "find --run=001",
+                           "find --set=1 --run=004",
+                           "find --set=1 --run=x01",
+                           "find --set=1 --run=001 --up-to=002",
+                           "find a --type=txt",
+                           "find --as-of=yesterday",
+                           "find --dry-run",
+                           "find --names=/nowhere/at",
+                           "runs",
+                           "sets 1",
+                           "list --newest",
+                           "versions a --newest",
+                           "sets --server=s"}) {
+    std::istringstream split(line);
+    const Words words{std::istream_iterator<std::string>(split), {}};
     const Outcome outcome = Run(words);
-    EXPECT_EQ(outcome.code, ExitCode::kUsage) << testing::PrintToString(words);
-    EXPECT_TRUE(outcome.err.starts_with("kxrestore: ")) << testing::PrintToString(words);
+    EXPECT_EQ(outcome.code, ExitCode::kUsage) << line;
+    EXPECT_TRUE(outcome.err.starts_with("kxrestore: ")) << line;
     EXPECT_EQ(outcome.out, "");
   }
   EXPECT_EQ(m_commandLine.Run({"sets"}).code, ExitCode::kUsage);

@@ -1,45 +1,26 @@
 // The command line on a catalog that a database server keeps: it prints and marks what it does on a file with
 // the same rows.
-#include <algorithm>
-
-#include "tests/catalog/catalog_file.h"
 #include "tests/catalog/server_catalog.h"
 #include "tests/command_line/command_line_fixture.h"
 
 namespace kxrestore::command_line_test {
 namespace {
 
-using catalog_test::CatalogFile;
-using catalog_test::Live;
 using catalog_test::ServerCatalog;
-
-sample::FileRow Version(std::int64_t id, const char* run, const char* path, const char* date) {
-  sample::FileRow row = Live(id, path);
-  row.extension = run;
-  row.dateStamp = date;
-  if (id == 4) row.longPathId = 1;
-  return row;
-}
-
-const std::vector<sample::FileRow>& Files() {
-  static const std::vector<sample::FileRow> files = {
-      Version(1, "001", "C:\\Data\\a.txt", "2026-01-10 08:00:00"),
-      Version(2, "002", "C:\\DATA\\A.txt", "2026-02-10 08:00:00"),
-      Version(3, "002", "C:\\Data\\it's [1].doc", "2026-02-10 08:00:00"),
-      Version(4, "002", "C:\\Data\\LONGNA~1.TXT", "2026-02-10 08:00:00"),
-      Version(5, "002", "D:\\Ärger\\100%_漢.txt", "2026-02-10 08:00:00")};
-  return files;
-}
-const std::vector<sample::RunRow> kRuns = {{1, "2026-01-10 08:00:00", "001", false, 6},
-                                           {1, "2026-02-10 08:00:00", "002", true, 6},
-                                           {2, "2026-03-10 08:00:00", "003", false, 3}};
-const std::vector<sample::LongPathRow> kLongPaths = {{1, "C:\\Data\\long name of a text.txt"}};
 
 TEST(CommandLineOnAServer, PrintsAndMarksAsOnAFile) {
   if (!ServerCatalog::HasServer()) GTEST_SKIP() << "no server";
-  CatalogFile file(Files(), kRuns, kLongPaths);
+  std::vector<sample::FileRow> files = Files();
+  files.push_back(Version(8, "002", "C:\\Data\\it's [1].doc"));
+  files.push_back(Version(9, "002", "D:\\\u00C4rger\\100%_\u6F22.txt"));
+  files.push_back(Version(10, "002", "C:\\Data\\LONGNA~1.TXT"));
+  files.back().longPathId = 1;
+  const std::vector<sample::LongPathRow> longPaths = {{1, "C:\\Data\\long name of a text.txt"}};
+  std::vector<sample::RunRow> runs = kRuns;
+  runs.push_back({2, "2026-03-10 08:00:00", "003", false, 3});
+  catalog_test::CatalogFile file(files, runs, longPaths);
   ServerCatalog server(
-      [](sample::CatalogSink& sink) { catalog_test::AddRows(sink, Files(), kRuns, kLongPaths); });
+      [&](sample::CatalogSink& sink) { catalog_test::AddRows(sink, files, runs, longPaths); });
   CommandLine commandLine;
   commandLine.environment["KXRESTORE_PASSWORD"] = ServerCatalog::Password();
   commandLine.input = "c:\\data\\A.TXT\nD:\\ärger\\100%_漢.TXT\n";
