@@ -30,7 +30,7 @@ class CatalogCopy : public ::testing::Test {
 };
 
 TEST_F(CatalogCopy, IntoAFile) {
-  for (const auto& [name, twin] : engine::testing::SoundSamples()) {
+  for (const auto& [name, twin] : engine::testing::kSoundSamples) {
     const std::string target = m_folder.File(std::string(name) + ".db");
     const auto copied = Copy(DesktopSample(name), target);
     ASSERT_EQ(copied.size(), 4u);
@@ -59,7 +59,7 @@ TEST_F(CatalogCopy, LeavesNothingBehindWhenItFails) {
   ExpectError(engine::error_number::kTableNotFound, "",
               [&] { Copy(DesktopSample("sample-1997.mdb"), target); });
   EXPECT_FALSE(std::filesystem::exists(target));
-  engine::testing::WriteBytes(target, {'x'});
+  engine::testing::WriteBytes(target, "x");
   ExpectError(engine::error_number::kObjectExists, "already exists",
               [&] { Copy(DesktopSample("telling-2003.mdb"), target); });
   EXPECT_EQ(engine::testing::ReadBytes(target).size(), 1u);
