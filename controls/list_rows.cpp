@@ -7,6 +7,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "base/text.h"
+
 namespace kxrestore::controls {
 
 namespace {
@@ -47,6 +49,19 @@ std::size_t ListRows::Entry(std::size_t row) const {
   if (row >= Count()) return 0;
   if (m_filtered) return m_shown[row];
   return row < m_order.size() ? m_order[row] : row + 1;
+}
+
+std::optional<std::size_t> ListRows::FindName(std::string_view beginning, std::size_t start) const {
+  const std::string wanted = FoldCase(beginning);
+  std::string folded;  // folding may change the length
+  for (std::size_t step = 0; step < Count(); ++step) {
+    const std::size_t row = (start + step) % Count();
+    const std::string_view name = TextOf(m_list, m_list.At(Entry(row)), ListColumn::kName);
+    folded.clear();
+    AppendFolded(folded, name.substr(0, wanted.size() * 4));
+    if (folded.starts_with(wanted)) return row;
+  }
+  return std::nullopt;
 }
 
 std::size_t ListRows::MemoryUsed() const {

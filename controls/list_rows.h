@@ -5,6 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 #include "controls/auto_select_store.h"
@@ -19,6 +21,8 @@ class ListRows {
   // Entry number of a row (from 0), 0 where there is none. Entries added since the last sort follow the
   // sorted rows in the order of adding.
   std::size_t Entry(std::size_t row) const;
+  // The next row, from `start` on and then from the top, whose name begins with a text, ignoring case.
+  std::optional<std::size_t> FindName(std::string_view beginning, std::size_t start) const;
   bool Shows(std::size_t number) const { return !Filtered() || m_passing[number - 1]; }
 
   bool Sorted() const { return m_sorted; }

@@ -47,6 +47,7 @@ void FooterStrip::Place(int left, int top, int width, int height) {
 }
 
 void FooterStrip::OnDpiChanged() {
+  if (m_handle == nullptr) return;
   ShowTip();
   InvalidateRect(m_handle, nullptr, TRUE);
 }

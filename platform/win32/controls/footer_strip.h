@@ -18,7 +18,7 @@ class FooterStrip {
   int Height() const;  // pixels
   void Show(const controls::FooterText& text);
   void Place(int left, int top, int width, int height);
-  void OnDpiChanged();
+  void OnDpiChanged();  // does nothing before Create
   // Handles WM_DRAWITEM of the parent. False when it is for another window.
   bool Draw(const DRAWITEMSTRUCT& draw) const;
 

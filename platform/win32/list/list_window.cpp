@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "base/phrases.h"
-#include "base/text.h"
 #include "controls/list_rows.h"
 #include "platform/win32/controls/clipboard.h"
 #include "platform/win32/controls/empty_text.h"
@@ -185,13 +184,8 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     if (Send(LVM_GETSELECTEDCOUNT) != 0) {
       menu.Add(Say(Phrase::kMenuCopy), [this] { CopySelected(); }).keys = Say(Phrase::kKeyCopy);
     }
-    controls::Menu::Item& filter = menu.Add(Say(Phrase::kMenuFilter), [this] {
-      if (m_list.FilterShown()) {
-        CloseFilter();
-      } else {
-        ShowFilter();
-      }
-    });
+    controls::Menu::Item& filter =
+        menu.Add(Say(Phrase::kMenuFilter), [this] { m_list.FilterShown() ? CloseFilter() : ShowFilter(); });
     filter.keys = Say(Phrase::kKeyFilter);
     filter.checked = m_list.FilterShown();
   }
@@ -200,7 +194,7 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     WindowPeer::OnDpiChanged();
     m_painter.OnDpiChanged();
     m_filter.OnDpiChanged();
-    if (m_footer.Handle() != nullptr) m_footer.OnDpiChanged();
+    m_footer.OnDpiChanged();
     ArrangeLater();
     m_columns.Fit(Handle());
   }
@@ -377,18 +371,9 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
     if ((wanted.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) == 0 || wanted.lvfi.psz == nullptr) {
       return -1;
     }
-    const std::string typed = FoldCase(Narrow(wanted.lvfi.psz));
-    const std::size_t count = m_list.Rows().Count();
     const std::size_t start = wanted.iStart < 0 ? 0 : static_cast<std::size_t>(wanted.iStart);
-    std::string folded;  // folding may change the length
-    for (std::size_t step = 0; step < count; ++step) {
-      const std::size_t row = (start + step) % count;
-      folded.clear();
-      const std::string_view name = m_list.At(m_list.Rows().Entry(row)).name;
-      AppendFolded(folded, (Types() ? name : controls::SplitPath(name).name).substr(0, typed.size() * 4));
-      if (folded.starts_with(typed)) return static_cast<LRESULT>(row);
-    }
-    return -1;
+    const auto row = m_list.Rows().FindName(Narrow(wanted.lvfi.psz), start);
+    return row ? static_cast<LRESULT>(*row) : -1;
   }
 
   void Sort(int column) {

@@ -3,10 +3,9 @@
 #include "controls/check_propagation.h"
 #include "platform/win32/controls/empty_text.h"
 #include "platform/win32/controls/footer_strip.h"
-#include "platform/win32/services/icons.h"
-#include "platform/win32/tree/tree_badge.h"
 #include "platform/win32/tree/tree_check_boxes.h"
 #include "platform/win32/tree/tree_items.h"
+#include "platform/win32/tree/tree_painter.h"
 #include "platform/win32/tree/tree_questions.h"
 #include "platform/win32/tree/tree_tips.h"
 
@@ -21,7 +20,6 @@ constexpr UINT_PTR kWorkTimer = 0x4B58;
 constexpr UINT kPause = 10;  // milliseconds between slices of work, for input and painting
 constexpr auto kSlice = std::chrono::milliseconds(20);
 constexpr std::size_t kMaxAnnounced = 64;
-constexpr int kImagePixels = 16;
 
 // What the user did, posted to be reported. The first parameter is the node, the second the tree's generation
 // and, in its lowest bit, the new state of expansion.
@@ -36,6 +34,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
         m_items(tree, m_native, m_checkBoxes.ItemState()),
         m_questions(tree, m_native, m_items),
         m_tips(context, tree, m_native, m_items),
+        m_painter(context, tree, m_native, m_checkBoxes),
         m_footer(context) {
     m_questions.Toggled = [this](std::uint32_t node) { Report(kToggled, node); };
     m_questions.Expanded = [this](std::uint32_t node, bool expanded) { Report(kExpansion, node, expanded); };
@@ -49,7 +48,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     }
     Create(parent, WC_TREEVIEWW, {}, style, WS_EX_CLIENTEDGE);
     m_native.Attach(Handle());
-    MakeImages();
+    m_painter.MakeImages();
     m_selectionChanged = static_cast<bool>(tree.SelectedItem());
     Later(kWorkFlag);
   }
@@ -73,10 +72,8 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   }
 
   void NodeRemoved(std::uint32_t node) override {
-    Context().Guarded([&] {
-      m_items.NodeRemoved(node);
-      Later(kWorkFlag | kRepaintFlag);
-    });
+    Context().Guarded([&] { m_items.NodeRemoved(node); });
+    Later(kWorkFlag | kRepaintFlag);
   }
 
   void NodeChanged(std::uint32_t node, NodeProperty property) override {
@@ -87,11 +84,10 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
       return;
     }
     if (m_items.ItemOf(node) == nullptr) return;
-    if (property == NodeProperty::kImage || property == NodeProperty::kChecked ||
-        property == NodeProperty::kMixed) {
+    const bool isState = property == NodeProperty::kChecked || property == NodeProperty::kMixed;
+    if (isState || property == NodeProperty::kImage) {
       Context().Guarded([&] {
-        if (property != NodeProperty::kImage && m_announced.size() < kMaxAnnounced)
-          m_announced.push_back(node);
+        if (isState && m_announced.size() < kMaxAnnounced) m_announced.push_back(node);
       });
       Later(kRepaintFlag);
       return;
@@ -115,9 +111,11 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
 
   std::optional<LRESULT> OnNotify(NMHDR& header) override {
     switch (header.code) {
-      case TVN_GETDISPINFOW:
-        Describe(reinterpret_cast<NMTVDISPINFOW&>(header).item);
+      case TVN_GETDISPINFOW: {
+        TVITEMW& item = reinterpret_cast<NMTVDISPINFOW&>(header).item;
+        m_painter.Describe(item, m_items.NodeOf(item.hItem));
         return 0;
+      }
       case NM_CUSTOMDRAW:
         return OnCustomDraw(reinterpret_cast<NMTVCUSTOMDRAW&>(header));
       case TVN_ITEMEXPANDINGW:
@@ -170,19 +168,10 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
         m_checkBoxes.ThemeChanged();
         return std::nullopt;
       case WM_PAINT:
-        if (!m_native.Paused()) return Paint(wide, extra);
-        if (m_items.Emptying()) {
-          PaintBlank(Handle());  // don't leave stale items on screen while they are deleted
-        } else {
-          ValidateRect(Handle(), nullptr);
-        }
-        return 0;
+        return Paint(wide, extra);
       case WM_SETREDRAW:
-        if (wide == 0) {
-          if (!m_frozen) m_frozen.emplace(m_native);
-        } else {
-          m_frozen.reset();
-        }
+        if (wide != 0) m_frozen.reset();
+        if (wide == 0 && !m_frozen) m_frozen.emplace(m_native);
         return 0;
       case WM_DESTROY:
         LetGo();
@@ -221,9 +210,9 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
 
   void OnDpiChanged() override {
     WindowPeer::OnDpiChanged();
-    if (m_footer.Handle() != nullptr) m_footer.OnDpiChanged();
+    m_footer.OnDpiChanged();
     ArrangeLater();
-    MakeImages();
+    m_painter.MakeImages();
   }
 
  protected:
@@ -245,10 +234,8 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
     m_footer.Place(0, height - footer, width, footer);
   }
   std::optional<LRESULT> OnAroundMessage(UINT message, WPARAM /*wide*/, LPARAM extra) override {
-    if (message != WM_DRAWITEM || !m_footer.Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(extra))) {
-      return std::nullopt;
-    }
-    return TRUE;
+    if (message == WM_DRAWITEM && m_footer.Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(extra))) return TRUE;
+    return std::nullopt;
   }
 
   void SetRedraw(bool redraw) override {
@@ -260,9 +247,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   static constexpr unsigned kWorkFlag = kFirstOwnFlag, kRepaintFlag = kFirstOwnFlag << 1,
                             kFooterFlag = kFirstOwnFlag << 2;
 
-  void FooterLater() {
-    if (m_footer.Handle() != nullptr) Later(kFooterFlag, WindowContext::When::kThrottled);
-  }
+  void FooterLater() { Later(kFooterFlag, WindowContext::When::kThrottled); }
 
   Node At(std::uint32_t node) const { return {&m_tree, node}; }
 
@@ -270,24 +255,6 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   void LetGo() {
     m_native.Send(TVM_SETIMAGELIST, TVSIL_STATE, 0);
     m_native.Detach();
-  }
-
-  void MakeImages() {
-    const int pixels = m_imagePixels = MulDiv(kImagePixels, Context().Dpi(), USER_DEFAULT_SCREEN_DPI);
-    m_checkBoxes.MakeImages(pixels);
-    if (m_tree.Images() == nullptr) return;
-    ImageListHandle images = MakeImageList(Context().Module(), *m_tree.Images(), pixels);
-    m_native.Send(TVM_SETIMAGELIST, TVSIL_NORMAL, reinterpret_cast<LPARAM>(images.get()));
-    m_images = std::move(images);
-  }
-
-  void Describe(TVITEMW& item) const {
-    const std::uint32_t node = m_items.NodeOf(item.hItem);
-    if ((item.mask & TVIF_TEXT) != 0 && item.cchTextMax > 0) item.pszText[0] = L'\0';
-    if ((item.mask & TVIF_CHILDREN) != 0) item.cChildren = node != 0 && At(node).HasChildren() ? 1 : 0;
-    const int image = node != 0 && At(node).Image() > 0 ? At(node).Image() - 1 : I_IMAGENONE;
-    if ((item.mask & TVIF_IMAGE) != 0) item.iImage = image;
-    if ((item.mask & TVIF_SELECTEDIMAGE) != 0) item.iSelectedImage = image;
   }
 
   LRESULT OnCustomDraw(const NMTVCUSTOMDRAW& draw) {
@@ -300,13 +267,9 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
         if (item == nullptr || m_items.ItemOf(node) != item) return CDRF_DODEFAULT;
         m_items.Painted(node);
         if (m_items.HasWork(!Frozen())) Later(kWorkFlag);
-        return m_tree.CheckBoxes() || m_tree.Badge ? CDRF_NOTIFYPOSTPAINT : CDRF_DODEFAULT;
+        return m_painter.DrawsOverItems() ? CDRF_NOTIFYPOSTPAINT : CDRF_DODEFAULT;
       case CDDS_ITEMPOSTPAINT:
-        if (m_items.ItemOf(node) != item) return CDRF_DODEFAULT;
-        m_checkBoxes.Draw(draw.nmcd, CheckBoxes::ImageOf(At(node)));
-        if (RECT text{}; m_tree.Badge && m_tree.Badge(At(node)) && m_native.TextBounds(item, text)) {
-          DrawBadge(draw.nmcd.hdc, text, m_imagePixels);
-        }
+        if (m_items.ItemOf(node) == item) m_painter.DrawOver(draw.nmcd, item, node);
         return CDRF_DODEFAULT;
       default:
         return CDRF_DODEFAULT;
@@ -390,6 +353,12 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   }
 
   LRESULT Paint(WPARAM wide, LPARAM extra) {
+    if (m_native.Paused()) {
+      if (m_items.Emptying())
+        PaintBlank(Handle());  // don't leave stale items on screen while they are deleted
+      ValidateRect(Handle(), nullptr);
+      return 0;
+    }
     const LRESULT result = m_native.Send(WM_PAINT, wide, extra);
     DrawEmptyText(Handle(), Context().Font(), EmptyHint());
     return result;
@@ -459,9 +428,8 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
   TreeItems m_items;
   TreeQuestions m_questions;
   TreeTips m_tips;
+  TreePainter m_painter;
   FooterStrip m_footer;
-  ImageListHandle m_images;
-  int m_imagePixels = kImagePixels;
   std::optional<NativeTree::Pause> m_frozen;
   std::vector<std::uint32_t> m_announced;
   LPARAM m_generation = 0;
