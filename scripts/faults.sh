@@ -39,6 +39,7 @@ export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_st
 declare -A kRuns=([jet_sql_fuzzer]=100000 [jet_file_fuzzer]=10000)
 declare -A kLongest=([jet_sql_fuzzer]=600 [jet_file_fuzzer]=200)
 declare -A kSeeds=([jet_sql_fuzzer]=$kxRoot/tests/engine/fuzz_corpus [jet_file_fuzzer]="")
+kDriverSeconds=240 # of a round
 declare -A kCases=([jet_sql_fuzzer]="statements fuzzed" [jet_file_fuzzer]="files of the desktop engine fuzzed")
 trap test_server_stop EXIT
 test_server_start
@@ -56,15 +57,14 @@ while [[ $round -eq 0 || $SECONDS -lt $end ]]; do
       warn "$(basename "$program"), round $round: something did not hold (whole output in $log)"
     fi
   done
-  if [[ $round -eq 1 ]]; then # every call of the driver, so once is all
-    log=$work/server_tests.log
-    KX_FAULTS=all "$kxBuild/sanitize/tests/server_tests" --gtest_brief=1 >"$log" 2>&1 || {
-      status=1
-      warn "server_tests: something did not hold (whole output in $log)"
-    }
-    sed -n 's/^\(.*[^ ]\)  *[0-9]* calls, *\([0-9]*\) faults tried, all held$/a call of the driver: \1\t\2\t\2/p' "$log" \
-      >>"$KX_FAULTS_TABLE"
+  log=$work/server_tests.$round.log
+  if ! KX_FAULTS_SEED=$round KX_FAULTS_SECONDS=$kDriverSeconds "$kxBuild/sanitize/tests/server_tests" --gtest_brief=1 \
+    --gtest_filter='DriverSweep.Screen*' >"$log" 2>&1; then
+    status=1
+    warn "server_tests, round $round: something did not hold (whole output in $log)"
   fi
+  sed -n 's/^\(.*[^ ]\)  *[0-9]* calls, *\([0-9]*\) faults tried, all held$/a call of the driver: \1\t\2\t\2/p' "$log" \
+    >>"$KX_FAULTS_TABLE"
   for fuzzer in ${fuzzers[@]+"${fuzzers[@]}"}; do
     log=$work/$fuzzer.$round.log held=${kRuns[$fuzzer]}
     mkdir -p "$work/$fuzzer"

@@ -1,7 +1,7 @@
 // Everything that the dialog does with a server catalog while single calls of the driver fail, lose the
 // connection or take long.
 //
-// A sample of the calls is tried; with KX_FAULTS=all in the environment each one is.
+// Calls are chosen at random for KX_FAULTS_SECONDS (25), starting from KX_FAULTS_SEED (1).
 #include <sql.h>
 #include <sqlext.h>
 #include <sqlucode.h>
@@ -13,6 +13,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <random>
 #include <set>
 #include <sstream>
 #include <string>
@@ -233,6 +234,12 @@ std::unique_ptr<engine::Workspace> ServerWorkspace() {
   return std::make_unique<engine::Workspace>(std::move(backends));
 }
 
+// A number in the environment.
+unsigned Setting(const char* name, unsigned otherwise) {
+  const char* const text = std::getenv(name);
+  return text == nullptr ? otherwise : static_cast<unsigned>(std::atoi(text));
+}
+
 class DriverSweep : public DialogTest {
  protected:
   void SetUp() override {
@@ -295,32 +302,21 @@ class DriverSweep : public DialogTest {
 };
 
 TEST_F(DriverSweep, ScreenAndCatalogAgreeWhateverTheDriverDoes) {
-  const char* faults = std::getenv("KX_FAULTS");
-  const bool all = faults != nullptr && std::string_view(faults) == "all";
-  constexpr std::size_t kSample = 7;  // places of one kind of fault in one action
-  constexpr std::chrono::seconds kTime(25);
   constexpr DriverFault kKinds[] = {DriverFault::kFail, DriverFault::kDrop, DriverFault::kDropAfter};
+  std::mt19937 random(Setting("KX_FAULTS_SEED", 1));
   std::size_t calls[kSteps]{}, held[kSteps]{};
-  const auto until = Clock::now() + kTime;
-  // One round takes one place of each action. A slow machine has time for few rounds.
-  for (std::size_t round = 0; all || Clock::now() < until; ++round) {
-    bool tried = false;
+  const auto until = Clock::now() + std::chrono::seconds(Setting("KX_FAULTS_SECONDS", 25));
+  // A round hits one call of each step: first the last one, which commits, then any.
+  for (std::size_t round = 0; round == 0 || Clock::now() < until; ++round) {
     for (std::size_t number = 0; number < kSteps; ++number) {
       const auto step = static_cast<Step>(number);
       if (round == 0) calls[number] = Try(step, DriverFault::kNone, 0);
-      const std::size_t stride = all ? 1 : std::max<std::size_t>(calls[number] / kSample, 1);
-      for (std::size_t kind = all ? 0 : (round + number) % 3; kind < (all ? 3 : (round + number) % 3 + 1);
-           ++kind) {
-        // Each kind of fault samples different calls, starting from the last ones, which commit.
-        const std::size_t back = round * stride + (all ? 0 : kind * stride / 3);
-        if (back >= calls[number]) continue;
-        Try(step, kKinds[kind], calls[number] - back);
-        if (HasFailure()) return;
-        ++held[number];
-        tried = true;
-      }
+      if (calls[number] == 0) continue;
+      const std::size_t at = round == 0 ? calls[number] : 1 + random() % calls[number];
+      Try(step, kKinds[random() % std::size(kKinds)], at);
+      if (HasFailure()) return;
+      ++held[number];
     }
-    if (!tried) break;
   }
   for (std::size_t number = 0; number < kSteps; ++number) {
     std::printf("%-20s %5zu calls, %5zu faults tried, all held\n", kStepNames[number], calls[number],

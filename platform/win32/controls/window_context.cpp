@@ -185,13 +185,14 @@ void WindowContext::SetToolTip(HWND window, const std::string& text) {
 }
 
 void WindowContext::RemoveTexts(HWND window) {
-  const auto remove = [](HWND one, LPARAM context) -> BOOL {
-    reinterpret_cast<WindowContext*>(context)->SetToolTip(one, {});
-    RemoveName(one);
-    return TRUE;
-  };
-  remove(window, reinterpret_cast<LPARAM>(this));
-  EnumChildWindows(window, remove, reinterpret_cast<LPARAM>(this));
+  RemoveTextsOf(window, reinterpret_cast<LPARAM>(this));
+  EnumChildWindows(window, RemoveTextsOf, reinterpret_cast<LPARAM>(this));
+}
+
+BOOL CALLBACK WindowContext::RemoveTextsOf(HWND window, LPARAM context) {
+  reinterpret_cast<WindowContext*>(context)->SetToolTip(window, {});
+  RemoveName(window);
+  return TRUE;
 }
 
 }  // namespace kxrestore::win32

@@ -112,6 +112,7 @@ class WindowContext {
 
  private:
   void FlushList(When when);
+  static BOOL CALLBACK RemoveTextsOf(HWND window, LPARAM context);
 
   HINSTANCE m_module;
   HANDLE m_activationContext = INVALID_HANDLE_VALUE;
