@@ -179,23 +179,22 @@ void StreamedRecordset::Update() {
 void StreamedRecordset::Write(std::size_t table) {
   const CachedPlan& plan = StatementPlan();
   const PlanTable& changed = plan.tables[table];
-  std::vector<std::size_t> columns;
-  std::vector<Value> values;
+  m_updatedColumns.clear();
+  m_updateValues.clear();
   for (const auto& [column, value] : m_pending) {
     if (plan.columns[column].table != table) continue;
-    if (columns.empty()) values.reserve(m_pending.size() + changed.keys.size());
-    columns.push_back(column);
-    values.push_back(value);
+    m_updatedColumns.push_back(column);
+    m_updateValues.push_back(value);
   }
-  if (columns.empty()) return;
+  if (m_updatedColumns.empty()) return;
   for (const std::size_t key : changed.keyColumns) {
     const ValueView value = RowValue(m_columns + key);
     if (IsNull(value)) {
       Raise(number::kReadOnly, "Cannot update: the row has no record in '" + changed.name + "'.");
     }
-    values.push_back(OwnedOf(value));
+    m_updateValues.push_back(OwnedOf(value));
   }
-  if (UpdateRow(columns, std::move(values)) == 0) {
+  if (UpdateRow(m_updatedColumns, m_updateValues) == 0) {
     Raise(number::kRecordDeleted, "Record is deleted: '" + changed.name + "'.");
   }
 }

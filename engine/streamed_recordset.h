@@ -46,8 +46,9 @@ class StreamedRecordset : public Recordset {
 
   virtual const std::string& Place() const = 0;  // the file or the server
   virtual const CachedPlan& StatementPlan() const = 0;
-  // Executes the update of these columns, see RowUpdateText; returns the number of rows changed.
-  virtual std::int64_t UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value> values) = 0;
+  // Executes the update of these columns, see RowUpdateText; returns the number of rows changed. May convert
+  // the values in place.
+  virtual std::int64_t UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value>& values) = 0;
 
  private:
   enum class State { kOnRow, kAtEnd, kClosed };
@@ -71,6 +72,9 @@ class StreamedRecordset : public Recordset {
   std::vector<ValueView> m_row;        // of a stored row
   Changes m_pending;                   // set since Edit
   Changes m_written;                   // in the current row
+  // Arguments of UpdateRow; members, so that a mark allocates nothing for them.
+  std::vector<std::size_t> m_updatedColumns;
+  std::vector<Value> m_updateValues;
 };
 
 // A session's recordsets that still stream rows. They buffer the rest before anything that could change or

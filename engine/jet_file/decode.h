@@ -11,7 +11,6 @@ namespace kxrestore::engine::jet_file {
 // A column of a row. Texts and bytes are stored in `text`, which the value views; dates are texts "YYYY-MM-DD
 // HH:MM:SS", as in catalog files. Currency and numeric values are integers if they have no fraction, else
 // floating point. Error 3049 for bytes of a wrong size, 3259 for a type that only the desktop engine reads.
-// the desktop engine reads.
 ValueView DecodeColumn(const Table& table, const FoundRow& found, const Column& column, std::string& text);
 
 // Whether this back end reads values of this type.

@@ -8,6 +8,7 @@
 #ifdef _WIN32
 #include <windows.h>
 #endif
+#define SQL_NOUNICODEMAP  // functions are named as they are, with W where they take wide characters
 #include <sql.h>
 #include <sqlext.h>
 #include <sqlucode.h>

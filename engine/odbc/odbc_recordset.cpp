@@ -54,7 +54,7 @@ void OdbcRecordset::ReleaseStatement() {
   Session::Release(*m_plan, std::move(m_statement));
 }
 
-std::int64_t OdbcRecordset::UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value> values) {
+std::int64_t OdbcRecordset::UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value>& values) {
   for (std::size_t i = 0; i < columns.size(); ++i) {
     values[i] = ForColumn(values[i], m_plan->columns[columns[i]].kind);
   }

@@ -26,7 +26,7 @@ class OdbcRecordset final : public StreamedRecordset {
   std::string_view ColumnName(std::size_t index) const override { return m_names[index]; }
   const std::string& Place() const override { return m_session->Place(); }
   const CachedPlan& StatementPlan() const override { return *m_plan; }
-  std::int64_t UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value> values) override;
+  std::int64_t UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value>& values) override;
 
   void Open(const Sql& sql, const ColumnNames& read);
   // False when the tables have changed since the plan was made; `failed` then holds the driver's error, if

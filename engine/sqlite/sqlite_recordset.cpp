@@ -62,7 +62,7 @@ ValueView SqliteRecordset::Streamed(std::size_t index) const {
   return kind == ValueKind::kUnknown ? value : OfKind(kind, value);
 }
 
-std::int64_t SqliteRecordset::UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value> values) {
+std::int64_t SqliteRecordset::UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value>& values) {
   RowUpdate& update = FindRowUpdate(m_session->Link(), *m_plan, columns);
   update.statement.Bind(values);
   const PlanTable& table = m_plan->tables[m_plan->columns[columns.front()].table];

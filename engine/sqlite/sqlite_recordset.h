@@ -25,7 +25,7 @@ class SqliteRecordset final : public StreamedRecordset {
   std::string_view ColumnName(std::size_t index) const override { return m_plan->columns[index].name; }
   const std::string& Place() const override { return m_session->Place(); }
   const CachedPlan& StatementPlan() const override { return *m_plan; }
-  std::int64_t UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value> values) override;
+  std::int64_t UpdateRow(const std::vector<std::size_t>& columns, std::vector<Value>& values) override;
 
   Outcome Open(const Sql& sql, const ColumnNames& read);
 
