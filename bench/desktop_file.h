@@ -26,7 +26,7 @@ class DesktopFile : public sample::TableWriter {
   struct Style {
     Texts texts = Texts::kCompressed;
     Memos memos = Memos::kInRow;
-    int moveEvery = 0;  // each so-manieth row lies on another page, behind a pointer
+    int moveEvery = 0;  // every n-th row is on another page, reached by a pointer
   };
 
   // Copies the sample, one of a format from 2000 on, to `path`.

@@ -19,7 +19,7 @@ std::string_view GetExtension(std::string_view name);
 // What precedes the first NUL.
 std::string_view StripNulls(std::string_view text);
 
-// The text with every apostrophe doubled, as it goes between apostrophes into SQL.
+// The text with every apostrophe doubled, for an SQL literal.
 std::string FixQuotes(std::string_view text);
 void AppendWithFixedQuotes(std::string& sql, std::string_view text);
 

@@ -35,7 +35,7 @@ struct AutoSelect::Store {
     }
 
    private:
-    // Of names that share their end, what stands before the shorter one.
+    // If the names share their end, the number of characters before the shorter one.
     std::uint32_t Skipped(std::uint32_t length) const {
       const bool shared = (flags & kSharedNames) != 0;
       return shared ? std::max(nameLength, storedLength) - length : 0;

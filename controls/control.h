@@ -125,7 +125,7 @@ class Control {
   std::unique_ptr<Peer> m_peer;
 };
 
-// Freezes the painting of one control, its children included, for as long as it lives.
+// Freezes the painting of a control and its children during its own lifetime.
 class RedrawFreeze {
  public:
   explicit RedrawFreeze(Control& control);

@@ -1,6 +1,6 @@
-// Which entries of a list are visible, and in which order: as added or sorted by a column, groups of file
-// types always first, without those that the filter hides. Sorting costs four bytes per entry, a filter four
-// bytes per row and one bit per entry; without them rows are entries.
+// The visible entries of a list and their order: as added, or sorted by a column. Entries that are file types
+// always come first; entries that the filter rejects have no row. Sorting costs four bytes per entry, a filter
+// four bytes per row and one bit per entry; without either, rows are entries.
 #pragma once
 
 #include <cstddef>

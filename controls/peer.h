@@ -48,7 +48,7 @@ enum class NodeProperty { kText, kImage, kChecked, kExpanded, kBold, kSelected, 
 class TreePeer : public Peer {
  public:
   virtual void NodeAdded(std::uint32_t node) = 0;
-  virtual void NodeRemoved(std::uint32_t node) = 0;  // told for the top of a removed branch, before it goes
+  virtual void NodeRemoved(std::uint32_t node) = 0;  // before it is removed; of a branch only its top
   virtual void NodeChanged(std::uint32_t node, NodeProperty property) = 0;
   virtual void Cleared() = 0;
   // What TreeView::Badge says may have changed, of any node.

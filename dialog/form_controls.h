@@ -71,7 +71,7 @@ struct FormControls {
   controls::CheckBox chkShowZero{"chkShowZero", &panel[0], "Show Empty Backups"};
   Label lblTreeCount{"lblTreeCount", &panel[0], ""};
 
-  // Advanced Search, panel(1), and Auto-Select, panel(2). frLookin(i) stands on panel(i) and holds the
+  // Advanced Search, panel(1), and Auto-Select, panel(2). frLookin(i) is on panel(i) and holds the
   // options 0 and 1 on the search panel, 2 and 3 on the auto-select panel, 4 and 5 on the backup sets panel.
   Label lblMask{"lblMask", &panel[1], " Find By Mask"};
   controls::ComboBox cboMask{"cboMask", &panel[1]};

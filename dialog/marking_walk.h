@@ -26,7 +26,7 @@ class MarkingWalk {
   enum class End { kDone, kStopped };
 
   // `routine`: the name under which the walk itself reports. `work`: kMarking or kUnmarking. `total`: the
-  // number of items that it walks over, 0 where nobody knows it. There is one marking walk at a time.
+  // number of items that it walks over, 0 if unknown. There is one marking walk at a time.
   MarkingWalk(FormContext& context, const char* routine, Work work, std::size_t total = 0);
   ~MarkingWalk();
   MarkingWalk(const MarkingWalk&) = delete;

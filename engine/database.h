@@ -221,7 +221,8 @@ class Workspace {
 };
 
 // The workspace with every back end that this build has. The environment variable KXRESTORE_DESKTOP_FILES
-// says who opens files of the desktop engine: "engine", "reader", or anything else for whichever is there.
+// chooses what opens files of the desktop engine: "engine", "reader", or, with any other value, whichever is
+// available.
 std::unique_ptr<Workspace> MakeDefaultWorkspace();
 
 }  // namespace kxrestore::engine

@@ -72,7 +72,7 @@ class StreamedRecordset : public Recordset {
   std::vector<ValueView> m_row;        // of a stored row
   Changes m_pending;                   // set since Edit
   Changes m_written;                   // in the current row
-  // Arguments of UpdateRow; members, so that a mark allocates nothing for them.
+  // Arguments of UpdateRow, kept for the next row.
   std::vector<std::size_t> m_updatedColumns;
   std::vector<Value> m_updateValues;
 };

@@ -13,7 +13,7 @@ struct ServerFacts {
   std::string dbms;                    // SQL_DBMS_NAME
   bool foldsToLower = false;           // unquoted names
   bool onlyOneActive = false;          // one statement at a time may have rows to fetch
-  bool fetchesAllAtOnce = false;       // the driver fetches a whole result unless told otherwise
+  bool fetchesAllAtOnce = false;       // the driver fetches a whole result unless set otherwise
   bool textsAsBytes = false;           // texts can be fetched in UTF-8, without conversion from UTF-16
   bool serverKeepsTime = false;        // the server enforces time limits of statements
   bool preparesByName = false;         // with the server's PREPARE, see StatementData

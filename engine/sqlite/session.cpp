@@ -113,7 +113,7 @@ void Session::CreateView(std::string_view name, const std::string& createText) {
 
 void Session::DropView(std::string_view name) {
   Settle();
-  // Within a transaction, so that nobody else changes the view before it is created again.
+  // Within a transaction, so that no other connection changes the view before it is created again.
   if (m_grouping && !InTransaction()) m_connection.Check(Begin(), Doing::kWriting);
   SchemaEntry entry = m_connection.FindEntry(name);
   if (entry.type != "view") RaiseItemNotFound(name);
@@ -203,7 +203,7 @@ void Session::RollBack() noexcept {
   m_dropped.reset();
   m_groupHolds = false;
   if (InTransaction()) {
-    [[maybe_unused]] const int code = sqlite3_step(m_rollback.Get());  // InTransaction tells the result
+    [[maybe_unused]] const int code = sqlite3_step(m_rollback.Get());  // see InTransaction
     m_rollback.Reset();
   }
   m_mustUndo = InTransaction();
@@ -239,8 +239,8 @@ void Session::RaiseLostGroup() {
   if (m_groupLost) std::rethrow_exception(std::exchange(m_groupLost, nullptr));
 }
 
-// Returns whether it is committed. Without `waiting`, a commit that others block is tried again later, while
-// marking goes on; the group is lost only if they do not release the file in time.
+// Returns whether it is committed. Without `waiting`, a commit that other connections block is tried again
+// later, while marking continues; the group is lost only if they do not release the file in time.
 bool Session::CommitGroup(bool waiting) {
   const Outcome outcome = TryCommit(waiting);
   if (outcome.IsOk()) return true;

@@ -1,4 +1,4 @@
-// Drops result columns that nobody reads.
+// Drops result columns that the caller does not read.
 #pragma once
 
 #include <string_view>

@@ -125,8 +125,8 @@ class ControlWindow {
 
   // Whether the window's text is the control's contents, so that it cannot carry the accessible name.
   virtual bool TextIsContent() const { return false; }
-  // What the window shows in place of contents that it lacks. Screen readers hear it behind the accessible
-  // name; SayName tells them when it may have changed.
+  // What the window shows while it has no contents. Screen readers announce it after the accessible name;
+  // SayName tells them when it may have changed.
   virtual std::string EmptyHint() const { return {}; }
   void SayName();
   // The control's rectangle in pixels of the parent. Combo boxes override it: their window includes the list.

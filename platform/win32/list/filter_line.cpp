@@ -147,7 +147,7 @@ int FilterLine::FieldWidth(const Field& field) const {
   return LabelWidth(field) + m_context.ToPixels(field.width + kGap);
 }
 
-// Distributes the fields over rows. The button stands at the end of the first one.
+// Distributes the fields over rows. The button is at the end of the first one.
 std::vector<FilterLine::Row> FilterLine::Rows(int width) const {
   std::vector<Row> rows{{{}, width - m_context.ToPixels(kButtonSize + kGap)}};
   for (std::size_t i = 0; i + 1 < m_fields.size(); ++i) {
@@ -179,7 +179,7 @@ int FilterLine::Place(bool show, int width, int maxRows) {
       field.shown = visible;
       const int start = left + LabelWidth(field);
       left += FieldWidth(field) + (i == kWords ? rows[row].room : 0);
-      // A label stands on the line of the field's text.
+      // A label is level with the field's text.
       put(field.label, {start - LabelWidth(field), top + m_context.ToPixels(kGap / 2), start, top + height},
           visible);
       const bool combo = i == kSizes || i == kSets;

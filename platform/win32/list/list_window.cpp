@@ -163,7 +163,7 @@ class ListWindow final : public WindowPeer<controls::ListPeer> {
            (m_filter.IsOpen(GetFocus()) || (key != VK_ESCAPE && key != VK_TAB && key != VK_F5));
   }
 
-  // Opened by the keyboard, the menu stands beside the focused row.
+  // Opened by the keyboard, the menu appears beside the focused row.
   std::optional<MenuRequest> MenuAt(std::optional<POINT> pointer) override {
     const LRESULT focused = FocusedRow();
     MenuRequest request;

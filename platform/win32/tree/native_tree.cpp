@@ -77,7 +77,7 @@ TVHITTESTINFO NativeTree::HitTest(POINT point) const {
 }
 
 bool NativeTree::TextBounds(HTREEITEM item, RECT& bounds) const {
-  std::memcpy(&bounds, &item, sizeof item);  // that is how the message wants it
+  std::memcpy(&bounds, &item, sizeof item);  // the message reads the item from the rectangle
   return Send(TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&bounds)) != 0;
 }
 

@@ -251,7 +251,7 @@ class TreeWindow final : public WindowPeer<controls::TreePeer> {
 
   Node At(std::uint32_t node) const { return {&m_tree, node}; }
 
-  // The window goes. Some systems destroy a state image list together with it.
+  // Before the window is destroyed. Some systems destroy a state image list together with it.
   void LetGo() {
     m_native.Send(TVM_SETIMAGELIST, TVSIL_STATE, 0);
     m_native.Detach();
