@@ -1,7 +1,7 @@
-// The command line as a program of its own, its output thrown away, on one run of 1,000,000 files. A start of
-// the program is part of the bare side, too: it is asked for its version.
+// The command line as a separate process with its output discarded, on one run of 1,000,000 files. The bare
+// side includes a start of the process as well, with --version.
 //   print found files   a mask that some 100,000 match    | the same rows read
-//   count found files   the same mask                     | their number and bytes asked for
+//   count found files   the same mask                     | one statement that counts them
 //   print the types                                       | one plain grouped statement
 //   mark found files    the same mask                     | the dialog: found, ticked, applied
 #include <cstdlib>

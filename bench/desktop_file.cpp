@@ -112,8 +112,8 @@ std::string DesktopFile::EncodedText(std::string_view text) const {
   for (const char16_t unit : units) narrow = narrow && unit != 0 && unit < 0x100;
   std::string bytes;
   if (m_style.texts == Texts::kMixed && !units.empty()) {
-    // One byte for what has one, and pieces of plain text between zeros. A character whose low byte is zero
-    // cannot begin within such a piece, so it is not written at all by this maker.
+    // One byte for each character below U+0100, and runs of UTF-16 between zeros. A character whose low byte
+    // is zero cannot be in such a run, so this class does not support it.
     bytes = "\xFF\xFE";
     bool compressed = true;
     for (std::size_t i = 0; i < units.size(); ++i) {
@@ -153,7 +153,7 @@ std::string DesktopFile::EncodedMemo(const std::string& text) {
       Append(memo, PutLongValue(bytes));
       break;
     case Memos::kChain: {
-      std::uint32_t next = 0;  // written from its end
+      std::uint32_t next = 0;  // the chain is written from its end
       for (std::size_t start = (bytes.size() - 1) / kPieceOfChain * kPieceOfChain;; start -= kPieceOfChain) {
         std::string piece;
         Append(piece, next);
@@ -168,7 +168,7 @@ std::string DesktopFile::EncodedMemo(const std::string& text) {
   return memo;
 }
 
-// Each on a page of its own, which is more than needed and more than one a chain.
+// Puts each on a page of its own, for simplicity.
 std::uint32_t DesktopFile::PutLongValue(const std::string& bytes) {
   const std::uint32_t page = NewPage();
   WriteDataPage(page, kLongValueOwner, {bytes}, {0});

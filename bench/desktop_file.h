@@ -1,6 +1,6 @@
-// Makes files of the desktop engine for tests and benchmarks: a sample, and in it the rows of one's own. The
-// rows are written onto new pages at the end of the file, and the maps of its tables then name those pages
-// only. Indexes stay as they were: they are of no use to anybody.
+// Makes files of the desktop engine for tests and benchmarks: copies a sample and replaces the rows of its
+// tables. New rows are written to new pages at the end of the file, and the maps of the tables then name only
+// those pages. Indexes are not updated; the reader does not use them.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@ namespace kxrestore::bench {
 class DesktopFile : public sample::TableWriter {
  public:
   enum class Texts { kCompressed, kPlain, kMixed };  // kCompressed where the characters allow it
-  enum class Memos { kInRow, kOnePage, kChain };     // where memos lie
+  enum class Memos { kInRow, kOnePage, kChain };     // where memos are stored
   struct Style {
     Texts texts = Texts::kCompressed;
     Memos memos = Memos::kInRow;
@@ -35,17 +35,17 @@ class DesktopFile : public sample::TableWriter {
   void SetStyle(const Style& style) { m_style = style; }
   // A row with a value for each column, in the order of the table's definition.
   void Add(const std::string& table, const std::vector<engine::Value>& row);
-  // The table loses the rows that the sample has in it. Adding a row does the same.
+  // Removes the sample's rows from the table, as the first Add to a table does.
   void Empty(const std::string& table) { OutputOf(table); }
   const engine::jet_file::TableDefinition& Definition(const std::string& table) const;
-  // Writes what is left. Other tables keep what the sample has.
+  // Writes the remaining pages. Tables that were not named keep the sample's rows.
   void Finish();
 
  private:
   struct Output {
     const engine::jet_file::TableDefinition* definition = nullptr;
     std::vector<std::uint32_t> pages;
-    std::vector<std::string> rows;     // of the page in the making
+    std::vector<std::string> rows;     // of the page being filled
     std::vector<std::uint16_t> flags;  // of their slots
     std::vector<std::string> moved;    // rows of the page of moved ones
     std::uint32_t movedPage = 0;

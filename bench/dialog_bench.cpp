@@ -156,7 +156,7 @@ class ListMarked : public Comparison {
   Dialog m_dialog;
 };
 
-// All files are listed.
+// With all files in the list.
 class Listed : public Timed {
  public:
   explicit Listed(std::int64_t rows) : m_path(BenchCatalog(rows)), m_dialog(m_path) {
@@ -198,7 +198,7 @@ class AllVersions : public Listed {
   }
 };
 
-// Of another file each time.
+// Shows the tip of a different file each time.
 class Tip : public Timed {
  public:
   explicit Tip(std::int64_t rows) : m_dialog(BenchCatalog(rows)) { m_dialog.ChooseRun(); }

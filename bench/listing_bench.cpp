@@ -78,7 +78,7 @@ class Find : public Comparison {
   std::int64_t m_hits = 0;
 };
 
-// Which rows the newest versions are looked for in.
+// The rows among which the newest versions are searched.
 struct LatestTerms {
   std::int32_t setId = 0;  // 0: all
   std::string mask;        // a piece of the name

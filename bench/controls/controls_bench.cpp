@@ -177,7 +177,7 @@ void TickList(benchmark::State& state) {
   for (auto _ : state) list.TickAll(ticked = !ticked);
 }
 
-// A word that nothing but one entry in ten thousand holds, typed at once, and the filter opened again.
+// Sets a filter that few entries pass.
 void FilterList(benchmark::State& state) {
   Form form("form");
   AutoSelect list("list", &form, AutoSelect::Style::kFiles);
@@ -216,7 +216,7 @@ void FindVersions(benchmark::State& state) {
   }
 }
 
-// What a footer asks for: nothing of it may depend on the number of entries.
+// The sums that a footer shows; their time must not depend on the number of entries.
 void Sums(benchmark::State& state) {
   Form form("form");
   AutoSelect list("list", &form, AutoSelect::Style::kFiles);
