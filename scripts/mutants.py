@@ -1,17 +1,18 @@
 #!/usr/bin/env python3
-"""Tries one-line changes against the native tests: mutants.py [--list FILE] [--without TESTS] [FILTER...]
+"""Tries one-line changes against the native tests.
 
 scripts/mutants/*.txt list the changes: repairs that a tidy programmer makes where the system is odd on purpose, and
 plausible mistakes. A copy of the sources is built once under build/mutants, without optimisation. For each change
 only the changed source is compiled, linked before the libraries of the programs that test its folder, and these run
 up to the first failure; as many changes at a time as there are processors. The last line says how many changes were
-noticed. With FILTERs only the changes whose file or name holds one of them are tried. TESTS is a filter of
-GoogleTest's: what is no longer noticed without these tests is what they alone notice. Exit status: 0 when all were
-noticed, 1 when some were not, 2 when the list or the unchanged sources are wrong.
+noticed. Exit status: 0 when all were noticed, 1 when some were not, 2 when the list or the unchanged sources are
+wrong.
 """
+import argparse
 import concurrent.futures
 import os
 import pathlib
+import random
 import shutil
 import subprocess
 import sys
@@ -195,19 +196,24 @@ def try_change(change, commands, folder, without):
     return None
 
 
+def read_arguments():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("filter", nargs="*", help="tries only changes whose file or name contains one of these")
+    parser.add_argument("--list", type=pathlib.Path, help="a list in place of scripts/mutants/*.txt")
+    parser.add_argument("--sample", type=int, help="tries this many of them, every time the same")
+    parser.add_argument("--without", default="", metavar="TESTS",
+                        help="a GoogleTest filter: runs without these tests, to find what they alone notice")
+    return parser.parse_args()
+
+
 def main():
-    arguments = sys.argv[1:]
-    if any(word in ("-h", "--help") for word in arguments):
-        print(__doc__)
-        return 0
-    paths = sorted(LISTS.glob("*.txt"))
-    if arguments[:1] == ["--list"]:
-        paths, arguments = [pathlib.Path(arguments[1])], arguments[2:]
-    without = ""
-    if arguments[:1] == ["--without"]:
-        without, arguments = arguments[1], arguments[2:]
+    arguments = read_arguments()
+    paths = [arguments.list] if arguments.list else sorted(LISTS.glob("*.txt"))
+    without = arguments.without
     changes = [change for path in paths for change in read_list(path)
-               if not arguments or any(word in str(change) for word in arguments)]
+               if not arguments.filter or any(word in str(change) for word in arguments.filter)]
+    if arguments.sample and arguments.sample < len(changes):
+        changes = random.Random(len(changes)).sample(changes, arguments.sample)
     if not changes:
         sys.exit("no such change")
     prepare(changes)
