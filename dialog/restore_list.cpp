@@ -81,6 +81,7 @@ RestoreList::Listing RestoreList::List() {
     UpdateCounts();
     rows->Close();
     database->Close();
+    SettleListed(m_context);
   });
   if (!m_incomplete) return Listing::kComplete;
   return m_context.Stopped() ? Listing::kStopped : Listing::kFailed;

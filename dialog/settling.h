@@ -1,4 +1,4 @@
-// Updates the pending ticks of lists and trees after a walk has marked or unmarked files in the catalog.
+// Updates the pending ticks of lists and trees after the marks in the catalog have changed.
 #pragma once
 
 #include <cstddef>
@@ -15,6 +15,10 @@ void SettleMarked(controls::TreeView& tree, const MarkingWalk& walk, std::size_t
 // The unticked entries of the restore list from 1 to `reached` are unmarked, except those that the walk could
 // not unmark. Ticks for the same files elsewhere become pending.
 void SettleUnmarked(FormContext& context, const MarkingWalk& walk, std::size_t reached);
+
+// Ticks for the files of the restore list, just filled from the catalog, are no longer pending anywhere,
+// whichever walk has marked them.
+void SettleListed(FormContext& context);
 
 // Nothing is marked any more.
 void SettleNothingMarked(FormControls& ui);
