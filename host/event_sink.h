@@ -12,7 +12,7 @@
 
 namespace kxrestore::host {
 
-class EventSink final : public IDispatch {
+class EventSink : public IDispatch {
  public:
   explicit EventSink(std::function<void()> commenceRestore) : m_commenceRestore(std::move(commenceRestore)) {}
 
@@ -44,9 +44,10 @@ class EventSink final : public IDispatch {
     return S_OK;
   }
 
- private:
-  ~EventSink() = default;
+ protected:
+  virtual ~EventSink() = default;  // by Release
 
+ private:
   std::function<void()> m_commenceRestore;
   LONG m_references = 0;
 };

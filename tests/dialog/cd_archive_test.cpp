@@ -1,5 +1,4 @@
-// The archive branch of the set tree and the panel that adds a disc. The databases are files named by the
-// drive paths.
+// The archive branch of the set tree, and the panel that adds a disc to the archive.
 #include <filesystem>
 
 #include "tests/dialog/script.h"
@@ -32,11 +31,11 @@ std::string Sql(const std::string& path, const std::string& sql) {
   return rows.empty() ? std::string() : rows.front();
 }
 
-// A folder stands for a disc. On systems without drive letters the two database paths are plain file names in
-// the test's folder.
+// A folder serves as the disc. On systems without drive letters the two database paths are plain file names
+// in the test's folder.
 class CdArchiveTest : public ScriptTest {
  protected:
-  CdArchiveTest() {
+  explicit CdArchiveTest(std::string script = {}) : ScriptTest(std::move(script)) {
     std::error_code ignored;
     std::filesystem::create_directories(m_folder / "disc");
     std::filesystem::current_path(m_folder);
@@ -65,7 +64,6 @@ class CdArchiveTest : public ScriptTest {
     ui().DriveCD.UserSelect("disc");
     ui().cmdCD.UserClick();
   }
-  void Open() { ChooseNode("Archive Sets"); }
   Strings Branch() {
     const controls::Node root = NodeFrom(ui().tvwSets.FirstRoot(), "Archive Sets");
     return root ? Outline(root.Child()) : Strings{"none"};
@@ -80,7 +78,7 @@ class CdArchiveTest : public ScriptTest {
 // The cases of scripts/cd_archive.txt.
 class ArchiveCase : public CdArchiveTest {
  public:
-  explicit ArchiveCase(std::string script) : m_script(std::move(script)) {
+  explicit ArchiveCase(std::string script) : CdArchiveTest(std::move(script)) {
     // Headers, "('A', '2025', '11', 'Office'), ...", or a statement.
     const auto statement = [](const std::string& sql) { return sql.starts_with('(') ? Insert(sql) : sql; };
     commands["archive"] = [=, this](const std::string& sql) {
@@ -119,16 +117,11 @@ class ArchiveCase : public CdArchiveTest {
       return buttons;
     };
   }
-  void TestBody() override { EXPECT_EQ(Played(m_script), m_script); }
-
- private:
-  std::string m_script;
 };
 
-const bool registered = RegisterCases(
-    "cd_archive", [](const std::string& script) -> ScriptTest* { return new ArchiveCase(script); });
+const bool registered = RegisterCases<ArchiveCase>("cd_archive");
 
-// Whatever interrupts the work, the archive and its branch stay unchanged, and the panel says so.
+// After any interruption the archive and its branch are unchanged, and the panel says so.
 TEST_F(CdArchiveTest, ADiscIsAddedAsAWholeOrNotAtAll) {
   constexpr int kHeaders = 3000;
   PutArchive(Insert("('A', '2025', '11', 'Office')"));
@@ -139,9 +132,9 @@ TEST_F(CdArchiveTest, ADiscIsAddedAsAWholeOrNotAtAll) {
   };
   struct Fault {
     const char* name;
-    std::size_t item;  // at which item of the walk it happens; 0: before the start
+    std::size_t item;  // the item of the walk at which it happens; 0: before the start
     std::function<void()> happen;
-    const char* error;  // how the box begins; none for a stop
+    const char* error;  // the beginning of the message; none for a stop by the user
     std::function<void()> mend = [] {};
   };
   const std::size_t writing = kHeaders + 1 + kHeaders / 2;

@@ -1,5 +1,5 @@
-// The whole dialog on files of the desktop engine, without that engine: the same trees, lists and marks as on
-// the SQLite catalogs with the same rows.
+// The whole dialog on files of the desktop engine, read without that engine. Trees, lists and marks equal
+// those of a SQLite catalog with the same rows.
 #include "tests/dialog/script.h"
 #include "tests/engine/desktop_samples.h"
 
@@ -21,7 +21,7 @@ class Desk : public ScriptTest {
       }
       return marked;
     };
-    // Sorted: the rows of a run come in no particular order.
+    // Sorted, because the rows of a run have no particular order.
     looks["paths"] = [](FormControls& shown) {
       Strings paths;
       for (std::uint32_t index = 1; index <= shown.tvwDetails.Count(); ++index) {
@@ -34,7 +34,6 @@ class Desk : public ScriptTest {
       return Text(paths);
     };
   }
-  void TestBody() override {}
 
   std::string Work() {
     return Played(R"(open; show sets
@@ -61,7 +60,7 @@ TEST_P(DesktopDialog, ShowsAndMarksWhatItsTwinDoes) {
   const std::string played = Desk(copy.Path()).Work();
   EXPECT_GT(played.size(), 10'000u);
   EXPECT_EQ(played, Desk(twin.Path()).Work());
-  EXPECT_TRUE(copy.Changed().empty()) << "Cancel takes every mark back";
+  EXPECT_TRUE(copy.Changed().empty()) << "Cancel removes every mark";
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, DesktopDialog, testing::Values("telling-2003.mdb", "telling-2019.accdb"));

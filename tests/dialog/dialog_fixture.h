@@ -32,7 +32,7 @@ enum SearchButton { kApplyFound, kClearFound, kFind, kSelectFound };
 enum AutoButton { kApplyTypes, kSelectTypes, kUnselectTypes };
 enum RestoreButton { kRestoreNow, kCancel, kRefresh, kUpdate, kClearList };
 
-// The lines as a raw string literal that starts with a line break.
+// The lines in the form of a raw string literal that starts with a line break.
 inline std::string Text(const Strings& lines) {
   std::string text = "\n";
   for (const std::string& line : lines) text.append(line).append("\n");
@@ -105,7 +105,7 @@ inline Strings Names(const AutoSelect& list) {  // sorted
   return names;
 }
 
-// A connection to a catalog file beside the engine, such as another program's that locks it.
+// A connection of another program to a catalog file, which can lock the file.
 class OtherProgram {
  public:
   explicit OtherProgram(const std::string& path) {
@@ -121,7 +121,7 @@ class OtherProgram {
   std::unique_ptr<sqlite3, int (*)(sqlite3*)> m_database{nullptr, sqlite3_close};
 };
 
-// What the panels share, without a form: for state that no control shows.
+// The context that the panels share, without a form. It gives access to state that no control shows.
 struct BareContext {
   BareContext(const platform::Platform& platformOfTest, engine::Workspace& workspace)
       : services(platformOfTest), context(parameters, controls, services, workspace) {}
@@ -146,16 +146,6 @@ class DialogTest : public testing::Test {
     form.parameters.DBName = catalog->Path();
   }
 
-  // Points the form at a catalog on the test server.
-  void UseServer(const std::string& database, const std::string& server, const std::string& user,
-                 const std::string& password) {
-    form.parameters.DBType = 1;
-    form.parameters.DBDatabase = database;
-    form.parameters.DBServer = server;
-    form.parameters.DBUser = user;
-    form.parameters.DBPass = password;
-  }
-
   void PutSetting(std::uint32_t root, const char* name, const std::string& text) {
     platform.registry.Put(root, "Software\\Brellick Labs, Inc.\\Tarvane\\Settings", name, text);
   }
@@ -170,9 +160,8 @@ class DialogTest : public testing::Test {
   }
   controls::Node Detail(std::string_view text) { return NodeOf(ui().tvwDetails, text); }
   Strings Listed() { return Names(ui().asRestoreList); }
-  std::string Selected() { return ui().lblCounts[0].Caption(); }
 
-  // What the user does.
+  // Actions of the user.
   void ChooseNode(std::string_view text) { ui().tvwSets.UserClickNode(NodeOf(ui().tvwSets, text)); }
   void ChooseRun(std::string_view tag = "1 003") { ChooseNode(tag); }  // the newest of set 1
   void Tick(std::string_view text, bool ticked = true) { ui().tvwDetails.UserCheck(Detail(text), ticked); }

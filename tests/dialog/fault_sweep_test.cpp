@@ -1,5 +1,5 @@
-// Every way of marking and of leaving while each single call of the engine fails in turn, and with Esc,
-// Cancel or the close box each time that pending messages run.
+// Repeats every step that marks files or leaves the dialog: once for each call of the engine, which fails,
+// and once for each run of pending messages, during which the user presses Esc, Cancel or the close box.
 #include <sstream>
 
 #include "engine/sqlite/sqlite_backend.h"
@@ -21,8 +21,8 @@ class FaultSweep : public DialogTest {
                       [](const auto& one) { return one.title == "Clear Selection?"; }));
   }
 
-  // One step on a dialog of its own, with a fault, or with a key while messages run for the `turn`th time.
-  // Whether the step came that far.
+  // Takes one step in a new dialog, with a fault, or with a key when messages run for the `turn`th time.
+  // Returns whether the fault or the key occurred.
   bool Try(Step step, const Injection& injection, Key key = Key::kNone, std::size_t turn = 0) {
     std::ostringstream name;
     name << kStepNames[static_cast<int>(step)] << ", fault " << static_cast<int>(injection.fault) << " at "

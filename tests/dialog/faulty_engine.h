@@ -1,6 +1,6 @@
-// An engine in which one chosen call fails, once or from then on: reaching the catalog, opening a recordset,
-// reading a row, marking or committing. The real back end does everything else. It commits after every second
-// mark, so that a short walk has several groups of marks.
+// A workspace over the real back end in which one chosen call fails, once or from then on: opening the
+// catalog, opening a recordset, reading a row, marking or committing. It commits after every second mark, so
+// that a short walk has several groups of marks.
 #pragma once
 
 #include <sqlite3.h>
@@ -24,7 +24,7 @@ struct Injection {
   bool forever = false;
   std::size_t seen = 0;  // calls of this kind so far
 
-  // Counts a call of this kind. Whether it is to fail.
+  // Counts a call of this kind. Returns whether it must fail.
   bool Hits(Fault here) {
     if (fault != here) return false;
     ++seen;

@@ -1,5 +1,5 @@
-// The form as a whole: its parameters, what loading does, catalogs that cannot be used, the host's events,
-// keys and what is remembered.
+// The form as a whole: its parameters, loading, unusable catalogs, the host's events, keys, and settings that
+// persist.
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -32,36 +32,27 @@ class FormTest : public DialogTest {
   engine::testing::TemporaryFolder m_folder;
 };
 
-TEST_F(FormTest, EachLoadStartsAsDesignedKeepsTheParametersAndIsLogged) {
+TEST_F(FormTest, EachLoadStartsAsDesignedWithTheParametersAndIsLogged) {
   MakeCatalog({Row(1, 1, "003", "C:\\a.doc")});
   Write("session.log", "before\r\n");
   form.parameters.LogFilename = Path("session.log");
   form.parameters.RestorePath = "D:\\Back";
-  form.setWindowCaption("");
-  form.setButtonCaption("");
-  form.setLabelCaption("");
-  EXPECT_EQ(ui().form.Caption() + ui().cmdRestore[kRestoreNow].Caption() + ui().lblList.Caption(), "");
-  EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To: D:\\Back");
-  EXPECT_EQ(ui().lblRestorePath.ToolTipText(), "Restore To: D:\\Back");
   ChooseRun();
   TickAll();
   Apply();
-  desktop.answers = {platform::Answer::kNo};
+  desktop.answers.assign(2, platform::Answer::kNo);
   ui().form.UserClose();
-  ExpectReports({"Clear Selection?: "});
 
   form.parameters.curAction = "verify";
   form.parameters.RestorePath = "";
-  EXPECT_EQ(ui().lblList.Caption(), "Files Selected to Restore: ");
   EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To: (Original Path)");
   EXPECT_EQ(ui().lblRestorePath.ToolTipText(), "");
   EXPECT_EQ(ui().asRestoreList.Count(), 0u);
   EXPECT_EQ(ui().tvwDetails.Count(), 0u);
   EXPECT_EQ(ui().tvwSets.Count(), 7u);
   Click(kRefresh);
-  desktop.answers = {platform::Answer::kNo};
   Click(kCancel);
-  ExpectReports({"Clear Selection?: You have selected files to verify, Cancel"});
+  ExpectReports({"Clear Selection?: ", "Clear Selection?: You have selected files to verify, Cancel"});
   EXPECT_EQ(ReadFile(Path("session.log")),
             "before\r\n11/16/2026 2:25:30 AM R 10.1.6 Loading restore Dialog ... \r\n"
             "11/16/2026 2:25:30 AM R 10.1.6 Loading verify Dialog ... \r\n");
@@ -79,18 +70,18 @@ TEST_F(FormTest, IconComesFromTheClientFolder) {
   MakeCatalog({});
   platform.drives.files = {"C:\\Client\\kxicon.ico"};
   form.parameters.RestorePath = " ";
-  EXPECT_EQ(ui().form.IconPath(), "") << "no folder is known";
-  EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To:  ") << "a blank is a path";
+  EXPECT_EQ(ui().form.IconPath(), "") << "the folder is not set";
+  EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To:  ") << "a blank is a valid path";
   ui().form.UserClose();
   platform.drives.files.clear();
   PutSetting(platform::kHkeyLocalMachine, "ClientDB", std::string("C:\\Client\0old", 13));
-  EXPECT_EQ(ui().form.IconPath(), "") << "no such file";
+  EXPECT_EQ(ui().form.IconPath(), "") << "the file does not exist";
   ui().form.UserClose();
   platform.drives.files = {"C:\\Client\\kxicon.ico"};
   EXPECT_EQ(ui().form.IconPath(), "C:\\Client\\kxicon.ico");
 }
 
-TEST_F(FormTest, CatalogsThatCannotBeUsedAreReportedAndLeftAlone) {
+TEST_F(FormTest, UnusableCatalogsAreReportedAndNotChanged) {
   MakeCatalog({Row(1, 1, "003", "C:\\a.doc")});
   const std::string whole = ReadFile(catalog->Path());
   Write("text.mdb",
@@ -121,14 +112,14 @@ TEST_F(FormTest, CatalogsThatCannotBeUsedAreReportedAndLeftAlone) {
     ui();
     ASSERT_EQ(desktop.messages.size(), 1u);
     EXPECT_EQ(desktop.messages[0].style, platform::MessageStyle::kWarning);
-    // The remaining steps of the load were taken, and the dialog can be used and closed.
+    // The load completes its remaining steps, and the dialog can be used and closed.
     EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To: (Original Path)");
     Click(kRefresh);
     ShowTab(3);
     ExpectReports(
         {"LoadBackupSetTree: (" + number + ") ", "ListCurrentSelections: (", "tbsOptions.Click: ("});
     FormControls& controls = ui();
-    Click(kCancel);  // tries once more to list what is marked
+    Click(kCancel);  // lists the marks first
     ExpectReports({"ListCurrentSelections: ("});
     EXPECT_FALSE(controls.form.IsOpen());
     EXPECT_EQ(ReadFile(path), before);
@@ -136,7 +127,7 @@ TEST_F(FormTest, CatalogsThatCannotBeUsedAreReportedAndLeftAlone) {
   EXPECT_FALSE(std::filesystem::exists(Path("missing.db")));
 }
 
-TEST_F(FormTest, ACatalogThatAnotherProgramHoldsCanBeUsedOnceItIsFree) {
+TEST_F(FormTest, ACatalogThatAnotherProgramLocksCanBeUsedOnceItIsUnlocked) {
   MakeCatalog({Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.doc")});
   ChooseRun();
   TickAll();
@@ -144,7 +135,7 @@ TEST_F(FormTest, ACatalogThatAnotherProgramHoldsCanBeUsedOnceItIsFree) {
   other.Execute("BEGIN EXCLUSIVE");
   desktop.doEventsCount = 0;
   Apply();
-  EXPECT_GT(desktop.doEventsCount, 20u) << "the window lives while it waits";
+  EXPECT_GT(desktop.doEventsCount, 20u) << "messages run while it waits";
   ExpectReports({"UpdateSelection: (3218) ", "AddToSetSelections: 2 file(s) could not be marked.",
                  "ListCurrentSelections: ("});
   desktop.onDoEvents = [&] {
@@ -154,16 +145,15 @@ TEST_F(FormTest, ACatalogThatAnotherProgramHoldsCanBeUsedOnceItIsFree) {
   };
   ShowTab(2);
   Find("doc");
-  EXPECT_EQ(ui().asSearch.Count(), 2u) << "free again while it waits";
+  EXPECT_EQ(ui().asSearch.Count(), 2u) << "unlocked while it waits";
   ShowTab(1);
   Apply();
   EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
 }
 
-TEST_F(FormTest, LostCommitIsReportedKeepsTheHostWaitingAndIsListed) {
-  // An engine whose commits fail.
-  const EngineHooks losing{.before = [](const std::string&) { throw Error(3026, "Disk full."); }};
-  const auto databases = MakeHookedWorkspace(losing, engine::sqlite::MakeSqliteBackend());
+TEST_F(FormTest, AFailedCommitIsReportedAndListedAndTheHostIsNotCalled) {
+  const EngineHooks failingCommits{.before = [](const std::string&) { throw Error(3026, "Disk full."); }};
+  const auto databases = MakeHookedWorkspace(failingCommits, engine::sqlite::MakeSqliteBackend());
   BareContext bare(platform.Get(), *databases);
   dialog::FormContext& context = bare.context;
   int listed = 0, raised = 0;
@@ -185,7 +175,7 @@ TEST_F(FormTest, LostCommitIsReportedKeepsTheHostWaitingAndIsListed) {
   ExpectReports({"B: (6) Overflow", "B: (3026) Disk full.", "A: (3026) Disk full.", "A: (3026) Disk full."});
 }
 
-TEST_F(FormTest, AStepOfTheLoadThatFailsLeavesOutTheLaterOnesWithoutAWord) {
+TEST_F(FormTest, AFailedStepOfTheLoadSkipsTheLaterOnesSilently) {
   form.parameters.RestorePath = "D:\\Back";
   platform.drives.drives = {{"E:\\", 5, "DISC"}};
   PutSetting(platform::kHkeyLocalMachine, "ClientDB", "C:\\Client");
@@ -193,7 +183,7 @@ TEST_F(FormTest, AStepOfTheLoadThatFailsLeavesOutTheLaterOnesWithoutAWord) {
     return operation == "ReadValue" ? throw std::runtime_error("no registry") : 0;
   };
   desktop.user = [&](controls::Form&) {
-    EXPECT_EQ(ui().splitH.Top(), 3396) << "what came before it stands";
+    EXPECT_EQ(ui().splitH.Top(), 3396) << "earlier steps took effect";
     EXPECT_EQ(ui().tvwSets.Count(), 0u);
     EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To:");
   };
@@ -210,7 +200,7 @@ TEST_F(FormTest, EachTabShowsItsControlsAgain) {
   for (const controls::Control* const control : shown) EXPECT_TRUE(control->Visible()) << control->Name();
 }
 
-TEST_F(FormTest, RestoreNowRaisesOnceWithTheMarksCommittedAndTheCatalogFree) {
+TEST_F(FormTest, RestoreNowCallsTheHostOnceWithTheMarksCommittedAndTheCatalogUnlocked) {
   MakeCatalog({Row(1, 1, "003", "C:\\a.doc"), Row(2, 1, "003", "C:\\b.doc")});
   FormControls& controls = ui();
   int raised = 0;
@@ -218,7 +208,7 @@ TEST_F(FormTest, RestoreNowRaisesOnceWithTheMarksCommittedAndTheCatalogFree) {
     ++raised;
     EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
     catalog->Execute("BEGIN EXCLUSIVE; UPDATE Catalog SET Restore = 0 WHERE ID = 1; COMMIT");
-    // What the user does while the host restores is ignored.
+    // Input of the user while the host restores is ignored.
     for (auto& button : controls.cmdRestore) button.UserClick();
     controls.form.UserClose();
     Escape();
@@ -234,16 +224,16 @@ TEST_F(FormTest, RestoreNowRaisesOnceWithTheMarksCommittedAndTheCatalogFree) {
   EXPECT_EQ(catalog->Marked(), Ids{2});
 }
 
-TEST_F(FormTest, KeysInTheMaskBoxFindAndGoOnIntoTheHits) {
+TEST_F(FormTest, KeysInTheMaskBoxSearchAndMoveToTheHits) {
   MakeCatalog({Row(1, 1, "003", "C:\\a.docx")});
   platform::PeerLog mask, hits;
   platform::Record(ui().cboMask, mask);
   platform::Record(ui().asSearch, hits);
   ui().tbsOptions.UserSelect(2, false);
-  EXPECT_EQ(mask.focused, 0) << "passing by with the arrows";
+  EXPECT_EQ(mask.focused, 0) << "a tab selected by an arrow key keeps the focus";
   ui().tbsOptions.UserSelect(2);
   EXPECT_EQ(mask.focused, 1);
-  EXPECT_FALSE(ui().cboMask.UserDown()) << "there are no hits to go into";
+  EXPECT_FALSE(ui().cboMask.UserDown()) << "there are no hits";
   ui().cboMask.UserType("docx");
   ui().cboMask.UserEnter();
   EXPECT_EQ(ui().asSearch.Count(), 1u);
@@ -283,7 +273,7 @@ TEST_F(FormTest, MasksAndTheLookOfListsAreRemembered) {
   EXPECT_EQ(dialog::LookText(dialog::LookOf("")), "");
 }
 
-TEST_F(FormTest, HelpFollowsTheKeyboardAsItDoesThePointer) {
+TEST_F(FormTest, HelpFollowsTheKeyboardFocus) {
   MakeCatalog({Row(1, 1, "003", "C:\\a.docx")});
   ui().cmdRestore[kRefresh].UserKeyboardEnter();
   EXPECT_EQ(ui().lblHelp.Tag(), "Refresh");

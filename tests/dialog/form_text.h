@@ -1,4 +1,4 @@
-// The form in words: its controls as designed, its help, and where everything stands.
+// Describes the form as text: its controls as designed, its help and its layout.
 #pragma once
 
 #include <string>
@@ -40,11 +40,13 @@ inline std::string DesignOf(const controls::Container& container) {
     const auto* const below = dynamic_cast<const controls::Container*>(child);
     if (below != nullptr && !below->Children().empty()) inner += DesignOf(*below);
   }
-  return "\n" + Filled(pieces, "      ").substr(0, Filled(pieces, "      ").size() - 1) + inner;
+  std::string page = Filled(pieces, "      ");
+  page.pop_back();
+  return "\n" + page + inner;
 }
 
-// A line for each control that has a help text: its name, the key and the text. Moving on within a control
-// must not write the text again.
+// A line for each control with a help text: the name, the key and the text. Expects that a second move within
+// a control does not write the text again.
 inline std::string HelpOf(controls::Control& control, controls::Label& help) {
   std::string lines;
   if (control.MouseMove) {
@@ -60,7 +62,7 @@ inline std::string HelpOf(controls::Control& control, controls::Label& help) {
   return lines;
 }
 
-// Appends left, top, width and height of each control that can become visible to its line in `places`.
+// Appends left, top, width and height of each control that can be visible to its line in `places`.
 inline void Measure(const controls::Control& control, std::vector<std::string>& places, std::size_t& next) {
   if (next == places.size()) places.push_back("\n    " + control.Name() + ":");
   places[next].append(places[next].ends_with(':') ? "" : " |");
@@ -82,7 +84,7 @@ inline void Drag(controls::SplitBar& bar, int by) {
   bar.UserMouseUp();
 }
 
-// The places of all controls in windows of three sizes, in the largest one after both bars were dragged.
+// The bounds of all controls at three window sizes. At the largest one both bars are dragged first.
 inline std::string PlacesIn(FormControls& ui) {
   std::vector<std::string> places;
   for (const auto& [width, height] : {std::pair(7000, 6100), {11880, 9000}, {20000, 15000}}) {

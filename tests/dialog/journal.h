@@ -1,4 +1,4 @@
-// Records what the form does, in order: changes of its controls, calls of the engine, and what the test adds.
+// Records what the form does, in order: changes of its controls, calls of the engine, and lines of the test.
 // A statement is recorded by its text, a change of a control by its new state.
 #pragma once
 
@@ -16,7 +16,7 @@ namespace kxrestore::dialog_test {
 class Journal {
  public:
   void Note(std::string line) {
-    if (line == "flush" && !m_lines.empty() && m_lines.back() == line) return;  // nothing was left to commit
+    if (line == "flush" && !m_lines.empty() && m_lines.back() == line) return;  // nothing happened in between
     m_lines.push_back(std::move(line));
   }
   bool Empty() const { return m_lines.empty(); }
@@ -29,7 +29,7 @@ class Journal {
                 },
             .mindsTime = false};
   }
-  // Records the changes of all controls from now on; positions only of the form's main areas.
+  // Records the changes of all controls from now on. Of positions it records those of the main areas only.
   void Watch(dialog::FormControls& ui);
 
  private:
@@ -132,7 +132,7 @@ class JournalListPeer : public JournalPeer<controls::ListPeer> {
   void Cleared() override { Note(" cleared"); }
 };
 
-// Leaves out the progress display, which depends on the clock and has tests of its own.
+// Skips the progress display, which depends on the clock. progress_test.cpp covers it.
 inline void WatchAll(Journal& journal, controls::Control& control) {
   if (control.Name() == "picProgress") return;
   switch (control.GetKind()) {

@@ -1,4 +1,4 @@
-// The layout at any size of the window, and what is restored of it by the next dialog.
+// The layout at any window size, and the layout that the next dialog restores.
 #include <random>
 
 #include "tests/dialog/form_text.h"
@@ -18,8 +18,8 @@ class LayoutTest : public DialogTest {
     ui().form.UserResize(width, height, state);
   }
 
-  // Controls that overlap by design: the heading and the destination share a line, the tab strip lies behind
-  // its pages, and the archive frame takes the place of the tree.
+  // Controls that overlap by design: the heading and the destination share a line, the pages cover the
+  // tab strip, and the archive frame takes the place of the tree.
   static bool MayOverlap(const Control& a, const Control& b) {
     const auto pair = [&](std::string_view one, std::string_view other) {
       return (a.Name() == one && b.Name() == other) || (a.Name() == other && b.Name() == one);
@@ -50,14 +50,14 @@ class LayoutTest : public DialogTest {
   }
 };
 
-TEST_F(LayoutTest, WhatHasNoRoomStaysAsItWas) {
+TEST_F(LayoutTest, AControlWithoutRoomKeepsItsSize) {
   const int width = ui().picTabs.Width();
   ui().picTop.SetWidth(1000);
   EXPECT_EQ(ui().picTabs.Width(), width);
   ui().lblTreeCount.SetVisible(false);
   Resize(12000, 9000);
   EXPECT_EQ(ui().picTop.Width(), 8730);
-  EXPECT_TRUE(ui().lblTreeCount.Visible()) << "shown by every resize of its panel";
+  EXPECT_TRUE(ui().lblTreeCount.Visible()) << "a resize of its panel shows it";
 }
 
 TEST_F(LayoutTest, NothingOverlapsOrLeavesItsContainerAtAnySize) {
@@ -65,10 +65,10 @@ TEST_F(LayoutTest, NothingOverlapsOrLeavesItsContainerAtAnySize) {
   const auto upTo = [&](int most) { return static_cast<int>(random() % static_cast<unsigned>(most)); };
   const Control* const lists[] = {&ui().tvwSets, &ui().asRestoreList, &ui().tvwDetails};
   Resize(3000, 2000);
-  EXPECT_EQ(ui().form.Width(), 7000) << "a window too small snaps back";
+  EXPECT_EQ(ui().form.Width(), 7000) << "a window that is too small gets the minimum size";
   EXPECT_EQ(ui().form.Height(), 6100);
   for (int round = 0; round < 300 && !HasFailure(); ++round) {
-    // Sometimes a bar is dragged, often further than it can go.
+    // In some rounds a bar is dragged, often beyond its limit.
     if (round % 10 == 5) Drag(ui().splitH, upTo(30'000) - 15'000);
     if (round % 10 == 9) Drag(ui().SplitV, upTo(30'000) - 15'000);
     ShowTab(round % 3 + 1);
@@ -80,7 +80,8 @@ TEST_F(LayoutTest, NothingOverlapsOrLeavesItsContainerAtAnySize) {
       EXPECT_GT(list->Width(), 600) << list->Name();
       EXPECT_GT(list->Height(), 600) << list->Name();
     }
-    // The help adjoins the lower area and the buttons: on its way there the pointer never touches the form.
+    // The help adjoins the lower area and the buttons, so that the pointer does not cross the form in
+    // between.
     EXPECT_EQ(ui().lblHelp.Top() + ui().lblHelp.Height(), ui().picBottom.Top());
     EXPECT_EQ(ui().lblHelp.Top(), ui().picTopButtons.Top() + ui().picTopButtons.Height());
     // Room for a heading and a line even in the smallest window.
@@ -90,7 +91,7 @@ TEST_F(LayoutTest, NothingOverlapsOrLeavesItsContainerAtAnySize) {
   }
 }
 
-TEST_F(LayoutTest, TheWindowAndItsBarsComeBackWhereTheyWere) {
+TEST_F(LayoutTest, TheNextDialogRestoresTheWindowAndItsBars) {
   desktop.user = [&](controls::Form& shown) {
     Resize(14000, 12000);
     shown.placement = {true, 1500, -300};
@@ -99,7 +100,7 @@ TEST_F(LayoutTest, TheWindowAndItsBarsComeBackWhereTheyWere) {
     EXPECT_EQ(ui().picTop.Height(), 8000);
     EXPECT_EQ(ui().tvwSets.Width(), 5000 - ui().tvwSets.Left());
     Resize(7000, 6100);
-    EXPECT_LT(ui().splitH.Top(), 4000) << "they give way in a small window";
+    EXPECT_LT(ui().splitH.Top(), 4000) << "a small window moves the bars";
     EXPECT_LT(ui().SplitV.Left(), 3000);
     Resize(14000, 12000);
     EXPECT_EQ(ui().splitH.Top(), 8000);
@@ -127,7 +128,7 @@ TEST_F(LayoutTest, TheWindowAndItsBarsComeBackWhereTheyWere) {
   EXPECT_EQ(ui().form.NormalHeight(), 12000);
 }
 
-TEST_F(LayoutTest, NonsenseThatWasRememberedIsNotUsed) {
+TEST_F(LayoutTest, InvalidStoredPlacementsAreIgnored) {
   const int width = ui().form.Width(), bar = ui().splitH.Top();
   for (const char* text :
        {"1 2 3", "0 0 -5 9000 0", "a b c d e", "0 0 99999999999 5 0", "99999999999 5", "0 0 9000 9000 0 7"}) {

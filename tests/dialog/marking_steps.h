@@ -1,6 +1,6 @@
-// The user's steps on a catalog of seven files, for sweeps in which each call fails or is interrupted in
-// turn, and the conditions that hold however a step ends: the list shows what the catalog marks, or a report
-// says that it cannot; every ticked file is marked or counted in a report; no other file is marked.
+// The user's steps on a catalog of seven files, for sweeps that make each call fail, or interrupt it, in
+// turn. The conditions that hold after every step: the list shows the marks of the catalog, or a report says
+// that it cannot; every ticked file is marked or counted in a report; no other file is marked.
 #pragma once
 
 #include <algorithm>
@@ -45,7 +45,7 @@ inline std::vector<sample::FileRow> SweepRows() {
   for (const std::int64_t id : kAllFiles) rows.push_back(Row(id, 1, "003", "C:\\Data\\" + FileOf(id)));
   return rows;
 }
-// SQL that sets the marks with which a step begins.
+// SQL that sets the marks in the catalog before a step.
 inline const char* MarksBefore(Step step) {
   return step >= Step::kUpdate ? "UPDATE Catalog SET Restore = TRUE" : "UPDATE Catalog SET Restore = FALSE";
 }
@@ -59,7 +59,7 @@ inline Ids FilesIn(const AutoSelect& list, std::optional<bool> ticked = {}) {
   return ids;
 }
 
-// Brings the dialog to where the step starts: ticks files 2 to 6, or unticks them in the restore list.
+// Prepares the dialog for a step: ticks files 2 to 6, or unticks them in the restore list.
 inline void Prepare(Step step, FormControls& ui) {
   const auto tick = [](AutoSelect& list, bool ticked) {
     for (std::size_t i = 1; i <= list.Count(); ++i) {
@@ -77,11 +77,9 @@ inline void Prepare(Step step, FormControls& ui) {
         const controls::Node file = NodeFrom(ui.tvwDetails.FirstRoot(), FileOf(id));
         if (id % 2 == 0) {
           ui.tvwDetails.UserCheck(file, true);
-          continue;
+        } else {
+          platform::HeadlessMenu(ui.tvwDetails, file.Index()).Choose("Tick");
         }
-        controls::Menu menu(file.Index());
-        ui.tvwDetails.UserMenu(menu);
-        menu.UserChoose(0);
       }
       break;
     case Step::kSearch:
@@ -141,14 +139,15 @@ inline void Start(Step step, FormControls& ui) {
   }
 }
 
-// How precise the reports must be.
+// How precise the reports of a fault must be.
 enum class Told {
-  kExactly,   // titled by the routine, with the right number of files
-  kAtLeast,   // the number may include files whose commit succeeded although its answer was lost
+  kExactly,   // titled by the routine, with the exact number of files
+  kAtLeast,   // the number may include files whose commit succeeded although its reply was lost
   kSomehow,   // any report
-  kNoMemory,  // none: there is no memory to report with
+  kNoMemory,  // no report, because a message box needs memory
 };
 
+// The state after a step.
 struct Ending {
   Ids marked;  // in the catalog
   std::size_t commenced = 0;
@@ -182,19 +181,19 @@ inline std::string Wrong(Step step, FormControls& ui, const Ending& end) {
     hold(message.text.find("PWD") == std::string::npos, "a report shows the password");
     hold(message.text.find("Internal error") == std::string::npos, "an unforeseen error");
   }
-  hold(end.commenced == 0 || end.marked == kAllFiles, "the host was called for other files");
+  hold(end.commenced == 0 || end.marked == kAllFiles, "the host was called with wrong marks");
   if (!ui.form.IsOpen()) {
     if (step == Step::kRestoreNow && !end.stopped) {
       hold(end.commenced == 1, "closed without having restored");
     } else if (end.commenced == 0) {
-      hold(end.stopped || step == Step::kCancel, "closed by itself");
-      hold(end.marked.empty() || end.Reported("CancelAll"), "closed, and marks are left");
+      hold(end.stopped || step == Step::kCancel, "closed without Cancel");
+      hold(end.marked.empty() || end.Reported("CancelAll"), "closed with marks left and no report");
     }
     return wrong;
   }
   hold(end.commenced == 0, "the host was called, but the dialog is open");
   const bool listFailed = end.Reported("ListCurrentSelections");
-  hold(listFailed || FilesIn(ui.asRestoreList) == end.marked, "the list is not what is marked");
+  hold(listFailed || FilesIn(ui.asRestoreList) == end.marked, "the list differs from the marks");
 
   Ids wanted, missed;  // missed: wanted, but not marked
   const bool strict = end.told <= Told::kAtLeast;
@@ -215,10 +214,10 @@ inline std::string Wrong(Step step, FormControls& ui, const Ending& end) {
                             std::inserter(missed, missed.end()));
       hold(end.told != Told::kExactly || end.stopped || listFailed ||
                FilesIn(ui.asRestoreList, false) == missed,
-           "what could not be unmarked is ticked again");
+           "a file that could not be unmarked is ticked again");
       break;
     case Step::kVersions:
-      hold(end.marked.empty(), "a file is marked that nobody applied");
+      hold(end.marked.empty(), "a file is marked without Apply");
       // A search that fails before its first hit keeps the previous hits and their ticks.
       hold(ui.asSearch.Count() == 1 || end.stopped ||
                (end.Reported() && (ui.asSearch.Count() == 0 || ui.asSearch.PendingCount() == kTicked.size())),
@@ -233,25 +232,25 @@ inline std::string Wrong(Step step, FormControls& ui, const Ending& end) {
                           std::inserter(missed, missed.end()));
       break;
     case Step::kRestoreNow:
-      hold(end.marked == kAllFiles || end.Reported(), "marks are lost, and nobody was told");
+      hold(end.marked == kAllFiles || end.Reported(), "marks are lost without a report");
       return wrong;
     default:
-      hold(end.marked.empty() || end.stopped || end.Reported(), "marks are left, and nobody was told");
+      hold(end.marked.empty() || end.stopped || end.Reported(), "marks are left without a report");
       return wrong;
   }
   hold(step == Step::kUpdate ||
            std::includes(wanted.begin(), wanted.end(), end.marked.begin(), end.marked.end()),
-       "a file is marked that nobody ticked");
+       "a file is marked that was not ticked");
   if (end.stopped) return wrong;
-  // A listing that fails midway has a report of its own; the rows that it did not return cannot be counted.
+  // A listing that fails midway has its own report. The rows that it did not return cannot be counted.
   const bool cutShort = step == Step::kAutoSelect && end.Reported("ApplyAutoSelect");
   const std::size_t counted = end.Counted();
-  hold(missed.empty() || end.Reported(), "files are not marked, and nobody was told");
+  hold(missed.empty() || end.Reported(), "files are not marked, without a report");
   hold(!strict || cutShort || counted >= missed.size(), "too few files are counted");
   hold(end.told != Told::kExactly || counted <= missed.size(), "too many files are counted");
   hold(end.told != Told::kExactly || listFailed || wanted.empty() ||
            ui.cmdRestore[kRestoreNow].Enabled() == !end.marked.empty(),
-       "Restore Now is wrong");
+       "Restore Now is enabled wrongly");
   return wrong;
 }
 

@@ -1,4 +1,4 @@
-// Parts of the dialog by themselves, and what a script cannot reach.
+// Parts of the dialog alone, and cases that a script cannot set up.
 #include <random>
 
 #include "catalog/type_census.h"
@@ -17,7 +17,7 @@
 namespace kxrestore::dialog_test {
 namespace {
 
-TEST(TypeCensus, ListsTheMostFrequentTypesFirstBelowTheirGroups) {
+TEST(TypeCensus, ListsTheMostFrequentTypesFirstAfterTheirGroups) {
   catalog::TypeCensus census;
   for (const char* name : {"C:\\a.DOC", "C:\\b.doc", "C:\\c.Doc", "C:\\d.pdf", "C:\\e.xls", "C:\\f.xls",
                            "C:\\x.zzz", "C:\\noext", "C:\\dir.ext\\noext", "C:\\ends.", "C:\\p.\xC3\x84y",
@@ -46,7 +46,7 @@ TEST(TypeCensus, EachTypeEndsInASemicolon) {
 
 class PartsTest : public DialogTest {};
 
-TEST_F(PartsTest, TheBoxIsReadForEachTypeAndTheLastPatternStaysTheExtension) {
+TEST_F(PartsTest, TheCheckBoxIsReadForEachTypeAndTheLastPatternBecomesTheExtension) {
   MakeCatalog({Live(1, "C:\\a.doc"), Live(2, "C:\\a.doc"), Live(3, "C:\\b.xls"), Live(4, "C:\\b.xls")});
   BareContext bare(platform.Get(), *workspace);
   auto& [parameters, controls, services, context] = bare;
@@ -62,7 +62,7 @@ TEST_F(PartsTest, TheBoxIsReadForEachTypeAndTheLastPatternStaysTheExtension) {
   }
   DuringWalk(2, [&] {
     controls.chk2.UserClick();
-    controls.optLookIn[2].SetValue(true);  // read once, before the first type; there is no set 9
+    controls.optLookIn[2].SetValue(true);  // read before the first type only; there is no set 9
     context.choice.m_lngSetID = 9;
   });
   controls.cmdAuto[kApplyTypes].UserClick();
@@ -70,7 +70,7 @@ TEST_F(PartsTest, TheBoxIsReadForEachTypeAndTheLastPatternStaysTheExtension) {
   EXPECT_EQ(context.choice.m_strExtension, "*.xls");
 }
 
-TEST_F(PartsTest, EachKindOfNodeLeavesAChoice) {
+TEST_F(PartsTest, EachKindOfNodeSetsTheChoice) {
   BareContext bare(platform.Get(), *workspace);
   auto& [parameters, controls, services, context] = bare;
   dialog::SetTree tree(context);
@@ -84,8 +84,8 @@ TEST_F(PartsTest, EachKindOfNodeLeavesAChoice) {
     return std::to_string(choice.m_lngSetID) + "|" + choice.m_strSetID + "|" + choice.m_strExtension + "|" +
            std::to_string(choice.m_intRunCount);
   };
-  EXPECT_EQ(choose(set), "7|||0") << "of its newest run";
-  EXPECT_FALSE(controls.optLookIn[2].Enabled()) << "the option of the other panel is left alone";
+  EXPECT_EQ(choose(set), "7|||0") << "the set of its newest run";
+  EXPECT_FALSE(controls.optLookIn[2].Enabled()) << "the other panel's option does not change";
   EXPECT_EQ(choose(newest), "7|7|003|2");
   EXPECT_EQ(choose(older), "6|6|002|1");
   EXPECT_EQ(choose(set), "7||002|0") << "the extension is still that of the run";
@@ -93,7 +93,7 @@ TEST_F(PartsTest, EachKindOfNodeLeavesAChoice) {
   EXPECT_EQ(tree.ListRunExtensions(newest), "\"003\", \"002\"");
   EXPECT_EQ(tree.ListRunExtensions(older), "\"002\"");
 
-  // Six more runs than a 16-bit count holds: the choice is still made, with the largest count.
+  // With more runs than a 16-bit count holds the choice is set, with the largest count.
   for (int run = 0; run < 32772; ++run) controls.tvwSets.Add(set, {}, "older", 0, "8 001");
   EXPECT_EQ(choose(newest), "7|7|003|32767");
   EXPECT_TRUE(controls.optLookIn[2].Enabled());
@@ -101,7 +101,7 @@ TEST_F(PartsTest, EachKindOfNodeLeavesAChoice) {
   EXPECT_EQ(choose(older.Next()), "8|8|001|32767");
 }
 
-TEST_F(PartsTest, DeepPathsCostTheirNodesOnly) {
+TEST_F(PartsTest, DeepPathsUseMemoryPerNodeOnly) {
   MakeCatalog({});
   constexpr int kDepth = 1000, kChains = 100;
   dialog::PathNodes paths(ui().tvwDetails, {1, 2, 3});
@@ -115,28 +115,28 @@ TEST_F(PartsTest, DeepPathsCostTheirNodesOnly) {
   controls::TreeView& tree = ui().tvwDetails;
   EXPECT_EQ(tree.Count(), 1u + kChains * (kDepth + 1u));
   EXPECT_LT(tree.MemoryUsed(), tree.Count() * 70u);
-  controls::Node folder = tree.Item(deepest);
-  EXPECT_EQ(folder.Key(), deepest);
-  EXPECT_EQ(folder.Child().Text(), "file");
-  Tick("C:\\");
-  EXPECT_TRUE(folder.Child().Checked());
-  tree.UserCheck(folder, false);
-  EXPECT_FALSE(tree.Item("C:\\99\\").Checked());
-  EXPECT_TRUE(Detail("C:\\").Checked()) << "the other chains are";
+  EXPECT_EQ(tree.Item(deepest).Child().Text(), "file");
 }
 
-TEST_F(PartsTest, TheCountOfTickedSiblingsEndsAt16BitsAndWhatIsBelowFollowsAllTheSame) {
+TEST_F(PartsTest, TheCountOfTickedSiblingsIs16BitAndItsOverflowOnlyKeepsTheParentUnticked) {
   MakeCatalog({Live(1, "D:\\1.txt")});
   ChooseRun("1 001");
-  const controls::Node drive = Detail("D:\\"), folder = ui().tvwDetails.Add(drive, {}, "folder");
+  controls::Node drive = Detail("D:\\"), folder = ui().tvwDetails.Add(drive, {}, "folder");
   const controls::Node below = ui().tvwDetails.Add(folder, {}, "below");
-  for (int file = 0; file < 32767; ++file) ui().tvwDetails.Add(drive, {}, "file").SetChecked(true);
+  controls::Node last;
+  for (int file = 0; file < 32767; ++file) {
+    last = ui().tvwDetails.Add(drive, {}, "file");
+    last.SetChecked(true);
+  }
+  ui().tvwDetails.UserCheck(last, true);
+  EXPECT_TRUE(drive.Checked()) << "32,767 siblings can be counted";
+  drive.SetChecked(false);
   ui().tvwDetails.UserCheck(folder, true);
   EXPECT_FALSE(drive.Checked());
   EXPECT_TRUE(below.Checked());
 }
 
-TEST_F(PartsTest, NodesThatComeDuringAWalkAreNotVisited) {
+TEST_F(PartsTest, NodesAddedDuringAWalkAreNotVisited) {
   MakeCatalog({Live(1, "C:\\a\\1.txt"), Live(2, "C:\\2.txt")});
   ChooseRun("1 001");
   controls::Node later;
@@ -156,8 +156,8 @@ TEST_F(PartsTest, NodesThatComeDuringAWalkAreNotVisited) {
   EXPECT_EQ(catalog->Marked(), Ids{1});
 }
 
-TEST(PluginImage, IsThatOfTheTextOrElseOfThePath) {
-  // The text decides first, case-sensitively; then the path, ignoring case, in the order of the table.
+TEST(PluginImage, DependsOnTheTextThenOnThePath) {
+  // The text is compared first, case-sensitively, then the path, ignoring case, in the order of the table.
   const struct {
     const char *text, *path;
     int image;
@@ -172,7 +172,7 @@ TEST(PluginImage, IsThatOfTheTextOrElseOfThePath) {
   for (const auto& [text, path, image] : cases) EXPECT_EQ(dialog::PluginImage(text, path), image) << text;
 }
 
-TEST(Sizes, SizesAreSaidInPeoplesUnits) {
+TEST(Sizes, SizesHaveUnitsForPeople) {
   const platform::FixedRegional regional;
   const auto said = [&](std::int64_t bytes) { return dialog::SizeInPeoplesUnits(regional, bytes); };
   EXPECT_EQ(said(0), "0 bytes");
@@ -183,7 +183,7 @@ TEST(Sizes, SizesAreSaidInPeoplesUnits) {
   EXPECT_EQ(said(std::int64_t{5000} << 40), "5,000 TB");
 }
 
-TEST_F(PartsTest, UnderAnErrorALineSaysWhatToDo) {
+TEST_F(PartsTest, AnErrorEndsInALineOfAdvice) {
   MakeCatalog({});
   catalog->Execute("ALTER TABLE Catalog RENAME TO Gone");
   Click(kRefresh);

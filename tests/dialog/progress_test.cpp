@@ -1,4 +1,4 @@
-// What the dialog shows while something takes long and after it was stopped.
+// The progress display during long work and after a stop.
 #include "dialog/progress.h"
 
 #include "tests/dialog/dialog_fixture.h"
@@ -16,8 +16,8 @@ class ProgressTest : public DialogTest {
     ChooseRun();
   }
 
-  // Runs `action` with a clock that advances by `milliseconds` for each item, and `look` after each. Returns
-  // the different texts that were shown.
+  // Runs `action`. For each item the clock advances by `milliseconds`, then `look` is called. Returns the
+  // different texts that were shown.
   Strings Said(
       std::int64_t milliseconds, const std::function<void()>& action,
       const std::function<void()>& look = [] {}) {
@@ -39,9 +39,9 @@ class ProgressTest : public DialogTest {
   static constexpr int kFiles = 1200;
 };
 
-TEST_F(ProgressTest, TellsHowMuchOfHowMuchAndHowMuchLonger) {
+TEST_F(ProgressTest, ShowsTheCountTheTotalAndTheTimeLeft) {
   TickAll();
-  // 1,201 nodes at 10 ms each: shown after the first second, updated every tenth of a second.
+  // 1,201 nodes take 10 ms each. The display appears after a second and changes every tenth of a second.
   const Strings said = Said(10, [this] { Apply(); });
   ASSERT_GT(said.size(), 100U);
   EXPECT_TRUE(said.front().starts_with("Marking\n10")) << said.front();
@@ -56,7 +56,7 @@ TEST_F(ProgressTest, TellsHowMuchOfHowMuchAndHowMuchLonger) {
 
 TEST_F(ProgressTest, BarAndTaskBarShowTheShare) {
   TickAll();
-  double half = 0, unknown = 0;  // what the task bar shows
+  double half = 0, unknown = 0;  // shares in the task bar
   Said(
       10, [this] { Apply(); },
       [&] {
@@ -78,7 +78,7 @@ TEST_F(ProgressTest, BarAndTaskBarShowTheShare) {
   EXPECT_LT(unknown, 0);
 }
 
-TEST_F(ProgressTest, EveryWalkSaysWhatItIsAndNoneThatIsOverSoon) {
+TEST_F(ProgressTest, EveryLongWalkHasItsTitleAndAShortOneShowsNothing) {
   const auto first = [this](auto action) {
     const Strings said = Said(10, action);
     return said.empty() ? std::string() : said.front().substr(0, said.front().find('\n'));
@@ -100,7 +100,7 @@ TEST_F(ProgressTest, EveryWalkSaysWhatItIsAndNoneThatIsOverSoon) {
   EXPECT_EQ(Said(0, [this] { Click(kRefresh); }), Strings());
 }
 
-TEST_F(ProgressTest, AStopSaysWhatWasDoneUntilTheNextAction) {
+TEST_F(ProgressTest, AStopShowsWhatWasDoneUntilTheNextAction) {
   TickAll();
   EscapeAt(701);
   Apply();
@@ -117,8 +117,8 @@ TEST_F(ProgressTest, AStopSaysWhatWasDoneUntilTheNextAction) {
   EXPECT_EQ(ui().lblProgress.Caption(), "Stopped: 300 unmarked.");
 }
 
-// The list of runs is endless, and there is no window yet that could show progress.
-TEST_F(ProgressTest, ALoadThatTakesLongOffersAStopBeforeThereIsAWindow) {
+// The list of runs is endless, and the form has no window yet.
+TEST_F(ProgressTest, ALongLoadOffersAStopBeforeTheFormHasAWindow) {
   catalog->Execute(
       "ALTER TABLE SetNames RENAME TO Sets; CREATE VIEW SetNames AS WITH RECURSIVE n(i) AS "
       "(SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT 1 AS ID, 'set ' || i AS Name FROM n");
@@ -137,10 +137,10 @@ TEST_F(ProgressTest, ALoadThatTakesLongOffersAStopBeforeThereIsAWindow) {
   form.ShowModal();
   ASSERT_EQ(busy.size(), 3U);
   EXPECT_TRUE(busy.front().ends_with("0:02\r\nEsc stops")) << busy.front();
-  EXPECT_EQ(shown, "") << "once the window is there";
+  EXPECT_EQ(shown, "") << "hidden once the form has its window";
 }
 
-TEST_F(ProgressTest, TimeThatTheUserTakesForAnAnswerIsNotCounted) {
+TEST_F(ProgressTest, TimeDuringAQuestionIsNotCounted) {
   Tick("0.doc");
   Apply();
   desktop.onMessage = [this](const auto&) { desktop.milliseconds += 3'600'000; };

@@ -46,7 +46,7 @@ std::string Footer(const controls::FooterText& footer) {
   return Quoted(footer.pending + "|" + footer.sums + "|" + footer.selected);
 }
 
-// What `tell` says of each entry of a list.
+// Concatenates the results of `tell` for all entries of a list.
 template <class Tell>
 std::string Each(const AutoSelect& list, Tell tell) {
   std::string told;
@@ -54,7 +54,7 @@ std::string Each(const AutoSelect& list, Tell tell) {
   return told;
 }
 
-// What `tell` says of each node of a tree, in the order in which they were added.
+// The results of `tell` for all nodes of a tree, in the order of their creation.
 template <class Tell>
 std::string EachNode(const controls::TreeView& tree, Tell tell) {
   Strings told;
@@ -135,7 +135,7 @@ void ScriptTest::Do(std::string_view step) {
   if (isUser && !m_midway) Open();
   found->second(subject);
   if (!isUser || m_midway) return;
-  EXPECT_FALSE(m_due) << "before " << step << " was over, nothing came to its item";
+  EXPECT_FALSE(m_due) << step << " ended before its walk reached the item of \"at\"";
   m_due = false;
   desktop.onDoEvents = onTurn;
 }
@@ -207,7 +207,7 @@ std::map<std::string, ScriptTest::Command, std::less<>> ScriptTest::Commands() {
        [this](const std::string& node) {
          events.push_back("tip " + Quoted(ui().tvwDetails.UserTip(Detail(node))));
        }},
-      // "at ITEM STEP & STEP": these steps happen during the next one, at that item of its walk
+      // "at ITEM STEP & STEP": takes these steps during the next one, at that item of its walk
       {"at",
        [this](const std::string& itemAndSteps) {
          m_due = true;
@@ -216,7 +216,7 @@ std::map<std::string, ScriptTest::Command, std::less<>> ScriptTest::Commands() {
            m_midway = true;
            for (const std::string& step : Split(steps, " & ")) Do(step);
            m_midway = false;
-           EXPECT_TRUE(desktop.messages.empty()) << "told in the middle of a walk";
+           EXPECT_TRUE(desktop.messages.empty()) << "a message box during a walk";
          });
        }},
       {"show", [this](const std::string& look) { events.push_back(OrNothing(looks.at(look)(*m_shown))); }},
@@ -395,7 +395,7 @@ Strings ScriptTest::Changed() {
   return changed;
 }
 
-// The list that a word stands for; null for a node of the detail tree.
+// The list with this name in scripts; null for a node of the detail tree.
 AutoSelect* ScriptTest::ListOf(std::string_view kind) {
   return kind == "listed" ? &ui().asRestoreList
          : kind == "hit"  ? &ui().asSearch

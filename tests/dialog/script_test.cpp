@@ -1,4 +1,4 @@
-// Runs the scripts. Each case is a test of its own.
+// Registers the cases of most scripts, each as a test.
 #include <fstream>
 #include <sstream>
 
@@ -10,26 +10,18 @@
 
 namespace kxrestore::dialog_test {
 
-bool RegisterCases(const std::string& name, ScriptTest* (*make)(const std::string& script)) {
+std::vector<std::pair<std::string, std::string>> CasesOf(const std::string& name) {
   std::ifstream file(KX_SCRIPTS "/" + name + ".txt", std::ios::binary);
   if (!file) throw std::runtime_error("no script " + name);
-  std::string title, script;
-  const auto add = [&] {
-    if (title.empty()) return;
-    testing::RegisterTest(name.c_str(), title.c_str(), nullptr, nullptr, __FILE__, __LINE__,
-                          [make, script] { return make(script); });
-  };
+  std::vector<std::pair<std::string, std::string>> cases;
   for (std::string line; std::getline(file, line);) {
     if (line.starts_with("== ")) {
-      add();
-      title = line.substr(3);
-      script.clear();
-    } else {
-      script.append(line).append("\n");
+      cases.emplace_back(line.substr(3), "");
+    } else if (!cases.empty()) {
+      cases.back().second.append(line).append("\n");
     }
   }
-  add();
-  return true;
+  return cases;
 }
 
 namespace {
@@ -38,7 +30,7 @@ class Case : public ScriptTest {
  public:
   explicit Case(std::string script,
                 std::unique_ptr<engine::Workspace> databases = engine::MakeDefaultWorkspace())
-      : ScriptTest(std::move(databases)), m_script(std::move(script)) {
+      : ScriptTest(std::move(script), std::move(databases)) {
     form.CommenceRestore = [this] { events.push_back("CommenceRestore"); };
     form.CancelRestore = [this] { events.push_back("CancelRestore"); };
     commands["design"] = [this](const std::string&) {
@@ -47,13 +39,9 @@ class Case : public ScriptTest {
     looks["help"] = [](FormControls& shown) { return "help" + HelpOf(shown.form, shown.lblHelp); };
     looks["places"] = [](FormControls& shown) { return "places" + PlacesIn(shown); };
   }
-  void TestBody() override { EXPECT_EQ(Played(m_script), m_script); }
-
- private:
-  std::string m_script;
 };
 
-// How statements begin, and their names in the scripts.
+// The beginnings of statements and their names in the scripts.
 constexpr std::pair<std::string_view, std::string_view> kStatements[] = {
     {"SELECT SetNames.Name, BackupAudit.DateStamp, BackupAudit.SetNameID, BackupAudit.Extension, "
      "BackupAudit.Permanent, BackupAudit.Status FROM SetNames INNER JOIN BackupAudit ON SetNames.ID = "
@@ -76,7 +64,7 @@ constexpr std::pair<std::string_view, std::string_view> kStatements[] = {
      "Catalog.SetNameID WHERE (((Catalog.Restore)=True));",
      "of the marked"},
     {"UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));", "clear all"},
-    // Sequences that occur as a whole, and their names.
+    // Sequences of lines and their names.
     {"open catalog\nsnapshot of the marked\nasRestoreList frozen\nasRestoreList cleared\n", "LIST\n"},
     {"close rows\nclose catalog\nasRestoreList thawed\n", "LISTED\n"},
     {"tbsOptions value\ntbsOptions frozen\npicTabs frozen\n", "TAB\n"},
@@ -89,13 +77,13 @@ constexpr std::pair<std::string_view, std::string_view> kStatements[] = {
      "QUESTION\n"},
 };
 
-// A base, so that the journal is constructed before the form that writes to it.
+// A base class, so that the journal is constructed before the form that writes to it.
 struct JournalHolder {
   Journal journal;
   EngineHooks hooks = journal.Hooks();
 };
 
-// A case that compares everything that happens after the command "journal", in order.
+// A case that compares all events after the command "journal", in order.
 class JournalCase : public JournalHolder, public Case {
  public:
   explicit JournalCase(const std::string& script)
@@ -149,7 +137,7 @@ class JournalCase : public JournalHolder, public Case {
   }
 
   Strings Changed() override {
-    desktop.messages.clear();  // they are in the journal
+    desktop.messages.clear();  // the journal has them
     std::string text = m_begun ? Text(journal.Take()) : "";
     std::erase(text, '\r');
     const auto replace = [&](std::string_view old, std::string_view with) {
@@ -171,10 +159,9 @@ class JournalCase : public JournalHolder, public Case {
 const bool registered = [] {
   for (const char* name : {"form", "set_tree", "set_detail", "tree_guide", "search", "auto_select",
                            "restore_list", "file_history", "footers", "guidance"}) {
-    RegisterCases(name, [](const std::string& script) -> ScriptTest* { return new Case(script); });
+    RegisterCases<Case>(name);
   }
-  return RegisterCases("order",
-                       [](const std::string& script) -> ScriptTest* { return new JournalCase(script); });
+  return RegisterCases<JournalCase>("order");
 }();
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Two processes with a dialog each on one catalog at the same time. Both search for the latest versions,
-// which rewrites the same saved queries, and mark what they find, partly the same rows.
+// Two processes use one catalog at the same time, each with its own dialog. Both search for the latest
+// versions, which rewrites the same saved queries, and both mark files, some of them the same.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -31,7 +31,7 @@ class TwoDialogs : public DialogTest {
                           std::string("00") + run, false, 6});
       }
     }
-    // Every name in every set and run, with row numbers in no particular order.
+    // Every name occurs in every set and run. The row numbers are shuffled.
     constexpr int kNames = 60, kRows = kNames * 9;
     for (int step = 0; step < kRows; ++step) {
       const int name = step % kNames;
@@ -42,7 +42,7 @@ class TwoDialogs : public DialogTest {
     }
   }
 
-  // Searches a set, the runs up to one, or all sets.
+  // Searches a set, a set's runs up to one, or all sets.
   Strings Search(int which, int round) {
     const int kind = (round + which) % 3, set = 1 + (round / 3 + which) % 3, run = 1 + round % 3;
     if (kind == 1) {
@@ -63,7 +63,7 @@ class TwoDialogs : public DialogTest {
     return found;
   }
 
-  // Runs one dialog. It writes a file with lines "mark KEY", "report TEXT" and "wrong TEXT".
+  // The work of one process. Writes a file with lines "mark KEY", "report TEXT" and "wrong TEXT".
   void Work(int which, const Strings* expected) {
     std::ofstream told(m_folder.File(std::to_string(which)));
     for (int round = 0; round < kRounds; ++round) {
@@ -87,7 +87,7 @@ class TwoDialogs : public DialogTest {
     }
   }
 
-  // Runs both and expects each to find what it finds alone. The rows that they marked.
+  // Runs both processes and expects each to find what it finds alone. Returns the rows that they marked.
   Ids Both() {
     Strings alone[2][kRounds];
     pid_t processes[2];
@@ -132,7 +132,11 @@ TEST_F(TwoDialogs, OnOneFile) {
 TEST_F(TwoDialogs, OnOneServer) {
   if (!ServerCatalog::HasServer()) GTEST_SKIP() << "no server";
   ServerCatalog server([&](sample::CatalogSink& sink) { catalog_test::AddRows(sink, m_rows, m_runs); });
-  UseServer(server.Database(), ServerCatalog::Server(), ServerCatalog::User(), ServerCatalog::Password());
+  form.parameters.DBType = 1;
+  form.parameters.DBDatabase = server.Database();
+  form.parameters.DBServer = ServerCatalog::Server();
+  form.parameters.DBUser = ServerCatalog::User();
+  form.parameters.DBPass = ServerCatalog::Password();
   const Ids marked = Both();
   EXPECT_EQ(server.Marked(), marked);
 }

@@ -1,5 +1,5 @@
-// On a million files, whatever the dialog does, pending messages run often enough to keep the window
-// responsive, and Esc stops it.
+// On a million files, pending messages run often enough during every action to keep the window responsive,
+// and Esc stops the action.
 #include <cstdio>
 #include <ctime>
 
@@ -9,7 +9,7 @@ namespace kxrestore::dialog_test {
 namespace {
 
 constexpr int kFiles = 1'000'000;
-constexpr double kLongest = 250;  // milliseconds without pending messages; a quiet machine takes 20 to 45
+constexpr double kLongest = 250;  // milliseconds between pending messages; 20 to 45 on an idle machine
 
 class WaitingTest : public DialogTest {
  protected:
@@ -25,8 +25,8 @@ class WaitingTest : public DialogTest {
         "(i / 2) || '.doc', 'C:\\Data\\' || (i / 2000) || '\\' || (i / 2) || '.doc', 0, 2 FROM n");
   }
 
-  // The longest time between two runs of pending messages during `action`, in milliseconds of processor time:
-  // the best of three attempts, because other load disturbs the measurement.
+  // The longest time between two runs of pending messages during `action`, in milliseconds of processor time.
+  // The best of three attempts, because other load disturbs the measurement.
   template <typename Action>
   double LongestWait(Action action) {
     double best = 0;
@@ -63,7 +63,7 @@ class WaitingTest : public DialogTest {
 
 TEST_F(WaitingTest, NothingKeepsTheWindowWaiting) {
   ShowTab(2);
-  // The latest versions, and a mask that few names match, take long until their first row.
+  // A search for the latest versions by a mask that few names match takes long to find its first row.
   ui().cboMask.UserType("999*99.doc");
   ui().chk1.SetValue(1);
   const auto find = [&] { ui().cmdSearch[kFind].UserClick(); };
@@ -88,7 +88,7 @@ TEST_F(WaitingTest, NothingKeepsTheWindowWaiting) {
   ASSERT_EQ(ui().asFiles.Count(), 2u);
   EXPECT_EQ(ui().asFiles.At(2).size, kFiles);
 
-  // Marking reads the rest of a listing before the first mark, and Esc ends it.
+  // Marking reads the rest of the listing before the first mark. Esc stops it.
   ui().cmdAuto[1].UserClick();
   ui().chk2.SetValue(0);
   m_stopAfter = 2000;
@@ -99,7 +99,7 @@ TEST_F(WaitingTest, NothingKeepsTheWindowWaiting) {
   EXPECT_EQ(ui().asRestoreList.Count(), 0u) << "a stopped run lists nothing";
   m_stopAfter = 0;
 
-  // A single statement clears all marks; messages run until it commits.
+  // A single statement clears all marks. Messages run until it commits.
   desktop.answers = {platform::Answer::kYes};
   catalog->Execute("UPDATE Catalog SET Restore = 1");
   desktop.doEventsCount = 0;

@@ -1,4 +1,4 @@
-// What a screen reader hears: names and states through Microsoft Active Accessibility.
+// The names and states that a screen reader gets through Microsoft Active Accessibility.
 #include <oleacc.h>
 
 #include <map>
@@ -8,15 +8,15 @@
 namespace kxrestore::e2e {
 namespace {
 
-// In place of the system's service that names windows beside their texts, which Wine lacks. Screen readers
-// say such a name rather than the window's own. One table of functions serves for the service and for its
-// factory: the component calls CreateInstance of the one and what sets and clears names of the other.
+// A fake of the system's annotation service, which Wine lacks. A name set there takes precedence over the
+// window's own. One vtable serves as both factory and service: the component calls CreateInstance of the
+// factory, and SetHwndPropStr and ClearHwndProps of the service.
 class NameService final : public IClassFactory {
  public:
   NameService() {
     Check(CoRegisterClassObject(CLSID_AccPropServices, this, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
                                 &m_cookie),
-          "the service of names cannot be registered");
+          "the annotation service cannot be registered");
   }
   ~NameService() { CoRevokeClassObject(m_cookie); }
 
@@ -60,7 +60,7 @@ class AccessibilityTest : public DialogTest {
     if (object) object->get_accState(self, &state);
     return state.lVal;
   }
-  // The name that is said, and the one that Active Accessibility finds by itself.
+  // The annotated name, or else the one that Active Accessibility derives from the window.
   std::string Name(HWND window) const {
     const auto found = m_names.names.find(window);
     return found == m_names.names.end() ? OwnName(window) : found->second;
@@ -100,7 +100,7 @@ class AccessibilityTest : public DialogTest {
   }
 };
 
-TEST_F(AccessibilityTest, WhateverTheUserCanReachHasANameOfItsOwn) {
+TEST_F(AccessibilityTest, EveryFocusableWindowHasAUniqueName) {
   Run([&](const DialogDriver& dialog) {
     const std::set<std::string> kinds = {"Edit",
                                          "ComboBox",
@@ -111,7 +111,7 @@ TEST_F(AccessibilityTest, WhateverTheUserCanReachHasANameOfItsOwn) {
                                          "KXRestore.SplitBar",
                                          "SysTabControl32",
                                          "msctls_progress32"};
-    std::map<HWND, std::set<std::string>> heard;  // in each window around
+    std::map<HWND, std::set<std::string>> heard;  // by parent window
     int fields = 0;
     for (const HWND window : driver::Inner(dialog.WaitForForm())) {
       const HWND around = GetParent(window);
@@ -123,13 +123,13 @@ TEST_F(AccessibilityTest, WhateverTheUserCanReachHasANameOfItsOwn) {
       EXPECT_TRUE(heard[around].insert(name).second) << name << " twice, " << control;
       fields += control.empty() ? 1 : 0;
     }
-    EXPECT_EQ(fields, 6 + 6 + 2 + 1) << "of the filter lines, and of the box for the mask";
+    EXPECT_EQ(fields, 6 + 6 + 2 + 1) << "the fields of the filter lines and of the mask box";
     dialog.Close();
   });
-  EXPECT_TRUE(m_names.names.empty()) << "names go with their windows";
+  EXPECT_TRUE(m_names.names.empty()) << "a window's name is removed with the window";
 }
 
-TEST_F(AccessibilityTest, WhatWaitsToBeAppliedAndWhatAnEmptyListSaysIsHeard) {
+TEST_F(AccessibilityTest, FootersAndEmptyListsHaveTexts) {
   Run([&](const DialogDriver& dialog) {
     const HWND list = dialog.Control("asRestoreList"), restore = dialog.Control("cmdRestore(0)");
     EXPECT_NE(std::string::npos, Name(list).find("Files selected to restore. Nothing")) << Name(list);
@@ -138,30 +138,30 @@ TEST_F(AccessibilityTest, WhatWaitsToBeAppliedAndWhatAnEmptyListSaysIsHeard) {
     const HWND ticked = Footer(dialog, "tvwDetails");
     EXPECT_EQ(OwnName(ticked), "0 of 4 ticked");
     dialog.Tick("D:\\");
-    Await("the tick to be said", [&] { return OwnName(ticked) == "1 ticked: press Apply; 1 of 4 ticked"; });
+    Await("the footer to count the tick",
+          [&] { return OwnName(ticked) == "1 ticked: press Apply; 1 of 4 ticked"; });
     dialog.Click("cmdAction(0)");
-    Await("the mark to be said",
+    Await("the footer to count the mark",
           [&] { return OwnName(Footer(dialog, "asRestoreList")).starts_with("1 file"); });
     EXPECT_EQ(Name(list), "Files selected to restore");
     EXPECT_EQ(OwnName(ticked), "1 of 4 ticked");
     EXPECT_FALSE(State(restore) & STATE_SYSTEM_UNAVAILABLE);
     dialog.TickEntry("asRestoreList", "1");
-    Await("the untick to be said",
+    Await("the footer to count the untick",
           [&] { return OwnName(Footer(dialog, "asRestoreList")).starts_with("1 unticked: press Update"); });
     dialog.Click("cmdRestore(1)");
     dialog.Answer("YES");
   });
 }
 
-// The names of the sets, or the rows, never end, so that only the user ends the work.
-TEST_F(AccessibilityTest, WorkIsHeardAndCanBeStopped) {
+// Views with endless rows of sets and files keep the dialog working until the user stops it.
+TEST_F(AccessibilityTest, ProgressHasNamesAndCanBeStopped) {
   const std::string endless = " AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT ";
   m_catalog.Execute("ALTER TABLE SetNames RENAME TO Sets; CREATE VIEW SetNames" + endless +
                     "1 AS ID, 'set ' || i AS Name FROM n");
   EXPECT_EQ(0, Run([&](const DialogDriver& dialog) {
               HWND busy = nullptr;
-              Await("the offer to stop",
-                    [&] { return (busy = driver::VisibleWindow(L"#32770")) != nullptr; });
+              Await("the Stop button", [&] { return (busy = driver::VisibleWindow(L"#32770")) != nullptr; });
               EXPECT_EQ(nullptr, driver::VisibleWindow(kFormClass));
               EXPECT_EQ(OwnName(busy), "Select Files to Restore");
               EXPECT_EQ(OwnName(GetDlgItem(busy, IDCANCEL)), "Stop");

@@ -1,10 +1,9 @@
-// The DLL under test, which is used without being registered, and what every test of it needs.
+// The DLL under test, used without registration, and helpers that its tests share.
 #pragma once
 
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <ocidl.h>
 #include <wrl/client.h>
 
 #include <filesystem>
@@ -12,7 +11,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "component/com/kxrestore.h"
+#include "host/event_sink.h"
 
 namespace kxrestore::e2e {
 
@@ -81,7 +80,7 @@ class ComponentDll {
   HMODULE m_module;
 };
 
-// Registers the component for the time of a test.
+// Registers the component during its lifetime.
 struct Registered {
   Registered() { Check(ComponentDll().Call("DllRegisterServer"), "registering failed"); }
   ~Registered() { ComponentDll().Call("DllUnregisterServer"); }
@@ -89,50 +88,37 @@ struct Registered {
   Registered& operator=(const Registered&) = delete;
 };
 
-// An event sink that counts events and runs the test's code in them.
-class CountingSink final : public IDispatch {
+// An event sink that counts events, runs a test's code in each and returns a chosen result.
+class CountingSink final : public host::EventSink {
  public:
-  static ComPtr<CountingSink> Make(std::function<void()> onEvent = {}) {
-    ComPtr<CountingSink> sink(new CountingSink);
-    sink->m_onEvent = std::move(onEvent);
-    return sink;
+  static ComPtr<CountingSink> Make(std::function<void()> onEvent = [] {}) {
+    return new CountingSink(std::move(onEvent));
   }
 
   int events = 0;
   HRESULT answer = S_OK;
 
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    *object = iid == IID_IUnknown || iid == IID_IDispatch || iid == DIID___RestoreDlg ? this : nullptr;
-    if (!*object) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&m_references)); }
-  STDMETHODIMP_(ULONG) Release() override {
-    const LONG left = InterlockedDecrement(&m_references);
-    if (left == 0) delete this;
-    return static_cast<ULONG>(left);
-  }
-  STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
-  STDMETHODIMP Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-    if (event != 1) return DISP_E_MEMBERNOTFOUND;
-    ++events;
-    if (m_onEvent) m_onEvent();
-    return answer;
+  STDMETHODIMP Invoke(DISPID event, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
+                      VARIANT* result, EXCEPINFO* exception, UINT* argument) override {
+    const HRESULT handled =
+        EventSink::Invoke(event, iid, locale, flags, parameters, result, exception, argument);
+    return FAILED(handled) ? handled : answer;
   }
 
  private:
-  std::function<void()> m_onEvent;
-  LONG m_references = 0;
+  explicit CountingSink(std::function<void()> onEvent)
+      : EventSink([this, onEvent = std::move(onEvent)] {
+          ++events;
+          onEvent();
+        }) {}
 };
 
 inline ComPtr<IConnectionPoint> EventsOf(IUnknown* object) {
   ComPtr<IConnectionPointContainer> container;
   ComPtr<IConnectionPoint> point;
   Check(object->QueryInterface(IID_PPV_ARGS(container.GetAddressOf())), "the object has no events");
-  Check(container->FindConnectionPoint(DIID___RestoreDlg, point.GetAddressOf()), "the events are others");
+  Check(container->FindConnectionPoint(DIID___RestoreDlg, point.GetAddressOf()),
+        "the object does not have this event interface");
   return point;
 }
 
@@ -156,6 +142,12 @@ class Text {
  private:
   BSTR m_text;
 };
+
+inline std::wstring GuidText(REFGUID guid) {
+  wchar_t text[40];
+  StringFromGUID2(guid, text, 40);
+  return text;
+}
 
 // IDispatch::Invoke by name. `flags` is DISPATCH_METHOD, DISPATCH_PROPERTYGET or DISPATCH_PROPERTYPUT.
 inline HRESULT CallByName(IDispatch* object, const wchar_t* name, WORD flags, VARIANT* argument = nullptr,

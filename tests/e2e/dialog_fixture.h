@@ -1,4 +1,4 @@
-// Tests that run the real dialog: the test's thread shows it, another one works it.
+// Runs the real dialog: the test's thread shows it, and a second thread operates it.
 #pragma once
 
 #include <atomic>
@@ -23,8 +23,8 @@ inline std::string SelectedText(std::size_t files) {
   return std::to_string(files) + " file(s) selected";
 }
 
-// Runs the dialog and returns its result. `steps` works it from another thread; when that fails the test
-// does, and the modal loops are ended, a message box's included, in whichever thread they run.
+// Runs the dialog and returns its result. `steps` operates it from another thread. If a step throws, the test
+// fails, and all modal loops end, including that of a message box.
 inline short RunDialog(_RestoreDlg* object, const Steps& steps) {
   std::string failure;
   std::atomic<bool> returned = false;
@@ -35,7 +35,7 @@ inline short RunDialog(_RestoreDlg* object, const Steps& steps) {
       driver.WaitUntilClosed();
     } catch (const std::exception& error) {
       failure = error.what();
-      for (; !returned; Sleep(50)) {  // the window may come up late
+      for (; !returned; Sleep(50)) {  // the window may not have appeared yet
         for (const wchar_t* windowClass : {L"#32770", kFormClass}) {
           const HWND window = driver::VisibleWindow(windowClass);
           if (window) PostThreadMessageW(GetWindowThreadProcessId(window, nullptr), WM_QUIT, 0, 0);
@@ -57,14 +57,14 @@ inline short RunDialog(_RestoreDlg* object, const Steps& steps) {
 
 class DialogTest : public ::testing::Test {
  protected:
-  // The window opens as designed, and nothing of it is remembered beyond the test.
+  // The window opens with its default placement, which a test does not change for later ones.
   DialogTest() {
     ForgetPlacement();
     Advise(m_object.Get(), m_sink.Get());
   }
   ~DialogTest() override { ForgetPlacement(); }
 
-  // An object for the test catalog with an empty action, path and log.
+  // An object for the test catalog, with an empty action, restore path and log name.
   ComPtr<_RestoreDlg> NewObject() {
     ComPtr<_RestoreDlg> object = m_dll.NewObject();
     Text path(m_catalog.Path()), none(L"");

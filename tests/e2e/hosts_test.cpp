@@ -1,4 +1,4 @@
-// The sample hosts, as programs of their own with the registered component, on every kind of catalog.
+// The sample hosts as separate processes with the registered component, on every kind of catalog.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -17,7 +17,7 @@ using engine::testing::SampleCopy;
 
 class HostTest : public testing::Test {
  protected:
-  // Runs the sample host on a catalog, which a script works; its exit code.
+  // Runs the sample host on a catalog with a script of dialog steps. Returns the exit code.
   int RunScript(const std::wstring& catalog, const std::string& lines) {
     const std::wstring path = m_catalog.Folder() + L"steps.txt";
     std::ofstream(path.c_str()) << lines;
@@ -63,7 +63,7 @@ TEST_F(HostTest, RestoresFromAServer) {
   EXPECT_EQ((Ids{kNewA, kNewB, kNewLong}), server.Marked());
 }
 
-// Where the desktop engine is not installed: the same rows as from the catalog with the same content.
+// Without the desktop engine, its files give the same rows as the SQLite catalog with the same content.
 TEST_F(HostTest, RestoresFromDesktopFiles) {
   const auto workspace = engine::testing::MakeReaderWorkspace();
   for (const char* name : {"telling-2003.mdb", "telling-2019.accdb"}) {
@@ -79,11 +79,11 @@ TEST_F(HostTest, RestoresFromDesktopFiles) {
     EXPECT_TRUE(m_output.starts_with("CommenceRestore\nrestore: ")) << m_output;
     EXPECT_TRUE(m_output.ends_with("\nDefineRestoreSet = 1\n")) << m_output;
     const auto lines = static_cast<std::size_t>(std::count(m_output.begin(), m_output.end(), '\n'));
-    EXPECT_EQ(copy.Changed().size(), lines - 2) << "a byte a mark, and no other";
+    EXPECT_EQ(copy.Changed().size(), lines - 2) << "one byte for each mark";
   }
 }
 
-// Needs the CD-ROM drive that the test's machine has: Z:, the last one, with a folder as its disc.
+// Needs drive Z: to be a CD-ROM drive with a folder as its disc, as the test environment sets it up.
 TEST_F(HostTest, ADiscIsAddedToTheArchive) {
   ASSERT_EQ(UINT{DRIVE_CDROM}, GetDriveTypeW(L"Z:\\"));
   sample::MakeArchive(kArchive);
@@ -94,7 +94,7 @@ select-node Archive Sets
 expect-caption lblSetName "Archive Sets"
 select-node Archive Sets\Volume VOL002\Backups for 2025\Backups for 2025-12
 expect-caption lblSetName "Backups for 2025-12"
-# no set is chosen now, so that all are searched
+# no set is chosen, so all sets are searched
 tab 2
 type cboMask box
 click cmdSearch(2)
@@ -122,8 +122,8 @@ close
   for (const char* file : {kArchive, "Z:\\backup!mdb"}) std::filesystem::remove(file);
 }
 
-// The other hosts, each up to Restore Now. Examples look for kxrestore.exe on the path.
-TEST_F(HostTest, HostsInOtherLanguagesReadTheMarksAndSomeTakeThemAway) {
+// Runs each of the other hosts up to Restore Now. The examples find kxrestore.exe on the path.
+TEST_F(HostTest, HostsInOtherLanguagesReadTheMarksAndSomeClearThem) {
   wchar_t path[8192] = L"";
   GetEnvironmentVariableW(L"PATH", path, 8192);
   SetEnvironmentVariableW(L"PATH", (HostFolder() + L";" + path).c_str());
@@ -165,7 +165,7 @@ TEST_F(HostTest, HostsInOtherLanguagesReadTheMarksAndSomeTakeThemAway) {
   SetEnvironmentVariableW(L"PATH", path);
 }
 
-TEST_F(HostTest, WhatItIsToldIsChecked) {
+TEST_F(HostTest, ArgumentsAndScriptsAreChecked) {
   EXPECT_EQ(1, Run(L"--nonsense"));
   EXPECT_NE(std::string::npos, m_output.find("unknown argument --nonsense")) << m_output;
   EXPECT_EQ(3, RunScript(File(m_catalog.Path()), "wait-form\nexpect-enabled cmdRestore(0) MAYBE\n"));

@@ -1,5 +1,5 @@
-// At three scales and three sizes, on every page and with the CD panel, no text is cut. A scale belongs to a
-// process, so this program runs itself again for each.
+// At three scales and three window sizes, no text is cut on any page or on the CD panel. The scale is fixed
+// for a process, so this program runs itself again for each other scale.
 #include <cstdlib>
 
 #include "host/catalog_maker/sample_archive.h"
@@ -14,7 +14,7 @@ using driver::Ask;
 // Pixels; smaller sizes become the minimum.
 constexpr SIZE kSizes[] = {{1, 1}, {1024, 768}, {2560, 1440}};
 
-// The longest that each changing label has to show.
+// The longest text that each variable label must show.
 const std::pair<const char*, const wchar_t*> kLongest[] = {
     {"lblTreeCount", L"1000000 file(s)."},
     {"lblCounts(0)", L"1000000 file(s) selected"},
@@ -37,7 +37,7 @@ SIZE Measure(HWND window, const std::wstring& text, UINT format, int width = 0) 
   return {area.right, area.bottom};
 }
 
-// What a control needs to show a text.
+// The client size that a control needs to show a text.
 SIZE Needed(HWND window, const std::wstring& text) {
   const auto style = static_cast<UINT>(GetWindowLongPtrW(window, GWL_STYLE));
   const int room = ClientSize(window).cx;
@@ -52,7 +52,7 @@ SIZE Needed(HWND window, const std::wstring& text) {
   return needed;
 }
 
-// It shows what a control has no room for.
+// A tool tip may show the text that a control has no room for.
 std::wstring ToolTipOf(HWND window) {
   std::wstring text(1024, L'\0');
   TTTOOLINFOW tool{TTTOOLINFOW_V1_SIZE};
@@ -66,7 +66,7 @@ std::wstring ToolTipOf(HWND window) {
   return text.c_str();
 }
 
-// The columns of a list and the tabs have to show their texts, too.
+// Column headings must show their whole texts.
 void ExpectHeadings(HWND list) {
   const auto header = reinterpret_cast<HWND>(Ask(list, LVM_GETHEADER));
   for (int column = 0; column < Ask(header, HDM_GETITEMCOUNT); ++column) {
@@ -79,6 +79,7 @@ void ExpectHeadings(HWND list) {
   }
 }
 
+// The last tab must end within the strip.
 void ExpectTabs(HWND strip) {
   RECT tab{};
   Ask(strip, TCM_GETITEMRECT, static_cast<WPARAM>(Ask(strip, TCM_GETITEMCOUNT) - 1), &tab);
@@ -87,7 +88,7 @@ void ExpectTabs(HWND strip) {
 
 class LooksTest : public DialogTest {
  protected:
-  LooksTest() { sample::MakeArchive(kArchive); }  // for the panel that adds to it
+  LooksTest() { sample::MakeArchive(kArchive); }  // so that the CD panel is available
   ~LooksTest() override { DeleteFileA(kArchive); }
 
   static void Check(const DialogDriver& dialog) {
@@ -132,7 +133,7 @@ TEST_F(LooksTest, NoTextIsCut) {
 }
 
 TEST(Looks, AreTheSameAtOtherScales) {
-  GetDesktopWindow();  // what serves it would else be started by, and outlive, a program that is waited for
+  GetDesktopWindow();  // starts the desktop process, which would outlive a child that started it
   constexpr wchar_t kKey[] = L"Control Panel\\Desktop";
   SetEnvironmentVariableW(L"GTEST_OUTPUT", nullptr);
   for (const DWORD dpi : {144, 192}) {

@@ -1,29 +1,30 @@
-// The object without its dialog: class factory and identity, connecting to the event, calls through IDispatch
-// as scripting engines make them, and when the DLL may go.
+// The object without its dialog: the class factory, identity, event sinks, late-bound calls as scripting
+// engines make them, and when the DLL can be unloaded.
 #include <olectl.h>
+
+#include <cstring>
 
 #include "tests/e2e/component.h"
 
 namespace kxrestore::e2e {
 namespace {
 
+// A VARIANT of this type. All values are at the same place in its union.
+template <class Value>
+VARIANT Variant(VARTYPE type, Value value) {
+  VARIANT made{};
+  made.vt = type;
+  std::memcpy(&made.llVal, &value, sizeof value);
+  return made;
+}
 VARIANT OfText(BSTR text) {
-  VARIANT value{};
-  value.vt = VT_BSTR;
-  value.bstrVal = text;
-  return value;
+  return Variant(VT_BSTR, text);
 }
 VARIANT OfNumber(LONG number) {
-  VARIANT value{};
-  value.vt = VT_I4;
-  value.lVal = number;
-  return value;
+  return Variant(VT_I4, number);
 }
 VARIANT Reference(VARIANT* to) {
-  VARIANT value{};
-  value.vt = VT_BYREF | VT_VARIANT;
-  value.pvarVal = to;
-  return value;
+  return Variant(VT_BYREF | VT_VARIANT, to);
 }
 
 class ObjectTest : public ::testing::Test {
@@ -76,9 +77,12 @@ TEST_F(ObjectTest, EveryInterfaceLeadsToTheOneIdentity) {
 }
 
 TEST_F(ObjectTest, KeepsTheDllLoadedWhileSomethingIsInUse) {
-  const auto lock = [this](BOOL locked) { m_dll.Factory()->LockServer(locked); };
+  const auto canUnloadAfterLock = [this](BOOL locked) {
+    m_dll.Factory()->LockServer(locked);
+    return m_dll.CanUnload();
+  };
   Text name(L"C:\\none.db");
-  EXPECT_EQ(S_OK, m_object->put_DB(&name));  // makes the form, which keeps nothing loaded
+  EXPECT_EQ(S_OK, m_object->put_DB(&name));  // makes the form, which does not keep the DLL loaded
   m_point.Reset();
   EXPECT_FALSE(m_dll.CanUnload());
   m_object.Reset();
@@ -86,16 +90,12 @@ TEST_F(ObjectTest, KeepsTheDllLoadedWhileSomethingIsInUse) {
   {
     const ComPtr<IClassFactory> factory = m_dll.Factory();
     EXPECT_FALSE(m_dll.CanUnload());
-    factory->LockServer(TRUE);
   }
-  EXPECT_FALSE(m_dll.CanUnload());
-  lock(FALSE);
-  EXPECT_TRUE(m_dll.CanUnload());
-  lock(FALSE);  // one unlock too many must not eat the next lock
-  lock(TRUE);
-  EXPECT_FALSE(m_dll.CanUnload());
-  lock(FALSE);
-  EXPECT_TRUE(m_dll.CanUnload());
+  EXPECT_FALSE(canUnloadAfterLock(TRUE));
+  EXPECT_TRUE(canUnloadAfterLock(FALSE));
+  EXPECT_TRUE(canUnloadAfterLock(FALSE));
+  EXPECT_FALSE(canUnloadAfterLock(TRUE)) << "a surplus unlock does not cancel a later lock";
+  EXPECT_TRUE(canUnloadAfterLock(FALSE));
 
   m_point = EventsOf(m_dll.NewObject().Get());
   ComPtr<IEnumConnections> connections;
@@ -144,7 +144,7 @@ TEST_F(ObjectTest, SinksComeAndGo) {
   EXPECT_NE(first, second);
   ComPtr<IEnumConnections> connections, clone;
   ASSERT_EQ(S_OK, m_point->EnumConnections(connections.GetAddressOf()));
-  // The enumerator keeps what there was when it was made.
+  // The enumerator is a snapshot of the connections at its creation.
   EXPECT_EQ(S_OK, m_point->Unadvise(first));
   EXPECT_EQ(CONNECT_E_NOCONNECTION, m_point->Unadvise(first));
   ULONG fetched = 0;
@@ -158,20 +158,20 @@ TEST_F(ObjectTest, SinksComeAndGo) {
     }
     return cookies;
   };
-  const std::string behind = std::to_string(second) + ' ';
-  EXPECT_EQ("end " + std::to_string(first) + ' ' + behind, next(connections.Get(), 3, &fetched));
+  const std::string remaining = std::to_string(second) + ' ';
+  EXPECT_EQ("end " + std::to_string(first) + ' ' + remaining, next(connections.Get(), 3, &fetched));
   EXPECT_EQ(2u, fetched);
   EXPECT_EQ(S_OK, connections->Reset());
   EXPECT_EQ(S_OK, connections->Skip(1));
   ASSERT_EQ(S_OK, connections->Clone(clone.GetAddressOf()));
   EXPECT_EQ(S_FALSE, connections->Skip(2));
-  EXPECT_EQ(behind, next(clone.Get(), 1, nullptr));
+  EXPECT_EQ(remaining, next(clone.Get(), 1, nullptr));
   CONNECTDATA data[2];
   EXPECT_EQ(E_POINTER, clone->Next(2, data, nullptr));
-  EXPECT_GT(Advise(m_object.Get(), one.Get()), second) << "a cookie is not given twice";
+  EXPECT_GT(Advise(m_object.Get(), one.Get()), second) << "cookies are not reused";
 }
 
-// Has no event interface, nor any other.
+// An object without any interface, so without the event interface.
 struct Mute final : IUnknown {
   STDMETHODIMP QueryInterface(REFIID, void** object) override {
     *object = nullptr;
@@ -181,7 +181,7 @@ struct Mute final : IUnknown {
   STDMETHODIMP_(ULONG) Release() override { return 1; }
 };
 
-TEST_F(ObjectTest, RefusesWhoCannotListen) {
+TEST_F(ObjectTest, RefusesSinksWithoutTheEventInterface) {
   Mute mute;
   DWORD cookie = 7;
   EXPECT_EQ(CONNECT_E_CANNOTCONNECT, m_point->Advise(&mute, &cookie));
@@ -190,8 +190,8 @@ TEST_F(ObjectTest, RefusesWhoCannotListen) {
   EXPECT_EQ(E_POINTER, m_point->Advise(&mute, nullptr));
 }
 
-TEST_F(ObjectTest, ASinkMayCallTheObjectThatLetsItGo) {
-  // Held by the object alone, and looking at the object once more when it is dropped.
+TEST_F(ObjectTest, ASinkMayCallTheObjectThatReleasesIt) {
+  // Belongs to a sink that only the object holds. Its destructor calls the object that releases it.
   struct Parting {
     IUnknown* object;
     ~Parting() {
@@ -209,22 +209,18 @@ TEST_F(ObjectTest, ASinkMayCallTheObjectThatLetsItGo) {
   EXPECT_TRUE(m_dll.CanUnload());
 }
 
-// What the values do is tested with the dialog.
+// The effects of the values are tested with the dialog.
 TEST_F(ObjectTest, ValuesArriveHoweverTheyArePassed) {
   Text text(L"C:\\catalog.db"), one(L"1");
-  VARIANT textByReference{}, empty{}, truth{};
-  textByReference.vt = VT_BYREF | VT_BSTR;
-  textByReference.pbstrVal = &text;
-  truth.vt = VT_BOOL;
-  truth.boolVal = VARIANT_TRUE;
-  VARIANT variable = OfText(text), number = OfNumber(1);
+  const VARIANT textByReference = Variant(VT_BYREF | VT_BSTR, &text);
+  VARIANT variable = OfText(text), number = OfNumber(1), truth = Variant(VT_BOOL, VARIANT_TRUE), none{};
   for (const wchar_t* name : {L"DB", L"RestorePath", L"SessionLogName", L"frmCaption", L"DBPass"}) {
     for (const VARIANT& value : {OfText(text), textByReference, Reference(&variable), OfNumber(42),
-                                 Reference(&number), empty, Reference(&empty)}) {
+                                 Reference(&number), none, Reference(&none)}) {
       EXPECT_EQ(S_OK, Put(name, value)) << testing::PrintToString(name) << " as " << value.vt;
     }
   }
-  EXPECT_EQ(VT_BSTR, variable.vt) << "the host's variable is the host's";
+  EXPECT_EQ(VT_BSTR, variable.vt) << "the host's variable is unchanged";
   EXPECT_STREQ(L"C:\\catalog.db", variable.bstrVal);
   for (const wchar_t* name : {L"DBType", L"DebugFlag", L"lblInVisible"}) {
     for (const VARIANT& value : {OfNumber(0), Reference(&number), OfText(one), truth, Reference(&truth)}) {
@@ -234,16 +230,15 @@ TEST_F(ObjectTest, ValuesArriveHoweverTheyArePassed) {
   EXPECT_EQ(DISP_E_OVERFLOW, Put(L"DBType", OfNumber(70000)));
 }
 
-TEST_F(ObjectTest, WrongCallsAreRefusedAndNothingBreaks) {
-  VARIANT null{}, circle = Reference(&circle), result{};
-  null.vt = VT_NULL;
+TEST_F(ObjectTest, WrongCallsAreRefused) {
+  VARIANT null{VT_NULL}, circle = Reference(&circle), result{};
   Text text(L"x");
   VARIANT value = OfText(text);
   EXPECT_EQ(DISP_E_TYPEMISMATCH, Put(L"frmCaption", null));
   EXPECT_EQ(DISP_E_TYPEMISMATCH, Put(L"DB", Reference(&null)));
   EXPECT_EQ(DISP_E_TYPEMISMATCH, Put(L"DB", circle));
   EXPECT_EQ(DISP_E_UNKNOWNNAME, Put(L"NoSuchProperty", value));
-  // There is nothing to read.
+  // The properties are write-only.
   EXPECT_EQ(DISP_E_MEMBERNOTFOUND, CallByName(m_object.Get(), L"DB", DISPATCH_PROPERTYGET, nullptr, &result));
   EXPECT_TRUE(FAILED(CallByName(m_object.Get(), L"DefineRestoreSet", DISPATCH_METHOD, &value, &result)));
   DISPPARAMS none{};
@@ -254,7 +249,7 @@ TEST_F(ObjectTest, WrongCallsAreRefusedAndNothingBreaks) {
   EXPECT_EQ(DISP_E_UNKNOWNINTERFACE, invoke(0x60030009, IID_IUnknown, nullptr));
   EXPECT_EQ(E_POINTER, invoke(0x60030009, IID_NULL, nullptr));
 
-  // Early-bound calls mind null pointers only.
+  // Early-bound calls refuse null pointers only.
   EXPECT_EQ(E_POINTER, m_object->DefineRestoreSet(nullptr));
   EXPECT_EQ(E_POINTER, m_object->put_DB(nullptr));
   EXPECT_EQ(E_POINTER, m_object->put_RestorePath(nullptr));
@@ -266,7 +261,7 @@ TEST_F(ObjectTest, WrongCallsAreRefusedAndNothingBreaks) {
 }
 
 TEST_F(ObjectTest, NamesAndTypeInformation) {
-  LPOLESTR name = const_cast<LPOLESTR>(L"dEfInErEsToReSeT");  // script languages do not mind the case
+  LPOLESTR name = const_cast<LPOLESTR>(L"dEfInErEsToReSeT");  // names ignore case, as script languages expect
   DISPID id = 0;
   EXPECT_EQ(S_OK, m_object->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id));
   EXPECT_EQ(0x60030009, id);

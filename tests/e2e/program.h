@@ -1,4 +1,4 @@
-// Another program, run without a console window; ended when it outlives the object.
+// A child process without a console window. The destructor terminates it if it is still running.
 #pragma once
 
 #include <windows.h>
@@ -50,7 +50,7 @@ class Program {
     if (m_reader.joinable()) m_reader.join();
     return static_cast<int>(code);
   }
-  // What it wrote, with plain line ends. Only after Wait.
+  // What the program wrote, with "\n" line ends. Call Wait first.
   std::string Output() const {
     std::string text = m_text;
     std::erase(text, '\r');

@@ -1,15 +1,9 @@
-// What registering leaves in the registry, and that unregistering takes all of it away.
+// Registering writes the expected keys, and unregistering removes all of them.
 #include "tests/e2e/component.h"
 #include "tests/e2e/program.h"
 
 namespace kxrestore::e2e {
 namespace {
-
-std::wstring GuidText(REFGUID guid) {
-  wchar_t text[40];
-  StringFromGUID2(guid, text, 40);
-  return text;
-}
 
 const std::wstring kClasses = L"Software\\Classes\\", kClassKey = L"CLSID\\" + GuidText(CLSID_RestoreDlg),
                    kLibraryKey = L"TypeLib\\" + GuidText(LIBID_KXRestore),
@@ -84,7 +78,7 @@ class RegistrationTest : public testing::Test {
   Apartment m_apartment;
 };
 
-TEST_F(RegistrationTest, Regsvr32AndInstallRegisterAndTakeItBack) {
+TEST_F(RegistrationTest, Regsvr32AndInstallRegisterAndUnregister) {
   const struct {
     std::wstring arguments;  // of regsvr32
     const wchar_t* commandLine;
@@ -95,7 +89,7 @@ TEST_F(RegistrationTest, Regsvr32AndInstallRegisterAndTakeItBack) {
     ASSERT_EQ(0, Regsvr32(arguments));
     ExpectRegistered(root);
     ExpectNothing(other);
-    for (int time = 0; time < 2; ++time) {  // nothing to take away is no error
+    for (int time = 0; time < 2; ++time) {  // unregistering what is not registered is no error
       EXPECT_EQ(0, Regsvr32(L"/u " + arguments));
       ExpectNothing(root);
     }
@@ -108,7 +102,7 @@ TEST_F(RegistrationTest, Regsvr32AndInstallRegisterAndTakeItBack) {
   ExpectNothing(HKEY_CURRENT_USER);
 }
 
-TEST_F(RegistrationTest, RegisteringTwiceMovesToTheNewPlace) {
+TEST_F(RegistrationTest, RegisteringACopyReplacesThePath) {
   const auto folder = std::filesystem::temp_directory_path() / L"kx bl\u00E4nk \u6F22";
   const auto copy = folder / L"KXRestore.dll";
   std::filesystem::create_directory(folder);
@@ -135,8 +129,8 @@ TEST_F(RegistrationTest, RegisteringTwiceMovesToTheNewPlace) {
   std::filesystem::remove_all(folder);
 }
 
-TEST_F(RegistrationTest, WhatFailsHalfwayIsTakenBack) {
-  // Nothing lasting can be made below a key that goes with the session.
+TEST_F(RegistrationTest, AFailedRegistrationLeavesNothing) {
+  // A permanent key cannot be created below a volatile one.
   HKEY key = nullptr;
   ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, (kClasses + kInterfaceKey).c_str(), 0, nullptr,
                                            REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, nullptr));

@@ -1,10 +1,10 @@
-// Several objects, several sinks, several apartments: one form. And the end of the DLL.
+// Several objects, sinks and apartments that share the one form, and unloading the DLL.
 #include "tests/e2e/dialog_fixture.h"
 
 namespace kxrestore::e2e {
 namespace {
 
-// Lists the marked rows and commits.
+// Lists the marked files and presses Restore Now.
 void Commit(const DialogDriver& dialog) {
   dialog.Click("cmdRestore(2)");
   dialog.ExpectEnabled("cmdRestore(0)", true);
@@ -46,12 +46,12 @@ TEST_F(SharingTest, NoSinkDisturbsTheOthers) {
   DWORD ownCookie = 0, laterCookie = 0;
   const ComPtr<CountingSink> sinks[] = {
       CountingSink::Make(),
-      // A 32-bit host with GCC's run-time linked in is beyond help; its exceptions do not come as far as the
-      // component.
+      // In a 32-bit host that links GCC's run-time statically, an exception never reaches the component. The
+      // case is skipped there.
       CountingSink::Make([] {
         if (sizeof(void*) == 8) throw std::runtime_error("from the host");
       }),
-      // What `throw` is in a program of Microsoft's compiler, as far as the system sees it.
+      // The system exception that `throw` raises in a program built by Microsoft's compiler.
       CountingSink::Make([] {
         const ULONG_PTR details[] = {0x19930520, 0, 0};
         RaiseException(0xE06D7363, EXCEPTION_NONCONTINUABLE, 3, details);
@@ -88,7 +88,7 @@ TEST_F(SharingTest, AnotherApartmentNeitherWaitsNorDisturbs) {
   });
   EXPECT_EQ(0, refused);
 
-  // What it set holds for the next dialog, and that may run in yet another apartment.
+  // The other object's setting applies to the next dialog, which may run in a third apartment.
   std::thread([&] {
     const Apartment apartment;
     const ComPtr<_RestoreDlg> other = m_dll.NewObject();
@@ -100,7 +100,7 @@ TEST_F(SharingTest, AnotherApartmentNeitherWaitsNorDisturbs) {
 }
 
 TEST_F(SharingTest, CallersInTheMultithreadedApartmentAreServed) {
-  const Registered registered;  // the system finds the description of the interfaces there
+  const Registered registered;  // marshalling needs the registered type library
   ComPtr<IStream> stream;
   ASSERT_EQ(S_OK,
             CoMarshalInterThreadInterfaceInStream(IID__RestoreDlg, m_object.Get(), stream.GetAddressOf()));
@@ -128,7 +128,7 @@ TEST_F(SharingTest, CallersInTheMultithreadedApartmentAreServed) {
     }
     SetEvent(finished);
   });
-  DWORD index = 0;  // calls from other apartments come in meanwhile
+  DWORD index = 0;  // dispatches calls from other apartments while it waits
   EXPECT_EQ(S_OK, CoWaitForMultipleHandles(0, 60000, 1, &finished, &index));
   caller.join();
   CloseHandle(finished);
@@ -138,7 +138,7 @@ TEST_F(SharingTest, CallersInTheMultithreadedApartmentAreServed) {
 }
 
 TEST_F(SharingTest, TheDllCanBeUnloadedAndLoadedAgain) {
-  // A copy, because the one of the fixture holds its file.
+  // A copy, because the fixture keeps the original loaded.
   const std::wstring copy = m_catalog.Folder() + L"KXRestore.dll";
   ASSERT_TRUE(CopyFileW(DllPath().c_str(), copy.c_str(), FALSE));
   for (int round = 0; round < 10; ++round) {
@@ -147,13 +147,13 @@ TEST_F(SharingTest, TheDllCanBeUnloadedAndLoadedAgain) {
       const ComPtr<_RestoreDlg> object = dll.NewObject();
       Text path(m_catalog.Path());
       object->put_DB(&path);  // makes the form
-      // A library loaded elsewhere would find what an earlier one left, such as window classes.
+      // A leftover of an earlier round, such as a window class, would break a DLL at another address.
       if (round % 3 == 0) {
         EXPECT_EQ(0, RunDialog(object.Get(), [](const DialogDriver& dialog) { dialog.Close(); }));
       }
     }
     ASSERT_EQ(nullptr, GetModuleHandleW(copy.c_str())) << "round " << round;
-    // The next round's copy shall not get the same place.
+    // Reserves address space, so that the next rounds load the DLL at another address.
     if (round == 2) VirtualAlloc(nullptr, 1 << 20, MEM_RESERVE, PAGE_NOACCESS);
   }
 }

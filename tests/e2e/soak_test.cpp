@@ -1,6 +1,6 @@
-// What one host process keeps after many runs of the dialog: nothing that grows.
+// A host process that runs the dialog many times does not leak.
 //
-// KX_SOAK_RUNS in the environment says how many runs (12 unless set).
+// The environment variable KX_SOAK_RUNS sets the number of runs (default 12).
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -11,7 +11,7 @@
 namespace kxrestore::e2e {
 namespace {
 
-// Handles of the system. Not every system keeps count of them, so each value that could be one is tried.
+// Open kernel handles. GetProcessHandleCount does not work everywhere, so every possible value is probed.
 int CountHandles() {
   int count = 0;
   DWORD flags = 0;
@@ -26,7 +26,7 @@ BOOL CALLBACK CountWindow(HWND, LPARAM count) {
   return TRUE;
 }
 
-// All windows of this process: top-level ones and those that only take messages, with their children.
+// All windows of this process: top-level and message-only windows with their children.
 int CountWindows() {
   int count = 0;
   for (const HWND parent : {static_cast<HWND>(nullptr), HWND_MESSAGE}) {
@@ -41,8 +41,8 @@ int CountWindows() {
   return count;
 }
 
-// Pens, brushes, fonts, bitmaps, regions and device contexts. A handle's lower half is an index into one
-// table; the system accepts it without the upper half.
+// GDI objects: pens, brushes, fonts, bitmaps, regions and device contexts. The lower half of a handle is an
+// index into one table, and the system accepts it without the upper half.
 int CountDrawing() {
   int count = 0;
   for (UINT_PTR index = 1; index < 0x10000; ++index) {
@@ -51,6 +51,7 @@ int CountDrawing() {
   return count;
 }
 
+// Allocated blocks in all heaps.
 int CountBlocks() {
   HANDLE heaps[64];
   const DWORD found = std::min<DWORD>(GetProcessHeaps(64, heaps), 64);
@@ -65,23 +66,24 @@ int CountBlocks() {
   return count;
 }
 
-int g_labels = 0;  // that this thread has created
+int g_labels = 0;  // labels that this thread has created
 LRESULT CALLBACK CountLabel(int code, WPARAM window, LPARAM details) {
   const bool label = code == HCBT_CREATEWND && driver::ClassOf(reinterpret_cast<HWND>(window)) == "Static";
   g_labels += label ? 1 : 0;
   return CallNextHookEx(nullptr, code, window, details);
 }
 
+// What the process holds at one moment.
 struct Held {
   int handles = CountHandles(), windows = CountWindows(), drawing = CountDrawing(), labels = g_labels;
-  int blocks = CountBlocks();  // of the process's heaps, in use
+  int blocks = CountBlocks();
 };
 
-TEST_F(DialogTest, AHostThatRunsForWeeksKeepsNothing) {
+TEST_F(DialogTest, ManyRunsDoNotLeak) {
   constexpr int kStep = 50;
   const char* const told = std::getenv("KX_SOAK_RUNS");
   const int runs = told == nullptr ? 12 : std::max(std::atoi(told), 2);
-  const int settled = std::min(runs / 2, 100);  // by then the caches of the system are full
+  const int settled = std::min(runs / 2, 100);  // by then the system's caches are filled
   std::vector<Held> measured;
   const HHOOK hook = SetWindowsHookExW(WH_CBT, CountLabel, nullptr, GetCurrentThreadId());
   for (int run = 1; run <= runs; ++run) {
@@ -110,12 +112,12 @@ TEST_F(DialogTest, AHostThatRunsForWeeksKeepsNothing) {
   UnhookWindowsHookEx(hook);
   const Held &first = measured.front(), &last = measured.back();
   EXPECT_GT(std::min({first.handles, first.windows, first.drawing, first.blocks}), 0);
-  // What is kept of every run, or of every tenth, shows; what comes and goes with a thread does not.
+  // The slack hides what a thread allocates and frees, but not a leak in every run or in every tenth.
   const int slack = 3 + (runs - settled) / 20;
   EXPECT_LE(last.handles, first.handles + slack);
   EXPECT_LE(last.windows, first.windows + slack);
   EXPECT_LE(last.drawing, first.drawing + slack);
-  // Wine never frees one block of 24 bytes for each label.
+  // Wine leaks one block of 24 bytes for each label.
   EXPECT_LE(last.blocks, first.blocks + last.labels - first.labels + slack);
 }
 

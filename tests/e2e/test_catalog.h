@@ -1,5 +1,5 @@
-// A small catalog file in a folder with a blank and characters outside the system's code page, as users have
-// them; a test can name its every row.
+// A small catalog file with a named constant for each row. The path of its folder contains a blank and a
+// character outside the system's code page.
 //
 //   Documents   run 1, the newest: C:\Data\a.txt, C:\Data\Reports\b.doc, D:\y.txt, a row that is not live,
 //               and C:\Data\Reports\a very long name.xls

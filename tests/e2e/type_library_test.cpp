@@ -1,5 +1,5 @@
-// What hosts are bound to: identifiers, order of the members, dispatch ids, parameters. And what else the
-// file of the DLL holds.
+// The binary contract with hosts: identifiers, member order, dispatch ids and parameters in the type library.
+// Also the other resources of the DLL.
 #include <map>
 #include <sstream>
 
@@ -9,7 +9,7 @@
 namespace kxrestore::e2e {
 namespace {
 
-// Of a type or a library.
+// The name of a type or of a library.
 template <class Described>
 std::string NameOf(const ComPtr<Described>& described) {
   BSTR name = nullptr;
@@ -19,7 +19,7 @@ std::string NameOf(const ComPtr<Described>& described) {
   return text;
 }
 
-// "  NAME ID SLOT HOW (PARAMETERS)"; the slot is that of the table, how it is called an INVOKEKIND.
+// "  NAME ID SLOT KIND (PARAMETERS)": the dispatch id, the vtable slot (0 if late-bound) and the INVOKEKIND.
 std::string DescribeFunction(const ComPtr<ITypeInfo>& type, UINT index, bool early) {
   FUNCDESC* function = nullptr;
   type->GetFuncDesc(index, &function);
@@ -44,20 +44,15 @@ std::string DescribeFunction(const ComPtr<ITypeInfo>& type, UINT index, bool ear
   return text.str() + ")\n";
 }
 
-std::string GuidText(const GUID& guid) {
-  wchar_t text[40];
-  StringFromGUID2(guid, text, 40);
-  return FromWide(text);
-}
-
-// "KIND NAME GUID FLAGS", and below it its functions, or the names and flags of what it implements.
+// "KIND NAME GUID FLAGS", then a line for each function or, for a class, each implemented interface.
 std::string Describe(const ComPtr<ITypeInfo>& type) {
   constexpr const char* kKinds[] = {"enum",          "record",  "module", "interface",
                                     "dispinterface", "coclass", "alias",  "union"};
   TYPEATTR* attributes = nullptr;
   type->GetTypeAttr(&attributes);
   const TYPEKIND kind = attributes->typekind;
-  std::string text = std::string(kKinds[kind]) + ' ' + NameOf(type) + ' ' + GuidText(attributes->guid) +
+  std::string text = std::string(kKinds[kind]) + ' ' + NameOf(type) + ' ' +
+                     FromWide(GuidText(attributes->guid)) +
                      (attributes->wTypeFlags & TYPEFLAG_FDUAL ? " dual" : "") +
                      (attributes->wTypeFlags & TYPEFLAG_FCANCREATE ? " creatable" : "") + '\n';
   HREFTYPE reference = 0;
@@ -90,7 +85,7 @@ TEST(TypeLibrary, IsTheOneThatHostsKnow) {
   EXPECT_EQ(sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32, attributes->syskind);
   std::ostringstream found;
   found << NameOf(library) << ' ' << attributes->wMajorVerNum << '.' << attributes->wMinorVerNum << ' '
-        << GuidText(attributes->guid) << '\n';
+        << FromWide(GuidText(attributes->guid)) << '\n';
   library->ReleaseTLibAttr(attributes);
   for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
     ComPtr<ITypeInfo> type;

@@ -1,5 +1,5 @@
-// The dialog's window in use: splitters dragged with the mouse, a file restored by keys alone, and tabs that
-// switch without flicker.
+// The dialog with real mouse and keyboard input: dragged splitters, a file restored by keys alone, and tab
+// switches without flicker.
 #include <map>
 #include <mutex>
 
@@ -15,8 +15,8 @@ RECT Bounds(HWND window) {
   return bounds;
 }
 
-// The X server's pointer and keys, which the system sees as its own. Now and then a program of the system
-// beneath cannot be started.
+// Injects mouse and key input through the X server, which Wine treats as the user's. Starting a native
+// program from Wine sometimes fails, so it is tried again.
 void Xdotool(const std::wstring& actions) {
   constexpr int kNotStarted = -1;
   int code = kNotStarted;
@@ -74,7 +74,7 @@ TEST_F(WindowTest, AFileIsFoundTickedAndRestoredByKeysAlone) {
   EXPECT_EQ(Ids{kNewB}, m_catalog.Marked());
 }
 
-// Counts the paintings of each window of a thread.
+// Counts the WM_PAINT messages of each window of a thread.
 class PaintLog {
  public:
   explicit PaintLog(DWORD thread)
@@ -116,7 +116,7 @@ TEST_F(WindowTest, ATabSwitchPaintsEachWindowOnce) {
     dialog.Tab(3);
     driver::WaitFor(std::chrono::seconds(40), "the types",
                     [&] { return dialog.List("asFiles").Count() > 0; });
-    Sleep(600);  // they are sorted in
+    Sleep(600);  // until the types are sorted
     PaintLog log(GetWindowThreadProcessId(dialog.WaitForForm(), nullptr));
     for (const int tab : {1, 2, 3, 1}) {
       Sleep(400);

@@ -23,7 +23,7 @@ class CdTest : public ::testing::Test {
   HeadlessDesktop desktop;
 };
 
-TEST_F(CdTest, ThePropertiesLookAgainAndTheCountDoesNot) {
+TEST_F(CdTest, ThePropertiesSearchAgainButTheCountDoesNot) {
   drives.drives = {{"c:\\", 3, "SYSTEM"}};
   cCD cd(drives, desktop);
   ExpectNone(cd);
@@ -34,7 +34,7 @@ TEST_F(CdTest, ThePropertiesLookAgainAndTheCountDoesNot) {
   desktop.onDoEvents = [&] { EXPECT_EQ("SECOND", cd.CDVolumeLabel()); };  // asked during the search
   EXPECT_EQ("Z:\\", cd.CDDriveLetter()) << "the letter of the last drive, the label of the last CD";
   EXPECT_EQ(2, cd.CDCount());
-  EXPECT_EQ(6u, desktop.doEventsCount) << "a turn a CD drive, also for those who ask in between";
+  EXPECT_EQ(6u, desktop.doEventsCount) << "messages run once for each CD drive and search";
   EXPECT_TRUE(cd.CDExists());
   drives.drives = {{"c:\\", 3, "SYSTEM"}};
   ExpectNone(cd);
@@ -57,7 +57,7 @@ TEST_F(CdTest, Labels) {
   EXPECT_EQ("", cd.GetVolumeLabel("q:\\"));
 }
 
-TEST_F(CdTest, MoreDrivesThanTheBufferHoldsAreNone) {
+TEST_F(CdTest, MoreDrivesThanTheBufferHoldsGiveNone) {
   for (char letter = 'a'; letter < 'a' + 15; ++letter)
     drives.drives.push_back({letter + std::string(":\\"), kCd, "X"});
   cCD cd(drives, desktop);

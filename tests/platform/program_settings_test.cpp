@@ -53,7 +53,7 @@ TEST_F(ProgramSettingsTest, ReadsTextsNumbersAndNothingElse) {
   EXPECT_TRUE(desktop.messages.empty());
 }
 
-TEST_F(ProgramSettingsTest, ThePathIsJoinedAsItStands) {
+TEST_F(ProgramSettingsTest, ThePathIsJoinedUnchanged) {
   const CProgramSettings fresh(registry, desktop);
   EXPECT_EQ(0x80000002u, fresh.RootKey());
   EXPECT_EQ("SOFTWARE|||Settings",

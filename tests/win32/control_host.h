@@ -1,5 +1,5 @@
-// A top-level window that stands in for the form: it passes notifications on to the control's window, runs
-// messages, and measures.
+// A top-level window in place of the form. It forwards notifications to the control's window. The fixture
+// runs messages and measures times.
 #pragma once
 
 #include <algorithm>
@@ -13,8 +13,8 @@ namespace kxrestore::win32::test {
 
 class ControlHost : public testing::Test {
  protected:
-  // The time that a call takes, in milliseconds of processor time that this thread has used: what else the
-  // machine does counts little.
+  // The time that a call takes, in milliseconds of this thread's processor time, on which other load has
+  // little effect.
   template <class Call>
   static double Measure(Call&& call) {
     const double before = Used();
@@ -35,7 +35,7 @@ class ControlHost : public testing::Test {
   }
   ~ControlHost() override { DestroyWindow(host); }
 
-  // Gives the control its window, and that the focus.
+  // Creates the control's window and gives it the focus.
   template <class Control, class Make>
   void Show(Control& control, Make&& make) {
     control.Move(0, 0, 10'000, 7'500);
@@ -45,7 +45,8 @@ class ControlHost : public testing::Test {
     Pump();
   }
 
-  // Handles one message, if there is one.
+  // Handles one message, if any, and brings windows into line with their controls. Returns whether there was
+  // one.
   bool Step() {
     bool any = false;
     const double took = Measure([&] {
@@ -60,11 +61,11 @@ class ControlHost : public testing::Test {
     m_longest = std::max(m_longest, took);
     return any;
   }
-  // The longest that a message took since this was last asked.
+  // The longest time that a message took since the last call.
   double TakeLongest() { return std::exchange(m_longest, 0.0); }
 
   void Pump() {
-    while (Step() || Step()) {  // what is brought into line when there is no message may post one
+    while (Step() || Step()) {  // FlushAll may have posted a message
     }
     if (const std::exception_ptr error = context.TakeError()) std::rethrow_exception(error);
   }

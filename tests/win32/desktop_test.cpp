@@ -1,3 +1,4 @@
+// The desktop service: modal forms, messages, message boxes, the question for a day, the clipboard.
 #include <stdexcept>
 
 #include "base/error.h"
@@ -45,12 +46,12 @@ TEST_F(Desktop, TheHostsWindowsAreDisabledWhileTheFormShows) {
          EXPECT_FALSE(IsWindowEnabled(disabledBefore.handle));
          EXPECT_EQ(GetWindow(form, GW_OWNER), nullptr);
          EXPECT_EQ(GetActiveWindow(), form);
-         TheDesktop().ShowModal(ui.form);  // is showing already
+         TheDesktop().ShowModal(ui.form);  // it is already shown
          EXPECT_TRUE(IsWindow(form));
          SetForegroundWindow(host.handle);
          SendMessageW(form, WM_ACTIVATEAPP, TRUE, 0);
        },
-       [&] { EXPECT_EQ(GetActiveWindow(), form) << "the form comes forward when its host is activated"; }});
+       [&] { EXPECT_EQ(GetActiveWindow(), form) << "activating the host activates the form"; }});
   EXPECT_TRUE(IsWindowEnabled(host.handle));
   EXPECT_FALSE(IsWindowEnabled(disabledBefore.handle));
   EXPECT_FALSE(IsWindow(form));
@@ -60,9 +61,9 @@ TEST_F(Desktop, TheHostsWindowsAreDisabledWhileTheFormShows) {
   EXPECT_EQ(ui.form.GetPeer(), nullptr);
 }
 
-TEST_F(Desktop, QuittingEndsTheLoopAndStaysForTheHost) {
+TEST_F(Desktop, AQuitMessageEndsTheLoopAndRemainsForTheHost) {
   int rows = 0;
-  for (int code : {3, 7}) {  // the form shows again after its windows were gone
+  for (int code : {3, 7}) {  // the second round shows the form again
     bool stopped = false;
     ui.form.KeyPress = [&](controls::Key key) { stopped |= key == controls::Key::kEscape; };
     Run({[&] {
@@ -76,7 +77,7 @@ TEST_F(Desktop, QuittingEndsTheLoopAndStaysForTheHost) {
   }
 }
 
-TEST_F(Desktop, AWalkShowsItsCaptionNowAndThenAndHearsTheUser) {
+TEST_F(Desktop, AWalkUpdatesItsCaptionAtIntervalsAndTakesInput) {
   constexpr DWORD kLength = 500;  // milliseconds
   bool stopped = false, clickedMeanwhile = false;
   int row = 0;
@@ -103,11 +104,11 @@ TEST_F(Desktop, AWalkShowsItsCaptionNowAndThenAndHearsTheUser) {
        [&] { EXPECT_EQ(ShownBy(ui.label), "Loading " + std::to_string(row)); }});
   EXPECT_TRUE(clickedMeanwhile);
   EXPECT_TRUE(stopped);
-  // A row costs next to nothing: a window message each would allow some 10,000.
+  // With a window message for each row, about 10,000 rows would be reached.
   EXPECT_GT(row, 200'000);
 }
 
-TEST_F(Desktop, WhatFormCodeThrowsIsReportedAndTheFormLives) {
+TEST_F(Desktop, AnExceptionOfFormCodeIsReportedAndTheFormStaysOpen) {
   ui.apply.Click = [] { throw Error(35601, "Element not found"); };
   ui.label.MouseMove = [] { throw std::runtime_error("Unforeseen"); };
   Run({[&] {
@@ -140,7 +141,7 @@ TEST_F(Desktop, AWindowThatIsDestroyedEndsTheDialog) {
 
 UINT g_answer = 0;
 SYSTEMTIME g_offered{};
-// Answers the question for a day once its window is there.
+// Answers the question for a day once its window exists.
 void CALLBACK AnswerDay(HWND, UINT, UINT_PTR timer, DWORD) {
   const HWND dialog = FindWindowW(nullptr, L"State of a day");
   if (dialog == nullptr) return;
@@ -165,7 +166,7 @@ TEST_F(Desktop, ADayIsAskedForInAWindowOfItsOwn) {
   EXPECT_FALSE(ask(IDCANCEL));
 }
 
-TEST_F(Desktop, AWindowComesUpLargeEnoughAndNotLargerThanTheScreen) {
+TEST_F(Desktop, AWindowStartsLargeEnoughAndFitsTheScreen) {
   const platform::WindowSize usual = TheDesktop().SizeToStartWith({100, 100});
   const platform::WindowSize all = TheDesktop().SizeToStartWith({1'000'000, 1'000'000});
   EXPECT_NEAR(usual.width, all.width * 0.7, 15);

@@ -1,4 +1,4 @@
-// A form with one control of each simple kind, shown modally while a test works it on the same thread.
+// A form with a control of each simple kind. It is shown modally while the steps of a test run on its thread.
 #pragma once
 
 #include <deque>
@@ -63,8 +63,8 @@ class FormTest : public testing::Test {
 
   platform::Desktop& TheDesktop() { return m_platform.Get().desktop; }
 
-  // Shows the form. Between two steps the message loop is idle; after the last the form is unloaded unless it
-  // already is.
+  // Shows the form and takes the steps from a timer, so that the message loop runs between them. Then unloads
+  // the form unless a step did.
   void Run(controls::Form& form, std::deque<std::function<void()>> steps) {
     m_form = &form;
     m_steps = std::move(steps);
@@ -72,18 +72,18 @@ class FormTest : public testing::Test {
     TheDesktop().ShowModal(form);
     KillTimer(nullptr, timer);
     EXPECT_TRUE(m_steps.empty());
-    EXPECT_EQ(m_box, "") << "no such message box came";
+    EXPECT_EQ(m_box, "") << "this message box did not appear";
   }
   void Run(std::deque<std::function<void()>> steps) { Run(ui.form, std::move(steps)); }
 
-  // Within a step: processes posted messages.
+  // Processes posted messages within a step.
   void Wait() {
     for (int round = 0; round < 3; ++round) {
       Sleep(16);
       TheDesktop().DoEvents();
     }
   }
-  // The message box that comes next has to show this, "title: text", and is answered.
+  // Expects the next message box to show this, "title: text", and answers it.
   void ExpectBox(const std::string& shown, int answer = IDOK) {
     m_box = shown;
     m_answer = answer;
@@ -93,7 +93,7 @@ class FormTest : public testing::Test {
     return SendMessageW(WindowOf(control), message, wide, extra);
   }
   static std::string ShownBy(controls::Control& control) { return TextOf(WindowOf(control)); }
-  // Presses a key, or a letter with Alt, in the window that has the focus.
+  // Presses a key in the window that has the focus. PressAlt presses a letter with Alt.
   void Press(WPARAM key) {
     PostKey(GetFocus(), key);
     Wait();

@@ -1,3 +1,4 @@
+// The keyboard in a form: Tab, access keys, arrows, Enter, Esc and F5.
 #include "controls/auto_select.h"
 #include "tests/win32/form_fixture.h"
 
@@ -5,7 +6,7 @@ namespace kxrestore::win32::test {
 
 class FormKeys : public FormTest {};
 
-TEST_F(FormKeys, TabFollowsTheOrderOfCreationPastWhatCannotBeUsed) {
+TEST_F(FormKeys, TabFollowsTheOrderOfCreationAndSkipsUnusableControls) {
   ui.shared.SetEnabled(false);
   ui.drive.SetVisible(false);
   const controls::TextBox below("below", &ui.picBottom);
@@ -19,10 +20,10 @@ TEST_F(FormKeys, TabFollowsTheOrderOfCreationPastWhatCannotBeUsed) {
   EXPECT_EQ(order, "tabs sampleCmd(0) chk opt(1) cbo txt below bar tabs ") << "splitters last";
 }
 
-TEST_F(FormKeys, UnderlinedLettersPressTheirControlAndSelectTheirTab) {
+TEST_F(FormKeys, AccessKeysPressTheirControlOrSelectTheirTab) {
   int applied = 0;
   ui.apply.Click = [&] { ++applied; };
-  ui.shared.Click = [&] { ADD_FAILURE() << "pressed by a letter that it shares"; };
+  ui.shared.Click = [&] { ADD_FAILURE() << "pressed by an access key that it shares"; };
   Run({[&] {
     PressAlt(L'y');
     EXPECT_EQ(applied, 1);
@@ -34,7 +35,7 @@ TEST_F(FormKeys, UnderlinedLettersPressTheirControlAndSelectTheirTab) {
     PressAlt(L'c');
     EXPECT_EQ(ui.tabs.SelectedIndex(), 2);
     EXPECT_EQ(Focused(), "tabs");
-    // A button and a tab share this letter: it goes from one to the other.
+    // A button and a tab share this letter, which moves the focus between them.
     PressAlt(L's');
     EXPECT_EQ(Focused(), ui.shared.Name());
     EXPECT_EQ(ui.tabs.SelectedIndex(), 2);
@@ -46,7 +47,7 @@ TEST_F(FormKeys, UnderlinedLettersPressTheirControlAndSelectTheirTab) {
   }});
 }
 
-TEST_F(FormKeys, LabelsPointToWhatFollowsUnlessTheyShowNames) {
+TEST_F(FormKeys, AnAccessKeyOfALabelLeadsToTheNextControl) {
   ui.label.SetCaption("A&rea");
   controls::Label name("name", &ui.panel, "R&D");
   controls::TextBox after("after", &ui.form);
@@ -62,7 +63,7 @@ TEST_F(FormKeys, LabelsPointToWhatFollowsUnlessTheyShowNames) {
   }});
 }
 
-TEST_F(FormKeys, ArrowsAndEnterWorkTheControlThatHasTheFocus) {
+TEST_F(FormKeys, ArrowsAndEnterActOnTheFocusedControl) {
   int applied = 0;
   ui.apply.Click = [&] {
     ++applied;
@@ -92,7 +93,7 @@ TEST_F(FormKeys, ArrowsAndEnterWorkTheControlThatHasTheFocus) {
     ui.apply.SetFocus();
     Press(VK_RETURN);
     EXPECT_EQ(applied, 1);
-    // A control that is disabled or hidden leaves the focus to the next.
+    // A control that is disabled or hidden passes the focus to the next one.
     EXPECT_EQ(Focused(), ui.shared.Name());
     ui.mask.SetFocus();
     ui.panel.SetVisible(false);
@@ -100,7 +101,7 @@ TEST_F(FormKeys, ArrowsAndEnterWorkTheControlThatHasTheFocus) {
     EXPECT_EQ(Focused(), "bar");
     ExpectBox("KXRestore: Text");
     TheDesktop().MessageBox("Text", platform::MessageStyle::kPlain, "");
-    EXPECT_EQ(Focused(), "bar") << "a message box takes the focus and gives it back";
+    EXPECT_EQ(Focused(), "bar") << "a message box returns the focus";
   }});
 }
 
@@ -116,7 +117,7 @@ TEST_F(FormKeys, EscapeF5AndTheCloseBoxReachTheForm) {
     Wait();
     EXPECT_EQ(seen, "Esc F5 close ");
     EXPECT_TRUE(ui.form.IsOpen());
-    // In an open list Esc closes that.
+    // While a list is dropped down, Esc only closes the list.
     Ask(ui.mask, CB_SHOWDROPDOWN, TRUE);
     Press(VK_ESCAPE);
     EXPECT_EQ(seen, "Esc F5 close ");

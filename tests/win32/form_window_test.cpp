@@ -1,3 +1,4 @@
+// The windows of a form and its controls: layout, resolution, placement, and values in both directions.
 #include "platform/win32/form/make_windows.h"
 #include "tests/win32/form_fixture.h"
 
@@ -15,8 +16,8 @@ class FormWindow : public FormTest {
     return std::abs(font.lfHeight);
   }
 
-  // Every window stands where its control says: edge by edge, or with its size when it is a button or a
-  // ground for others. The heights of combo boxes are the font's.
+  // Expects every window to have the bounds of its control. Buttons and picture boxes have the exact width,
+  // other controls the exact right edge. The height of a combo box follows the font.
   void ExpectLayout(int dpi) {
     ForEachControl(ui.form, [&](controls::Control& control) {
       using controls::Kind;
@@ -40,7 +41,7 @@ class FormWindow : public FormTest {
   }
 };
 
-TEST_F(FormWindow, WindowsStandWhereTheControlsSayAtEveryResolution) {
+TEST_F(FormWindow, WindowsHaveTheBoundsOfTheirControlsAtEveryResolution) {
   Run({[&] {
     const int systemDpi = Context().Dpi();
     const int fontHeight = FontHeight(ui.label);
@@ -56,7 +57,7 @@ TEST_F(FormWindow, WindowsStandWhereTheControlsSayAtEveryResolution) {
   }});
 }
 
-TEST_F(FormWindow, InnerSizeIsTheClientAreaAndSizesGoBothWays) {
+TEST_F(FormWindow, TheScaleSizeIsTheClientAreaAndSizesGoBothWays) {
   ui.form.SetMinimumSize(7000, 6100);
   std::vector<int> reported;
   ui.form.Resize = [&] { reported.push_back(ui.form.Width()); };
@@ -73,7 +74,7 @@ TEST_F(FormWindow, InnerSizeIsTheClientAreaAndSizesGoBothWays) {
     SetWindowPos(form, nullptr, 0, 0, width, outer.bottom - outer.top, SWP_NOMOVE | SWP_NOZORDER);
     EXPECT_EQ(pixels(ui.form.Width()), width);
     EXPECT_EQ(reported.size(), 1u);
-    // What the form's code sets comes back once, as it was set.
+    // A size that code sets is reported once and unchanged.
     ui.form.Move(0, 0, 7003, 6107);
     Wait();
     EXPECT_EQ(ui.form.Width(), 7003);
@@ -97,7 +98,7 @@ TEST_F(FormWindow, InnerSizeIsTheClientAreaAndSizesGoBothWays) {
   }});
 }
 
-TEST_F(FormWindow, OpensAtItsRememberedPlaceOrWhollyOnTheScreen) {
+TEST_F(FormWindow, OpensAtItsStoredPlaceOrMovedOntoTheScreen) {
   ui.form.placement = {true, 1500, 750};
   ui.form.SetWindowState(controls::WindowState::kMaximized);
   Run({[&] {
@@ -117,10 +118,10 @@ TEST_F(FormWindow, OpensAtItsRememberedPlaceOrWhollyOnTheScreen) {
       }});
 }
 
-TEST_F(FormWindow, TheNamesOfWindowsGoWithThem) {
+TEST_F(FormWindow, TheNameOfAWindowIsRemovedWithIt) {
   Run({[&] {
     EXPECT_NE(GlobalFindAtomW(L"samplePrg"), 0);
-    DestroyWindow(WindowOf(ui.progress));  // a window may go without its peer
+    DestroyWindow(WindowOf(ui.progress));  // a window may be destroyed before its peer
     EXPECT_EQ(GlobalFindAtomW(L"samplePrg"), 0);
     ui.progress.SetValue(50);
   }});
@@ -129,7 +130,7 @@ TEST_F(FormWindow, TheNamesOfWindowsGoWithThem) {
   }
 }
 
-TEST_F(FormWindow, NamesAndToolTipsLeaveTheContentsAlone) {
+TEST_F(FormWindow, NamesAndToolTipsDoNotChangeTheContents) {
   ui.mask.SetAccessibleName("Mask");
   ui.mask.SetText("*.doc");
   ui.apply.SetToolTipText("Before");
@@ -153,7 +154,7 @@ TEST_F(FormWindow, NamesAndToolTipsLeaveTheContentsAlone) {
   }});
 }
 
-TEST_F(FormWindow, WindowsShowWhatTheControlsSayAndTellWhatTheUserDoes) {
+TEST_F(FormWindow, WindowsShowTheirControlsAndReportTheUsersInput) {
   ui.drive.SetDrives({"d:", "e:"});
   Run({[&] {
     ui.apply.SetCaption("Gr\u00FC\u00DF");
@@ -217,7 +218,7 @@ TEST_F(FormWindow, WindowsShowWhatTheControlsSayAndTellWhatTheUserDoes) {
   }});
 }
 
-TEST_F(FormWindow, FreezesNestAndEndWithTheStateAsItIs) {
+TEST_F(FormWindow, FreezesNestAndEndWithTheCurrentState) {
   ui.one.SetVisible(false);
   Run({[&] {
     using controls::RedrawFreeze;

@@ -25,7 +25,7 @@ TEST(Icons, EveryKeyOfTheFormHasItsOwnPictureAtEverySize) {
       ImageList_Draw(list.get(), static_cast<int>(image), dc, 0, 0, ILD_TRANSPARENT);
       std::vector<COLORREF> colors;
       for (int i = 0; i < pixels * pixels; ++i) colors.push_back(GetPixel(dc, i % pixels, i / pixels));
-      EXPECT_EQ(colors.front(), RGB(255, 255, 255)) << keys.Keys()[image] << ": corners are see-through";
+      EXPECT_EQ(colors.front(), RGB(255, 255, 255)) << keys.Keys()[image] << ": corners are transparent";
       EXPECT_EQ(std::find(drawn.begin(), drawn.end(), colors), drawn.end()) << keys.Keys()[image];
       drawn.push_back(std::move(colors));
     }

@@ -1,3 +1,4 @@
+// The list's window: rows, columns, ticks, selection, the filter line and the footer.
 #include "platform/win32/list/list_window.h"
 
 #include <algorithm>
@@ -44,7 +45,7 @@ class ListWindowTest : public ControlHost {
   }
   void Select(int row) {
     LVITEMW item{};
-    // The focus is on one row only.
+    // Only one row can have the focus.
     item.state = item.stateMask = LVIS_SELECTED | (row < 0 ? 0U : LVIS_FOCUSED);
     Ask(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
     Pump();
@@ -76,7 +77,7 @@ class ListWindowTest : public ControlHost {
     HoldControl(false);
     Pump();
   }
-  // From the menu of the selected rows, by its letter.
+  // Chooses an item of the selected rows' menu by its letter.
   void Choose(wchar_t key) {
     PostMessageW(window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(window), -1);
     PostMessageW(window, WM_CHAR, key, 1);
@@ -101,7 +102,7 @@ TEST_F(ListWindowTest, RowsTicksAndOrderFollowTheModel) {
   SortBy(kSize);
   EXPECT_EQ(Names(), "beta- alpha- Alpha+ ");
 
-  // A tick by the pointer and by the key reaches the entry, whatever its row; entry numbers stay.
+  // A tick by mouse or key reaches the entry of the row. A sort does not change the numbers of the entries.
   std::vector<std::size_t> changed;
   list.TickChange = [&](std::size_t number) { changed.push_back(number); };
   RECT row{LVIR_LABEL, 0, 0, 0};
@@ -153,12 +154,12 @@ TEST_F(ListWindowTest, SelectedEntriesAreCopiedTickedAndFollowedThroughASort) {
   SortBy(kName);
   EXPECT_EQ(Ask(LVM_GETSELECTEDCOUNT), 4);
 
-  // Typing goes to the next name that begins so, whatever its case.
+  // Typing finds the next name with that beginning, ignoring case.
   LVFINDINFOW wanted{LVFI_STRING | LVFI_PARTIAL, L"\u00D6"};
   EXPECT_EQ(driver::Ask(window, LVM_FINDITEMW, static_cast<WPARAM>(-1), &wanted), 0);
 }
 
-TEST_F(ListWindowTest, WhatCannotBeSeenIsDrawnAsAStandInAndCopiedAsItIs) {
+TEST_F(ListWindowTest, InvisibleCharactersAreReplacedOnScreenButNotInCopies) {
   AutoSelect::Entry entry = Entry("invoice\u202Efdp.exe\xED\xA0\x80");
   entry.setName = "Set\n1";
   Show({entry});
@@ -169,12 +170,12 @@ TEST_F(ListWindowTest, WhatCannotBeSeenIsDrawnAsAStandInAndCopiedAsItIs) {
   EXPECT_EQ(Clipboard(), FromWide(L"invoice\u202Efdp.exe\xD800\r\n"));
 }
 
-TEST_F(ListWindowTest, ColumnsKeepTheWidthsTheyWereGiven) {
+TEST_F(ListWindowTest, ColumnsKeepTheirWidths) {
   Show({});
   const int folder = Width(kFolder), size = Width(kSize);
   list.Move(0, 0, 18'000, 7'500);
   Pump();
-  EXPECT_GT(Width(kFolder), folder) << "the folders take what there is";
+  EXPECT_GT(Width(kFolder), folder) << "the folder column takes the remaining width";
   EXPECT_EQ(Width(kSize), size);
   Drag(kName, 33);
   list.Move(0, 0, 9'000, 7'500);
@@ -182,7 +183,7 @@ TEST_F(ListWindowTest, ColumnsKeepTheWidthsTheyWereGiven) {
   EXPECT_NEAR(Width(kName), 33, 1);
   EXPECT_EQ(Width(kSize), size);
 
-  // The model knows the arrangement, and another window of the same list takes it over.
+  // The model keeps the arrangement, and the next window of the list restores it.
   int order[8] = {kSize, 0, 1, 3, 4, 5, 6, 7}, shown[8] = {};
   driver::Ask(window, LVM_SETCOLUMNORDERARRAY, 8, order);
   Drag(kSize, 44);
@@ -198,7 +199,7 @@ TEST_F(ListWindowTest, ColumnsKeepTheWidthsTheyWereGiven) {
   EXPECT_NE(arrow.fmt & HDF_SORTDOWN, 0);
 }
 
-TEST_F(ListWindowTest, AFooterSaysWhatIsPendingAndSelected) {
+TEST_F(ListWindowTest, AFooterShowsPendingTicksAndTheSelection) {
   constexpr wchar_t kNone[] = L"0 pending; 5 shown; 0 selected";
   list.DescribeFooter = [&] {
     return controls::FooterText{std::to_string(list.PendingCount()) + " pending",
@@ -220,7 +221,7 @@ TEST_F(ListWindowTest, AFooterSaysWhatIsPendingAndSelected) {
   EXPECT_EQ(Bounds(window).bottom, Bounds(footer).top);
   list.Move(0, 0, 3'000, 700);
   Pump();
-  EXPECT_FALSE(IsWindowVisible(footer)) << "where there is no room for both";
+  EXPECT_FALSE(IsWindowVisible(footer)) << "hidden without enough room";
   list.SetVisible(false);
   Pump();
   EXPECT_FALSE(IsWindowVisible(window));
@@ -228,7 +229,7 @@ TEST_F(ListWindowTest, AFooterSaysWhatIsPendingAndSelected) {
   EXPECT_FALSE(IsWindow(around));
 }
 
-TEST_F(ListWindowTest, TheFilterLineNarrowsTheRowsDown) {
+TEST_F(ListWindowTest, TheFilterLineFiltersTheRows) {
   AutoSelect::Entry report = Entry("C:\\Data\\Report.doc", 20 << 20), other = Entry("C:\\Data\\Other.doc");
   report.setId = 1;
   report.setName = "One";
@@ -244,7 +245,7 @@ TEST_F(ListWindowTest, TheFilterLineNarrowsTheRowsDown) {
   Pump();
   EXPECT_EQ(Names(), "Report.doc- ");
 
-  // Tab goes through the fields to the rows, Shift+Tab back.
+  // Tab moves through the fields to the rows. Shift+Tab moves back.
   ControlWindow& control = *ControlWindow::Of(list);
   std::string way = ClassOf(words);
   for (int step = 0; GetFocus() != window && step < 9; ++step) {
@@ -252,10 +253,10 @@ TEST_F(ListWindowTest, TheFilterLineNarrowsTheRowsDown) {
     way += ' ' + ClassOf(GetFocus());
   }
   EXPECT_EQ(way, "Edit SysDateTimePick32 SysDateTimePick32 ComboBox ComboBox Button SysListView32");
-  EXPECT_FALSE(control.HandleKey(VK_TAB)) << "on to the next control";
+  EXPECT_FALSE(control.HandleKey(VK_TAB)) << "Tab leaves the list";
   EXPECT_EQ(control.TabTarget(false), words);
 
-  // Sizes and sets by choice.
+  // The size is chosen in a combo box.
   SetWindowTextW(words, L"");
   const HWND sizes = FindWindowExW(GetParent(window), nullptr, WC_COMBOBOXW, nullptr);
   driver::Ask(sizes, CB_SETCURSEL, 3);
@@ -265,12 +266,12 @@ TEST_F(ListWindowTest, TheFilterLineNarrowsTheRowsDown) {
   ::SetFocus(words);
   EXPECT_TRUE(control.HandleKey(VK_RETURN));
   EXPECT_EQ(GetFocus(), window);
-  EXPECT_TRUE(list.SelectedAt(1)) << "Enter goes on into the rows";
+  EXPECT_TRUE(list.SelectedAt(1)) << "Enter moves to the rows";
   ::SetFocus(words);
   EXPECT_TRUE(control.HandleKey(VK_ESCAPE));
   Pump();
   EXPECT_EQ(GetFocus(), window);
-  EXPECT_EQ(Rows().Count(), 2) << "and the filter is open again";
+  EXPECT_EQ(Rows().Count(), 2) << "Esc clears the filter";
   EXPECT_EQ(Bounds(window).top, top);
   EXPECT_FALSE(control.HandleKey(VK_ESCAPE));
 }

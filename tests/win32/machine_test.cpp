@@ -1,3 +1,4 @@
+// The services of the machine: phrases, the registry, regional settings, drives and files.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -42,7 +43,7 @@ struct PhrasesFile {
 
 }  // namespace
 
-TEST_F(MachineTest, PhrasesComeFromTheFileThatFitsBest) {
+TEST_F(MachineTest, PhrasesComeFromTheMostSpecificFile) {
   const auto said = [] {
     UsePhrasesBeside(nullptr, {"de", "de-AT"});
     return Say(Phrase::kThisFolder);
@@ -68,10 +69,10 @@ TEST_F(MachineTest, RegistryKeepsTextAndNumbers) {
   platform::Registry::Key key = 0;
   EXPECT_NE(registry.OpenKey(platform::kHkeyCurrentUser, kPath, platform::kKeyAllAccess, key), 0);
   ASSERT_EQ(registry.CreateKey(platform::kHkeyCurrentUser, kPath, platform::kKeyAllAccess, key), 0);
-  // \xC3\xBC has one byte in the ANSI code page of western Europe, and comes back as it went in.
+  // \xC3\xBC is one byte in the ANSI code page of western Europe.
   const std::string text("C:\\Gr\xC3\xBCn\0", 8 + 1);
   EXPECT_EQ(registry.SetValue(key, "ClientDB", platform::kRegSz, Bytes(text)), 0);
-  // Without its NUL; the system would add one that follows the data.
+  // Stored without a NUL. RegSetValueExA would include one that directly follows the data.
   RegSetValueExA(reinterpret_cast<HKEY>(key), "Bare", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcX"), 3);
   EXPECT_EQ(registry.SetValue(key, "Number", platform::kRegDword, {1, 2, 0xFF, 0}), 0);
   std::uint32_t type = 0, size = 0;
@@ -91,7 +92,7 @@ TEST_F(MachineTest, RegistryKeepsTextAndNumbers) {
 
 TEST_F(MachineTest, DatesTimesAndNumbersFollowTheUser) {
   const platform::Regional& regional = Machine().regional;
-  // Wine's settings under LANG=C or en_US.
+  // Wine's defaults under LANG=C or en_US.
   EXPECT_EQ(regional.ShortDate({2026, 11, 16}), "11/16/2026");
   EXPECT_EQ(regional.LongTime({2026, 11, 16, 2, 25, 30}), "2:25:30 AM");
   EXPECT_EQ(regional.LongTime({0, 0, 0, 14, 5, 0}), "2:05:00 PM");
@@ -124,7 +125,7 @@ TEST_F(MachineTest, DrivesAndFilesAreFound) {
   EXPECT_EQ(drives.LogicalDriveStrings(3), "");
   EXPECT_EQ(drives.DriveType("C:\\"), static_cast<unsigned>(DRIVE_FIXED));
   EXPECT_FALSE(drives.VolumeLabel("Q:\\", 14).has_value());
-  drives.MciCommand("Set CDAudio Door Close Wait");  // no such device: no error either
+  drives.MciCommand("Set CDAudio Door Close Wait");  // no error without the device
 
   wchar_t folder[MAX_PATH];
   GetTempPathW(MAX_PATH, folder);

@@ -1,4 +1,4 @@
-// A tree in a window, what the control holds of it, and what can be seen.
+// A tree with its window, and queries of the items that the native control holds.
 #pragma once
 
 #include <cstring>
@@ -23,7 +23,7 @@ class TreeWindowTest : public ControlHost {
     tree.NodeCheck = [this](Node node) { checked.push_back(node.Index()); };
   }
 
-  // A drive with folders, each with files; and a file before, between and behind the folders.
+  // Adds a drive with folders of files, a file before the folders and one after every second folder.
   void Fill(int folders, int files) {
     const RedrawFreeze freeze(tree);
     tree.Clear();
@@ -45,19 +45,20 @@ class TreeWindowTest : public ControlHost {
     }
   }
 
-  // The same, and shown with all its branches open.
+  // The same with all branches open.
   void FillOpen(int folders, int files) {
     Fill(folders, files);
     ExpandAll(true);
     Settle();
   }
 
-  // What the control holds. Asking the window would make it finish what it has put off.
+  // The number of items in the native control. A message to the window would add the deferred items first, so
+  // this calls the window procedure of the control's class.
   std::size_t Held() const {
     const auto procedure = reinterpret_cast<WNDPROC>(GetClassLongPtrW(window, GCLP_WNDPROC));
     return static_cast<std::size_t>(CallWindowProcW(procedure, window, TVM_GETCOUNT, 0, 0));
   }
-  // Lets messages run until the control holds that many, or, without a number, no longer changes.
+  // Runs messages until the control holds that many items or, for 0, until the number no longer changes.
   void Settle(std::size_t wanted = 0) {
     std::size_t held = Held();
     DWORD since = GetTickCount();
@@ -111,7 +112,7 @@ class TreeWindowTest : public ControlHost {
     Press(PointOn(item, part), message);
   }
 
-  // Compares what is below an item with the model, as far as nodes are expanded.
+  // Compares the items below `parent` with the model, as far as nodes are expanded.
   void ExpectSameBelow(HTREEITEM parent, Node first) {
     HTREEITEM item = parent == nullptr ? Root() : Next(TVGN_CHILD, parent);
     for (Node node = first; node; node = node.Next(), item = Next(TVGN_NEXT, item)) {

@@ -1,14 +1,14 @@
-// What a tree's window shows and offers beside its nodes: the third state, badges, tips, hints, menus, order.
+// The tree's window: partly ticked folders, badges, tips, hints, menus and sorting.
 #include "controls/check_propagation.h"
 #include "tests/win32/tree_fixture.h"
 
 namespace kxrestore::win32::test {
 namespace {
 
-TEST_F(TreeWindowTest, WhatIsTickedInPartLooksAndAnswersSo) {
+TEST_F(TreeWindowTest, APartlyTickedFolderHasAThirdState) {
   FillOpen(2, 2);
   const HTREEITEM folder = Below(Root(), 1), file = Below(folder, 0);
-  // The box as it is drawn, and its state.
+  // The pixels of the box, and its state.
   const auto look = [&] {
     UpdateWindow(window);
     const POINT point = PointOn(folder, TVHT_ONITEMSTATEICON);
@@ -47,7 +47,7 @@ TEST_F(TreeWindowTest, ADoubleClickTicksAFileAndOpensAFolder) {
   EXPECT_EQ(checked.size(), 1U);
 }
 
-TEST_F(TreeWindowTest, FoldersComeFirstAndNamesAsPeopleCount) {
+TEST_F(TreeWindowTest, FoldersComeFirstAndNumbersSortByValue) {
   tree.SetSortKey(AppendSortKey);
   FillOpen(12, 11);
   EXPECT_EQ(LabelOf(Below(Root(), 2)), "folder 2");
@@ -57,7 +57,7 @@ TEST_F(TreeWindowTest, FoldersComeFirstAndNamesAsPeopleCount) {
   ExpectSameBelow(nullptr, tree.FirstRoot());
 }
 
-TEST_F(TreeWindowTest, AnEmptyTreeSaysWhatToDo) {
+TEST_F(TreeWindowTest, AnEmptyTreeShowsItsHint) {
   RECT area{};
   GetClientRect(window, &area);
   const auto drawn = [&] {
@@ -78,7 +78,7 @@ TEST_F(TreeWindowTest, AnEmptyTreeSaysWhatToDo) {
   EXPECT_EQ(DrawnPixels(lower), 0);
 }
 
-TEST_F(TreeWindowTest, BadgesAreDrawnWhereTheTreeHasThem) {
+TEST_F(TreeWindowTest, BadgesAreDrawn) {
   FillOpen(1, 1);
   const HTREEITEM file = Below(Below(Root(), 1), 0);
   const POINT label = PointOn(file, TVHT_ONITEMLABEL);
@@ -103,7 +103,7 @@ HWND ShownTip() {
   return tip;
 }
 
-TEST_F(TreeWindowTest, ATipTellsOfTheNodeUnderThePointer) {
+TEST_F(TreeWindowTest, ATipDescribesTheNodeUnderThePointer) {
   FillOpen(1, 1);
   tree.Tip = [](Node node) { return "tip of " + std::string(node.Text()); };
   const auto rest = [&](HTREEITEM item, UINT message) {
@@ -125,7 +125,7 @@ TEST_F(TreeWindowTest, ATipTellsOfTheNodeUnderThePointer) {
   EXPECT_EQ(ShownTip(), nullptr);
 }
 
-TEST_F(TreeWindowTest, TheMenuIsAboutTheNodeUnderThePointerOrTheSelectedOne) {
+TEST_F(TreeWindowTest, TheMenuBelongsToTheNodeUnderThePointerOrTheSelectedOne) {
   FillOpen(1, 1);
   std::vector<std::size_t> subjects;
   tree.FillMenu = [&](controls::Menu& menu) { subjects.push_back(menu.Subject()); };

@@ -1,3 +1,4 @@
+// The tree's window: deferred items, ticks, selection and very large trees.
 #include "controls/check_propagation.h"
 #include "platform/win32/controls/theme.h"
 #include "platform/win32/tree/tree_items.h"
@@ -6,7 +7,7 @@
 namespace kxrestore::win32::test {
 namespace {
 
-TEST_F(TreeWindowTest, ItemsAreMadeWhenTheyCanBeSeen) {
+TEST_F(TreeWindowTest, ItemsAreCreatedWhenTheyCanBeSeen) {
   {
     const RedrawFreeze freeze(tree);
     tree.Add(tree.Add({}, {}, "root"), {}, "folder");
@@ -51,20 +52,18 @@ TEST_F(TreeWindowTest, ItemsAreMadeWhenTheyCanBeSeen) {
   EXPECT_TRUE(clicked.empty());
 }
 
-TEST_F(TreeWindowTest, WhatCannotBeSeenIsDrawnAsAStandIn) {
+TEST_F(TreeWindowTest, InvisibleCharactersAreReplaced) {
   Node node = tree.Add({}, {}, "invoice\u202Efdp.exe");
   Pump();
   EXPECT_EQ(LabelOf(Root()), "invoice[U+202E]fdp.exe");
   node.SetText(std::string(300, '\x01'));
   Pump();
-  EXPECT_EQ(ToWide(LabelOf(Root())), std::wstring(MAX_PATH - 1, L'\u2401')) << "a tree control shows no more";
+  EXPECT_EQ(ToWide(LabelOf(Root())), std::wstring(MAX_PATH - 1, L'\u2401')) << "the native limit of a label";
   EXPECT_EQ(node.Text(), std::string(300, '\x01'));
 }
 
 TEST_F(TreeWindowTest, TheUserTicks) {
-  Fill(2, 40);
-  ExpandAll(true);
-  Pump();
+  FillOpen(2, 40);
   const HTREEITEM before = Below(Root(), 0);
   const POINT box = PointOn(before, TVHT_ONITEMSTATEICON);
   Press(box);
@@ -81,7 +80,7 @@ TEST_F(TreeWindowTest, TheUserTicks) {
   Key(VK_SPACE);
   EXPECT_EQ(Box(before), 1);
 
-  // Whoever asks for or sets the state of an item, in view or not, deals with the model.
+  // Messages that query or set an item's state act on the model, whether the item is in view or not.
   const HTREEITEM last = Below(Below(Root(), 3), 39);
   tree.Item(NodeOf(last)).SetChecked(true);
   EXPECT_EQ(Box(last), 2);
@@ -95,14 +94,14 @@ TEST_F(TreeWindowTest, TheUserTicks) {
 
   tree.NodeCheck = [&](Node) {
     tree.Clear();
-    tree.Add({}, {}, "all is new");
+    tree.Add({}, {}, "new");
     Pump();
   };
   Press(box);
   EXPECT_EQ(Held(), 1u);
 }
 
-TEST_F(TreeWindowTest, TheBoxIsDrawnAsTheModelSays) {
+TEST_F(TreeWindowTest, TheBoxShowsTheModel) {
   const HTHEME theme = GetWindowTheme(window);
   tree.Add({}, {}, "root");
   Pump();
@@ -115,13 +114,11 @@ TEST_F(TreeWindowTest, TheBoxIsDrawnAsTheModelSays) {
   }
   EXPECT_GT(drawn[0], 10);
   EXPECT_GT(drawn[1], drawn[0] + 5);
-  EXPECT_EQ(GetWindowTheme(window), theme) << "drawing boxes must not change how the control draws the rest";
+  EXPECT_EQ(GetWindowTheme(window), theme) << "drawing a box changes the theme of the control";
 }
 
 TEST_F(TreeWindowTest, TheUserChoosesANode) {
-  Fill(3, 3);
-  ExpandAll(true);
-  Pump();
+  FillOpen(3, 3);
   const HTREEITEM folder = Below(Root(), 1);
   const POINT label = PointOn(folder, TVHT_ONITEMLABEL);
   Press(label);
@@ -136,7 +133,7 @@ TEST_F(TreeWindowTest, TheUserChoosesANode) {
   Select(Root());
   EXPECT_EQ(clicked, (std::vector<std::uint32_t>{3, 3, 7, 1}));
 
-  // The model chooses: nothing is reported, but what hides the node opens.
+  // A selection by the model raises no event, and opens the folders around the node.
   tree.SetSelectedItem(tree.Item(5));
   Pump();
   EXPECT_EQ(NodeOf(Next(TVGN_CARET)), 5u);
@@ -172,7 +169,7 @@ TEST_F(TreeWindowTest, AHundredThousandNodes) {
               Settle(tree.Count());
             }),
             2'000)
-      << "in slices";
+      << "added in slices";
   ExpectSameBelow(nullptr, tree.FirstRoot());
   Key(VK_END);
   TakeLongest();
@@ -184,7 +181,7 @@ TEST_F(TreeWindowTest, AHundredThousandNodes) {
               EXPECT_EQ(static_cast<std::size_t>(Ask(window, TVM_GETCOUNT)), tree.Count());
             }),
             2'000)
-      << "a question that wants all";
+      << "a query that needs all items";
   EXPECT_LT(Measure([&] {
               tree.Item(1).SetChecked(true);
               controls::CheckChildren(tree.Item(1));
@@ -200,7 +197,7 @@ TEST_F(TreeWindowTest, AHundredThousandNodes) {
               context.FlushAll();
               UpdateWindow(window);
               EXPECT_GT(Held(), 10'000u);
-              EXPECT_EQ(DrawnPixels(corner), 0) << "what is being removed no longer shows";
+              EXPECT_EQ(DrawnPixels(corner), 0) << "items that are being removed are not drawn";
               Settle(1);
             }),
             4'000);
@@ -241,7 +238,7 @@ TEST_F(TreeWindowTest, AMillionNodes) {
   EXPECT_GE(ahead, TreeItems::kMaxAhead);
   EXPECT_LT(ahead, TreeItems::kMaxAhead + 200);
 
-  // Behind that, what comes into view is made.
+  // Beyond those, items are created as they come into view.
   Select(Root());
   Key(VK_END);
   Settle();

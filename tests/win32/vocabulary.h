@@ -1,4 +1,4 @@
-// What tests do to a window: ask it, press keys in it, read the clipboard that it filled.
+// Helpers for tests of windows: bounds, keys, the clipboard.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ inline void PostKey(HWND window, WPARAM key) {
   PostMessageW(window, WM_KEYDOWN, key, 1);
   PostMessageW(window, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
 }
-// What GetKeyState says of Control.
+// Sets the state of the Control key for GetKeyState.
 inline void HoldControl(bool held) {
   BYTE keys[256]{};
   GetKeyboardState(keys);
