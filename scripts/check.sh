@@ -5,9 +5,10 @@
 # - shellcheck on all scripts;
 # - clang-tidy on the C++ files of the product that differ from BASE (default: where this branch left main, or on main
 #   the commit before), with --all on every one, which takes ten minutes. It needs a native build, and sees no file that
-#   is compiled for Windows alone.
+#   is compiled for Windows alone;
+# - the one-line changes of scripts/mutants/ fit the sources.
 #
-# The last line is `N passed, N failed`, one for each of the three.
+# The last line is `N passed, N failed`, one for each of the four.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -105,5 +106,6 @@ check_tidy() {
 check clang-format check_format
 check shellcheck check_scripts
 check clang-tidy check_tidy
+check mutants scripts/mutants.py --check
 echo "$passed passed, $failed failed"
 [[ $failed -eq 0 ]]

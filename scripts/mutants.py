@@ -51,9 +51,11 @@ class Change:
     def __str__(self):
         return f"{self.file}: {self.name}"
 
-    def apply(self):
+    def apply(self, root=SOURCE):
         """The text of the changed file."""
-        text = (SOURCE / self.file).read_text(encoding="utf-8")
+        if not (root / self.file).is_file():
+            raise ValueError("there is no such file")
+        text = (root / self.file).read_text(encoding="utf-8")
         old, new = "\n".join(self.old), "\n".join(self.new)
         if not old or text.count(old) != 1:
             raise ValueError(f"its old text occurs {text.count(old) if old else 0} times")
@@ -199,11 +201,24 @@ def try_change(change, commands, folder, without):
 def read_arguments():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("filter", nargs="*", help="tries only changes whose file or name contains one of these")
+    parser.add_argument("--check", action="store_true", help="only tells which changes no longer fit the sources")
     parser.add_argument("--list", type=pathlib.Path, help="a list in place of scripts/mutants/*.txt")
     parser.add_argument("--sample", type=int, help="tries this many of them, every time the same")
     parser.add_argument("--without", default="", metavar="TESTS",
                         help="a GoogleTest filter: runs without these tests, to find what they alone notice")
     return parser.parse_args()
+
+
+def check(changes):
+    unfit = 0
+    for change in changes:
+        try:
+            change.apply(ROOT)
+        except ValueError as error:
+            print(f"{change}: {error}")
+            unfit += 1
+    print(f"{len(changes) - unfit} of {len(changes)} changes fit the sources")
+    return 2 if unfit else 0
 
 
 def main():
@@ -216,6 +231,8 @@ def main():
         changes = random.Random(len(changes)).sample(changes, arguments.sample)
     if not changes:
         sys.exit("no such change")
+    if arguments.check:
+        return check(changes)
     prepare(changes)
     commands = Commands(changes)
     memory = "/dev/shm" if os.path.isdir("/dev/shm") else None  # syncing real files would take most of the time
