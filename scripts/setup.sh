@@ -19,7 +19,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 declare -A kPackages=(
   [native]="build-essential cmake ninja-build libsqlite3-dev unixodbc-dev googletest libgtest-dev unicode-data mdbtools"
-  [checks]="clang-format clang-tidy shellcheck git"
+  [checks]="clang-format clang-tidy shellcheck git python3"
   [windows]="build-essential cmake ninja-build googletest unicode-data libsqlite3-0
              g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64-tools libwine-dev
              librsvg2-bin icoutils dpkg-dev xz-utils tcl faketime"
@@ -27,7 +27,7 @@ declare -A kPackages=(
   [wine]="wine wine64 fonts-wine fonts-liberation fonts-vlgothic fonts-symbola fontconfig xvfb x11-utils xdotool imagemagick libxrender1 libxcomposite1
           libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxxf86vm1"
   [package]="wixl msitools osslsigncode openssl zip"
-  [hosts]="python3-minimal mono-mcs libmono-microsoft-csharp4.0-cil"
+  [hosts]="python3 mono-mcs libmono-microsoft-csharp4.0-cil"
   [wine32]="mmdebstrap arch-test bubblewrap"
   [bench]="build-essential cmake ninja-build libsqlite3-dev libbenchmark-dev unixodbc-dev libpq-dev"
   [server]="postgresql unixodbc odbc-postgresql libsqliteodbc"
