@@ -45,7 +45,7 @@ class EventSink : public IDispatch {
   }
 
  protected:
-  virtual ~EventSink() = default;  // by Release
+  virtual ~EventSink() = default;  // called by Release
 
  private:
   std::function<void()> m_commenceRestore;

@@ -151,7 +151,7 @@ TEST_F(FormTest, ACatalogThatAnotherProgramLocksCanBeUsedOnceItIsUnlocked) {
   EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
 }
 
-TEST_F(FormTest, AFailedCommitIsReportedAndListedAndTheHostIsNotCalled) {
+TEST_F(FormTest, AFailedCommitIsReportedAndTheMarksAreListed) {
   const EngineHooks failingCommits{.before = [](const std::string&) { throw Error(3026, "Disk full."); }};
   const auto databases = MakeHookedWorkspace(failingCommits, engine::sqlite::MakeSqliteBackend());
   BareContext bare(platform.Get(), *databases);

@@ -11,7 +11,7 @@
 namespace kxrestore::e2e {
 namespace {
 
-// Open kernel handles. GetProcessHandleCount does not work everywhere, so every possible value is probed.
+// Open kernel handles. Not every system counts them, so every possible value is probed.
 int CountHandles() {
   int count = 0;
   DWORD flags = 0;

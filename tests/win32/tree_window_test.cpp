@@ -114,7 +114,7 @@ TEST_F(TreeWindowTest, TheBoxShowsTheModel) {
   }
   EXPECT_GT(drawn[0], 10);
   EXPECT_GT(drawn[1], drawn[0] + 5);
-  EXPECT_EQ(GetWindowTheme(window), theme) << "drawing a box changes the theme of the control";
+  EXPECT_EQ(GetWindowTheme(window), theme) << "drawing a box keeps the theme of the control";
 }
 
 TEST_F(TreeWindowTest, TheUserChoosesANode) {
