@@ -36,7 +36,7 @@ class HeadlessDesktop : public Desktop {
   std::function<void()> onDoEvents;  // what pending messages do; it is not entered again from inside itself
 
   std::int64_t Milliseconds() const override { return milliseconds; }
-  std::int64_t milliseconds = 0;  // the clock, which goes by hand
+  std::int64_t milliseconds = 0;  // the clock, set by the test
 
   void CopyText(const std::string& text) override { clipboard = text; }
   std::string clipboard;
