@@ -140,7 +140,7 @@ void StreamedRecordset::Edit() {
   NeedRow();
   const std::vector<PlanTable>& tables = StatementPlan().tables;
   const auto hasKey = [](const PlanTable& table) { return !table.keys.empty(); };
-  if (IsSnapshot() || m_readOnly || std::none_of(tables.begin(), tables.end(), hasKey)) {
+  if (m_readOnly || std::none_of(tables.begin(), tables.end(), hasKey)) {
     Raise(number::kReadOnly, "Cannot update. Database or object is read-only: '" + Place() + "'.");
   }
   m_editing = true;

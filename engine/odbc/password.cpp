@@ -147,7 +147,6 @@ void Password::AddPieces(std::string_view values) {
   for (std::string_view tail = values; !tail.empty();) {
     const auto [piece, after] = SplitAt(tail, ';');
     if (size > 0 && NamesKeyword(piece)) break;
-    Add(piece, kMinPiece);
     Add(Trimmed(piece), kMinPiece);
     size = static_cast<std::size_t>(piece.data() + piece.size() - values.data());
     tail = after;
