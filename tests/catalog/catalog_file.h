@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <random>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -15,10 +14,11 @@
 
 #include "host/catalog_maker/model.h"
 #include "host/catalog_maker/sqlite_writer.h"
+#include "tests/engine/test_databases.h"
 
 namespace kxrestore::catalog_test {
 
-// A live row of set 1 and run "001" with defaults for what most tests ignore.
+// A live row of set 1 and run "001", with defaults for the columns that most tests ignore.
 inline sample::FileRow Live(std::int64_t id, std::string origName) {
   sample::FileRow row;
   row.id = id;
@@ -43,8 +43,8 @@ inline void AddRows(sample::CatalogSink& catalog, const std::vector<sample::File
   for (const auto& row : rows) catalog.AddFile(row);
 }
 
-// Runs statements on a SQLite file, which is created if it is missing, without the engine under test. Returns
-// the rows as "a|b|Null".
+// Runs statements on a SQLite file without the engine under test, and creates a missing file. Returns the
+// rows as "a|b|Null".
 inline std::vector<std::string> SqliteRows(const std::string& path, const std::string& sql) {
   sqlite3* raw = nullptr;
   const int opened = sqlite3_open(path.c_str(), &raw);
@@ -62,35 +62,23 @@ inline std::vector<std::string> SqliteRows(const std::string& path, const std::s
   return rows;
 }
 
-// In a folder of its own.
+// A catalog in a temporary folder.
 class CatalogFile {
  public:
   explicit CatalogFile(const std::vector<sample::FileRow>& rows, const std::vector<sample::RunRow>& runs = {},
                        const std::vector<sample::LongPathRow>& longPaths = {})
       : CatalogFile([&](sample::CatalogSink& sink) { AddRows(sink, rows, runs, longPaths); }, u8"kxcatalog") {
   }
-  explicit CatalogFile(const std::function<void(sample::CatalogSink&)>& fill, const std::u8string& folder) {
-    static const std::uint32_t process = std::random_device()();  // several test programs run at a time
-    static std::uint32_t number = 0;
-    m_folder = std::filesystem::temp_directory_path() / folder;
-    m_folder += "_" + std::to_string(process) + "_" + std::to_string(++number);
-    std::filesystem::create_directories(m_folder);
+  // `folder` is part of the folder's name.
+  explicit CatalogFile(const std::function<void(sample::CatalogSink&)>& fill, const std::u8string& folder)
+      : m_temporary(folder) {
     sample::WriteCatalogFile(Path(), fill);
   }
-  ~CatalogFile() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_folder, ignored);
-  }
-  CatalogFile(const CatalogFile&) = delete;
-  CatalogFile& operator=(const CatalogFile&) = delete;
 
-  std::string Path() const {  // UTF-8
-    const std::u8string path = (m_folder / "catalog.db").u8string();
-    return {path.begin(), path.end()};
-  }
+  std::string Path() const { return m_temporary.File("catalog.db"); }  // UTF-8
 
   void Execute(const std::string& sql) const { Query(sql); }
-  // Without its table nothing of a catalog works. The saved queries stay as they are.
+  // Without its table a catalog cannot be used. The saved queries do not change.
   void HideTable() const { Execute("PRAGMA legacy_alter_table=ON; ALTER TABLE Catalog RENAME TO Elsewhere"); }
   void ShowTable() const { Execute("PRAGMA legacy_alter_table=ON; ALTER TABLE Elsewhere RENAME TO Catalog"); }
 
@@ -106,7 +94,8 @@ class CatalogFile {
   }
 
  protected:
-  std::filesystem::path m_folder;
+  const engine::testing::TemporaryFolder m_temporary;
+  const std::filesystem::path m_folder = m_temporary.Path();
 };
 
 }  // namespace kxrestore::catalog_test

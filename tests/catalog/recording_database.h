@@ -1,4 +1,4 @@
-// A database that only records its calls, in order, and fails where a test wants it to.
+// A database that only records its calls, in order, and fails where a test has asked for it.
 #pragma once
 
 #include <map>
@@ -13,17 +13,16 @@
 
 namespace kxrestore::catalog_test {
 
-// What every database opened in one test shares.
+// The state that all databases of one test share.
 struct Script {
   std::vector<std::string> calls;
   std::map<std::string, std::string> queries;    // saved queries, by name
-  std::map<std::string, int> failures;           // call, as written down, to error number
+  std::map<std::string, int> failures;           // error numbers by the start of a recorded call
   std::vector<std::string> columns;              // of every recordset
   std::vector<std::vector<engine::Value>> rows;  // changed by Update
 
   void Call(std::string call) {
     calls.push_back(std::move(call));
-    // The text of a statement is part of the call; failures are found by how a call begins.
     for (const auto& [start, number] : failures) {
       if (calls.back().starts_with(start)) throw Error(number, "injected into " + start, "test");
     }
@@ -94,7 +93,7 @@ class RecordingDatabase : public engine::Database {
   std::shared_ptr<Script> m_script;
 };
 
-// Stands in for the server, which is reached without a file.
+// Takes the place of the back end for servers.
 class RecordingBackend : public engine::Backend {
  public:
   explicit RecordingBackend(std::shared_ptr<Script> script) : m_script(std::move(script)) {}

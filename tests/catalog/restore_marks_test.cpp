@@ -1,4 +1,4 @@
-// The marking statements, letter by letter, and what an error does to an operation.
+// The exact marking statements, and the effect of an error on an operation.
 #include "catalog/restore_marks.h"
 
 #include <gtest/gtest.h>
@@ -64,7 +64,7 @@ TEST_F(RestoreMarksOnServer, Statements) {
       {[&] { return marks.UpdateSelectionByFile("Store", true, 5, "x'y"); },
        {byFile + "5) AND ((Catalog.Extension)='x'y')); ", "edit 0", "update 0", "edit 2", "update 2",
         "close recordset", "close database"}},
-      {[&] { return marks.UpdateSelectionByFile("", false, 0, ""); },  // an empty name is not a missing one
+      {[&] { return marks.UpdateSelectionByFile("", false, 0, ""); },  // an empty name is not NULL
        {byFile + "11) AND ((Catalog.Extension)='042')); ", "close recordset", "close database"},
        MarkResult::kNoRow},
       {[&] { return marks.UpdateSelectionByFileName("C:\\O'Neil.doc", false, 0, ""); },

@@ -1,4 +1,4 @@
-// The exact texts of the saved queries and of the listing, and the order in which they are made.
+// The exact texts of the saved queries and of the listing, and the order in which the queries are created.
 #include "catalog/restore_query.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ using Calls = std::vector<std::string>;
 
 class RestoreQuery : public ::testing::Test {
  protected:
-  // The statement that lists.
+  // The statement of the listing.
   std::string Listing(std::int32_t setId, bool latest, std::string_view mask, std::string_view ext) {
     m_script->calls.clear();
     static_cast<void>(BuildRestoreQuery(m_database, setId, latest, mask, ext));
@@ -42,7 +42,7 @@ TEST_F(RestoreQuery, Listings) {
   }
 }
 
-TEST_F(RestoreQuery, SavedQueriesAreMadeAnewInTheirOrder) {
+TEST_F(RestoreQuery, SavedQueriesAreReplacedInOrder) {
   m_script->queries["qryGetLatest"] = "something old";
   Listing(0, true, "a", "");
   const Calls ofAll = {"delete qryGetLatestBySet", "create qryGetLatestBySet", "delete qryGetLatest",
@@ -57,7 +57,7 @@ TEST_F(RestoreQuery, SavedQueriesAreMadeAnewInTheirOrder) {
   }
 }
 
-TEST_F(RestoreQuery, BySetTextTakesThePlaceOfTheEndOfFullCatalog) {
+TEST_F(RestoreQuery, BySetTextReplacesTheEndOfFullCatalog) {
   for (const auto& [full, expected] : {std::pair("SELECT x;", "SELECT x"),
                                        {"SELECT x;\r\n-- made by y;", "SELECT x"},
                                        {"SELECT xy", "SELECT x"},
@@ -73,15 +73,15 @@ TEST_F(RestoreQuery, BySetTextTakesThePlaceOfTheEndOfFullCatalog) {
   EXPECT_EQ(m_script->queries["FullCatalogBySet"], "SELECT x WHERE Catalog.Extension = '003' ");
 }
 
-TEST_F(RestoreQuery, ErrorsThatCount) {
-  // A deletion that fails is passed over, the creation after it is not.
+TEST_F(RestoreQuery, ErrorsThatAreRaised) {
+  // An error of a deletion is ignored, an error of the creation after it is raised.
   m_script->failures = {{"delete FullCatalog", engine::error_number::kFileInUse}};
   EXPECT_RAISES(0, Listing(7, true, "a", ""));
   EXPECT_RAISES(0, Listing(0, true, "a", ""));
   m_script->failures = {{"create FullCatalogLatest", engine::error_number::kReadOnly}};
   EXPECT_RAISES(engine::error_number::kReadOnly, Listing(7, true, "a", ""));
   EXPECT_RAISES(engine::error_number::kReadOnly, Listing(0, true, "a", ""));
-  // The queries of the latest versions end without a word; a listing that does not need them still works.
+  // An error in a query of the latest versions is not reported if the listing does not need the query.
   m_script->failures = {{"delete qryGetLatestBySet", engine::error_number::kReadOnly}};
   Listing(3, false, "", "");
   EXPECT_EQ(m_script->calls.size(), 2u);

@@ -6,13 +6,11 @@
 #include "engine/odbc/odbc_session.h"
 #include "host/catalog_maker/server_writer.h"
 #include "server_tables.h"
-#include "tests/engine/test_databases.h"
 
 namespace kxrestore::catalog_test {
 namespace {
 
 using engine::odbc::Session;
-using engine::testing::ServerSetting;
 
 std::string ConnectTo(const std::string& database) {
   return catalog::BuildConnectString(database, ServerCatalog::Server(), ServerCatalog::User(),
@@ -31,24 +29,8 @@ ServerCatalog::ServerCatalog(const std::function<void(sample::CatalogSink&)>& fi
 ServerCatalog::~ServerCatalog() {
   try {
     Session(ConnectTo("postgres")).Ask("DROP DATABASE " + m_name + " WITH (FORCE)");
-  } catch (const Error&) {  // it goes with its server
+  } catch (const Error&) {  // the server is gone, and the database with it
   }
-}
-
-bool ServerCatalog::HasServer() {
-  return engine::testing::HasTestServer();
-}
-
-std::string ServerCatalog::Server() {
-  return ServerSetting("KX_TEST_SERVER");
-}
-
-std::string ServerCatalog::User() {
-  return ServerSetting("KX_TEST_USER");
-}
-
-std::string ServerCatalog::Password() {
-  return ServerSetting("KX_TEST_PASSWORD");
 }
 
 std::string ServerCatalog::Connect() const {

@@ -1,5 +1,5 @@
-// A catalog in a database of its own on the test server, set up by the script for PostgreSQL, and what was
-// marked in it.
+// A catalog in a new database on the test server, created by the script for PostgreSQL, and access to its
+// marks.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +8,7 @@
 #include <string>
 
 #include "host/catalog_maker/model.h"
+#include "tests/engine/test_databases.h"
 
 namespace kxrestore::catalog_test {
 
@@ -19,14 +20,15 @@ class ServerCatalog {
   ServerCatalog& operator=(const ServerCatalog&) = delete;
 
   // Whether the environment names a server, see scripts/test_server.sh.
-  static bool HasServer();
-  static std::string Server();  // what a host gives as DBServer, User and Password likewise
-  static std::string User();
-  static std::string Password();
+  static bool HasServer() { return engine::testing::HasTestServer(); }
+  // The values that a host sets as DBServer, DBUser and DBPass.
+  static std::string Server() { return engine::testing::ServerSetting("KX_TEST_SERVER"); }
+  static std::string User() { return engine::testing::ServerSetting("KX_TEST_USER"); }
+  static std::string Password() { return engine::testing::ServerSetting("KX_TEST_PASSWORD"); }
   const std::string& Database() const { return m_name; }
   std::string Connect() const;
 
-  // Beside the dialog, over a connection of its own.
+  // These use a new connection.
   void Execute(const std::string& sql);
   std::set<std::int64_t> Marked();
 

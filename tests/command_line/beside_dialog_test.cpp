@@ -1,5 +1,5 @@
-// The command line marks what the dialog marks: each case works the dialog and the command line on one sample
-// catalog and compares what stands in it.
+// The command line marks the same rows as the dialog: each case uses both on one sample catalog and compares
+// the marks.
 #include "host/catalog_maker/sample_catalog.h"
 #include "host/command_line/output.h"
 #include "tests/command_line/command_line_fixture.h"
@@ -33,7 +33,7 @@ class BesideDialogTest : public dialog_test::DialogTest {
     ui().cmdAuto[dialog_test::kApplyTypes].UserClick();
   }
 
-  // What the dialog has marked now, and what these words mark without it, must be the same and something.
+  // Expects that the command line sets the same marks as the dialog has set, and that there are some.
   void ExpectSame(Words words) {
     const Ids byDialog = catalog->Marked();
     catalog->Execute("UPDATE Catalog SET Restore = 0");

@@ -25,7 +25,7 @@ class CommandLine {
  public:
   std::string input;  // the standard input of the next run
   std::map<std::string, std::string> environment;
-  std::size_t stopAfter = 0;  // how often it may ask whether Ctrl+C was pressed; 0: for ever
+  std::size_t stopAfter = 0;  // Ctrl+C is pressed after this many checks; 0: never
 
   Outcome Run(const Words& words) {
     std::istringstream in(input);
@@ -42,7 +42,7 @@ class CommandLine {
   }
 };
 
-// Rows of set 1. A file and its versions, names that need care in patterns, and a version without a run.
+// Rows of set 1: versions of one file, names with special characters of masks, and a version without a run.
 inline sample::FileRow Version(std::int64_t id, std::string run, std::string path,
                                std::string date = "2026-01-01 00:00:00") {
   sample::FileRow row = catalog_test::Live(id, std::move(path));

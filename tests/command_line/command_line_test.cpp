@@ -1,4 +1,4 @@
-// Selections of the command line beyond the dialog's, its output and its exit codes.
+// The command line: selections that the dialog does not have, output and exit codes.
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -35,7 +35,7 @@ TEST_F(CommandLineTest, FoldersListsAndDatesChooseRows) {
   ExpectMarks({1, 2, 3}, {"mark", "--under=C:\\Data\\a.txt"});
   ExpectMarks({3, 5}, {"mark", "--under=C:\\Data", "--set=Set 1", "--run=003"});
 
-  // The runs up to that date decide; a version without a listed run is dated by itself.
+  // The dates of the runs decide. A version without a run in BackupAudit has its own date.
   ExpectMarks({1, 4, 7}, {"mark", "--as-of=2026-01-10"});
   ExpectMarks({7}, {"mark", "--as-of", "2026-01-10 07:59:59"});
   ExpectMarks({2}, {"mark", "a.txt", "--as-of=2026-03-10T07:00"});
@@ -51,7 +51,7 @@ TEST_F(CommandLineTest, FoldersListsAndDatesChooseRows) {
   ExpectMarks({}, {"mark", "nothing"}, ExitCode::kNotFound);
 }
 
-TEST_F(CommandLineTest, VersionsAreOneFilesAndTheNewestFirst) {
+TEST_F(CommandLineTest, VersionsOfOneFileAreSortedNewestFirst) {
   const auto ids = [this](const Words& words) {
     std::istringstream lines(Run(words).out);
     std::string found;
@@ -74,7 +74,7 @@ TEST_F(CommandLineTest, RowsAreTablesOrJson) {
   EXPECT_EQ(Run({"types", "--json"}).out,
             "{\"type\":\"txt\",\"files\":7,\"kind\":\"Documents\",\"description\":\"Plain text\"}\n");
 
-  // Quotes, a line end, a byte that is no character and half a surrogate pair.
+  // A quote, a line end, an invalid byte and half a surrogate pair.
   m_catalog.Execute(
       "UPDATE Catalog SET OrigName = CAST(X'225C0AFFEDA081' AS TEXT), OrigSize = NULL, Restore = 1 WHERE ID "
       "= 6");
@@ -114,11 +114,11 @@ TEST_F(CommandLineTest, ACopyIsTheSameCatalog) {
   EXPECT_EQ(outcome.code, ExitCode::kDone) << outcome.err;
   EXPECT_NE(outcome.out.find("{\"rows\":7,\"table\":\"Catalog\"}"), std::string::npos) << outcome.out;
   EXPECT_EQ(m_commandLine.Run({"list", "--json", "--catalog", target}).out, Run({"list", "--json"}).out);
-  EXPECT_EQ(Run({"copy", target}).code, ExitCode::kFailed) << "the target is there";
+  EXPECT_EQ(Run({"copy", target}).code, ExitCode::kFailed) << "the target exists";
   std::filesystem::remove(target);
 }
 
-TEST_F(CommandLineTest, AMarkThatFailsIsSaidOnceAndTheOthersStand) {
+TEST_F(CommandLineTest, AFailedMarkIsReportedOnceAndTheOthersStay) {
   m_catalog.Execute(
       "CREATE TRIGGER Refuse BEFORE UPDATE ON Catalog WHEN OLD.ID IN (2, 4) BEGIN SELECT RAISE(ABORT, "
       "'kept'); END");
@@ -131,7 +131,7 @@ TEST_F(CommandLineTest, AMarkThatFailsIsSaidOnceAndTheOthersStand) {
   EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 2) << outcome.err;
 }
 
-TEST_F(CommandLineTest, WhatIsMarkedWhenItIsStoppedStays) {
+TEST_F(CommandLineTest, MarksSetBeforeAStopStay) {
   std::vector<sample::FileRow> rows;
   for (int id = 1; id <= 500; ++id) rows.push_back(Live(id, "C:\\" + std::to_string(id)));
   CatalogFile many(rows);
@@ -145,7 +145,7 @@ TEST_F(CommandLineTest, WhatIsMarkedWhenItIsStoppedStays) {
   EXPECT_TRUE(outcome.out.starts_with(std::to_string(marked) + " file(s) marked")) << outcome.out;
 }
 
-TEST_F(CommandLineTest, WhatMakesNoSenseDoesNothing) {
+TEST_F(CommandLineTest, InvalidWordsDoNothing) {
   for (const char* line : {"",
                            "nonsense",
                            "mark",

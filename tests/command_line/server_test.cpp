@@ -1,5 +1,4 @@
-// The command line on a catalog that a database server keeps: it prints and marks what it does on a file with
-// the same rows.
+// The command line prints and marks the same on a server catalog as on a file with the same rows.
 #include "tests/catalog/server_catalog.h"
 #include "tests/command_line/command_line_fixture.h"
 
@@ -27,7 +26,7 @@ TEST(CommandLineOnAServer, PrintsAndMarksAsOnAFile) {
   const auto run = [&](Words words, const Words& place) {
     words.insert(words.end(), place.begin(), place.end());
     Outcome outcome = commandLine.Run(words);
-    // Rows of one time come in no particular order.
+    // The order of rows with equal dates is undefined.
     std::istringstream lines(outcome.out);
     Words sorted;
     for (std::string line; std::getline(lines, line);) sorted.push_back(line);

@@ -27,7 +27,7 @@ class SharedFormTest : public testing::Test {
   std::string m_notes;
 };
 
-TEST_F(SharedFormTest, WhileADialogRunsNoOtherStartsAndOnlyItsThreadSetsAtOnce) {
+TEST_F(SharedFormTest, DuringADialogOthersWait) {
   const auto another = []() -> std::int16_t { return 1; };
   const std::int16_t result = m_form.Run([&]() -> std::int16_t {
     m_form.ApplySetting(Noting("a"));
@@ -43,7 +43,7 @@ TEST_F(SharedFormTest, WhileADialogRunsNoOtherStartsAndOnlyItsThreadSetsAtOnce) 
     return 1;
   });
   EXPECT_EQ(1, result);
-  EXPECT_EQ("abcd", m_notes) << "what waited follows in its order";
+  EXPECT_EQ("abcd", m_notes) << "waiting settings follow in their order";
   EXPECT_EQ(1, m_form.Run(another));
 }
 
@@ -57,7 +57,7 @@ TEST_F(SharedFormTest, ADialogThatFailsLeavesTheFormFree) {
   EXPECT_EQ(1, m_form.Run([] { return std::int16_t{1}; }));
 }
 
-TEST_F(SharedFormTest, NothingIsLostBetweenManyThreads) {
+TEST_F(SharedFormTest, ManyThreadsLoseNoSetting) {
   constexpr int kThreads = 8;
   constexpr int kRounds = 500;
   int settings = 0;  // guarded only by the form under test

@@ -27,9 +27,12 @@ class RestoreDlgTest : public DialogTest, public component::FormProvider {
     }
     first.Set(&Parameters::DBName, catalog->Path());
   }
-  dialog::frmRestore& Form() override { return form; }
+  dialog::frmRestore& Form() override {
+    if (provided == nullptr) throw std::bad_alloc();
+    return *provided;
+  }
 
-  // What the user does while a dialog is shown.
+  // Sets what the user does while a dialog is shown.
   void User(std::function<void()> actions) {
     desktop.user = [actions = std::move(actions)](controls::Form&) { actions(); };
   }
@@ -40,19 +43,20 @@ class RestoreDlgTest : public DialogTest, public component::FormProvider {
     Click(dialog_test::kRestoreNow);
   }
 
+  dialog::frmRestore* provided = &form;
   RestoreDlg first{*this}, second{*this};
   Strings events;
 };
 
-TEST_F(RestoreDlgTest, ResultTellsACommitFromACancel) {
-  // State left over from an earlier dialog in a form that is already loaded.
+TEST_F(RestoreDlgTest, TheResultIsOneAfterACommit) {
+  // An earlier dialog has left this state in the form.
   form.setLabelInVisible(true);
   form.parameters.StopRequested = true;
   User([this] {
     EXPECT_TRUE(ui().lblRestorePath.Visible());
     Commit();
   });
-  EXPECT_EQ(second.DefineRestoreSet(), 1) << "the catalog was named to the first";
+  EXPECT_EQ(second.DefineRestoreSet(), 1) << "the first object has set the catalog";
   EXPECT_EQ(events, Strings{"second"});
   EXPECT_EQ(catalog->Marked(), (Ids{1, 2}));
 
@@ -66,7 +70,7 @@ TEST_F(RestoreDlgTest, ResultTellsACommitFromACancel) {
   EXPECT_EQ(catalog->Marked(), Ids{});
   EXPECT_EQ(events.size(), 1u);
 
-  // The last event decides the result; earlier dialogs have no influence.
+  // The last event decides the result. Earlier dialogs have no influence.
   const auto raised = [&](std::function<void()> actions) {
     User(std::move(actions));
     return second.DefineRestoreSet();
@@ -82,13 +86,9 @@ TEST_F(RestoreDlgTest, EverySettingReachesTheForm) {
   script->failures = {{"connect", 3151}};
   engine::Workspace server({.odbc = std::make_unique<catalog_test::RecordingBackend>(script)});
   dialog::frmRestore shared(platform.Get(), server);
-  struct Provider : component::FormProvider {
-    explicit Provider(dialog::frmRestore& formOfAll) : form(formOfAll) {}
-    dialog::frmRestore& Form() override { return form; }
-    dialog::frmRestore& form;
-  } provider(shared);
+  provided = &shared;
   const engine::testing::TemporaryFolder folder;
-  RestoreDlg dialog(provider);
+  RestoreDlg dialog(*this);
   dialog.Set(&Parameters::DBType, 1);
   dialog.Set(&Parameters::DBName, "not used");
   dialog.Set(&Parameters::DBDatabase, "Cat");
@@ -111,12 +111,12 @@ TEST_F(RestoreDlgTest, EverySettingReachesTheForm) {
   ExpectReports({"LoadBackupSetTree: (3151) "});
 }
 
-TEST_F(RestoreDlgTest, CaptionsAreAppliedWhenGivenAndOnlyToTheNextDialog) {
+TEST_F(RestoreDlgTest, CaptionsApplyToTheNextDialogOnly) {
   Strings seen;
   User([&] {
     seen = {ui().form.Caption(), ui().cmdRestore[0].Caption(), ui().lblList.Caption(),
             ui().lblRestorePath.Visible() ? "shown" : "hidden"};
-    EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To: D:\\Back") << "a path holds for every dialog";
+    EXPECT_EQ(ui().lblRestorePath.Caption(), "Restore To: D:\\Back") << "the path applies to every dialog";
   });
   first.Set(&Parameters::RestorePath, "D:\\Back");
   first.DefineRestoreSet();
@@ -136,12 +136,12 @@ TEST_F(RestoreDlgTest, CaptionsAreAppliedWhenGivenAndOnlyToTheNextDialog) {
   EXPECT_EQ(seen, designed);
 }
 
-TEST_F(RestoreDlgTest, NoDialogStartsInAnEventAndTheHostsTroubleIsItsOwn) {
+TEST_F(RestoreDlgTest, AnEventHandlerCanNeitherStartADialogNorFailIt) {
   std::vector<int> inner;
   first.CommenceRestore = [&] {
     inner.push_back(first.DefineRestoreSet());
     inner.push_back(second.DefineRestoreSet());
-    throw std::runtime_error("the host's own trouble");
+    throw std::runtime_error("an error of the host");
   };
   User([this] { Commit(); });
   EXPECT_EQ(first.DefineRestoreSet(), 1);
@@ -150,17 +150,14 @@ TEST_F(RestoreDlgTest, NoDialogStartsInAnEventAndTheHostsTroubleIsItsOwn) {
 }
 
 TEST_F(RestoreDlgTest, FailingStepsAreSkipped) {
-  User([] { throw std::runtime_error("the desktop went away"); });
+  User([] { throw std::runtime_error("the desktop is gone"); });
   EXPECT_EQ(first.DefineRestoreSet(), 0);
   User([this] { Commit(); });
   EXPECT_EQ(first.DefineRestoreSet(), 1) << "the next dialog is a new one";
 
-  struct NoForm : component::FormProvider {
-    dialog::frmRestore& Form() override { throw std::bad_alloc(); }
-  } none;
-  RestoreDlg lost(none);
-  lost.Set(&Parameters::DBName, "x");
-  EXPECT_EQ(lost.DefineRestoreSet(), 0);
+  provided = nullptr;
+  second.Set(&Parameters::DBName, "x");
+  EXPECT_EQ(second.DefineRestoreSet(), 0);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Reads the tables of cases in tests/data/cases. Below a heading in brackets each case is one line, followed
+// Reads the tables of cases in tests/data/cases. After a heading in brackets, each case is one line, followed
 // by indented lines with the expected result. A line that begins with "#" is a comment.
 #pragma once
 

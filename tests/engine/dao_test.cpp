@@ -1,4 +1,4 @@
-// The automation back end: which engine version it selects, what it calls, and how it interprets results.
+// The automation back end: the version of the engine that it selects, its calls, and its conversion of results.
 #include <algorithm>
 #include <limits>
 
@@ -7,12 +7,8 @@
 #include "tests/engine/dao_test_database.h"
 #include "tests/engine/desktop_samples.h"
 
-namespace kxrestore::engine {
+namespace kxrestore::engine::testing {
 namespace {
-
-using testing::DaoTestDatabase;
-using testing::ExpectError;
-using testing::Rows;
 
 class Dao : public ::testing::Test {
  protected:
@@ -24,11 +20,11 @@ class Dao : public ::testing::Test {
   }
 };
 
-TEST_F(Dao, TheNewestThatCanBeMade) {
-  const testing::Installation now{"DAO.DBEngine.120"}, broken{"DAO.DBEngine.120", true},
-      old{"DAO.DBEngine.36"}, oldest{"DAO.DBEngine.35"};
+TEST_F(Dao, TheNewestThatCanBeCreated) {
+  const Installation now{"DAO.DBEngine.120"}, broken{"DAO.DBEngine.120", true}, old{"DAO.DBEngine.36"},
+      oldest{"DAO.DBEngine.35"};
   const struct {
-    std::vector<testing::Installation> installed;
+    std::vector<Installation> installed;
     const char* made;
   } cases[] = {{{oldest, old, now}, "made DAO.DBEngine.120"},
                {{oldest, old}, "made DAO.DBEngine.36"},
@@ -42,8 +38,8 @@ TEST_F(Dao, TheNewestThatCanBeMade) {
 }
 
 TEST_F(Dao, NoneInstalled) {
-  for (const std::vector<testing::Installation>& installed :
-       {std::vector<testing::Installation>{}, {{"DAO.DBEngine.36", true}}}) {
+  for (const std::vector<Installation>& installed :
+       {std::vector<Installation>{}, {{"DAO.DBEngine.36", true}}}) {
     DaoTestDatabase test(installed);
     for (const char* piece :
          {"mdb", "Install the", "x86", installed.empty() ? "" : "DAO.DBEngine.36 is registered"}) {
@@ -54,15 +50,14 @@ TEST_F(Dao, NoneInstalled) {
         Workspace(std::move(backends), Workspace::DesktopFiles::kEngine).OpenDatabase(test.Request());
       });
     }
-    const auto read =
-        MakeDefaultWorkspace()->OpenDatabase({.name = testing::DesktopSample("telling-2003.mdb")});
-    EXPECT_EQ(Rows(*read, "Catalog").size(), 600u) << "the file is read without the engine";
+    const auto read = MakeDefaultWorkspace()->OpenDatabase({.name = DesktopSample("telling-2003.mdb")});
+    EXPECT_EQ(Rows(*read, "Catalog").size(), 600u) << "the file can be read without the engine";
   }
 }
 
 TEST_F(Dao, StatementsArriveUntouched) {
   DaoTestDatabase test;
-  test.Run(testing::CatalogSchema());
+  test.Run(CatalogSchema());
   const auto workspace = MakeDefaultWorkspace();
   workspace->BeginAction();
   workspace->OpenDatabase({.name = test.Request().name, .readOnly = true});
@@ -74,15 +69,15 @@ TEST_F(Dao, StatementsArriveUntouched) {
   database->Execute("UPDATE  Catalog SET Restore = True ;", kFailOnError);
   EXPECT_TRUE(Called(test, "Database.Execute(\"UPDATE  Catalog SET Restore = True ;\", 128)"));
   database->Execute("INSERT INTO SetNames (ID) VALUES (1)");
-  EXPECT_FALSE(Called(test, "DBEngine.Idle(8)")) << "the engine writes behind";
+  EXPECT_FALSE(Called(test, "DBEngine.Idle(8)")) << "the engine has not written to the disk yet";
   workspace->EndAction();
-  EXPECT_TRUE(Called(test, "DBEngine.Idle(8)")) << "and has written when the action ends";
+  EXPECT_TRUE(Called(test, "DBEngine.Idle(8)")) << "the end of the action waits for the disk";
   int made = 0;
   for (const std::string& call : test.journal.calls) made += call.starts_with("made");
-  EXPECT_EQ(made, 1) << "one engine serves an action";
+  EXPECT_EQ(made, 1) << "an action uses one engine object";
   EXPECT_GT(test.journal.liveObjects, 0);
   database.reset();
-  EXPECT_EQ(test.journal.liveObjects, 0) << "nothing of it outlives the action and what was opened in it";
+  EXPECT_EQ(test.journal.liveObjects, 0) << "no object outlives the action and its databases";
 }
 
 TEST_F(Dao, ErrorsKeepNumberDescriptionAndSource) {
@@ -128,7 +123,7 @@ TEST_F(Dao, BlocksOfASnapshot) {
   EXPECT_EQ(recordset->Fields("T").TextView(), "tëxt 701");
 }
 
-TEST(DaoValues, ComeAndGoAsTheEngineHasThem) {
+TEST(DaoValues, AreConvertedBothWays) {
   std::string text;
   const auto value = [&text](const VARIANT& variant) { return dao::ToValue(variant, text); };
   for (const Value& kept :
@@ -172,4 +167,4 @@ TEST(DaoValues, ComeAndGoAsTheEngineHasThem) {
 }
 
 }  // namespace
-}  // namespace kxrestore::engine
+}  // namespace kxrestore::engine::testing

@@ -16,41 +16,62 @@ namespace {
 
 using dao::ComPtr;
 using dao::Variant;
-using Arguments = std::span<const VARIANT>;  // in the order they are written
+using Arguments = std::span<const VARIANT>;  // in the order of the parameters
 using Journal = DaoTestDatabase::Journal;
 
-// ---- automation objects made of tables of members. A call with another name, another kind, another number,
-// order or type of arguments is refused, and says what is wrong.
+constexpr int kBadCall = 5;
+
+// ---- automation objects, each with a table of members. A call with another name or kind, or with another
+// number or type of arguments, is refused with a description of the mistake.
+
+// The argument of a parameter; one of type Value takes any argument.
+template <class Type>
+Type As(const VARIANT& argument) {
+  std::string text;
+  const Value value = OwnedOf(dao::ToValue(argument, text));
+  if constexpr (std::is_same_v<Type, Value>) {
+    return value;
+  } else {
+    const VARTYPE type = std::is_same_v<Type, std::string> ? VT_BSTR
+                         : std::is_same_v<Type, bool>      ? VT_BOOL
+                                                           : VT_I4;
+    if (argument.vt != type) throw Error(kBadCall, "an argument has another type");
+    return std::get<Type>(value);
+  }
+}
+
+// Passes arguments to a function of these types that returns nothing, a value or an object.
+template <class Result, class... Types>
+std::function<Variant(Arguments)> Unpacking(std::function<Result(Types...)> run) {
+  return [=](Arguments arguments) {
+    if (arguments.size() != sizeof...(Types)) throw Error(kBadCall, "the number of arguments is another");
+    return [&]<std::size_t... kAt>(std::index_sequence<kAt...>) {
+      if constexpr (std::is_void_v<Result>) {
+        run(As<std::decay_t<Types>>(arguments[kAt])...);
+        return Variant();
+      } else if constexpr (std::is_same_v<Result, Variant>) {
+        return run(As<std::decay_t<Types>>(arguments[kAt])...);
+      } else {
+        return dao::FromValue(Value(run(As<std::decay_t<Types>>(arguments[kAt])...)));
+      }
+    }
+    (std::index_sequence_for<Types...>());
+  };
+}
 
 struct Member {
-  // `declaration`: "get NAME", "put NAME v", or "call NAME TYPES" with a letter for each argument: s a text,
-  // i a number, b a Boolean, v anything. `run` returns nothing, a value of the engine or an object.
+  // `declaration`: "get NAME", "put NAME" or "call NAME".
   template <class Run>
-  Member(std::string_view declaration, Run run)
+  Member(std::string_view declaration, Run function)
       : kind(declaration.substr(0, declaration.find(' '))),
         name(declaration.substr(kind.size() + 1)),
-        run([run](Arguments arguments) {
-          using Result = decltype(run(arguments));
-          if constexpr (std::is_same_v<Result, Variant>) {
-            return run(arguments);
-          } else if constexpr (std::is_void_v<Result>) {
-            run(arguments);
-            return Variant();
-          } else {
-            return dao::FromValue(Value(run(arguments)));
-          }
-        }) {
-    if (const std::size_t blank = name.find(' '); blank != name.npos) {
-      types = name.substr(blank + 1);
-      name.resize(blank);
-    }
-  }
+        run(Unpacking(std::function(std::move(function)))) {}
 
-  std::string kind, name, types;
+  std::string kind, name;
   std::function<Variant(Arguments)> run;
 };
 
-// A COM object with one interface of its own.
+// A COM object with one interface.
 template <class Interface>
 class ComObject : public Interface {
  public:
@@ -75,8 +96,6 @@ class ComObject : public Interface {
   ULONG m_references = 0;
 };
 
-constexpr int kBadCall = 5;
-
 BSTR MakeBstr(std::string_view text) {
   return std::exchange(Variant(text).Raw().bstrVal, nullptr);
 }
@@ -85,10 +104,6 @@ std::string Shown(const VARIANT& variant) {
   std::string text;
   const ValueView value = dao::ToValue(variant, text);
   return variant.vt == VT_BSTR ? "\"" + text + "\"" : ToText(value);
-}
-
-VARTYPE TypeOf(char letter) {
-  return letter == 's' ? VT_BSTR : letter == 'i' ? VT_I4 : letter == 'b' ? VT_BOOL : VT_VARIANT;
 }
 
 WORD HowOf(std::string_view kind) {
@@ -124,7 +139,7 @@ class DispatchObject final : public ComObject<IDispatch> {
       const bool named =
           parameters->cNamedArgs == 1 && parameters->rgdispidNamedArgs[0] == DISPID_PROPERTYPUT;
       if (parameters->cNamedArgs > 1 || named != (how == DISPATCH_PROPERTYPUT)) {
-        throw Error(kBadCall, m_name + ": a value that is put has to be named as such, and nothing else");
+        throw Error(kBadCall, m_name + ": only the value of a property is a named argument");
       }
       Variant answer = Run(m_members.at(static_cast<std::size_t>(member)).name, how, arguments);
       if (result != nullptr) *result = std::exchange(answer.Raw(), VARIANT{});
@@ -151,16 +166,9 @@ class DispatchObject final : public ComObject<IDispatch> {
     const auto member = std::ranges::find_if(m_members, [&](const Member& candidate) {
       return candidate.name == name && (HowOf(candidate.kind) & how) != 0;
     });
-    if (member == m_members.end()) throw Error(kBadCall, call + " cannot be used like this");
-    if (arguments.size() != member->types.size()) throw Error(kBadCall, call + " has other arguments");
+    if (member == m_members.end()) throw Error(kBadCall, call + " is not a member of this kind");
     std::string shown;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-      const VARTYPE type = TypeOf(member->types[i]);
-      if (type != VT_VARIANT && type != arguments[i].vt) {
-        throw Error(kBadCall, call + ": argument " + std::to_string(i + 1) + " has another type");
-      }
-      shown += (i == 0 ? "" : ", ") + Shown(arguments[i]);
-    }
+    for (const VARIANT& argument : arguments) shown += (shown.empty() ? "" : ", ") + Shown(argument);
     m_journal.calls.push_back(call + "(" + shown + ")");
     return member->run(arguments);
   }
@@ -170,41 +178,38 @@ class DispatchObject final : public ComObject<IDispatch> {
   const std::vector<Member> m_members;
 };
 
-Variant MakeObject(Journal& journal, std::string name, std::vector<Member> members) {
+Variant MakeObject(Journal* journal, std::string name, std::vector<Member> members) {
   Variant object;
   object.Raw().vt = VT_DISPATCH;
-  object.Raw().pdispVal = new DispatchObject(journal, std::move(name), std::move(members));
+  object.Raw().pdispVal = new DispatchObject(*journal, std::move(name), std::move(members));
   object.Raw().pdispVal->AddRef();
   return object;
 }
 
-// ---- the desktop engine's objects, as far as this program uses them, over the SQLite back end: what is
-// asked of "x.mdb" is answered from "x.db" beside it
+// ---- the desktop engine's objects, as far as this program uses them, over the SQLite back end. A request
+// for "x.mdb" opens "x.db" in the same folder.
 
 using SharedRows = std::shared_ptr<Recordset>;
 
-std::string TextOf(const VARIANT& variant) {
-  std::string text;
-  dao::ToValue(variant, text);
-  return text;
+[[noreturn]] void Fail(int number, const std::string& description) {
+  throw Error(number, description, "Engine");
 }
 
-// Of items that are asked for by their positions.
-Variant MakeCollection(Journal& journal, std::string name, std::function<std::size_t()> count,
-                       std::function<Variant(std::size_t)> makeItem) {
-  return MakeObject(journal, std::move(name),
-                    {{"get Count", [=](Arguments) { return static_cast<std::int64_t>(count()); }},
-                     {"call Item i", [=](Arguments arguments) {
-                        const auto position = static_cast<std::size_t>(arguments[0].lVal);
-                        if (position >= count()) {
-                          throw Error(error_number::kItemNotFound, "Item not found in this collection.",
-                                      "Engine");
-                        }
-                        return makeItem(position);
-                      }}});
+// A collection whose items have positions. Each access makes the items that it has at that time.
+Variant MakeCollection(Journal* journal, std::string name,
+                       const std::function<std::vector<Variant>()>& makeItems) {
+  const auto item = [=](std::int64_t position) {
+    std::vector<Variant> items = makeItems();
+    if (position >= std::ssize(items))
+      Fail(error_number::kItemNotFound, "Item not found in this collection.");
+    return std::move(items[static_cast<std::size_t>(position)]);
+  };
+  return MakeObject(
+      journal, std::move(name),
+      {{"get Count", [=] { return std::int64_t{std::ssize(makeItems())}; }}, {"call Item", item}});
 }
 
-// A transaction is the workspace's; a database joins it with its first write.
+// A transaction belongs to the workspace. A database joins it with its first write.
 struct Transaction {
   bool begun = false;
   std::vector<Database*> databases;
@@ -215,39 +220,36 @@ struct Transaction {
     databases.push_back(&database);
   }
   void End(void (Database::*how)()) {
-    if (!begun) throw Error(error_number::kNoTransaction, "No transaction.", "Engine");
+    if (!begun) Fail(error_number::kNoTransaction, "No transaction.");
     for (Database* database : databases) (database->*how)();
     databases.clear();
     begun = false;
   }
 };
 
-Variant MakeField(Journal& journal, const SharedRows& rows, std::size_t index) {
-  return MakeObject(journal, "Field",
-                    {{"get Name", [=](Arguments) { return std::string(rows->FieldName(index)); }},
-                     {"get Value",
-                      [=](Arguments) {
-                        const ValueView value = rows->FieldValue(index);
-                        if (value == ValueView(DaoTestDatabase::kUnreadable)) {
-                          throw Error(3197, "The data has been changed.", "Engine");
-                        }
-                        return OwnedOf(value);
-                      }},
-                     {"put Value v", [=](Arguments arguments) {
-                        std::string text;
-                        rows->SetFieldValue(index, OwnedOf(dao::ToValue(arguments[0], text)));
-                      }}});
+bool IsUnreadable(const Recordset& rows, std::size_t index) {
+  return rows.FieldValue(index) == ValueView(DaoTestDatabase::kUnreadable);
 }
 
-Variant GetRows(Recordset& rows, LONG count) {
+Variant MakeField(Journal* journal, const SharedRows& rows, std::size_t index) {
+  const auto value = [=] {
+    if (IsUnreadable(*rows, index)) Fail(3197, "The data has been changed.");
+    return OwnedOf(rows->FieldValue(index));
+  };
+  return MakeObject(journal, "Field",
+                    {{"get Name", [=] { return std::string(rows->FieldName(index)); }},
+                     {"get Value", value},
+                     {"put Value", [=](const Value& changed) { rows->SetFieldValue(index, changed); }}});
+}
+
+// An array of columns and rows with the next `count` rows, or fewer before the end or an unreadable row.
+Variant GetRows(Recordset& rows, std::int64_t count) {
   const auto fields = static_cast<LONG>(rows.FieldCount());
   std::vector<Variant> cells;
   LONG read = 0;
   for (; read < count && !rows.Eof(); ++read, rows.MoveNext()) {
     bool readable = true;
-    for (std::size_t i = 0; i < rows.FieldCount(); ++i) {
-      readable &= rows.FieldValue(i) != ValueView(DaoTestDatabase::kUnreadable);
-    }
+    for (std::size_t i = 0; i < rows.FieldCount(); ++i) readable &= !IsUnreadable(rows, i);
     if (!readable) break;
     for (std::size_t i = 0; i < rows.FieldCount(); ++i) {
       cells.push_back(dao::FromValue(OwnedOf(rows.FieldValue(i))));
@@ -264,107 +266,96 @@ Variant GetRows(Recordset& rows, LONG count) {
   return result;
 }
 
-Variant MakeRecordset(Journal& journal, const SharedRows& rows) {
-  return MakeObject(
-      journal, "Recordset",
-      {{"get EOF", [=](Arguments) { return rows->Eof(); }},
-       {"get Fields",
-        [&journal, rows](Arguments) {
-          return MakeCollection(
-              journal, "Fields", [rows] { return rows->FieldCount(); },
-              [&journal, rows](std::size_t index) { return MakeField(journal, rows, index); });
-        }},
-       {"call MoveNext", [=](Arguments) { rows->MoveNext(); }},
-       {"call Edit", [=](Arguments) { rows->Edit(); }},
-       {"call Update", [=](Arguments) { rows->Update(); }},
-       {"call Close", [=](Arguments) { rows->Close(); }},
-       {"call GetRows i", [=](Arguments arguments) { return GetRows(*rows, arguments[0].lVal); }}});
+Variant MakeRecordset(Journal* journal, const SharedRows& rows) {
+  const auto fields = [=] {
+    std::vector<Variant> items;
+    for (std::size_t i = 0; i < rows->FieldCount(); ++i) items.push_back(MakeField(journal, rows, i));
+    return items;
+  };
+  return MakeObject(journal, "Recordset",
+                    {{"get EOF", [=] { return rows->Eof(); }},
+                     {"get Fields", [=] { return MakeCollection(journal, "Fields", fields); }},
+                     {"call MoveNext", [=] { rows->MoveNext(); }},
+                     {"call Edit", [=] { rows->Edit(); }},
+                     {"call Update", [=] { rows->Update(); }},
+                     {"call Close", [=] { rows->Close(); }},
+                     {"call GetRows", [=](std::int64_t count) { return GetRows(*rows, count); }}});
 }
 
-Variant MakeQueryDef(Journal& journal, const std::string& sql) {
-  return MakeObject(journal, "QueryDef", {{"get SQL", [=](Arguments) { return sql; }}});
+Variant MakeQueryDef(Journal* journal, const std::string& sql) {
+  return MakeObject(journal, "QueryDef", {{"get SQL", [=] { return sql; }}});
 }
 
-Variant MakeDatabase(Journal& journal, const std::shared_ptr<Transaction>& transaction,
+Variant MakeDatabase(Journal* journal, const std::shared_ptr<Transaction>& transaction,
                      const std::shared_ptr<Database>& database) {
   const auto changed = std::make_shared<std::int64_t>(0);
-  const auto makeQueries = [&journal, transaction, database](Arguments) {
-    return MakeObject(journal, "QueryDefs",
-                      {{"call Item s",
-                        [&journal, database](Arguments arguments) {
-                          return MakeQueryDef(journal, database->QueryText(TextOf(arguments[0])));
-                        }},
-                       {"call Delete s", [=](Arguments arguments) {
-                          transaction->Join(*database);
-                          database->DeleteQueryDef(TextOf(arguments[0]));
-                        }}});
+  const auto item = [=](const std::string& name) { return MakeQueryDef(journal, database->QueryText(name)); };
+  const auto deleteItem = [=](const std::string& name) {
+    transaction->Join(*database);
+    database->DeleteQueryDef(name);
+  };
+  const auto queries = [=] {
+    return MakeObject(journal, "QueryDefs", {{"call Item", item}, {"call Delete", deleteItem}});
+  };
+  const auto open = [=](const std::string& source, std::int64_t type) {
+    return MakeRecordset(journal, database->OpenRecordset(source, static_cast<RecordsetType>(type)));
+  };
+  const auto execute = [=](const std::string& sql, std::int64_t options) {
+    transaction->Join(*database);
+    *changed = database->Execute(sql, static_cast<int>(options));
+  };
+  const auto create = [=](const std::string& name, const std::string& sql) {
+    transaction->Join(*database);
+    database->CreateQueryDef(name, sql);
+    return MakeQueryDef(journal, sql);
   };
   return MakeObject(journal, "Database",
-                    {{"call OpenRecordset si",
-                      [&journal, database](Arguments arguments) {
-                        const auto type = static_cast<RecordsetType>(arguments[1].lVal);
-                        return MakeRecordset(journal, database->OpenRecordset(TextOf(arguments[0]), type));
-                      }},
-                     {"call Execute si",
-                      [=](Arguments arguments) {
-                        transaction->Join(*database);
-                        *changed = database->Execute(TextOf(arguments[0]), arguments[1].lVal);
-                      }},
-                     {"get RecordsAffected", [=](Arguments) { return *changed; }},
-                     {"call CreateQueryDef ss",
-                      [&journal, transaction, database](Arguments arguments) {
-                        transaction->Join(*database);
-                        database->CreateQueryDef(TextOf(arguments[0]), TextOf(arguments[1]));
-                        return MakeQueryDef(journal, TextOf(arguments[1]));
-                      }},
-                     {"get QueryDefs", makeQueries},
-                     {"call Close", [=](Arguments) { database->Close(); }}});
+                    {{"call OpenRecordset", open},
+                     {"call Execute", execute},
+                     {"get RecordsAffected", [=] { return *changed; }},
+                     {"call CreateQueryDef", create},
+                     {"get QueryDefs", queries},
+                     {"call Close", [=] { database->Close(); }}});
 }
 
-Variant MakeWorkspace(Journal& journal, Workspace& workspace) {
-  const auto transaction = std::make_shared<Transaction>();
-  return MakeObject(journal, "Workspace",
-                    {{"call OpenDatabase sbbs",
-                      [&journal, &workspace, transaction](Arguments arguments) {
-                        OpenRequest request;
-                        request.name = TextOf(arguments[0]);
-                        request.name.replace(request.name.rfind('.'), std::string::npos, ".db");
-                        request.exclusive = arguments[1].boolVal != VARIANT_FALSE;
-                        request.readOnly = arguments[2].boolVal != VARIANT_FALSE;
-                        return MakeDatabase(journal, transaction, workspace.OpenDatabase(request));
-                      }},
-                     {"call BeginTrans", [=](Arguments) { transaction->begun = true; }},
-                     {"call CommitTrans i", [=](Arguments) { transaction->End(&Database::CommitTrans); }},
-                     {"call Rollback", [=](Arguments) { transaction->End(&Database::Rollback); }}});
-}
-
-Variant MakeErrors(Journal& journal) {
-  return MakeCollection(
-      journal, "Errors", [&journal] { return journal.errors.size(); },
-      [&journal](std::size_t which) {
-        const Journal::Entry entry = journal.errors[which];
-        return MakeObject(journal, "Error",
-                          {{"get Number", [=](Arguments) { return std::int64_t{entry.number}; }},
-                           {"get Description", [=](Arguments) { return entry.description; }},
-                           {"get Source", [=](Arguments) { return entry.source; }}});
-      });
-}
-
-Variant MakeDbEngine(Journal& journal, Workspace& workspace) {
-  const auto only = std::make_shared<Variant>(MakeWorkspace(journal, workspace));
-  const auto makeWorkspaces = [&journal, only](Arguments) {
-    return MakeCollection(
-        journal, "Workspaces", [] { return 1; },
-        [only](std::size_t) {
-          Variant copy;
-          VariantCopy(&copy.Raw(), &only->Raw());
-          return copy;
-        });
+Variant MakeWorkspace(Journal* journal, Workspace* workspace,
+                      const std::shared_ptr<Transaction>& transaction) {
+  const auto open = [=](std::string name, bool exclusive, bool readOnly, const std::string& /*connect*/) {
+    name.replace(name.rfind('.'), std::string::npos, ".db");
+    return MakeDatabase(
+        journal, transaction,
+        workspace->OpenDatabase({.name = name, .exclusive = exclusive, .readOnly = readOnly}));
   };
-  return MakeObject(journal, "DBEngine",
-                    {{"get Workspaces", makeWorkspaces},
-                     {"get Errors", [&journal](Arguments) { return MakeErrors(journal); }},
-                     {"call Idle i", [](Arguments) {}}});
+  return MakeObject(journal, "Workspace",
+                    {{"call OpenDatabase", open},
+                     {"call BeginTrans", [=] { transaction->begun = true; }},
+                     {"call CommitTrans", [=](std::int64_t) { transaction->End(&Database::CommitTrans); }},
+                     {"call Rollback", [=] { transaction->End(&Database::Rollback); }}});
+}
+
+std::vector<Variant> MakeErrors(Journal* journal) {
+  std::vector<Variant> items;
+  for (const Journal::Entry& entry : journal->errors) {
+    items.push_back(MakeObject(journal, "Error",
+                               {{"get Number", [=] { return std::int64_t{entry.number}; }},
+                                {"get Description", [=] { return entry.description; }},
+                                {"get Source", [=] { return entry.source; }}}));
+  }
+  return items;
+}
+
+Variant MakeDbEngine(Journal* journal, Workspace* workspace) {
+  const auto transaction = std::make_shared<Transaction>();
+  const auto workspaces = [=] {
+    std::vector<Variant> items(1);
+    items[0] = MakeWorkspace(journal, workspace, transaction);
+    return items;
+  };
+  return MakeObject(
+      journal, "DBEngine",
+      {{"get Workspaces", [=] { return MakeCollection(journal, "Workspaces", workspaces); }},
+       {"get Errors", [=] { return MakeCollection(journal, "Errors", [=] { return MakeErrors(journal); }); }},
+       {"call Idle", [](std::int64_t) {}}});
 }
 
 class Factory final : public ComObject<IClassFactory> {
@@ -374,7 +365,7 @@ class Factory final : public ComObject<IClassFactory> {
 
   STDMETHODIMP CreateInstance(IUnknown*, REFIID iid, void** object) override {
     m_journal.calls.push_back("made " + m_name);
-    return MakeDbEngine(m_journal, m_workspace).Raw().pdispVal->QueryInterface(iid, object);
+    return MakeDbEngine(&m_journal, &m_workspace).Raw().pdispVal->QueryInterface(iid, object);
   }
   STDMETHODIMP LockServer(BOOL) override { return S_OK; }
 

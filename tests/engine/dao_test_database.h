@@ -1,7 +1,7 @@
-// The kind of database that the automation back end opens: a SQLite file, a file beside it that has the
-// desktop engine's header, and a stand-in for the engine over the SQLite file. While an object lives, the
-// stand-in is registered for this process under the names of the real engines, and COM is initialised on the
-// thread that made the object.
+// A database for the automation back end: a SQLite file, an empty file with the desktop engine's header in
+// the same folder, and a double of the engine, which answers from the SQLite file. During its lifetime an
+// object registers the double in this process under the names of the real engines, and initialises COM on the
+// thread that created it.
 #pragma once
 
 #include "engine/dao/automation.h"
@@ -10,8 +10,8 @@
 namespace kxrestore::engine::testing {
 
 struct Installation {
-  std::string name;     // of the engine, as programs ask for it
-  bool broken = false;  // registered, but cannot be made
+  std::string name;     // the ProgID
+  bool broken = false;  // registered, but cannot be created
 };
 
 class DaoTestDatabase final : public TestDatabase {
@@ -26,10 +26,10 @@ class DaoTestDatabase final : public TestDatabase {
   void Run(std::string_view sql) override { m_sqlite->Run(sql); }
   std::string Ask(std::string_view sql) override { return m_sqlite->Ask(sql); }
 
-  // A text that no row can be read with: GetRows stops before it, its field raises error 3197.
+  // A row with this text cannot be read: GetRows stops before it, and its field raises error 3197.
   static constexpr std::string_view kUnreadable = "unreadable";
 
-  // State shared by all objects of the stand-in: recorded calls, and the errors of the last failed call.
+  // The state of all objects of the double: recorded calls, and the errors of the last failed call.
   struct Journal {
     struct Entry {
       int number;
@@ -37,9 +37,9 @@ class DaoTestDatabase final : public TestDatabase {
     };
     std::vector<std::string> calls;
     std::vector<Entry> errors;
-    std::string innerCause;  // of the failures to come
+    std::string innerCause;  // of later failures
     int liveObjects = 0;
-    bool bareErrors = false;  // failures give only their number; the list has the rest
+    bool bareErrors = false;  // failures have only a number, and the list Errors has the rest
   };
   Journal journal;
 

@@ -1,19 +1,15 @@
-// Transactions take effect completely or not at all, however they end and whatever else the user action
-// writes. Saved queries: creating, reading back and deleting them, also those of other programs.
+// Transactions and saved queries on every kind of database. A transaction takes effect completely or not at
+// all. Saved queries can be created, read back and deleted, and queries of other programs can be read.
 #include <chrono>
 #include <functional>
 #include <thread>
 
 #include "tests/engine/test_databases.h"
 
-namespace kxrestore::engine {
+namespace kxrestore::engine::testing {
 namespace {
 
-using testing::ExpectError;
-using testing::Rows;
-using Strings = std::vector<std::string>;
-
-class TransactionConformance : public testing::ConformanceTest {
+class TransactionConformance : public ConformanceTest {
  protected:
   void SetUp() override {
     ConformanceTest::SetUp();
@@ -21,17 +17,15 @@ class TransactionConformance : public testing::ConformanceTest {
     m_workspace->BeginAction();
     m_database = m_workspace->OpenDatabase(m_test->Request());
   }
-  void Mark(int id) {
-    m_database->Execute("UPDATE Catalog SET Restore = True WHERE ID = " + std::to_string(id), kFailOnError);
-  }
-  // What another connection sees of the rows 1, 2 and 3.
+  void Mark(int id) { testing::Mark(*m_database, id); }
+  // The sum of the marked IDs among 1, 2 and 3, as another connection sees them.
   std::string Marks() { return m_test->Ask("SELECT sum(ID) FROM Catalog WHERE ID < 4 AND Restore = 1"); }
 };
 
-TEST_P(TransactionConformance, HoldsBackTheGroupsOfTheAction) {
+TEST_P(TransactionConformance, KeepsTheGroupsOfTheActionUncommitted) {
   Mark(1);
   m_database->BeginTrans();
-  EXPECT_EQ(Marks(), "1") << "what waited is committed";
+  EXPECT_EQ(Marks(), "1") << "BeginTrans commits the waiting group";
   Mark(2);
   std::this_thread::sleep_for(std::chrono::milliseconds(110));
   Mark(3);
@@ -39,7 +33,7 @@ TEST_P(TransactionConformance, HoldsBackTheGroupsOfTheAction) {
   m_workspace->Flush();
   EXPECT_EQ(Marks(), "1");
   m_workspace->EndAction();
-  EXPECT_EQ(Marks(), "1") << "an action ends no transaction";
+  EXPECT_EQ(Marks(), "1") << "the end of an action does not end a transaction";
   m_database->CommitTrans();
   EXPECT_EQ(Marks(), "6");
 }
@@ -59,7 +53,7 @@ TEST_P(TransactionConformance, IsUndoneAsAWhole) {
     ExpectError(WritingError(error_number::kDuplicateKey), "",
                 [&] { m_database->Execute("INSERT INTO SetNames (ID) VALUES (1)", kFailOnError); });
     end();
-    EXPECT_TRUE(snapshot->Fields("Restore").Boolean()) << "a snapshot stays what it was";
+    EXPECT_TRUE(snapshot->Fields("Restore").Boolean()) << "the snapshot does not change";
     m_workspace->Flush();
     EXPECT_EQ(Marks(), "NULL");
     m_database = m_workspace->OpenDatabase(m_test->Request());
@@ -84,10 +78,10 @@ TEST_P(TransactionConformance, Misuse) {
 
 KX_CONFORMANCE(TransactionConformance);
 
-using SavedQueryConformance = testing::ConformanceTest;
-class StoredQueryConformance : public testing::ConformanceTest {};  // of queries that are in the database
+using SavedQueryConformance = ConformanceTest;
+class StoredQueryConformance : public ConformanceTest {};  // kinds that store queries in the database
 
-TEST_P(SavedQueryConformance, LivesAndDies) {
+TEST_P(SavedQueryConformance, IsCreatedReadAndDeleted) {
   ExpectError(error_number::kItemNotFound, "Mine", [&] { m_database->QueryText("Mine"); });
   ExpectError(error_number::kItemNotFound, "Mine", [&] { m_database->DeleteQueryDef("Mine"); });
   ExpectError(error_number::kItemNotFound, "Catalog", [&] { m_database->DeleteQueryDef("Catalog"); });
@@ -99,7 +93,7 @@ TEST_P(SavedQueryConformance, LivesAndDies) {
               [&] { m_database->CreateQueryDef("Catalog", "SELECT 1"); });
   EXPECT_EQ(Rows(*m_database, "SELECT P FROM Mine ORDER BY ID"), (Strings{"none", "Exchange Server"}));
   EXPECT_EQ(m_database->QueryText("MINE").back(), ';');
-  EXPECT_EQ(AskQuery("SELECT P FROM Mine ORDER BY ID"), "none") << "others can read it";
+  EXPECT_EQ(AskQuery("SELECT P FROM Mine ORDER BY ID"), "none") << "other connections can read it";
   // The returned text creates the same query again.
   const std::string text = m_database->QueryText("Mine");
   m_database->DeleteQueryDef("mINE");
@@ -110,7 +104,7 @@ TEST_P(SavedQueryConformance, LivesAndDies) {
   EXPECT_EQ(Rows(*m_database, "Mine").size(), 2u);
 }
 
-TEST_P(SavedQueryConformance, RefusesTexts) {
+TEST_P(SavedQueryConformance, RefusesOtherStatements) {
   ExpectError(error_number::kSyntax, "FROM", [&] { m_database->CreateQueryDef("q", "SELECT FROM Catalog"); });
   ExpectError(error_number::kTextAfterEnd, "DELETE",
               [&] { m_database->CreateQueryDef("q", "SELECT ID FROM Catalog; DELETE FROM Catalog"); });
@@ -122,7 +116,7 @@ TEST_P(SavedQueryConformance, RefusesTexts) {
   ExpectError(error_number::kTableNotFound, "NotThereYet", [&] { Rows(*m_database, "later"); });
 }
 
-TEST_P(StoredQueryConformance, ReadsTextsOfOtherPrograms) {
+TEST_P(StoredQueryConformance, ReadsQueriesOfOtherPrograms) {
   m_test->Run(
       "CREATE VIEW \"Odd One\" AS -- the files\n  SELECT \"Catalog\".\"ID\" AS \"Order\", /* x */ Name FROM "
       "\"Catalog\" LEFT OUTER JOIN SetNames ON SetNames.ID = Catalog.SetNameID WHERE Filename LIKE "
@@ -139,17 +133,16 @@ TEST_P(StoredQueryConformance, ReadsTextsOfOtherPrograms) {
   EXPECT_EQ(Rows(*m_database, "SELECT [B c] FROM NamedAgain WHERE A < 4"), (Strings{"Archive"}));
 }
 
-TEST_P(SavedQueryConformance, MasksComeBack) {
-  for (const char* mask : {"C:\\*", "*[_]*", "?:\\*.doc", "*''s.tx?"}) {
-    m_database->CreateQueryDef("Masked",
-                               std::string("SELECT ID FROM Catalog WHERE OrigName Like '") + mask + "'");
+TEST_P(SavedQueryConformance, KeepsMasks) {
+  for (const std::string mask : {"C:\\*", "*[_]*", "?:\\*.doc", "*''s.tx?"}) {
+    m_database->CreateQueryDef("Masked", "SELECT ID FROM Catalog WHERE OrigName Like '" + mask + "'");
     m_database->CreateQueryDef("MaskedAgain", m_database->QueryText("Masked"));
     EXPECT_EQ(Rows(*m_database, "MaskedAgain"), Rows(*m_database, "Masked")) << mask;
     for (const char* name : {"Masked", "MaskedAgain"}) m_database->DeleteQueryDef(name);
   }
 }
 
-TEST_P(SavedQueryConformance, ChangesOfOthersAreSeen) {
+TEST_P(SavedQueryConformance, FollowsChangesOfOtherDatabases) {
   m_workspace->BeginAction();
   const auto database = m_workspace->OpenDatabase(m_test->Request());
   m_database->CreateQueryDef("Changing", "SELECT ID FROM SetNames");
@@ -161,7 +154,7 @@ TEST_P(SavedQueryConformance, ChangesOfOthersAreSeen) {
 }
 
 KX_CONFORMANCE(SavedQueryConformance);
-KX_CONFORMANCE_OF(StoredQueryConformance, testing::WritableDatabaseKinds());
+KX_CONFORMANCE_OF(StoredQueryConformance, WritableDatabaseKinds());
 
 }  // namespace
-}  // namespace kxrestore::engine
+}  // namespace kxrestore::engine::testing

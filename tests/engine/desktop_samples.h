@@ -1,4 +1,4 @@
-// The sample files of the desktop engine in tests/data/desktop, and copies of them to write to.
+// The sample files of the desktop engine in tests/data/desktop, and temporary copies of them.
 #pragma once
 
 #include <algorithm>
@@ -17,7 +17,7 @@ inline std::string DesktopSample(std::string_view name) {
   return std::string(KX_TEST_DATA "/desktop/") + std::string(name);
 }
 
-// A sample and the SQLite file with the same rows.
+// A sample and its twin, the SQLite file with the same rows.
 struct SampleFile {
   const char *name, *twin;
   friend void PrintTo(const SampleFile& sample, std::ostream* out) { *out << sample.name; }
@@ -38,7 +38,7 @@ inline constexpr SampleFile kSoundSamples[] = {{"telling-2000.mdb", "telling.db"
                                                {"made-2010.accdb", "made.db"},
                                                {"made-2019.accdb", "made.db"}};
 
-// A workspace in which this program reads desktop files itself, whatever is installed.
+// A workspace that reads desktop files without the desktop engine, even where it is installed.
 inline std::unique_ptr<Workspace> MakeReaderWorkspace() {
   Workspace::Backends backends;
   backends.sqlite = sqlite::MakeSqliteBackend(std::chrono::milliseconds(300));
@@ -46,7 +46,7 @@ inline std::unique_ptr<Workspace> MakeReaderWorkspace() {
   return std::make_unique<Workspace>(std::move(backends), Workspace::DesktopFiles::kReader);
 }
 
-// A copy of a sample in a folder of its own.
+// A copy of a sample in a temporary folder.
 class SampleCopy {
  public:
   explicit SampleCopy(std::string_view name)
@@ -57,7 +57,7 @@ class SampleCopy {
   std::string Beside(std::string_view name) const { return m_folder.File(name); }
   OpenRequest Request() const { return {.name = m_path}; }
 
-  // Writes the original's bytes with a change made to them.
+  // Writes a changed version of the original bytes.
   template <class Edit>
   void Change(Edit change) const {
     std::string bytes = m_original;
@@ -65,7 +65,7 @@ class SampleCopy {
     WriteBytes(m_path, bytes);
   }
 
-  // The places where the copy's bytes are not the original's.
+  // The offsets at which the copy differs from the original.
   std::vector<std::size_t> Changed() const {
     const std::string now = ReadBytes(m_path);
     std::vector<std::size_t> places;

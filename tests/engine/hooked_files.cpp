@@ -7,24 +7,26 @@ HookedFiles::Hook g_hook;
 sqlite3_vfs* g_real = nullptr;
 sqlite3_vfs g_vfs;
 sqlite3_io_methods
-    g_methods;  // of the system's kind that was opened last; the kinds differ in their locks only
+    g_methods;  // of the file that was opened last; other files differ only in methods for locks
 
-// A copy of each method table that the system's VFS uses, with our methods in it. The array is fixed because
-// these functions must not allocate.
+// A copy of each method table that the system's VFS uses, with the hooked methods in it. The array has a
+// fixed size because these functions must not allocate.
 struct Kind {
   const sqlite3_io_methods* real;
   sqlite3_io_methods ours;
 } g_kinds[16];
 
-// Makes the call unless the hook lets it fail.
+// Makes the call unless the hook fails it.
 template <class Function, class... Arguments>
 int Call(const FileCall& call, Function function, Arguments... arguments) {
   const int code = g_hook ? g_hook(call) : SQLITE_OK;
   return code == SQLITE_OK ? function(arguments...) : code;
 }
 
-int Read(sqlite3_file* file, void* to, int size, sqlite3_int64 at) {
-  return Call({FileCall::kRead, file}, g_methods.xRead, file, to, size, at);
+// A method whose arguments the hook does not need.
+template <FileCall::Kind kKind, auto kMethod, class... Arguments>
+int Plain(sqlite3_file* file, Arguments... arguments) {
+  return Call({kKind, file}, g_methods.*kMethod, file, arguments...);
 }
 int Write(sqlite3_file* file, const void* from, int size, sqlite3_int64 at) {
   const std::string_view bytes(static_cast<const char*>(from), static_cast<std::size_t>(size));
@@ -32,15 +34,6 @@ int Write(sqlite3_file* file, const void* from, int size, sqlite3_int64 at) {
 }
 int Truncate(sqlite3_file* file, sqlite3_int64 size) {
   return Call({FileCall::kTruncate, file, {}, {}, size}, g_methods.xTruncate, file, size);
-}
-int Sync(sqlite3_file* file, int flags) {
-  return Call({FileCall::kSync, file}, g_methods.xSync, file, flags);
-}
-int FileSize(sqlite3_file* file, sqlite3_int64* size) {
-  return Call({FileCall::kFileSize, file}, g_methods.xFileSize, file, size);
-}
-int Lock(sqlite3_file* file, int level) {
-  return Call({FileCall::kLock, file}, g_methods.xLock, file, level);
 }
 int Delete(sqlite3_vfs*, const char* name, int syncFolder) {
   return Call({FileCall::kDelete, nullptr, name, {}, 0, syncFolder}, g_real->xDelete, g_real, name,
@@ -59,12 +52,12 @@ int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* out
   Kind* kind = g_kinds;
   while (kind->real != nullptr && kind->real != file->pMethods) ++kind;
   *kind = {file->pMethods, g_methods};
-  kind->ours.xRead = Read;
+  kind->ours.xRead = Plain<FileCall::kRead, &sqlite3_io_methods::xRead>;
   kind->ours.xWrite = Write;
   kind->ours.xTruncate = Truncate;
-  kind->ours.xSync = Sync;
-  kind->ours.xFileSize = FileSize;
-  kind->ours.xLock = Lock;
+  kind->ours.xSync = Plain<FileCall::kSync, &sqlite3_io_methods::xSync>;
+  kind->ours.xFileSize = Plain<FileCall::kFileSize, &sqlite3_io_methods::xFileSize>;
+  kind->ours.xLock = Plain<FileCall::kLock, &sqlite3_io_methods::xLock>;
   file->pMethods = &kind->ours;
   return code;
 }

@@ -1,5 +1,5 @@
-// SQLite's file access with a hook before every call that can fail. While an object lives, every file that
-// SQLite opens goes through it; one lives at a time.
+// SQLite's file access with a hook before every call that can fail. An object applies to every file that
+// SQLite opens during its lifetime. There is at most one object at a time.
 #pragma once
 
 #include <sqlite3.h>
@@ -14,16 +14,16 @@ namespace kxrestore::engine::testing {
 struct FileCall {
   enum Kind { kOpen, kRead, kWrite, kTruncate, kSync, kFileSize, kLock, kDelete, kAccess };
   Kind kind;
-  const sqlite3_file* file = nullptr;  // not of kDelete and kAccess
-  std::string_view name;               // of kOpen, kDelete and kAccess
-  std::string_view bytes;              // of kWrite
-  std::int64_t at = 0;                 // of kWrite; the new size of kTruncate
-  int flags = 0;                       // of kOpen; of kDelete whether the folder is synced
+  const sqlite3_file* file = nullptr;  // null for kDelete and kAccess
+  std::string_view name;               // for kOpen, kDelete and kAccess
+  std::string_view bytes;              // for kWrite
+  std::int64_t at = 0;                 // for kWrite the offset, for kTruncate the new size
+  int flags = 0;                       // for kOpen; for kDelete whether the folder is synced
 };
 
 class HookedFiles {
  public:
-  // Returns the code that the call fails with, or SQLITE_OK for it to be made.
+  // Returns an error code, with which the call fails, or SQLITE_OK, and the call is made.
   using Hook = std::function<int(const FileCall&)>;
   explicit HookedFiles(Hook hook);
   ~HookedFiles();
@@ -31,11 +31,11 @@ class HookedFiles {
   HookedFiles& operator=(const HookedFiles&) = delete;
 };
 
-// Counts disk syncs, lets writes fail as on a full disk and makes everything slow.
+// Counts disk syncs, can fail writes as a full disk does, and can slow files down.
 struct WatchedFiles {
   int syncs = 0;
   bool diskFull = false;
-  std::chrono::milliseconds pageDelay{}, syncDelay{};  // of reading or writing a page, and of syncing
+  std::chrono::milliseconds pageDelay{}, syncDelay{};  // per page read or written, and per sync
 
  private:
   HookedFiles m_files{[this](const FileCall& call) {

@@ -1,25 +1,18 @@
-// Damaged files of the desktop engine: an answer or a clear error, in bounded time.
+// Damaged files of the desktop engine give an answer or a clear error in bounded time.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
 #include <random>
 
-#include "engine/jet_file/table.h"
 #include "tests/engine/desktop_samples.h"
 
-namespace kxrestore::engine {
+namespace kxrestore::engine::testing {
 namespace {
 
-using testing::ExpectError;
-using testing::Rows;
-using testing::SampleCopy;
-using Clock = std::chrono::steady_clock;
-
-// Opens, reads everything and marks; returns the number of the error that ended it, or 0.
+// Opens a file, reads everything and marks rows. Returns the number of the last error, or 0.
 int Use(const OpenRequest& request) {
-  const auto workspace = testing::MakeReaderWorkspace();
+  const auto workspace = MakeReaderWorkspace();
   int error = 0;
   const auto attempt = [&](auto operation) {
     try {
@@ -42,36 +35,20 @@ int Use(const OpenRequest& request) {
   return error;
 }
 
-TEST(DesktopDamage, IsToldWithItsPlace) {
-  const auto workspace = testing::MakeReaderWorkspace();
-  const auto zeroed = workspace->OpenDatabase({.name = testing::DesktopSample("zeroed-page-2003.mdb")});
+TEST(DesktopDamage, IsReportedWithItsPlace) {
+  const auto workspace = MakeReaderWorkspace();
+  const auto zeroed = workspace->OpenDatabase({.name = DesktopSample("zeroed-page-2003.mdb")});
   ExpectError(error_number::kDamaged, "page 91", [&] { Rows(*zeroed, "Catalog"); });
-  EXPECT_EQ(Rows(*zeroed, "SetNames").size(), 9u) << "other tables are sound";
+  EXPECT_EQ(Rows(*zeroed, "SetNames").size(), 9u) << "other tables can be read";
   ExpectError(error_number::kDamaged, "behind its end",
-              [&] { workspace->OpenDatabase({.name = testing::DesktopSample("truncated-2003.mdb")}); });
+              [&] { workspace->OpenDatabase({.name = DesktopSample("truncated-2003.mdb")}); });
 }
 
 TEST(DesktopDamage, OfADefinitionThatTwoTablesClaim) {
   const SampleCopy copy("telling-2003.mdb");
-  std::map<std::string, std::size_t> places;  // of the page numbers of definitions
-  {
-    const jet_file::PageFile pages(copy.Path());
-    const auto codePage = jet_file::CodePage::Find(1252);
-    jet_file::Table objects(pages, *codePage,
-                            jet_file::ReadTableDefinition(pages, *codePage, 2, "MSysObjects"));
-    const jet_file::Column &id = *objects.Definition().Find("Id"), &name = *objects.Definition().Find("Name");
-    jet_file::FoundRow row;
-    for (jet_file::Table::Walk walk(objects); walk.Next(row);) {
-      const auto place = row.row.Stored(id)->Data() - row.page.Content().Data();
-      std::string text;
-      objects.AppendText(text, name, *row.row.Stored(name));
-      places[text] = row.page.Number() * std::size_t{4096} + static_cast<std::size_t>(place);
-    }
-  }
-  copy.Change([&](std::string& bytes) {
-    std::copy_n(&bytes[places.at("SetNames")], 4, &bytes[places.at("LongPaths")]);
-  });
-  const auto workspace = testing::MakeReaderWorkspace();
+  constexpr std::size_t kSetNames = 0xE6C3, kLongPaths = 0xE61D;  // the page numbers of their definitions
+  copy.Change([](std::string& bytes) { std::copy_n(&bytes[kSetNames], 4, &bytes[kLongPaths]); });
+  const auto workspace = MakeReaderWorkspace();
   const auto database = workspace->OpenDatabase(copy.Request());
   EXPECT_EQ(Rows(*database, "SetNames").size(), 9u);
   ExpectError(error_number::kDamaged, "belongs to two tables", [&] { Rows(*database, "LongPaths"); });
@@ -87,7 +64,7 @@ TEST(DesktopDamage, OfHeadersIsRefused) {
                {0x3E, 0x01, error_number::kCannotCreateObject, "encrypted"},
                {0x42, 0x01, error_number::kPassword, "password"},
                {2 * 4096, 0x01, error_number::kDamaged, "page 2"}};
-  const auto workspace = testing::MakeReaderWorkspace();
+  const auto workspace = MakeReaderWorkspace();
   for (const auto& [place, changed, number, piece] : cases) {
     const SampleCopy copy("telling-2007.accdb");
     copy.Change([&, at = place, bits = changed](std::string& bytes) { bytes[at] ^= bits; });
@@ -103,7 +80,7 @@ TEST(DesktopDamage, OfHeadersIsRefused) {
 }
 
 // The environment variable KX_DAMAGES sets how often each file is damaged. The time limit allows for the
-// sanitizers; without them the slowest case takes well under 2 s.
+// sanitizers; without them the slowest case takes less than 2 s.
 TEST(DesktopDamage, AtRandomPlacesEndsInAnAnswerOrAnError) {
   const char* asked = std::getenv("KX_DAMAGES");
   const int damages = asked == nullptr ? 12 : std::atoi(asked);
@@ -131,7 +108,8 @@ TEST(DesktopDamage, AtRandomPlacesEndsInAnAnswerOrAnError) {
           case 1:
             return scribble(40, [&] { return below(pageSize); });
           case 2:
-            return scribble(8, [&] { return pageSize - 1 - below(600); });  // a row's end has its own numbers
+            return scribble(8,
+                            [&] { return pageSize - 1 - below(600); });  // rows end with numbers of their own
           case 3: {
             const auto other = bytes.begin() + static_cast<std::ptrdiff_t>(below(pages) * pageSize);
             if (other != page) std::copy_n(other, pageSize, page);
@@ -154,4 +132,4 @@ TEST(DesktopDamage, AtRandomPlacesEndsInAnAnswerOrAnError) {
 }
 
 }  // namespace
-}  // namespace kxrestore::engine
+}  // namespace kxrestore::engine::testing

@@ -1,7 +1,7 @@
-// libFuzzer target: reads and marks a sample file of the desktop engine in which some bytes are changed.
-// Errors are fine, crashes are not. The input is a list of changes, so that short inputs reach every place in
-// a file: one byte selects the file, then each change takes six bytes: page (2), offset in it (2), number of
-// bytes, new value.
+// libFuzzer target: reads and marks a sample file of the desktop engine in which some bytes have changed. It
+// may raise errors but not crash. The input is a list of changes, so that short inputs reach every byte of a
+// file. The first byte selects the file. Each change takes six bytes: page (2), offset in the page (2),
+// number of bytes, new value.
 #include <cstddef>
 #include <cstdint>
 #include <iterator>

@@ -1,82 +1,51 @@
-// Files of the desktop engine, read without that engine: they give the same rows as the SQLite files made
-// from them.
+// Reading files of the desktop engine without that engine. A sample has the same rows as its twin, a SQLite
+// file that was made from it.
 #include <algorithm>
 #include <fstream>
 
-#include "catalog/restore_query.h"
 #include "engine/jet_file/decode.h"
 #include "tests/engine/desktop_samples.h"
 #include "tests/engine/server_statements.h"
 
-namespace kxrestore::engine {
+namespace kxrestore::engine::testing {
 namespace {
-
-using testing::DesktopSample;
-using testing::ExpectError;
-using testing::Rows;
-using testing::SampleFile;
-using testing::Sorted;
-using Strings = std::vector<std::string>;
 
 class DesktopSamples : public ::testing::TestWithParam<SampleFile> {
  protected:
-  const testing::SampleCopy m_twinCopy{GetParam().twin};
-  std::unique_ptr<Workspace> m_workspace = testing::MakeReaderWorkspace();
+  const SampleCopy m_twinCopy{GetParam().twin};
+  std::unique_ptr<Workspace> m_workspace = MakeReaderWorkspace();
   std::unique_ptr<Database> m_database = m_workspace->OpenDatabase({.name = DesktopSample(GetParam().name)});
   std::unique_ptr<Database> m_twin = m_workspace->OpenDatabase(m_twinCopy.Request());
 };
 
 TEST_P(DesktopSamples, HaveTheRowsOfTheirTwins) {
-  testing::ExpectSameCatalog(*m_database, *m_twin);
+  ExpectSameCatalog(*m_database, *m_twin);
   const char* const sums = "SELECT Count(*), Sum(ID), Max(DateStamp) FROM Catalog";
   EXPECT_EQ(Rows(*m_database, sums), Rows(*m_twin, sums));
 }
 
 TEST_P(DesktopSamples, AnswerWhatThePanelsAsk) {
-  for (const auto& [text, ignored] : testing::PanelStatements()) {
+  for (const auto& [text, ignored] : PanelStatements()) {
     const bool ordered = text.find("ORDER BY") != std::string::npos;
     const Strings rows = Rows(*m_database, text), wanted = Rows(*m_twin, text);
     EXPECT_EQ(ordered ? rows : Sorted(rows), ordered ? wanted : Sorted(wanted)) << text;
   }
 }
 
-TEST_P(DesktopSamples, ListEveryCombinationAsTheirTwins) {
-  const auto list = [](Database& database, int set, bool latest, const char* mask, const char* ext) {
-    return Sorted(Rows(*catalog::BuildRestoreQuery(
-        database, set, latest, mask, ext,
-        {"ID", "OrigName", "DateStamp", "Filename", "Extension", "SetName", "OrigSize", "Restore"})));
-  };
-  std::size_t listed = 0;
-  for (const bool latest : {false, true}) {
-    for (const int set : {0, 1, 2}) {
-      for (const char* mask : {"", "doc", "[a-c]*.x??", "#"}) {
-        for (const char* ext : {"", "In ('001','002')", "= '003'"}) {
-          if (set == 0 && *mask == '\0') continue;  // the statement without a mask is refused
-          const Strings rows = list(*m_database, set, latest, mask, ext);
-          EXPECT_EQ(rows, list(*m_twin, set, latest, mask, ext)) << latest << set << mask << ext;
-          listed += rows.size();
-        }
-      }
-    }
-  }
-  EXPECT_GT(listed, 20u);
-}
-
-INSTANTIATE_TEST_SUITE_P(Formats, DesktopSamples, ::testing::ValuesIn(testing::kSoundSamples),
-                         [](const auto& kind) {
-                           std::string name = kind.param.name;
-                           std::ranges::replace_if(
-                               name, [](char c) { return c == '-' || c == '.'; }, '_');
-                           return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Formats, DesktopSamples, ::testing::ValuesIn(kSoundSamples), [](const auto& kind) {
+  std::string name = kind.param.name;
+  std::ranges::replace_if(
+      name, [](char c) { return c == '-' || c == '.'; }, '_');
+  return name;
+});
 
 TEST(DesktopFile, Of1997) {
-  const auto workspace = testing::MakeReaderWorkspace();
+  const auto workspace = MakeReaderWorkspace();
   const auto database = workspace->OpenDatabase({.name = DesktopSample("sample-1997.mdb")});
   EXPECT_EQ(Rows(*database, "Table1"),
             (Strings{"a|b|0|0|0|0|1981-12-12 00:00:00|0|False",
                      "abcdefg|hijklmnop|2|222|333333333|444.555|1974-09-21 00:00:00|3.5|True"}));
-  // Rows so long that an offset takes more than one byte. The text file holds what mdbtools reads.
+  // Rows of more than 255 bytes have offsets of two bytes. The text file has the rows as mdbtools reads them.
   const auto made = workspace->OpenDatabase({.name = DesktopSample("made-1997.mdb")});
   std::ifstream expected(DesktopSample("made-1997-Table2.txt"));
   Strings rows;
@@ -85,7 +54,7 @@ TEST(DesktopFile, Of1997) {
   EXPECT_EQ(rows.size(), 4u);
 }
 
-TEST(DesktopFile, TextsOf1997AreInTheirCodePage) {
+TEST(DesktopFile, TextsOf1997HaveACodePage) {
   const struct {
     std::uint16_t page;
     std::string_view bytes, text;
@@ -105,7 +74,7 @@ TEST(DesktopFile, TextsOf1997AreInTheirCodePage) {
   }
 }
 
-// A row of one fixed column, decoded as each type.
+// Decodes a row of one fixed column as each type.
 TEST(DesktopFile, ValuesOfEveryType) {
   using jet_file::ColumnType;
   const jet_file::PageFile pages(DesktopSample("telling-2003.mdb"));
@@ -152,4 +121,4 @@ TEST(DesktopFile, ValuesOfEveryType) {
 }
 
 }  // namespace
-}  // namespace kxrestore::engine
+}  // namespace kxrestore::engine::testing

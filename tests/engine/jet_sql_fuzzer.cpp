@@ -1,5 +1,5 @@
-// libFuzzer target: parses and prints any text, as a statement and as a view. Errors are fine, crashes are
-// not.
+// libFuzzer target: parses and prints any text as a statement and as a view. It may raise errors but not
+// crash.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -15,7 +15,7 @@ using namespace kxrestore::engine::jet_sql;
 
 namespace {
 
-// Empty when the text is refused.
+// Returns an empty text for a syntax error.
 std::string Printed(std::string_view text, std::size_t parameters, bool saved) {
   try {
     return Print(Parse(text, parameters), SqliteDialect(saved));

@@ -1,4 +1,4 @@
-// The translator alone: what statements and views become for each database, and what is refused.
+// The translator alone: statements and views for each database, and refused statements.
 #include <functional>
 #include <map>
 
@@ -30,7 +30,7 @@ std::string SavedForSqlite(const std::string& source) {
   return Print(Parse(source), SqliteDialect(true));
 }
 
-// The columns of the nested statement that are left.
+// The columns that remain in the nested statement.
 std::string NestedColumns(const std::string& source) {
   Statement statement = Parse(source);
   LeaveOutUnreadNestedColumns(std::get<SelectStatement>(statement));
@@ -39,7 +39,7 @@ std::string NestedColumns(const std::string& source) {
   return text.substr(start, text.find(" FROM u") - start);
 }
 
-// Of a part of a statement that follows `head`, which is printed as `printedHead`.
+// Translates the part of a statement after `head`, whose own translation is `printedHead`.
 Translation Part(const std::string& head, const std::string& printedHead, const Translation& translate) {
   return [=](const std::string& part) {
     const std::string text = translate(head + part);
@@ -101,7 +101,7 @@ TEST(JetSql, Translations) {
   EXPECT_TRUE(translations.empty()) << "no cases for " << translations.begin()->first;
 }
 
-// What is written for a database is read from it again.
+// The reader understands the translations again.
 TEST(JetSql, RoundTrips) {
   for (const auto& [text, expected] : testing::ReadCases("statements.txt", "SQLite: saved queries")) {
     const auto again = [](const std::string& body) {
@@ -119,7 +119,7 @@ TEST(JetSql, RoundTrips) {
             "SELECT n  \nFROM t;");
 }
 
-// Texts that would drive a careless parser, printer or destructor through the stack.
+// Deep nesting must not overflow the stack of the parser, the printer or a destructor.
 TEST(JetSql, DepthIsBounded) {
   const auto repeat = [](std::string_view piece, int count) {
     std::string text;
@@ -163,7 +163,7 @@ TEST(Sql, PrintsWithItsValues) {
   EXPECT_EQ(sql.Text(), "a = \x01 AND b=\x01 AND c=\x01");
   sql.Clear();
   sql.Add("SELECT a FROM t WHERE x=").AddRawText("a'\x01b").Add(" AND y=").AddNumber(1);
-  EXPECT_EQ(sql.Values().size(), 1u) << "a text that ends its apostrophes is no value";
+  EXPECT_EQ(sql.Values().size(), 1u) << "a text with an apostrophe is not a value";
   ExpectError(error_number::kSyntax, "", [&] { Parse(sql.Text(), sql.Values().size()); });
   ExpectError(error_number::kSyntax, "", [] { Parse("SELECT a FROM t WHERE x = \x01"); });
   ExpectError(error_number::kSyntax, "", [] { Parse("SELECT a FROM t WHERE x = \x01 AND y = \x01", 1); });

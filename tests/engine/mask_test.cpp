@@ -1,4 +1,4 @@
-// One table of masks for every kind of database, as a statement's and as a saved query's.
+// One table of masks for every kind of database, in statements and in saved queries.
 #include <algorithm>
 #include <chrono>
 #include <set>
@@ -7,11 +7,10 @@
 #include "engine/jet_sql/meaning/like_pattern.h"
 #include "tests/engine/test_databases.h"
 
-namespace kxrestore::engine {
+namespace kxrestore::engine::testing {
 namespace {
 
 using jet_sql::LikePattern;
-using Strings = std::vector<std::string>;
 
 struct MaskCase {
   const char* mask;
@@ -63,7 +62,7 @@ TEST(LikePattern, Table) {
     for (const std::string& text : matching) EXPECT_TRUE(LikePattern(mask).Matches(text)) << mask << text;
     for (const std::string& text : others) EXPECT_FALSE(LikePattern(mask).Matches(text)) << mask << text;
   }
-  // Bytes that are no text, and those that texts of other databases cannot hold.
+  // Bytes that are not UTF-8, and null characters, which other databases do not store.
   for (const auto& [mask, text] : {std::pair("a?!", "a\xFF!"), std::pair("*\xC3*", "x\xC3")}) {
     EXPECT_TRUE(LikePattern(mask).Matches(text)) << mask;
   }
@@ -72,10 +71,10 @@ TEST(LikePattern, Table) {
   EXPECT_TRUE(LikePattern("*KX*").Matches("a\u212Ax")) << "the Kelvin sign";
 }
 
-class MaskConformance : public testing::ConformanceTest {
+class MaskConformance : public ConformanceTest {
  protected:
   Strings Files(const Sql& sql) {
-    return testing::Sorted(testing::Rows(*m_database->OpenRecordset(sql, RecordsetType::kSnapshot)));
+    return Sorted(Rows(*m_database->OpenRecordset(sql, RecordsetType::kSnapshot)));
   }
 };
 
@@ -107,7 +106,7 @@ TEST_P(MaskConformance, EveryKindOfDatabaseFindsTheSame) {
                  [&](const std::string& text) { return pattern.Matches(text); });
     EXPECT_EQ(Files(Sql(select + "File Like ").AddText(one.mask)), expected);
     EXPECT_EQ(Files(Sql(select + "Not (File Not Like " + quoted + ")")), expected);
-    // Saved queries on files have SQLite's own LIKE, which knows the case of ASCII letters only.
+    // Saved queries in files use SQLite's own LIKE, which ignores the case of ASCII letters only.
     if (isFile && CharacterCount(one.mask) != std::string_view(one.mask).size()) continue;
     m_database->CreateQueryDef("Masked", select + "File Like " + quoted);
     EXPECT_EQ(Files(Sql("Masked")), expected) << "saved";
@@ -117,7 +116,7 @@ TEST_P(MaskConformance, EveryKindOfDatabaseFindsTheSame) {
 
 KX_CONFORMANCE(MaskConformance);
 
-// Masks search for a letter in both of its ASCII forms before they fold a text, except for K and S.
+// Before a text is folded, a mask searches for both ASCII cases of a letter, unless it is K or S.
 TEST(LikePattern, OnlyTwoLettersBeyondAsciiFoldIntoIt) {
   for (char32_t character = 0x80; character <= 0x10FFFF; ++character) {
     const char32_t folded = FoldCase(character);
@@ -136,4 +135,4 @@ TEST(LikePattern, HostileMaskStaysLinearInItsStars) {
 }
 
 }  // namespace
-}  // namespace kxrestore::engine
+}  // namespace kxrestore::engine::testing

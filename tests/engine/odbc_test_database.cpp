@@ -3,14 +3,13 @@
 #include <chrono>
 #include <cstdlib>
 #include <regex>
-#include <stdexcept>
 #include <utility>
 
 #include "base/text.h"
 #include "engine/odbc/odbc_session.h"
 
 #ifdef __SANITIZE_ADDRESS__
-// The driver for PostgreSQL keeps a little of what its catalog functions take.
+// The catalog functions of the PostgreSQL driver leak some memory.
 extern "C" const char* __lsan_default_suppressions() {
   return "leak:psqlodbcw.so";
 }
@@ -24,7 +23,7 @@ constexpr std::string_view kNames =
     "Plugin Restore OrigSize Status Attributes SubFolder EncryptMethod OrigName PathID LongPath SetNames "
     "Name BackupAudit Permanent FullCatalog FullCatalogLatestBySet SetName Mine P ";
 
-// The statement with the catalog's names as the spelling has them; texts stay.
+// Spells the catalog's names in a statement as the database does. Texts in apostrophes stay.
 std::string Spelled(std::string_view statement, Spelling spelling) {
   static const std::regex kPiece("'[^']*'|\"?(\\w+)\"?");
   const std::string sql(statement);
@@ -54,24 +53,17 @@ class OdbcTestDatabase final : public TestDatabase {
 
   OpenRequest Request() const override { return {.connect = m_connect}; }
 
-  // Drivers take one statement at a time.
+  // The driver accepts one statement at a time.
   void Run(std::string_view sql) override {
-    std::vector<std::string> statements(1);
+    std::string statement;
     bool inText = false;
-    for (const char c : sql) {
+    for (const char c : std::string(sql) + ';') {
       if (c == '\'') inText = !inText;
-      if (c == ';' && !inText) {
-        statements.emplace_back();
-      } else {
-        statements.back() += c;
-      }
-    }
-    for (const std::string& statement : statements) {
-      if (statement.find_first_not_of(" \n") == std::string::npos) continue;
-      try {
-        m_session.RunSchemaChange({Spelled(statement, m_spelling)});
-      } catch (const Error& error) {
-        throw std::runtime_error(error.Description());
+      if (c != ';' || inText) {
+        statement += c;
+      } else if (const std::string next = std::exchange(statement, {});
+                 next.find_first_not_of(" \n") != std::string::npos) {
+        m_session.RunSchemaChange({Spelled(next, m_spelling)});
       }
     }
   }
@@ -98,7 +90,6 @@ class OdbcTestDatabase final : public TestDatabase {
 
 }  // namespace
 
-// In a database of this process's own, emptied for every test.
 std::unique_ptr<TestDatabase> MakePostgres(Spelling spelling) {
   const std::string password = ServerSetting("KX_TEST_PASSWORD"), user = ServerSetting("KX_TEST_USER");
   const std::string administrator = ServerSetting("KX_TEST_ADMIN");
@@ -110,7 +101,7 @@ std::unique_ptr<TestDatabase> MakePostgres(Spelling spelling) {
   }();
   odbc::Session session(ServerConnect(database, administrator, password));
   session.RunSchemaChange({"DROP SCHEMA public CASCADE", "CREATE SCHEMA public AUTHORIZATION " + user});
-  // Numbers where the tables have Booleans, as other databases take them.
+  // The tests' SQL writes Booleans as numbers and calls group_concat; PostgreSQL has neither.
   session.RunSchemaChange(
       {"UPDATE pg_cast SET castcontext = 'i' WHERE castsource = 'int4'::regtype AND casttarget = "
        "'bool'::regtype",

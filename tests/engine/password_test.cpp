@@ -1,4 +1,4 @@
-// A password never shows, however a driver spells it.
+// A password is hidden in error messages, however a driver spells it.
 #include "engine/odbc/password.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What every kind of database must do: walking, values, snapshots, dynasets, action statements and their
+// Recordsets and action statements on every kind of database: navigation, values, snapshots, dynasets and
 // errors.
 #include <functional>
 #include <iterator>
@@ -8,23 +8,18 @@
 #include "tests/engine/server_statements.h"
 #include "tests/engine/test_databases.h"
 
-namespace kxrestore::engine {
+namespace kxrestore::engine::testing {
 namespace {
 
-using testing::Change;
-using testing::ExpectError;
-using testing::ReadCases;
-using testing::Rows;
-using testing::Sorted;
-using RecordsetConformance = testing::ConformanceTest;
-class WritingConformance : public testing::ConformanceTest {};
-using Strings = std::vector<std::string>;
+using RecordsetConformance = ConformanceTest;
+class WritingConformance : public ConformanceTest {};
 
 TEST_P(RecordsetConformance, WalksRowsAndFields) {
   const auto recordset = m_database->OpenRecordset("SELECT ID, Filename, OrigSize FROM Catalog ORDER BY ID",
                                                    RecordsetType::kSnapshot);
   EXPECT_EQ(recordset->FieldCount(), 3u);
   EXPECT_EQ(recordset->FieldName(1), "Filename");
+  EXPECT_EQ(recordset->FieldValue(0), ValueView(std::int64_t{1}));
   Field file = recordset->Fields("FILENAME");
   std::string files;
   for (; !recordset->Eof(); recordset->MoveNext()) files += file.Text() + "|";
@@ -38,7 +33,7 @@ TEST_P(RecordsetConformance, WalksRowsAndFields) {
 }
 
 TEST_P(RecordsetConformance, Answers) {
-  std::vector<testing::PanelStatement> statements = testing::PanelStatements();
+  std::vector<PanelStatement> statements = PanelStatements();
   for (const auto& [text, rows] : ReadCases("queries.txt", "rows")) statements.push_back({text, rows});
   for (const auto& [text, rows] : statements) {
     Strings found = Rows(*m_database, text), wanted = rows;
@@ -70,7 +65,7 @@ TEST_P(RecordsetConformance, Refuses) {
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Catalog WHERE Restore = 1"), marked);
 }
 
-// A caller that names the columns it reads gets the same rows with only those columns. The desktop engine
+// A caller that names the columns it reads gets the same rows with only these columns. The desktop engine
 // receives the statement unchanged.
 TEST_P(RecordsetConformance, ColumnsThatNobodyReads) {
   for (const auto& [sql, expected] : ReadCases("queries.txt", "read columns")) {
@@ -101,19 +96,7 @@ TEST_P(RecordsetConformance, ColumnsThatNobodyReads) {
   EXPECT_EQ(m_test->Ask("SELECT Restore FROM Catalog WHERE ID = 4"), "0");
 }
 
-TEST_P(RecordsetConformance, ValuesHaveTheirTypes) {
-  const auto recordset = m_database->OpenRecordset(
-      "SELECT Restore, OrigSize, Plugin FROM Catalog WHERE ID In (4, 7) ORDER BY ID",
-      RecordsetType::kSnapshot);
-  EXPECT_EQ(recordset->FieldValue(0), ValueView(true));
-  EXPECT_EQ(recordset->FieldValue(1), ValueView(std::int64_t{13}));
-  EXPECT_EQ(recordset->Fields("Plugin").TextView(), "");
-  recordset->MoveNext();
-  EXPECT_EQ(recordset->Fields("Restore").IsNull(), !GetParam().onlyMarks);
-  EXPECT_FALSE(recordset->Fields("Restore").Boolean());
-}
-
-TEST_P(RecordsetConformance, TextsComeInTheOrderPeopleExpect) {
+TEST_P(RecordsetConformance, TextsSortAsPeopleExpect) {
   m_test->Run(
       "DELETE FROM BackupAudit; DELETE FROM SetNames; INSERT INTO SetNames VALUES (1, 'Zoo'), (2, 'Ärzte'), "
       "(3, 'ARZT'), (4, 'Arzt'), (5, 'bär'), (6, 'Baer'), (7, 'Bas'); INSERT INTO BackupAudit (SetNameID, "
@@ -124,21 +107,21 @@ TEST_P(RecordsetConformance, TextsComeInTheOrderPeopleExpect) {
                  "SELECT Name FROM SetNames INNER JOIN BackupAudit ON SetNames.ID = BackupAudit.SetNameID "
                  "ORDER BY SetNames.Name, BackupAudit.DateStamp DESC"),
             (Strings{"ARZT", "Arzt", "ARZT"}))
-      << "names that differ in case only are the same, and the date decides";
+      << "names that differ only in case are equal, so the date decides";
 }
 
-TEST_P(RecordsetConformance, ExecuteTellsHowManyRows) {
+TEST_P(RecordsetConformance, ExecuteCountsRows) {
   const std::string mark = "UPDATE [Catalog] SET [Catalog].Restore = True WHERE (((Catalog.ID)=";
   const std::string clear =
       "UPDATE [Catalog] SET [Catalog].Restore = False WHERE (((Catalog.Restore)=True));";
-  // 1 and 7 both count as true, and so does the row that is set first.
+  // The rows with 1 and 7 count as marked, and the one that the first statement marks.
   for (const auto& [sql, count] :
        {std::pair(mark + "3));", 1), {mark + "-3));", 0}, {clear, 3}, {clear, 0}}) {
     EXPECT_EQ(m_database->Execute(sql), count) << sql;
   }
 }
 
-TEST_P(WritingConformance, RowsComeAndGo) {
+TEST_P(WritingConformance, InsertsAndDeletesRows) {
   for (const char* sql : {"INSERT INTO SetNames (ID, Name) VALUES (9, 'it''s \"new\"')",
                           "DELETE FROM SetNames WHERE Name = 'it''s \"new\"'"}) {
     EXPECT_EQ(m_database->Execute(sql), 1) << sql;
@@ -146,11 +129,10 @@ TEST_P(WritingConformance, RowsComeAndGo) {
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM SetNames"), "3");
 }
 
-// Statements that differ in their values only must not answer with each other's.
-TEST_P(RecordsetConformance, ValuesAreNotMixedUp) {
+// Statements that differ only in their values must not share their rows.
+TEST_P(RecordsetConformance, StatementsKeepTheirValues) {
   const auto open = [&](std::string_view column, const Value& value, int setId) {
-    Sql sql("SELECT ID FROM Catalog WHERE ");
-    sql.Add(column).Add(" ");
+    Sql sql("SELECT ID FROM Catalog WHERE " + std::string(column) + " ");
     if (const auto* text = std::get_if<std::string>(&value)) {
       sql.AddText(*text);
     } else {
@@ -176,7 +158,7 @@ TEST_P(RecordsetConformance, ValuesAreNotMixedUp) {
   for (const auto& [column, value, setId, ids] : cases) {
     EXPECT_EQ(Rows(*open(column, value, setId)), ids) << column << ToText(ViewOf(value));
   }
-  // Two open at once from one text.
+  // Two recordsets of one statement are open at the same time.
   const auto first = open("Status =", std::int64_t{2}, 1), second = open("Status =", std::int64_t{2}, 2);
   EXPECT_EQ(first->Fields("ID").Integer(), 1);
   EXPECT_EQ(second->Fields("ID").Integer(), 5);
@@ -184,7 +166,7 @@ TEST_P(RecordsetConformance, ValuesAreNotMixedUp) {
   EXPECT_EQ(first->Fields("ID").Integer(), 2);
 }
 
-TEST_P(RecordsetConformance, SnapshotStaysWhatItWas) {
+TEST_P(RecordsetConformance, SnapshotDoesNotChange) {
   for (const bool inAction : {false, true}) {
     m_test->Run("UPDATE Catalog SET Restore = 0; DELETE FROM Catalog WHERE ID > 7");
     if (inAction) m_workspace->BeginAction();
@@ -224,7 +206,7 @@ TEST_P(RecordsetConformance, DynasetWritesRows) {
   const std::string name = GetParam().onlyMarks ? "C:\\it's.txt" : "C:\\new's.txt";
   if (!GetParam().onlyMarks) dynaset->Fields("Filename").Set(name);
   dynaset->Update();
-  EXPECT_FALSE(dynaset->Fields("Restore").Boolean()) << "the row shows what was written";
+  EXPECT_FALSE(dynaset->Fields("Restore").Boolean()) << "the row shows the new value";
   EXPECT_EQ(m_test->Ask("SELECT Restore FROM Catalog WHERE ID = 4"), "0");
   EXPECT_EQ(m_test->Ask("SELECT Filename FROM Catalog WHERE ID = 4"), name);
   dynaset->Edit();
@@ -237,7 +219,7 @@ TEST_P(RecordsetConformance, DynasetWritesRows) {
   ExpectError(error_number::kNoCurrentRecord, "", [&] { dynaset->Edit(); });
 }
 
-// Updating the column that the rows are walked by must not visit a row twice.
+// An update of the column by which the rows are searched must not move a row ahead of the dynaset.
 TEST_P(WritingConformance, DynasetVisitsEachRowOnce) {
   m_test->Run("CREATE INDEX CatalogBySize ON Catalog (OrigSize)");
   int visits = 0;
@@ -296,7 +278,7 @@ TEST_P(RecordsetConformance, ReadOnlyDatabase) {
 // The desktop engine works on the calling thread and does not invoke the callback.
 TEST_P(RecordsetConformance, GivesTurnsWhileAStatementWorksAndCanBeStopped) {
   if (GetParam().name == "Dao") return;
-  const bool fewer = GetParam().onlyMarks;  // such files are read some times more slowly
+  const bool fewer = GetParam().onlyMarks;  // such files take several times longer
   const std::string all =
       std::string("SELECT Count(*) AS n FROM Catalog AS a, Catalog AS b, Catalog AS c, Catalog AS d, ") +
       "Catalog AS e, Catalog AS f, Catalog AS g" + (fewer ? "" : ", Catalog AS h") +
@@ -306,11 +288,11 @@ TEST_P(RecordsetConformance, GivesTurnsWhileAStatementWorksAndCanBeStopped) {
   ExpectError(error_number::kCanceled, "canceled", [&] { Rows(*m_database, all); });
   EXPECT_GE(turns, 3);
   turns = -1'000'000;
-  m_database = m_workspace->OpenDatabase(
-      m_test->Request());  // the connection of a server that is slow to stop is abandoned
+  // A new connection, because the engine abandons that of a server that is slow to stop.
+  m_database = m_workspace->OpenDatabase(m_test->Request());
   EXPECT_EQ(Rows(*m_database, all), Strings{fewer ? "823543" : "5764801"});
   EXPECT_GT(turns, -1'000'000);
-  // What is left of a listing is read before a row is written.
+  // The rest of an open listing is read before a row is written.
   m_workspace->BeginAction();
   {
     const auto database = m_workspace->OpenDatabase(m_test->Request());
@@ -331,7 +313,7 @@ TEST_P(RecordsetConformance, GivesTurnsWhileAStatementWorksAndCanBeStopped) {
 }
 
 KX_CONFORMANCE(RecordsetConformance);
-KX_CONFORMANCE_OF(WritingConformance, testing::WritableDatabaseKinds());
+KX_CONFORMANCE_OF(WritingConformance, WritableDatabaseKinds());
 
 }  // namespace
-}  // namespace kxrestore::engine
+}  // namespace kxrestore::engine::testing

@@ -27,7 +27,7 @@ using jet_sql::KnownColumn;
 using jet_sql::KnownRelation;
 using jet_sql::ValueKind;
 
-// Of words "name:kind".
+// Reads a list of "name:kind", separated by blanks.
 std::vector<KnownColumn> Columns(const std::string& list) {
   static const std::map<std::string, ValueKind> kinds = {{"number", ValueKind::kNumber},
                                                          {"text", ValueKind::kText},
@@ -68,7 +68,7 @@ class CatalogOnServer final : public jet_sql::Relations, public jet_sql::TableFa
     }
     m_relations.push_back(
         {"FullCatalog", false, Columns(std::string(kCatalogColumns) + " SetName:text"), {}});
-    // What this component has saved is read by its text.
+    // The queries that this component saves have only a text.
     for (const auto& [name, text] : ServerStatements()) {
       if (!name.empty() && name != "FullCatalog") m_relations.push_back({name, false, {}, text});
     }
@@ -96,7 +96,7 @@ class CatalogOnServer final : public jet_sql::Relations, public jet_sql::TableFa
   std::vector<KnownRelation> m_relations;
 };
 
-// What a function asks of a database.
+// The statement that a function opens on a database.
 template <class Open>
 std::string StatementOf(Open open) {
   const auto script = std::make_shared<Script>();

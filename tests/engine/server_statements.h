@@ -1,5 +1,4 @@
-// The statements that this component puts to a server, taken down from the code that builds them, and what
-// the server gets of them.
+// The statements that this component builds, recorded while it runs, and their translations for a server.
 #pragma once
 
 #include <string>
@@ -11,21 +10,21 @@
 namespace kxrestore::engine::testing {
 
 struct ServerStatement {
-  std::string savedQuery;  // the name that it is saved under; empty for one that is carried out
+  std::string savedQuery;  // the name of a saved query; empty for a statement that is executed
   std::string text;
 };
 
 std::vector<ServerStatement> ServerStatements();
 
-// The listings of the dialog's panels, and their rows where the catalog has those of CatalogRows().
+// The listings of the dialog's panels, and their rows in a catalog with the rows of CatalogRows().
 struct PanelStatement {
   std::string text;
   std::vector<std::string> rows;
 };
 std::vector<PanelStatement> PanelStatements();
 
-// A statement as a server gets it that spells names as the catalog does and has its kinds of columns.
-// `read`: see Database::OpenRecordset.
+// Translates a statement for a server whose tables have the names and column types of a catalog. `read` is as
+// in Database::OpenRecordset.
 std::string ForServer(const jet_sql::Dialect& dialect, const std::string& text, bool savedQuery = false,
                       const ColumnNames& read = {});
 std::string ForSqlServer(const std::string& text, bool savedQuery = false, bool mindsCase = false,

@@ -1,16 +1,13 @@
-// Listings of the latest versions, which are read without the outer groups of their saved query where that
-// gives the same rows. A dynaset is always read with them.
+// Listings of the latest versions. The engine leaves out the outer GROUP BY of their saved query where this
+// does not change the rows. It never does so for a dynaset.
 #include <algorithm>
 
 #include "engine/odbc/odbc_session.h"
 #include "engine/odbc/saved_queries.h"
 #include "tests/engine/test_databases.h"
 
-namespace kxrestore::engine {
+namespace kxrestore::engine::testing {
 namespace {
-
-using testing::Rows;
-using Strings = std::vector<std::string>;
 
 constexpr char kLatest[] =
     "SELECT FullCatalog.OrigName AS OrigName, Max(FullCatalog.DateStamp) AS DateStamp, First(FullCatalog.ID) "
@@ -23,14 +20,14 @@ constexpr char kNewest[] =
     "AS ID FROM FullCatalog where FullCatalog.Status = 2 GROUP BY FullCatalog.OrigName;";
 constexpr char kKey[] = "INTEGER PRIMARY KEY";
 
-class SingleRows : public ::testing::TestWithParam<testing::TestDatabaseKind> {
+class SingleRows : public ::testing::TestWithParam<TestDatabaseKind> {
  protected:
   bool IsPostgres() const { return GetParam().name.starts_with("Postgres"); }
 
-  // The type of texts that are the same in any case.
+  // A column type for texts that compare without case.
   std::string CaseBlind() const { return IsPostgres() ? "TEXT COLLATE blind" : "TEXT COLLATE NOCASE"; }
 
-  // Makes a catalog with these columns of its key, names and sets, and the saved queries over it.
+  // Creates a catalog whose columns ID, OrigName and SetNames.ID have these types, and its saved queries.
   void Make(const std::string& id, const std::string& name, const std::string& setId) {
     m_database.reset();
     m_workspace = MakeDefaultWorkspace();
@@ -92,34 +89,35 @@ class SingleRows : public ::testing::TestWithParam<testing::TestDatabaseKind> {
     }
   }
 
-  std::unique_ptr<testing::TestDatabase> m_test;
+  std::unique_ptr<TestDatabase> m_test;
   std::unique_ptr<Workspace> m_workspace;
   std::unique_ptr<Database> m_database;
 };
 
-TEST_P(SingleRows, OneRowANameInTheOrderOfTheQuery) {
+TEST_P(SingleRows, OneRowPerNameInTheOrderOfTheQuery) {
   Make(kKey, "TEXT", kKey);
   Strings expected = {"c.xls|2026-02-01|6|2|2|two", "b.doc|2026-02-01|4|1|2|one",
                       "A.DOC|2026-01-05|10|1|2|one", "NULL|NULL|9|2|2|two"};
-  if (IsPostgres()) std::rotate(expected.begin(), expected.end() - 1, expected.end());  // no date is the last
+  if (IsPostgres())
+    std::rotate(expected.begin(), expected.end() - 1, expected.end());  // PostgreSQL sorts NULL last
   EXPECT_EQ(Listed(""), expected);
   EXPECT_EQ(Listed(" WHERE Latest.OrigName Like \"*doc\"", "Latest.DateStamp, ID AS Number").front(),
             "2026-02-01|4");
   ExpectSameListings();
 }
 
-// The names are the same to the grouping though not to a mask.
+// GROUP BY compares these names without case, though a mask does not.
 TEST_P(SingleRows, NamesThatDifferInCaseOnly) {
-  if (IsPostgres()) return;  // it has no masks for such texts
+  if (IsPostgres()) return;  // it has no LIKE for such texts
   Make(kKey, CaseBlind(), kKey);
   EXPECT_EQ(Listed(" WHERE Latest.OrigName Like \"*.doc\"").size(), 2u);
   EXPECT_EQ(Listed(" WHERE Latest.OrigName & '' = 'a.doc'"), Strings{})
-      << "the newest is A.DOC, and an older one does not take its place";
+      << "the newest is A.DOC, and the older a.doc does not replace it";
   ExpectSameListings();
 }
 
-// Rows that a key or a join does not keep single still come out once a name.
-TEST_P(SingleRows, GroupsThatAreNeededStay) {
+// Each name is listed once, even if a key is missing or a join repeats rows.
+TEST_P(SingleRows, NecessaryGroupsStay) {
   Make("INTEGER", "TEXT", kKey);
   m_test->Run(
       "INSERT INTO Catalog VALUES (4, 'b.doc', '2026-02-01', 1, 2), (4, 'e.doc', '2026-02-02', 1, 2)");
@@ -131,7 +129,7 @@ TEST_P(SingleRows, GroupsThatAreNeededStay) {
   EXPECT_EQ(Listed("").size(), 4u);
   ExpectSameListings();
 
-  // The groups of the two queries are not the same.
+  // The inner query has other groups than the outer one, or none.
   Make(kKey, "TEXT", kKey);
   for (const char* newest :
        {"SELECT Max(FullCatalog.ID) AS ID FROM FullCatalog GROUP BY FullCatalog.SetNameID",
@@ -142,9 +140,9 @@ TEST_P(SingleRows, GroupsThatAreNeededStay) {
   }
 }
 
-// The statement that a server receives, depending on the types of its columns. The rows alone do not show
-// whether a group was left out.
-TEST_P(SingleRows, AskedOfAServer) {
+// The statement for a server depends on the column types. The rows alone do not show whether a group was left
+// out.
+TEST_P(SingleRows, StatementsForAServer) {
   if (GetParam().name == "Sqlite") return;
   const struct {
     std::string id, name, setId;
@@ -165,10 +163,11 @@ TEST_P(SingleRows, AskedOfAServer) {
   ExpectAsked(2);
 }
 
-// Every kind with tables of any shape except the desktop engine, which receives statements unchanged.
-std::vector<testing::TestDatabaseKind> Kinds() {
-  auto kinds = testing::WritableDatabaseKinds();
-  std::erase_if(kinds, [](const testing::TestDatabaseKind& kind) { return kind.name == "Dao"; });
+// The kinds on which a test can create tables, except the desktop engine, which receives statements
+// unchanged.
+std::vector<TestDatabaseKind> Kinds() {
+  auto kinds = WritableDatabaseKinds();
+  std::erase_if(kinds, [](const TestDatabaseKind& kind) { return kind.name == "Dao"; });
   return kinds;
 }
 
@@ -176,4 +175,4 @@ INSTANTIATE_TEST_SUITE_P(Engines, SingleRows, ::testing::ValuesIn(Kinds()),
                          [](const auto& kind) { return kind.param.name; });
 
 }  // namespace
-}  // namespace kxrestore::engine
+}  // namespace kxrestore::engine::testing

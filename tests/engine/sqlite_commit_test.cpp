@@ -1,24 +1,21 @@
-// Commits in groups: what other programs see and when, how often the disk is synced, and what an error leaves
-// behind.
+// Commits in groups: when other programs see a mark, how often the disk is synced, and what remains after an
+// error.
 #include <chrono>
 #include <thread>
 
 #include "tests/engine/hooked_files.h"
 #include "tests/engine/test_databases.h"
 
-namespace kxrestore::engine {
+namespace kxrestore::engine::testing {
 namespace {
 
-using testing::ExpectError;
-using testing::Rows;
-
-using SqliteCommit = testing::SqliteTest;
+using SqliteCommit = SqliteTest;
 
 void LetTimePass() {
   std::this_thread::sleep_for(std::chrono::milliseconds(110));
 }
 
-TEST_F(SqliteCommit, AtOnceOutsideAnActionAndTogetherWithin) {
+TEST_F(SqliteCommit, AtOnceOutsideAnActionAndInGroupsWithin) {
   Mark(5);
   EXPECT_EQ(Marked(), "4,5");
   m_workspace->BeginAction();
@@ -26,19 +23,19 @@ TEST_F(SqliteCommit, AtOnceOutsideAnActionAndTogetherWithin) {
   Mark(1);
   Mark(2);
   m_workspace->Idle();
-  EXPECT_EQ(Marked(), "4,5") << "not before its time";
+  EXPECT_EQ(Marked(), "4,5") << "not before 100 ms have passed";
   LetTimePass();
   m_workspace->Idle();
   EXPECT_EQ(Marked(), "1,2,4,5");
   Mark(3);
   m_workspace->EndAction();
-  EXPECT_EQ(Marked(), "1,2,4,5") << "an inner action ends nothing";
+  EXPECT_EQ(Marked(), "1,2,4,5") << "the end of an inner action commits nothing";
   m_workspace->Flush();
   EXPECT_EQ(Marked(), "1,2,3,4,5");
   Mark(6);
   LetTimePass();
   Mark(7);
-  EXPECT_EQ(Marked(), "1,2,3,4,5,6,7") << "updates themselves keep the time";
+  EXPECT_EQ(Marked(), "1,2,3,4,5,6,7") << "an update commits the group when its time is up";
   m_test->Run("UPDATE Catalog SET Restore = 0");
   Mark(6);
   m_workspace->EndAction();
@@ -46,7 +43,7 @@ TEST_F(SqliteCommit, AtOnceOutsideAnActionAndTogetherWithin) {
   m_workspace->BeginAction();
   Mark(7);
   m_workspace.reset();
-  EXPECT_EQ(Marked(), "6") << "a workspace that goes commits nothing in silence";
+  EXPECT_EQ(Marked(), "6") << "a destroyed workspace commits nothing";
 }
 
 TEST_F(SqliteCommit, AnErrorKeepsTheMarksBeforeIt) {
@@ -61,20 +58,20 @@ TEST_F(SqliteCommit, AnErrorKeepsTheMarksBeforeIt) {
               [&] { database->Execute("UPDATE Catalog SET Nothing = 1"); });
   Mark(7);
   m_workspace->EndAction();
-  EXPECT_EQ(Marked(), "1,4,7") << "the failing statement undoes itself only";
+  EXPECT_EQ(Marked(), "1,4,7") << "only the failing statement is undone";
 }
 
-// A reader in another process blocks a commit. The marks wait until the time limit; then they are lost, which
-// is reported once.
-TEST_F(SqliteCommit, ABlockedCommitIsTriedAgainAndToldAtTheEnd) {
+// A reader in another process blocks a commit. The marks wait until the time limit. Then they are lost, and
+// the loss is reported once.
+TEST_F(SqliteCommit, ABlockedCommitIsTriedAgainAndReportedAtTheEnd) {
   m_workspace->BeginAction();
   Mark(1);
   m_test->Run("BEGIN; SELECT count(*) FROM Catalog");
   LetTimePass();
-  const auto start = std::chrono::steady_clock::now();
+  const auto start = Clock::now();
   m_workspace->Idle();
   Mark(2);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(250)) << "nobody waits here";
+  EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(250)) << "neither call waits";
   ExpectError(error_number::kRowLocked, "catälog.db", [&] { m_workspace->Flush(); });
   EXPECT_NO_THROW(m_workspace->Flush());
   m_test->Run("COMMIT");
@@ -82,7 +79,7 @@ TEST_F(SqliteCommit, ABlockedCommitIsTriedAgainAndToldAtTheEnd) {
   m_workspace->EndAction();
   EXPECT_EQ(Marked(), "3,4");
 
-  // During marking, no mark reports the loss of earlier ones.
+  // A mark does not report the loss of earlier marks.
   m_workspace->BeginAction();
   m_test->Run("BEGIN; SELECT count(*) FROM Catalog");
   Mark(1);
@@ -104,7 +101,7 @@ TEST_F(SqliteCommit, ABlockedCommitIsTriedAgainAndToldAtTheEnd) {
   EXPECT_EQ(Marked(), "2,3,4,7") << "usable again";
 }
 
-TEST_F(SqliteCommit, AnotherWriterBetweenOurGroups) {
+TEST_F(SqliteCommit, AnotherWriterBetweenGroups) {
   for (const char* mode : {"DELETE", "WAL"}) {
     m_test->Run(std::string("PRAGMA journal_mode = ") + mode + "; UPDATE Catalog SET Restore = 0");
     m_workspace->BeginAction();
@@ -113,7 +110,7 @@ TEST_F(SqliteCommit, AnotherWriterBetweenOurGroups) {
           Open()->OpenRecordset("SELECT ID, Restore FROM Catalog ORDER BY ID", RecordsetType::kDynaset);
       if (mode[0] == 'W') m_test->Run("UPDATE SetNames SET Name = 'changed' WHERE ID = 3");
       for (; !dynaset->Eof(); dynaset->MoveNext()) {
-        testing::Change(*dynaset, "Restore", true);
+        Change(*dynaset, "Restore", true);
         m_workspace->Flush();
       }
     }
@@ -132,13 +129,13 @@ TEST_F(SqliteCommit, ASavedQueryMadeAgainUnchangedIsNotWritten) {
   again->DeleteQueryDef("mine");
   ExpectError(error_number::kItemNotFound, "Mine", [&] { again->DeleteQueryDef("Mine"); });
   again->CreateQueryDef("Mine", "SELECT ID FROM Catalog WHERE Status = 1;");
-  EXPECT_EQ(Rows(*again, "Mine"), std::vector<std::string>{"6"});
+  EXPECT_EQ(Rows(*again, "Mine"), Strings{"6"});
   m_workspace->Flush();
   const std::string changed = version();
   EXPECT_NE(changed, made);
 
   again->DeleteQueryDef("Mine");
-  EXPECT_THROW(m_test->Run("DROP VIEW Mine"), std::runtime_error) << "it could not be left as it was";
+  EXPECT_THROW(m_test->Run("DROP VIEW Mine"), std::runtime_error) << "the engine has deleted it";
   again->CreateQueryDef("Mine", "SELECT ID FROM Catalog WHERE Status = 1;");
   m_workspace->EndAction();
   EXPECT_EQ(version(), changed);
@@ -150,30 +147,27 @@ TEST_F(SqliteCommit, ASavedQueryMadeAgainUnchangedIsNotWritten) {
 class SqliteDisk : public SqliteCommit {
  protected:
   SqliteDisk() {
-    m_test = testing::MakeSqliteFile();  // this one goes through m_files
-    m_test->Run(testing::CatalogSchema() + testing::CatalogRows());
+    m_test = MakeSqliteFile();  // m_files applies to this one
+    m_test->Run(CatalogSchema() + CatalogRows());
   }
-  testing::WatchedFiles m_files;
+  WatchedFiles m_files;
 };
 
-TEST_F(SqliteDisk, MarksShareTheirSyncs) {
-  m_test->Run(
-      "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 2099) INSERT INTO Catalog "
-      "(ID, Filename, SetNameID, Extension, Restore) SELECT i, 'C:\\file' || i, 1, '002', 0 FROM n");
+TEST_F(SqliteDisk, AGroupOfMarksNeedsOneCommit) {
+  m_test->Run(ManyRows(100, 2099));
   m_workspace->BeginAction();
   m_files.syncs = 0;
-  const auto start = std::chrono::steady_clock::now();
+  const auto start = Clock::now();
   for (int id = 100; id < 2100; ++id) Mark(id);
   m_workspace->EndAction();
-  const auto spent =
-      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+  const auto tenths = (Clock::now() - start) / std::chrono::milliseconds(100);
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Catalog WHERE Restore = 1"), "2001");
-  // A commit syncs the journal and the file, some file systems the folder too.
-  EXPECT_LE(m_files.syncs, 5 * (2 + spent.count() / 100));
-  EXPECT_GE(m_files.syncs, 1) << "nothing was made safe";
+  // A commit syncs the journal, the file and in some cases the folder.
+  EXPECT_LE(m_files.syncs, 5 * (2 + tenths));
+  EXPECT_GE(m_files.syncs, 1) << "nothing was synced";
 }
 
-TEST_F(SqliteDisk, FullDiskKeepsWhatWasCommitted) {
+TEST_F(SqliteDisk, FullDiskKeepsCommittedMarks) {
   m_workspace->BeginAction();
   Mark(1);
   m_workspace->Flush();
@@ -194,8 +188,8 @@ TEST_F(SqliteDisk, FullDiskKeepsWhatWasCommitted) {
   EXPECT_EQ(Marked(), "1,4,7");
 }
 
-// The disk fills up while pages are written out of memory. Nothing of the transaction may be committed after
-// that.
+// The disk is full when a large transaction has to write pages before its end. The whole transaction is
+// undone.
 TEST_F(SqliteDisk, FullDiskWithinATransactionUndoesIt) {
   m_test->Run("CREATE TABLE Big (T TEXT)");
   m_workspace->BeginAction();
@@ -222,4 +216,4 @@ TEST_F(SqliteDisk, FullDiskWithinATransactionUndoesIt) {
 }
 
 }  // namespace
-}  // namespace kxrestore::engine
+}  // namespace kxrestore::engine::testing

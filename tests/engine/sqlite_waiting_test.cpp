@@ -1,33 +1,27 @@
-// Waiting: whatever the engine does or waits for, the waiting callback is called and can stop it, and other
-// programs' locks delay a user action for a limited time only. A statement that was stopped has changed
-// nothing.
+// The engine calls the waiting callback during all work and waits, and the callback can stop it. A stopped
+// statement changes nothing. Locks of other programs delay a user action for a limited time only.
 #include <chrono>
 #include <cstdio>
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "tests/engine/hooked_files.h"
 #include "tests/engine/test_databases.h"
 
-namespace kxrestore::engine {
+namespace kxrestore::engine::testing {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::ExpectError;
-using testing::Rows;
-using Clock = std::chrono::steady_clock;
 
 constexpr auto kNever = Clock::duration::max();
 constexpr const char* kEndless =
     "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i AS ID, 'f' || i AS Name FROM n";
 
-class SqliteWaiting : public testing::SqliteTest {
+class SqliteWaiting : public SqliteTest {
  protected:
   SqliteWaiting() { m_workspace = MakeDefaultWorkspace(); }
   void TearDown() override { m_workspace->SetWaiting({}); }
 
-  // From now on the callback is invoked, and requests a stop after `patience`.
+  // Installs a callback that requests a stop after `patience`.
   void Watch(Clock::duration patience) {
     m_start = m_last = Clock::now();
     m_longest = {};
@@ -42,8 +36,9 @@ class SqliteWaiting : public testing::SqliteTest {
     m_last = now;
   }
 
-  // Stops the operation after 80 ms. It must raise the error soon after that and call the waiting callback
-  // until then. Tried up to three times, because a busy machine can delay anything.
+  // Stops an operation after 80 ms. Until then the engine must call the callback regularly, and soon
+  // afterwards the operation must raise the error. A busy machine can delay anything, so there are up to
+  // three tries.
   void ExpectStopped(const char* what, int number, const std::function<void()>& operation) {
     constexpr auto kStop = 80ms, kLatest = kStop + 200ms, kGap = 50ms;
     for (int tries = 1;; ++tries) {
@@ -57,10 +52,7 @@ class SqliteWaiting : public testing::SqliteTest {
                   std::chrono::duration<double, std::milli>(m_longest).count());
       EXPECT_GE(spent, kStop) << what;
       if (spent < kLatest && m_longest < kGap) return;
-      if (tries == 3) {
-        ADD_FAILURE() << what << " ended late or had no turns";
-        return;
-      }
+      if (tries == 3) return static_cast<void>(ADD_FAILURE() << what << " ended late or had no turns");
     }
   }
 
@@ -68,7 +60,7 @@ class SqliteWaiting : public testing::SqliteTest {
   Clock::duration m_longest{};
 };
 
-TEST_F(SqliteWaiting, ForLocksEndsWhenAsked) {
+TEST_F(SqliteWaiting, ForLocksCanBeStopped) {
   m_workspace->BeginAction();
   const auto database = Open();
   Rows(*database, "SetNames");
@@ -98,8 +90,8 @@ TEST_F(SqliteWaiting, ForLocksEndsWhenAsked) {
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM sqlite_schema WHERE name = 'FullCatalog'"), "1");
 }
 
-// A commit gets a short time even after the callback has asked to stop; that is usually enough.
-TEST_F(SqliteWaiting, ACommitHasAMomentOfGrace) {
+// After the callback has requested a stop, a commit still has a short time, which is usually enough.
+TEST_F(SqliteWaiting, AStopLeavesACommitAMoment) {
   m_workspace->BeginAction();
   SqliteTest::Mark(1);
   m_test->Run("BEGIN; SELECT count(*) FROM Catalog");
@@ -112,8 +104,8 @@ TEST_F(SqliteWaiting, ACommitHasAMomentOfGrace) {
   EXPECT_EQ(Marked(), "1,4");
 }
 
-TEST_F(SqliteWaiting, LocksKeepAnActionForOneTimeOnly) {
-  m_workspace = testing::MakeImpatientWorkspace();  // 300 ms
+TEST_F(SqliteWaiting, LocksDelayAnActionOnlyOnce) {
+  m_workspace = MakeImpatientWorkspace();  // 300 ms
   m_workspace->BeginAction();
   const auto database = Open();
   Rows(*database, "SetNames");
@@ -121,6 +113,7 @@ TEST_F(SqliteWaiting, LocksKeepAnActionForOneTimeOnly) {
   const auto start = Clock::now();
   for (int i = 0; i < 5; ++i) {
     ExpectError(error_number::kRecordLocked, "", [&] { Rows(*database, "SELECT ID FROM Catalog"); });
+    ExpectError(error_number::kRecordLocked, "", [&] { Open(); });
     ExpectError(error_number::kRowLocked, "", [&] { testing::Mark(*database, 1); });
   }
   m_workspace->EndAction();
@@ -134,7 +127,7 @@ TEST_F(SqliteWaiting, LocksKeepAnActionForOneTimeOnly) {
   EXPECT_EQ(Marked(), "1,4");
 }
 
-TEST_F(SqliteWaiting, WorkWithoutEndEndsWhenAsked) {
+TEST_F(SqliteWaiting, EndlessWorkCanBeStopped) {
   m_test->Run(
       std::string("CREATE VIEW Endless AS ") + kEndless +
       "; CREATE VIEW Deaf AS SELECT * FROM Endless WHERE ID < 0; CREATE TABLE Copied (ID INTEGER);"
@@ -150,7 +143,7 @@ TEST_F(SqliteWaiting, WorkWithoutEndEndsWhenAsked) {
   ExpectStopped("a trigger", error_number::kCanceled, [&] { testing::Mark(*database, 3); });
   ExpectStopped("a mark by row", error_number::kCanceled, [&] {
     const auto row = database->OpenRecordset("SELECT * FROM Catalog WHERE ID = 3", RecordsetType::kDynaset);
-    testing::Change(*row, "Restore", true);
+    Change(*row, "Restore", true);
   });
   ExpectStopped("many rows", error_number::kCanceled,
                 [&] { database->Execute("INSERT INTO Copied (ID) SELECT ID FROM Endless", kFailOnError); });
@@ -161,11 +154,11 @@ TEST_F(SqliteWaiting, WorkWithoutEndEndsWhenAsked) {
   });
   testing::Mark(*database, 7);
   m_workspace->EndAction();
-  EXPECT_EQ(Marked(), "1,4,7") << "and none of those that were ended";
+  EXPECT_EQ(Marked(), "1,4,7") << "and none of the stopped ones";
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM Copied"), "0");
 }
 
-TEST_F(SqliteWaiting, AListThatWasCutOffSaysSoAtItsEnd) {
+TEST_F(SqliteWaiting, AListThatWasCutShortRaisesItsErrorAtTheEnd) {
   m_test->Run(std::string("CREATE VIEW Endless AS ") + kEndless);
   m_workspace->BeginAction();
   const auto database = Open();
@@ -182,14 +175,10 @@ TEST_F(SqliteWaiting, AListThatWasCutOffSaysSoAtItsEnd) {
   EXPECT_GT(id, 100);
 }
 
-TEST_F(SqliteWaiting, SlowFilesLeaveTurns) {
-  testing::WatchedFiles files;
-  m_test = testing::MakeSqliteFile();
-  m_test->Run(
-      testing::CatalogSchema() + testing::CatalogRows() +
-      "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 9000) INSERT INTO Catalog "
-      "(ID, "
-      "Filename, SetNameID, Restore) SELECT i, 'C:\\some\\longer\\folder\\file' || i, 1, 0 FROM n");
+TEST_F(SqliteWaiting, SlowFilesDoNotBlockTheCallback) {
+  WatchedFiles files;
+  m_test = MakeSqliteFile();
+  m_test->Run(CatalogSchema() + CatalogRows() + ManyRows(100, 9000));
   files.pageDelay = 2ms;
   files.syncDelay = 60ms;
   m_workspace->BeginAction();
@@ -210,4 +199,4 @@ TEST_F(SqliteWaiting, SlowFilesLeaveTurns) {
 }
 
 }  // namespace
-}  // namespace kxrestore::engine
+}  // namespace kxrestore::engine::testing

@@ -37,25 +37,25 @@ class SqliteTestDatabase final : public TestDatabase {
   OpenRequest Request() const override { return {.name = m_path}; }
 
   void Run(std::string_view sql) override {
-    if (const std::string message = Carry(sql, nullptr); !message.empty()) throw std::runtime_error(message);
+    if (Execute(sql).first != SQLITE_OK) throw std::runtime_error(sqlite3_errmsg(m_connection));
   }
-
   std::string Ask(std::string_view sql) override {
-    std::string answer = kNoRow;
-    const std::string message = Carry(sql, &answer);
-    return message.empty() ? answer : message;
+    const auto [code, answer] = Execute(sql);
+    return code == SQLITE_OK ? answer : sqlite3_errmsg(m_connection);
   }
 
  private:
-  // What is wrong, if anything.
-  std::string Carry(std::string_view sql, std::string* answer) {
-    const auto keep = [](void* kept, int, char** values, char**) {
-      auto* first = static_cast<std::string*>(kept);
-      if (first != nullptr && *first == kNoRow) *first = values[0] == nullptr ? "NULL" : values[0];
+  // The result code and the first value of the first row.
+  std::pair<int, std::string> Execute(std::string_view sql) {
+    std::string answer = kNoRow;
+    const auto keepFirst = [](void* kept, int, char** values, char**) {
+      if (auto* const first = static_cast<std::string*>(kept); *first == kNoRow) {
+        *first = values[0] == nullptr ? "NULL" : values[0];
+      }
       return 0;
     };
-    const int code = sqlite3_exec(m_connection, std::string(sql).c_str(), keep, answer, nullptr);
-    return code == SQLITE_OK ? std::string() : sqlite3_errmsg(m_connection);
+    const int code = sqlite3_exec(m_connection, std::string(sql).c_str(), keepFirst, &answer, nullptr);
+    return {code, answer};
   }
 
   TemporaryFolder m_folder;
@@ -63,9 +63,9 @@ class SqliteTestDatabase final : public TestDatabase {
   sqlite3* m_connection = nullptr;
 };
 
-// Files of the desktop engine, opened without that engine. The test's rows are kept in a SQLite file, its
-// twin, and written from there into a copy of a sample, page by page. What is marked in the copy is taken
-// over into the twin before that is asked or changed.
+// Files of the desktop engine, opened without that engine. The test's rows are in a SQLite file, the twin.
+// Run changes the twin and then writes its rows into a copy of a sample file. Before the twin is used, it
+// gets the marks that the engine has set in the copy.
 class JetTestDatabase final : public TestDatabase {
  public:
   JetTestDatabase(std::string sample, const bench::DesktopFile::Style& style)
@@ -75,7 +75,7 @@ class JetTestDatabase final : public TestDatabase {
   void Run(std::string_view sql) override {
     TakeMarks();
     m_twin->Run(sql);
-    // A yes/no column of such a file holds nothing but the two.
+    // Yes/no columns of such a file hold no other values and no NULL.
     m_twin->Run(
         "UPDATE Catalog SET Restore = coalesce(Restore, 0) <> 0; "
         "UPDATE BackupAudit SET Permanent = coalesce(Permanent, 0) <> 0");
@@ -106,15 +106,8 @@ class JetTestDatabase final : public TestDatabase {
     const auto twin = workspace->OpenDatabase(m_twin->Request());
     for (const char* table : {"SetNames", "LongPaths", "BackupAudit", "Catalog"}) {
       file.Empty(table);
-      // The runs are numbered in such files only.
-      const bool numbered = std::string_view(table) == "BackupAudit";
-      std::string columns;
-      for (const jet_file::Column& column : file.Definition(table).columns) {
-        if (numbered && column.name == "ID") continue;
-        columns += (columns.empty() ? "[" : ", [") + column.name + "]";
-      }
-      const auto rows =
-          twin->OpenRecordset("SELECT " + columns + " FROM [" + table + "]", RecordsetType::kSnapshot);
+      const auto rows = twin->OpenRecordset(table, RecordsetType::kSnapshot);
+      const bool numbered = std::string_view(table) == "BackupAudit";  // in such files its rows have an ID
       for (std::int64_t number = 1; !rows->Eof(); rows->MoveNext(), ++number) {
         std::vector<Value> row;
         if (numbered) row.emplace_back(number);
@@ -123,7 +116,7 @@ class JetTestDatabase final : public TestDatabase {
       }
     }
     file.Finish();
-    // Readers tell a change by the file's time, whose steps are some milliseconds.
+    // Readers notice a change by the file's time, whose resolution is some milliseconds.
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     WriteBytes(m_path, ReadBytes(made));
   }
@@ -137,11 +130,11 @@ class JetTestDatabase final : public TestDatabase {
 
 }  // namespace
 
-TemporaryFolder::TemporaryFolder() {
+TemporaryFolder::TemporaryFolder(const std::u8string& name) {
   static std::atomic<int> count{0};
-  const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-  m_path = std::filesystem::temp_directory_path() /
-           ("kxrestore-test-" + std::to_string(stamp) + "-" + std::to_string(++count));
+  const auto stamp = Clock::now().time_since_epoch().count();
+  m_path = std::filesystem::temp_directory_path() / name;
+  m_path += "-" + std::to_string(stamp) + "-" + std::to_string(++count);
   std::filesystem::create_directories(m_path);
   std::filesystem::permissions(m_path,
                                std::filesystem::perms::others_read | std::filesystem::perms::others_exec,
@@ -223,8 +216,15 @@ std::string CatalogRows() {
   return ReadBytes(KX_TEST_DATA "/cases/catalog_rows.sql");
 }
 
-std::vector<std::string> Rows(Recordset& recordset) {
-  std::vector<std::string> rows;
+std::string ManyRows(int first, int last) {
+  return "WITH RECURSIVE n(i) AS (SELECT " + std::to_string(first) +
+         " UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(last) +
+         ") INSERT INTO Catalog (ID, Filename, SetNameID, Extension, Restore) SELECT i, "
+         "'C:\\Data\\a folder\\file' || i, 1, '002', 0 FROM n;";
+}
+
+Strings Rows(Recordset& recordset) {
+  Strings rows;
   for (; !recordset.Eof(); recordset.MoveNext()) {
     std::string row;
     for (std::size_t i = 0; i < recordset.FieldCount(); ++i) {
@@ -236,11 +236,11 @@ std::vector<std::string> Rows(Recordset& recordset) {
   return rows;
 }
 
-std::vector<std::string> Rows(Database& database, std::string_view source, RecordsetType type) {
+Strings Rows(Database& database, std::string_view source, RecordsetType type) {
   return Rows(*database.OpenRecordset(source, type));
 }
 
-std::vector<std::string> Sorted(std::vector<std::string> rows) {
+Strings Sorted(Strings rows) {
   std::ranges::sort(rows);
   return rows;
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -16,13 +17,18 @@
 
 namespace kxrestore::engine::testing {
 
-// A folder of its own that goes with the object.
+using Clock = std::chrono::steady_clock;
+using Strings = std::vector<std::string>;
+
+// A new folder, which the destructor deletes.
 class TemporaryFolder {
  public:
-  TemporaryFolder();
+  // `name` is part of the folder's name.
+  explicit TemporaryFolder(const std::u8string& name = u8"kxrestore-test");
   ~TemporaryFolder();
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  const std::filesystem::path& Path() const { return m_path; }
   std::string File(std::string_view name) const;
 
  private:
@@ -34,67 +40,69 @@ std::filesystem::path PathOf(const std::string& name);
 std::string ReadBytes(const std::string& name);
 void WriteBytes(const std::string& name, std::string_view bytes);
 
-// One database made for a test, reached beside the engine through its own interface.
+// A database for one test. Run and Ask reach it without the engine under test.
 class TestDatabase {
  public:
   virtual ~TestDatabase() = default;
   virtual OpenRequest Request() const = 0;
-  // Plain statements in standard SQL, one after the other.
+  // Executes standard SQL statements, separated by semicolons.
   virtual void Run(std::string_view sql) = 0;
-  // The first value of the first row, as text; "NULL" for null.
+  // The first value of the first row as text; "NULL" for null, "no row" without a row.
   virtual std::string Ask(std::string_view sql) = 0;
 };
 
 struct TestDatabaseKind {
   std::string name;
   std::function<std::unique_ptr<TestDatabase>()> make;
-  // Rows are marked and never added, deleted or otherwise changed; Booleans are never NULL; and queries are
-  // saved for this program only.
+  // The engine can mark rows, but not add, delete or otherwise change them. Booleans are never NULL, and
+  // saved queries exist in this program only.
   bool onlyMarks = false;
   friend void PrintTo(const TestDatabaseKind& kind, std::ostream* out) { *out << kind.name; }
 };
 
 const std::vector<TestDatabaseKind>& TestDatabaseKinds();
-std::vector<TestDatabaseKind> WritableDatabaseKinds();  // those that do more than marking
+std::vector<TestDatabaseKind> WritableDatabaseKinds();  // without those of onlyMarks
 // A workspace that opens databases of this kind.
 std::unique_ptr<Workspace> MakeWorkspace(const TestDatabaseKind& kind);
-// Of a file that is there already, or of a new one.
+// Opens the file or creates it. Without a path the file is a new one in a temporary folder.
 std::unique_ptr<TestDatabase> MakeSqliteFile(const std::string& path = {});
 
-// PostgreSQL behind the ODBC driver manager, under the driver name that hosts ask for, in a database of this
-// process's own that is emptied for every test. scripts/test_server.sh starts the server and names it in the
-// environment. Spelling: a server catalog that was made without quotes has its names in small letters.
+// PostgreSQL through the ODBC driver manager, under the driver name that hosts ask for. Each process has its
+// own database on the server, which every call empties. scripts/test_server.sh starts the server and
+// describes it in the environment. PostgreSQL folds the names of tables that were created without quotes to
+// lower case.
 enum class Spelling { kFolded, kQuoted };
 std::unique_ptr<TestDatabase> MakePostgres(Spelling spelling);
-// Whether the environment names a server. Under scripts/test.sh one that is missing is a failure.
+// Whether the environment names a server. scripts/test.sh fails without one.
 bool HasTestServer();
-std::string ServerSetting(const char* name);  // of the environment
-// A connect string as hosts give it, for that server.
+std::string ServerSetting(const char* name);  // a variable of the environment
+// A connect string for the test server, as a host passes it.
 std::string ServerConnect(const std::string& database, const std::string& user, const std::string& password);
 
-// A workspace for files that does not wait long for locks.
+// A workspace for SQLite files that waits 300 ms for locks.
 std::unique_ptr<Workspace> MakeImpatientWorkspace();
 
-// The tables of a catalog and the saved query FullCatalog, without rows; and a few rows that tests agree on.
+// SQL that creates the tables of a catalog and the saved query FullCatalog, and SQL for a few rows.
 std::string CatalogSchema();
 std::string CatalogRows();
+// SQL for SQLite that adds unmarked files with the numbers `first` to `last`.
+std::string ManyRows(int first, int last);
 
-// Reads all rows that are left; the values of a row are joined by "|", null is "NULL".
-std::vector<std::string> Rows(Recordset& recordset);
-std::vector<std::string> Rows(Database& database, std::string_view source,
-                              RecordsetType type = RecordsetType::kSnapshot);
-std::vector<std::string> Sorted(std::vector<std::string> rows);
+// Reads the remaining rows. "|" separates the values of a row; null is "NULL".
+Strings Rows(Recordset& recordset);
+Strings Rows(Database& database, std::string_view source, RecordsetType type = RecordsetType::kSnapshot);
+Strings Sorted(Strings rows);
 
 // Sets a field of the current row.
 void Change(Recordset& rows, std::string_view field, Value value);
 
-// Marks the row of that number in a catalog.
+// Marks the catalog row with that ID.
 void Mark(Database& database, int id);
 
-// Expects the same rows in every table of two catalogs, and some in each.
+// Expects that the tables of two catalogs have the same rows and that none is empty.
 void ExpectSameCatalog(Database& catalog, Database& other);
 
-// Expects an engine error of that number whose description holds the piece.
+// Expects an engine error with that number whose description contains the piece.
 template <typename Operation>
 void ExpectError(int number, std::string_view piece, Operation operation) {
   try {
@@ -106,13 +114,13 @@ void ExpectError(int number, std::string_view piece, Operation operation) {
   }
 }
 
-// A catalog in a SQLite file, opened without much waiting for locks.
+// A catalog in a SQLite file, in an impatient workspace.
 class SqliteTest : public ::testing::Test {
  protected:
   SqliteTest() { m_test->Run(CatalogSchema() + CatalogRows()); }
   std::unique_ptr<Database> Open() { return m_workspace->OpenDatabase(m_test->Request()); }
   void Mark(int id) { testing::Mark(*Open(), id); }
-  // The numbers that another connection sees.
+  // The IDs of the marked rows as another connection sees them.
   std::string Marked() {
     return m_test->Ask("SELECT group_concat(ID) FROM Catalog WHERE Restore = 1 ORDER BY ID");
   }
@@ -121,19 +129,19 @@ class SqliteTest : public ::testing::Test {
   std::unique_ptr<Workspace> m_workspace = MakeImpatientWorkspace();
 };
 
-// A catalog in a database of every kind.
+// A catalog in each kind of database.
 class ConformanceTest : public ::testing::TestWithParam<TestDatabaseKind> {
  protected:
   void SetUp() override {
     m_test->Run(CatalogSchema() + CatalogRows());
     m_database = m_workspace->OpenDatabase(m_test->Request());
   }
-  // Reads through a saved query beside the engine; where queries are not stored, in a workspace of its own.
+  // Reads through a saved query from outside the workspace under test.
   std::string AskQuery(const std::string& sql) {
     if (!GetParam().onlyMarks) return m_test->Ask(sql);
     return Rows(*MakeWorkspace(GetParam())->OpenDatabase(m_test->Request()), sql).at(0);
   }
-  // What a statement ends in that adds or deletes rows, and otherwise in `number`.
+  // The error of a statement that adds or deletes rows, where databases of other kinds raise `number`.
   int WritingError(int number) const {
     return GetParam().onlyMarks ? error_number::kCannotCreateObject : number;
   }

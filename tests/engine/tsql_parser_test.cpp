@@ -1,5 +1,5 @@
-// Parses every statement for SQL Server with an independent T-SQL grammar, because no such server can run
-// here. scripts/setup.sh installs the grammar.
+// Parses every statement for SQL Server with an independent T-SQL grammar, because that server is not
+// available for tests. scripts/setup.sh installs the grammar.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -10,10 +10,8 @@
 #include "tests/engine/server_statements.h"
 #include "tests/engine/test_databases.h"
 
-namespace kxrestore::engine {
+namespace kxrestore::engine::testing {
 namespace {
-
-using Strings = std::vector<std::string>;
 
 class TsqlParser : public ::testing::Test {
  protected:
@@ -23,9 +21,9 @@ class TsqlParser : public ::testing::Test {
     }
   }
 
-  // "ok" or the problem, for each statement.
+  // Returns "ok" or the error for each statement.
   Strings Check(const Strings& statements) const {
-    const testing::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::string input = folder.File("statements"), output = folder.File("answers");
     std::ofstream file(input);
     for (const std::string& statement : statements) file << statement << '\n';
@@ -42,27 +40,27 @@ class TsqlParser : public ::testing::Test {
   }
 };
 
-TEST_F(TsqlParser, ReadsWhatServersGet) {
+TEST_F(TsqlParser, ReadsEveryStatement) {
   Strings statements;
   for (const bool mindsCase : {false, true}) {
-    for (const auto& [name, text] : testing::ServerStatements()) {
-      const std::string printed = testing::ForSqlServer(text, !name.empty(), mindsCase);
+    for (const auto& [name, text] : ServerStatements()) {
+      const std::string printed = ForSqlServer(text, !name.empty(), mindsCase);
       const std::string view = jet_sql::TsqlDialect(false).Identifier(name);
       statements.push_back(name.empty() ? printed : "CREATE VIEW " + view + " AS " + printed);
       if (name.empty()) {
-        statements.push_back(testing::ForSqlServer(text, false, mindsCase, {"ID", "File", "Restore"}));
+        statements.push_back(ForSqlServer(text, false, mindsCase, {"ID", "File", "Restore"}));
       }
     }
   }
   ASSERT_GT(statements.size(), 50u);
   statements.push_back("SELECT ID FROM Catalog LIMIT 5");
   const Strings answers = Check(statements);
-  EXPECT_NE(answers.back(), "ok") << "another dialect passes";
+  EXPECT_NE(answers.back(), "ok") << "the grammar accepts another dialect";
   statements.pop_back();
   for (std::size_t i = 0; i < statements.size(); ++i) EXPECT_EQ(answers[i], "ok") << statements[i];
 }
 
-// The script that sets a catalog up; batches end with GO on a line of its own.
+// The script that creates a catalog. A line with GO ends a batch.
 TEST_F(TsqlParser, ReadsTheCatalogsScript) {
   std::ifstream script(KX_TSQL_CATALOG);
   Strings batches(1);
@@ -79,10 +77,10 @@ TEST_F(TsqlParser, ReadsTheCatalogsScript) {
   batches.pop_back();
   ASSERT_EQ(batches.size(), 2u);
   EXPECT_EQ(Check(batches), (Strings{"ok", "ok"}));
-  // The view can be read back and restricted, as the listing of a set does.
+  // The view can be read back and restricted to a set, as a listing does.
   const std::string text = jet_sql::QueryTextOfView(view);
   const std::string restricted =
-      testing::ForSqlServer(text.substr(0, text.find(';')) + " WHERE Catalog.SetNameID = 3 ", true);
+      ForSqlServer(text.substr(0, text.find(';')) + " WHERE Catalog.SetNameID = 3 ", true);
   EXPECT_TRUE(
       restricted.ends_with(" FROM [Catalog] LEFT JOIN [SetNames] ON [SetNames].[ID] = [Catalog].[SetNameID] "
                            "WHERE [Catalog].[SetNameID] = 3"))
@@ -90,4 +88,4 @@ TEST_F(TsqlParser, ReadsTheCatalogsScript) {
 }
 
 }  // namespace
-}  // namespace kxrestore::engine
+}  // namespace kxrestore::engine::testing

@@ -1,6 +1,6 @@
-// The whole dialog while memory, the database's memory or its files fail at one call, once or from then on.
-// Whatever fails, the program lives on, the screen tells the truth or a report says that something went
-// wrong, and once nothing fails any more, Refresh shows the truth.
+// The whole dialog while memory, the database's memory or its files fail at one call, once or from that call
+// on. The program keeps running, and the lists agree with the catalog or the dialog reports an error. After
+// the faults have ended, Refresh shows what the catalog has.
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -13,9 +13,9 @@
 namespace kxrestore::faults {
 namespace {
 
-using namespace dialog_test;  // NOLINT: its steps, buttons and lists
+using namespace dialog_test;  // NOLINT: its fixture and steps
 
-// Memory of the test's own does not fail.
+// The desktop's own memory does not fail.
 class CalmDesktop : public platform::HeadlessDesktop {
  public:
   platform::Answer MessageBox(const std::string& text, platform::MessageStyle style,
@@ -31,7 +31,7 @@ class CalmDesktop : public platform::HeadlessDesktop {
 
 class DialogFaults : public testing::Test {
  protected:
-  // Runs a body; whether no exception came out of it.
+  // Whether the body throws nothing.
   template <class Body>
   static bool Passes(Body body) {
     try {
@@ -42,7 +42,7 @@ class DialogFaults : public testing::Test {
     }
   }
 
-  // One dialog with the fault in one step. How many calls of the kind the step made.
+  // Does a step with the fault in a new dialog. Returns the number of calls of the failing kind in the step.
   long Try(Step step, Failing failing, long at, bool forever) {
     m_catalog.Execute(MarksBefore(step));
     engine::Workspace::Backends backends;
@@ -66,15 +66,15 @@ class DialogFaults : public testing::Test {
                        .messages = m_desktop.messages,
                        .told = forever && failing == Failing::kMemory ? Told::kNoMemory : Told::kSomehow};
       std::string wrong = Wrong(step, controls, end);
-      if (!passes) wrong += "; an exception came out of the event";
+      if (!passes) wrong += "; the event handler threw an exception";
       if (controls.form.IsOpen()) {
         m_desktop.messages.clear();
         controls.cmdRestore[kRefresh].UserClick();
-        // A form that was not loaded to its end, and says so, knows no catalog.
-        const bool says = end.Reported() && end.told == Told::kSomehow;
-        const bool holds = loads && (says || !m_desktop.messages.empty());
-        if (!holds && (FilesIn(controls.asRestoreList) != end.marked || !m_desktop.messages.empty())) {
-          wrong += "; Refresh does not show the truth";
+        // A form that reports an error while it loads may have no catalog.
+        const bool reported = (end.Reported() && end.told == Told::kSomehow) || !m_desktop.messages.empty();
+        if (!(loads && reported) &&
+            (FilesIn(controls.asRestoreList) != end.marked || !m_desktop.messages.empty())) {
+          wrong += "; Refresh shows other files than the catalog marks";
         }
       }
       const std::string what = std::string(NameOf(failing)) + " fails " +
@@ -87,20 +87,14 @@ class DialogFaults : public testing::Test {
     return calls;
   }
 
-  void SweepSteps(Failing failing) {
-    for (std::size_t number = 0; number < kSteps; ++number) {
-      const auto step = static_cast<Step>(number);
-      Sweep(12, [&](long at, bool forever) { return Try(step, failing, at, forever); });
-    }
-  }
-
   CatalogFile m_catalog{SweepRows(), Runs()};
   platform::HeadlessPlatform m_platform;
   CalmDesktop m_desktop;
   const platform::Platform m_machine{m_desktop, m_platform.registry, m_platform.regional, m_platform.drives};
 };
 
-// Bytes of the file are others than were written. The dialog must live, and list what can be read or report.
+// Some bytes of the file change. The dialog must keep running, and list the readable rows or report the
+// damage.
 TEST_F(DialogFaults, DamagedPages) {
   const std::string whole = m_catalog.Path() + "-whole";
   m_catalog.Execute("UPDATE Catalog SET Restore = ID IN (2, 3)");
@@ -126,7 +120,7 @@ TEST_F(DialogFaults, DamagedPages) {
     Prepare(Step::kSearchApply, controls);
     m_desktop.messages.clear();
     controls.cmdRestore[kRefresh].UserClick();
-    std::size_t marked = 0;  // as the database library sees it
+    std::size_t marked = 0;  // according to SQLite
     const bool readable = Passes([&] { marked = m_catalog.Marked().size(); });
     const bool held = !m_desktop.messages.empty() || (readable && controls.asRestoreList.Count() == marked);
     EXPECT_TRUE(held) << "seed " << i << ": " << controls.asRestoreList.Count() << " listed, " << marked
@@ -137,18 +131,18 @@ TEST_F(DialogFaults, DamagedPages) {
   std::filesystem::remove(whole);
 }
 
-TEST_F(DialogFaults, Memory) {
-  SweepSteps(Failing::kMemory);
+class DialogFaultsInSteps : public DialogFaults, public testing::WithParamInterface<Failing> {};
+
+TEST_P(DialogFaultsInSteps, AtOneCall) {
+  for (std::size_t number = 0; number < kSteps; ++number) {
+    const auto step = static_cast<Step>(number);
+    Sweep(12, [&](long at, bool forever) { return Try(step, GetParam(), at, forever); });
+  }
 }
-TEST_F(DialogFaults, MemoryOfTheDatabase) {
-  SweepSteps(Failing::kDatabaseMemory);
-}
-TEST_F(DialogFaults, Files) {
-  SweepSteps(Failing::kFiles);
-}
-TEST_F(DialogFaults, FullDisk) {
-  SweepSteps(Failing::kFullDisk);
-}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, DialogFaultsInSteps,
+                         testing::Values(Failing::kMemory, Failing::kDatabaseMemory, Failing::kFiles,
+                                         Failing::kFullDisk));
 
 }  // namespace
 }  // namespace kxrestore::faults

@@ -1,5 +1,6 @@
-// Power fails at every change of the disk while marks are made in groups, or the process is killed: what a
-// commit has returned for is there afterwards, nothing is there that nobody marked, and the file is whole.
+// Power fails at any change of the disk while marks are committed in groups, or the process is killed.
+// Afterwards the file is intact, it has every mark whose commit has returned, and it has no other marks than
+// those that were set.
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -7,8 +8,6 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <random>
 #include <string>
@@ -25,27 +24,26 @@ using engine::testing::FileCall;
 using engine::testing::MakeSqliteFile;
 using engine::testing::TestDatabase;
 
-// What a disk holds after a power failure. While an object lives, everything that SQLite does to the files of
-// one folder is written down, and at any moment the folder can be made again as a failure would leave it: of
-// what was not synced, some has reached the disk and some has not. New and deleted names count as synced when
-// their folder is.
+// Simulates power failures. During its lifetime an object records all changes that SQLite makes to the files
+// of one folder, and can create a folder with the files as a power failure would leave them: any of the
+// unsynced changes may have reached the disk. A sync of the folder makes new and deleted names permanent.
 class PowerLossDisk {
  public:
   // How many of the unsynced changes have reached the disk.
   enum class Reached { kNone, kSome, kAll };
 
-  // The files that are there are safe. `step` is called before each change of a file or of the folder.
+  // Existing files count as synced. `step` is called before each change of a file or of the folder.
   PowerLossDisk(std::string folder, std::function<void()> step)
       : m_folder(std::move(folder) + "/"), m_step(std::move(step)) {
     for (const auto& entry : std::filesystem::directory_iterator(m_folder)) {
-      std::ifstream stream(entry.path(), std::ios::binary);
       m_names[entry.path().filename().string()] =
-          std::make_shared<File>(File{{std::istreambuf_iterator<char>(stream), {}}, {}});
+          std::make_shared<File>(File{engine::testing::ReadBytes(entry.path().string()), {}});
     }
     m_safeNames = m_names;
   }
 
-  // Makes the folder `target` as it would be found if power failed now. `seed` chooses what has reached it.
+  // Creates the folder `target` with the files after a power failure at this moment. With kSome, `seed`
+  // selects the changes that have reached the disk.
   void Fail(const std::string& target, Reached reached, unsigned seed) const {
     std::mt19937 random(seed);
     const auto hasReached = [&] {
@@ -65,14 +63,14 @@ class PowerLossDisk {
       for (const Change& change : file->unsynced) {
         if (hasReached()) Apply(content, change);
       }
-      std::ofstream(target + "/" + name, std::ios::binary) << content;
+      engine::testing::WriteBytes(target + "/" + name, content);
     }
   }
 
   std::size_t Syncs() const { return m_syncs; }
 
  private:
-  // A write of part of a file, or a cut when there are no bytes.
+  // A write to a file or, without bytes, a truncation.
   struct Change {
     std::size_t at;
     std::string bytes;
@@ -89,7 +87,7 @@ class PowerLossDisk {
     content.replace(change.at, change.bytes.size(), change.bytes);
   }
 
-  // A file that is reopened may be another one.
+  // SQLite may use the same object for another file.
   void Opened(const FileCall& call, const std::string& name) {
     m_open.erase(call.file);
     if (name.empty() || (!m_names.contains(name) && (call.flags & SQLITE_OPEN_CREATE) == 0)) return;
@@ -115,7 +113,7 @@ class PowerLossDisk {
     m_safeNames = m_names;
   }
 
-  // The first sync of a new file syncs its folder, too.
+  // The first sync of a new file also syncs the folder.
   void Sync(File& file) {
     ++m_syncs;
     for (const Change& change : file.unsynced) Apply(file.safe, change);
@@ -150,28 +148,25 @@ class PowerLossDisk {
   engine::testing::HookedFiles m_files{[this](const FileCall& call) { return OnCall(call); }};
 };
 
-// By the journal's mode.
+// The parameter is the journal mode.
 class Durability : public ::testing::TestWithParam<const char*> {
  protected:
-  // Makes a catalog without marks, whose rows are marked in the order of their numbers.
+  // Creates a catalog without marks. The tests mark its rows in the order of their IDs.
   static void Fill(TestDatabase& catalog, int rows) {
-    catalog.Run(
-        engine::testing::CatalogSchema() + "PRAGMA journal_mode = " + GetParam() +
-        "; WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(rows) +
-        ") INSERT INTO Catalog (ID, Filename, SetNameID, Restore) SELECT i, 'C:\\Data\\a folder\\file' || "
-        "i, 1, 0 FROM n; CREATE INDEX ByRestore ON Catalog (Restore)");
+    catalog.Run(engine::testing::CatalogSchema() + "PRAGMA journal_mode = " + GetParam() + ";" +
+                engine::testing::ManyRows(1, rows) + "CREATE INDEX ByRestore ON Catalog (Restore)");
   }
   static void Mark(engine::Workspace& workspace, const std::string& file, int id) {
     engine::testing::Mark(*workspace.OpenDatabase({.name = file}), id);
   }
-  // Tells whether a catalog holds the marks that were safe, those that were tried at most, and is whole.
+  // Expects an intact catalog with at least the first `safe` marks and at most the first `tried`.
   static void Judge(const std::string& what, TestDatabase& found, int safe, int tried) {
     const std::string check = found.Ask("PRAGMA integrity_check");
     const int marked = std::stoi(found.Ask("SELECT count(*) FROM Catalog WHERE Restore = 1"));
     const int last = std::stoi(found.Ask("SELECT coalesce(max(ID), 0) FROM Catalog WHERE Restore = 1"));
     const bool held = check == "ok" && marked >= safe && last <= tried && marked == last;
-    EXPECT_TRUE(held) << check << ": " << safe << " marks were safe, " << tried << " tried, " << marked
-                      << " are there up to " << last;
+    EXPECT_TRUE(held) << check << ": " << safe << " marks were committed, " << tried << " set, " << marked
+                      << " found, the last one is " << last;
     Tell(what + ", " + GetParam(), held);
   }
 };
@@ -206,12 +201,12 @@ TEST_P(Durability, PowerFails) {
     for (int i = 0; i < kGroupSize; ++i) Mark(*workspace, file, ++tried);
     workspace->Flush();
     safe = tried;
-    // Right after a commit is the moment that counts.
+    // A failure right after a commit must not lose the commit.
     judge(Reached::kNone, 0);
     for (unsigned seed = 1; seed <= 4; ++seed) judge(Reached::kSome, seed + Seed());
     if (group % 3 == 2) workspace->EndAction();
   }
-  EXPECT_GT(moment, 50u) << "nothing was watched";
+  EXPECT_GT(moment, 50u) << "too few power failures";
   std::printf("%s: %zu syncs for %d commits\n", GetParam(), disk.Syncs(), kGroups);
 }
 
@@ -225,7 +220,7 @@ TEST_P(Durability, TheProcessIsKilled) {
     ASSERT_EQ(pipe(ends), 0);
     const pid_t process = fork();
     ASSERT_GE(process, 0);
-    if (process == 0) {  // tells how many marks are committed
+    if (process == 0) {  // this process reports the number of committed marks
       const auto workspace = engine::MakeDefaultWorkspace();
       for (int id = 1; id <= kRows; ++id) {
         if (id % 100 == 1) workspace->BeginAction();
@@ -246,8 +241,8 @@ TEST_P(Durability, TheProcessIsKilled) {
     while (read(ends[0], &safe, sizeof safe) == static_cast<ssize_t>(sizeof safe)) continue;
     close(ends[0]);
     waitpid(process, nullptr, 0);
-    engine::MakeDefaultWorkspace()->OpenDatabase(
-        catalog->Request());  // the next dialog, and then another program
+    // The engine opens the catalog before another program does.
+    engine::MakeDefaultWorkspace()->OpenDatabase(catalog->Request());
     Judge("the process is killed", *catalog, safe, kRows);
   }
 }

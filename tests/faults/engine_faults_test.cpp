@@ -1,6 +1,6 @@
-// The engine while memory, the database's memory or its files fail at every single call, once or from then
-// on: no exception ends the program, a statement that failed has changed nothing, what a commit has returned
-// for is in the file, nobody stays locked out, and everything works on.
+// The engine while memory, the database's memory or its files fail at one call, once or from that call on. No
+// exception ends the program. A failed statement changes nothing, and committed marks are in the file.
+// Afterwards no lock remains, and the engine works.
 #include <new>
 #include <set>
 #include <string>
@@ -12,11 +12,10 @@
 namespace kxrestore::faults {
 namespace {
 
-using engine::Database;
-using engine::RecordsetType;
+using namespace engine;  // NOLINT: the tests are about the engine
 using Ids = std::set<int>;
 
-class EngineFaults : public engine::testing::SqliteTest {
+class EngineFaults : public engine::testing::SqliteTest, public ::testing::WithParamInterface<Failing> {
  protected:
   template <class Step>
   static bool Succeeds(Step step) {
@@ -29,7 +28,7 @@ class EngineFaults : public engine::testing::SqliteTest {
     return false;
   }
 
-  // Marks a row by `step`.
+  // Runs a step that marks a row, and records whether it failed.
   template <class Step>
   void Mark(int id, Step step) {
     const bool done = Succeeds(step);
@@ -44,15 +43,15 @@ class EngineFaults : public engine::testing::SqliteTest {
     m_waiting.clear();
   }
 
-  // What a dialog asks of the engine, each step for itself.
-  void Work(engine::Workspace& workspace) {
+  // The statements of a dialog. After a failed step the next one is tried.
+  void Work(Workspace& workspace) {
     Succeeds([&] { workspace.BeginAction(); });
     std::unique_ptr<Database> database;
     Succeeds([&] { database = workspace.OpenDatabase(m_test->Request()); });
     if (database) {
-      std::unique_ptr<engine::Recordset> rows;
+      std::unique_ptr<Recordset> rows;
       Succeeds([&] { rows = database->OpenRecordset("FullCatalog", RecordsetType::kSnapshot); });
-      Mark(1, [&] { engine::testing::Mark(*database, 1); });
+      Mark(1, [&] { testing::Mark(*database, 1); });
       Succeeds([&] {
         for (; rows && !rows->Eof(); rows->MoveNext()) rows->Fields("OrigName").Text();
       });
@@ -60,15 +59,15 @@ class EngineFaults : public engine::testing::SqliteTest {
       Mark(2, [&] {
         const auto row =
             database->OpenRecordset("SELECT Restore FROM Catalog WHERE ID = 2", RecordsetType::kDynaset);
-        engine::testing::Change(*row, "Restore", true);
+        testing::Change(*row, "Restore", true);
       });
       Succeeds([&] { database->DeleteQueryDef("FullCatalog"); });
       Succeeds([&] { database->CreateQueryDef("Mine", "SELECT ID FROM Catalog WHERE Status = 2;"); });
-      Mark(3, [&] { engine::testing::Mark(*database, 3); });
+      Mark(3, [&] { testing::Mark(*database, 3); });
       Succeeds([&] { database->QueryText("Mine"); });
       Succeeds([&] {
         database->BeginTrans();
-        database->Execute("DELETE FROM SetNames", engine::kFailOnError);
+        database->Execute("DELETE FROM SetNames", kFailOnError);
         database->Rollback();
       });
     }
@@ -83,7 +82,7 @@ class EngineFaults : public engine::testing::SqliteTest {
     m_safe.clear();
     m_waiting.clear();
     m_failed.clear();
-    m_workspace = engine::testing::MakeImpatientWorkspace();
+    m_workspace = testing::MakeImpatientWorkspace();
     Arm(failing, at, forever);
     Work(*m_workspace);
     const long calls = Disarm();
@@ -96,15 +95,15 @@ class EngineFaults : public engine::testing::SqliteTest {
     };
     std::string wrong;
     for (const int id : m_safe) {
-      if (!isMarked(id)) wrong += " committed, but gone: " + std::to_string(id);
+      if (!isMarked(id)) wrong += " lost after its commit: " + std::to_string(id);
     }
     for (const int id : m_failed) {
-      if (isMarked(id)) wrong += " failed, but marked: " + std::to_string(id);
+      if (isMarked(id)) wrong += " marked by a failed statement: " + std::to_string(id);
     }
-    if (m_test->Ask("SELECT count(*) FROM SetNames") != "3") wrong += " the transaction was not undone";
+    if (m_test->Ask("SELECT count(*) FROM SetNames") != "3") wrong += " the transaction was not rolled back";
     if (m_test->Ask("PRAGMA integrity_check") != "ok") wrong += " the file is damaged";
-    if (!Succeeds([&] { m_test->Run("BEGIN IMMEDIATE; COMMIT"); })) wrong += " others are locked out";
-    if (!Succeeds([&] { SqliteTest::Mark(7); })) wrong += " it does not work on";
+    if (!Succeeds([&] { m_test->Run("BEGIN IMMEDIATE; COMMIT"); })) wrong += " the file is still locked";
+    if (!Succeeds([&] { SqliteTest::Mark(7); })) wrong += " the next action fails";
     const std::string what = std::string("the engine alone, ") + NameOf(failing) +
                              (forever ? " fails from a call on" : " fails once");
     Tell(what, wrong.empty());
@@ -112,22 +111,15 @@ class EngineFaults : public engine::testing::SqliteTest {
     return calls;
   }
 
-  void SweepCalls(Failing failing) {
-    Sweep(40, [&](long at, bool forever) { return Try(failing, at, forever); });
-  }
-
   Ids m_safe, m_waiting, m_failed;
 };
 
-TEST_F(EngineFaults, Memory) {
-  SweepCalls(Failing::kMemory);
+TEST_P(EngineFaults, AtOneCall) {
+  Sweep(40, [this](long at, bool forever) { return Try(GetParam(), at, forever); });
 }
-TEST_F(EngineFaults, MemoryOfTheDatabase) {
-  SweepCalls(Failing::kDatabaseMemory);
-}
-TEST_F(EngineFaults, Files) {
-  SweepCalls(Failing::kFiles);
-}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, EngineFaults,
+                         ::testing::Values(Failing::kMemory, Failing::kDatabaseMemory, Failing::kFiles));
 
 }  // namespace
 }  // namespace kxrestore::faults

@@ -34,7 +34,7 @@ void* New(std::size_t size) {
   return block;
 }
 
-sqlite3_mem_methods g_memory;  // of the embedded database
+sqlite3_mem_methods g_memory;  // SQLite's own
 
 using engine::testing::FileCall;
 
@@ -46,7 +46,7 @@ int OnFileCall(const FileCall& call) {
   return Fails(Failing::kFiles) ? kErrors[call.kind] : SQLITE_OK;
 }
 
-// The database's memory can be hooked only before anything uses the database.
+// SQLite accepts hooks for its memory only before its first use.
 class Hooks : public ::testing::Environment {
   void SetUp() override {
     sqlite3_config(SQLITE_CONFIG_GETMALLOC, &g_memory);
@@ -60,7 +60,7 @@ class Hooks : public ::testing::Environment {
     if (sqlite3_config(SQLITE_CONFIG_MALLOC, &ours) != SQLITE_OK || sqlite3_initialize() != SQLITE_OK) {
       throw std::runtime_error("the faults cannot be installed");
     }
-    static const engine::testing::HookedFiles files(OnFileCall);  // for as long as the program runs
+    static const engine::testing::HookedFiles files(OnFileCall);  // until the program ends
   }
 };
 
@@ -112,21 +112,13 @@ Pause::~Pause() {
 
 }  // namespace kxrestore::faults
 
+// The forms for arrays, which this program does not use, call these.
 void* operator new(std::size_t size) {
-  return kxrestore::faults::New(size);
-}
-void* operator new[](std::size_t size) {
   return kxrestore::faults::New(size);
 }
 void operator delete(void* block) noexcept {
   std::free(block);
 }
-void operator delete[](void* block) noexcept {
-  std::free(block);
-}
 void operator delete(void* block, std::size_t) noexcept {
-  std::free(block);
-}
-void operator delete[](void* block, std::size_t) noexcept {
   std::free(block);
 }

@@ -1,6 +1,5 @@
-// One thing that fails at a chosen call, once or from then on: memory for C++, memory for the embedded
-// database, or its files. The hooks are in every program that links this, and do nothing until something is
-// armed.
+// Fault injection: memory of C++, memory of the embedded database, or its files fail at a chosen call, once
+// or from that call on. Linking this installs the hooks, which do nothing until Arm.
 #pragma once
 
 #include <functional>
@@ -11,19 +10,20 @@ enum class Failing { kNothing, kMemory, kDatabaseMemory, kFiles, kFullDisk };
 
 const char* NameOf(Failing failing);
 
-// From now on the call number `at` (from 1; 0 for none) of this kind fails.
+// Makes the call with the number `at` fail, and with `forever` all later ones too. Calls of this kind are
+// counted from 1; with 0 none fails.
 void Arm(Failing failing, long at, bool forever);
-// Nothing fails any more. Returns how many calls of the armed kind there were.
+// Ends the faults and returns the number of calls since Arm.
 long Disarm();
 // Whether any call has failed since Arm.
 bool HasFailed();
 
-// Runs `trial` with a fault at some `sample` of its calls, or more when the environment asks for more: first
-// in that call alone, then from it on. The trial arms the fault itself, for `at` 0 none, and returns the
-// number of calls.
+// Runs `trial` with a fault in about `sample` of its calls, evenly distributed; KX_FAULTS_TIMES multiplies
+// them. Faults happen once in one sweep and from the call on in a second one. The trial calls Arm itself and
+// returns the number of calls.
 void Sweep(long sample, const std::function<long(long at, bool forever)>& trial);
 
-// During its lifetime, nothing on this thread fails or counts: for code around the code under test.
+// Excludes this thread from faults and from the count during its lifetime: for code of the test itself.
 class Pause {
  public:
   Pause();

@@ -1,9 +1,8 @@
-// How the campaign is driven and what it leaves: a sample of each sweep in a test run, more of it when the
-// environment asks for more, and a line for each case in a table.
+// The settings of the fault tests, and the table of their results. The environment sets:
 //
-//   KX_FAULTS_SEED   seed of random choices (default 1)
-//   KX_FAULTS_TIMES  density relative to the sample (default 1)
-//   KX_FAULTS_TABLE  a file to which "case<tab>tried<tab>held" is added at the end of the program
+//   KX_FAULTS_SEED   the seed of random choices (default 1)
+//   KX_FAULTS_TIMES  how many times more faults are tried than in a normal test run (default 1)
+//   KX_FAULTS_TABLE  a file to which the program appends "case<tab>tried<tab>held" for each case when it ends
 #pragma once
 
 #include <string>
@@ -12,7 +11,7 @@ namespace kxrestore::faults {
 
 unsigned Seed();
 unsigned Times();
-// One trial of a case, and whether the guarantees held.
+// Counts one trial of a case, and whether its guarantees held.
 void Tell(const std::string& name, bool held);
 
 }  // namespace kxrestore::faults

@@ -1,10 +1,9 @@
-// The sample catalog: the rows of its generator, the file, the same on a server, and the archive beside it.
+// The sample catalog: the rows of its generator, in a file and on a server, and the sample archive.
 #include "host/catalog_maker/sample_catalog.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <set>
 
 #include "base/error.h"
 #include "host/catalog_maker/generator.h"
@@ -30,7 +29,7 @@ struct Collected : CatalogSink {
   std::vector<FileRow> files;
 };
 
-// FNV-1a over everything that a row holds.
+// FNV-1a over all values of all rows.
 std::uint64_t Fingerprint(const Collected& rows) {
   std::uint64_t hash = 0xCBF29CE484222325ULL;
   const auto add = [&hash](const std::string& text) {
@@ -52,8 +51,8 @@ std::uint64_t Fingerprint(const Collected& rows) {
 }
 
 TEST(Generator, SameSeedSameRowsOnEveryMachine) {
-  // Known from another machine and compiler: screenshots and measurements of different machines can be
-  // compared.
+  // The values are from another machine and compiler. Screenshots and measurements of different machines can
+  // be compared only if the rows are the same.
   const std::pair<SampleOptions, std::uint64_t> cases[] = {
       {{.rows = 3000, .seed = 7}, 13876963731586908730ULL},
       {{.rows = 3000, .seed = 8}, 8283861806182041946ULL},
@@ -61,25 +60,6 @@ TEST(Generator, SameSeedSameRowsOnEveryMachine) {
       {{.rows = 3000, .flat = true}, 7057175108156740759ULL},
       {{.rows = 37}, 9858820230663208031ULL}};
   for (const auto& [options, fingerprint] : cases) EXPECT_EQ(Fingerprint(Collected(options)), fingerprint);
-}
-
-// What a fingerprint does not show to be right.
-TEST(Generator, RowsAreAsManyAsAskedForWithTheirOwnNumbersAndNames) {
-  for (const std::uint64_t rows : {1, 150, 30000}) {
-    for (const bool oneRun : {false, true}) {
-      const Collected all({.rows = rows, .oneRun = oneRun});
-      std::set<std::int64_t> ids;
-      std::set<std::string> names;
-      for (const FileRow& row : all.files) {
-        ids.insert(row.id);
-        names.insert(row.filename);
-      }
-      EXPECT_EQ(ids.size(), rows);
-      if (oneRun) {
-        EXPECT_EQ(names.size(), rows);
-      }
-    }
-  }
 }
 
 class SampleCatalog : public testing::Test {
@@ -95,29 +75,24 @@ class SampleCatalog : public testing::Test {
   std::unique_ptr<engine::testing::TestDatabase> m_database;
 };
 
-TEST_F(SampleCatalog, SchemaIsThatOfACatalog) {
+TEST_F(SampleCatalog, FullCatalogListsEveryVersionOnce) {
   Make({.rows = 500});
   EXPECT_EQ(Ask("PRAGMA integrity_check"), "ok");
-  EXPECT_EQ(Ask("SELECT group_concat(name) FROM pragma_table_info('Catalog')"),
-            "ID,DateStamp,SetNameID,Extension,Filename,File,LongPathID,StoreName,StoreMethod,Plugin,Restore,"
-            "OrigSize,Status,Attributes,SubFolder,EncryptMethod,OrigName");
-  EXPECT_EQ(Ask("SELECT group_concat(name) FROM pragma_index_info('CatalogByRun')"),
-            "SetNameID,Extension,Filename");
   EXPECT_EQ(Ask("SELECT count(*) || ' ' || count(SetName) FROM FullCatalog"), "500 499")
-      << "one row a version, whether its set is known or not";
-  // The saved query goes on with a clause about its table, as the listing of one set needs it.
+      << "also versions of unknown sets";
+  // The listing of one set appends a clause to the text of the saved query.
   const std::string query = Ask("SELECT sql FROM sqlite_master WHERE name = 'FullCatalog'");
   const std::string body = query.substr(query.find(" AS SELECT ") + 4);
   EXPECT_EQ(Ask("SELECT count(*) FROM (" + body + " WHERE Catalog.SetNameID = 7)"),
             Ask("SELECT count(*) FROM Catalog WHERE SetNameID = 7"));
 }
 
-TEST_F(SampleCatalog, ReplacesWhatWasThereOrNamesTheFile) {
+TEST_F(SampleCatalog, ReplacesTheFileOrNamesItInTheError) {
   Make({.rows = 300});
   m_database.reset();
   std::ofstream(Path("catalog.db-journal")) << "left behind";
-  Make({.rows = 20, .oneRun = true});
-  EXPECT_EQ(Ask("SELECT count(*) FROM Catalog"), "20");
+  Make({.rows = 30000, .oneRun = true});
+  EXPECT_EQ(Ask("SELECT count(*) || ' ' || count(DISTINCT Filename) FROM Catalog"), "30000 30000");
   try {
     MakeCatalog(Path("missing/catalog.db"), {.rows = 10});
     ADD_FAILURE() << "no error";
@@ -126,7 +101,7 @@ TEST_F(SampleCatalog, ReplacesWhatWasThereOrNamesTheFile) {
   }
 }
 
-TEST_F(SampleCatalog, TheDiscHoldsWhatTheArchiveLacks) {
+TEST_F(SampleCatalog, TheDiscHasHeadersThatTheArchiveLacks) {
   MakeArchive(Path("new/folder/archive.mdb"));
   MakeDisc(Path("disc"));
   m_database = MakeSqliteFile(Path("new/folder/archive.mdb"));
@@ -140,13 +115,13 @@ TEST_F(SampleCatalog, TheDiscHoldsWhatTheArchiveLacks) {
   EXPECT_EQ(Ask("SELECT max(Volume) FROM d.ArchiveHeader"), kDiscVolume);
 }
 
-TEST_F(SampleCatalog, AServerGetsTheVeryRowsOfTheFile) {
+TEST_F(SampleCatalog, AServerGetsTheRowsOfTheFile) {
   if (!catalog_test::ServerCatalog::HasServer()) GTEST_SKIP() << "no server";
   const SampleOptions options{.rows = 800};
   Make(options);
   const auto fill = [&](CatalogSink& sink) { Generate(options, sink); };
   const catalog_test::ServerCatalog server(fill);
-  EXPECT_THROW(FillServerCatalog(server.Connect(), fill), Error) << "it is filled already";
+  EXPECT_THROW(FillServerCatalog(server.Connect(), fill), Error) << "the server already has rows";
 
   const auto workspace = engine::MakeDefaultWorkspace();
   const auto file = workspace->OpenDatabase({.name = Path()});

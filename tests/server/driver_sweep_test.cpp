@@ -1,7 +1,6 @@
-// Everything that the dialog does with a server catalog while single calls of the driver fail, lose the
-// connection or take long.
-//
-// Calls are chosen at random for KX_FAULTS_SECONDS (25), starting from KX_FAULTS_SEED (1).
+// The user's steps in the dialog with a catalog on a server, while single calls of the driver fail, lose the
+// connection or take long. The calls are chosen at random, with the seed KX_FAULTS_SEED (default 1), for
+// KX_FAULTS_SECONDS (default 25).
 #include <sql.h>
 #include <sqlext.h>
 #include <sqlucode.h>
@@ -22,6 +21,7 @@
 #include "engine/odbc/odbc_backend.h"
 #include "tests/catalog/server_catalog.h"
 #include "tests/dialog/marking_steps.h"
+#include "tests/faults/told.h"
 
 namespace kxrestore::server_test {
 namespace {
@@ -29,7 +29,7 @@ namespace {
 using catalog_test::ServerCatalog;
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
-using namespace dialog_test;  // NOLINT: its fixture and its names
+using namespace dialog_test;  // NOLINT: its fixture and steps
 
 enum class DriverFault {
   kNone,
@@ -40,19 +40,23 @@ enum class DriverFault {
 };
 constexpr const char* kFaultNames[] = {"none", "fail", "drop", "drop after", "delay"};
 
-// A double of the driver manager: every function that the back end calls goes through it (the linker's
-// --wrap, see CMakeLists.txt) to the real one, unless the call is the one that is to fail. Calls are counted
-// while it is switched on, on whatever thread they come.
+struct Plan {
+  DriverFault fault = DriverFault::kNone;
+  std::size_t at = 0;  // the number of the call with the fault, from 1; 0 for none
+  milliseconds delay{};
+};
+
+// A double of the driver manager. The linker (--wrap, see CMakeLists.txt) redirects every function that the
+// back end calls to the double, which calls the real function unless the plan says otherwise. While there is
+// a plan, the double counts the calls of all threads.
 struct Double {
   std::mutex mutex;
-  bool on = false;
-  DriverFault fault = DriverFault::kNone;
-  std::size_t at = 0, calls = 0;  // the number of the call to hit, from 1
-  milliseconds delay{};
-  const char* hit = nullptr;  // the function that it happened to; null when none was reached
+  std::optional<Plan> plan;
+  std::size_t calls = 0;
+  const char* hit = nullptr;                    // the function that had the fault
   std::map<SQLHANDLE, SQLHANDLE> connectionOf;  // by statement
   std::set<SQLHANDLE> dropped;                  // connections
-  std::set<SQLHANDLE> failed;                   // handles whose diagnostics are the double's
+  std::set<SQLHANDLE> failed;                   // handles whose diagnostics come from the double
 
   SQLHANDLE ConnectionOf(SQLHANDLE handle) const {
     const auto found = connectionOf.find(handle);
@@ -62,37 +66,30 @@ struct Double {
 };
 
 Double& TheDouble() {
-  static Double& it = *new Double;  // calls that were given up on may outlive everything else
+  static Double& it = *new Double;  // never deleted, because abandoned calls may run until the end
   return it;
 }
 
-// Switches the double on.
+// Gives the double a plan and takes it away again.
 class Injection {
  public:
-  Injection(DriverFault fault, std::size_t at, milliseconds delay = {}) { Set(true, fault, at, delay); }
-  ~Injection() { Set(false, DriverFault::kNone, 0, {}); }
+  explicit Injection(const Plan& plan) {
+    const std::lock_guard lock(TheDouble().mutex);
+    TheDouble().plan = plan;
+    TheDouble().calls = 0;
+    TheDouble().hit = nullptr;
+  }
+  ~Injection() {
+    const std::lock_guard lock(TheDouble().mutex);
+    TheDouble().plan.reset();
+  }
   Injection(const Injection&) = delete;
   Injection& operator=(const Injection&) = delete;
 
-  static std::size_t Calls() { return Read(&Double::calls); }
-  static const char* Hit() { return Read(&Double::hit); }
-
- private:
-  template <class Member>
-  static Member Read(Member Double::*member) {
+  // The number of calls and the function that had the fault, or null.
+  static std::pair<std::size_t, const char*> Seen() {
     const std::lock_guard lock(TheDouble().mutex);
-    return TheDouble().*member;
-  }
-  static void Set(bool on, DriverFault fault, std::size_t at, milliseconds delay) {
-    Double& it = TheDouble();
-    const std::lock_guard lock(it.mutex);
-    it.on = on;
-    it.fault = fault;
-    it.at = at;
-    it.delay = delay;
-    if (!on) return;  // what was counted stays to be read
-    it.calls = 0;
-    it.hit = nullptr;
+    return {TheDouble().calls, TheDouble().hit};
   }
 };
 
@@ -102,7 +99,7 @@ extern "C" SQLRETURN __real_SQLEndTran(SQLSMALLINT, SQLHANDLE, SQLSMALLINT);
 
 namespace {
 
-// What the server does to a connection that is gone.
+// Ends a connection as the server sees it.
 void Drop(Double& it, SQLHANDLE handle) {
   const SQLHANDLE connection = it.ConnectionOf(handle);
   it.dropped.insert(connection);
@@ -114,15 +111,14 @@ SQLRETURN Around(const char* name, SQLHANDLE handle, Call call) {
   Double& it = TheDouble();
   std::unique_lock lock(it.mutex);
   it.failed.erase(handle);
-  const bool isHit = it.on && handle != nullptr && ++it.calls == it.at;
+  const bool isHit = it.plan && handle != nullptr && ++it.calls == it.plan->at;
   if (isHit) it.hit = name;
-  const DriverFault fault = isHit ? it.fault : DriverFault::kNone;
+  const auto [fault, at, delay] = isHit ? *it.plan : Plan();
   if (fault == DriverFault::kDrop) Drop(it, handle);
   if (fault == DriverFault::kFail || it.IsDropped(handle)) {
     it.failed.insert(handle);
     return SQL_ERROR;
   }
-  const milliseconds delay = fault == DriverFault::kDelay ? it.delay : milliseconds(0);
   lock.unlock();
   if (delay.count() > 0) std::this_thread::sleep_for(delay);
   const SQLRETURN result = call();
@@ -135,7 +131,7 @@ SQLRETURN Around(const char* name, SQLHANDLE handle, Call call) {
 
 }  // namespace
 
-// ---- the functions; their parameters are only passed on
+// ---- the functions, which only pass their parameters on
 
 #define KX_DOUBLE(name, parameters, handle, arguments)                     \
   extern "C" SQLRETURN __real_##name parameters;                           \
@@ -195,7 +191,7 @@ extern "C" SQLRETURN __wrap_SQLAllocHandle(SQLSMALLINT type, SQLHANDLE parent, S
   Double& it = TheDouble();
   const std::lock_guard lock(it.mutex);
   if (SQL_SUCCEEDED(result)) {
-    it.dropped.erase(*handle);  // an address may be used again
+    it.dropped.erase(*handle);  // a new handle may have the address of an old one
     it.connectionOf.erase(*handle);
     if (type == SQL_HANDLE_STMT) it.connectionOf[*handle] = parent;
   }
@@ -214,15 +210,12 @@ extern "C" SQLRETURN __wrap_SQLGetDiagRecW(SQLSMALLINT type, SQLHANDLE handle, S
   }
   if (record > 1) return SQL_NO_DATA;
   const bool dropped = TheDouble().IsDropped(handle);
-  const auto copy = [](std::u16string_view words, SQLWCHAR* to, std::size_t most) {
-    to[std::min(words.size(), most)] = 0;
-    std::copy_n(words.begin(), std::min(words.size(), most), to);
-    return static_cast<SQLSMALLINT>(words.size());
-  };
-  copy(dropped ? u"08S01" : u"HY000", state, 5);
+  const std::u16string_view words =
+      dropped ? u"server closed the connection unexpectedly" : u"the call was made to fail";
+  std::copy_n(dropped ? u"08S01" : u"HY000", 6, state);
   *native = 0;
-  *size = copy(dropped ? u"server closed the connection unexpectedly" : u"the call was made to fail", text,
-               static_cast<std::size_t>(room) - 1);
+  *std::copy_n(words.begin(), std::min(words.size(), static_cast<std::size_t>(room) - 1), text) = 0;
+  *size = static_cast<SQLSMALLINT>(words.size());
   return SQL_SUCCESS;
 }
 
@@ -232,12 +225,6 @@ std::unique_ptr<engine::Workspace> ServerWorkspace() {
   engine::Workspace::Backends backends;
   backends.odbc = engine::odbc::MakeOdbcBackend();
   return std::make_unique<engine::Workspace>(std::move(backends));
-}
-
-// A number in the environment.
-unsigned Setting(const char* name, unsigned otherwise) {
-  const char* const text = std::getenv(name);
-  return text == nullptr ? otherwise : static_cast<unsigned>(std::atoi(text));
 }
 
 class DriverSweep : public DialogTest {
@@ -258,7 +245,7 @@ class DriverSweep : public DialogTest {
     }
   };
 
-  // One step on a dialog of its own, with the double switched on while it is done. The number of calls.
+  // Does one step in a new dialog, with a plan for the double during the step. Returns the number of calls.
   std::size_t Try(Step step, DriverFault fault, std::size_t at) {
     std::ostringstream name;
     name << kStepNames[static_cast<int>(step)] << ": " << kFaultNames[static_cast<int>(fault)] << " at call "
@@ -266,19 +253,19 @@ class DriverSweep : public DialogTest {
     m_server->Execute(MarksBefore(step));
     const auto databases = ServerWorkspace();
     Dialog dialog(*this, *databases);
-    std::size_t commenced = 0, calls = 0;
+    std::size_t commenced = 0;
     dialog.CommenceRestore = [&] { ++commenced; };
     desktop.messages.clear();
     desktop.answers.assign(20, platform::Answer::kYes);
-    std::optional<Injection> twin;
-    if (step == Step::kLoad) twin.emplace(fault, at);
+    std::optional<Injection> injection;
+    if (step == Step::kLoad) injection.emplace(Plan{fault, at});
     FormControls& controls = dialog.Controls();  // loads the form
     Prepare(step, controls);
-    if (!twin) twin.emplace(fault, at);
+    if (!injection) injection.emplace(Plan{fault, at});
     Start(step, controls);
-    if (Injection::Hit() != nullptr) name << ", " << Injection::Hit();
-    calls = Injection::Calls();
-    twin.reset();
+    const auto [calls, hit] = Injection::Seen();
+    if (hit != nullptr) name << ", " << hit;
+    injection.reset();
     SCOPED_TRACE(name.str());
     ExpectRight(step, controls, commenced);
     if (controls.form.IsOpen()) controls.form.Unload();
@@ -303,10 +290,11 @@ class DriverSweep : public DialogTest {
 
 TEST_F(DriverSweep, ScreenAndCatalogAgreeWhateverTheDriverDoes) {
   constexpr DriverFault kKinds[] = {DriverFault::kFail, DriverFault::kDrop, DriverFault::kDropAfter};
-  std::mt19937 random(Setting("KX_FAULTS_SEED", 1));
+  std::mt19937 random(faults::Seed());
   std::size_t calls[kSteps]{}, held[kSteps]{};
-  const auto until = Clock::now() + std::chrono::seconds(Setting("KX_FAULTS_SECONDS", 25));
-  // A round hits one call of each step: first the last one, which commits, then any.
+  const char* const seconds = std::getenv("KX_FAULTS_SECONDS");
+  const auto until = Clock::now() + std::chrono::seconds(seconds == nullptr ? 25 : std::atoi(seconds));
+  // Each round has a fault in one call of each step: in the first round in the last call, which commits.
   for (std::size_t round = 0; round == 0 || Clock::now() < until; ++round) {
     for (std::size_t number = 0; number < kSteps; ++number) {
       const auto step = static_cast<Step>(number);
@@ -325,8 +313,8 @@ TEST_F(DriverSweep, ScreenAndCatalogAgreeWhateverTheDriverDoes) {
   }
 }
 
-// A call of the driver that takes two seconds: pending messages go on, and Esc does not wait for it.
-TEST_F(DriverSweep, ASlowDriverFreezesNobody) {
+// While a call of the driver takes long, the dialog handles messages, and Esc does not wait for the call.
+TEST_F(DriverSweep, ASlowDriverDoesNotFreezeTheDialog) {
   constexpr milliseconds kDelay(1500);
   const std::size_t calls = Try(Step::kApply, DriverFault::kNone, 0);
   for (const std::size_t at : {calls / 3, calls / 2, calls - calls / 5}) {
@@ -338,9 +326,9 @@ TEST_F(DriverSweep, ASlowDriverFreezesNobody) {
     std::optional<Clock::time_point> pressed;
     std::size_t turns = 0;
     {
-      const Injection twin(DriverFault::kDelay, at, kDelay);
+      const Injection injection({DriverFault::kDelay, at, kDelay});
       desktop.onDoEvents = [&] {
-        if (Injection::Hit() == nullptr || ++turns < 5 || pressed) return;
+        if (Injection::Seen().second == nullptr || ++turns < 5 || pressed) return;
         pressed = Clock::now();
         controls.form.UserKey(controls::Key::kEscape);
       };
@@ -352,7 +340,7 @@ TEST_F(DriverSweep, ASlowDriverFreezesNobody) {
     std::printf("call %zu: %lld ms from Esc to the end\n", at, static_cast<long long>(took.count()));
     EXPECT_LT(took, kDelay / 2);
     desktop.messages.clear();
-    // What was stopped does not stand in the way of what follows.
+    // The stopped step does not prevent the next one.
     Start(Step::kApply, controls);
     ExpectRight(Step::kApply, controls, 0);
     EXPECT_TRUE(desktop.messages.empty());
