@@ -1,5 +1,6 @@
 // The archive branch of the set tree, and the panel that adds a disc to the archive.
 #include <filesystem>
+#include <random>
 
 #include "tests/dialog/script.h"
 #include "tests/engine/hooked_files.h"
