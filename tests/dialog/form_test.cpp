@@ -275,6 +275,7 @@ TEST_F(FormTest, MasksAndTheLookOfListsAreRemembered) {
 
 TEST_F(FormTest, HelpFollowsTheKeyboardFocus) {
   MakeCatalog({Row(1, 1, "003", "C:\\a.docx")});
+  EXPECT_TRUE(ui().lblHelp.Caption().starts_with("INSTRUCTIONS: "));
   ui().cmdRestore[kRefresh].UserKeyboardEnter();
   EXPECT_EQ(ui().lblHelp.Tag(), "Refresh");
   EXPECT_TRUE(ui().lblHelp.Caption().starts_with("REFRESH LIST"));

@@ -44,6 +44,19 @@ TEST(DesktopDamage, IsReportedWithItsPlace) {
               [&] { workspace->OpenDatabase({.name = DesktopSample("truncated-2003.mdb")}); });
 }
 
+TEST(DesktopDamage, OfADataPageIsNotReadAsRows) {
+  constexpr std::size_t kPage = 91 * 4096, kTable = kPage + 4, kFirstRow = kPage + 14;
+  const SampleCopy copy("telling-2003.mdb");
+  const auto workspace = MakeReaderWorkspace();
+  copy.Change([](std::string& bytes) { bytes[kTable] ^= 1; });
+  ExpectError(error_number::kDamaged, "page 91 is not of the table 'Catalog'",
+              [&] { Rows(*workspace->OpenDatabase(copy.Request()), "Catalog"); });
+  // The first row begins where the page stores the places of its rows.
+  copy.Change([](std::string& bytes) { bytes.replace(kFirstRow, 2, std::string_view("\x10\0", 2)); });
+  ExpectError(error_number::kDamaged, "row 0 of page 91",
+              [&] { Rows(*workspace->OpenDatabase(copy.Request()), "Catalog"); });
+}
+
 TEST(DesktopDamage, OfADefinitionThatTwoTablesClaim) {
   const SampleCopy copy("telling-2003.mdb");
   constexpr std::size_t kSetNames = 0xE6C3, kLongPaths = 0xE61D;  // the page numbers of their definitions

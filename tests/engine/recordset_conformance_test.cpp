@@ -171,14 +171,15 @@ TEST_P(RecordsetConformance, SnapshotDoesNotChange) {
     m_test->Run("UPDATE Catalog SET Restore = 0; DELETE FROM Catalog WHERE ID > 7");
     if (inAction) m_workspace->BeginAction();
     const auto database = m_workspace->OpenDatabase(m_test->Request());
-    const auto snapshot =
-        database->OpenRecordset("SELECT ID, Restore FROM Catalog ORDER BY ID", RecordsetType::kSnapshot);
+    const auto snapshot = database->OpenRecordset(
+        "SELECT ID, Restore, ID * 5000000000 AS Big FROM Catalog ORDER BY ID", RecordsetType::kSnapshot);
     std::string visited;
     for (; !snapshot->Eof() && visited.size() < 40; snapshot->MoveNext()) {
       const std::string id = snapshot->Fields("ID").Text();
       visited += id + (snapshot->Fields("Restore").Boolean() ? "! " : " ");
       database->Execute("UPDATE Catalog SET Restore = True WHERE ID >= " + id);
       EXPECT_EQ(snapshot->Fields("ID").Text(), id);
+      EXPECT_EQ(snapshot->Fields("Big").Integer(), 5'000'000'000 * snapshot->Fields("ID").Integer());
       if (!GetParam().onlyMarks) {
         database->Execute("INSERT INTO Catalog (ID, Filename) VALUES (10" + id + ", 'n')");
       }

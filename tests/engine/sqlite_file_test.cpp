@@ -91,12 +91,15 @@ TEST_F(SqliteFile, LocksOfOthersAreReported) {
   m_test->Run("COMMIT");
   EXPECT_EQ(database->Execute("UPDATE Catalog SET Restore = True WHERE ID = 1"), 1) << "usable again";
   database->Close();
+  m_workspace->BeginAction();
+  Open(m_catalog)->Close();
   {
     const auto alone = m_workspace->OpenDatabase({.name = m_catalog, .exclusive = true});
     EXPECT_EQ(Rows(*alone, "SetNames").size(), 3u);
     EXPECT_EQ(m_test->Ask("SELECT count(*) FROM SetNames"), "database is locked");
   }
   EXPECT_EQ(m_test->Ask("SELECT count(*) FROM SetNames"), "3");
+  m_workspace->EndAction();
 }
 
 // Gives up the rights of root, who may write to every file, until the destructor.
