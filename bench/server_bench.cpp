@@ -16,7 +16,7 @@
 #include "bench/harness.h"
 #include "bench/loaded_dialog.h"
 #include "bench/marker.h"
-#include "bench/round_trips.h"
+#include "bench/relay.h"
 #include "bench/statements.h"
 #include "catalog/connection.h"
 #include "catalog/restore_query.h"
@@ -249,12 +249,12 @@ class MarkingById : public Marking {
 class Apply : public Marking {
  public:
   explicit Apply(std::int64_t rows) : Marking(rows) {
-    RoundTrips relay(TestServer().host, TestServer().port);
+    Relay relay(TestServer().host, TestServer().port);
     const auto dialog = Ticked(relay.Port());
-    const std::int64_t before = relay.Count();
+    const std::int64_t before = relay.RoundTrips();
     PressApply(*dialog);
     Figure("server: round trips of apply", rows,
-           static_cast<double>(relay.Count() - before) / static_cast<double>(rows), "round trips a file",
+           static_cast<double>(relay.RoundTrips() - before) / static_cast<double>(rows), "round trips a file",
            kMaxRoundTrips);
   }
 

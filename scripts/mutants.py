@@ -37,7 +37,7 @@ PROGRAMS = {
 # These take long, or want a server: they are about speed and about other programs.
 SLOW = "WaitingTest.*:TwoDialogs*:*AnotherProgramHolds*:*ADiscIsAdded*:FaultSweep*:SqliteWaiting.*"
 # These are the last ones to be run: most changes are noticed sooner by others.
-LATE = ("DesktopDamage.AtRandom*:DesktopMarks.ChangeOneBit*:JetSql.Depth*:*.GivesTurns*:*.ListEveryCombination*:"
+LATE = ("DesktopDamage.AtRandom*:DesktopMarks.ChangeOneBit*:JetSql.Depth*:*.GivesTurns*:"
         "*.AnswerWhatThePanelsAsk*:LikePattern.*")
 PATIENCE = 300  # seconds for one program
 

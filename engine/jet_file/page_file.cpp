@@ -132,12 +132,12 @@ const PageFile::Block& PageFile::BlockOf(std::uint64_t offset) const {
 }
 
 Page PageFile::Read(std::uint32_t number) const {
-  if (number >= m_pageCount) RaiseDamaged("page " + std::to_string(number) + " lies behind its end");
+  if (number >= m_pageCount) RaiseDamaged("page " + std::to_string(number) + " lies beyond its end");
   const std::uint64_t offset = std::uint64_t{number} * m_layout.pageSize;
   const Block& block = BlockOf(offset);
   const std::size_t place = offset % kBlockSize;
   if (place + m_layout.pageSize > block.size) {
-    RaiseDamaged("page " + std::to_string(number) + " lies behind its end");
+    RaiseDamaged("page " + std::to_string(number) + " lies beyond its end");
   }
   return {block.bytes, Bytes(block.bytes.get() + place, m_layout.pageSize, &m_path), number};
 }

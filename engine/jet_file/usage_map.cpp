@@ -12,7 +12,7 @@ void AppendPages(const PageFile& file, const Bytes& bitmap, std::uint64_t first,
     for (unsigned bits = bitmap.U8(i); bits != 0; bits &= bits - 1) {
       const std::uint64_t page = first + 8 * i + static_cast<unsigned>(std::countr_zero(bits));
       if (page >= file.PageCount()) {
-        file.RaiseDamaged("page " + std::to_string(page) + " lies behind its end");
+        file.RaiseDamaged("page " + std::to_string(page) + " lies beyond its end");
       }
       pages.push_back(static_cast<std::uint32_t>(page));
     }

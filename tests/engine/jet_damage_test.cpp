@@ -40,7 +40,7 @@ TEST(DesktopDamage, IsReportedWithItsPlace) {
   const auto zeroed = workspace->OpenDatabase({.name = DesktopSample("zeroed-page-2003.mdb")});
   ExpectError(error_number::kDamaged, "page 91", [&] { Rows(*zeroed, "Catalog"); });
   EXPECT_EQ(Rows(*zeroed, "SetNames").size(), 9u) << "other tables can be read";
-  ExpectError(error_number::kDamaged, "behind its end",
+  ExpectError(error_number::kDamaged, "beyond its end",
               [&] { workspace->OpenDatabase({.name = DesktopSample("truncated-2003.mdb")}); });
 }
 

@@ -1,6 +1,9 @@
 // Marking files of the desktop engine in place: a mark changes one bit and nothing else, a mark that cannot
 // be set is refused before anything is written, and saved queries stay outside the file.
+#include <algorithm>
 #include <bit>
+#include <cstdlib>
+#include <sstream>
 
 #include "engine/jet_file/file.h"
 #include "tests/engine/desktop_samples.h"
@@ -246,6 +249,31 @@ TEST_F(DesktopMarks, AreRefusedOnAPageThatHasChanged) {
   EXPECT_EQ(copy.Changed().size(), 1u);
   Mark(*database, 1008);
   EXPECT_EQ(Marked(*database), (Strings{"1007", "1008"}));
+}
+
+// mdbtools, an independent reader, finds the same rows marked.
+TEST_F(DesktopMarks, AreSeenByAnotherReader) {
+  if (std::system("command -v mdb-export >/dev/null") != 0) GTEST_SKIP() << "mdbtools is not installed";
+  for (const char* name : {"telling-2000.mdb", "overflow-2003.mdb", "telling-2019.accdb"}) {
+    const SampleCopy copy(name);
+    MarkEveryWay(copy.Request());
+    const std::string table = copy.Beside("table.csv");
+    const std::string command = "mdb-export '" + copy.Path() + "' Catalog > '" + table + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    std::istringstream lines(ReadBytes(table));
+    Strings marked;
+    std::string line;
+    for (std::getline(lines, line); std::getline(lines, line);) {
+      // No text of the samples has a comma before the mark, the eleventh column.
+      std::istringstream fields(line);
+      std::string field, id;
+      std::getline(fields, id, ',');
+      for (int i = 1; i <= 10; ++i) std::getline(fields, field, ',');
+      if (field == "1") marked.push_back(id);
+    }
+    std::sort(marked.begin(), marked.end());
+    EXPECT_EQ(marked, Marked(*m_workspace->OpenDatabase(copy.Request()))) << name;
+  }
 }
 
 TEST_F(DesktopMarks, OfAKilledProgramAreTheFirstOnes) {

@@ -1,12 +1,14 @@
-// A server that is paused or killed in the middle of each operation, and one whose rows others keep locked.
-// The waiting callback is still called and its stop ends the operation, a lost mark is reported exactly once,
-// and the next operation works when the server is back.
+// A server that is paused, killed or cut off by its network in the middle of each operation, and one whose
+// rows others keep locked. The waiting callback is still called and its stop ends the operation, a lost mark
+// is reported exactly once, and the next operation works when the server is back.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <optional>
+#include <utility>
 
+#include "bench/relay.h"
 #include "engine/odbc/odbc_backend.h"
 #include "engine/odbc/odbc_database.h"
 #include "tests/catalog/catalog_file.h"
@@ -27,6 +29,9 @@ constexpr milliseconds kUserWaits(60);  // of the user who then stops
 constexpr milliseconds kStopTime(600);  // 200 on a quiet machine
 constexpr int kFiles = 3000;
 
+enum class Trouble { kPaused, kCutOff, kKilled };
+constexpr const char* kTroubles[] = {"paused", "cut off", "killed"};
+
 struct Operation {
   const char* name;
   std::function<void(Workspace&)> prepare, run;
@@ -43,16 +48,28 @@ class StoppedServer : public ::testing::Test {
       for (int id = 1; id <= kFiles; ++id) rows.push_back(Live(id, "C:\\" + std::to_string(id) + ".doc"));
       catalog_test::AddRows(sink, rows, {});
     });
+    const std::string server = ServerCatalog::Server();  // "127.0.0.1;PORT=N"
+    m_relay.emplace("127.0.0.1", std::stoi(server.substr(server.find('=') + 1)));
+    m_connect = m_server->Connect();
+    m_connect.replace(m_connect.find(server), server.size(),
+                      "127.0.0.1;PORT=" + std::to_string(m_relay->Port()));
   }
   void TearDown() override {
-    if (m_isPaused) Control("resume");
+    if (m_trouble == Trouble::kPaused) Control("resume");
   }
 
-  // To the driver, a paused server is like a network that drops packets: it keeps the connections and does
-  // not answer.
-  void Control(const std::string& what) {
-    m_isPaused = what == "pause";
+  static void Control(const char* what) {
     ASSERT_EQ(std::system((ServerSetting("KX_TEST_CONTROL") + " " + what).c_str()), 0);
+  }
+  void Begin(Trouble trouble) {
+    m_trouble = trouble;
+    if (trouble == Trouble::kCutOff) return m_relay->Stall(true);
+    Control(trouble == Trouble::kPaused ? "pause" : "stop");
+  }
+  void End() {
+    const Trouble trouble = *std::exchange(m_trouble, std::nullopt);
+    if (trouble == Trouble::kCutOff) return m_relay->Stall(false);
+    Control(trouble == Trouble::kPaused ? "resume" : "start");
   }
 
   std::unique_ptr<Workspace> MakeWorkspace(const odbc::Waits& waits = {}) {
@@ -66,7 +83,7 @@ class StoppedServer : public ::testing::Test {
     return workspace;
   }
   std::unique_ptr<Database> Open(Workspace& workspace) {
-    return workspace.OpenDatabase({.connect = m_server->Connect()});
+    return workspace.OpenDatabase({.connect = m_connect});
   }
   void Mark(Workspace& workspace, int id) { testing::Mark(*Open(workspace), id); }
   bool IsMarked(int id) { return m_server->Marked().contains(id); }
@@ -128,16 +145,16 @@ class StoppedServer : public ::testing::Test {
          [this](Workspace&) { Change(*m_rows, "Restore", true); }}};
   }
 
-  void Try(bool killed, const Operation& operation) {
-    SCOPED_TRACE(std::string(operation.name) + (killed ? ", killed" : ", paused"));
+  void Try(Trouble trouble, const Operation& operation) {
+    SCOPED_TRACE(std::string(operation.name) + ", " + kTroubles[static_cast<int>(trouble)]);
     m_server->Execute("UPDATE Catalog SET Restore = FALSE");
     m_stop.reset();
     auto workspace = MakeWorkspace();
     workspace->BeginAction();
     operation.prepare(*workspace);
-    Control(killed ? "stop" : "pause");
+    Begin(trouble);
     const int error = Stopped([&] { operation.run(*workspace); }, operation.name);
-    if (killed) {
+    if (trouble == Trouble::kKilled) {
       EXPECT_TRUE(error == number::kOdbcFailed || error == number::kOdbcConnectionFailed) << error;
     } else {
       EXPECT_NE(error, 0);
@@ -148,7 +165,7 @@ class StoppedServer : public ::testing::Test {
     const int told = Told(*workspace);
     EXPECT_LT(Clock::now() - *m_stop, kStopTime) << "the end of the action";
     EXPECT_EQ(told, operation.waits && !operation.tells ? 1 : 0);
-    Control(killed ? "start" : "resume");
+    End();
     m_stop.reset();
     workspace->BeginAction();
     EXPECT_NO_THROW(Mark(*workspace, 3));
@@ -158,17 +175,19 @@ class StoppedServer : public ::testing::Test {
   }
 
   std::optional<ServerCatalog> m_server;
+  std::optional<bench::Relay> m_relay;  // between the engine and the server
+  std::string m_connect;
   std::unique_ptr<Recordset> m_rows;
   std::optional<Clock::time_point> m_stop;
   int m_turns = 0;
-  bool m_isPaused = false;
+  std::optional<Trouble> m_trouble;
 };
 
 TEST_F(StoppedServer, EndsOneOperationAndTheNextWorks) {
-  for (const bool killed : {false, true}) {
-    std::printf(killed ? "killed:\n" : "paused:\n");
+  for (const Trouble trouble : {Trouble::kPaused, Trouble::kCutOff, Trouble::kKilled}) {
+    std::printf("%s:\n", kTroubles[static_cast<int>(trouble)]);
     for (const Operation& operation : Operations()) {
-      Try(killed, operation);
+      Try(trouble, operation);
       if (HasFatalFailure()) return;
     }
   }
@@ -178,7 +197,7 @@ TEST_F(StoppedServer, EndsOneOperationAndTheNextWorks) {
 TEST_F(StoppedServer, WaitsAreBounded) {
   const auto workspace = MakeWorkspace({.login = milliseconds(3000), .call = milliseconds(700)});
   const auto database = Open(*workspace);
-  Control("pause");
+  Begin(Trouble::kCutOff);
   const auto start = Clock::now();
   ExpectError(number::kOdbcFailed, "has not answered within 1 seconds",
               [&] { database->OpenRecordset("Catalog", RecordsetType::kSnapshot); });
@@ -186,7 +205,7 @@ TEST_F(StoppedServer, WaitsAreBounded) {
   ExpectError(number::kOdbcFailed, "has not answered", [&] { database->QueryText("FullCatalog"); });
   ExpectError(number::kOdbcConnectionFailed, "127.0.0.1", [&] { Open(*workspace); });
   EXPECT_LT(Clock::now() - start, milliseconds(8000));
-  Control("resume");
+  End();
   EXPECT_NO_THROW(Mark(*workspace, 1));
 }
 

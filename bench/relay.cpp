@@ -1,4 +1,4 @@
-#include "bench/round_trips.h"
+#include "bench/relay.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -7,6 +7,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstddef>
 
 #include "base/error.h"
@@ -14,7 +15,7 @@
 namespace kxrestore::bench {
 namespace {
 
-constexpr int kWait = 50;  // milliseconds between checks for the end
+constexpr int kWait = 5;  // milliseconds between checks for a stall or the end
 
 sockaddr_in Address(const std::string& host, int port) {
   sockaddr_in address{};
@@ -32,7 +33,7 @@ void SendAtOnce(int socket) {
 
 }  // namespace
 
-RoundTrips::RoundTrips(const std::string& host, int port) : m_host(host), m_serverPort(port) {
+Relay::Relay(const std::string& host, int port) : m_host(host), m_serverPort(port) {
   sockaddr_in address = Address("127.0.0.1", 0);
   auto* plain = reinterpret_cast<sockaddr*>(&address);
   socklen_t size = sizeof address;
@@ -43,10 +44,10 @@ RoundTrips::RoundTrips(const std::string& host, int port) : m_host(host), m_serv
     throw Error(1, "there is no port to relay from");
   }
   m_port = ntohs(address.sin_port);
-  m_thread = std::thread([this] { Relay(); });
+  m_thread = std::thread([this] { Run(); });
 }
 
-RoundTrips::~RoundTrips() {
+Relay::~Relay() {
   m_stop = true;
   m_thread.join();
   close(m_listener);
@@ -56,7 +57,7 @@ RoundTrips::~RoundTrips() {
   }
 }
 
-void RoundTrips::Accept() {
+void Relay::Accept() {
   const int client = accept(m_listener, nullptr, nullptr);
   const int server = socket(AF_INET, SOCK_STREAM, 0);
   const sockaddr_in address = Address(m_host, m_serverPort);
@@ -70,11 +71,11 @@ void RoundTrips::Accept() {
   m_pairs.push_back({client, server, true});
 }
 
-bool RoundTrips::Pass(Pair& pair, bool fromClient) {
+bool Relay::Pass(Pair& pair, bool fromClient) {
   char bytes[1 << 16];
   const ssize_t count = recv(fromClient ? pair.client : pair.server, bytes, sizeof bytes, 0);
   if (count <= 0) return false;
-  if (fromClient && pair.answered) ++m_count;
+  if (fromClient && pair.answered) ++m_roundTrips;
   pair.answered = !fromClient;
   for (ssize_t sent = 0; sent < count;) {
     const ssize_t more = send(fromClient ? pair.server : pair.client, bytes + sent,
@@ -85,14 +86,18 @@ bool RoundTrips::Pass(Pair& pair, bool fromClient) {
   return true;
 }
 
-void RoundTrips::Relay() {
+void Relay::Run() {
   while (!m_stop) {
+    if (m_stalled) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(kWait));
+      continue;
+    }
     std::vector<pollfd> waiting = {{m_listener, POLLIN, 0}};
     for (const Pair& pair : m_pairs) {
       waiting.push_back({pair.client, POLLIN, 0});
       waiting.push_back({pair.server, POLLIN, 0});
     }
-    if (poll(waiting.data(), waiting.size(), kWait) <= 0) continue;
+    if (poll(waiting.data(), waiting.size(), kWait) <= 0 || m_stalled) continue;
     for (std::size_t i = m_pairs.size(); i-- > 0;) {
       const bool goesOn = (waiting[2 * i + 1].revents == 0 || Pass(m_pairs[i], true)) &&
                           (waiting[2 * i + 2].revents == 0 || Pass(m_pairs[i], false));
