@@ -1,6 +1,6 @@
 // The visible entries of a list and their order: as added, or sorted by a column. Entries that are file types
-// always come first; entries that the filter rejects have no row. Sorting costs four bytes per entry, a filter
-// four bytes per row and one bit per entry; without either, rows are entries.
+// always come first; entries that the filter rejects have no row. Sorting costs four bytes per entry, a
+// filter four bytes per row and one bit per entry; without either, rows are entries.
 #pragma once
 
 #include <cstddef>

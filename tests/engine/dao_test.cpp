@@ -1,4 +1,5 @@
-// The automation back end: the version of the engine that it selects, its calls, and its conversion of results.
+// The automation back end: the version of the engine that it selects, its calls, and its conversion of
+// results.
 #include <algorithm>
 #include <limits>
 

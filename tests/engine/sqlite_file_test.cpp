@@ -126,7 +126,8 @@ TEST_F(SqliteFile, PermissionsAreReported) {
   std::filesystem::permissions(PathOf(m_catalog), perms{0444});
   {
     [[maybe_unused]] const AsNobody nobody{};
-    if (std::ofstream(PathOf(m_catalog), std::ios::app)) GTEST_SKIP() << "this user may write to read-only files";
+    if (std::ofstream(PathOf(m_catalog), std::ios::app))
+      GTEST_SKIP() << "this user may write to read-only files";
     ExpectError(error_number::kReadOnly, "catälog.db", [&] {
       const auto database = Open(m_catalog);
       EXPECT_EQ(Rows(*database, "SetNames").size(), 3u);
