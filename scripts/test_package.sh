@@ -117,11 +117,11 @@ script_creates() {
   timeout 60 wine cscript //nologo "$(windows_path "$work/late.vbs")" {kxWineLock}>&- | grep created >/dev/null
 }
 
-# regsvr32 ARGUMENT... Right after an installer has ended, Wine may refuse to start a program.
-register() {
+# again COMMAND... Right after an installer has ended, Wine may refuse to start a program.
+again() {
   local try
   for try in 1 2 3; do
-    wine_do regsvr32 "$@" && return
+    "$@" && return
     sleep "$try"
   done
   return 1
@@ -131,9 +131,9 @@ same_keys_as_regsvr32() {
   registry_keys_without_place >"$work/installed.keys"
   [[ -s $work/installed.keys ]] || return 1
   msi /x "$installer" && nothing_left || return 1
-  register /s "$(windows_path "$unpacked/$platform/KXRestore.dll")" || return 1
+  again wine_do regsvr32 /s "$(windows_path "$unpacked/$platform/KXRestore.dll")" || return 1
   registry_keys_without_place >"$work/registered.keys"
-  register /u /s "$(windows_path "$unpacked/$platform/KXRestore.dll")" && nothing_left || return 1
+  again wine_do regsvr32 /u /s "$(windows_path "$unpacked/$platform/KXRestore.dll")" && nothing_left || return 1
   diff "$work/installed.keys" "$work/registered.keys" && msi /i "$installer"
 }
 
@@ -144,11 +144,15 @@ repairs() {
   rm "$dll" && msi /i "$installer" REINSTALL=ALL REINSTALLMODE=amus && [[ -s $dll ]]
 }
 
-upgrades() {
-  msi /x "$installer" && msi /i "$package-older/KXRestore-9.0.0-$platform.msi" && msi /i "$installer" || return 1
+only_new_version_works() {
   wine_do reg query 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall' /s | tr -d '\r' >"$work/uninstall.keys"
   grep -q "DisplayVersion.*$version" "$work/uninstall.keys" && ! grep -q 'DisplayVersion.*9\.0\.0' "$work/uninstall.keys" &&
     script_creates
+}
+
+upgrades() {
+  msi /x "$installer" && msi /i "$package-older/KXRestore-9.0.0-$platform.msi" && msi /i "$installer" || return 1
+  again only_new_version_works
 }
 
 removed_leaves_nothing() {
