@@ -33,7 +33,7 @@ void SendAtOnce(int socket) {
 
 }  // namespace
 
-Relay::Relay(const std::string& host, int port) : m_host(host), m_serverPort(port) {
+Relay::Relay(std::string host, int port) : m_host(std::move(host)), m_serverPort(port) {
   sockaddr_in address = Address("127.0.0.1", 0);
   auto* plain = reinterpret_cast<sockaddr*>(&address);
   socklen_t size = sizeof address;

@@ -13,7 +13,7 @@ namespace kxrestore::bench {
 class Relay {
  public:
   // Relays from a free port of the loopback address to `host`, an IPv4 address.
-  Relay(const std::string& host, int port);
+  Relay(std::string host, int port);
   ~Relay();
   Relay(const Relay&) = delete;
   Relay& operator=(const Relay&) = delete;

@@ -71,7 +71,10 @@ base_commit() {
 
 # Of the files that are named on standard input, those that the native build in $1 compiles.
 compiled_files() {
-  grep -oP '"file": "\K[^"]+' "$1/compile_commands.json" | sed "s|^$kxRoot/||" | LC_ALL=C sort -u | LC_ALL=C comm -12 - <(LC_ALL=C sort -u)
+  local names
+  names=$(LC_ALL=C sort -u)  # read here: a process substitution within the pipeline would read the pipe
+  grep -oP '"file": "\K[^"]+' "$1/compile_commands.json" | sed "s|^$kxRoot/||" | LC_ALL=C sort -u |
+    LC_ALL=C comm -12 - <(printf '%s\n' "$names")
 }
 
 check_tidy() {
