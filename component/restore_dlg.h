@@ -24,7 +24,7 @@ class FormProvider {
   // The form, created at the first call; creating does not load it.
   virtual dialog::frmRestore& Form() = 0;
   // Carries out a change of the form's parameters; a provider that several threads use may defer it.
-  virtual void ApplySetting(std::function<void()> change) { change(); }
+  virtual void ApplySetting(const std::function<void()>& change) { change(); }
 };
 
 // Single-threaded. No member throws: a failing step is skipped and the next one runs.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "base/text.h"
 
@@ -49,7 +50,7 @@ bool ListFilter::IsOpen() const {
                                    to == kMax && minSize == kMin && maxSize == kMax && !setId);
 }
 
-ListMatcher::ListMatcher(const ListFilter& filter) : m_filter(filter) {
+ListMatcher::ListMatcher(ListFilter filter) : m_filter(std::move(filter)) {
   ForEachPiece(m_filter.words, ' ', [this](std::string_view text) {
     Word word;
     ForEachPiece(text, '*', [&](std::string_view piece) { word.pieces.push_back(FoldCase(piece)); });

@@ -29,7 +29,7 @@ struct ListFilter {
 // A filter prepared for matching many entries.
 class ListMatcher {
  public:
-  explicit ListMatcher(const ListFilter& filter);
+  explicit ListMatcher(ListFilter filter);
 
   // Whether a name contains all the words. `ascii`: it is ASCII throughout, which is quicker to match.
   bool MatchesName(std::string_view name, bool ascii) const;

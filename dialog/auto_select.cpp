@@ -20,7 +20,7 @@ AutoSelectPanel::AutoSelectPanel(FormContext& context, SetTree& setTree, Restore
   // The counts follow once the form is idle.
   const auto chosen = [this] { m_context.Event("optLookIn.Click", [] {}); };
   m_context.ui.chk2.Click = m_context.ui.optLookIn[2].Click = m_context.ui.optLookIn[3].Click = chosen;
-  m_context.whenIdle.push_back([this] { CountWhereDue(); });
+  m_context.whenIdle.emplace_back([this] { CountWhereDue(); });
 }
 
 bool AutoSelectPanel::LoadTypes() {

@@ -124,7 +124,7 @@ bool CdArchive::IsArchiveDisc(const std::string& drive) {
   return found;
 }
 
-void CdArchive::ShowMessage(std::string message) {
+void CdArchive::ShowMessage(const std::string& message) {
   controls::Label& label = m_context.ui.lblCD[2];
   label.SetCaption(message);
   label.SetVisible(true);
@@ -136,9 +136,9 @@ void CdArchive::cmdCD_Click() {
   const std::string disc = m_context.platform.drives.FirstFile(m_context.ui.DriveCD.Drive() + kDiscFiles);
   if (disc.empty()) return ShowMessage(kNoBackupData);
 
-  const auto nothingAdded = [this](std::string message) {
+  const auto nothingAdded = [this](const std::string& message) {
     m_context.ui.ProgressBar1.SetValue(0);
-    ShowMessage(std::move(message));
+    ShowMessage(message);
   };
   std::size_t added = 0;
   bool complete = false, stopped = true;

@@ -36,7 +36,7 @@ class CdArchive {
   controls::Node NodeUnder(controls::Node parent, const std::string& key, const std::string& text);
   bool Append(const std::string& disc, std::size_t& added);
   void ShowBranchAnew();
-  void ShowMessage(std::string message);
+  void ShowMessage(const std::string& message);
 
   FormContext& m_context;
   controls::Node m_branch;   // "Archive Sets"

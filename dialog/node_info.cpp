@@ -42,10 +42,11 @@ std::string PathOf(controls::Node node) {
   for (controls::Node part = node; part; part = part.Parent()) parts.push_back(part.Text());
   if (!node.HasChildren() && parts.size() > 1 && node.Text() == Say(Phrase::kThisFolder))
     parts.erase(parts.begin());
+  std::reverse(parts.begin(), parts.end());
   std::string path;
-  for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
+  for (const std::string_view part : parts) {
     if (!path.empty() && !path.ends_with('\\')) path += '\\';
-    path += *part;
+    path += part;
   }
   return path;
 }

@@ -1,6 +1,7 @@
 #include "dialog/sizes.h"
 
 #include <array>
+#include <cmath>
 
 #include "base/phrases.h"
 
@@ -17,8 +18,8 @@ std::string SizeInPeoplesUnits(const platform::Regional& regional, std::int64_t 
     size /= kStep;
     ++unit;
   }
-  const auto tenths = static_cast<std::int64_t>(size * 10 + 0.5);
-  std::string number = regional.Grouped(tenths >= 100 ? static_cast<std::int64_t>(size + 0.5) : tenths / 10);
+  const auto tenths = std::llround(size * 10);
+  std::string number = regional.Grouped(tenths >= 100 ? std::llround(size) : tenths / 10);
   if (tenths < 100 && tenths % 10 != 0) number += regional.DecimalPoint() + std::to_string(tenths % 10);
   return Say(kUnits[unit], {number});
 }

@@ -12,7 +12,8 @@ namespace kxrestore::engine {
 struct DateTime {
   std::int16_t year = 0;
   std::int8_t month = 0, day = 0, hour = 0, minute = 0, second = 0;
-  friend auto operator<=>(const DateTime&, const DateTime&) = default;
+  // clang-tidy 14 takes the comparisons of a defaulted operator for null pointers.
+  friend auto operator<=>(const DateTime&, const DateTime&) = default;  // NOLINT(modernize-use-nullptr)
 };
 
 // Null, Boolean, integer, floating point, text, date. A ValueView's text belongs to the recordset and is

@@ -1,7 +1,5 @@
 #include "component/com/shared_form.h"
 
-#include <utility>
-
 namespace kxrestore::component::com {
 
 dialog::frmRestore& SharedForm::Form() {
@@ -9,10 +7,10 @@ dialog::frmRestore& SharedForm::Form() {
   return m_form->Form();
 }
 
-void SharedForm::ApplySetting(std::function<void()> change) {
+void SharedForm::ApplySetting(const std::function<void()>& change) {
   const std::lock_guard lock(m_mutex);
   if (m_running && m_owner != std::this_thread::get_id()) {
-    m_waiting.push_back(std::move(change));
+    m_waiting.push_back(change);
   } else {
     change();
   }

@@ -25,7 +25,7 @@ class SharedForm final : public FormProvider {
   dialog::frmRestore& Form() override;
 
   // Carries out a change, now or after the running dialog. It must not run a dialog.
-  void ApplySetting(std::function<void()> change) override;
+  void ApplySetting(const std::function<void()>& change) override;
 
   // Runs a dialog and returns its result; 0 at once when one is running.
   [[nodiscard]] std::int16_t Run(const std::function<std::int16_t()>& dialog);

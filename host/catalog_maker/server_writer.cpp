@@ -30,7 +30,7 @@ engine::jet_sql::PrintedSql WithParameters(std::string_view sql) {
   using engine::jet_sql::PrintedSql;
   PrintedSql result;
   std::int64_t count = 0;
-  for (std::size_t mark; (mark = sql.find('?')) != sql.npos; sql.remove_prefix(mark + 1)) {
+  for (std::size_t mark; (mark = sql.find('?')) != std::string_view::npos; sql.remove_prefix(mark + 1)) {
     result += sql.substr(0, mark);
     result += PrintedSql::Parameter(++count);
   }

@@ -28,7 +28,7 @@ std::string PrintedSql::TextWithNumbers() const {
 
 PrintedSql Filled(std::string_view words, const PrintedSql* arguments) {
   PrintedSql text;
-  for (std::size_t sign; (sign = words.find('$')) != words.npos; words.remove_prefix(sign + 2)) {
+  for (std::size_t sign; (sign = words.find('$')) != std::string_view::npos; words.remove_prefix(sign + 2)) {
     text += words.substr(0, sign);
     text += arguments[words[sign + 1] - '1'];
   }

@@ -33,7 +33,7 @@ void AppendList(std::vector<MaskElement>& elements, std::string_view list) {
 }
 
 void Append(std::string& text, char32_t character, std::string_view escaped) {
-  if (character < 0x80 && escaped.find(static_cast<char>(character)) != escaped.npos) text += '\\';
+  if (character < 0x80 && escaped.find(static_cast<char>(character)) != std::string_view::npos) text += '\\';
   AppendCharacter(text, character);
 }
 
