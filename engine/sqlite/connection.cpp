@@ -53,10 +53,8 @@ Connection::Connection(std::string file, bool exclusive, std::shared_ptr<Waiter>
       Execute(sql, Doing::kOpening);
     }
   }
-  // Reads the first page and the schema, so that a damaged or locked file is reported now.
-  Statement probe = Prepare("SELECT 1 FROM sqlite_schema", Doing::kOpening);
-  const Outcome outcome = probe.Step(Stop::kWork);
-  if (!outcome.IsRow() && !outcome.IsDone()) Raise(outcome.Code(), Doing::kOpening);
+  // Preparing reads the first page and the schema, so that a damaged or locked file is reported now.
+  Prepare("SELECT 1 FROM sqlite_schema", Doing::kOpening);
 }
 
 void Connection::Secure() {

@@ -154,10 +154,7 @@ void Session::CommitTransaction() {
   Settle();
   NeedTransaction();
   const Outcome outcome = TryCommit(true);
-  if (!outcome.IsOk()) {
-    if (!outcome.IsBusy()) RollBack();
-    m_connection.Raise(outcome.Code(), Doing::kWriting);
-  }
+  m_connection.Check(outcome, Doing::kWriting);
   m_transactionOwner = nullptr;
 }
 

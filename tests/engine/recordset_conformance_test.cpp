@@ -241,6 +241,9 @@ TEST_P(RecordsetConformance, RowsThatCannotBeChanged) {
       dynaset->Fields("Restore").Set(true);
     });
   }
+  const auto highest =
+      m_database->OpenRecordset("SELECT Max(ID) AS Highest FROM Catalog", RecordsetType::kDynaset);
+  ExpectError(error_number::kReadOnly, "", [&] { highest->Edit(); });
   const auto snapshot = m_database->OpenRecordset("SELECT Restore FROM Catalog", RecordsetType::kSnapshot);
   ExpectError(error_number::kReadOnly, "", [&] { snapshot->Edit(); });
   const auto mixed = m_database->OpenRecordset(

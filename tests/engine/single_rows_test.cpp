@@ -124,10 +124,19 @@ TEST_P(SingleRows, NecessaryGroupsStay) {
   EXPECT_EQ(Listed("").size(), 5u);
   ExpectSameListings();
 
-  Make(kKey, "TEXT", "INTEGER");
-  m_test->Run("INSERT INTO SetNames VALUES (1, 'one')");
-  EXPECT_EQ(Listed("").size(), 4u);
-  ExpectSameListings();
+  for (const bool text : {false, true}) {
+    if (text && IsPostgres()) break;  // there a text never equals a number
+    Make(kKey, "TEXT", text ? "TEXT PRIMARY KEY" : "INTEGER");
+    m_test->Run(std::string("INSERT INTO SetNames VALUES (") + (text ? "'01'" : "1") + ", 'one')");
+    EXPECT_EQ(Listed("").size(), 4u);
+    ExpectSameListings();
+  }
+  if (!IsPostgres()) {
+    m_test->Run(
+        "DROP TABLE SetNames; CREATE TABLE SetNames (ID INTEGER, Name TEXT, PRIMARY KEY (ID, Name)); "
+        "INSERT INTO SetNames VALUES (1, 'one'), (1, 'uno')");
+    EXPECT_EQ(Listed("").size(), 4u);
+  }
 
   // The inner query has other groups than the outer one, or none.
   Make(kKey, "TEXT", kKey);

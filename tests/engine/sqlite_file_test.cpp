@@ -6,6 +6,7 @@
 #include <unistd.h>
 #endif
 
+#include "engine/sqlite/sqlite_backend.h"
 #include "tests/engine/test_databases.h"
 
 namespace kxrestore::engine::testing {
@@ -44,6 +45,9 @@ TEST_F(SqliteFile, OtherFilesAreRefused) {
   }
   const std::string missing = m_folder.File("missing.db");
   ExpectError(error_number::kFileNotFound, "missing.db", [&] { Open(missing); });
+  // Deleted between the look at the file and its opening.
+  ExpectError(error_number::kCannotOpen, "missing.db",
+              [&] { sqlite::MakeSqliteBackend()->Open({.name = missing}); });
   EXPECT_FALSE(std::filesystem::exists(PathOf(missing))) << "opening creates nothing";
   ExpectError(error_number::kFileNotFound, "", [&] { Open(""); });
   ExpectError(error_number::kFileNotFound, ":memory:", [&] { Open(":memory:"); });
@@ -58,8 +62,11 @@ TEST_F(SqliteFile, DamageIsReported) {
   m_test->Run(ManyRows(100, 3000));
   std::string content = ReadBytes(m_catalog);
   ASSERT_GT(content.size(), 100000u);
+  m_workspace->BeginAction();
+  Open(m_catalog);  // its connection is kept until the end of the action
   const std::string cut = Write("cut.db", std::string_view(content).substr(0, content.size() / 2));
   ExpectError(error_number::kDamaged, "cut.db", [&] { Rows(*Open(cut), "SELECT Filename FROM Catalog"); });
+  m_workspace->EndAction();
   for (std::size_t i = 40000; i < 90000; ++i) content[i] = static_cast<char>(i * 37);
   const std::string damaged = Write("scratched.db", content);
   ExpectError(error_number::kDamaged, "scratched.db",
@@ -172,6 +179,12 @@ TEST_F(SqliteFile, LeftoverJournalsAreNamed) {
   ExpectError(error_number::kCannotOpen, "in the log '" + logged + "-wal'", [&] { Open(logged); });
   ExpectError(error_number::kCannotOpen, "write-ahead mode (WAL)", [&] { Open(clean); });
 }
+
+TEST_F(SqliteFile, ALogThatIsCutOffIsDamage) {
+  m_test->Run("PRAGMA journal_mode = WAL; UPDATE SetNames SET Name = 'x'");
+  std::filesystem::resize_file(PathOf(m_catalog + "-wal"), 100);
+  ExpectError(error_number::kDamaged, "catälog.db", [&] { Rows(*Open(m_catalog), "SetNames"); });
+}
 #endif
 
 // A catalog may come from anywhere, so its views, triggers and columns may only read and compute.
@@ -181,6 +194,7 @@ TEST_F(SqliteFile, ViewsAndTriggersOnlyReadAndCompute) {
       "CREATE VIEW Words AS SELECT fts3_tokenizer('simple') AS ID;"
       "CREATE VIEW Pages AS SELECT name AS ID FROM pragma_database_list;"
       "CREATE VIEW Huge AS SELECT length(zeroblob(900000000)) AS ID;"
+      "CREATE VIEW Orphan AS SELECT ID FROM Gone;"
       "CREATE VIEW Masks AS SELECT ID FROM Catalog WHERE kx_like(Filename, '*a.DOC');"
       "CREATE TABLE Log (ID INTEGER, Twice INTEGER AS (ID * 2));"
       "CREATE TRIGGER Spreads AFTER UPDATE ON Catalog WHEN new.ID = 1 BEGIN UPDATE Catalog SET Restore = 1; "
@@ -191,6 +205,7 @@ TEST_F(SqliteFile, ViewsAndTriggersOnlyReadAndCompute) {
   for (const char* view : {"Loader", "Words", "Pages", "Huge"}) {
     EXPECT_THROW(Rows(*database, view), Error) << view;
   }
+  ExpectError(error_number::kTableNotFound, "'Gone'", [&] { Rows(*database, "Orphan"); });
   EXPECT_EQ(Rows(*database, "Masks").size(), 2u) << "saved queries may use masks";
   EXPECT_EQ(database->Execute("INSERT INTO Log (ID) VALUES (4)", kFailOnError), 1);
   EXPECT_EQ(Rows(*database, "Log"), Strings{"4|8"});
@@ -209,8 +224,13 @@ TEST_F(SqliteFile, CellsAreChecked) {
   const int size = std::stoi(m_test->Ask("PRAGMA page_size"));
   std::string content = ReadBytes(m_catalog);
   char* const cells = content.data() + static_cast<std::ptrdiff_t>(page - 1) * size + 8;
-  cells[0] = '\x0F';  // the first cell starts in the last bytes of the page and would end after it
-  cells[1] = '\xFE';
+  // The third cell starts in the second byte of its own pointer, but is otherwise whole: 13 bytes, row 3, a
+  // header of 3 bytes, NULL, and a text of 10 bytes.
+  const std::string_view cell(
+      "\0\x0D\3\3\0\x21"
+      "overlapped",
+      16);
+  std::copy(cell.begin(), cell.end(), cells + 4);
   const std::string file = Write("cells.db", content);
   ExpectError(error_number::kDamaged, "cells.db", [&] { Rows(*Open(file), "SetNames"); });
 }
