@@ -63,7 +63,14 @@ TEST_F(FormTest, EachLoadStartsAsDesignedWithTheParametersAndIsLogged) {
   EXPECT_EQ(form.parameters.Action(), " ");
   form.parameters.curAction = "";
   EXPECT_EQ(form.parameters.Action(), "restore");
-  for (const std::string text : {"abc", ""}) EXPECT_EQ(form.StripNulls(text + '\0' + "def"), text);
+  for (const std::string text : {"abc", ""}) {
+    EXPECT_EQ(form.StripNulls(text + '\0' + "def"), text);
+    form.setWindowCaption(text);
+    form.setButtonCaption(text);
+    form.setLabelCaption(text);
+    for (const auto& caption : {ui().form.Caption(), ui().cmdRestore[0].Caption(), ui().lblList.Caption()})
+      EXPECT_EQ(caption, text) << "an empty caption applies, too";
+  }
 }
 
 TEST_F(FormTest, IconComesFromTheClientFolder) {
