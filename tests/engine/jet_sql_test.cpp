@@ -165,7 +165,8 @@ TEST(Sql, PrintsWithItsValues) {
   sql.Add("SELECT a FROM t WHERE x=").AddRawText("a'\x01b").Add(" AND y=").AddNumber(1);
   EXPECT_EQ(sql.Values().size(), 1u) << "a text with an apostrophe is not a value";
   ExpectError(error_number::kSyntax, "", [&] { Parse(sql.Text(), sql.Values().size()); });
-  ExpectError(error_number::kSyntax, "", [] { Parse("SELECT a FROM t WHERE x = \x01"); });
+  for (const char* text : {"SELECT a FROM t WHERE x = \x01", "SELECT a FROM t WHERE x = '\x01'"})
+    ExpectError(error_number::kSyntax, "", [&] { Parse(text); });
   ExpectError(error_number::kSyntax, "", [] { Parse("SELECT a FROM t WHERE x = \x01 AND y = \x01", 1); });
 }
 

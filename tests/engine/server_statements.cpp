@@ -68,6 +68,7 @@ class CatalogOnServer final : public jet_sql::Relations, public jet_sql::TableFa
     }
     m_relations.push_back(
         {"FullCatalog", false, Columns(std::string(kCatalogColumns) + " SetName:text"), {}});
+    m_relations.push_back({"Circle", false, {}, "SELECT ID FROM Circle;"});
     // The queries that this component saves have only a text.
     for (const auto& [name, text] : ServerStatements()) {
       if (!name.empty() && name != "FullCatalog") m_relations.push_back({name, false, {}, text});
