@@ -65,7 +65,8 @@ class SingleRows : public ::testing::TestWithParam<TestDatabaseKind> {
           " WHERE ((Latest.SetNameID = 2) AND (Latest.OrigName Like \"*.*\") AND (Latest.Status = 2) ) ",
           " WHERE (Latest.OrigName Like \"c*\" OR Latest.SetNameID = 1)", " WHERE Latest.SetName Is Null",
           " WHERE Latest.DateStamp < '2026-02-15' AND Not (Latest.OrigName = 'b.doc')",
-          " WHERE Latest.OrigName Is Null", " AS L WHERE L.ID In (3, 6) AND DateStamp <> ''"}) {
+          " WHERE Latest.OrigName Is Null", " WHERE Latest.SetName Like \"tw*\"",
+          " AS L WHERE L.ID In (3, 6) AND DateStamp <> ''"}) {
       Listed(conditions);
     }
   }
