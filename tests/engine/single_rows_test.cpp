@@ -133,6 +133,7 @@ TEST_P(SingleRows, NecessaryGroupsStay) {
     ExpectSameListings();
   }
   if (!IsPostgres()) {
+    Make(kKey, "TEXT", "INTEGER");
     m_test->Run(
         "DROP TABLE SetNames; CREATE TABLE SetNames (ID INTEGER, Name TEXT, PRIMARY KEY (ID, Name)); "
         "INSERT INTO SetNames VALUES (1, 'one'), (1, 'uno')");
