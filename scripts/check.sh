@@ -4,8 +4,8 @@
 # - clang-format on all C++ files;
 # - shellcheck on all scripts;
 # - clang-tidy on the C++ files of the product that differ from BASE (default: where this branch left main, or on main
-#   the commit before), with --all on every one, which takes ten minutes. It needs a native build, and sees no file that
-#   is compiled for Windows alone;
+#   the commit before), or whose header does, with --all on every one, which takes ten minutes. It needs a native build,
+#   and sees no file that is compiled for Windows alone;
 # - the one-line changes of scripts/mutants/ fit the sources.
 #
 # The last line is `N passed, N failed`, one for each of the four.
@@ -91,9 +91,9 @@ check_tidy() {
     commit=$(base_commit)
     [[ -n $commit ]] || return 0
     mapfile -t changed < <({
-      git diff --name-only --diff-filter=d "$commit" -- '*.cpp'
-      git ls-files --others --exclude-standard -- '*.cpp'
-    } | grep -v '^tests/' | compiled_files "$build")
+      git diff --name-only --diff-filter=d "$commit" -- '*.cpp' '*.h'
+      git ls-files --others --exclude-standard -- '*.cpp' '*.h'
+    } | grep -v '^tests/' | sed 's/\.h$/.cpp/' | compiled_files "$build")
     if [[ ${#changed[@]} -gt $kTidyMost ]]; then
       warn "${#changed[@]} changed files; clang-tidy takes the first $kTidyMost (scripts/check.sh --all takes all)"
       changed=("${changed[@]:0:$kTidyMost}")
