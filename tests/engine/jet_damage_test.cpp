@@ -44,17 +44,29 @@ TEST(DesktopDamage, IsReportedWithItsPlace) {
               [&] { workspace->OpenDatabase({.name = DesktopSample("truncated-2003.mdb")}); });
 }
 
-TEST(DesktopDamage, OfADataPageIsNotReadAsRows) {
+TEST(DesktopDamage, OfDataPagesIsNotReadAsRows) {
   constexpr std::size_t kPage = 91 * 4096, kTable = kPage + 4, kFirstRow = kPage + 14;
-  const SampleCopy copy("telling-2003.mdb");
-  const auto workspace = MakeReaderWorkspace();
-  copy.Change([](std::string& bytes) { bytes[kTable] ^= 1; });
-  ExpectError(error_number::kDamaged, "page 91 is not of the table 'Catalog'",
-              [&] { Rows(*workspace->OpenDatabase(copy.Request()), "Catalog"); });
-  // The first row begins where the page stores the places of its rows.
-  copy.Change([](std::string& bytes) { bytes.replace(kFirstRow, 2, std::string_view("\x10\0", 2)); });
-  ExpectError(error_number::kDamaged, "row 0 of page 91",
-              [&] { Rows(*workspace->OpenDatabase(copy.Request()), "Catalog"); });
+  constexpr std::size_t kNextPiece = 0x998F5;  // where a piece of a memo names the page of the next one
+  const struct {
+    const char* name;
+    std::size_t place;
+    std::string_view changed;
+    const char* piece;
+  } cases[] = {
+      {"telling-2003.mdb", kPage, "\x02", "page 91 is of type 2"},
+      {"telling-2003.mdb", kTable, "\x7F", "page 91 is not of the table 'Catalog'"},
+      // The first row begins where the page stores the places of its rows.
+      {"telling-2003.mdb", kFirstRow, {"\x10\0", 2}, "row 0 of page 91"},
+      {"made-2003.mdb", kNextPiece, {"\0", 1}, "a long value ends before its length"},
+  };
+  for (const auto& [name, place, changed, piece] : cases) {
+    const SampleCopy copy(name);
+    copy.Change(
+        [&, at = place, with = changed](std::string& bytes) { bytes.replace(at, with.size(), with); });
+    const auto workspace = MakeReaderWorkspace();
+    ExpectError(error_number::kDamaged, piece,
+                [&] { Rows(*workspace->OpenDatabase(copy.Request()), "Catalog"); });
+  }
 }
 
 TEST(DesktopDamage, OfADefinitionThatTwoTablesClaim) {

@@ -1,9 +1,12 @@
 // Reading files of the desktop engine without that engine. A sample has the same rows as its twin, a SQLite
 // file that was made from it.
+#include <sqlite3.h>
+
 #include <algorithm>
 #include <fstream>
 
 #include "engine/jet_file/decode.h"
+#include "engine/jet_file/virtual_table.h"
 #include "tests/engine/desktop_samples.h"
 #include "tests/engine/server_statements.h"
 
@@ -52,6 +55,14 @@ TEST(DesktopFile, Of1997) {
   for (std::string line; std::getline(expected, line);) rows.push_back(line);
   EXPECT_EQ(Rows(*made, "Table2"), rows);
   EXPECT_EQ(rows.size(), 4u);
+  // A column whose name has a letter beyond ASCII, and a map of pages that begins with page 24 instead of 0.
+  const SampleCopy copy("sample-1997.mdb");
+  copy.Change([](std::string& bytes) {
+    bytes[0xE8DE] = '\xC6';
+    bytes.replace(0xF77C, 8, std::string_view("\x18\0\0\0\x80\0\0\0", 8));
+  });
+  EXPECT_EQ(Rows(*workspace->OpenDatabase(copy.Request()), "SELECT [Æ] FROM Table1"),
+            (Strings{"a", "abcdefg"}));
 }
 
 TEST(DesktopFile, TextsOf1997HaveACodePage) {
@@ -118,6 +129,62 @@ TEST(DesktopFile, ValuesOfEveryType) {
     std::string buffer;
     EXPECT_EQ(ToText(jet_file::DecodeColumn(table, found, column, buffer)), text) << static_cast<int>(type);
   }
+}
+
+// Rows whose two variable columns need care.
+TEST(DesktopFile, ColumnsOfUnusualRows) {
+  const jet_file::Column columns[] = {{.number = 0, .variableIndex = 0}, {.number = 1, .variableIndex = 1}};
+  const std::string path = "x.mdb", wide(249, 'b');
+  const struct {
+    bool jet3;
+    std::string bytes;
+    std::optional<std::string> second;
+  } cases[] = {
+      // A row of 1997 with more than 256 bytes whose values end before them: its jump, 0, is a filler.
+      {true, "\2a" + wide + std::string("\xFB\2\1\0\2\3", 6), wide},
+      // A row with only one variable column, stored before the second one was made.
+      {false, std::string("\2\0a\3\0\2\0\1\0\3", 10), std::nullopt},
+  };
+  for (const auto& [jet3, bytes, second] : cases) {
+    jet_file::TableDefinition definition;
+    definition.variableColumns = 2;
+    const jet_file::Row row({.jet3 = jet3}, definition,
+                            {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), &path});
+    EXPECT_EQ(row.Stored(columns[0])->Text(), "a");
+    const auto stored = row.Stored(columns[1]);
+    EXPECT_EQ(stored ? std::optional<std::string>(stored->Text()) : std::nullopt, second);
+  }
+}
+
+// The first search by some columns reads the whole table; without an index every later one would, too.
+TEST(DesktopFile, SearchesByTheSameColumnsUseAnIndex) {
+  jet_file::JetFile file(DesktopSample("telling-2003.mdb"));
+  jet_file::Marks marks(file, [](bool) { return false; });
+  jet_file::TableServer server{file, marks};
+  const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection(
+      [] {
+        sqlite3* opened = nullptr;
+        sqlite3_open(":memory:", &opened);
+        return opened;
+      }(),
+      sqlite3_close);
+  jet_file::AttachTables(connection.get(), server);
+  for (const bool indexed : {false, true, true}) {
+    EXPECT_EQ(
+        sqlite3_exec(connection.get(), "SELECT * FROM Catalog WHERE Filename = 'x' AND Extension = '001'",
+                     nullptr, nullptr, nullptr),
+        SQLITE_OK);
+    ASSERT_EQ(server.lookUps.size(), 1u);
+    EXPECT_EQ(server.lookUps.begin()->second.index != nullptr, indexed);
+  }
+}
+
+TEST(DesktopFile, SearchesFollowTheirCollation) {
+  const auto workspace = MakeReaderWorkspace();
+  const auto database = workspace->OpenDatabase({.name = DesktopSample("telling-2003.mdb")});
+  const std::string where = "SELECT Name FROM SetNames WHERE Name = 'daily documents'";
+  EXPECT_TRUE(Rows(*database, where).empty());
+  EXPECT_EQ(Rows(*database, where + " COLLATE NOCASE"), Strings{"Daily Documents"});
 }
 
 }  // namespace

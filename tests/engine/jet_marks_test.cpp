@@ -161,6 +161,20 @@ TEST_F(DesktopMarks, SavedQueriesLiveBesideTheFile) {
   EXPECT_TRUE(copy.Changed().empty());
 }
 
+TEST_F(DesktopMarks, OfAnExclusiveFileLeaveTheRowsOfARecordsetValid) {
+  const SampleCopy copy("telling-2003.mdb");
+  // Makes sure that the file's time shows the writing.
+  std::filesystem::last_write_time(copy.Path(),
+                                   std::filesystem::last_write_time(copy.Path()) - std::chrono::hours(1));
+  const auto database = m_workspace->OpenDatabase({.name = copy.Path(), .exclusive = true});
+  const auto rows =
+      database->OpenRecordset("SELECT ID, Restore FROM Catalog WHERE ID < 1004", RecordsetType::kDynaset);
+  for (std::size_t marked = 1; !rows->Eof(); rows->MoveNext(), ++marked) {
+    Change(*rows, "Restore", true);
+    EXPECT_EQ(Marked(*database).size(), marked);
+  }
+}
+
 #ifndef _WIN32
 // Locks one byte of a file, as another program that has the file open does.
 class OtherProgramsLock {
@@ -249,6 +263,23 @@ TEST_F(DesktopMarks, AreRefusedOnAPageThatHasChanged) {
   EXPECT_EQ(copy.Changed().size(), 1u);
   Mark(*database, 1008);
   EXPECT_EQ(Marked(*database), (Strings{"1007", "1008"}));
+}
+
+// A statement that fails at page 91 takes back what it has changed on the pages before, and nothing else.
+TEST_F(DesktopMarks, OfAStatementThatFailsAreTakenBack) {
+  const SampleCopy copy("telling-2003.mdb");
+  const auto database = m_workspace->OpenDatabase(copy.Request());
+  database->BeginTrans();
+  Mark(*database, 1001);
+  EXPECT_EQ(Marked(*database), Strings{"1001"});
+  const auto time = std::filesystem::last_write_time(copy.Path());
+  copy.Change([](std::string& bytes) { bytes[91 * 4096 + 0x80] ^= 1; });
+  std::filesystem::last_write_time(copy.Path(), time);
+  ExpectError(error_number::kDataHasChanged, "page 91",
+              [&] { database->Execute("UPDATE Catalog SET Restore = Not Restore", kFailOnError); });
+  EXPECT_EQ(Marked(*database), Strings{"1001"});
+  database->CommitTrans();
+  EXPECT_EQ(copy.Changed().size(), 2u);
 }
 
 // mdbtools, an independent reader, finds the same rows marked.
