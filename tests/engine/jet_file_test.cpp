@@ -131,7 +131,7 @@ TEST(DesktopFile, ValuesOfEveryType) {
   }
 }
 
-// Rows whose two variable columns need care.
+// Rows of two variable columns whose stored offsets are not all in use.
 TEST(DesktopFile, ColumnsOfUnusualRows) {
   const jet_file::Column columns[] = {{.number = 0, .variableIndex = 0}, {.number = 1, .variableIndex = 1}};
   const std::string path = "x.mdb", wide(249, 'b');
@@ -142,7 +142,7 @@ TEST(DesktopFile, ColumnsOfUnusualRows) {
   } cases[] = {
       // A row of 1997 with more than 256 bytes whose values end before them: its jump, 0, is a filler.
       {true, "\2a" + wide + std::string("\xFB\2\1\0\2\3", 6), wide},
-      // A row with only one variable column, stored before the second one was made.
+      // A row from before the second column was made: it has the column's bit, but no offset for it.
       {false, std::string("\2\0a\3\0\2\0\1\0\3", 10), std::nullopt},
   };
   for (const auto& [jet3, bytes, second] : cases) {
