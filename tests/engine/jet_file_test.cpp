@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "engine/jet_file/decode.h"
+#include "engine/jet_file/query_text.h"
 #include "engine/jet_file/virtual_table.h"
 #include "tests/engine/desktop_samples.h"
 #include "tests/engine/server_statements.h"
@@ -25,6 +26,10 @@ TEST_P(DesktopSamples, HaveTheRowsOfTheirTwins) {
   ExpectSameCatalog(*m_database, *m_twin);
   const char* const sums = "SELECT Count(*), Sum(ID), Max(DateStamp) FROM Catalog";
   EXPECT_EQ(Rows(*m_database, sums), Rows(*m_twin, sums));
+  const std::string id = Rows(*m_twin, "SELECT Min(ID) FROM Catalog").front();
+  EXPECT_EQ(Rows(*m_database, "SELECT ID FROM Catalog WHERE ID = " + id + " / 1"), Strings{id})
+      << "a floating-point number may equal a whole one";
+  ExpectError(error_number::kTableNotFound, "MSysObjects", [&] { Rows(*m_database, "MSysObjects"); });
 }
 
 TEST_P(DesktopSamples, AnswerWhatThePanelsAsk) {
@@ -83,6 +88,20 @@ TEST(DesktopFile, TextsOf1997HaveACodePage) {
         decoded, {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), &file});
     EXPECT_EQ(decoded, text) << page;
   }
+}
+
+TEST(DesktopFile, SavedQueriesAreBuiltFromTheirLines) {
+  const jet_file::QueryLine lines[] = {
+      {.attribute = 5, .name1 = "a b", .name2 = "Order"},
+      {.attribute = 5, .name1 = "u"},
+      {.attribute = 6, .name1 = "1st", .expression = "u.x"},
+      {.attribute = 7, .flag = 2, .name1 = "u", .name2 = "order", .expression = "u.x = 1"},
+      {.attribute = 7, .flag = 2, .name1 = "u", .name2 = "order", .expression = "u.y = 2"},
+      {.attribute = 11, .name1 = "D", .expression = "u.x"},
+      {.attribute = 11, .expression = "u.y"}};
+  EXPECT_EQ(jet_file::BuildQueryText("q", lines),
+            "SELECT u.x AS [1st] FROM u LEFT JOIN [a b] AS [Order] ON (u.x = 1) AND (u.y = 2) ORDER BY u.x "
+            "DESC, u.y;");
 }
 
 // Decodes a row of one fixed column as each type.

@@ -218,6 +218,12 @@ TEST_P(RecordsetConformance, DynasetWritesRows) {
   dynaset->MoveNext();
   EXPECT_TRUE(dynaset->Eof());
   ExpectError(error_number::kNoCurrentRecord, "", [&] { dynaset->Edit(); });
+
+  const auto all = m_database->OpenRecordset("SELECT Restore FROM Catalog", RecordsetType::kDynaset);
+  all->Edit();
+  all->Fields("Restore").Set(true);
+  all->MoveNext();
+  ExpectError(error_number::kUpdateWithoutEdit, "", [&] { all->Update(); });
 }
 
 // An update of the column by which the rows are searched must not move a row ahead of the dynaset.

@@ -50,6 +50,7 @@ TEST_F(SqliteFile, OtherFilesAreRefused) {
               [&] { sqlite::MakeSqliteBackend()->Open({.name = missing}); });
   EXPECT_FALSE(std::filesystem::exists(PathOf(missing))) << "opening creates nothing";
   ExpectError(error_number::kFileNotFound, "", [&] { Open(""); });
+  ExpectError(error_number::kFileNotFound, "catälog.db'", [&] { Open(m_catalog + '\0' + "x"); });
   ExpectError(error_number::kFileNotFound, ":memory:", [&] { Open(":memory:"); });
   ExpectError(error_number::kCannotOpen, "", [&] { Open(m_folder.File("")); });
   ExpectError(error_number::kOdbcConnectionFailed, "", [&] {
@@ -71,6 +72,12 @@ TEST_F(SqliteFile, DamageIsReported) {
   const std::string damaged = Write("scratched.db", content);
   ExpectError(error_number::kDamaged, "scratched.db",
               [&] { Rows(*Open(damaged), "SELECT Filename FROM Catalog"); });
+  const auto database = Open(damaged);
+  const auto rows = database->OpenRecordset("SELECT Filename FROM Catalog", RecordsetType::kSnapshot);
+  database->Execute("UPDATE SetNames SET Name = 'x' WHERE ID = 1");  // reads the rest of the list first
+  ExpectError(error_number::kDamaged, "scratched.db", [&] {
+    while (!rows->Eof()) rows->MoveNext();
+  });
   ExpectError(error_number::kDamaged, "scratched.db", [&] {
     Open(damaged)->Execute("UPDATE Catalog SET Restore = True WHERE Filename Like '*2999'");
   });
@@ -84,6 +91,18 @@ TEST_F(SqliteFile, OpeningAndReadingChangesNothing) {
   m_workspace->EndAction();
   EXPECT_EQ(ReadBytes(m_catalog), before);
   EXPECT_EQ(std::filesystem::last_write_time(PathOf(m_catalog)), written);
+  // The next action looks at the file anew.
+  const std::string other = Write("other.db", before);
+  for (const bool replaced : {false, true}) {
+    if (replaced) WriteBytes(other, "text");
+    m_workspace->BeginAction();
+    if (replaced) {
+      ExpectError(error_number::kUnrecognizedFormat, "other.db", [&] { Open(other); });
+    } else {
+      Open(other);
+    }
+    m_workspace->EndAction();
+  }
 }
 
 TEST_F(SqliteFile, LocksOfOthersAreReported) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/jet_sql/reading/date_literal.h"
+#include "engine/row_store.h"
 #include "tests/raises.h"
 
 namespace kxrestore::engine {
@@ -56,6 +57,19 @@ TEST(Value, ReadsDates) {
                {"3:04", "1899-12-30 03:04:00"}},
               {"", "13/1/2026", "2/30/2026", "1/2", "1/2/2026 25:00", "1/2/2026 13:00 PM", "x", "1/2/2026 3",
                "1/2/2026 3:04 PM x", "99999/1/1"});
+}
+
+TEST(RowStore, ADroppedRowLeavesNothing) {
+  RowStore rows;
+  for (const bool dropped : {true, false}) {
+    rows.BeginRow();
+    rows.Append(dropped);
+    if (dropped) rows.DropRow();
+  }
+  std::vector<ValueView> values;
+  ASSERT_TRUE(rows.Next(values, 1));
+  EXPECT_EQ(values.front(), ValueView(false));
+  EXPECT_FALSE(rows.Next(values, 1));
 }
 
 }  // namespace
