@@ -138,6 +138,17 @@ BareRows BarePostgres::Run(const char* name, const std::vector<const char*>& val
                                 nullptr, nullptr, 0));
 }
 
+// Sent as one text, as a driver does.
+BareRows BarePostgres::RunAlone(const char* name, const std::vector<const char*>& values) {
+  std::string sql = std::string("RELEASE alone;SAVEPOINT alone;EXECUTE ") + name;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    sql += i == 0 ? " ('" : ", '";
+    for (const char* c = values[i]; *c != '\0'; ++c) sql.append(*c == '\'' ? 2 : 1, *c);
+    sql += '\'';
+  }
+  return Execute(sql + ")");
+}
+
 void BarePostgres::Copy(const std::string& sql, const std::vector<std::string>& pieces) {
   PGconn* connection = m_connection.get();
   Execute(sql);

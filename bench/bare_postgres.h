@@ -62,6 +62,8 @@ class BarePostgres {
   }
   void Prepare(const char* name, const char* sql);
   BareRows Run(const char* name, const std::vector<const char*>& values);
+  // The same in a transaction that has a savepoint "alone", and takes only itself back if it fails.
+  BareRows RunAlone(const char* name, const std::vector<const char*>& values);
   void Copy(const std::string& sql, const std::vector<std::string>& pieces);
 
  private:

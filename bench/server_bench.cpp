@@ -3,7 +3,10 @@
 // columns that the dialog does not read; one comparison without a limit has both read the same columns:
 //   server: scan          the detail tree's statement, the texts of every row read
 //   server: latest        the newest versions in one set; bare: their saved query is read, which ours makes
-//   server: mark by name  10,000 files found by name and marked, committed at least every 100 ms
+//   server: mark by name  10,000 files found by name and marked, committed at least every 100 ms; a statement
+//   that
+//                         fails takes nothing else back, so both sides use savepoints (see the line without
+//                         them)
 //   server: mark by id    the same rows marked by their number
 //   server: apply         10,000 files are ticked, Apply is pressed; bare: marked by name, then listed
 // Also the round trips per applied file, counted by a relay between the driver and the server.
@@ -151,7 +154,9 @@ class Latest : public Listing {
 // Shared by marking comparisons: the rows to mark, and a catalog without marks before each.
 class Marking : public Comparison {
  public:
-  explicit Marking(std::int64_t rows) : m_database(ServerCatalog(rows)), m_rows(rows), m_bare(m_database) {
+  // `alone`: a bare statement that fails takes only itself back, as ours does.
+  explicit Marking(std::int64_t rows, bool alone = true)
+      : m_database(ServerCatalog(rows)), m_rows(rows), m_alone(alone), m_bare(m_database) {
     const BareRows all = m_bare.Execute("SELECT ID, Filename FROM Catalog ORDER BY ID");
     for (std::int64_t row = 0; row < all.Count(); ++row) {
       m_ids.push_back(static_cast<std::int32_t>(all.Integer(row, 0)));
@@ -179,7 +184,7 @@ class Marking : public Comparison {
     bool inGroup = false;
     for (std::size_t i = 0; i < steps; ++i) {
       if (!inGroup) {
-        server.Execute("BEGIN");
+        server.Execute("BEGIN;SAVEPOINT alone");
         due = Clock::now() + std::chrono::milliseconds(100);
         inGroup = true;
       }
@@ -191,12 +196,16 @@ class Marking : public Comparison {
     if (inGroup) server.Execute("COMMIT");
   }
 
+  BareRows Run(BarePostgres& server, const char* name, const std::vector<const char*>& values) const {
+    return m_alone ? server.RunAlone(name, values) : server.Run(name, values);
+  }
+
   void MarkById(BarePostgres& server, const std::string& id) const {
-    Expect(server.Run("mark", {"1", id.c_str()}).Changed() == 1, "no row " + id);
+    Expect(Run(server, "mark", {"1", id.c_str()}).Changed() == 1, "no row " + id);
   }
 
   void MarkByName(BarePostgres& server, const std::string& name) const {
-    const BareRows found = server.Run("find", {"1", kBenchExtension, name.c_str()});
+    const BareRows found = Run(server, "find", {"1", kBenchExtension, name.c_str()});
     Expect(found.Count() == 1, "no row for " + name);
     MarkById(server, std::string(found.Text(0, 5)));
   }
@@ -208,6 +217,7 @@ class Marking : public Comparison {
 
   std::string m_database;
   std::int64_t m_rows;
+  bool m_alone;
   BarePostgres m_bare;
   std::vector<std::int32_t> m_ids;
   std::vector<std::string> m_names;
@@ -302,6 +312,11 @@ int main(int count, char** words) {
   compare("server: latest of one set", 100000, 5, Make<Latest>());
   compare("server: mark by file name", kMarkedFiles, 5, Make<MarkingByName>());
   compare("server: mark by id", kMarkedFiles, 5, Make<MarkingById>());
+  Compare({.name = "server: mark by file name, no savepoints",
+           .rows = kMarkedFiles,
+           .limit = {},
+           .repetitions = 5},
+          Make<MarkingByName>(false));
   compare("server: apply", kMarkedFiles, 5, Make<Apply>());
   return RunBenchmarks(count, words);
 }

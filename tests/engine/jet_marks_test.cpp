@@ -237,17 +237,29 @@ TEST_F(DesktopMarks, FollowAChangeByAnotherProgram) {
   const SampleCopy copy("telling-2003.mdb");
   m_workspace->BeginAction();
   const auto database = m_workspace->OpenDatabase(copy.Request());
-  const auto rows =
-      database->OpenRecordset("SELECT ID, Restore FROM Catalog WHERE ID > 1006", RecordsetType::kDynaset);
+  const auto open = [&] {
+    return database->OpenRecordset("SELECT ID, Restore FROM Catalog WHERE ID > 1006",
+                                   RecordsetType::kDynaset);
+  };
+  const auto change = [&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    copy.Change(MarkedByOthers);
+  };
+  const auto rows = open();
   EXPECT_TRUE(Marked(*database).empty());
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  copy.Change(MarkedByOthers);
+  change();
   EXPECT_EQ(Marked(*database), Strings{"1007"});
   // The row may be a different one now.
   ExpectError(error_number::kRecordDeleted, "Catalog", [&] { Change(*rows, "Restore", true); });
   Mark(*database, 1008);
-  m_workspace->EndAction();
+  m_workspace->Flush();
   EXPECT_EQ(copy.Changed().size(), 2u);
+  // A change that the mark itself is the first to see.
+  const auto again = open();
+  change();
+  ExpectError(error_number::kRecordDeleted, "Catalog", [&] { Change(*again, "Restore", true); });
+  m_workspace->EndAction();
+  EXPECT_EQ(copy.Changed().size(), 1u);
 }
 
 // The file's time does not show a change within one tick of the file system's clock. The page is therefore
